@@ -1,0 +1,167 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "accounts/order_window.h"
+#include "accounts/saved_lists.h"
+#include "core/MGeneral.h"
+#include "core/displayable.h"
+#include "core/file_dialog.h"
+#include "core/label.h"
+#include "core/text_box.h"
+#include "sessions/CClientAPIManagers.h"
+#include "sessions/CLoginOptions.h"
+#include "sessions/desk.h"
+#include "sessions/frmaccount.h"
+
+namespace tutti {
+
+// Accounts list: one row per client account with its connection state and summary. Logs accounts in and out,
+// removes, saves and loads them, and splits amounts over the accounts of the market order window.
+//
+// Rows are keyed "C" and the session number. Holds the login options, the session collection and the account
+// dialog from load() on.
+class frmMain final : public AccountsDesk, public Displayable {
+ public:
+  enum Column : std::size_t {
+    index,
+    user_name,
+    state,
+    account,
+    notes,
+    balance,
+    floating,
+    credit,
+    equity,
+    used_margin,
+    margin_level,
+    free_margin
+  };
+
+  frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, FileDialog& dialog,
+          ClientFactory make_client, Endpoint own_server);
+
+  RowList lvwClients{{"Index", "Username", "Connection Status ", "Account", "Notes", "Balance", "Flt P/L",
+                      "Credit", "Equity", "Used Margin", "Margin Level", "Free Margin"}};
+  TextBox txteditLo;
+  Label labelinfo1;
+  Label labelinfo2;
+  WaveControl& MMCWave;
+  FileDialog& CommonDialog1;
+
+  // Makes login options and collection, sets the widths, reads the saved list and logs its accounts in. Fails
+  // when a data file can't be read; the text names file and line.
+  tl::expected<void, FileError> load();
+  // Ends every session, saving nothing; the terminal is about to close.
+  void end_sessions();
+  void attach(OrderWindow& window) { order_window_ = &window; }
+
+  CLoginOptions& login_options() { return *options_; }
+  CClientAPIManagers& sessions() { return *sessions_; }
+  frmaccount& account_dialog() { return *account_dialog_; }
+
+  // Saved lists.
+  tl::expected<void, FileError> LoadAccounts();
+  void savedListViw(std::string_view user, std::string_view password, std::int32_t account);
+  void saveConnected(std::string_view user, std::string_view password, std::int32_t account);
+  void mnuload_Click();
+  void mnusaveas_Click();
+  bool loaded() const { return loaded_; }
+
+  // Rows.
+  Row* addToListView(std::string_view user, std::int32_t account, bool connected, std::string_view notes,
+                     std::int32_t index);
+  void refreshsummery_Click(Row& row);
+  // The row the operator stands on, else the selected one; nullptr when there is none.
+  Row* mainClientListItem() const;
+  // Refills the market watch from the current session.
+  void loadmainsymbols();
+
+  // Commands of the operator. Keys are those of the list.
+  void add_account() { account_dialog_->open_add(); }
+  void edit_account();
+  void cmdfunlogin();
+  void LoginClient(RowKey key);
+  // The same for the row with a duplicate key.
+  void login_account(std::string_view account_key);
+  void LogoutClient(RowKey key);
+  void MnuConnecte_Click();
+  void MnuDisconnecte_Click();
+  void mnuRemove_Click();
+  void mnuclear_Click();
+  void logout_all();
+  void MnuAbout_Click() const;
+  std::function<void()> show_about;
+  void Message(std::string_view text) { general_.message_box(text); }
+  // In-place editor of a row's notes.
+  void edit_notes(Row& row);
+  void commit_notes();
+
+  // Once a second: how long each row has been connecting, and how old the newest quote is.
+  void m_oTimer_Tick();
+  std::optional<std::chrono::seconds> connecting_for(const Row& row) const;
+  std::chrono::seconds quote_age() const { return quote_age_; }
+
+  // Key filter of every amount and price box: digits, one ".", Backspace; 0 swallows the key.
+  static std::int16_t askycodekeypress(std::int16_t key, std::string_view text);
+  // Text of a request code for the result columns. A request that was taken is journaled with its data and
+  // sounds. `kind` is "SLTP " for a stop-loss/take-profit request.
+  std::string Result(std::int32_t code, std::int32_t account, std::string_view kind,
+                     std::string_view description, double price, std::string_view stop_loss,
+                     std::string_view take_profit);
+  // Splits an amount over the market order window's ticked accounts; see Distribution.
+  void Distribute(double amount, std::int16_t type, const SymbolCollection::Entry& symbol);
+  // Called whenever symbol, rule or amount of an order window changes; nothing hangs on it yet.
+  void clearammountfromlistview() {}
+  // True when all three values of a saved account are there.
+  static bool ValidateData(std::string_view user, std::string_view password, std::string_view account);
+
+  // AccountsDesk
+  Row* add_client(const CClientAPIManager& session, bool connected, std::string_view notes) override;
+  void remove_client(Row& row) override { lvwClients.remove(row); }
+  void renumber_client(Row& row, std::int32_t number) override;
+  void refresh_summary(Row& row) override { refreshsummery_Click(row); }
+  void select_client(Row& row) override { lvwClients.select(row); }
+  bool has_account(std::string_view account_key) const override;
+  Row* selected_client() const override;
+  void record_connected(const CClientAPIManager& session) override;
+  void forget_account(std::string_view user, std::int32_t account) override;
+  void save_account(const CClientAPIManager& session) override;
+
+ private:
+  struct RowData {
+    std::string duplicate_key;
+    std::optional<TimePoint> connecting_since;
+    std::chrono::seconds connecting_for{0};
+  };
+
+  CClientAPIManager* session_of(const Row& row) const;
+  std::vector<Row*> all_rows();
+  void remove_rows(const std::vector<Row*>& rows);
+  void forget(const std::vector<std::string>& keys);
+  void report(const tl::expected<void, FileError>& done, std::int32_t account);
+  static void recolour(Row& row);
+
+  MGeneral& general_;
+  Desk& desk_;
+  SymbolCollection& symbols_;
+  ClientFactory make_client_;
+  Endpoint own_server_;
+  SavedLists lists_;
+  std::unique_ptr<CLoginOptions> options_;
+  std::unique_ptr<CClientAPIManagers> sessions_;
+  std::unique_ptr<frmaccount> account_dialog_;
+  OrderWindow* order_window_ = nullptr;
+  std::string edited_notes_;  // duplicate key of the row whose notes are in the editor
+  std::chrono::seconds quote_age_{0};
+  bool loaded_ = false;
+};
+
+}  // namespace tutti

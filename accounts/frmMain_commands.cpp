@@ -1,0 +1,200 @@
+// What the operator does in the accounts list: log in and out, edit, remove, save and load.
+
+#include <algorithm>
+
+#include "accounts/frmMain.h"
+#include "core/numbers.h"
+
+namespace tutti {
+namespace {
+
+std::string line_numbers(const std::vector<std::size_t>& lines) {
+  std::string out;
+  for (const std::size_t line : lines)
+    out += (out.empty() ? "" : ", ") + std::to_string(line);
+  return out;
+}
+
+}  // namespace
+
+void frmMain::report(const tl::expected<void, FileError>& done, std::int32_t account) {
+  if (!done) general_.log("Not saved: " + done.error().text(), account);
+}
+
+tl::expected<void, FileError> frmMain::LoadAccounts() {
+  const auto content = lists_.read_all();
+  if (!content) return tl::unexpected(content.error());
+  for (const SavedLists::Record& record : content->records) {
+    const auto added =
+        account_dialog_->accept_quietly(record.user, record.password, std::to_string(record.account));
+    if (added == frmaccount::Added::full) break;
+    if (added == frmaccount::Added::yes) LoginClient(client_key(sessions_->Count()));
+  }
+  if (!content->skipped_lines.empty()) {
+    general_.log("Saved accounts: skipped what is no user name, password and account number in lines " +
+                     line_numbers(content->skipped_lines) + " of " +
+                     general_.paths.file(lists_.all()).filename().string(),
+                 no_account);
+  }
+  loaded_ = true;
+  return {};
+}
+
+void frmMain::savedListViw(std::string_view user, std::string_view password, std::int32_t account) {
+  if (!ValidateData(user, password, std::to_string(account))) return;
+  report(lists_.append(lists_.all(), {std::string{user}, std::string{password}, account}), account);
+}
+
+void frmMain::saveConnected(std::string_view user, std::string_view password, std::int32_t account) {
+  if (!ValidateData(user, password, std::to_string(account))) return;
+  report(lists_.append(lists_.connected(), {std::string{user}, std::string{password}, account}), account);
+}
+
+void frmMain::record_connected(const CClientAPIManager& session) {
+  report(lists_.update(lists_.all(), {session.user(), session.password(), session.account()}),
+         session.account());
+  saveConnected(session.user(), session.password(), session.account());
+}
+
+void frmMain::save_account(const CClientAPIManager& session) {
+  savedListViw(session.user(), session.password(), session.account());
+}
+
+void frmMain::forget(const std::vector<std::string>& keys) {
+  report(lists_.forget(keys), no_account);
+  report(remove_records(general_.files, general_.account_file, keys), no_account);
+}
+
+void frmMain::forget_account(std::string_view user, std::int32_t account) {
+  forget({account_key(user, account)});
+}
+
+void frmMain::mnuload_Click() {
+  const std::string chosen =
+      CommonDialog1.open_file("Load File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*");
+  if (chosen.empty()) return;
+  // The chosen file may be one of the two lists, so it is read before they are discarded.
+  const auto content = read_file(general_.paths.file(chosen));
+  if (!content) return Message("The list was not loaded, nothing is changed: " + content.error().text());
+  report(lists_.discard(), no_account);
+  sessions_->Clear();
+  report(replace_file(general_.paths.file(lists_.all()), *content), no_account);
+  if (const auto read = LoadAccounts(); !read) Message("The list was not loaded: " + read.error().text());
+  desk_.close_positions->refresh_symbols();
+}
+
+void frmMain::mnusaveas_Click() {
+  if (lvwClients.empty()) return Message("There is no data in the list");
+  const std::string chosen =
+      CommonDialog1.save_file("Save File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*");
+  if (chosen.empty()) return;
+  const auto copied = general_.files.copy(lists_.connected(), chosen);
+  if (!copied) Message("The list of connected accounts was not saved: " + copied.error().text());
+}
+
+void frmMain::edit_account() {
+  const Row* row = selected_client();
+  const CClientAPIManager* session = row == nullptr ? nullptr : session_of(*row);
+  if (session == nullptr) return;
+  const auto record = find_record(general_.files, general_.account_file, session->duplicate_key());
+  account_dialog_->open_edit(*session, record.has_value(), record && record->auto_login);
+}
+
+void frmMain::cmdfunlogin() {
+  for (Row* row : all_rows())
+    LoginClient(row->key());
+}
+
+void frmMain::LoginClient(RowKey key) {
+  Row* row = lvwClients.find(key);
+  if (row == nullptr) return;
+  CClientAPIManager* session = session_of(*row);
+  if (session != nullptr && row->reads(Column::state, "Disconnected")) {
+    session->ClientAPIF().Login();
+    row->set_text(Column::state, "Connecting");
+    row->data<RowData>().connecting_since = general_.clock.now();
+  }
+  recolour(*row);
+}
+
+void frmMain::login_account(std::string_view key) {
+  for (Row& row : lvwClients) {
+    if (row.data<RowData>().duplicate_key == key) return LoginClient(row.key());
+  }
+}
+
+void frmMain::end_sessions() {
+  if (sessions_ != nullptr) sessions_->Clear();
+}
+
+void frmMain::LogoutClient(RowKey key) {
+  Row* row = lvwClients.find(key);
+  if (row == nullptr) return;
+  const auto number = static_cast<std::int32_t>(row->cell(Column::account).stored_number());
+  desk_.pending->remove_account(number);
+  if (CClientAPIManager* session = session_of(*row)) session->ClientAPIF().Logout();
+  general_.play_sound("\\sounds\\Disconnect.wav");
+  recolour(*row);
+  row->clear_cells(Column::notes, Column::free_margin);
+  desk_.market_order->remove_account(number);
+  desk_.close_positions->refresh_symbols();
+}
+
+void frmMain::MnuConnecte_Click() {
+  for (Row* row : lvwClients.selected())
+    LoginClient(row->key());
+}
+
+void frmMain::MnuDisconnecte_Click() {
+  for (Row* row : lvwClients.selected()) {
+    if (row->reads(Column::state, "Connected")) LogoutClient(row->key());
+  }
+}
+
+void frmMain::logout_all() {
+  for (Row* row : all_rows()) {
+    if (row->reads(Column::state, "Connected")) LogoutClient(row->key());
+  }
+}
+
+std::vector<Row*> frmMain::all_rows() {
+  std::vector<Row*> out;
+  for (Row& row : lvwClients)
+    out.push_back(&row);
+  return out;
+}
+
+void frmMain::mnuRemove_Click() {
+  MnuDisconnecte_Click();
+  remove_rows(lvwClients.selected());
+}
+
+void frmMain::mnuclear_Click() {
+  logout_all();
+  remove_rows(all_rows());
+}
+
+void frmMain::remove_rows(const std::vector<Row*>& rows) {
+  // Numbers change with every removal; sessions do not.
+  std::vector<CClientAPIManager*> gone;
+  std::vector<std::string> keys;
+  for (const Row* row : rows) {
+    CClientAPIManager* session = session_of(*row);
+    if (session == nullptr) continue;
+    gone.push_back(session);
+    keys.push_back(session->duplicate_key());
+    desk_.pending->remove_account(session->account());
+  }
+  // From the last one up, so that few sessions stand behind the removed one.
+  std::sort(gone.begin(), gone.end(), [](const auto* a, const auto* b) { return a->key() > b->key(); });
+  for (CClientAPIManager* session : gone)
+    sessions_->Remove(client_key(session->key()).text());
+  if (!keys.empty()) forget(keys);
+  desk_.close_positions->refresh_symbols();
+}
+
+void frmMain::MnuAbout_Click() const {
+  if (show_about) show_about();
+}
+
+}  // namespace tutti

@@ -1,0 +1,36 @@
+#include "apps/console_prompt.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+#include "core/frmMsgBox.h"
+#include "core/frmSure.h"
+
+namespace tutti {
+
+void ConsolePrompt::run(frmMsgBox& box) {
+  const bool question = box.cmd2.visible();
+  fmt::print(stderr, "{}: {}{}\n", box.caption(), box.label.text(),
+             question ? (yes_ ? " Yes" : " No (--yes answers yes)") : "");
+  if (question && !yes_) {
+    box.cmd2_Click();
+  } else {
+    box.cmd1_Click();
+  }
+}
+
+void ConsolePrompt::run(frmSure& box) {
+  fmt::print(stderr, "{} {}\n", box.label.text(), yes_ ? "Yes" : "No (--yes answers yes)");
+  if (yes_) {
+    box.cmd1_Click();
+  } else {
+    box.cmd2_Click();
+  }
+}
+
+void ConsolePrompt::system_box(std::string_view text, std::string_view caption) {
+  fmt::print(stderr, "{}: {}\n", caption, text);
+}
+
+}  // namespace tutti

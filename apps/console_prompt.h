@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/file_dialog.h"
+#include "core/prompt.h"
+#include "core/sound_port.h"
+
+namespace tutti {
+
+// Messages and questions on a terminal without a screen: texts go to standard error, questions are answered
+// at once, and nothing waits for anybody.
+class ConsolePrompt final : public Prompt {
+ public:
+  // `yes` answers every question with yes, otherwise with no.
+  explicit ConsolePrompt(bool yes) : yes_(yes) {}
+
+  void run(frmMsgBox& box) override;
+  void run(frmSure& box) override;
+  void system_box(std::string_view text, std::string_view caption) override;
+
+ private:
+  bool yes_;
+};
+
+class SilentSound final : public SoundPort {
+ public:
+  void play(const std::string&) override {}
+};
+
+// There is nobody to choose a file.
+class NoFileDialog final : public FileDialog {
+ public:
+  std::string open_file(std::string_view, std::string_view, std::string_view) override { return {}; }
+  std::string save_file(std::string_view, std::string_view, std::string_view) override { return {}; }
+};
+
+}  // namespace tutti

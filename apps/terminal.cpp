@@ -1,0 +1,119 @@
+#include "apps/terminal.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <thread>
+#include <utility>
+
+namespace tutti {
+
+namespace {
+constexpr std::chrono::milliseconds longest_pause{10};
+}
+
+Terminal::Terminal(TerminalOptions options) : options_(std::move(options)), prompt_(options_.yes) {}
+
+Terminal::~Terminal() = default;
+
+tl::expected<std::unique_ptr<Terminal>, FileError> Terminal::open(const TerminalOptions& options) {
+  std::unique_ptr<Terminal> terminal{new Terminal(options)};
+  if (auto started = terminal->start(); !started) return tl::unexpected(started.error());
+  return terminal;
+}
+
+tl::expected<void, FileError> Terminal::start() {
+  DealerConfig config = DealerConfig::sample();
+  if (!options_.dealer_file.empty()) {
+    auto loaded = DealerConfig::load(options_.dealer_file);
+    if (!loaded) return tl::unexpected(loaded.error());
+    config = std::move(*loaded);
+  }
+  server_ = std::make_unique<DealingServer>(std::move(config), clock_);
+  if (!options_.fresh) {
+    if (auto loaded = server_->load_book(book_file()); !loaded) return loaded;
+  }
+  saved_revision_ = server_->book_revision();
+  if (auto written = write_first_list(); !written) return written;
+
+  main_ = std::make_unique<Main>(
+      options_.home, MachinePorts{clock_, prompt_, sound_, locale_, file_dialog_},
+      ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint});
+  if (!options_.precision.empty()) main_->general().hold_amount_precision(options_.precision);
+  return main_->start();
+}
+
+tl::expected<void, FileError> Terminal::write_first_list() {
+  const Paths paths{options_.home};
+  const TextFile files{paths};
+  const SavedLists lists{files, paths};
+  if (files.exists(lists.all()) || files.exists("\\Manage\\Acountinfo.buf")) return {};
+  std::vector<SavedLists::Record> records;
+  for (const AccountConfig& account : server_->config().accounts) {
+    records.push_back({account.user, account.password, account.number});
+  }
+  return lists.write_all(records);
+}
+
+void Terminal::step() {
+  server_->advance();
+  main_->deliver_events();
+  MessageQueue& messages = main_->messages();
+  for (; messages.current() != nullptr; messages.dismiss()) {
+    prompt_.system_box(messages.current()->text, messages.current()->caption);
+  }
+  const TimePoint now = clock_.now();
+  if (now < next_tick_) return;
+  main_->tick();
+  next_tick_ = now + std::chrono::seconds{1};
+}
+
+bool Terminal::run_until(const std::function<bool()>& done) {
+  const auto deadline =
+      clock_.now() + std::chrono::milliseconds{static_cast<long>(options_.timeout * 1000.0)};
+  for (;;) {
+    step();
+    if (done()) return true;
+    const TimePoint now = clock_.now();
+    if (now >= deadline) return false;
+    const TimePoint due = server_->next_due().value_or(deadline);
+    std::this_thread::sleep_for(std::clamp(due - now, std::chrono::milliseconds{1}, longest_pause));
+  }
+}
+
+bool Terminal::logins_done(std::size_t& done) const {
+  frmMain& accounts = main_->accounts();
+  done = 0;
+  for (const Row& row : accounts.lvwClients) {
+    const bool waiting = row.reads(frmMain::state, "Connecting");
+    // A connected account is ready once its data are there and the order window has it, or was found unknown.
+    const auto number = static_cast<std::int32_t>(row.cell(frmMain::account).stored_number());
+    const bool loading =
+        row.reads(frmMain::state, "Connected") && main_->market_order().account_row(number) == nullptr;
+    if (!waiting && !loading) ++done;
+  }
+  return done == accounts.lvwClients.size();
+}
+
+void Terminal::log_in() {
+  const bool show = isatty(STDERR_FILENO) != 0;
+  const std::size_t all = main_->accounts().lvwClients.size();
+  run_until([&] {
+    std::size_t done = 0;
+    const bool over = logins_done(done);
+    if (show) fmt::print(stderr, "\rLogging in {}/{}", done, all);
+    return over;
+  });
+  if (show) fmt::print(stderr, "\r\x1b[K");
+}
+
+tl::expected<void, FileError> Terminal::save_book() {
+  if (server_->book_revision() == saved_revision_ && !options_.fresh) return {};
+  auto saved = server_->save_book(book_file());
+  if (saved) saved_revision_ = server_->book_revision();
+  return saved;
+}
+
+}  // namespace tutti

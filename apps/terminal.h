@@ -1,0 +1,76 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <tl/expected.hpp>
+
+#include "apps/console_prompt.h"
+#include "core/clock.h"
+#include "core/locale_port.h"
+#include "dealer/dealing_server.h"
+#include "shell/Main.h"
+
+namespace tutti {
+
+// What every command of the command line takes.
+struct TerminalOptions {
+  std::filesystem::path home;         // application folder
+  std::filesystem::path dealer_file;  // empty: the sample market and accounts
+  bool fresh = false;                 // start the dealing server's book anew
+  bool yes = false;                   // answer questions with yes
+  std::string precision;              // decimals of shares for this run; empty: as the settings file has it
+  bool json = false;
+  double timeout = 40.0;  // seconds to wait for logins, and again for answers
+};
+
+// Exit statuses of the command line.
+namespace exit_status {
+inline constexpr int all_accepted = 0;
+inline constexpr int some_refused = 1;
+inline constexpr int usage = 2;
+inline constexpr int unreadable_data = 3;
+}  // namespace exit_status
+
+// A whole terminal without a screen: the embedded dealing server in real time, and the program on top of it.
+class Terminal {
+ public:
+  // Reads the configuration and the book, starts the program. A home folder without any saved account gets
+  // those of the dealing server as its list.
+  static tl::expected<std::unique_ptr<Terminal>, FileError> open(const TerminalOptions& options);
+  ~Terminal();
+
+  Main& main() { return *main_; }
+  const TerminalOptions& options() const { return options_; }
+
+  // Runs until the condition holds or the time is over; true when it held.
+  bool run_until(const std::function<bool()>& done);
+  // Waits until no account is on its way any more; shows how far it is when standard error is a terminal.
+  void log_in();
+  // Writes the dealing server's book when it changed.
+  tl::expected<void, FileError> save_book();
+
+ private:
+  explicit Terminal(TerminalOptions options);
+  tl::expected<void, FileError> start();
+  tl::expected<void, FileError> write_first_list();
+  void step();
+  std::filesystem::path book_file() const { return options_.home / "dealer-book.toml"; }
+  bool logins_done(std::size_t& done) const;
+
+  TerminalOptions options_;
+  SystemClock clock_;
+  ConsolePrompt prompt_;
+  SilentSound sound_;
+  ProcessLocale locale_;
+  NoFileDialog file_dialog_;
+  std::unique_ptr<DealingServer> server_;
+  std::unique_ptr<Main> main_;
+  std::uint64_t saved_revision_ = 0;
+  TimePoint next_tick_{};
+};
+
+}  // namespace tutti

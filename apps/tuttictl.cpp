@@ -1,0 +1,113 @@
+// The terminal without a screen, for scripts and servers.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <string>
+
+#include "apps/commands.h"
+#include "apps/terminal.h"
+#include "core/numbers.h"
+#include "core/texts.h"
+
+namespace {
+
+using namespace tutti;
+
+// Text of "all" or "N,N,..."; an error message when it is neither.
+std::string read_accounts(const std::string& text, std::vector<std::int32_t>& out) {
+  if (text == "all") return {};
+  for (const auto piece : split(text, ",")) {
+    const auto number = parse_int32(piece);
+    if (!number) return "--accounts takes \"all\" or account numbers with commas between them, not " + text;
+    out.push_back(*number);
+  }
+  return {};
+}
+
+std::string check_amount(const std::string& text) {
+  const auto value = parse_number(text);
+  const bool keys = text.find_first_not_of("0123456789.") == std::string::npos;
+  return value && keys && *value > 0.0 ? std::string{} : "must be a number of lots above 0, such as 12.5";
+}
+
+std::string check_precision(const std::string& text) {
+  const auto value = parse_int32(text);
+  return value && *value >= 0 && *value <= 15 ? std::string{} : "must be a whole number from 0 to 15";
+}
+
+int finish(Terminal& terminal, int status) {
+  if (const auto saved = terminal.save_book(); !saved) {
+    fmt::print(stderr, "The dealing server's book was not saved: {}\n", saved.error().text());
+    return exit_status::unreadable_data;
+  }
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"Trades many client accounts at once, without a screen."};
+  app.require_subcommand(1);
+  app.fallthrough();
+
+  TerminalOptions options;
+  std::error_code error;
+  options.home = std::filesystem::canonical("/proc/self/exe", error).parent_path();
+  if (error) options.home = std::filesystem::absolute(argv[0]).parent_path();
+  app.add_option("--home", options.home, "Application folder, with the folders manage, History and sounds");
+  app.add_option("--dealer", options.dealer_file, "Configuration of the dealing server (TOML)");
+  app.add_flag("--fresh", options.fresh, "Start the dealing server's book anew");
+  app.add_flag("--yes", options.yes, "Answer questions with yes");
+  app.add_flag("--json", options.json, "Print for machines");
+  app.add_option("--precision", options.precision, "Decimals of shares, for this run")
+      ->check(check_precision);
+  app.add_option("--timeout", options.timeout, "Seconds to wait for logins, and again for answers")
+      ->check(CLI::Range(0.1, 3600.0));
+
+  CLI::App* accounts = app.add_subcommand("accounts", "Log all accounts in and show them");
+
+  CLI::App* order = app.add_subcommand("order", "Split a market order over accounts and send it");
+  OrderArguments order_arguments;
+  std::string buy;
+  std::string sell;
+  std::string wanted = "all";
+  auto* side = order->add_option_group("side");
+  side->add_option("--buy", buy, "Symbol to buy");
+  side->add_option("--sell", sell, "Symbol to sell");
+  side->require_option(1);
+  order->add_option("--amount", order_arguments.amount, "Total, in lots")->required()->check(check_amount);
+  const std::map<std::string, int> rules = {{"equal", 0}, {"margin", 1}, {"equity", 2}};
+  order->add_option("--rule", order_arguments.rule, "equal, margin (free margin) or equity")
+      ->required()
+      ->transform(CLI::CheckedTransformer(rules));
+  order->add_option("--accounts", wanted, "all, or account numbers with commas between them");
+  order->add_flag("--dry-run", order_arguments.dry_run, "Stop after the shares");
+
+  CLI::App* journal = app.add_subcommand("journal", "Show the history of one account");
+  std::int32_t journal_account = 0;
+  journal->add_option("account", journal_account, "Account number")->required();
+
+  try {
+    app.parse(argc, argv);
+    order_arguments.buy = !buy.empty();
+    order_arguments.symbol = order_arguments.buy ? buy : sell;
+    if (const std::string wrong = read_accounts(wanted, order_arguments.accounts); !wrong.empty()) {
+      throw CLI::ValidationError(wrong);
+    }
+  } catch (const CLI::ParseError& parse_error) {
+    return app.exit(parse_error) == 0 ? 0 : exit_status::usage;
+  }
+
+  const auto terminal = Terminal::open(options);
+  if (!terminal) {
+    fmt::print(stderr, "{}\n", terminal.error().text());
+    return exit_status::unreadable_data;
+  }
+  int status = exit_status::all_accepted;
+  if (accounts->parsed()) status = accounts_command(**terminal);
+  if (order->parsed()) status = order_command(**terminal, order_arguments);
+  if (journal->parsed()) status = journal_command(**terminal, journal_account);
+  return finish(**terminal, status);
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/colours.h"
+
+namespace tutti {
+
+// How the number of a cell becomes text when somebody reads it.
+enum class NumberFormat : std::uint8_t {
+  general,  // up to 15 significant digits
+  summary,  // at most two decimals
+  percent,  // as summary, followed by "%"
+  index,    // whole number of at least two digits
+};
+
+// One cell of a row: a text, or a number with its format. Sixteen bytes, since lists hold many thousands.
+class Cell {
+ public:
+  Cell() = default;
+  Cell(Cell&& other) noexcept { swap(other); }
+  Cell& operator=(Cell&& other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~Cell() {
+    if (kind_ == Kind::text) delete value_.text;
+  }
+
+  void set_number(double number, NumberFormat format) {
+    if (kind_ == Kind::text) drop_text();
+    value_.number = number;
+    kind_ = Kind::number;
+    format_ = format;
+  }
+  void set_text(std::string_view text);
+  void set_ink(Ink ink) { ink_ = ink; }
+
+  bool empty() const { return kind_ == Kind::empty; }
+  // What the operator reads.
+  std::string text() const;
+  // The number behind the cell: what read_number makes of its text.
+  double number() const;
+  // The number as it was set, 0 for texts: for cells that hold whole numbers or are summed up.
+  double stored_number() const { return kind_ == Kind::number ? value_.number : 0.0; }
+  // Same as text() == other; numbers never equal a word.
+  bool reads(std::string_view other) const;
+  Ink ink() const { return ink_; }
+
+ private:
+  enum class Kind : std::uint8_t { empty, number, text };
+  union Value {
+    double number = 0.0;
+    std::string* text;  // owned while kind_ is text
+  };
+
+  void drop_text();
+  void swap(Cell& other) noexcept;
+
+  Value value_;
+  Kind kind_ = Kind::empty;
+  NumberFormat format_ = NumberFormat::general;
+  Ink ink_ = Ink::plain;
+};
+static_assert(sizeof(Cell) == 16);
+
+}  // namespace tutti

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+
+namespace tutti {
+
+// A moment in UTC, to the millisecond.
+using TimePoint = std::chrono::sys_time<std::chrono::milliseconds>;
+
+// Port to the machine's clock. Everything that depends on time asks one of these, so tests turn it by hand.
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  virtual TimePoint now() const = 0;
+  // What to add to a UTC moment for the operator's wall clock.
+  virtual std::chrono::seconds utc_offset(TimePoint moment) const = 0;
+};
+
+// The machine's own clock and time zone.
+class SystemClock final : public Clock {
+ public:
+  TimePoint now() const override;
+  std::chrono::seconds utc_offset(TimePoint moment) const override;
+};
+
+// Stands still until it is moved. Wall clock is UTC.
+class ManualClock final : public Clock {
+ public:
+  explicit ManualClock(TimePoint start = TimePoint{std::chrono::seconds{1'767'225'600}}) : now_(start) {}
+  TimePoint now() const override { return now_; }
+  std::chrono::seconds utc_offset(TimePoint) const override { return std::chrono::seconds{0}; }
+  void advance(std::chrono::milliseconds step) { now_ += step; }
+
+ private:
+  TimePoint now_;
+};
+
+}  // namespace tutti

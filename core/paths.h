@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace tutti {
+
+// Finds the program's files below the application folder. Fixed names come with either slash and in any
+// letter case ("\Manage\Acountinfo.buf", "/sounds/connect.wav") and always mean one file.
+class Paths {
+ public:
+  explicit Paths(std::filesystem::path application_folder);
+
+  const std::filesystem::path& application_folder() const { return folder_; }
+  // Application folder & name, the text callers hand around; nothing is looked up.
+  std::string full(std::string_view name) const { return folder_.string() + std::string{name}; }
+  // The file behind a full text or a name below the application folder. A name that exists in no letter
+  // case stays as written.
+  std::filesystem::path file(std::string_view name) const;
+
+ private:
+  std::filesystem::path child(const std::filesystem::path& folder, std::string_view name) const;
+
+  std::filesystem::path folder_;
+};
+
+}  // namespace tutti

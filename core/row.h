@@ -1,0 +1,100 @@
+#pragma once
+
+#include <any>
+#include <cassert>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/cell.h"
+#include "core/row_key.h"
+
+namespace tutti {
+
+// One row of a RowList. Rows are made by their list, keep their address while they live, and stamp
+// themselves on every change so that a window can pull just what differs.
+class Row {
+ public:
+  Row(RowKey key, std::size_t columns, std::uint64_t* list_stamp)
+      : key_(key), list_stamp_(list_stamp), cells_(columns) {
+    touch();
+  }
+  Row(const Row&) = delete;
+  Row& operator=(const Row&) = delete;
+
+  RowKey key() const { return key_; }
+  std::uint64_t stamp() const { return stamp_; }
+  bool checked() const { return checked_; }
+  bool selected() const { return selected_; }
+  std::size_t columns() const { return cells_.size(); }
+
+  const Cell& cell(std::size_t column) const {
+    assert(column < cells_.size());
+    return cells_[column];
+  }
+  std::string text(std::size_t column) const { return cell(column).text(); }
+  bool reads(std::size_t column, std::string_view text) const { return cell(column).reads(text); }
+
+  void set_text(std::size_t column, std::string_view text) { edit(column).set_text(text); }
+  void set_text(std::size_t column, std::string_view text, Ink ink) {
+    Cell& cell = edit(column);
+    cell.set_text(text);
+    cell.set_ink(ink);
+  }
+  void set_ink(std::size_t column, Ink ink) { edit(column).set_ink(ink); }
+  void set_number(std::size_t column, double number, NumberFormat format = NumberFormat::general) {
+    edit(column).set_number(number, format);
+  }
+  // Several cells in a row under one stamp, from `first` on. The pointer is good until the row goes.
+  Cell* edit_from(std::size_t first, std::size_t count) {
+    assert(first + count <= cells_.size());
+    (void)count;
+    touch();
+    return cells_.data() + first;
+  }
+  void clear_cells(std::size_t first, std::size_t last) {
+    for (std::size_t column = first; column <= last; ++column)
+      set_text(column, "");
+  }
+  void set_checked(bool checked) {
+    checked_ = checked;
+    touch();
+  }
+  void set_selected(bool selected) {
+    selected_ = selected;
+    touch();
+  }
+
+  // Hidden data of the row's own; each list keeps one type here.
+  template <class T>
+  T& data() {
+    if (data_.type() != typeid(T)) data_ = T{};
+    return *std::any_cast<T>(&data_);
+  }
+  template <class T>
+  const T* data_if() const {
+    return std::any_cast<T>(&data_);
+  }
+
+ private:
+  friend class RowList;
+
+  Cell& edit(std::size_t column) {
+    assert(column < cells_.size());
+    touch();
+    return cells_[column];
+  }
+  void touch() { stamp_ = ++*list_stamp_; }
+
+  RowKey key_;
+  std::uint64_t stamp_ = 0;
+  std::uint64_t* list_stamp_;  // the owning list's counter
+  std::int64_t place_ = 0;     // index within the list plus the list's first place
+  bool checked_ = false;
+  bool selected_ = false;
+  std::vector<Cell> cells_;
+  std::any data_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,120 @@
+#include "core/row_list.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace tutti {
+
+RowList::RowList(std::vector<std::string> headers) {
+  for (std::string& header : headers)
+    columns_.push_back({std::move(header), 0.0});
+}
+
+void RowList::set_column_width(std::size_t column, double percent) {
+  assert(column < columns_.size());
+  columns_[column].width = percent;
+  ++stamp_;
+}
+
+Row* RowList::insert(std::size_t index, RowKey key) {
+  assert(index <= rows_.size());
+  if (!key.empty() && by_key_.contains(key.packed())) return nullptr;
+  auto owned = std::make_unique<Row>(key, columns_.size(), &stamp_);
+  Row* row = owned.get();
+  if (index == 0) {
+    // The rows behind keep their places; only the list's first place moves.
+    row->place_ = --first_place_;
+    rows_.push_front(std::move(owned));
+  } else {
+    row->place_ = first_place_ + static_cast<std::int64_t>(index);
+    const auto at = rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(index), std::move(owned));
+    std::for_each(std::next(at), rows_.end(), [](auto& behind) { ++behind->place_; });
+  }
+  if (!key.empty()) by_key_.emplace(key.packed(), row);
+  structure_changed();
+  return row;
+}
+
+void RowList::remove(Row& row) {
+  const std::size_t index = index_of(row);
+  assert(index < rows_.size() && rows_[index].get() == &row);
+  if (!row.key_.empty()) by_key_.erase(row.key_.packed());
+  if (current_ == &row) current_ = nullptr;
+  if (index == 0) {
+    ++first_place_;
+    rows_.pop_front();
+  } else {
+    const auto at = rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(index));
+    std::for_each(at, rows_.end(), [](auto& behind) { --behind->place_; });
+  }
+  structure_changed();
+}
+
+void RowList::clear() {
+  take_all();
+}
+
+bool RowList::rekey(Row& row, RowKey key) {
+  if (row.key_ == key) return true;
+  if (!key.empty() && !by_key_.emplace(key.packed(), &row).second) return false;
+  if (!row.key_.empty()) by_key_.erase(row.key_.packed());
+  row.key_ = key;
+  row.touch();
+  return true;
+}
+
+std::deque<std::unique_ptr<Row>> RowList::take_all() {
+  by_key_.clear();
+  current_ = nullptr;
+  first_place_ = 0;
+  structure_changed();
+  return std::exchange(rows_, {});
+}
+
+void RowList::put_back(std::deque<std::unique_ptr<Row>> rows) {
+  for (auto& row : rows) {
+    if (!row->key_.empty()) by_key_.emplace(row->key_.packed(), row.get());
+  }
+  rows.insert(rows.end(), std::make_move_iterator(rows_.begin()), std::make_move_iterator(rows_.end()));
+  rows_ = std::move(rows);
+  first_place_ = 0;
+  std::int64_t place = 0;
+  for (auto& row : rows_)
+    row->place_ = place++;
+  structure_changed();
+}
+
+std::vector<Row*> RowList::selected() const {
+  std::vector<Row*> out;
+  for (const auto& row : rows_) {
+    if (row->selected_) out.push_back(row.get());
+  }
+  return out;
+}
+
+std::size_t RowList::checked_count() const {
+  return static_cast<std::size_t>(
+      std::count_if(rows_.begin(), rows_.end(), [](const auto& row) { return row->checked_; }));
+}
+
+void RowList::tick(Row& row, bool checked) {
+  row.set_checked(checked);
+  if (on_tick) on_tick(row);
+}
+
+void RowList::select(Row& row) {
+  for (auto& other : rows_) {
+    if (other->selected_ && other.get() != &row) other->set_selected(false);
+  }
+  row.set_selected(true);
+  current_ = &row;
+  if (on_select) on_select(row);
+}
+
+void RowList::activate(Row& row) {
+  current_ = &row;
+  if (on_activate) on_activate(row);
+}
+
+}  // namespace tutti

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tsl/robin_map.h>
+
+#include "core/row.h"
+
+namespace tutti {
+
+struct Column {
+  std::string header;
+  double width = 0.0;  // share of the list's width, in percent
+};
+
+// The state of every list and grid: ordered rows, each with an optional unique key.
+//
+// Find is one hash look-up, insertion at either end is cheap, elsewhere it costs as much as the rows behind.
+// Every change raises stamp(); a change in which rows there are, or in their order, also raises
+// structure_stamp(). What a program does is silent; tick, select and activate are the operator's and run the
+// handler. Indices run from 0.
+class RowList {
+ public:
+  RowList() = default;
+  explicit RowList(std::vector<std::string> headers);
+  RowList(const RowList&) = delete;
+  RowList& operator=(const RowList&) = delete;
+
+  const std::vector<Column>& columns() const { return columns_; }
+  void set_column_width(std::size_t column, double percent);
+
+  std::size_t size() const { return rows_.size(); }
+  bool empty() const { return rows_.empty(); }
+  Row& row(std::size_t index) { return *rows_[index]; }
+  const Row& row(std::size_t index) const { return *rows_[index]; }
+  std::size_t index_of(const Row& row) const { return static_cast<std::size_t>(row.place_ - first_place_); }
+
+  // nullptr when no row has the key.
+  Row* find(RowKey key) const {
+    const auto at = by_key_.find(key.packed());
+    return at == by_key_.end() ? nullptr : at->second;
+  }
+
+  // nullptr when the key is taken. An empty key is never taken.
+  Row* insert(std::size_t index, RowKey key = {});
+  Row* add(RowKey key = {}) { return insert(rows_.size(), key); }
+  void remove(Row& row);
+  void clear();
+  // False when another row has the key.
+  bool rekey(Row& row, RowKey key);
+  // Takes all rows out, in order, and puts such rows back in front of what stands there now.
+  std::deque<std::unique_ptr<Row>> take_all();
+  void put_back(std::deque<std::unique_ptr<Row>> rows);
+
+  Row* current() const { return current_; }
+  void set_current(Row* row) { current_ = row; }
+  std::vector<Row*> selected() const;
+  std::size_t checked_count() const;
+
+  std::uint64_t stamp() const { return stamp_; }
+  std::uint64_t structure_stamp() const { return structure_stamp_; }
+
+  // The operator ticks a row's box, picks a row alone, or double-clicks one.
+  void tick(Row& row, bool checked);
+  void select(Row& row);
+  void activate(Row& row);
+  std::function<void(Row&)> on_tick;
+  std::function<void(Row&)> on_select;
+  std::function<void(Row&)> on_activate;
+
+  auto begin() { return Iterator{rows_.begin()}; }
+  auto end() { return Iterator{rows_.end()}; }
+  auto begin() const { return Iterator{rows_.begin()}; }
+  auto end() const { return Iterator{rows_.end()}; }
+
+ private:
+  template <class It>
+  struct Iterator {
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = Row;
+    using difference_type = std::ptrdiff_t;
+    using pointer = Row*;
+    using reference = Row&;
+
+    It at;
+    Row& operator*() const { return **at; }
+    Iterator& operator++() {
+      ++at;
+      return *this;
+    }
+    bool operator==(const Iterator& other) const { return at == other.at; }
+  };
+  template <class It>
+  Iterator(It) -> Iterator<It>;
+
+  void structure_changed() { structure_stamp_ = ++stamp_; }
+
+  std::vector<Column> columns_;
+  std::deque<std::unique_ptr<Row>> rows_;
+  tsl::robin_map<std::uint64_t, Row*> by_key_;
+  std::int64_t first_place_ = 0;
+  Row* current_ = nullptr;
+  std::uint64_t stamp_ = 0;
+  std::uint64_t structure_stamp_ = 0;
+};
+
+}  // namespace tutti

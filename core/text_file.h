@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "core/file_writer.h"
+#include "core/paths.h"
+
+namespace tutti {
+
+// Line-oriented text files of the data folder. Lines end with "\n"; a "\r" before it is dropped on reading.
+// File names are those Paths takes; lines are counted from 1. A missing file has no lines and is no error.
+class TextFile {
+ public:
+  enum class Mode { create, append };
+
+  explicit TextFile(const Paths& paths) : paths_(paths) {}
+
+  bool exists(std::string_view name) const;
+  tl::expected<std::vector<std::string>, FileError> lines(std::string_view name) const;
+  // Empty beyond the last line, and when the file is missing or unreadable.
+  std::string line(std::string_view name, std::size_t number) const;
+
+  // Create replaces the whole file by the one line.
+  tl::expected<void, FileError> write_line(std::string_view name, std::string_view line, Mode mode) const;
+  tl::expected<void, FileError> write_lines(std::string_view name,
+                                            const std::vector<std::string>& lines) const;
+  tl::expected<void, FileError> remove(std::string_view name) const;
+  tl::expected<void, FileError> copy(std::string_view from, std::string_view to) const;
+
+ private:
+  const Paths& paths_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tutti {
+
+// Blanks off both ends; blanks only, no tabs or line ends.
+std::string_view trim(std::string_view text);
+// ASCII letters in upper (lower) case; other bytes stay, so UTF-8 survives.
+std::string upper(std::string_view text);
+std::string lower(std::string_view text);
+// Pieces between separators, empty ones kept; the empty text gives one empty piece.
+std::vector<std::string_view> split(std::string_view text, std::string_view separator);
+
+}  // namespace tutti

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tutti {
+
+// One client account as configured. Balance and credit are where it starts; the book goes on from there.
+struct AccountConfig {
+  std::string user;      // compared without case; one user may own several accounts
+  std::string password;  // compared without case
+  std::int32_t number = 0;
+  std::string name;  // holder
+  std::string currency = "USD";
+  double balance = 0.0;
+  double credit = 0.0;
+  double leverage = 100.0;
+  std::vector<std::string> hidden_symbols;  // names of symbols the account does not carry
+  bool privilege = true;                    // may trade
+  bool hedging = true;                      // may hold opposite positions in one symbol
+  std::int32_t reply_request = 0;           // request code every market order gets; 0: as it deserves
+  std::int32_t reply_result = 0;            // result code every market order ends with; 0: as it deserves
+};
+
+}  // namespace tutti

@@ -1,0 +1,182 @@
+#include <algorithm>
+#include <limits>
+#include <set>
+#include <utility>
+
+#include "core/numbers.h"
+#include "core/texts.h"
+#include "dealer/dealer_config.h"
+#include "dealer/table_reader.h"
+
+namespace tutti {
+namespace {
+
+constexpr std::int64_t longest_wait = 3'600'000;  // milliseconds
+constexpr std::int64_t most_accounts = 100'000;
+constexpr double most_lots = 1e6;
+constexpr double most_money = 1e12;
+constexpr double highest_price = 1e9;
+constexpr double most_points = 1e9;
+constexpr std::int32_t largest_number = std::numeric_limits<std::int32_t>::max();
+
+// Reads the tables of one configuration in turn; the first fault ends all.
+class ConfigReader {
+ public:
+  explicit ConfigReader(const toml::table& root) : root_(root) {}
+
+  // The replay file is named in `replay`, not read.
+  tl::expected<DealerConfig, std::string> read(std::string& replay) {
+    TableReader reader(root_, fault_);
+    const auto symbols = reader.tables("symbol");
+    const auto accounts = reader.tables("account");
+    bool sample_symbols = true;
+    std::int64_t sample_accounts = accounts.empty() ? 12 : 0;
+    reader.flag("sample_symbols", sample_symbols);
+    reader.integer("sample_accounts", sample_accounts, 0, most_accounts);
+    config_ = DealerConfig::sample(static_cast<int>(sample_accounts));
+    if (!sample_symbols) config_.symbols.clear();
+    read_general(reader);
+    reader.text("replay", replay);
+    for (const toml::table* table : symbols)
+      read_symbol(*table);
+    for (const toml::table* table : accounts)
+      read_account(*table);
+    reader.finish();
+    if (fault_) return tl::unexpected(*fault_);
+    return std::move(config_);
+  }
+
+ private:
+  void read_general(TableReader& reader) {
+    auto seed = static_cast<std::int64_t>(config_.seed);
+    reader.integer("seed", seed, 0, std::numeric_limits<std::int64_t>::max());
+    config_.seed = static_cast<std::uint64_t>(seed);
+    reader.number("minimum_lot", config_.min_lot, 1e-8, most_lots);
+    reader.number("maximum_lot", config_.max_lot, 1e-8, most_lots);
+    reader.number("lot_step", config_.lot_step, 0.0, most_lots);
+    reader.integer("first_number", config_.first_number, 1, std::numeric_limits<std::int64_t>::max() / 2);
+    read_wait(reader, "login_latency_ms", config_.login_latency, 0);
+    read_wait(reader, "order_latency_ms", config_.order_latency, 0);
+    read_wait(reader, "unreachable_after_ms", config_.unreachable_after, 0);
+    read_wait(reader, "tick_interval_ms", config_.tick_interval, 1);
+    read_endpoint(reader);
+  }
+
+  void read_wait(TableReader& reader, std::string_view key, std::chrono::milliseconds& wait,
+                 std::int64_t shortest) {
+    std::int64_t count = wait.count();
+    reader.integer(key, count, shortest, longest_wait);
+    wait = std::chrono::milliseconds{count};
+  }
+
+  void read_endpoint(TableReader& reader) {
+    std::string text;
+    reader.text("endpoint", text);
+    if (text.empty()) return;
+    const auto parts = split(text, ":");
+    const auto port = parts.size() == 2 ? parse_int32(parts[1]) : std::nullopt;
+    if (!port || *port < 1 || *port > 65535 || parts[0].empty())
+      return reader.complain("endpoint", "must be written as \"ADDRESS:PORT\"");
+    config_.endpoint = {std::string{parts[0]}, *port};
+  }
+
+  void read_symbol(const toml::table& table) {
+    TableReader reader(table, fault_);
+    SymbolConfig read;
+    reader.require("name");
+    reader.text("name", read.name);
+    const auto at = std::find_if(config_.symbols.begin(), config_.symbols.end(),
+                                 [&](const SymbolConfig& symbol) { return symbol.name == read.name; });
+    const bool known = at != config_.symbols.end();
+    if (known) read = *at;
+    if (!names_.insert(read.name).second) reader.complain("name", "is given twice");
+    if (!known)
+      for (const char* key : {"base", "profit"})
+        reader.require(key);
+    reader.integer("digits", read.digits, 0, 8);
+    reader.number("contract_size", read.contract_size, 1e-6, 1e9);
+    reader.number("bid", read.bid, 0.0, highest_price);
+    reader.number("spread", read.spread, 0.0, most_points);
+    reader.number("limit_distance", read.limit_distance, 0.0, most_points);
+    reader.number("stop_distance", read.stop_distance, 0.0, most_points);
+    reader.number("volatility", read.volatility, 0.0, most_points);
+    reader.text("base", read.base);
+    reader.text("profit", read.profit);
+    read_trading(reader, read.trading);
+    reader.finish();
+    if (known)
+      *at = std::move(read);
+    else
+      config_.symbols.push_back(std::move(read));
+  }
+
+  static void read_trading(TableReader& reader, Trading& trading) {
+    std::string word = "open";
+    if (!reader.has("trading")) return;
+    reader.text("trading", word);
+    trading = word == "closed" ? Trading::closed : word == "halted" ? Trading::halted : Trading::open;
+    if (trading == Trading::open && word != "open")
+      reader.complain("trading", "must be \"open\", \"closed\" or \"halted\"");
+  }
+
+  void read_account(const toml::table& table) {
+    TableReader reader(table, fault_);
+    std::int32_t number = 0;
+    reader.require("number");
+    reader.integer("number", number, 1, largest_number);
+    const auto at = std::find_if(config_.accounts.begin(), config_.accounts.end(),
+                                 [&](const AccountConfig& account) { return account.number == number; });
+    const bool known = at != config_.accounts.end();
+    AccountConfig read = known ? *at : AccountConfig{};
+    read.number = number;
+    if (!numbers_.insert(number).second) reader.complain("number", "is given twice");
+    if (!known)
+      for (const char* key : {"user", "password"})
+        reader.require(key);
+    reader.text("user", read.user);
+    reader.text("password", read.password);
+    reader.text("name", read.name);
+    reader.text("currency", read.currency);
+    reader.number("balance", read.balance, -most_money, most_money);
+    reader.number("credit", read.credit, -most_money, most_money);
+    reader.number("leverage", read.leverage, 0.01, 1e6);
+    reader.texts("hidden_symbols", read.hidden_symbols);
+    reader.flag("privilege", read.privilege);
+    reader.flag("hedging", read.hedging);
+    reader.integer("reply_request", read.reply_request, 0, 1000);
+    reader.integer("reply_result", read.reply_result, 0, 1000);
+    reader.finish();
+    if (known)
+      *at = std::move(read);
+    else
+      config_.accounts.push_back(std::move(read));
+  }
+
+  const toml::table& root_;
+  std::optional<std::string> fault_;
+  DealerConfig config_;
+  std::set<std::string> names_;
+  std::set<std::int32_t> numbers_;
+};
+
+}  // namespace
+
+tl::expected<DealerConfig, FileError> DealerConfig::load(const std::filesystem::path& file) {
+  const auto content = read_file(file);
+  if (!content) return tl::unexpected(content.error());
+  std::optional<std::string> fault;
+  const auto root = parse_toml(*content, fault);
+  if (!root) return tl::unexpected(FileError{file, *fault});
+  std::string replay;
+  auto config = ConfigReader(*root).read(replay);
+  if (!config) return tl::unexpected(FileError{file, config.error()});
+  if (!replay.empty()) {
+    auto ticks = load_ticks(file.parent_path() / replay);
+    if (!ticks) return tl::unexpected(ticks.error());
+    config->ticks = std::move(*ticks);
+  }
+  if (const auto wrong = config->fault()) return tl::unexpected(FileError{file, *wrong});
+  return std::move(*config);
+}
+
+}  // namespace tutti

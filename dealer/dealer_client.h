@@ -1,0 +1,55 @@
+#pragma once
+
+#include "dealer/dealer_session.h"
+#include "dealer/dealing_server.h"
+#include "sessions/contract/ClientAPI.h"
+
+namespace tutti {
+
+// The trading client of the embedded dealing server: what ClientAPI promises, answered from the server's own
+// state. Entry orders, stop loss and take profit are not offered yet and are refused.
+class DealerClient final : public ClientAPI {
+ public:
+  DealerClient(DealingServer& server, EventQueue& queue);
+  ~DealerClient() override;
+
+  void set_sink(CLAPICLASS* sink) override;
+  void SetLoginData(const LoginData& data) override;
+  void Login() override;
+  int SymbolCount() const override;
+  const Symbol* SymbolItem(int index) const override;
+  const Symbol* SymbolRecord(std::string_view symbol) const override;
+  const Symbol* FindSymbol(std::string_view symbol) const override;
+  int OpenPositionCount() const override;
+  const OpenPosition* OpenPositionItem(int index) const override;
+  int PendingOrderCount() const override;
+  const PendingOrder* PendingOrderItem(int index) const override;
+  std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
+                              std::string_view) override;
+  std::int32_t NewEntryOrder(const EntryOrder& order) override;
+  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops) override;
+  std::int32_t AcceptRequote(std::int64_t order) override;
+  std::int32_t RejectRequote(std::int64_t order) override;
+  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view) override;
+  bool LoggedIn() const override;
+  void Logout() override;
+  SummaryAnswer GetAccountSummary(std::int32_t account) const override;
+  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) override;
+  double EvaluateSLTPPrice(double amount, double at_price, std::string_view tag, double price,
+                           double& value) const override;
+  double SymbolLimitDistance(std::string_view symbol) const override;
+  double SymbolStopDistance(std::string_view symbol) const override;
+  std::optional<AccountInfo> FindAccount(std::int32_t number) const override;
+  double MinimumLot() const override;
+  double MaximumLot() const override;
+
+ private:
+  // Place in the market of a symbol that the account carries.
+  std::optional<std::size_t> carried(std::string_view symbol) const;
+
+  DealingServer& server_;
+  DealerSession session_;
+  LoginData data_;
+};
+
+}  // namespace tutti

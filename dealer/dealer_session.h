@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "core/clock.h"
+#include "dealer/event_queue.h"
+#include "dealer/market.h"
+#include "dealer/trading_account.h"
+#include "sessions/contract/CLAPICLASS.h"
+
+namespace tutti {
+
+// The connection of one trading client, as the server sees it: how far it is logged in, the symbols its
+// account carries, and the news on their way to the event sink.
+//
+// News that only say that something moved wait at most once each; what they carry is read when they arrive.
+class DealerSession {
+ public:
+  enum class Link : std::uint8_t { off, connecting, on };
+
+  // Keeps references to both.
+  DealerSession(EventQueue& queue, const Market& market);
+  ~DealerSession();
+  DealerSession(const DealerSession&) = delete;
+  DealerSession& operator=(const DealerSession&) = delete;
+
+  // Without a sink nothing is queued; what waits for the old one is taken back.
+  void set_sink(CLAPICLASS* sink);
+
+  Link link() const { return link_; }
+  // Account number of the last login, owned or not.
+  std::int32_t number() const { return number_; }
+  // The account that is logged in; nullptr when none, or when the user does not own the number.
+  TradingAccount* account() const { return account_; }
+  // Record by place in the market; its id is 0 when the account does not carry it. Only while `on`.
+  const Symbol& symbol(std::size_t index) const { return symbols_[index]; }
+
+  // The steps of a connection, each with its news.
+  void connect(std::int32_t number);
+  void refuse();
+  void open(TradingAccount* account);
+  // `dropped`: the server ended it. A login that is still running ends too.
+  void end(bool dropped);
+
+  // News while `on`.
+  void tell_price(const Market::Move& move);
+  void tell_floating();
+  // `anew`: behind everything that is queued now, even if one waits farther ahead.
+  void tell_summary(bool anew);
+  void tell_time(TimePoint time);
+  void tell_position(PositionNews::Change change, const OpenPosition& position);
+  void tell_report(bool close, const OrderReport& report);
+
+  // Hands one event to the sink; false when it had become void. The sink may destroy this session.
+  bool deliver(const News& news);
+
+ private:
+  void post(News news);
+  void load_symbols();
+  void forget_waiting();
+  bool pass(CLAPICLASS& sink, Signal signal);
+  bool pass(CLAPICLASS& sink, WaitingNews news);
+  bool pass(CLAPICLASS& sink, ConnectionNews news);
+  bool pass(CLAPICLASS& sink, PriceNews news);
+  bool pass(CLAPICLASS& sink, HighLowNews news);
+  bool pass(CLAPICLASS& sink, FloatingNews news);
+  bool pass(CLAPICLASS& sink, SummaryNews news);
+  bool pass(CLAPICLASS& sink, TimeNews news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<ReportNews>& news);
+
+  EventQueue& queue_;
+  const Market& market_;
+  CLAPICLASS* sink_ = nullptr;
+  Link link_ = Link::off;
+  std::int32_t number_ = -1;
+  TradingAccount* account_ = nullptr;
+  std::vector<Symbol> symbols_;
+  std::vector<bool> price_waiting_;
+  std::vector<bool> high_low_waiting_;
+  bool summary_waiting_ = false;
+  bool time_waiting_ = false;
+  bool list_waiting_ = false;  // positions_loaded is in the queue; what changes before is part of that list
+  TimePoint time_{};
+};
+
+}  // namespace tutti

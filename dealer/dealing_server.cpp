@@ -1,0 +1,251 @@
+#include "dealer/dealing_server.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+#include "core/texts.h"
+#include "dealer/book_file.h"
+#include "dealer/dealer_client.h"
+#include "dealer/dealer_session.h"
+#include "dealer/random.h"
+
+namespace tutti {
+namespace {
+
+// True for as long as a handler runs, however it ends.
+class Flag {
+ public:
+  explicit Flag(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Flag() { flag_ = false; }
+  Flag(const Flag&) = delete;
+  Flag& operator=(const Flag&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+bool same_text(std::string_view a, std::string_view b) {
+  return upper(a) == upper(b);
+}
+
+bool reaches(const Endpoint& wanted, const Endpoint& own) {
+  return wanted.address.empty() || (same_text(wanted.address, own.address) && wanted.port == own.port);
+}
+
+TimePoint next_whole_second(TimePoint at) {
+  return std::chrono::floor<std::chrono::seconds>(at) + std::chrono::seconds{1};
+}
+
+}  // namespace
+
+DealingServer::DealingServer(DealerConfig config, const Clock& clock)
+    : config_(std::move(config)),
+      clock_(clock),
+      time_(clock.now()),
+      next_second_(next_whole_second(time_)),
+      market_(config_, time_),
+      rates_(market_),
+      desk_(config_, market_) {
+  assert(!config_.fault());
+  accounts_.reserve(config_.accounts.size());
+  for (const AccountConfig& account : config_.accounts) {
+    by_number_.emplace(account.number, accounts_.size());
+    accounts_.emplace_back(account, market_, rates_);
+  }
+}
+
+DealingServer::~DealingServer() = default;
+
+std::unique_ptr<ClientAPI> DealingServer::make_client() {
+  return std::make_unique<DealerClient>(*this, queue_);
+}
+
+TimePoint DealingServer::now() const {
+  return std::max(time_, clock_.now() + lag_);
+}
+
+std::optional<TimePoint> DealingServer::next_moment() const {
+  std::optional<TimePoint> next = market_.next_due();
+  const auto consider = [&](std::optional<TimePoint> moment) {
+    if (moment && (!next || *moment < *next)) next = moment;
+  };
+  consider(desk_.next_due());
+  if (!logins_.empty()) consider(logins_.begin()->first);
+  if (!online_.empty()) consider(next_second_);
+  return next;
+}
+
+std::optional<TimePoint> DealingServer::next_due() const {
+  const auto moment = next_moment();
+  if (!moment) return std::nullopt;
+  return *moment - lag_;
+}
+
+void DealingServer::advance() {
+  if (delivering_) return;
+  // A clock that is set back stops nothing: the server's own time goes on from where it was.
+  if (clock_.now() + lag_ < time_) lag_ = time_ - clock_.now();
+  const TimePoint target = clock_.now() + lag_;
+  market_.skip_to(target);
+  next_second_ = std::max(next_second_, TimePoint{std::chrono::floor<std::chrono::seconds>(target)});
+  for (auto due = next_moment(); due && *due <= target; due = next_moment())
+    run(*due);
+  time_ = target;
+  revalue();
+}
+
+void DealingServer::run(TimePoint at) {
+  time_ = std::max(time_, at);
+  if (const auto due = market_.next_due(); due && *due <= at) move_market();
+  desk_.run(at);
+  while (!logins_.empty() && logins_.begin()->first <= at)
+    finish_login(std::move(logins_.extract(logins_.begin()).mapped()));
+  if (!online_.empty() && next_second_ <= at) tell_time(at);
+}
+
+void DealingServer::move_market() {
+  const std::vector<Market::Move>& moves = market_.step();
+  if (moves.empty()) return;
+  rates_.update();
+  stale_ = true;
+  for (DealerSession* session : online_)
+    for (const Market::Move& move : moves)
+      session->tell_price(move);
+}
+
+void DealingServer::tell_time(TimePoint at) {
+  next_second_ = next_whole_second(at);
+  for (DealerSession* session : online_)
+    session->tell_time(at);
+}
+
+void DealingServer::revalue() {
+  if (!stale_) return;
+  stale_ = false;
+  for (TradingAccount& account : accounts_) {
+    const bool changed = account.revalue();
+    DealerSession* session = account.session();
+    if (session == nullptr) continue;
+    session->tell_floating();
+    if (changed) session->tell_summary(false);
+  }
+}
+
+bool DealingServer::deliver_next() {
+  if (delivering_) return false;
+  Event event;
+  while (queue_.pop(event)) {
+    if (event.session == nullptr) continue;
+    delivered_account_ = event.session->number();
+    const Flag delivering(delivering_);
+    if (event.session->deliver(event.news)) return true;
+  }
+  return false;
+}
+
+void DealingServer::login(DealerSession& session, const LoginData& data) {
+  session.connect(data.account);
+  const auto number = static_cast<std::uint64_t>(static_cast<std::uint32_t>(data.account));
+  const auto wait = reaches(data.server, config_.endpoint)
+                        ? with_jitter(config_.login_latency, scatter(config_.seed, number))
+                        : config_.unreachable_after;
+  logins_.emplace(now() + wait, PendingLogin{&session, data});
+}
+
+void DealingServer::finish_login(PendingLogin login) {
+  DealerSession& session = *login.session;
+  if (!reaches(login.data.server, config_.endpoint)) return session.end(false);
+  if (!known_user(login.data)) return session.refuse();
+  TradingAccount* account = owned_account(login.data.user, login.data.account);
+  // One session per account: whoever comes later takes over.
+  if (account != nullptr && account->session() != nullptr) end_session(*account->session());
+  if (online_.empty()) next_second_ = next_whole_second(time_);
+  online_.push_back(&session);
+  if (account != nullptr) account->revalue();
+  session.open(account);
+}
+
+void DealingServer::logout(DealerSession& session) {
+  std::erase_if(logins_, [&](const auto& entry) { return entry.second.session == &session; });
+  std::erase(online_, &session);
+  if (session.link() != DealerSession::Link::off) session.end(false);
+}
+
+void DealingServer::end_session(DealerSession& session) {
+  std::erase(online_, &session);
+  session.end(true);
+}
+
+bool DealingServer::drop(std::int32_t account) {
+  const auto at = std::find_if(online_.begin(), online_.end(),
+                               [&](const DealerSession* session) { return session->number() == account; });
+  if (at == online_.end()) return false;
+  end_session(**at);
+  return true;
+}
+
+bool DealingServer::known_user(const LoginData& data) const {
+  return std::any_of(config_.accounts.begin(), config_.accounts.end(), [&](const AccountConfig& account) {
+    return same_text(account.user, data.user) && same_text(account.password, data.password);
+  });
+}
+
+TradingAccount* DealingServer::owned_account(std::string_view user, std::int32_t number) {
+  const auto at = by_number_.find(number);
+  if (at == by_number_.end() || !same_text(accounts_[at->second].config().user, user)) return nullptr;
+  return &accounts_[at->second];
+}
+
+const TradingAccount* DealingServer::find_account(std::int32_t number) const {
+  const auto at = by_number_.find(number);
+  return at == by_number_.end() ? nullptr : &accounts_[at->second];
+}
+
+tl::expected<void, FileError> DealingServer::load_book(const std::filesystem::path& file) {
+  assert(online_.empty());
+  std::error_code error;
+  if (!std::filesystem::exists(file, error)) return {};
+  auto book = read_book(file);
+  if (!book) return tl::unexpected(book.error());
+  const auto known = [&](std::int32_t account) { return by_number_.contains(account); };
+  const auto complain = [&](std::int32_t account, const std::string& symbol) {
+    return tl::unexpected(FileError{
+        file, "account " + std::to_string(account) + " trades " + symbol + ", which is not in this market"});
+  };
+  for (const BookState::Account& account : book->accounts)
+    for (const OpenPosition& position : account.positions)
+      if (known(account.number) && !market_.find(position.symbol))
+        return complain(account.number, position.symbol);
+  for (const MarketRequest& request : book->requests)
+    if (known(request.account) && !market_.find(request.symbol))
+      return complain(request.account, request.symbol);
+
+  desk_.set_next_number(std::max(config_.first_number, book->next_number));
+  absent_ = {};
+  for (BookState::Account& account : book->accounts) {
+    if (known(account.number))
+      accounts_[by_number_[account.number]].restore(account);
+    else
+      absent_.accounts.push_back(std::move(account));
+  }
+  for (MarketRequest& request : book->requests) {
+    if (known(request.account))
+      desk_.resume(accounts_[by_number_[request.account]], request, now());
+    else
+      absent_.requests.push_back(std::move(request));
+  }
+  return {};
+}
+
+tl::expected<void, FileError> DealingServer::save_book(const std::filesystem::path& file) const {
+  BookState book = absent_;
+  book.next_number = desk_.next_number();
+  for (const TradingAccount& account : accounts_)
+    book.accounts.push_back(account.state());
+  for (MarketRequest& request : desk_.requests())
+    book.requests.push_back(std::move(request));
+  return replace_file(file, book_text(book));
+}
+
+}  // namespace tutti

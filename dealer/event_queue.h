@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <variant>
+#include <vector>
+
+#include "sessions/contract/open_position.h"
+#include "sessions/contract/order_report.h"
+
+namespace tutti {
+
+class DealerSession;
+
+// What a session is told. Frequent news are small and name only what moved, so that the values are read when
+// they are delivered; rare ones carry their record as it was.
+enum class Signal : std::uint8_t {
+  all_loaded,
+  invalid_login,
+  orders_loaded,
+  positions_loaded,
+  session_closed,
+  symbols_loaded,
+};
+struct WaitingNews {
+  std::int32_t mode = 0;
+};
+struct ConnectionNews {
+  bool connected = false;
+};
+struct PriceNews {
+  std::size_t symbol = 0;
+};
+struct HighLowNews {
+  std::size_t symbol = 0;
+};
+struct FloatingNews {
+  std::int64_t ticket = 0;
+};
+struct SummaryNews {};
+struct TimeNews {};
+struct PositionNews {
+  enum class Change : std::uint8_t { opened, changed, closed };
+  Change change = Change::opened;
+  OpenPosition position;
+};
+struct ReportNews {
+  bool close = false;
+  OrderReport report;
+};
+using News = std::variant<Signal, WaitingNews, ConnectionNews, PriceNews, HighLowNews, FloatingNews,
+                          SummaryNews, TimeNews, std::unique_ptr<PositionNews>, std::unique_ptr<ReportNews>>;
+
+struct Event {
+  DealerSession* session = nullptr;  // nullptr once the session wants it no more
+  News news;
+};
+
+// The one queue of the server, first in, first out over all sessions. Its memory is kept and used again.
+class EventQueue {
+ public:
+  void push(DealerSession& session, News news);
+  // Moves the oldest event out; false when none is left.
+  bool pop(Event& event);
+  // Takes back everything that waits for a session.
+  void forget(const DealerSession& session);
+  // The same, but for order results, connection states and waiting modes, which outlive a connection.
+  void forget_connection(const DealerSession& session);
+
+ private:
+  std::vector<Event> events_;
+  std::size_t head_ = 0;
+};
+
+}  // namespace tutti

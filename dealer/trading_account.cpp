@@ -1,0 +1,148 @@
+#include "dealer/trading_account.h"
+
+#include <algorithm>
+
+#include "core/numbers.h"
+#include "sessions/contract/codes.h"
+
+namespace tutti {
+namespace {
+
+// Amounts are kept to this many decimals, so that parts add up to the whole.
+constexpr int amount_decimals = 8;
+
+}  // namespace
+
+TradingAccount::TradingAccount(const AccountConfig& config, const Market& market, RateTable& rates)
+    : config_(config),
+      market_(market),
+      rates_(rates),
+      currency_(rates.add_currency(config.currency)),
+      balance_(config.balance),
+      credit_(config.credit),
+      ids_(market.count(), 0) {
+  for (std::size_t s = 0; s < market.count(); ++s) {
+    const auto& hidden = config.hidden_symbols;
+    if (std::find(hidden.begin(), hidden.end(), market.symbol(s).name) == hidden.end()) carried_.push_back(s);
+  }
+  // Every account counts from another start, as numbers that belong to a connection do.
+  const std::size_t shift = static_cast<std::size_t>(config.number);
+  for (std::size_t i = 0; i < carried_.size(); ++i)
+    ids_[carried_[i]] = static_cast<std::int32_t>(1 + (i + shift) % carried_.size());
+}
+
+std::optional<std::size_t> TradingAccount::symbol_of_id(std::int32_t id) const {
+  const auto at = std::find(ids_.begin(), ids_.end(), id);
+  if (id <= 0 || at == ids_.end()) return std::nullopt;
+  return static_cast<std::size_t>(at - ids_.begin());
+}
+
+TradingAccount::Position* TradingAccount::find_position(std::int64_t ticket) {
+  const auto at = std::lower_bound(
+      positions_.begin(), positions_.end(), ticket,
+      [](const Position& position, std::int64_t key) { return position.record.ticket < key; });
+  return at == positions_.end() || at->record.ticket != ticket ? nullptr : &*at;
+}
+
+bool TradingAccount::opposed(std::size_t symbol, std::int32_t side) const {
+  return std::any_of(positions_.begin(), positions_.end(), [&](const Position& position) {
+    return position.symbol == symbol && position.record.side != side;
+  });
+}
+
+AccountSummary TradingAccount::summary() const {
+  AccountSummary summary;
+  summary.balance = balance_;
+  summary.floating_pl = floating_;
+  summary.credit = credit_;
+  summary.equity = balance_ + credit_ + floating_;
+  summary.used_margin = used_margin_ > 0.0 ? -used_margin_ : 0.0;
+  summary.margin_level = used_margin_ > 0.0 ? summary.equity / used_margin_ : 0.0;
+  summary.free_margin = summary.equity - used_margin_;
+  return summary;
+}
+
+bool TradingAccount::revalue() {
+  double floating = 0.0;
+  double used = 0.0;
+  for (Position& position : positions_) {
+    OpenPosition& record = position.record;
+    const Quote& quote = market_.quote(position.symbol);
+    if (quote.known()) {
+      const double price = record.side == operation::buy ? quote.bid : quote.ask;
+      const double worth = profit(position.symbol, record.side, record.amount, record.open_price, price);
+      position.moved = position.moved || price != record.current_price || worth != record.floating_pl;
+      record.current_price = price;
+      record.floating_pl = worth;
+    }
+    floating += record.floating_pl + record.commission + record.interest;
+    used += margin(position.symbol, record.amount);
+  }
+  const bool changed = floating != floating_ || used != used_margin_;
+  floating_ = floating;
+  used_margin_ = used;
+  return changed;
+}
+
+double TradingAccount::free_margin_with(std::size_t symbol, double amount) const {
+  const Quote& quote = market_.quote(symbol);
+  const double loss = profit(symbol, operation::buy, amount, quote.ask, quote.bid);
+  return summary().free_margin + loss - margin(symbol, amount);
+}
+
+double TradingAccount::profit(std::size_t symbol, std::int32_t side, double amount, double from,
+                              double to) const {
+  const double difference = side == operation::buy ? to - from : from - to;
+  return difference * amount * market_.symbol(symbol).contract_size * rates_.profit(currency_, symbol);
+}
+
+double TradingAccount::margin(std::size_t symbol, double amount) const {
+  return amount * market_.symbol(symbol).contract_size * rates_.base(currency_, symbol) / config_.leverage;
+}
+
+bool TradingAccount::rates_known(std::size_t symbol) const {
+  return rates_.profit(currency_, symbol) > 0.0 && rates_.base(currency_, symbol) > 0.0;
+}
+
+void TradingAccount::open(OpenPosition position, std::size_t symbol) {
+  position.account = config_.number;
+  position.symbol = market_.symbol(symbol).name;
+  position.symbol_id = ids_[symbol];
+  position.amount = round_half_even(position.amount, amount_decimals);
+  position.current_price = position.open_price;
+  // Tickets grow, but orders need not be executed in the order in which they were sent.
+  const auto at =
+      std::upper_bound(positions_.begin(), positions_.end(), position.ticket,
+                       [](std::int64_t key, const Position& other) { return key < other.record.ticket; });
+  positions_.insert(at, Position{std::move(position), symbol});
+}
+
+bool TradingAccount::close(Position& position, double amount) {
+  OpenPosition& record = position.record;
+  balance_ += profit(position.symbol, record.side, amount, record.open_price, record.current_price);
+  record.amount = round_half_even(record.amount - amount, amount_decimals);
+  if (record.amount > 0.0) return false;
+  positions_.erase(positions_.begin() + (&position - positions_.data()));
+  return true;
+}
+
+BookState::Account TradingAccount::state() const {
+  BookState::Account state{config_.number, balance_, credit_, {}};
+  for (const Position& position : positions_)
+    state.positions.push_back(position.record);
+  return state;
+}
+
+bool TradingAccount::restore(const BookState::Account& state) {
+  for (const OpenPosition& position : state.positions)
+    if (!market_.find(position.symbol)) return false;
+  balance_ = state.balance;
+  credit_ = state.credit;
+  positions_.clear();
+  for (const OpenPosition& position : state.positions)
+    open(position, *market_.find(position.symbol));
+  revalue();
+  return true;
+}
+
+}  // namespace tutti

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "dealer/account_config.h"
+#include "dealer/book_state.h"
+#include "dealer/market.h"
+#include "dealer/rate_table.h"
+#include "sessions/contract/account_summary.h"
+#include "sessions/contract/open_position.h"
+
+namespace tutti {
+
+class DealerSession;
+
+// One client account at the dealing server: its money, its positions, and what they are worth.
+class TradingAccount {
+ public:
+  struct Position {
+    OpenPosition record;
+    std::size_t symbol = 0;
+    bool moved = false;    // price or profit differ from what the session was last told
+    bool waiting = false;  // a FloatingNews of it is in the queue
+  };
+
+  // Keeps references to all three.
+  TradingAccount(const AccountConfig& config, const Market& market, RateTable& rates);
+
+  const AccountConfig& config() const { return config_; }
+  // Places in the market of the symbols that the account carries.
+  const std::vector<std::size_t>& carried() const { return carried_; }
+  // The account's own number of a symbol, from 1 without gaps; 0 when it does not carry it.
+  std::int32_t symbol_id(std::size_t symbol) const { return ids_[symbol]; }
+  std::optional<std::size_t> symbol_of_id(std::int32_t id) const;
+  // In order of tickets.
+  const std::vector<Position>& positions() const { return positions_; }
+  std::vector<Position>& positions() { return positions_; }
+  Position* find_position(std::int64_t ticket);
+  bool opposed(std::size_t symbol, std::int32_t side) const;  // holds a position on the other side
+
+  // As of the last revalue().
+  AccountSummary summary() const;
+  // Values all positions at the market's present prices; true when a value changed.
+  bool revalue();
+  // Free margin that is left once `amount` lots more are open, the spread they lose at once included.
+  double free_margin_with(std::size_t symbol, double amount) const;
+  // Profit in account currency of `amount` lots between two prices.
+  double profit(std::size_t symbol, std::int32_t side, double amount, double from, double to) const;
+  // Whether every rate that margin and profit of the symbol need is known.
+  bool rates_known(std::size_t symbol) const;
+
+  // Both leave the values to the next revalue().
+  void open(OpenPosition position, std::size_t symbol);
+  // Closes `amount` lots of a position at its current price and books the profit; true when nothing is left
+  // of it, so that it is gone.
+  bool close(Position& position, double amount);
+
+  BookState::Account state() const;
+  // False, and nothing changed, when a position is in a symbol that does not exist.
+  bool restore(const BookState::Account& state);
+
+  // The session that is logged in on this account, at most one.
+  DealerSession* session() const { return session_; }
+  void set_session(DealerSession* session) { session_ = session; }
+
+ private:
+  double margin(std::size_t symbol, double amount) const;
+
+  const AccountConfig& config_;
+  const Market& market_;
+  const RateTable& rates_;
+  std::size_t currency_;
+  double balance_;
+  double credit_;
+  double floating_ = 0.0;
+  double used_margin_ = 0.0;       // above or equal 0
+  std::vector<std::int32_t> ids_;  // by place in the market
+  std::vector<std::size_t> carried_;
+  std::vector<Position> positions_;
+  DealerSession* session_ = nullptr;
+};
+
+}  // namespace tutti

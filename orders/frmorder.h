@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "accounts/frmMain.h"
+#include "accounts/order_window.h"
+#include "core/MGeneral.h"
+#include "core/button.h"
+#include "core/check_box.h"
+#include "core/combo_box.h"
+#include "core/label.h"
+#include "core/text_box.h"
+#include "sessions/desk.h"
+
+namespace tutti {
+
+// Market order window: one market order for many accounts. Distribute computes each ticked account's share,
+// then Buy or Sell sends the shares once; every account's result comes back into its row.
+//
+// Rows are keyed "C" and the account number; sessions add and remove them as accounts come and go.
+class frmorder final : public MarketOrderDesk, public OrderWindow {
+ public:
+  enum Column : std::size_t { account, amount, result_text };
+
+  frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& symbols);
+
+  TextBox txtLvw;
+  TextBox txtEditPrice;
+  CheckBox chkAllClients;
+  Button cmdbuy{"Buy"};
+  Button cmdsell{"Sell"};
+  ComboBox CBdis;
+  TextBox txtammount;
+  ComboBox cbsymbols;
+  Button cmddis{"Distribute "};
+  Label LblCheck{"Check All"};
+  Label amount_label{"Amount"};
+  Label distribute_label{"Distribute"};
+  Label symbol_label{"Symbol"};
+  RowList lvwConClients{{"Account", "Amount", "Result"}};
+
+  // Rows. Adding one twice and removing a missing one are ignored.
+  void Add(std::int32_t account, std::string_view amount, double result);
+  void UpdateResult(std::string_view text, std::int32_t account);
+  void updateAmount(std::int32_t account, double amount, RowKey key) override;
+  void Remove(std::int32_t account);
+  void addNote(Row& row, std::string_view text);
+  const std::string& ColumnWidthsPer() const { return column_widths_; }
+  void ColumnWidthsPer(std::string widths);
+
+  // Buttons: Distribute, or Buy and Sell. Never both.
+  void Enableds(bool distribute) override;
+
+  // In-place editor of a cell. The operator corrects a share after Distribute; committing writes the trimmed
+  // text. False when the cell can't be edited or the row has gone.
+  bool open_editor(Row& row, std::size_t column);
+  bool commit_editor();
+  void cancel_editor() { txtLvw.set_visible(false); }
+  // Left edge of a column in percent of the list's width, where the editor stands.
+  double GetLvwDeltaX(std::size_t column) const;
+  void MoveTxtLvw(RowKey row, std::size_t column);
+  RowKey editor_row() const { return editor_row_; }
+  std::size_t editor_column() const { return editor_column_; }
+
+  // What the window shows beside the list.
+  double sum_of_shares() const;
+  double minimum_lot() const { return general_.minimum_lot; }
+  double maximum_lot() const { return general_.maximum_lot; }
+
+  // MarketOrderDesk
+  void add_account(std::int32_t account) override { Add(account, "", 0.0); }
+  void remove_account(std::int32_t account) override { Remove(account); }
+  void result(std::string_view text, std::int32_t account) override { UpdateResult(text, account); }
+  void symbols_changed() override { cbsymbols.set_items(symbols_.names()); }
+  std::string_view symbol() const override { return cbsymbols.text(); }
+  const Row* account_row(std::int32_t account) const override {
+    return lvwConClients.find(client_key(account));
+  }
+  bool wants_lot_limits() const override { return !has_lot_limits_; }
+  void lot_limits(double, double) override { has_lot_limits_ = true; }
+  void request_ended(std::int32_t account, std::int32_t request_code) override;
+  void nothing_sent() override { Enableds(true); }
+
+  // Requests of the last Buy or Sell that were not taken.
+  int requests_refused() const { return requests_refused_; }
+
+  // OrderWindow
+  RowList& account_rows() override { return lvwConClients; }
+  void clear_all_accounts_box() override { set_all_accounts_box(false); }
+
+ private:
+  void cbsymbols_Click();
+  void CBdis_Click();
+  void chkAllClients_Click();
+  void LblCheck_Click();
+  void cmddis_Click();
+  void cmdbuy_Click();
+  void cmdsell_Click();
+  void send(void (CClientAPIManagers::*function)());
+  void set_price_box_off();
+  void set_all_accounts_box(bool checked);
+
+  MGeneral& general_;
+  frmMain& accounts_list_;
+  SymbolCollection& symbols_;
+  SymbolCollection::Entry symbol_;  // the chosen symbol when Distribute was pressed; empty when not found
+  std::string column_widths_;
+  RowKey editor_row_;
+  std::size_t editor_column_ = 0;
+  int requests_refused_ = 0;
+  bool has_lot_limits_ = false;
+};
+
+}  // namespace tutti

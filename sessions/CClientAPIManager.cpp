@@ -1,0 +1,234 @@
+#include "sessions/CClientAPIManager.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "core/numbers.h"
+#include "core/texts.h"
+#include "sessions/result_texts.h"
+
+namespace tutti {
+namespace {
+
+// Columns of the accounts list that sessions write.
+constexpr std::size_t column_state = 2;
+constexpr std::size_t column_notes = 4;
+constexpr std::size_t column_first_value = 5;
+constexpr std::size_t column_last_value = 11;
+
+// Command-bar controls of the main window.
+constexpr int control_waiting = 100025;
+constexpr int control_connected = 100026;
+constexpr int first_trade_control = 100017;
+constexpr int last_trade_control = 100020;
+
+// x - x is 0 for finite numbers only.
+bool finite(const AccountSummary& s) {
+  return (s.balance - s.balance) + (s.floating_pl - s.floating_pl) + (s.credit - s.credit) +
+             (s.equity - s.equity) + (s.used_margin - s.used_margin) + (s.margin_level - s.margin_level) +
+             (s.free_margin - s.free_margin) ==
+         0.0;
+}
+
+// Runs one statement of a handler that goes on with the next one whatever happens.
+template <class Statement>
+void carry_on(MGeneral& general, std::int32_t account, Statement&& statement) {
+  try {
+    statement();
+  } catch (const std::exception& error) {
+    general.log(std::string{"A step of an event could not be done: "} + error.what(), account);
+  }
+}
+
+}  // namespace
+
+CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const LoginData& login,
+                                     MGeneral& general, Desk& desk, SymbolCollection& symbols,
+                                     CLoginOptions& options)
+    : client_(std::move(client)),
+      general_(general),
+      desk_(desk),
+      symbols_(symbols),
+      options_(options),
+      account_(login.account),
+      user_(login.user),
+      password_(login.password) {
+  client_->set_sink(this);
+  client_->SetLoginData(login);
+}
+
+CClientAPIManager::~CClientAPIManager() {
+  client_->set_sink(nullptr);
+  client_->Logout();
+}
+
+void CClientAPIManager::shut_down() {
+  client_->set_sink(nullptr);
+  client_->Logout();
+  release_totals();
+  journal_unanswered();
+}
+
+void CClientAPIManager::Summary(std::int32_t account, AccountSummary& out) {
+  SummaryAnswer answer;
+  try {
+    answer = client_->GetAccountSummary(account);
+  } catch (const std::exception&) {
+    answer.result = result::failed;
+  }
+  if (answer.result == result::succeeded) {
+    out = answer.values;
+    return;
+  }
+  out = {.floating_pl = out.floating_pl};
+  general_.totals.floating_pl = 0.0;
+}
+
+std::string CClientAPIManager::SummaryDesc(double balance, double equity, double effective_margin) const {
+  return "Balance: " + summary_text(balance) + "  Equity: " + summary_text(equity) +
+         "  EffMargin: " + summary_text(effective_margin);
+}
+
+void CClientAPIManager::CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
+  if (!finite(reported)) {
+    log("The server sent account values that are no numbers; they are not shown");
+    return;
+  }
+  const Totals now{reported.balance,    reported.floating_pl,        reported.credit,
+                   reported.equity,     reported.used_margin * -1.0, reported.margin_level * 100.0,
+                   reported.free_margin};
+  general_.totals.replace(summary_, now);
+  desk_.status->totals_changed(TotalsForm::summaries_changed);
+  summary_ = now;
+  if (row_ != nullptr) desk_.accounts->refresh_summary(*row_);
+}
+
+void CClientAPIManager::release_totals() {
+  general_.totals.replace(summary_, {});
+  desk_.status->totals_changed(TotalsForm::disconnected);
+  summary_ = {};
+}
+
+void CClientAPIManager::ConnectionState(bool connected) {
+  carry_on(general_, account_, [&] {
+    if (row_ == nullptr) return;
+    if (connected) {
+      row_->set_text(column_state, "Connected", Ink::white);
+    } else {
+      row_->set_text(column_state, "Disconnected", Ink::red);
+      row_->clear_cells(column_first_value, column_last_value);
+    }
+  });
+  if (connected) return;
+  carry_on(general_, account_, [&] { release_totals(); });
+  carry_on(general_, account_, [&] { journal_unanswered(); });
+  carry_on(general_, account_, [&] { desk_.remove_account(account_); });
+}
+
+void CClientAPIManager::WaitingMode(std::int32_t mode) {
+  switch (mode) {
+    case waiting_mode::connecting:
+      if (row_ != nullptr) row_->set_text(column_state, "Connecting", Ink::red);
+      desk_.entry_order->submit_available(false);
+      break;
+    case waiting_mode::waiting:
+      desk_.status->control_text(control_waiting, "Waiting");
+      desk_.status->control_text(control_connected, "Connected");
+      desk_.entry_order->submit_available(false);
+      break;
+    case waiting_mode::normal:
+      desk_.status->control_text(control_waiting, "");
+      for (int control = first_trade_control; control <= last_trade_control; ++control) {
+        desk_.status->control_enabled(control, true);
+      }
+      desk_.entry_order->distribute_available();
+      break;
+    default:
+      break;
+  }
+}
+
+void CClientAPIManager::SessionDisconnected() {
+  general_.message_box("account " + std::to_string(account_) + " Session disconnected",
+                       "Session Disconnected");
+  if (row_ != nullptr) row_->set_ink(column_state, row_connected() ? Ink::green : Ink::red);
+  // The totals keep what this account added until they are rebuilt; only its own values go.
+  summary_ = {};
+  general_.play_sound("\\sounds\\Disconnect.wav");
+}
+
+void CClientAPIManager::InvalidUsernamePassword() {
+  if (row_ == nullptr) return;
+  row_->set_text(column_notes, "Invalid username or password");
+  row_->set_text(column_state, "Invalid account", Ink::red);
+}
+
+void CClientAPIManager::AllDataAreLoaded() {
+  general_.play_sound("\\sounds\\Connect.WAV");
+  if (!client_->FindAccount(account_)) {
+    if (row_ != nullptr) {
+      row_->set_text(column_notes, "Invalid account");
+      row_->set_text(column_state, "Invalid account", Ink::red);
+    }
+    desk_.pending->remove_account(account_);
+    log(std::to_string(account_) + " is invalid account");
+    DisInvalidAcc(std::to_string(key_));
+  } else {
+    if (desk_.market_order->wants_lot_limits()) {
+      general_.minimum_lot = client_->MinimumLot();
+      general_.maximum_lot = client_->MaximumLot();
+      desk_.market_order->lot_limits(general_.minimum_lot, general_.maximum_lot);
+    }
+    desk_.market_order->add_account(account_);
+    desk_.close_positions->add_account(account_);
+    desk_.entry_order->add_account(account_);
+    desk_.close_positions->refresh_symbols();
+    // A row that reads "Connected" does not read "Invalid account".
+    if (row_connected()) {
+      desk_.accounts->record_connected(*this);
+      general_.play_sound("\\sounds\\Connect.wav");
+    }
+  }
+  read_settings();
+}
+
+void CClientAPIManager::read_settings() {
+  const std::string value{trim(general_.files.line(general_.paths.full("\\manage\\settings.buf"), 1))};
+  general_.set_amount_precision(parse_number(value) ? value : "1");
+}
+
+void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {
+  const auto key = parse_int32(key_text);
+  if (!key || *key != key_ || row_ == nullptr) return;
+  desk_.accounts->select_client(*row_);
+  row_->set_text(column_notes, "Invalid account ID");
+}
+
+std::string_view CClientAPIManager::ResultDescription(std::int32_t code) {
+  return result_texts::general(code);
+}
+
+std::string_view CClientAPIManager::BuySellDesc(std::int32_t operation) {
+  return operation == operation::buy || operation == operation::buy_stop ? "buy" : "sell";
+}
+
+void CClientAPIManager::ServerTime(TimePoint time) {
+  desk_.status->server_time(general_.full_time_text(time));
+}
+
+void CClientAPIManager::ServerRouted(std::string_view address, std::string_view port) {
+  options_.RoutServer(address, read_integer(port));
+}
+
+void CClientAPIManager::tell(const std::string& text) {
+  general_.last_message = text;
+  general_.message_box(text);
+}
+
+void CClientAPIManager::log_order(std::int64_t order, std::string_view text) {
+  log(text);
+  desk_.pending->order_text(order, account_, text);
+}
+
+}  // namespace tutti

@@ -1,0 +1,151 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/MGeneral.h"
+#include "sessions/CLoginOptions.h"
+#include "sessions/contract/ClientAPI.h"
+#include "sessions/desk.h"
+#include "sessions/sent_order.h"
+#include "sessions/symbol_collection.h"
+
+namespace tutti {
+
+// Account session: one client account's connection, its summary, and the handlers of all its events.
+//
+// Made and owned by the collection, which numbers it and gives it its row. Handlers run on the GUI thread,
+// one at a time, and write what they learn through the desk.
+class CClientAPIManager final : public CLAPICLASS {
+ public:
+  CClientAPIManager(std::unique_ptr<ClientAPI> client, const LoginData& login, MGeneral& general, Desk& desk,
+                    SymbolCollection& symbols, CLoginOptions& options);
+  ~CClientAPIManager() override;
+  CClientAPIManager(const CClientAPIManager&) = delete;
+  CClientAPIManager& operator=(const CClientAPIManager&) = delete;
+
+  // Ends the connection for good. Unhooks the client first, so that a late event reaches nobody, then logs it
+  // out, then takes the session's values out of the totals and journals what is still unanswered.
+  void shut_down();
+
+  ClientAPI& ClientAPIF() const { return *client_; }
+  // Number within the collection, 1 for the first.
+  std::int16_t key() const { return key_; }
+  void key(std::int16_t number) { key_ = number; }
+  std::int32_t account() const { return account_; }
+  const std::string& user() const { return user_; }
+  const std::string& password() const { return password_; }
+  // Trimmed, upper-cased user name and account number.
+  std::string duplicate_key() const { return account_key(user_, account_); }
+
+  // The session's row of the accounts list; nullptr when it has none.
+  Row* ClientListItem() const { return row_; }
+  void ClientListItem(Row* row) { row_ = row; }
+
+  // Asks the server for an account's seven values. When it does not answer with success, six of them become
+  // 0, `out.floating_pl` keeps what the caller had in it, and the global floating total becomes 0.
+  void Summary(std::int32_t account, AccountSummary& out);
+  std::string SummaryDesc(double balance, double equity, double effective_margin) const;
+  // What the session last added to the totals, in the terminal's signs; zeros while disconnected.
+  const Totals& summary() const { return summary_; }
+
+  // Identifier of a symbol for this account's order calls; 0 when the account does not carry it.
+  std::int32_t GetIDByName(std::string_view symbol) const { return symbol_id(symbols_.find(symbol)); }
+  std::int32_t symbol_id(SymbolHandle symbol) const {
+    const auto at = static_cast<std::size_t>(symbol);
+    return symbol >= 0 && at < ids_.size() ? ids_[at] : 0;
+  }
+  // Refills the market watch from this account's symbols.
+  void LoadMWPprices();
+  // Takes one symbol out of the application's symbol collection.
+  void RemoveData(std::string_view symbol) { symbols_.remove(symbol); }
+
+  static std::string_view ResultDescription(std::int32_t code);
+  static std::string_view BuySellDesc(std::int32_t operation);
+
+  // Selects the row "C" & text of the accounts list and marks it as an account the server does not know.
+  void DisInvalidAcc(std::string_view key_text);
+
+  // Market orders of this account: the fan-out notes each one it sends.
+  void note_sent(const SentOrder& order);
+  const SentOrder& last_order() const { return last_order_; }
+
+  void AllDataAreLoaded() override;
+  void CloseOrderResult(const OrderReport& report) override;
+  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result) override;
+  void DeleteOpenPosition(const OpenPosition& position) override;
+  void DeletePendingOrder(const PendingOrder& order) override;
+  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result) override;
+  void InvalidUsernamePassword() override;
+  void LimitOrderAccepted(const OrderReport& report) override;
+  void LimitOrderCanceledCannotHdg(std::int64_t order, std::int32_t account) override;
+  void LimitOrderCanceledNoMoney(std::int64_t order, std::int32_t account) override;
+  void MarketOrderAccepted(const OrderReport& report) override;
+  void MarketOrderRejected(const OrderReport& report) override;
+  void NewLimitOrderResult(std::int64_t order, std::int32_t result) override;
+  void NewOpenPosition(const OpenPosition& position) override;
+  void NewOrderResult(const OrderReport& report) override;
+  void NewPendingOrder(const PendingOrder& order) override;
+  void NewSLTPOrderResult(std::int64_t order, std::int32_t result) override;
+  void OrderTimer(const Requote& requote) override;
+  void PendingOrdersLoaded() override;
+  void PosFloatingPLChanged(const OpenPosition& position) override;
+  void ServerRouted(std::string_view address, std::string_view port) override;
+  void ServerTime(TimePoint time) override;
+  void SessionDisconnected() override;
+  void SlTpOrderAccepted(std::int64_t order) override;
+  void SlTpOrderCanceledNoMoney(std::int64_t order) override;
+  void SymbolHighLowChanged(const Symbol& symbol) override;
+  void SymbolPricesChanged(const Symbol& symbol) override;
+  void SymbolsLoaded() override;
+  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result) override;
+  void UpdateOpenPosition(const OpenPosition& position) override;
+  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result) override;
+  void WaitingMode(std::int32_t mode) override;
+  void ConnectionState(bool connected) override;
+  void OpenPositionsLoaded() override;
+  void SummariesChanged(const AccountSummary& summary) override { CLAPICLASS_SummariesChanged(summary); }
+
+ private:
+  void CLAPICLASS_SummariesChanged(const AccountSummary& reported);
+
+  // Takes the session's values out of the global totals and shows the totals line.
+  void release_totals();
+  void log(std::string_view text) { general_.log(text, account_); }
+  // Keeps the text as the application's last message and shows it under the default caption.
+  void tell(const std::string& text);
+  // The same text to the journal and to the pending orders view.
+  void log_order(std::int64_t order, std::string_view text);
+  bool row_connected() const { return row_ != nullptr && row_->reads(2, "Connected"); }
+  SymbolHandle handle_of(const Symbol& symbol) const;
+  void read_settings();
+  void refresh_pending(std::int64_t order);
+  void refresh_position(std::int64_t ticket);
+  // What became of the order that is meant: the one with the number, else the oldest that was sent so.
+  void settle_order(const OrderReport& report, SentOrder::Outcome outcome);
+  void journal_unanswered();
+  void close_refused(std::int64_t ticket, const std::string& text, const std::string& row_text,
+                     const std::string& message);
+
+  std::unique_ptr<ClientAPI> client_;
+  MGeneral& general_;
+  Desk& desk_;
+  SymbolCollection& symbols_;
+  CLoginOptions& options_;
+  Row* row_ = nullptr;
+  std::int32_t account_;
+  std::int16_t key_ = 0;
+  Totals summary_;
+
+  std::vector<std::int32_t> ids_;      // symbol identifier by handle, 0 when not carried
+  std::vector<SymbolHandle> handles_;  // handle by symbol identifier
+  std::vector<SentOrder> waiting_;     // sent, without a final outcome; oldest first
+  SentOrder last_order_;
+  std::string user_;
+  std::string password_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,155 @@
+// Symbols, prices, positions and pending orders of an account session.
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/numbers.h"
+#include "sessions/CClientAPIManager.h"
+
+namespace tutti {
+namespace {
+
+// Identifiers are small; a server that sends others is not served rather than trusted with memory.
+constexpr std::int32_t largest_symbol_id = 65'535;
+
+bool usable(const OpenPosition& p) {
+  return std::isfinite(p.amount) && std::isfinite(p.open_price) && std::isfinite(p.current_price) &&
+         std::isfinite(p.stop_loss) && std::isfinite(p.take_profit) && std::isfinite(p.commission) &&
+         std::isfinite(p.interest) && std::isfinite(p.floating_pl);
+}
+
+bool usable(const PendingOrder& o) {
+  return std::isfinite(o.amount) && std::isfinite(o.price) && std::isfinite(o.stop_loss) &&
+         std::isfinite(o.take_profit);
+}
+
+}  // namespace
+
+void CClientAPIManager::SymbolsLoaded() {
+  const std::uint64_t names_before = symbols_.names_stamp();
+  ids_.clear();
+  handles_.clear();
+  const int count = client_->SymbolCount();
+  for (int index = 1; index <= count; ++index) {
+    const Symbol* symbol = client_->SymbolItem(index);
+    if (symbol == nullptr || symbol->id <= 0 || symbol->id > largest_symbol_id) continue;
+    const SymbolHandle handle = symbols_.add(*symbol);
+    const auto at = static_cast<std::size_t>(handle);
+    const auto id = static_cast<std::size_t>(symbol->id);
+    ids_.resize(std::max(ids_.size(), at + 1), 0);
+    handles_.resize(std::max(handles_.size(), id + 1), no_symbol);
+    ids_[at] = symbol->id;
+    handles_[id] = handle;
+    desk_.market_watch->symbol(handle, *symbol, general_.short_time_text(symbol->quote_time));
+  }
+  if (symbols_.names_stamp() == names_before) return;
+  desk_.market_order->symbols_changed();
+  desk_.entry_order->symbols_changed();
+}
+
+void CClientAPIManager::LoadMWPprices() {
+  desk_.market_watch->clear();
+  for (int index = 1; index <= client_->SymbolCount(); ++index) {
+    const Symbol* symbol = client_->SymbolItem(index);
+    const SymbolHandle handle = symbol == nullptr ? no_symbol : symbols_.find(symbol->name);
+    if (handle == no_symbol) continue;
+    desk_.market_watch->symbol(handle, *symbol, general_.short_time_text(symbol->quote_time));
+  }
+}
+
+SymbolHandle CClientAPIManager::handle_of(const Symbol& symbol) const {
+  const auto id = static_cast<std::size_t>(symbol.id);
+  return id < handles_.size() ? handles_[id] : no_symbol;
+}
+
+void CClientAPIManager::SymbolPricesChanged(const Symbol& symbol) {
+  const SymbolHandle handle = handle_of(symbol);
+  if (handle == no_symbol) return;
+  // A price that is not finite is refused; the last good one stays.
+  if (!(symbol.bid - symbol.bid + symbol.ask - symbol.ask == 0.0)) return;
+  symbols_.set_prices(handle, symbol);
+  desk_.market_watch->prices(handle, symbol);
+  if (!row_connected()) return;
+  desk_.entry_order->prices(handle, symbol);
+  desk_.close_positions->prices(handle, symbol);
+}
+
+void CClientAPIManager::SymbolHighLowChanged(const Symbol& symbol) {
+  const SymbolHandle handle = handle_of(symbol);
+  if (handle == no_symbol || !std::isfinite(symbol.high) || !std::isfinite(symbol.low)) return;
+  symbols_.set_high_low(handle, symbol);
+  desk_.market_watch->prices(handle, symbol);
+  if (!row_connected()) return;
+  desk_.entry_order->prices(handle, symbol);
+  desk_.close_positions->prices(handle, symbol);
+}
+
+void CClientAPIManager::OpenPositionsLoaded() {
+  for (int index = 1; index <= client_->OpenPositionCount(); ++index) {
+    if (const OpenPosition* position = client_->OpenPositionItem(index)) NewOpenPosition(*position);
+  }
+}
+
+void CClientAPIManager::NewOpenPosition(const OpenPosition& position) {
+  if (!usable(position)) {
+    log("Position #" + std::to_string(position.ticket) + " has values that are no numbers; it is not shown");
+    return;
+  }
+  desk_.positions->position(position);
+  desk_.close_positions->position_opened(position);
+}
+
+void CClientAPIManager::UpdateOpenPosition(const OpenPosition& position) {
+  NewOpenPosition(position);
+}
+
+void CClientAPIManager::DeleteOpenPosition(const OpenPosition& position) {
+  desk_.positions->remove_position(position.ticket);
+  desk_.close_positions->position_closed(position.ticket);
+}
+
+void CClientAPIManager::refresh_position(std::int64_t ticket) {
+  for (int index = 1; index <= client_->OpenPositionCount(); ++index) {
+    const OpenPosition* position = client_->OpenPositionItem(index);
+    if (position != nullptr && position->ticket == ticket) return NewOpenPosition(*position);
+  }
+  desk_.positions->remove_position(ticket);
+  desk_.close_positions->position_closed(ticket);
+}
+
+void CClientAPIManager::PosFloatingPLChanged(const OpenPosition& position) {
+  if (!usable(position)) return;
+  desk_.positions->floating_changed(position);
+  std::string profit = number_text(position.floating_pl);
+  if (const auto point = profit.find('.'); point != std::string::npos && general_.locale != nullptr) {
+    profit.replace(point, 1, general_.locale->LocalDecimal());
+  }
+  desk_.net->floating_changed(position, profit);
+}
+
+void CClientAPIManager::PendingOrdersLoaded() {
+  for (int index = 1; index <= client_->PendingOrderCount(); ++index) {
+    if (const PendingOrder* order = client_->PendingOrderItem(index)) NewPendingOrder(*order);
+  }
+}
+
+void CClientAPIManager::NewPendingOrder(const PendingOrder& order) {
+  if (!usable(order)) {
+    log("Order #" + std::to_string(order.order) + " has values that are no numbers; it is not shown");
+    return;
+  }
+  desk_.pending->order(order);
+}
+
+void CClientAPIManager::DeletePendingOrder(const PendingOrder& order) {
+  desk_.pending->remove_order(order.order);
+}
+
+void CClientAPIManager::refresh_pending(std::int64_t order) {
+  for (int index = 1; index <= client_->PendingOrderCount(); ++index) {
+    const PendingOrder* item = client_->PendingOrderItem(index);
+    if (item != nullptr && item->order == order) return NewPendingOrder(*item);
+  }
+}
+
+}  // namespace tutti

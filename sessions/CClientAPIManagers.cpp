@@ -1,0 +1,181 @@
+#include "sessions/CClientAPIManagers.h"
+
+#include <utility>
+
+#include "core/numbers.h"
+
+namespace tutti {
+
+CClientAPIManagers::CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk,
+                                       SymbolCollection& symbols, CLoginOptions& options,
+                                       std::size_t capacity)
+    : make_client_(std::move(make_client)),
+      general_(general),
+      desk_(desk),
+      symbols_(symbols),
+      options_(options),
+      capacity_(capacity) {}
+
+CClientAPIManagers::~CClientAPIManagers() = default;
+
+CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_view notes, bool login_now) {
+  if (sessions_.size() >= capacity_) {
+    general_.prompt.system_box("Maximum account number exceeded", "Alert");
+    return nullptr;
+  }
+  sessions_.push_back(
+      std::make_unique<CClientAPIManager>(make_client_(), login, general_, desk_, symbols_, options_));
+  CClientAPIManager& session = *sessions_.back();
+  session.key(static_cast<std::int16_t>(sessions_.size()));
+  by_account_.emplace(session.account(), &session);
+  AddToListView2(session, notes, false);
+  if (login_now) session.ClientAPIF().Login();
+  if (current_ == nullptr) current_ = &session;
+  return &session;
+}
+
+CClientAPIManager* CClientAPIManagers::Item(std::string_view key) const {
+  const auto parsed = RowKey::parse(key);
+  if (!parsed || parsed->prefix() != 'C') return nullptr;
+  return Item(static_cast<int>(parsed->number()));
+}
+
+CClientAPIManager* CClientAPIManagers::Item(int number) const {
+  if (number < 1 || number > Count()) return nullptr;
+  return sessions_[static_cast<std::size_t>(number) - 1].get();
+}
+
+CClientAPIManager* CClientAPIManagers::logged_in(std::int32_t account) const {
+  CClientAPIManager* first = by_account(account);
+  if (first == nullptr || first->ClientAPIF().LoggedIn()) return first;
+  // One account number may stand under several user names; the others come into question only now.
+  for (const auto& session : sessions_) {
+    if (session->account() == account && session->ClientAPIF().LoggedIn()) return session.get();
+  }
+  return nullptr;
+}
+
+void CClientAPIManagers::AddToListView2(CClientAPIManager& session, std::string_view notes, bool connected) {
+  Row* row = desk_.accounts->add_client(session, connected, notes);
+  session.ClientListItem(row);
+}
+
+void CClientAPIManagers::Remove(std::string_view key) {
+  const CClientAPIManager* session = Item(key);
+  if (session == nullptr) return;
+  const int number = session->key();
+  RClear(number);
+  ReArrangeList(number);
+}
+
+void CClientAPIManagers::RClear(int number) {
+  CClientAPIManager* session = Item(number);
+  if (session == nullptr) return;
+  session->shut_down();
+  desk_.requote->session_removed(*session);
+  desk_.remove_account(session->account());
+  if (Row* row = session->ClientListItem()) desk_.accounts->remove_client(*row);
+  if (current_ == session) current_ = nullptr;
+  sessions_.erase(sessions_.begin() + (number - 1));
+  index_accounts();
+  if (current_ == nullptr && !sessions_.empty()) current_ = sessions_.front().get();
+}
+
+void CClientAPIManagers::Clear() {
+  for (int number = Count(); number >= 1; --number)
+    RClear(number);
+}
+
+void CClientAPIManagers::ReArrangeList(int removed) {
+  for (int number = removed; number <= Count(); ++number) {
+    CClientAPIManager& session = *Item(number);
+    session.key(static_cast<std::int16_t>(number));
+    if (Row* row = session.ClientListItem()) desk_.accounts->renumber_client(*row, number);
+  }
+}
+
+void CClientAPIManagers::index_accounts() {
+  by_account_.clear();
+  for (const auto& session : sessions_)
+    by_account_.emplace(session->account(), session.get());
+}
+
+bool CClientAPIManagers::Check_Visibility(std::string_view symbol, std::string_view account) const {
+  return Check_Visibility(symbol, read_integer(account));
+}
+
+bool CClientAPIManagers::Check_Visibility(std::string_view symbol, std::int32_t account) const {
+  const CClientAPIManager* session = logged_in(account);
+  return session != nullptr && session->ClientAPIF().FindSymbol(symbol) != nullptr;
+}
+
+double CClientAPIManagers::Limit_Offset(std::string_view symbol) const {
+  return widest_distance(symbol, &ClientAPI::SymbolLimitDistance);
+}
+
+double CClientAPIManagers::Stop_Offset(std::string_view symbol) const {
+  return widest_distance(symbol, &ClientAPI::SymbolStopDistance);
+}
+
+double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf distance_of) const {
+  double answer = -1.0;
+  const RowList* rows = desk_.entry_order->accounts();
+  if (rows == nullptr) return answer;
+  const std::string supplied = desk_.accounts->visibility_symbol();
+  const std::string_view asked = supplied.empty() ? symbol : std::string_view{supplied};
+  for (const Row& row : *rows) {
+    const auto account = static_cast<std::int32_t>(row.key().number());
+    for (const auto& session : sessions_) {
+      const ClientAPI& client = session->ClientAPIF();
+      if (session->account() != account || !client.LoggedIn() || !Check_Visibility(asked, account)) continue;
+      const double distance = (client.*distance_of)(symbol);
+      const Symbol* record = client.SymbolRecord(symbol);
+      if (record != nullptr && distance > answer) answer = record->ScaleDistance(distance);
+    }
+  }
+  return answer;
+}
+
+void CClientAPIManagers::fan_out(std::int32_t side) {
+  const std::string sound = general_.paths.full("\\sounds\\OrderOk.wav");
+  int sent = 0;
+  for (const auto& session : sessions_) {
+    ClientAPI& client = session->ClientAPIF();
+    if (!client.LoggedIn()) continue;
+    const std::int32_t account = session->account();
+    const Row* row = desk_.market_order->account_row(account);
+    if (row == nullptr || !row->checked()) continue;
+    const SymbolHandle symbol = symbols_.find(desk_.market_order->symbol());
+    const double amount = row->cell(1).number();
+    const std::int32_t code = client.NewMarketOrder(side, session->symbol_id(symbol), amount, "", "");
+    session->note_sent(
+        {.amount = amount,
+         .side = side,
+         .symbol = symbol,
+         .request_code = code,
+         .outcome = code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused});
+    Result(code, account, client_key(session->key()));
+    general_.play_sound_file(sound);
+    ++sent;
+  }
+  if (sent > 0) return;
+  general_.message_box("No account selected");
+  desk_.market_order->nothing_sent();
+}
+
+void CClientAPIManagers::Result(std::int32_t code, std::int32_t account, RowKey row_key) {
+  // A request that was taken has nothing to report, whatever the account's row says.
+  if (code == request::taken) return;
+  const CClientAPIManager* session = Item(static_cast<int>(row_key.number()));
+  const Row* row = session == nullptr ? nullptr : session->ClientListItem();
+  if (row != nullptr && row->reads(4, "Invalid account ID")) return;
+  // Codes without a text of their own are "other"; nothing is written for them.
+  const std::string_view text = request::text(code);
+  if (!text.empty()) {
+    general_.log(text, account);
+    desk_.market_order->result(text, account);
+  }
+  desk_.market_order->request_ended(account, code);
+}
+
+}  // namespace tutti

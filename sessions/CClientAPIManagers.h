@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <tsl/robin_map.h>
+
+#include "sessions/CClientAPIManager.h"
+
+namespace tutti {
+
+// Session collection: the one collection of account sessions. Numbers them 1..count without gaps, keeps the
+// accounts list in step, answers questions that span all sessions, and sends a market order to every ticked
+// account.
+class CClientAPIManagers {
+ public:
+  // More accounts than this are refused.
+  static constexpr std::size_t max_accounts = 500;
+
+  CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, SymbolCollection& symbols,
+                     CLoginOptions& options, std::size_t capacity = max_accounts);
+  ~CClientAPIManagers();
+
+  // New session and its row; logged in at once when asked. nullptr, after a message, when the collection is
+  // full.
+  CClientAPIManager* Add(const LoginData& login, std::string_view notes, bool login_now);
+  std::span<const std::unique_ptr<CClientAPIManager>> Children() const { return sessions_; }
+  // By key ("C7") or by number from 1; nullptr when there is none.
+  CClientAPIManager* Item(std::string_view key) const;
+  CClientAPIManager* Item(int number) const;
+  int Count() const { return static_cast<int>(sessions_.size()); }
+  // First session with this account number; nullptr when there is none.
+  CClientAPIManager* by_account(std::int32_t account) const {
+    const auto at = by_account_.find(account);
+    return at == by_account_.end() ? nullptr : at->second;
+  }
+  // First such session that is logged in.
+  CClientAPIManager* logged_in(std::int32_t account) const;
+  // The application's current session: the first that was made and still is.
+  CClientAPIManager* current() const { return current_; }
+
+  // Gives a session its row in the accounts list.
+  void AddToListView2(CClientAPIManager& session, std::string_view notes, bool connected);
+  void Remove(std::string_view key);
+  // Removes the session at a number, from 1, without renumbering those behind.
+  void RClear(int number);
+  void Clear();
+  // Renumbers the sessions behind a removed one. Their rows keep cells and states.
+  void ReArrangeList(int removed);
+
+  // True when the first logged-in session of the account carries the symbol.
+  bool Check_Visibility(std::string_view symbol, std::string_view account) const;
+  bool Check_Visibility(std::string_view symbol, std::int32_t account) const;
+  // Widest minimum distance of an entry order for the symbol over the entry order window's accounts, as a
+  // price difference; -1 when no logged-in account there carries it. An account's distance in points is
+  // compared with the scaled answer so far.
+  double Limit_Offset(std::string_view symbol) const;
+  double Stop_Offset(std::string_view symbol) const;
+
+  // Sends one market order per ticked, logged-in account of the market order window, with its row's amount.
+  void BuyFunction() { fan_out(operation::buy); }
+  void SellFunction() { fan_out(operation::sell); }
+  void NewOrder(std::string_view, std::string_view, std::string_view) {}
+  // Reports the request code of a market order. `row_key` is the account's key in the accounts list.
+  void Result(std::int32_t code, std::int32_t account, RowKey row_key);
+
+ private:
+  using DistanceOf = double (ClientAPI::*)(std::string_view) const;
+
+  void fan_out(std::int32_t side);
+  double widest_distance(std::string_view symbol, DistanceOf distance_of) const;
+  void index_accounts();
+
+  ClientFactory make_client_;
+  MGeneral& general_;
+  Desk& desk_;
+  SymbolCollection& symbols_;
+  CLoginOptions& options_;
+  std::size_t capacity_;
+  std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
+  tsl::robin_map<std::int32_t, CClientAPIManager*> by_account_;
+  CClientAPIManager* current_ = nullptr;
+};
+
+}  // namespace tutti

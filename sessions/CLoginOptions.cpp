@@ -1,0 +1,135 @@
+#include "sessions/CLoginOptions.h"
+
+#include "core/numbers.h"
+#include "core/texts.h"
+
+namespace tutti {
+namespace {
+
+constexpr std::string_view field_separator = "&&";
+
+std::string endpoint_text(const Endpoint& endpoint) {
+  return endpoint.address + ":" + std::to_string(endpoint.port);
+}
+
+// Address as it stands before the first ":", port as the integer behind it.
+Endpoint read_endpoint(std::string_view text) {
+  const auto colon = text.find(':');
+  if (colon == std::string_view::npos) return {};
+  return {std::string{text.substr(0, colon)}, read_integer(text.substr(colon + 1))};
+}
+
+}  // namespace
+
+CLoginOptions::CLoginOptions(MGeneral& general, Endpoint own_server)
+    : general_(general),
+      file_name_(general.paths.full("\\manage\\SERVER.BUF")),
+      current_(std::move(own_server)) {
+  general_.account_file = general_.paths.full("\\Manage\\Acountinfo.buf");
+}
+
+std::string CLoginOptions::Server(int index) const {
+  return endpoint_text(at(index).endpoint);
+}
+
+std::string CLoginOptions::CurrentServer() const {
+  return endpoint_text(current_);
+}
+
+int CLoginOptions::CurrentServerIndex() const {
+  const std::string current = CurrentServer();
+  for (int index = 1; index <= ServerCount(); ++index) {
+    if (Server(index) == current) return index;
+  }
+  return 0;
+}
+
+std::string CLoginOptions::CurrentServerDesc() const {
+  const int index = CurrentServerIndex();
+  return index > 0 ? ServerDesc(index) : CurrentServer();
+}
+
+std::string CLoginOptions::AllServers() const {
+  std::string out;
+  for (const ServerEntry& entry : table_) {
+    if (!out.empty()) out += field_separator;
+    out += entry.description;
+    out += field_separator;
+    out += entry.endpoint.address;
+    out += field_separator;
+    out += std::to_string(entry.endpoint.port);
+  }
+  return out;
+}
+
+void CLoginOptions::RoutServer(std::string_view address, std::int32_t port) {
+  const Endpoint routed{std::string{address}, port};
+  for (ServerEntry& entry : table_) {
+    if (entry.endpoint == current_) entry.endpoint = routed;
+  }
+  current_ = routed;
+}
+
+tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
+  const auto lines = general_.files.lines(file_name_);
+  if (!lines) return tl::unexpected(lines.error());
+  if (lines->empty()) return {};
+  const auto line = [&](std::size_t number) {
+    return number <= lines->size() ? (*lines)[number - 1] : std::string{};
+  };
+  std::vector<ServerEntry> table;
+  if (const std::string all = line(1); !all.empty()) {
+    const auto items = split(all, field_separator);
+    if (items.size() % 3 != 0) {
+      return tl::unexpected(FileError{general_.paths.file(file_name_),
+                                      "line 1 must hold description, address and port of each server with && "
+                                      "between all of them, but has " +
+                                          std::to_string(items.size()) + " fields"});
+    }
+    for (std::size_t i = 0; i < items.size(); i += 3) {
+      table.push_back({std::string{items[i]}, {std::string{trim(items[i + 1])}, read_integer(items[i + 2])}});
+    }
+  }
+  table_ = std::move(table);
+  if (const std::string server = line(2); !server.empty()) {
+    const Endpoint endpoint = read_endpoint(server);
+    CurrentServerIP(std::string{trim(endpoint.address)});
+    CurrentServerPort(endpoint.port);
+  }
+  ParentDemoAccounts(read_integer(line(3)));
+  LoginUnderwlIDs(line(4));
+  return {};
+}
+
+tl::expected<void, FileError> CLoginOptions::Save() const {
+  return general_.files.write_lines(
+      file_name_, {AllServers(), CurrentServer(), std::to_string(parent_demo_accounts_), login_under_ids_});
+}
+
+bool CLoginOptions::Servers(const ComboBox& box) {
+  if (box.index() < 0) {
+    current_ = read_endpoint(box.text());
+  } else if (box.index() < ServerCount()) {
+    current_ = at(box.index() + 1).endpoint;
+  } else {
+    return true;
+  }
+  if (const auto saved = Save(); !saved)
+    general_.log("Server not saved: " + saved.error().text(), no_account);
+  return true;
+}
+
+tl::expected<void, FileError> CLoginOptions::SetData(std::string_view user, std::string_view password,
+                                                     std::int32_t account, bool autoLogin) {
+  return saveAccount({upper(user), upper(password), account, autoLogin});
+}
+
+tl::expected<void, FileError> CLoginOptions::saveAccount(const AccountRecord& record) {
+  const std::string& name = general_.account_file;
+  if (!general_.files.exists(name)) {
+    if (auto made = general_.files.write_line(name, "", TextFile::Mode::create); !made) return made;
+  }
+  return general_.files.write_line(name, encode_record(record), TextFile::Mode::append);
+}
+
+}  // namespace tutti

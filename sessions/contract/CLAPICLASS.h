@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "core/clock.h"
+#include "sessions/contract/account_summary.h"
+#include "sessions/contract/open_position.h"
+#include "sessions/contract/order_report.h"
+#include "sessions/contract/pending_order.h"
+#include "sessions/contract/requote.h"
+#include "sessions/contract/symbol.h"
+
+namespace tutti {
+
+// Event sink of one trading client: everything the dealing server tells an account's session.
+//
+// Events are queued by the client and delivered one at a time on the GUI thread, never inside a call of an
+// operation and never inside another handler. Records are lent for the call only. A handler may call the
+// client's operations. Events arrive between Login and the end of the connection.
+class CLAPICLASS {
+ public:
+  virtual ~CLAPICLASS() = default;
+
+  // The initial data of a login (symbols, positions, orders, summary) are complete.
+  virtual void AllDataAreLoaded() {}
+  virtual void CloseOrderResult(const OrderReport&) {}
+  virtual void DeleteLimitOrderResult(std::int64_t /*order*/, std::int32_t /*result*/) {}
+  virtual void DeleteOpenPosition(const OpenPosition&) {}
+  virtual void DeletePendingOrder(const PendingOrder&) {}
+  virtual void DeleteSLTPOrderResult(std::int64_t /*order*/, std::int32_t /*result*/) {}
+  // The login was refused.
+  virtual void InvalidUsernamePassword() {}
+  // An entry order was executed.
+  virtual void LimitOrderAccepted(const OrderReport&) {}
+  virtual void LimitOrderCanceledCannotHdg(std::int64_t /*order*/, std::int32_t /*account*/) {}
+  virtual void LimitOrderCanceledNoMoney(std::int64_t /*order*/, std::int32_t /*account*/) {}
+  // A market order or close that was pending is accepted (rejected).
+  virtual void MarketOrderAccepted(const OrderReport&) {}
+  virtual void MarketOrderRejected(const OrderReport&) {}
+  virtual void NewLimitOrderResult(std::int64_t /*order*/, std::int32_t /*result*/) {}
+  virtual void NewOpenPosition(const OpenPosition&) {}
+  // Outcome of a market order: executed at once, taken into dealing (pending), or refused.
+  virtual void NewOrderResult(const OrderReport&) {}
+  virtual void NewPendingOrder(const PendingOrder&) {}
+  virtual void NewSLTPOrderResult(std::int64_t /*order*/, std::int32_t /*result*/) {}
+  // Once a second while a requoted request waits for the operator.
+  virtual void OrderTimer(const Requote&) {}
+  virtual void PendingOrdersLoaded() {}
+  // Only the floating profit and the current price of the position differ from before.
+  virtual void PosFloatingPLChanged(const OpenPosition&) {}
+  virtual void ServerRouted(std::string_view /*address*/, std::string_view /*port*/) {}
+  virtual void ServerTime(TimePoint) {}
+  virtual void SessionDisconnected() {}
+  virtual void SlTpOrderAccepted(std::int64_t /*order*/) {}
+  virtual void SlTpOrderCanceledNoMoney(std::int64_t /*order*/) {}
+  virtual void SymbolHighLowChanged(const Symbol&) {}
+  virtual void SymbolPricesChanged(const Symbol&) {}
+  virtual void SymbolsLoaded() {}
+  virtual void UpdateLimitOrderResult(std::int64_t /*order*/, std::int32_t /*result*/) {}
+  virtual void UpdateOpenPosition(const OpenPosition&) {}
+  virtual void UpdateSLTPOrderResult(std::int64_t /*order*/, std::int32_t /*result*/) {}
+  // waiting_mode:: code.
+  virtual void WaitingMode(std::int32_t /*mode*/) {}
+  virtual void ConnectionState(bool /*connected*/) {}
+  virtual void OpenPositionsLoaded() {}
+  virtual void SummariesChanged(const AccountSummary&) {}
+};
+
+}  // namespace tutti

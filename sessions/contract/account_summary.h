@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tutti {
+
+// The seven values of an account, in the server's order and signs, in account currency.
+struct AccountSummary {
+  double balance = 0.0;
+  double floating_pl = 0.0;
+  double credit = 0.0;
+  double equity = 0.0;
+  double used_margin = 0.0;   // reported negative
+  double margin_level = 0.0;  // equity over used margin as a fraction: 0.153 means 15.3 %
+  double free_margin = 0.0;
+};
+
+// Answer of GetAccountSummary. The values count only when result is result::succeeded.
+struct SummaryAnswer {
+  AccountSummary values;
+  std::int32_t result = 0;
+};
+
+}  // namespace tutti

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "core/clock.h"
+
+namespace tutti {
+
+// One open position of an account.
+struct OpenPosition {
+  std::int64_t ticket = 0;  // unique over all accounts of the server
+  std::int32_t account = 0;
+  std::int32_t side = 0;  // operation::buy or operation::sell
+  std::int32_t symbol_id = 0;
+  std::string symbol;
+  double amount = 0.0;  // lots, above 0
+  double open_price = 0.0;
+  double current_price = 0.0;  // closing side: bid for a buy, ask for a sell
+  double stop_loss = 0.0;      // 0 when none
+  double take_profit = 0.0;    // 0 when none
+  double commission = 0.0;     // account currency
+  double interest = 0.0;       // account currency
+  double floating_pl = 0.0;    // account currency, without commission and interest
+  TimePoint open_time{};
+};
+
+}  // namespace tutti

@@ -1,0 +1,191 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/row_list.h"
+#include "core/totals.h"
+#include "sessions/contract/open_position.h"
+#include "sessions/contract/order_report.h"
+#include "sessions/contract/pending_order.h"
+#include "sessions/contract/requote.h"
+#include "sessions/contract/symbol.h"
+#include "sessions/symbol_collection.h"
+
+// What a session may tell the windows. Every interface has empty defaults, so that a window which is not
+// there yet is a receiver that ignores what it hears. All calls come on the GUI thread.
+
+namespace tutti {
+
+class CClientAPIManager;
+
+// The accounts list. Rows are keyed by session number.
+class AccountsDesk {
+ public:
+  virtual ~AccountsDesk() = default;
+  // Row of a new session; nullptr where there is no list.
+  virtual Row* add_client(const CClientAPIManager&, bool /*connected*/, std::string_view /*notes*/) {
+    return nullptr;
+  }
+  virtual void remove_client(Row&) {}
+  // The row's session has a new number.
+  virtual void renumber_client(Row&, std::int32_t /*number*/) {}
+  // Asks for the summary of the row's account and writes it into the row.
+  virtual void refresh_summary(Row&) {}
+  // Makes the row the list's current one and lets the list react to that.
+  virtual void select_client(Row&) {}
+  // True when a row has this duplicate key; the row the operator has selected, nullptr when none.
+  virtual bool has_account(std::string_view /*account_key*/) const { return false; }
+  virtual Row* selected_client() const { return nullptr; }
+  // The account's data are complete: its line of the full list is updated, the connected list gets it.
+  virtual void record_connected(const CClientAPIManager&) {}
+  // Takes an account's lines out of both saved lists and the account information file.
+  virtual void forget_account(std::string_view /*user*/, std::int32_t /*account*/) {}
+  // Writes an account into the full list, unless an equal line is there.
+  virtual void save_account(const CClientAPIManager&) {}
+  // Symbol for which Limit_Offset and Stop_Offset ask an account's visibility; empty when none is supplied.
+  virtual std::string visibility_symbol() const { return {}; }
+};
+
+// An order window with one row per connected account, keyed by account number.
+class OrderRowsDesk {
+ public:
+  virtual ~OrderRowsDesk() = default;
+  virtual void add_account(std::int32_t /*account*/) {}
+  virtual void remove_account(std::int32_t /*account*/) {}
+  virtual void result(std::string_view /*text*/, std::int32_t /*account*/) {}
+  // The application's symbols are others than before.
+  virtual void symbols_changed() {}
+};
+
+class MarketOrderDesk : public OrderRowsDesk {
+ public:
+  // Chosen symbol, and an account's row with its tick and share; nullptr when the account has none.
+  virtual std::string_view symbol() const { return {}; }
+  virtual const Row* account_row(std::int32_t /*account*/) const { return nullptr; }
+  // True while the window still wants the smallest and largest lot of an account.
+  virtual bool wants_lot_limits() const { return false; }
+  virtual void lot_limits(double /*minimum*/, double /*maximum*/) {}
+  // An account's request was not taken.
+  virtual void request_ended(std::int32_t /*account*/, std::int32_t /*request_code*/) {}
+  // The fan-out found nobody to send for.
+  virtual void nothing_sent() {}
+  virtual void requote_tick(const Requote&) {}
+};
+
+class EntryOrderDesk : public OrderRowsDesk {
+ public:
+  // Accounts of the window, for the widest entry-order distance; nullptr where there is no window.
+  virtual const RowList* accounts() const { return nullptr; }
+  virtual void submit_available(bool /*available*/) {}
+  virtual void distribute_available() {}
+  virtual void prices(SymbolHandle, const Symbol&) {}
+  virtual void stop_request_succeeded(std::int64_t /*order*/, std::int32_t /*account*/) {}
+};
+
+class ClosePositionsDesk {
+ public:
+  virtual ~ClosePositionsDesk() = default;
+  // Headers of the grid, and the state an account shows while it is not logged in.
+  virtual void prepare(const std::vector<std::string>& /*headers*/, std::string_view /*state*/) {}
+  virtual void add_account(std::int32_t /*account*/) {}
+  virtual void remove_account(std::int32_t /*account*/) {}
+  virtual void account_state(std::int32_t /*account*/, std::string_view /*state*/) {}
+  virtual void refresh_symbols() {}
+  virtual void position_opened(const OpenPosition&) {}
+  virtual void position_closed(std::int64_t /*ticket*/) {}
+  virtual void prices(SymbolHandle, const Symbol&) {}
+  virtual void result(std::int64_t /*ticket*/, std::string_view /*text*/) {}
+};
+
+class PositionBook {
+ public:
+  virtual ~PositionBook() = default;
+  virtual void position(const OpenPosition&) {}
+  virtual void remove_position(std::int64_t /*ticket*/) {}
+  virtual void remove_account(std::int32_t /*account*/) {}
+  virtual void floating_changed(const OpenPosition&) {}
+};
+
+class PendingBook {
+ public:
+  virtual ~PendingBook() = default;
+  virtual void order(const PendingOrder&) {}
+  virtual void remove_order(std::int64_t /*order*/) {}
+  virtual void remove_account(std::int32_t /*account*/) {}
+  // A text about an order: what became of a request for it.
+  virtual void order_text(std::int64_t /*order*/, std::int32_t /*account*/, std::string_view /*text*/) {}
+};
+
+// Net positions over all accounts.
+class NetDesk {
+ public:
+  virtual ~NetDesk() = default;
+  // The profit as text, with the decimal separator in force.
+  virtual void floating_changed(const OpenPosition&, std::string_view /*profit*/) {}
+};
+
+class MarketWatchDesk {
+ public:
+  virtual ~MarketWatchDesk() = default;
+  virtual void clear() {}
+  // `time` is the last quote as "hh:mm".
+  virtual void symbol(SymbolHandle, const Symbol&, std::string_view /*time*/) {}
+  virtual void prices(SymbolHandle, const Symbol&) {}
+};
+
+class RequoteDesk {
+ public:
+  virtual ~RequoteDesk() = default;
+  virtual void tick(CClientAPIManager&, const Requote&) {}
+  virtual void session_removed(const CClientAPIManager&) {}
+};
+
+// Panes and command-bar controls of the main window.
+class StatusDesk {
+ public:
+  virtual ~StatusDesk() = default;
+  virtual void totals_changed(TotalsForm) {}
+  virtual void server_time(std::string_view /*text*/) {}
+  virtual void control_text(int /*control*/, std::string_view /*text*/) {}
+  virtual void control_enabled(int /*control*/, bool /*enabled*/) {}
+};
+
+// One receiver of each kind. Start-up makes the desk before anything else, with receivers that ignore, and
+// attaches each window as it creates it; a window that goes takes itself off.
+struct Desk {
+ private:
+  AccountsDesk no_accounts_;
+  MarketOrderDesk no_market_order_;
+  EntryOrderDesk no_entry_order_;
+  ClosePositionsDesk no_close_positions_;
+  PositionBook no_positions_;
+  PendingBook no_pending_;
+  NetDesk no_net_;
+  MarketWatchDesk no_market_watch_;
+  RequoteDesk no_requote_;
+  StatusDesk no_status_;
+
+ public:
+  Desk() = default;
+  Desk(const Desk&) = delete;
+  Desk& operator=(const Desk&) = delete;
+
+  AccountsDesk* accounts = &no_accounts_;
+  MarketOrderDesk* market_order = &no_market_order_;
+  EntryOrderDesk* entry_order = &no_entry_order_;
+  ClosePositionsDesk* close_positions = &no_close_positions_;
+  PositionBook* positions = &no_positions_;
+  PendingBook* pending = &no_pending_;
+  NetDesk* net = &no_net_;
+  MarketWatchDesk* market_watch = &no_market_watch_;
+  RequoteDesk* requote = &no_requote_;
+  StatusDesk* status = &no_status_;
+
+  // Takes an account out of everything that lists connected accounts or what they hold.
+  void remove_account(std::int32_t account);
+};
+
+}  // namespace tutti

@@ -1,0 +1,137 @@
+#include "sessions/frmaccount.h"
+
+#include "core/numbers.h"
+#include "core/texts.h"
+
+namespace tutti {
+namespace {
+
+// "IP:PORT": something before the one ":", a port behind it.
+bool is_endpoint(std::string_view text) {
+  const auto pieces = split(text, ":");
+  if (pieces.size() != 2 || trim(pieces[0]).empty()) return false;
+  const auto port = parse_int32(pieces[1]);
+  return port && *port >= 1 && *port <= 65'535;
+}
+
+}  // namespace
+
+frmaccount::frmaccount(MGeneral& general, Desk& desk, CLoginOptions& options, CClientAPIManagers& sessions)
+    : general_(general), desk_(desk), options_(options), sessions_(sessions) {
+  // Account numbers are whole numbers.
+  txtaccount.on_key = [](std::int16_t key, const std::string&) { return key == '.' ? std::int16_t{0} : key; };
+  cmdLoginAA.on_click = [this] { cmdLoginAA_Click(); };
+  cmdcancel.on_click = [this] { cmdcancel_Click(); };
+}
+
+void frmaccount::fill_servers() {
+  std::vector<std::string> items;
+  for (int index = 1; index <= options_.ServerCount(); ++index)
+    items.push_back(options_.ServerDesc(index));
+  CBServer.set_items(std::move(items));
+  const int current = options_.CurrentServerIndex();
+  if (current > 0) {
+    CBServer.set_index(current - 1);
+  } else {
+    CBServer.set_text(options_.CurrentServerDesc());
+  }
+}
+
+void frmaccount::open_add() {
+  editing_ = false;
+  txtaccount.set_text("");
+  txtusername.set_text("");
+  txtpassword.set_text("");
+  chkSave.set_checked(false);
+  chkAutoLogin.set_checked(false);
+  fill_servers();
+  Displayed(true);
+}
+
+void frmaccount::open_edit(const CClientAPIManager& session, bool saved, bool auto_login) {
+  open_add();
+  editing_ = true;
+  txtaccount.set_text(std::to_string(session.account()));
+  txtusername.set_text(session.user());
+  txtpassword.set_text(session.password());
+  chkSave.set_checked(saved);
+  chkAutoLogin.set_checked(auto_login);
+}
+
+bool frmaccount::any_field_empty() const {
+  return txtaccount.text().empty() || txtusername.text().empty() || txtpassword.text().empty() ||
+         CBServer.text().empty();
+}
+
+// False, after a message, when the typed server is not of the form it must have.
+bool frmaccount::take_server() {
+  if (CBServer.index() >= 0 || is_endpoint(CBServer.text())) return options_.Servers(CBServer);
+  // What is not there at all is the more helpful thing to say.
+  if (any_field_empty()) return true;
+  general_.prompt.system_box("Wrong server.\nServer must be of the (IP:PORT) format\ni.e\n10.0.0.1:443",
+                             "Alert");
+  return false;
+}
+
+CClientAPIManager* frmaccount::add_session(std::int32_t account) {
+  return sessions_.Add({.user = txtusername.text(),
+                        .password = txtpassword.text(),
+                        .account = account,
+                        .server = {options_.CurrentServerIP(), options_.CurrentServerPort()}},
+                       "", false);
+}
+
+void frmaccount::cmdLoginAA_Click() {
+  if (!take_server()) return;
+  if (any_field_empty()) return general_.message_box("Please fill all account information");
+  const auto account = parse_int32(txtaccount.text());
+  if (!account) return general_.message_box("Please enter a valid  account ID");
+
+  const std::string key = account_key(txtusername.text(), *account);
+  CClientAPIManager* edited = nullptr;
+  if (editing_) {
+    const Row* selected = desk_.accounts->selected_client();
+    if (selected == nullptr) return;
+    edited = sessions_.Item(selected->key().text());
+  }
+  const bool own_key = edited != nullptr && edited->duplicate_key() == key;
+  if (!own_key && desk_.accounts->has_account(key)) {
+    return general_.message_box("Account " + txtaccount.text() + " for client " + txtusername.text() +
+                                " already exists");
+  }
+
+  std::string old_user;
+  std::int32_t old_account = 0;
+  if (edited != nullptr) {
+    old_user = edited->user();
+    old_account = edited->account();
+    sessions_.Remove(client_key(edited->key()).text());
+  }
+  CClientAPIManager* added = add_session(*account);
+  if (added == nullptr) return;
+  if (edited != nullptr) {
+    desk_.accounts->forget_account(old_user, old_account);
+    desk_.accounts->save_account(*added);
+  }
+  if (chkSave.checked()) {
+    const auto saved =
+        options_.SetData(txtusername.text(), txtpassword.text(), *account, chkAutoLogin.checked());
+    if (!saved) general_.log("Account not saved: " + saved.error().text(), *account);
+  }
+  if (chkAutoLogin.checked()) sessions_.Item(sessions_.Count())->ClientAPIF().Login();
+  Displayed(false);
+}
+
+frmaccount::Added frmaccount::accept_quietly(std::string_view user, std::string_view password,
+                                             std::string_view account) {
+  txtusername.set_text(user);
+  txtpassword.set_text(password);
+  txtaccount.set_text(account);
+  fill_servers();
+  const auto number = parse_int32(account);
+  if (any_field_empty() || !number) return Added::invalid;
+  if (desk_.accounts->has_account(account_key(user, *number))) return Added::duplicate;
+  return add_session(*number) == nullptr ? Added::full : Added::yes;
+}
+
+}  // namespace tutti

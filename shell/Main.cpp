@@ -1,0 +1,111 @@
+#include "shell/Main.h"
+
+#include <utility>
+
+#include "sessions/account_record.h"
+#include "sessions/last_by_key.h"
+
+namespace tutti {
+namespace {
+constexpr std::int32_t global_mode = 3;
+constexpr std::uint32_t highlighted_bgr = 0xD2B54D;
+constexpr std::uint32_t normal_bgr = 0x800000;
+}  // namespace
+
+Main::Main(std::filesystem::path application_folder, const MachinePorts& ports, ServerSide server)
+    : paths_(std::move(application_folder)),
+      ports_(ports),
+      server_(std::move(server)),
+      general_(paths_, ports_.clock, ports_.sound, ports_.prompt, messages_) {}
+
+Main::~Main() {
+  // Sessions write into the windows while they end, so they go while every window still stands.
+  if (accounts_ != nullptr) accounts_->end_sessions();
+}
+
+tl::expected<void, FileError> Main::start() {
+  create_objects();
+  if (auto shown = show_main_window(); !shown) return shown;
+  prepare_result_lists();
+  if (auto loaded = load_saved_accounts(); !loaded) return loaded;
+  colours_->set(from_bgr(highlighted_bgr), from_bgr(normal_bgr));
+  window_->execute(frmMdiNew::show_accounts);
+  window_->execute(frmMdiNew::show_journal);
+  pump_->open();
+  return {};
+}
+
+void Main::create_objects() {
+  colours_ = std::make_unique<Culf>();
+  question_box_ = std::make_unique<CQuestionBox>(ports_.prompt, messages_);
+  sure_ = std::make_unique<frmSure>(ports_.prompt);
+  general_.mode = global_mode;
+  general_.workstation_file = paths_.full("\\manage\\wsinfo.dat");
+  journal_window_ = std::make_unique<frmJournal>(general_);
+  journal_ = std::make_unique<CJournal>(general_, *journal_window_);
+  general_.journal = journal_.get();
+  open_positions_ = std::make_unique<COpenPos>();
+  net_positions_ = std::make_unique<CNetPos>();
+  locale_ = std::make_unique<CLocalSettings>(ports_.locale);
+  general_.locale = locale_.get();
+  pending_orders_ = std::make_unique<CPendingOrds>();
+  help_ = std::make_unique<CHTMLHELP>();
+  pump_ = std::make_unique<EventPump>(server_.events, *journal_, messages_);
+}
+
+tl::expected<void, FileError> Main::show_main_window() {
+  window_ = std::make_unique<frmMdiNew>(general_);
+  desk_.status = window_.get();
+  accounts_ = std::make_unique<frmMain>(general_, desk_, symbols_, ports_.file_dialog, server_.make_client,
+                                        server_.endpoint);
+  desk_.accounts = accounts_.get();
+  market_order_ = std::make_unique<frmorder>(general_, *accounts_, symbols_);
+  desk_.market_order = market_order_.get();
+  accounts_->attach(*market_order_);
+  sure_->logout_all = [this] { accounts_->logout_all(); };
+  sure_->remove_all = [this] { accounts_->mnuclear_Click(); };
+  window_->set_command(frmMdiNew::show_journal, [this] { journal_->Displayed(true); });
+  window_->set_command(frmMdiNew::show_accounts, [this] { accounts_->Displayed(true); });
+  window_->Displayed(true);
+  return accounts_->load();
+}
+
+void Main::prepare_result_lists() {
+  desk_.close_positions->prepare({"Account", "Status", "Amount", "Action"}, "Disconnected");
+}
+
+tl::expected<void, FileError> Main::load_saved_accounts() {
+  const auto lines = general_.files.lines(general_.account_file);
+  if (!lines) return tl::unexpected(lines.error());
+
+  LastByKey<AccountRecord> records;
+  std::string unreadable;
+  for (std::size_t i = 0; i < lines->size(); ++i) {
+    if ((*lines)[i].empty()) continue;
+    if (auto record = decode_record((*lines)[i])) {
+      std::string key = account_key(record->user, record->account);
+      records.add(std::move(key), std::move(*record));
+    } else {
+      unreadable += (unreadable.empty() ? "" : ", ") + std::to_string(i + 1);
+    }
+  }
+  if (!unreadable.empty()) {
+    general_.log("Account information: skipped unreadable records in lines " + unreadable, no_account);
+  }
+
+  CClientAPIManagers& sessions = accounts_->sessions();
+  const CLoginOptions& options = accounts_->login_options();
+  for (const AccountRecord& record : records.take()) {
+    const std::string key = account_key(record.user, record.account);
+    if (accounts_->has_account(key)) {
+      if (record.auto_login) accounts_->login_account(key);
+      continue;
+    }
+    const LoginData login{record.user, record.password, record.account, options.current()};
+    if (sessions.Add(login, "", record.auto_login) == nullptr) break;
+    accounts_->savedListViw(record.user, record.password, record.account);
+  }
+  return {};
+}
+
+}  // namespace tutti

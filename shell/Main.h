@@ -1,0 +1,109 @@
+#pragma once
+
+#include <filesystem>
+
+#include <tl/expected.hpp>
+
+#include "accounts/frmMain.h"
+#include "core/CLocalSettings.h"
+#include "core/CQuestionBox.h"
+#include "core/MGeneral.h"
+#include "core/event_pump.h"
+#include "core/frmSure.h"
+#include "core/message_queue.h"
+#include "core/paths.h"
+#include "orders/frmorder.h"
+#include "sessions/desk.h"
+#include "sessions/symbol_collection.h"
+#include "shell/CHTMLHELP.h"
+#include "shell/Culf.h"
+#include "shell/frmMdiNew.h"
+#include "views/CJournal.h"
+#include "views/CNetPos.h"
+#include "views/COpenPos.h"
+#include "views/CPendingOrds.h"
+#include "views/frmJournal.h"
+
+namespace tutti {
+
+// The ports to the machine that a terminal runs with. They outlive it.
+struct MachinePorts {
+  const Clock& clock;
+  Prompt& prompt;
+  SoundPort& sound;
+  LocalePort& locale;
+  FileDialog& file_dialog;
+};
+
+// What stands behind the trading clients, and the address it answers to.
+struct ServerSide {
+  ClientFactory make_client;
+  EventSource& events;
+  Endpoint endpoint;
+};
+
+// Start-up, and owner of every global object: the one place that sees all rooms and creates everything in its
+// fixed order. One terminal per object; members are destroyed in reverse, sessions before what they write to.
+class Main {
+ public:
+  Main(std::filesystem::path application_folder, const MachinePorts& ports, ServerSide server);
+  ~Main();
+  Main(const Main&) = delete;
+  Main& operator=(const Main&) = delete;
+
+  // Creates the objects, shows the main window, loads the saved accounts, and opens the pump last. Fails when
+  // a data file can't be read; the error names file and line. Called once.
+  tl::expected<void, FileError> start();
+
+  // Delivers waiting events; to be called whenever the thread is free.
+  std::size_t deliver_events() { return pump_->deliver(); }
+  // To be called once a second.
+  void tick() { accounts_->m_oTimer_Tick(); }
+
+  MGeneral& general() { return general_; }
+  MessageQueue& messages() { return messages_; }
+  CQuestionBox& question_box() { return *question_box_; }
+  frmSure& sure() { return *sure_; }
+  frmMdiNew& window() { return *window_; }
+  frmMain& accounts() { return *accounts_; }
+  frmorder& market_order() { return *market_order_; }
+  frmJournal& journal_window() { return *journal_window_; }
+  CJournal& journal() { return *journal_; }
+  SymbolCollection& symbols() { return symbols_; }
+  Culf& colours() { return *colours_; }
+  CHTMLHELP& help() { return *help_; }
+  COpenPos& open_positions() { return *open_positions_; }
+  CPendingOrds& pending_orders() { return *pending_orders_; }
+  CNetPos& net_positions() { return *net_positions_; }
+
+ private:
+  void create_objects();
+  tl::expected<void, FileError> show_main_window();
+  void prepare_result_lists();
+  tl::expected<void, FileError> load_saved_accounts();
+
+  Paths paths_;
+  MachinePorts ports_;
+  ServerSide server_;
+  MessageQueue messages_;
+  MGeneral general_;
+  SymbolCollection symbols_;
+  Desk desk_;
+
+  std::unique_ptr<Culf> colours_;
+  std::unique_ptr<CQuestionBox> question_box_;
+  std::unique_ptr<frmSure> sure_;
+  std::unique_ptr<frmJournal> journal_window_;
+  std::unique_ptr<CJournal> journal_;
+  std::unique_ptr<COpenPos> open_positions_;
+  std::unique_ptr<CNetPos> net_positions_;
+  std::unique_ptr<CLocalSettings> locale_;
+  std::unique_ptr<CPendingOrds> pending_orders_;
+  std::unique_ptr<CHTMLHELP> help_;
+  std::unique_ptr<frmMdiNew> window_;
+  std::unique_ptr<frmMain> accounts_;
+  std::unique_ptr<frmorder> market_order_;
+  std::unique_ptr<EventPump> pump_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "core/MGeneral.h"
+#include "core/displayable.h"
+#include "sessions/desk.h"
+
+namespace tutti {
+
+// Main window: the state of its status panes, its command-bar controls and its commands.
+class frmMdiNew final : public StatusDesk, public Displayable {
+ public:
+  // Command-bar controls by identifier. The trade controls become available when an account has logged in.
+  static constexpr int first_trade_control = 100017;
+  static constexpr int last_trade_control = 100020;
+  static constexpr int waiting_control = 100025;
+  static constexpr int connected_control = 100026;
+  // Commands that start-up runs: they bring up the accounts list and the journal.
+  static constexpr int show_journal = 100002;
+  static constexpr int show_accounts = 100005;
+
+  struct Control {
+    std::string text;
+    bool enabled = false;
+  };
+
+  explicit frmMdiNew(const MGeneral& general);
+
+  // The totals line, in the form of the event that changed it last. Made when asked for.
+  std::string totals_pane() const { return totals_text(general_.totals, totals_form_); }
+  const std::string& server_time_pane() const { return server_time_; }
+  // A control that does not exist is empty and not available.
+  Control control(int id) const;
+
+  // Runs a command; false when there is none with this identifier.
+  bool execute(int command);
+  void set_command(int command, std::function<void()> action) { commands_[command] = std::move(action); }
+
+  // Raised with every change of panes and controls.
+  std::uint64_t stamp() const { return stamp_; }
+
+  // StatusDesk
+  void totals_changed(TotalsForm form) override {
+    totals_form_ = form;
+    ++stamp_;
+  }
+  void server_time(std::string_view text) override;
+  void control_text(int id, std::string_view text) override;
+  void control_enabled(int id, bool enabled) override;
+
+ private:
+  const MGeneral& general_;
+  TotalsForm totals_form_ = TotalsForm::summaries_changed;
+  std::string server_time_;
+  std::map<int, Control> controls_;
+  std::map<int, std::function<void()>> commands_;
+  std::uint64_t stamp_ = 0;
+};
+
+}  // namespace tutti

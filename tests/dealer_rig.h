@@ -1,0 +1,125 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/numbers.h"
+#include "dealer/dealing_server.h"
+#include "sessions/contract/ClientAPI.h"
+
+namespace tutti {
+
+// Writes down what a session is told: the events as words, the reports and positions as they came.
+class DealerRecorder final : public CLAPICLASS {
+ public:
+  std::vector<std::string> events;  // without prices, floating profits and times
+  std::vector<OrderReport> reports;
+  std::vector<OpenPosition> opened, deleted;
+  std::vector<AccountSummary> summaries;
+  int prices = 0;
+  int ranges = 0;
+  int floats = 0;
+  int times = 0;
+  double last_bid = 0.0;
+  std::function<void()> on_report;
+
+  void WaitingMode(std::int32_t mode) override { events.push_back("waiting " + std::to_string(mode)); }
+  void ConnectionState(bool connected) override {
+    events.push_back(connected ? "connected" : "disconnected");
+  }
+  void SymbolsLoaded() override { events.emplace_back("symbols"); }
+  void OpenPositionsLoaded() override { events.emplace_back("positions"); }
+  void PendingOrdersLoaded() override { events.emplace_back("orders"); }
+  void AllDataAreLoaded() override { events.emplace_back("all"); }
+  void InvalidUsernamePassword() override { events.emplace_back("invalid"); }
+  void SessionDisconnected() override { events.emplace_back("dropped"); }
+  void ServerTime(TimePoint) override { ++times; }
+  void PosFloatingPLChanged(const OpenPosition&) override { ++floats; }
+  void SummariesChanged(const AccountSummary& summary) override {
+    events.emplace_back("summary");
+    summaries.push_back(summary);
+  }
+  void SymbolHighLowChanged(const Symbol&) override { ++ranges; }
+  void SymbolPricesChanged(const Symbol& symbol) override {
+    ++prices;
+    if (symbol.name == "EURUSD") last_bid = symbol.bid;
+  }
+  void NewOrderResult(const OrderReport& report) override { take("order ", report); }
+  void CloseOrderResult(const OrderReport& report) override { take("close ", report); }
+  void NewOpenPosition(const OpenPosition& position) override {
+    events.emplace_back("opened");
+    opened.push_back(position);
+  }
+  void UpdateOpenPosition(const OpenPosition&) override { events.emplace_back("changed"); }
+  void DeleteOpenPosition(const OpenPosition& position) override {
+    events.emplace_back("deleted");
+    deleted.push_back(position);
+  }
+
+ private:
+  void take(const char* word, const OrderReport& report) {
+    events.push_back(word + std::to_string(report.result));
+    reports.push_back(report);
+    if (on_report) on_report();
+  }
+};
+
+// A dealing server under a clock that is turned by hand.
+struct DealerRig {
+  // A client with its recorder; the client goes first.
+  struct Seat {
+    std::unique_ptr<DealerRecorder> seen = std::make_unique<DealerRecorder>();
+    std::unique_ptr<ClientAPI> client;
+  };
+
+  explicit DealerRig(DealerConfig config) : server(std::move(config), clock) {}
+
+  // Lets time go by in one piece, then delivers all there is.
+  void run(std::int64_t milliseconds) {
+    clock.advance(std::chrono::milliseconds{milliseconds});
+    server.advance();
+    drain();
+  }
+  void drain() {
+    while (server.deliver_next()) {
+    }
+  }
+  Seat seat(const LoginData& data) {
+    Seat seat;
+    seat.client = server.make_client();
+    seat.client->set_sink(seat.seen.get());
+    seat.client->SetLoginData(data);
+    seat.client->Login();
+    return seat;
+  }
+  // Logged in and quiet, nothing recorded.
+  Seat trader(std::size_t account) {
+    const AccountConfig& config = server.config().accounts[account];
+    Seat result = seat({config.user, config.password, config.number, {}});
+    run(300);
+    *result.seen = {};
+    return result;
+  }
+  static std::int32_t send(const Seat& seat, std::int32_t side, const char* symbol, double amount) {
+    const Symbol* found = seat.client->FindSymbol(symbol);
+    return seat.client->NewMarketOrder(side, found != nullptr ? found->id : 0, amount, "", "");
+  }
+
+  ManualClock clock;
+  DealingServer server;
+};
+
+// Prices that only move by hand: one far tick stands for the random walk.
+inline DealerConfig still_market(int accounts = 3) {
+  DealerConfig config = DealerConfig::sample(accounts);
+  config.ticks = {{std::chrono::hours{24}, "EURUSD", 2.0, 2.0002}};
+  return config;
+}
+
+}  // namespace tutti

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "sessions/contract/ClientAPI.h"
+
+namespace tutti::testing {
+
+// A trading client whose answers the test sets, and which records what it was asked to do.
+class ScriptedClient final : public ClientAPI {
+ public:
+  CLAPICLASS* sink = nullptr;
+  LoginData login_data;
+  bool logged_in = true;
+  int logins = 0;
+  int logouts = 0;
+  std::vector<Symbol> symbols;
+  std::vector<OpenPosition> positions;
+  std::vector<PendingOrder> orders;
+  SummaryAnswer summary{.values = {}, .result = result::succeeded};
+  std::optional<AccountInfo> info;
+  std::int32_t request_code = request::taken;
+  double limit_distance = 0.0;
+  double stop_distance = 0.0;
+  std::vector<std::string> sent;  // "side symbol-id amount"
+
+  void set_sink(CLAPICLASS* new_sink) override { sink = new_sink; }
+  void SetLoginData(const LoginData& data) override { login_data = data; }
+  void Login() override { ++logins; }
+  int SymbolCount() const override { return static_cast<int>(symbols.size()); }
+  const Symbol* SymbolItem(int index) const override { return &symbols[static_cast<std::size_t>(index) - 1]; }
+  const Symbol* SymbolRecord(std::string_view symbol) const override { return FindSymbol(symbol); }
+  const Symbol* FindSymbol(std::string_view symbol) const override {
+    for (const Symbol& s : symbols) {
+      if (s.name == symbol) return &s;
+    }
+    return nullptr;
+  }
+  int OpenPositionCount() const override { return static_cast<int>(positions.size()); }
+  const OpenPosition* OpenPositionItem(int index) const override {
+    return &positions[static_cast<std::size_t>(index) - 1];
+  }
+  int PendingOrderCount() const override { return static_cast<int>(orders.size()); }
+  const PendingOrder* PendingOrderItem(int index) const override {
+    return &orders[static_cast<std::size_t>(index) - 1];
+  }
+  std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
+                              std::string_view) override {
+    sent.push_back(std::to_string(side) + " " + std::to_string(symbol_id) + " " + std::to_string(amount));
+    return request_code;
+  }
+  std::int32_t NewEntryOrder(const EntryOrder&) override { return request_code; }
+  std::int32_t UpdateEntryOrder(std::int64_t, double, const StopPrices&) override { return request_code; }
+  std::int32_t AcceptRequote(std::int64_t) override { return request_code; }
+  std::int32_t RejectRequote(std::int64_t) override { return request_code; }
+  std::int32_t ClosePosition(std::string_view, std::string_view, std::string_view) override {
+    return request_code;
+  }
+  bool LoggedIn() const override { return logged_in; }
+  void Logout() override { ++logouts; }
+  SummaryAnswer GetAccountSummary(std::int32_t) const override { return summary; }
+  std::int32_t UpdateSLTP(std::int64_t, const StopPrices&) override { return request_code; }
+  double EvaluateSLTPPrice(double, double, std::string_view, double, double& value) const override {
+    return value = 0.0;
+  }
+  double SymbolLimitDistance(std::string_view) const override { return limit_distance; }
+  double SymbolStopDistance(std::string_view) const override { return stop_distance; }
+  std::optional<AccountInfo> FindAccount(std::int32_t) const override { return info; }
+  double MinimumLot() const override { return 0.01; }
+  double MaximumLot() const override { return 100.0; }
+};
+
+}  // namespace tutti::testing

@@ -1,0 +1,100 @@
+#include "tests/support/test_terminal.h"
+
+#include <stdlib.h>
+
+#include <stdexcept>
+
+#include "core/file_writer.h"
+
+namespace tutti::testing {
+
+namespace fs = std::filesystem;
+
+TemporaryFolder::TemporaryFolder() {
+  std::string name = (fs::temp_directory_path() / "tutti-test-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder: " + name);
+  path_ = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code error;
+  fs::remove_all(path_, error);
+}
+
+void TemporaryFolder::write(const std::string& name, const std::string& content) const {
+  if (const auto written = replace_file(path_ / name, content); !written) {
+    throw std::runtime_error(written.error().text());
+  }
+}
+
+std::string TemporaryFolder::read(const std::string& name) const {
+  return read_file(path_ / name).value_or("");
+}
+
+TestTerminal::TestTerminal(DealerConfig config)
+    : TestTerminal(std::move(config), std::make_shared<TemporaryFolder>()) {}
+
+TestTerminal::TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder> folder)
+    : home(std::move(folder)), server(std::move(config), clock) {
+  main = std::make_unique<Main>(
+      home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
+      ServerSide{[this] { return server.make_client(); }, server, server.config().endpoint});
+}
+
+void TestTerminal::save_accounts() {
+  std::string lines;
+  for (const AccountConfig& account : server.config().accounts) {
+    lines += account.user + "," + account.password + "," + std::to_string(account.number) + "\n";
+  }
+  home->write("manage/savelvinfo.buf", lines);
+}
+
+tl::expected<void, FileError> TestTerminal::start() {
+  return main->start();
+}
+
+void TestTerminal::run(std::chrono::milliseconds time) {
+  constexpr std::chrono::milliseconds step{10};
+  for (std::chrono::milliseconds gone{0}; gone < time; gone += step) {
+    clock.advance(step);
+    server.advance();
+    main->deliver_events();
+  }
+}
+
+void TestTerminal::start_logged_in() {
+  save_accounts();
+  if (const auto started = start(); !started) throw std::runtime_error(started.error().text());
+  run(std::chrono::seconds{2});
+}
+
+Row& TestTerminal::client(std::int32_t account) {
+  return *main->accounts().sessions().by_account(account)->ClientListItem();
+}
+
+Row* TestTerminal::order_row(std::int32_t account) {
+  return main->market_order().lvwConClients.find(client_key(account));
+}
+
+std::string TestTerminal::result(std::int32_t account) {
+  const Row* row = order_row(account);
+  return row == nullptr ? std::string{"no row"} : row->text(frmorder::result_text);
+}
+
+std::vector<std::string> TestTerminal::journal() {
+  std::vector<std::string> out;
+  const RowList& list = main->journal_window().lvwJournal;
+  for (std::size_t i = list.size(); i-- > 0;)
+    out.push_back(list.row(i).text(1) + " " + list.row(i).text(2));
+  return out;
+}
+
+std::vector<std::string> TestTerminal::take_messages() {
+  std::vector<std::string> out;
+  MessageQueue& queue = main->messages();
+  for (; queue.current() != nullptr; queue.dismiss())
+    out.push_back(queue.current()->text);
+  return out;
+}
+
+}  // namespace tutti::testing

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/clock.h"
+#include "core/locale_port.h"
+#include "dealer/dealing_server.h"
+#include "shell/Main.h"
+#include "tests/support/recording_ports.h"
+
+namespace tutti::testing {
+
+// A folder of its own for one test, gone with it.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  void write(const std::string& name, const std::string& content) const;
+  std::string read(const std::string& name) const;  // empty when missing
+
+ private:
+  std::filesystem::path path_;
+};
+
+// The whole terminal against the embedded dealing server, under a clock that stands still until it is moved.
+class TestTerminal {
+ public:
+  explicit TestTerminal(DealerConfig config = DealerConfig::sample());
+  // A second start in the same folder is made with another object on it.
+  TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder> home);
+
+  // Writes the accounts of the configuration as the saved list. To be called before start.
+  void save_accounts();
+  tl::expected<void, FileError> start();
+  // Moves the clock in small steps, delivering what happens.
+  void run(std::chrono::milliseconds time);
+  // save_accounts, start, and time enough for every login.
+  void start_logged_in();
+
+  Row& client(std::int32_t account);         // row of the accounts list
+  Row* order_row(std::int32_t account);      // row of the market order window, nullptr when none
+  std::string result(std::int32_t account);  // its Result column
+  std::vector<std::string> journal();        // "account message", oldest first
+  std::vector<std::string> take_messages();  // queued messages, which are dismissed
+
+  std::shared_ptr<TemporaryFolder> home;
+  ManualClock clock;
+  RecordingPrompt prompt;
+  RecordingSound sound;
+  ProcessLocale locale;
+  FakeFileDialog file_dialog;
+  DealingServer server;
+  std::unique_ptr<Main> main;
+};
+
+}  // namespace tutti::testing

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/displayable.h"
+#include "core/journal.h"
+#include "core/text_file.h"
+#include "views/frmJournal.h"
+
+namespace tutti {
+
+// Journal: keeps one history file per identifier (an account number) and shows the history of one at a time
+// in the journal window's list. The terminal's one logging helper: every event is one row and one line.
+class CJournal final : public Journal, public Displayable {
+ public:
+  CJournal(MGeneral& general, frmJournal& window);
+
+  // One event: a live row while no history is shown, else a row of the history it belongs to; always one
+  // line of the account's file.
+  void log(std::string_view message, std::int32_t account) override;
+
+  // Line of `id` with the time of this moment, and a row when it is the one on show.
+  void Add(std::string_view message, std::int32_t id);
+  void addToListView(std::string_view time, std::string_view message, std::int32_t id);
+  // Identifier whose history is shown; -1 while live rows are.
+  std::int32_t vID() const { return id_; }
+  void vID(std::int32_t id);
+  // Removes the history file of vID and clears the list.
+  void ClearFile();
+  // Full path of a history file; -1 means that of vID.
+  std::string FileName(std::int32_t id) const;
+  void ClearList() { window_.lvwJournal.clear(); }
+
+ private:
+  void append(std::string_view time, std::string_view message, std::int32_t id);
+  void reload();
+
+  MGeneral& general_;
+  frmJournal& window_;
+  std::int32_t id_ = -1;
+  TextFile files_;
+  std::string separator_ = "*,%$";
+};
+
+}  // namespace tutti

@@ -1,0 +1,50 @@
+#include "views/frmJournal.h"
+
+#include <iterator>
+#include <utility>
+
+namespace tutti {
+
+frmJournal::frmJournal(MGeneral& general) : general_(general) {
+  ColumnWidthsPer("15,15,68");
+}
+
+void frmJournal::ColumnWidthsPer(std::string widths) {
+  column_widths_ = std::move(widths);
+  general_.column_widths(lvwJournal, column_widths_);
+}
+
+void frmJournal::Add(std::string_view message, std::int32_t account, std::string_view) {
+  const std::string time = general_.now_text();
+  ++entries_;
+  if (live_) {
+    addToListView(time, account, message);
+  } else {
+    arrived_meanwhile_.push_back({time, account, std::string{message}});
+  }
+}
+
+void frmJournal::addToListView(std::string_view time, std::int32_t account, std::string_view message) {
+  Row& row = *lvwJournal.insert(0);
+  row.set_text(0, time);
+  if (account != no_account) row.set_number(1, account);
+  row.set_text(2, message);
+}
+
+void frmJournal::set_live_aside() {
+  if (!live_) return;
+  live_ = false;
+  aside_ = lvwJournal.take_all();
+}
+
+void frmJournal::restore_live() {
+  if (live_) return;
+  live_ = true;
+  lvwJournal.clear();
+  lvwJournal.put_back(std::exchange(aside_, {}));
+  for (const Entry& entry : std::exchange(arrived_meanwhile_, {})) {
+    addToListView(entry.time, entry.account, entry.message);
+  }
+}
+
+}  // namespace tutti

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/MGeneral.h"
+#include "core/row_list.h"
+
+namespace tutti {
+
+// Journal window: the list of what happened, newest first.
+class frmJournal {
+ public:
+  explicit frmJournal(MGeneral& general);
+
+  RowList lvwJournal{{"Time", "Account", "Message"}};
+
+  // New entry at the top with the time of this moment; writes no file. While a history is shown the entry
+  // waits with the other live rows. `extra` is reserved.
+  void Add(std::string_view message, std::int32_t account, std::string_view extra = {});
+  void addToListView(std::string_view time, std::int32_t account, std::string_view message);
+
+  // Puts the live rows aside, to make room for a history, and back again.
+  void set_live_aside();
+  void restore_live();
+  bool live() const { return live_; }
+
+  // Entries added since start; wraps after 65,535.
+  std::uint16_t entries() const { return entries_; }
+  const std::string& ColumnWidthsPer() const { return column_widths_; }
+  void ColumnWidthsPer(std::string widths);
+
+ private:
+  struct Entry {
+    std::string time;
+    std::int32_t account;
+    std::string message;
+  };
+
+  MGeneral& general_;
+  std::string column_widths_;
+  std::uint16_t entries_ = 0;
+  bool live_ = true;
+  std::deque<std::unique_ptr<Row>> aside_;
+  std::vector<Entry> arrived_meanwhile_;  // oldest first
+};
+
+}  // namespace tutti
