@@ -10,7 +10,7 @@
 namespace tutti {
 
 frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, FileDialog& dialog,
-                 ClientFactory make_client, Endpoint own_server)
+                 ClientFactory make_client, Endpoint own_server, std::size_t capacity)
     : labelinfo1(
           "Note:- No guarantee to deliver your order to the server with the requested prices as this depends "
           "on your internet speed."),
@@ -22,15 +22,18 @@ frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, FileD
       symbols_(symbols),
       make_client_(std::move(make_client)),
       own_server_(std::move(own_server)),
+      capacity_(capacity),
       lists_(general.files, general.paths) {
   txteditLo.set_visible(false);
+  m_oTimer.on_tick = [this] { m_oTimer_Tick(); };
 }
 
 tl::expected<void, FileError> frmMain::load() {
   general_.column_widths(lvwClients, "4,9,9,10,10,8,8,8,8,8,8,8,8");
   options_ = std::make_unique<CLoginOptions>(general_, own_server_);
   if (auto read = options_->InitializeFromFile(); !read) return read;
-  sessions_ = std::make_unique<CClientAPIManagers>(make_client_, general_, desk_, symbols_, *options_);
+  sessions_ =
+      std::make_unique<CClientAPIManagers>(make_client_, general_, desk_, symbols_, *options_, capacity_);
   account_dialog_ = std::make_unique<frmaccount>(general_, desk_, *options_, *sessions_);
   if (auto read = LoadAccounts(); !read) return read;
   loadmainsymbols();

@@ -16,6 +16,7 @@
 #include "core/file_dialog.h"
 #include "core/label.h"
 #include "core/text_box.h"
+#include "core/timer.h"
 #include "sessions/CClientAPIManagers.h"
 #include "sessions/CLoginOptions.h"
 #include "sessions/desk.h"
@@ -46,7 +47,8 @@ class frmMain final : public AccountsDesk, public Displayable {
   };
 
   frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, FileDialog& dialog,
-          ClientFactory make_client, Endpoint own_server);
+          ClientFactory make_client, Endpoint own_server,
+          std::size_t capacity = CClientAPIManagers::max_accounts);
 
   RowList lvwClients{{"Index", "Username", "Connection Status ", "Account", "Notes", "Balance", "Flt P/L",
                       "Credit", "Equity", "Used Margin", "Margin Level", "Free Margin"}};
@@ -104,6 +106,8 @@ class frmMain final : public AccountsDesk, public Displayable {
   void edit_notes(Row& row);
   void commit_notes();
 
+  // Polled by whoever has the thread.
+  Timer m_oTimer{std::chrono::seconds{1}};
   // Once a second: how long each row has been connecting, and how old the newest quote is.
   void m_oTimer_Tick();
   std::optional<std::chrono::seconds> connecting_for(const Row& row) const;
@@ -154,6 +158,7 @@ class frmMain final : public AccountsDesk, public Displayable {
   SymbolCollection& symbols_;
   ClientFactory make_client_;
   Endpoint own_server_;
+  std::size_t capacity_;
   SavedLists lists_;
   std::unique_ptr<CLoginOptions> options_;
   std::unique_ptr<CClientAPIManagers> sessions_;

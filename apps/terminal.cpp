@@ -64,10 +64,7 @@ void Terminal::step() {
   for (; messages.current() != nullptr; messages.dismiss()) {
     prompt_.system_box(messages.current()->text, messages.current()->caption);
   }
-  const TimePoint now = clock_.now();
-  if (now < next_tick_) return;
-  main_->tick();
-  next_tick_ = now + std::chrono::seconds{1};
+  main_->poll_timers();
 }
 
 bool Terminal::run_until(const std::function<bool()>& done) {

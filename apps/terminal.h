@@ -70,7 +70,6 @@ class Terminal {
   std::unique_ptr<DealingServer> server_;
   std::unique_ptr<Main> main_;
   std::uint64_t saved_revision_ = 0;
-  TimePoint next_tick_{};
 };
 
 }  // namespace tutti

@@ -18,6 +18,7 @@ void Cell::swap(Cell& other) noexcept {
   std::swap(kind_, other.kind_);
   std::swap(format_, other.format_);
   std::swap(ink_, other.ink_);
+  std::swap(decimals_, other.decimals_);
 }
 
 void Cell::set_text(std::string_view text) {
@@ -44,6 +45,8 @@ std::string Cell::text() const {
       return summary_text(value_.number) + "%";
     case NumberFormat::index:
       return fmt::format("{:02.0f}", value_.number);
+    case NumberFormat::fixed:
+      return fixed_text(value_.number, decimals_);
     case NumberFormat::general:
       break;
   }

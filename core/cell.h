@@ -15,6 +15,7 @@ enum class NumberFormat : std::uint8_t {
   summary,  // at most two decimals
   percent,  // as summary, followed by "%"
   index,    // whole number of at least two digits
+  fixed,    // with a number of decimals of the cell's own
 };
 
 // One cell of a row: a text, or a number with its format. Sixteen bytes, since lists hold many thousands.
@@ -35,6 +36,11 @@ class Cell {
     value_.number = number;
     kind_ = Kind::number;
     format_ = format;
+  }
+  // `decimals` from 0 to 15, as of a price.
+  void set_fixed(double number, int decimals) {
+    set_number(number, NumberFormat::fixed);
+    decimals_ = static_cast<std::uint8_t>(decimals);
   }
   void set_text(std::string_view text);
   void set_ink(Ink ink) { ink_ = ink; }
@@ -64,6 +70,7 @@ class Cell {
   Kind kind_ = Kind::empty;
   NumberFormat format_ = NumberFormat::general;
   Ink ink_ = Ink::plain;
+  std::uint8_t decimals_ = 0;  // counts while format_ is fixed
 };
 static_assert(sizeof(Cell) == 16);
 

@@ -46,6 +46,9 @@ class Row {
   void set_number(std::size_t column, double number, NumberFormat format = NumberFormat::general) {
     edit(column).set_number(number, format);
   }
+  void set_fixed(std::size_t column, double number, int decimals) {
+    edit(column).set_fixed(number, decimals);
+  }
   // Several cells in a row under one stamp, from `first` on. The pointer is good until the row goes.
   Cell* edit_from(std::size_t first, std::size_t count) {
     assert(first + count <= cells_.size());

@@ -51,6 +51,17 @@ void RowList::remove(Row& row) {
   structure_changed();
 }
 
+std::size_t RowList::remove_if(const std::function<bool(const Row&)>& gone) {
+  const std::size_t before = rows_.size();
+  Row* current = current_ != nullptr && gone(*current_) ? nullptr : current_;
+  if (std::none_of(begin(), end(), gone)) return 0;
+  auto kept = take_all();
+  std::erase_if(kept, [&](const auto& row) { return gone(*row); });
+  put_back(std::move(kept));
+  current_ = current;
+  return before - rows_.size();
+}
+
 void RowList::clear() {
   take_all();
 }

@@ -53,6 +53,8 @@ class RowList {
   Row* add(RowKey key = {}) { return insert(rows_.size(), key); }
   void remove(Row& row);
   void clear();
+  // Removes all rows for which `gone` holds, in one pass; answers how many.
+  std::size_t remove_if(const std::function<bool(const Row&)>& gone);
   // False when another row has the key.
   bool rekey(Row& row, RowKey key);
   // Takes all rows out, in order, and puts such rows back in front of what stands there now.

@@ -124,6 +124,7 @@ void CClientAPIManager::ConnectionState(bool connected) {
   carry_on(general_, account_, [&] { release_totals(); });
   carry_on(general_, account_, [&] { journal_unanswered(); });
   carry_on(general_, account_, [&] { desk_.remove_account(account_); });
+  carry_on(general_, account_, [&] { desk_.requote->session_gone(*this); });
 }
 
 void CClientAPIManager::WaitingMode(std::int32_t mode) {

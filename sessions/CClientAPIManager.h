@@ -72,6 +72,12 @@ class CClientAPIManager final : public CLAPICLASS {
   // Market orders of this account: the fan-out notes each one it sends.
   void note_sent(const SentOrder& order);
   const SentOrder& last_order() const { return last_order_; }
+  // Closes a position of this account, or `amount` lots of it; cancels an entry order or the SL/TP order of a
+  // position. Each answers the request code and keeps account of what becomes of it.
+  std::int32_t close_position(std::int64_t ticket, double amount);
+  std::int32_t cancel_order(std::int64_t order, bool stops_of_position);
+  // The last close or cancel of this ticket or order; nullptr when none was sent.
+  const SentOrder* sent_request(std::int64_t number) const;
 
   void AllDataAreLoaded() override;
   void CloseOrderResult(const OrderReport& report) override;
@@ -126,7 +132,10 @@ class CClientAPIManager final : public CLAPICLASS {
   void refresh_position(std::int64_t ticket);
   // What became of the order that is meant: the one with the number, else the oldest that was sent so.
   void settle_order(const OrderReport& report, SentOrder::Outcome outcome);
+  void settle_request(std::int64_t number, std::int32_t result, SentOrder::Outcome outcome);
+  std::int32_t note_request(std::int64_t number, double amount, std::int32_t request_code);
   void journal_unanswered();
+  void journal_unknown(const std::string& what);
   void close_refused(std::int64_t ticket, const std::string& text, const std::string& row_text,
                      const std::string& message);
 
@@ -144,6 +153,7 @@ class CClientAPIManager final : public CLAPICLASS {
   std::vector<SymbolHandle> handles_;  // handle by symbol identifier
   std::vector<SentOrder> waiting_;     // sent, without a final outcome; oldest first
   SentOrder last_order_;
+  tsl::robin_map<std::int64_t, SentOrder> requests_;  // closes and cancels, by ticket or order
   std::string user_;
   std::string password_;
 };

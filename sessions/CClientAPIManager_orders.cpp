@@ -45,16 +45,59 @@ void CClientAPIManager::settle_order(const OrderReport& report, SentOrder::Outco
   if (outcome != SentOrder::Outcome::pending) waiting_.erase(at);
 }
 
+std::int32_t CClientAPIManager::close_position(std::int64_t ticket, double amount) {
+  return note_request(ticket, amount,
+                      client_->ClosePosition(std::to_string(ticket), number_text(amount), ""));
+}
+
+std::int32_t CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position) {
+  return note_request(order, 0.0,
+                      stops_of_position ? client_->DeleteSLTPOrder(order) : client_->DeleteEntryOrder(order));
+}
+
+std::int32_t CClientAPIManager::note_request(std::int64_t number, double amount, std::int32_t code) {
+  requests_[number] = {
+      .number = number,
+      .amount = amount,
+      .request_code = code,
+      .outcome = code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused};
+  return code;
+}
+
+const SentOrder* CClientAPIManager::sent_request(std::int64_t number) const {
+  const auto at = requests_.find(number);
+  return at == requests_.end() ? nullptr : &at->second;
+}
+
+void CClientAPIManager::settle_request(std::int64_t number, std::int32_t code, SentOrder::Outcome outcome) {
+  const auto at = requests_.find(number);
+  if (at == requests_.end()) return;
+  at.value().outcome = outcome;
+  if (code != 0) at.value().result_code = code;
+}
+
+void CClientAPIManager::journal_unknown(const std::string& what) {
+  log(what +
+      " was sent, but the connection was lost before its result came: the outcome is unknown, check the "
+      "positions of account " +
+      std::to_string(account_));
+}
+
 void CClientAPIManager::journal_unanswered() {
   for (const SentOrder& order : waiting_) {
-    log(std::string{"Order "} + (order.side > 0 ? "BUY " : "SELL ") + number_text(order.amount) + " " +
-        (order.symbol == no_symbol ? "" : symbols_.entry(order.symbol).name) +
-        " was sent, but the connection was lost before its result came: the outcome is unknown, check the "
-        "positions of account " +
-        std::to_string(account_));
+    journal_unknown(std::string{"Order "} + (order.side > 0 ? "BUY " : "SELL ") + number_text(order.amount) +
+                    " " + (order.symbol == no_symbol ? "" : symbols_.entry(order.symbol).name));
   }
   if (!waiting_.empty()) last_order_.outcome = SentOrder::Outcome::unknown;
   waiting_.clear();
+  for (auto at = requests_.begin(); at != requests_.end(); ++at) {
+    SentOrder& request = at.value();
+    if (request.outcome != SentOrder::Outcome::waiting && request.outcome != SentOrder::Outcome::pending) {
+      continue;
+    }
+    request.outcome = SentOrder::Outcome::unknown;
+    journal_unknown("The request for #" + std::to_string(request.number));
+  }
 }
 
 void CClientAPIManager::NewOrderResult(const OrderReport& report) {
@@ -88,6 +131,7 @@ void CClientAPIManager::NewOrderResult(const OrderReport& report) {
 
 void CClientAPIManager::MarketOrderAccepted(const OrderReport& report) {
   if (report.request_kind == request_kind::close) {
+    settle_request(report.number, 0, SentOrder::Outcome::accepted);
     log_order(report.number, "Ticket #" + std::to_string(report.number) + " has been closed successfully");
     refresh_position(report.number);
   } else {
@@ -95,12 +139,13 @@ void CClientAPIManager::MarketOrderAccepted(const OrderReport& report) {
     log_order(report.number, accepted_text(report));
     desk_.market_order->result("Market Order Accepted", account_);
   }
-  desk_.pending->remove_order(report.number);
+  desk_.requote->order_accepted(report);
 }
 
 void CClientAPIManager::MarketOrderRejected(const OrderReport& report) {
   if (report.request_kind == request_kind::close) {
     constexpr std::string_view text = "Closing has been rejected";
+    settle_request(report.number, 0, SentOrder::Outcome::refused);
     log_order(report.number, text);
     desk_.close_positions->result(report.number, text);
   } else {
@@ -108,7 +153,7 @@ void CClientAPIManager::MarketOrderRejected(const OrderReport& report) {
     log_order(report.number, "Order " + std::to_string(report.number) + " has been rejected");
     desk_.market_order->result("order has been rejected", account_);
   }
-  desk_.pending->remove_order(report.number);
+  desk_.requote->order_rejected(report);
 }
 
 void CClientAPIManager::OrderTimer(const Requote& requote) {
@@ -126,12 +171,16 @@ void CClientAPIManager::close_refused(std::int64_t ticket, const std::string& te
 void CClientAPIManager::CloseOrderResult(const OrderReport& report) {
   const std::int64_t ticket = report.number;
   const std::string number = std::to_string(ticket);
-  const std::string of_account = " for account " + std::to_string(account_);
+  const bool dealing = report.result == result::succeeded && report.state == order_state::pending;
+  settle_request(ticket, report.result,
+                 dealing                              ? SentOrder::Outcome::pending
+                 : report.result == result::succeeded ? SentOrder::Outcome::accepted
+                                                      : SentOrder::Outcome::refused);
   switch (report.result) {
     case result::succeeded: {
       log("Request close ticket #" + number + std::string{result_texts::type_word(report.operation)} +
           number_text(report.amount) + report.symbol + " at " + number_text(report.price));
-      if (report.state == order_state::pending) {
+      if (dealing) {
         desk_.pending->order({.order = ticket,
                               .account = account_,
                               .kind = "CP",
@@ -152,11 +201,11 @@ void CClientAPIManager::CloseOrderResult(const OrderReport& report) {
     }
     case result::not_enough_money: {
       const std::string text = " not enough money";
-      return close_refused(ticket, text, text, text + of_account);
+      return close_refused(ticket, text, text, text + " for account " + std::to_string(account_));
     }
     case result::trading_closed:
       return close_refused(ticket, "Order " + number + " trading is closed", " Trading is closed",
-                           number + " trading is closed" + of_account);
+                           number + " trading is closed for account " + std::to_string(account_));
     case result::market_conditions: {
       const std::string text = "Unable to get  quote on this symbol due to market conditions";
       return close_refused(
@@ -211,6 +260,8 @@ void CClientAPIManager::UpdateLimitOrderResult(std::int64_t order, std::int32_t 
 }
 
 void CClientAPIManager::DeleteLimitOrderResult(std::int64_t order, std::int32_t code) {
+  settle_request(order, code,
+                 code == result::succeeded ? SentOrder::Outcome::accepted : SentOrder::Outcome::refused);
   const std::string text =
       "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
   log_order(order, text);
@@ -249,6 +300,8 @@ void CClientAPIManager::NewSLTPOrderResult(std::int64_t order, std::int32_t code
 }
 
 void CClientAPIManager::DeleteSLTPOrderResult(std::int64_t order, std::int32_t code) {
+  settle_request(order, code,
+                 code == result::succeeded ? SentOrder::Outcome::accepted : SentOrder::Outcome::refused);
   log_order(order,
             "Delete SLTP Order #" + std::to_string(order) + " " + std::string{ResultDescription(code)});
 }

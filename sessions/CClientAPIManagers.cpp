@@ -72,7 +72,7 @@ void CClientAPIManagers::RClear(int number) {
   CClientAPIManager* session = Item(number);
   if (session == nullptr) return;
   session->shut_down();
-  desk_.requote->session_removed(*session);
+  desk_.requote->session_gone(*session);
   desk_.remove_account(session->account());
   if (Row* row = session->ClientListItem()) desk_.accounts->remove_client(*row);
   if (current_ == session) current_ = nullptr;

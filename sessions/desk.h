@@ -123,6 +123,7 @@ class PendingBook {
 class NetDesk {
  public:
   virtual ~NetDesk() = default;
+  virtual void position_added(const OpenPosition&) {}
   // The profit as text, with the decimal separator in force.
   virtual void floating_changed(const OpenPosition&, std::string_view /*profit*/) {}
 };
@@ -140,7 +141,11 @@ class RequoteDesk {
  public:
   virtual ~RequoteDesk() = default;
   virtual void tick(CClientAPIManager&, const Requote&) {}
-  virtual void session_removed(const CClientAPIManager&) {}
+  // A market request was accepted or rejected by the dealer.
+  virtual void order_accepted(const OrderReport&) {}
+  virtual void order_rejected(const OrderReport&) {}
+  // The session is disconnected or removed: nobody counts its requotes down any more.
+  virtual void session_gone(const CClientAPIManager&) {}
 };
 
 // Panes and command-bar controls of the main window.

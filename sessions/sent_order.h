@@ -6,7 +6,8 @@
 
 namespace tutti {
 
-// A market order on its way: what was sent, what the request answered, and what became of it.
+// A market order, a close or a cancel on its way: what was sent, what the request answered, and what became
+// of it.
 struct SentOrder {
   enum class Outcome : std::uint8_t {
     none,      // nothing was sent
@@ -17,7 +18,7 @@ struct SentOrder {
     unknown,   // the connection was lost before the result came
   };
 
-  std::int64_t number = 0;  // known once a result told it
+  std::int64_t number = 0;  // of a market order: known once a result told it
   double amount = 0.0;      // lots
   std::int32_t side = 0;    // operation:: code
   SymbolHandle symbol = no_symbol;

@@ -62,12 +62,33 @@ tl::expected<void, FileError> Main::show_main_window() {
   market_order_ = std::make_unique<frmorder>(general_, *accounts_, symbols_);
   desk_.market_order = market_order_.get();
   accounts_->attach(*market_order_);
+  trade_ = std::make_unique<frmTrade>(general_, *question_box_, desk_, symbols_);
+  desk_.positions = trade_.get();
   sure_->logout_all = [this] { accounts_->logout_all(); };
   sure_->remove_all = [this] { accounts_->mnuclear_Click(); };
   window_->set_command(frmMdiNew::show_journal, [this] { journal_->Displayed(true); });
   window_->set_command(frmMdiNew::show_accounts, [this] { accounts_->Displayed(true); });
   window_->Displayed(true);
-  return accounts_->load();
+  if (auto loaded = accounts_->load(); !loaded) return loaded;
+
+  // What needs the session collection, which the accounts list has just made.
+  pending_ = std::make_unique<frmPending>(general_, accounts_->sessions());
+  desk_.pending = pending_.get();
+  requote_ = std::make_unique<frmPriceChanged>(general_, *market_order_, *pending_);
+  desk_.requote = requote_.get();
+  close_helper_ = std::make_unique<CloseHelper>(general_, accounts_->sessions());
+  trade_->close_helper = [this](const frmTrade::Close& position) {
+    close_helper_->close(position.ticket, position.amount, position.account);
+  };
+  question_box_->on_yes[frmTrade::close_question - 1] = [this] { trade_->closeAllse(); };
+  return {};
+}
+
+void Main::poll_timers() {
+  accounts_->m_oTimer.poll(ports_.clock.now());
+  if (window_->stamp() == totals_shown_) return;
+  totals_shown_ = window_->stamp();
+  trade_->lbmSummaries.set_text(window_->totals_pane());
 }
 
 void Main::prepare_result_lists() {

@@ -12,6 +12,8 @@
 #include "core/frmSure.h"
 #include "core/message_queue.h"
 #include "core/paths.h"
+#include "orders/close_helper.h"
+#include "orders/frmPriceChanged.h"
 #include "orders/frmorder.h"
 #include "sessions/desk.h"
 #include "sessions/symbol_collection.h"
@@ -23,6 +25,8 @@
 #include "views/COpenPos.h"
 #include "views/CPendingOrds.h"
 #include "views/frmJournal.h"
+#include "views/frmPending.h"
+#include "views/frmTrade.h"
 
 namespace tutti {
 
@@ -57,8 +61,8 @@ class Main {
 
   // Delivers waiting events; to be called whenever the thread is free.
   std::size_t deliver_events() { return pump_->deliver(); }
-  // To be called once a second.
-  void tick() { accounts_->m_oTimer_Tick(); }
+  // Runs the timers that are due; to be called as often.
+  void poll_timers();
 
   MGeneral& general() { return general_; }
   MessageQueue& messages() { return messages_; }
@@ -67,6 +71,9 @@ class Main {
   frmMdiNew& window() { return *window_; }
   frmMain& accounts() { return *accounts_; }
   frmorder& market_order() { return *market_order_; }
+  frmTrade& trade() { return *trade_; }
+  frmPending& pending() { return *pending_; }
+  frmPriceChanged& requote() { return *requote_; }
   frmJournal& journal_window() { return *journal_window_; }
   CJournal& journal() { return *journal_; }
   SymbolCollection& symbols() { return symbols_; }
@@ -102,8 +109,13 @@ class Main {
   std::unique_ptr<CHTMLHELP> help_;
   std::unique_ptr<frmMdiNew> window_;
   std::unique_ptr<frmMain> accounts_;
+  std::unique_ptr<frmTrade> trade_;
   std::unique_ptr<frmorder> market_order_;
+  std::unique_ptr<frmPending> pending_;
+  std::unique_ptr<frmPriceChanged> requote_;
+  std::unique_ptr<CloseHelper> close_helper_;
   std::unique_ptr<EventPump> pump_;
+  std::uint64_t totals_shown_ = 0;  // stamp of the main window's state that the summary label shows
 };
 
 }  // namespace tutti

@@ -76,6 +76,11 @@ class ClientAPI {
   // Smallest and largest amount of one order, in lots.
   virtual double MinimumLot() const = 0;
   virtual double MaximumLot() const = 0;
+
+  // Cancel an entry order, or the SL/TP order of a position; answered by DeleteLimitOrderResult and
+  // DeleteSLTPOrderResult.
+  virtual std::int32_t DeleteEntryOrder(std::int64_t /*order*/) { return request::no_privilege; }
+  virtual std::int32_t DeleteSLTPOrder(std::int64_t /*order*/) { return request::no_privilege; }
 };
 
 // Makes the trading client of a new session.

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core/MGeneral.h"
+#include "sessions/CClientAPIManagers.h"
+
+namespace tutti {
+
+// Sends one close request for a position and reports an immediate refusal, so that a refusal reads the same
+// wherever the close was started. The outcome comes later, as the session's close result.
+class CloseHelper {
+ public:
+  CloseHelper(MGeneral& general, CClientAPIManagers& sessions) : general_(general), sessions_(sessions) {}
+
+  // `amount` in lots. Nothing happens when no session has the account.
+  void close(std::int64_t ticket, double amount, std::int32_t account);
+
+ private:
+  void report(const std::string& text, std::int32_t account);
+
+  MGeneral& general_;
+  CClientAPIManagers& sessions_;
+};
+
+}  // namespace tutti

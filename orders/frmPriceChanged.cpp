@@ -1,0 +1,118 @@
+#include "orders/frmPriceChanged.h"
+
+#include "core/numbers.h"
+
+namespace tutti {
+namespace {
+constexpr std::string_view accepted_word = " Accepted";
+constexpr std::string_view rejected_word = " rejected";
+}  // namespace
+
+frmPriceChanged::frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending)
+    : general_(general), market_order_(market_order), pending_(pending) {
+  cmdAccept.on_click = [this] { cmdAccept_Click(); };
+  cmdReject.on_click = [this] { cmdReject_Click(); };
+}
+
+void frmPriceChanged::tick(CClientAPIManager& session, const Requote& requote) {
+  SetData(session, requote.order, requote.account, requote.operation, requote.amount, requote.symbol,
+          requote.price, requote.new_price, requote.seconds_left, requote.seconds_all);
+}
+
+void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, std::int32_t account,
+                              std::int32_t side, double amount, std::string_view symbol, double price,
+                              double new_price, std::int16_t seconds_left, std::int16_t seconds_all) {
+  const bool first_tick = seconds_left == seconds_all;
+  if (answered_.contains({&session, order})) {
+    if (!first_tick) return;
+    answered_.erase({&session, order});
+  }
+  if (order != order_ || &session != session_) {
+    order_ = order;
+    session_ = &session;
+    account_ = account;
+    lblOrder.set_text(std::string{side == operation::buy ? "Buy" : "Sell"} + " " + number_text(amount) + " " +
+                      std::string{symbol} + " at " + number_text(price));
+    lblNewPrice.set_text(number_text(new_price));
+    shown_since_ = general_.clock.now();
+    Displayed(true);
+  }
+  caption_ = std::to_string(seconds_left) + " / " + std::to_string(seconds_all);
+  if (first_tick) general_.play_sound("\\sounds\\PriceChanged.wav");
+  if (seconds_left > 0) return;
+
+  answered_.insert({session_, order_});
+  session.ClientAPIF().RejectRequote(order);
+  hide();
+  const std::string text = "Timer Expired - Order number " + std::to_string(order) + " rejected";
+  general_.message_box(text);
+  general_.log(text, account);
+  settle(order, account, rejected_word);
+}
+
+bool frmPriceChanged::buttons_dead() const {
+  return general_.clock.now() - shown_since_ < dead_time;
+}
+
+void frmPriceChanged::cmdAccept_Click() {
+  answer(&ClientAPI::AcceptRequote, accepted_word);
+}
+
+void frmPriceChanged::cmdReject_Click() {
+  answer(&ClientAPI::RejectRequote, rejected_word);
+}
+
+void frmPriceChanged::answer(std::int32_t (ClientAPI::*operation)(std::int64_t), std::string_view word) {
+  if (session_ == nullptr || buttons_dead()) return;
+  const std::int64_t order = order_;
+  const std::int32_t account = account_;
+  answered_.insert({session_, order});
+  const std::int32_t code = (session_->ClientAPIF().*operation)(order);
+  hide();
+  settle(order, account, word);
+  // The dealer may not have taken the answer; the row then says why instead.
+  const std::string_view refusal = request::text(code);
+  if (refusal.empty()) return;
+  general_.log("Order number " + std::to_string(order) + ": " + std::string{refusal}, account);
+  market_order_.UpdateResult(refusal, account);
+}
+
+void frmPriceChanged::hide() {
+  session_ = nullptr;
+  order_ = 0;
+  Displayed(false);
+}
+
+void frmPriceChanged::settle(std::int64_t order, std::int32_t account, std::string_view word) {
+  Row* pending_row = pending_.lvwPending.find(order_key(order));
+  if (pending_row == nullptr) return;
+  const std::string type = pending_row->text(frmPending::type);
+  if (type == "Buy" || type == "Sell" || type == "New") {
+    const Row* row = market_order_.account_row(account);
+    if (row != nullptr && row->checked()) {
+      market_order_.UpdateResult("Order number " + std::to_string(order) + std::string{word}, account);
+    }
+  }
+  pending_.Remove(*pending_row);
+}
+
+void frmPriceChanged::forget_if_held(std::int64_t order) {
+  if (order == order_) hide();
+}
+
+void frmPriceChanged::API_MarketOrderAccepted(const OrderReport& report) {
+  forget_if_held(report.number);
+  pending_.MarketOrderAccepted(report.number);
+}
+
+void frmPriceChanged::API_MarketOrderRejected(const OrderReport& report) {
+  forget_if_held(report.number);
+  pending_.MarketOrderRejected(report.number);
+}
+
+void frmPriceChanged::session_gone(const CClientAPIManager& session) {
+  if (&session == session_) hide();
+  std::erase_if(answered_, [&](const Id& id) { return id.first == &session; });
+}
+
+}  // namespace tutti

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "core/MGeneral.h"
+#include "core/button.h"
+#include "core/displayable.h"
+#include "core/label.h"
+#include "orders/frmorder.h"
+#include "sessions/desk.h"
+#include "views/frmPending.h"
+
+namespace tutti {
+
+// Requote dialog ("Re-quoting screen"): offers the dealing server's new price for a market request, with a
+// countdown the server drives. Unanswered, the requote is rejected when its time is over.
+class frmPriceChanged final : public RequoteDesk, public Displayable {
+ public:
+  // How long the buttons are dead after another order has come on show, so that nobody answers a price he has
+  // not read.
+  static constexpr std::chrono::milliseconds dead_time{300};
+
+  frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending);
+
+  Label framOriginal{"Original Order"};
+  Label lblOrder;
+  Label framNew{"New Price"};
+  Label lblNewPrice;
+  Button cmdAccept{"Accept"};
+  Button cmdReject{"Reject"};
+
+  // "9 / 10" while a requote counts down.
+  const std::string& caption() const { return caption_; }
+
+  // One tick of the countdown. `side` 1 is buy, any other sell; amount in lots.
+  void SetData(CClientAPIManager& session, std::int64_t order, std::int32_t account, std::int32_t side,
+               double amount, std::string_view symbol, double price, double new_price,
+               std::int16_t seconds_left, std::int16_t seconds_all);
+  void cmdAccept_Click();
+  void cmdReject_Click();
+  // The dialog was closed by its frame, which is a rejection.
+  void close_by_frame() { cmdReject_Click(); }
+  // Seconds of dead time left; the window greys the buttons meanwhile.
+  bool buttons_dead() const;
+
+  // The session's events, passed on to the pending orders view.
+  void API_MarketOrderAccepted(const OrderReport& report);
+  void API_MarketOrderRejected(const OrderReport& report);
+
+  // RequoteDesk
+  void tick(CClientAPIManager& session, const Requote& requote) override;
+  void order_accepted(const OrderReport& report) override { API_MarketOrderAccepted(report); }
+  void order_rejected(const OrderReport& report) override { API_MarketOrderRejected(report); }
+  void session_gone(const CClientAPIManager& session) override;
+
+ private:
+  using Id = std::pair<const CClientAPIManager*, std::int64_t>;
+
+  void answer(std::int32_t (ClientAPI::*operation)(std::int64_t), std::string_view word);
+  void settle(std::int64_t order, std::int32_t account, std::string_view word);
+  void hide();
+  void forget_if_held(std::int64_t order);
+
+  MGeneral& general_;
+  frmorder& market_order_;
+  frmPending& pending_;
+  std::string caption_ = "Re-quoting screen";
+  CClientAPIManager* session_ = nullptr;  // of the order on show
+  std::int64_t order_ = 0;
+  std::int32_t account_ = 0;
+  TimePoint shown_since_{};
+  std::set<Id> answered_;  // their further ticks are ignored
+};
+
+}  // namespace tutti

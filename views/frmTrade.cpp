@@ -1,0 +1,102 @@
+#include "views/frmTrade.h"
+
+#include <utility>
+
+namespace tutti {
+namespace {
+
+// A stop that is not set leaves its cell empty.
+void set_stop(Row& row, std::size_t column, double price, int digits) {
+  if (price == 0.0) {
+    row.set_text(column, "");
+  } else {
+    row.set_fixed(column, price, digits);
+  }
+}
+
+constexpr int money_decimals = 2;
+
+}  // namespace
+
+frmTrade::frmTrade(MGeneral& general, CQuestionBox& question_box, Desk& desk, const SymbolCollection& symbols)
+    : general_(general), question_box_(question_box), desk_(desk), symbols_(symbols) {
+  ColumnWidthsPer("9,9,12,4,8,8,6,8,6,6,6,5,9");
+  lbbClose.on_click = [this] { lbbClose_Click(); };
+  chkAll.on_click = [this] { chkAll_Click(); };
+}
+
+void frmTrade::ColumnWidthsPer(std::string widths) {
+  column_widths_ = std::move(widths);
+  general_.column_widths(lvwOpenPos, column_widths_);
+}
+
+int frmTrade::digits(const OpenPosition& position) const {
+  const SymbolHandle handle = symbols_.find(position.symbol);
+  return handle == no_symbol ? 5 : symbols_.entry(handle).digits;
+}
+
+void frmTrade::AddPosition(const OpenPosition& position) {
+  Row* row = lvwOpenPos.find(ticket_key(position.ticket));
+  if (row == nullptr) row = lvwOpenPos.add(ticket_key(position.ticket));
+  const int decimals = digits(position);
+  row->set_number(Column::ticket, static_cast<double>(position.ticket));
+  row->set_number(Column::account, position.account);
+  row->set_text(Column::time, general_.full_time_text(position.open_time));
+  row->set_text(Column::type, position.side > 0 ? "Buy" : "Sell");
+  row->set_number(Column::amount, position.amount);
+  row->set_text(Column::symbol, position.symbol);
+  row->set_fixed(Column::open_price, position.open_price, decimals);
+  row->set_fixed(Column::current_price, position.current_price, decimals);
+  set_stop(*row, Column::stop_loss, position.stop_loss, decimals);
+  set_stop(*row, Column::take_profit, position.take_profit, decimals);
+  floating_changed(position);
+  desk_.net->position_added(position);
+}
+
+void frmTrade::floating_changed(const OpenPosition& position) {
+  Row* row = lvwOpenPos.find(ticket_key(position.ticket));
+  if (row == nullptr) return;
+  Cell* cells = row->edit_from(0, row->columns());
+  cells[Column::current_price].set_number(position.current_price, NumberFormat::fixed);
+  cells[Column::commission].set_fixed(position.commission, money_decimals);
+  cells[Column::interest].set_fixed(position.interest, money_decimals);
+  cells[Column::profit].set_fixed(position.floating_pl, money_decimals);
+}
+
+void frmTrade::RemovePosition(std::int64_t number) {
+  if (Row* row = lvwOpenPos.find(ticket_key(number))) lvwOpenPos.remove(*row);
+}
+
+void frmTrade::RemovePending(std::int32_t number) {
+  lvwOpenPos.remove_if([&](const Row& row) { return row.cell(Column::account).stored_number() == number; });
+}
+
+void frmTrade::chkAll_Click() {
+  for (Row& row : lvwOpenPos)
+    row.set_checked(chkAll.checked());
+}
+
+std::vector<frmTrade::Close> frmTrade::ticked() const {
+  std::vector<Close> out;
+  for (const Row& row : lvwOpenPos) {
+    if (!row.checked()) continue;
+    out.push_back({row.key().number(), row.cell(Column::amount).number(),
+                   static_cast<std::int32_t>(row.cell(Column::account).stored_number())});
+  }
+  return out;
+}
+
+void frmTrade::lbbClose_Click() {
+  if (ticked().empty()) return general_.message_box("No selected positions");
+  question_box_.Show(
+      close_question,
+      std::string{"Are you sure you want to close selected postion(s) at current market price(s)?"});
+}
+
+void frmTrade::closeAllse() {
+  // Events went on while the question stood: what is ticked is read again, all of it before anything is sent.
+  for (const Close& close : ticked())
+    close_helper(close);
+}
+
+}  // namespace tutti

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/CQuestionBox.h"
+#include "core/MGeneral.h"
+#include "core/check_box.h"
+#include "core/label.h"
+#include "core/row_list.h"
+#include "sessions/desk.h"
+#include "sessions/symbol_collection.h"
+
+namespace tutti {
+
+// Open positions window ("Trade"): one row per open position of any logged-in account, keyed "T" and the
+// ticket, with live price and profit. Closes the ticked ones.
+class frmTrade final : public PositionBook {
+ public:
+  enum Column : std::size_t {
+    ticket,
+    account,
+    time,
+    type,
+    amount,
+    symbol,
+    open_price,
+    current_price,
+    stop_loss,
+    take_profit,
+    commission,
+    interest,
+    profit
+  };
+  // Type of the question whose yes closes the ticked positions.
+  static constexpr std::int32_t close_question = 1;
+  static constexpr std::string_view caption = "Trade";
+  // Fixed-width, so that the figures of the summary line stand still.
+  static constexpr std::string_view summaries_font = "Courier New";
+
+  // One position to be closed whole.
+  struct Close {
+    std::int64_t ticket = 0;
+    double amount = 0.0;  // lots
+    std::int32_t account = 0;
+  };
+
+  frmTrade(MGeneral& general, CQuestionBox& question_box, Desk& desk, const SymbolCollection& symbols);
+
+  RowList lvwOpenPos{{"Ticket", "Account", "Date/Time", "Type", "Amount", "Symbol", "Open Price",
+                      "Current Price", "S/L", "T/P", "Comm", "Interest", "P/L"}};
+  CheckBox chkAll;
+  Label lbmSummaries;
+  Label lbbClose{"Close Selected Positions"};
+
+  const std::string& ColumnWidthsPer() const { return column_widths_; }
+  void ColumnWidthsPer(std::string widths);
+
+  void AddPosition(const OpenPosition& position);
+  void RemovePosition(std::int64_t ticket);
+  // All positions of an account that is no longer connected.
+  void RemovePending(std::int32_t account);
+  // Closes what is ticked now, without asking. Rows are collected before the first request is sent.
+  void closeAllse();
+  // Sends one close request and reports an immediate refusal; set by start-up.
+  std::function<void(const Close&)> close_helper;
+
+  // PositionBook
+  void position(const OpenPosition& position) override { AddPosition(position); }
+  void remove_position(std::int64_t ticket) override { RemovePosition(ticket); }
+  void remove_account(std::int32_t account) override { RemovePending(account); }
+  void floating_changed(const OpenPosition& position) override;
+
+ private:
+  void lbbClose_Click();
+  void chkAll_Click();
+  std::vector<Close> ticked() const;
+  int digits(const OpenPosition& position) const;
+
+  MGeneral& general_;
+  CQuestionBox& question_box_;
+  Desk& desk_;
+  const SymbolCollection& symbols_;
+  std::string column_widths_;
+};
+
+}  // namespace tutti
