@@ -1,0 +1,60 @@
+# Sourced by run, test and bench: installs what is missing, configures and builds.
+
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+
+build_packages=(cmake ninja-build g++ pkg-config libfmt-dev libexpected-dev robin-map-dev libsodium-dev
+  libtomlplusplus-dev libcli11-dev nlohmann-json3-dev)
+
+# quietly COMMAND...: shows what a command says only when it fails. Standard output stays free for the program.
+quietly() {
+  local said
+  said="$(mktemp)"
+  if "$@" >"$said" 2>&1; then
+    rm -f "$said"
+  else
+    cat "$said" >&2
+    rm -f "$said"
+    return 1
+  fi
+}
+
+# install_packages NAME...: installs the Debian packages that are missing. Elsewhere than on Debian it leaves
+# that to the operator; configuring names what it does not find.
+install_packages() {
+  command -v dpkg-query >/dev/null || return 0
+  local installed name missing=() as_root=()
+  installed="$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "$@" 2>/dev/null || true)"
+  for name in "$@"; do
+    [[ $'\n'$installed$'\n' == *$'\n'"installed $name"$'\n'* ]] || missing+=("$name")
+  done
+  [[ ${#missing[@]} -gt 0 ]] || return 0
+
+  if [[ $EUID -ne 0 ]]; then
+    if ! command -v sudo >/dev/null || ! { [[ -t 0 ]] || sudo -n true 2>/dev/null; }; then
+      echo "Packages are missing, and installing them takes root. Type this, then try again:" >&2
+      echo "  su -c 'apt-get update && apt-get install -y --no-install-recommends ${missing[*]}'" >&2
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  echo "Installing ${missing[*]}" >&2
+  local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300)
+  # Even lists that can't be brought up to date may name what is needed.
+  quietly "${apt[@]}" update || true
+  quietly "${apt[@]}" install -y --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET TARGET [CMAKE_OPTION...]: configures when the preset is new or changed, then builds. Shows what
+# it does on standard error, and nothing when all is up to date.
+build() {
+  local preset=$1 target=$2
+  shift 2
+  local folder="$root/build/$preset"
+  local configured="$folder/.configured$*"
+  if [[ ! -e $folder/build.ninja || $root/CMakePresets.json -nt $configured ]]; then
+    (cd "$root" && quietly cmake --preset "$preset" "$@") || return 1
+    touch "$configured"
+  fi
+  ninja -C "$folder" -j "$(nproc)" "$target" 2>&1 |
+    sed -u -e '/^ninja: no work to do/d' -e '/^ninja: Entering directory/d' -e '/Re-checking globbed/d' >&2
+}
