@@ -89,7 +89,8 @@ CClientAPIManager* frmMain::session_of(const Row& row) const {
 
 void frmMain::refreshsummery_Click(Row& row) {
   const auto number = static_cast<std::int32_t>(row.cell(Column::account).stored_number());
-  CClientAPIManager* session = sessions_->by_account(number);
+  // By the row, since one account number may stand under two user names.
+  CClientAPIManager* session = session_of(row);
   if (session == nullptr) return;
   AccountSummary summary;
   session->Summary(number, summary);

@@ -3,20 +3,9 @@
 #include <algorithm>
 
 #include "accounts/frmMain.h"
-#include "core/numbers.h"
+#include "core/texts.h"
 
 namespace tutti {
-namespace {
-
-std::string line_numbers(const std::vector<std::size_t>& lines) {
-  std::string out;
-  for (const std::size_t line : lines)
-    out += (out.empty() ? "" : ", ") + std::to_string(line);
-  return out;
-}
-
-}  // namespace
-
 void frmMain::report(const tl::expected<void, FileError>& done, std::int32_t account) {
   if (!done) general_.log("Not saved: " + done.error().text(), account);
 }
@@ -25,14 +14,14 @@ tl::expected<void, FileError> frmMain::LoadAccounts() {
   const auto content = lists_.read_all();
   if (!content) return tl::unexpected(content.error());
   for (const SavedLists::Record& record : content->records) {
-    const auto added =
-        account_dialog_->accept_quietly(record.user, record.password, std::to_string(record.account));
+    const auto added = account_dialog_->accept_quietly(record.user, record.password.reveal(),
+                                                       std::to_string(record.account));
     if (added == frmaccount::Added::full) break;
     if (added == frmaccount::Added::yes) LoginClient(client_key(sessions_->Count()));
   }
   if (!content->skipped_lines.empty()) {
     general_.log("Saved accounts: skipped what is no user name, password and account number in lines " +
-                     line_numbers(content->skipped_lines) + " of " +
+                     number_list(content->skipped_lines) + " of " +
                      general_.paths.file(lists_.all()).filename().string(),
                  no_account);
   }
@@ -42,27 +31,27 @@ tl::expected<void, FileError> frmMain::LoadAccounts() {
 
 void frmMain::savedListViw(std::string_view user, std::string_view password, std::int32_t account) {
   if (!ValidateData(user, password, std::to_string(account))) return;
-  report(lists_.append(lists_.all(), {std::string{user}, std::string{password}, account}), account);
+  report(lists_.append(lists_.all(), {std::string{user}, password, account}), account);
 }
 
 void frmMain::saveConnected(std::string_view user, std::string_view password, std::int32_t account) {
   if (!ValidateData(user, password, std::to_string(account))) return;
-  report(lists_.append(lists_.connected(), {std::string{user}, std::string{password}, account}), account);
+  report(lists_.append(lists_.connected(), {std::string{user}, password, account}), account);
 }
 
 void frmMain::record_connected(const CClientAPIManager& session) {
-  report(lists_.update(lists_.all(), {session.user(), session.password(), session.account()}),
+  report(lists_.update(lists_.all(), {session.user(), session.password().copy(), session.account()}),
          session.account());
-  saveConnected(session.user(), session.password(), session.account());
+  saveConnected(session.user(), session.password().reveal(), session.account());
 }
 
 void frmMain::save_account(const CClientAPIManager& session) {
-  savedListViw(session.user(), session.password(), session.account());
+  savedListViw(session.user(), session.password().reveal(), session.account());
 }
 
 void frmMain::forget(const std::vector<std::string>& keys) {
   report(lists_.forget(keys), no_account);
-  report(remove_records(general_.files, general_.account_file, keys), no_account);
+  report(options_->records().remove(keys), no_account);
 }
 
 void frmMain::forget_account(std::string_view user, std::int32_t account) {
@@ -73,12 +62,14 @@ void frmMain::mnuload_Click() {
   const std::string chosen =
       CommonDialog1.open_file("Load File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*");
   if (chosen.empty()) return;
-  // The chosen file may be one of the two lists, so it is read before they are discarded.
+  // The chosen file may be one of the two lists, so it is read before they change.
   const auto content = read_file(general_.paths.file(chosen));
   if (!content) return Message("The list was not loaded, nothing is changed: " + content.error().text());
-  report(lists_.discard(), no_account);
+  if (const auto written = replace_file(general_.paths.file(lists_.all()), *content); !written) {
+    return Message("The list was not loaded, nothing is changed: " + written.error().text());
+  }
+  report(general_.files.remove(lists_.connected()), no_account);
   sessions_->Clear();
-  report(replace_file(general_.paths.file(lists_.all()), *content), no_account);
   if (const auto read = LoadAccounts(); !read) Message("The list was not loaded: " + read.error().text());
   desk_.close_positions->refresh_symbols();
 }
@@ -96,8 +87,10 @@ void frmMain::edit_account() {
   const Row* row = selected_client();
   const CClientAPIManager* session = row == nullptr ? nullptr : session_of(*row);
   if (session == nullptr) return;
-  const auto record = find_record(general_.files, general_.account_file, session->duplicate_key());
-  account_dialog_->open_edit(*session, record.has_value(), record && record->auto_login);
+  const auto found = options_->records().find(session->duplicate_key());
+  if (!found) general_.log("Account information not read: " + found.error().text(), session->account());
+  const AccountRecord* record = found && *found ? &**found : nullptr;
+  account_dialog_->open_edit(*session, record != nullptr, record != nullptr && record->auto_login);
 }
 
 void frmMain::cmdfunlogin() {

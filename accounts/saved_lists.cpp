@@ -12,7 +12,7 @@ namespace tutti {
 namespace {
 
 std::string line_of(const SavedLists::Record& record) {
-  return record.user + "," + record.password + "," + std::to_string(record.account);
+  return record.user + "," + std::string{record.password.reveal()} + "," + std::to_string(record.account);
 }
 
 std::optional<SavedLists::Record> read_line(std::string_view line) {
@@ -20,7 +20,7 @@ std::optional<SavedLists::Record> read_line(std::string_view line) {
   if (fields.size() < 3) return std::nullopt;
   const auto account = parse_int32(fields[2]);
   if (!account) return std::nullopt;
-  return SavedLists::Record{std::string{fields[0]}, std::string{fields[1]}, *account};
+  return SavedLists::Record{std::string{fields[0]}, fields[1], *account};
 }
 
 std::string key_of(std::string_view line) {
@@ -57,7 +57,7 @@ tl::expected<void, FileError> SavedLists::write_all(const std::vector<Record>& r
   std::vector<std::string> lines;
   for (const Record& record : records)
     lines.push_back(line_of(record));
-  return files_.write_lines(all_, lines);
+  return write_lines(all_, lines);
 }
 
 tl::expected<void, FileError> SavedLists::append(const std::string& list, const Record& record) const {
@@ -66,7 +66,7 @@ tl::expected<void, FileError> SavedLists::append(const std::string& list, const 
   if (!lines) return tl::unexpected(lines.error());
   const std::string line = line_of(record);
   if (std::find(lines->begin(), lines->end(), line) != lines->end()) return {};
-  return files_.write_line(list, line, TextFile::Mode::append);
+  return append_line(list, line);
 }
 
 tl::expected<void, FileError> SavedLists::update(const std::string& list, const Record& record) const {
@@ -78,9 +78,9 @@ tl::expected<void, FileError> SavedLists::update(const std::string& list, const 
   const std::string key = account_key(record.user, record.account);
   const auto at = std::find_if(lines->begin(), lines->end(),
                                [&](const std::string& other) { return key_of(other) == key; });
-  if (at == lines->end()) return files_.write_line(list, line, TextFile::Mode::append);
+  if (at == lines->end()) return append_line(list, line);
   *at = line;
-  return files_.write_lines(list, *lines);
+  return write_lines(list, *lines);
 }
 
 tl::expected<void, FileError> SavedLists::forget(const std::vector<std::string>& keys) const {
@@ -91,16 +91,23 @@ tl::expected<void, FileError> SavedLists::forget(const std::vector<std::string>&
       return std::find(keys.begin(), keys.end(), key_of(line)) != keys.end();
     });
     if (removed == 0) continue;
-    if (auto written = files_.write_lines(*list, *lines); !written) return written;
+    if (auto written = write_lines(*list, *lines); !written) return written;
   }
   return {};
 }
 
-tl::expected<void, FileError> SavedLists::discard() const {
-  for (const std::string* list : {&all_, &connected_}) {
-    if (auto removed = files_.remove(*list); !removed) return removed;
-  }
-  return {};
+tl::expected<void, FileError> SavedLists::append_line(const std::string& list,
+                                                      const std::string& line) const {
+  const auto written = files_.write_line(list, line, TextFile::Mode::append);
+  if (written) files_.keep_private(list);
+  return written;
+}
+
+tl::expected<void, FileError> SavedLists::write_lines(const std::string& list,
+                                                      const std::vector<std::string>& lines) const {
+  const auto written = files_.write_lines(list, lines);
+  if (written) files_.keep_private(list);
+  return written;
 }
 
 }  // namespace tutti

@@ -7,18 +7,20 @@
 
 #include <tl/expected.hpp>
 
+#include "core/secret.h"
 #include "core/text_file.h"
 
 namespace tutti {
 
 // The two saved account lists of the data folder, one "user,password,account" per line: all accounts, and
-// those that were connected. Lines are compared as texts; what tells accounts apart is the key of user name
-// and account number.
+// those that were connected. Passwords stand in them in plain text, so nobody but the operator has rights to
+// the lists or to their folder. Lines are compared as texts; what tells accounts apart is the key of user
+// name and account number.
 class SavedLists {
  public:
   struct Record {
     std::string user;
-    std::string password;
+    Secret password;
     std::int32_t account = 0;
   };
   // What a list holds. Of several records with one key the last counts, in the place of the first.
@@ -41,9 +43,12 @@ class SavedLists {
   tl::expected<void, FileError> update(const std::string& list, const Record& record) const;
   // Takes the lines of these account keys out of both lists.
   tl::expected<void, FileError> forget(const std::vector<std::string>& keys) const;
-  tl::expected<void, FileError> discard() const;
 
  private:
+  tl::expected<void, FileError> append_line(const std::string& list, const std::string& line) const;
+  tl::expected<void, FileError> write_lines(const std::string& list,
+                                            const std::vector<std::string>& lines) const;
+
   const TextFile& files_;
   std::string all_;
   std::string connected_;

@@ -10,16 +10,32 @@
 namespace tutti {
 
 struct OrderArguments {
+  enum class Requote { accept, reject, ask };
+
   bool buy = true;
   std::string symbol;
   std::string amount;                  // lots, as typed
   int rule = 0;                        // index of the rule list: 0 equal, 1 margin, 2 equity
   std::vector<std::int32_t> accounts;  // empty: all
   bool dry_run = false;                // stop after the shares
+  Requote requote = Requote::reject;   // what to answer when the dealer offers another price
+};
+
+// Which rows of a list are meant; what is empty does not narrow.
+struct RowsArguments {
+  std::string symbol;
+  std::vector<std::int64_t> numbers;  // tickets or order numbers
+  std::vector<std::int32_t> accounts;
 };
 
 int accounts_command(Terminal& terminal);
 int order_command(Terminal& terminal, const OrderArguments& arguments);
 int journal_command(Terminal& terminal, std::int32_t account);
+int positions_command(Terminal& terminal);
+int orders_command(Terminal& terminal);
+int close_command(Terminal& terminal, const RowsArguments& arguments);
+int cancel_command(Terminal& terminal, const RowsArguments& arguments);
+// Prints every difference between what the terminal shows and the dealing server's own books.
+int verify_command(Terminal& terminal);
 
 }  // namespace tutti

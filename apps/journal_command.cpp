@@ -10,7 +10,7 @@ namespace tutti {
 int journal_command(Terminal& terminal, std::int32_t account) {
   Main& main = terminal.main();
   main.journal().vID(account);
-  if (terminal.options().json) {
+  if (terminal.options().form == OutputForm::json) {
     fmt::print("{}\n", nlohmann::json{{"journal", journal_json(main, account)}}.dump(2));
   } else if (main.journal_window().lvwJournal.empty()) {
     fmt::print("The journal has no entries of account {}\n", account);

@@ -6,6 +6,7 @@
 
 #include "apps/commands.h"
 #include "apps/output.h"
+#include "apps/requote_answer.h"
 #include "core/numbers.h"
 
 namespace tutti {
@@ -89,7 +90,10 @@ void OrderRun::send() {
   if (!button.enabled()) return;
   sent_ = true;
   button.click();
+  RequoteAnswer answer{main_.requote(), arguments_.requote};
+  terminal_.on_step = [&] { answer.step(); };
   terminal_.run_until([this] { return all_answered(); });
+  terminal_.on_step = nullptr;
 }
 
 void OrderRun::describe(const CClientAPIManager& session, Line& line) const {
@@ -161,7 +165,7 @@ void OrderRun::print(const std::vector<Line>& lines) const {
   }
   fmt::print("{} {} {} lots, {}\n{}", arguments_.buy ? "Buy" : "Sell", arguments_.symbol, arguments_.amount,
              form_.CBdis.text(), table.text());
-  fmt::print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n", number_text(sum),
+  fmt::print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n", number_text(round_half_even(sum, 8)),
              arguments_.amount, without, small, number_text(form_.minimum_lot()));
   if (arguments_.dry_run) return;
   fmt::print("{} of {} accepted\n{}\n\n{}", accepted, lines.size(), main_.window().totals_pane(),
@@ -196,7 +200,7 @@ int OrderRun::run() {
   if (!arguments_.dry_run) send();
 
   const std::vector<Line> all = lines();
-  if (terminal_.options().json) {
+  if (terminal_.options().form == OutputForm::json) {
     print_json(all);
   } else {
     print(all);

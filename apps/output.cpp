@@ -6,6 +6,22 @@
 #include <nlohmann/json.hpp>
 
 namespace tutti {
+namespace {
+
+bool holds_numbers(const RowList& list, std::size_t column) {
+  return std::any_of(list.begin(), list.end(), [&](const Row& row) { return row.cell(column).is_number(); });
+}
+
+// Quoted where a reader would otherwise split it.
+std::string csv_field(const std::string& text) {
+  if (text.find_first_of(",\"\n") == std::string::npos) return text;
+  std::string out = "\"";
+  for (const char c : text)
+    out += c == '"' ? std::string{"\"\""} : std::string(1, c);
+  return out + "\"";
+}
+
+}  // namespace
 
 std::string TextTable::text() const {
   std::vector<std::size_t> widths;
@@ -29,6 +45,61 @@ std::string TextTable::text() const {
   for (const auto& row : rows_)
     line([&](std::size_t i) { return row[i]; });
   return out;
+}
+
+nlohmann::json rows_json(const RowList& list, const NamedColumns& columns) {
+  std::vector<bool> numbers;
+  for (const auto& [name, column] : columns)
+    numbers.push_back(holds_numbers(list, column));
+  nlohmann::json out = nlohmann::json::array();
+  for (const Row& row : list) {
+    nlohmann::json object = nlohmann::json::object();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      const Cell& cell = row.cell(columns[i].second);
+      const double value = cell.stored_number();
+      nlohmann::json& field = object[columns[i].first];
+      if (cell.is_number() && value == static_cast<double>(static_cast<std::int64_t>(value))) {
+        field = static_cast<std::int64_t>(value);
+      } else if (cell.is_number()) {
+        field = value;
+      } else if (!cell.empty() || !numbers[i]) {
+        field = cell.text();
+      }
+    }
+    out.push_back(std::move(object));
+  }
+  return out;
+}
+
+std::string rows_csv(const RowList& list, const NamedColumns& columns) {
+  std::string out;
+  for (const auto& [name, column] : columns)
+    out += (out.empty() ? "" : ",") + name;
+  out += "\n";
+  for (const Row& row : list) {
+    std::string line;
+    for (const auto& [name, column] : columns) {
+      if (column != columns.front().second) line += ",";
+      line += csv_field(row.text(column));
+    }
+    out += line + "\n";
+  }
+  return out;
+}
+
+std::string rows_text(const RowList& list) {
+  std::vector<TextTable::Head> heads;
+  for (std::size_t column = 0; column < list.columns().size(); ++column) {
+    heads.push_back({list.columns()[column].header, holds_numbers(list, column)});
+  }
+  TextTable table{std::move(heads)};
+  for (const Row& row : list) {
+    std::vector<std::string> cells;
+    for (std::size_t column = 0; column < row.columns(); ++column)
+      cells.push_back(row.text(column));
+    table.add(std::move(cells));
+  }
+  return table.text();
 }
 
 nlohmann::json totals_json(Main& main) {

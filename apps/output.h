@@ -1,14 +1,20 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "core/row_list.h"
 #include "shell/Main.h"
 
 namespace tutti {
+
+// How a command prints what it found.
+enum class OutputForm { text, json, csv };
 
 // A table for people: columns as wide as their widest cell, numbers to the right.
 class TextTable {
@@ -26,6 +32,15 @@ class TextTable {
   std::vector<Head> heads_;
   std::vector<std::vector<std::string>> rows_;
 };
+
+// Columns of a list by the names machines know them by.
+using NamedColumns = std::vector<std::pair<std::string, std::size_t>>;
+
+// The rows as objects: numbers as numbers; an empty cell of a column that holds numbers elsewhere is null.
+nlohmann::json rows_json(const RowList& list, const NamedColumns& columns);
+std::string rows_csv(const RowList& list, const NamedColumns& columns);
+// All columns under the list's own headers.
+std::string rows_text(const RowList& list);
 
 // The seven totals as numbers, and the line that shows them.
 nlohmann::json totals_json(Main& main);

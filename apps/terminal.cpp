@@ -25,6 +25,13 @@ tl::expected<std::unique_ptr<Terminal>, FileError> Terminal::open(const Terminal
 }
 
 tl::expected<void, FileError> Terminal::start() {
+  auto lock = HomeLock::take(options_.home);
+  if (!lock) return tl::unexpected(lock.error());
+  lock_.emplace(std::move(*lock));
+  if (!options_.key_file.empty()) {
+    // A key the operator named is looked at even where no record needs it yet.
+    if (const auto key = KeyFile{options_.key_file}.find(); !key) return tl::unexpected(key.error());
+  }
   DealerConfig config = DealerConfig::sample();
   if (!options_.dealer_file.empty()) {
     auto loaded = DealerConfig::load(options_.dealer_file);
@@ -39,7 +46,7 @@ tl::expected<void, FileError> Terminal::start() {
   if (auto written = write_first_list(); !written) return written;
 
   main_ = std::make_unique<Main>(
-      options_.home, MachinePorts{clock_, prompt_, sound_, locale_, file_dialog_},
+      options_.home, MachinePorts{clock_, prompt_, sound_, locale_, file_dialog_, options_.key_file},
       ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint});
   if (!options_.precision.empty()) main_->general().hold_amount_precision(options_.precision);
   return main_->start();
@@ -65,6 +72,7 @@ void Terminal::step() {
     prompt_.system_box(messages.current()->text, messages.current()->caption);
   }
   main_->poll_timers();
+  if (on_step) on_step();
 }
 
 bool Terminal::run_until(const std::function<bool()>& done) {

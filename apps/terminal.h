@@ -4,12 +4,15 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <tl/expected.hpp>
 
 #include "apps/console_prompt.h"
+#include "apps/output.h"
 #include "core/clock.h"
+#include "core/home_lock.h"
 #include "core/locale_port.h"
 #include "dealer/dealing_server.h"
 #include "shell/Main.h"
@@ -20,10 +23,11 @@ namespace tutti {
 struct TerminalOptions {
   std::filesystem::path home;         // application folder
   std::filesystem::path dealer_file;  // empty: the sample market and accounts
+  std::filesystem::path key_file;     // key of the account records; empty: where KeyFile looks for it
   bool fresh = false;                 // start the dealing server's book anew
   bool yes = false;                   // answer questions with yes
   std::string precision;              // decimals of shares for this run; empty: as the settings file has it
-  bool json = false;
+  OutputForm form = OutputForm::text;
   double timeout = 40.0;  // seconds to wait for logins, and again for answers
 };
 
@@ -38,16 +42,20 @@ inline constexpr int unreadable_data = 3;
 // A whole terminal without a screen: the embedded dealing server in real time, and the program on top of it.
 class Terminal {
  public:
-  // Reads the configuration and the book, starts the program. A home folder without any saved account gets
-  // those of the dealing server as its list.
+  // Locks the home folder, reads the configuration and the book, starts the program. Fails when another
+  // terminal has the folder, or when data can't be read. A home folder without any saved account gets those
+  // of the dealing server as its list.
   static tl::expected<std::unique_ptr<Terminal>, FileError> open(const TerminalOptions& options);
   ~Terminal();
 
   Main& main() { return *main_; }
+  const DealingServer& server() const { return *server_; }
   const TerminalOptions& options() const { return options_; }
 
   // Runs until the condition holds or the time is over; true when it held.
   bool run_until(const std::function<bool()>& done);
+  // Runs with every step of run_until, after events were delivered.
+  std::function<void()> on_step;
   // Waits until no account is on its way any more; shows how far it is when standard error is a terminal.
   void log_in();
   // Writes the dealing server's book when it changed.
@@ -62,6 +70,7 @@ class Terminal {
   bool logins_done(std::size_t& done) const;
 
   TerminalOptions options_;
+  std::optional<HomeLock> lock_;  // let go last
   SystemClock clock_;
   ConsolePrompt prompt_;
   SilentSound sound_;

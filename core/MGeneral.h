@@ -8,6 +8,7 @@
 #include "core/clock.h"
 #include "core/frmMsgBox.h"
 #include "core/journal.h"
+#include "core/key_file.h"
 #include "core/paths.h"
 #include "core/row_list.h"
 #include "core/text_box.h"
@@ -35,6 +36,7 @@ class MGeneral {
   // Set by start-up, in its order.
   std::int32_t mode = 0;
   std::string account_file;      // full path of the account information file
+  KeyFile key;                   // of the records in it
   std::string workstation_file;  // full path; nothing reads or writes the file
   CLocalSettings* locale = nullptr;
   Journal* journal = nullptr;

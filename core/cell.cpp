@@ -8,6 +8,12 @@
 
 namespace tutti {
 
+void Cell::become_number(NumberFormat format) {
+  if (kind_ == Kind::text) drop_text();
+  kind_ = Kind::number;
+  format_ = format;
+}
+
 void Cell::drop_text() {
   delete value_.text;
   kind_ = Kind::empty;
@@ -57,11 +63,6 @@ double Cell::number() const {
   if (kind_ == Kind::empty) return 0.0;
   if (kind_ == Kind::number && format_ == NumberFormat::general) return as_text_reads(value_.number);
   return read_number(text());
-}
-
-bool Cell::reads(std::string_view other) const {
-  if (kind_ == Kind::text) return *value_.text == other;
-  return kind_ == Kind::empty && other.empty();
 }
 
 }  // namespace tutti

@@ -32,10 +32,8 @@ class Cell {
   }
 
   void set_number(double number, NumberFormat format) {
-    if (kind_ == Kind::text) drop_text();
+    if (kind_ != Kind::number || format_ != format) become_number(format);
     value_.number = number;
-    kind_ = Kind::number;
-    format_ = format;
   }
   // `decimals` from 0 to 15, as of a price.
   void set_fixed(double number, int decimals) {
@@ -46,6 +44,7 @@ class Cell {
   void set_ink(Ink ink) { ink_ = ink; }
 
   bool empty() const { return kind_ == Kind::empty; }
+  bool is_number() const { return kind_ == Kind::number; }
   // What the operator reads.
   std::string text() const;
   // The number behind the cell: what read_number makes of its text.
@@ -53,7 +52,9 @@ class Cell {
   // The number as it was set, 0 for texts: for cells that hold whole numbers or are summed up.
   double stored_number() const { return kind_ == Kind::number ? value_.number : 0.0; }
   // Same as text() == other; numbers never equal a word.
-  bool reads(std::string_view other) const;
+  bool reads(std::string_view other) const {
+    return kind_ == Kind::text ? *value_.text == other : kind_ == Kind::empty && other.empty();
+  }
   Ink ink() const { return ink_; }
 
  private:
@@ -63,6 +64,7 @@ class Cell {
     std::string* text;  // owned while kind_ is text
   };
 
+  void become_number(NumberFormat format);
   void drop_text();
   void swap(Cell& other) noexcept;
 

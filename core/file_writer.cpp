@@ -5,9 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <iterator>
+
+#include "core/descriptor.h"
 
 namespace tutti {
 namespace {
@@ -15,88 +16,76 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t private_file = 0600;
+constexpr mode_t private_folder = 0700;
 
-FileError failure(const fs::path& file, int code) {
-  return {file, std::strerror(code)};
-}
-
-// Owns one descriptor. Closing may report a late write error, so the owner closes by hand where it matters.
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  bool open() const { return fd_ >= 0; }
-  int get() const { return fd_; }
-  bool close() {
-    const int fd = fd_;
-    fd_ = -1;
-    return ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
-};
-
-bool write_all(int fd, std::string_view content) {
-  while (!content.empty()) {
-    const ssize_t n = ::write(fd, content.data(), content.size());
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    content.remove_prefix(static_cast<std::size_t>(n));
-  }
-  return true;
-}
-
-tl::expected<void, FileError> make_folder(const fs::path& folder) {
-  std::error_code error;
-  if (folder.empty() || fs::is_directory(folder, error)) return {};
-  if (auto parent = make_folder(folder.parent_path()); !parent) return parent;
-  if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) return tl::unexpected(failure(folder, errno));
-  return {};
+// True when what is appended would go on with the last line of a file of `size` bytes.
+bool ends_within_a_line(const Descriptor& file, off_t size) {
+  char last = '\n';
+  return size > 0 && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
 }
 
 }  // namespace
 
+tl::expected<void, FileError> make_private_folder(const fs::path& folder) {
+  std::error_code error;
+  if (folder.empty() || fs::is_directory(folder, error)) return {};
+  if (auto parent = make_private_folder(folder.parent_path()); !parent) return parent;
+  // The mask of the process may have taken the owner's own rights away.
+  if (::mkdir(folder.c_str(), private_folder) != 0 ? errno != EEXIST
+                                                   : ::chmod(folder.c_str(), private_folder) != 0) {
+    return tl::unexpected(system_failure(folder, errno));
+  }
+  return {};
+}
+
+void keep_private(const fs::path& file) {
+  (void)::chmod(file.c_str(), private_file);
+  (void)::chmod(file.parent_path().c_str(), private_folder);
+}
+
 tl::expected<void, FileError> replace_file(const fs::path& file, std::string_view content) {
   const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path{"."};
-  if (auto made = make_folder(folder); !made) return made;
+  if (auto made = make_private_folder(folder); !made) return made;
   fs::path temporary = file;
   temporary += ".new";
   Descriptor out{
       ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, private_file)};
-  if (!out.open()) return tl::unexpected(failure(temporary, errno));
+  if (!out.open()) return tl::unexpected(system_failure(temporary, errno));
   // A temporary file left behind by a crash may carry another mode.
-  if (::fchmod(out.get(), private_file) != 0 || !write_all(out.get(), content) || ::fsync(out.get()) != 0 ||
+  if (::fchmod(out.get(), private_file) != 0 || !out.write(content) || ::fsync(out.get()) != 0 ||
       !out.close() || ::rename(temporary.c_str(), file.c_str()) != 0) {
     const int code = errno;
     ::unlink(temporary.c_str());
-    return tl::unexpected(failure(file, code));
+    return tl::unexpected(system_failure(file, code));
   }
-  Descriptor directory{::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
-  if (directory.open()) ::fsync(directory.get());
+  Descriptor::sync_folder(folder);
   return {};
 }
 
 tl::expected<void, FileError> append_file(const fs::path& file, std::string_view content) {
-  if (auto made = make_folder(file.parent_path()); !made) return made;
-  Descriptor out{::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, private_file)};
-  if (!out.open()) return tl::unexpected(failure(file, errno));
-  if (!write_all(out.get(), content) || !out.close()) return tl::unexpected(failure(file, errno));
+  if (auto made = make_private_folder(file.parent_path()); !made) return made;
+  Descriptor out{::open(file.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, private_file)};
+  struct stat before {};
+  if (!out.open() || ::fstat(out.get(), &before) != 0) return tl::unexpected(system_failure(file, errno));
+  if (before.st_size == 0) (void)::fchmod(out.get(), private_file);  // new: whatever the mask of the process
+  const bool written =
+      ends_within_a_line(out, before.st_size) ? out.write("\n" + std::string{content}) : out.write(content);
+  if (!written) {
+    const int code = errno;
+    (void)::ftruncate(out.get(), before.st_size);
+    return tl::unexpected(system_failure(file, code));
+  }
+  if (!out.close()) return tl::unexpected(system_failure(file, errno));
   return {};
 }
 
 tl::expected<std::string, FileError> read_file(const fs::path& file) {
   std::error_code error;
-  if (fs::is_directory(file, error)) return tl::unexpected(failure(file, EISDIR));
+  if (fs::is_directory(file, error)) return tl::unexpected(system_failure(file, EISDIR));
   std::ifstream in(file, std::ios::binary);
-  if (!in) return tl::unexpected(failure(file, errno != 0 ? errno : ENOENT));
+  if (!in) return tl::unexpected(system_failure(file, errno != 0 ? errno : ENOENT));
   std::string content{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (in.bad()) return tl::unexpected(failure(file, EIO));
+  if (in.bad()) return tl::unexpected(system_failure(file, EIO));
   return content;
 }
 

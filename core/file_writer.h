@@ -21,8 +21,15 @@ struct FileError {
 // are made with mode 0700.
 tl::expected<void, FileError> replace_file(const std::filesystem::path& file, std::string_view content);
 
-// Appends in one write; the file is made with mode 0600 when it is missing.
+// Appends lines in one write; the file is made with mode 0600 when it is missing. A last line without an end,
+// as a crash or an editor leaves it, is ended first. What can't be written whole is taken back.
 tl::expected<void, FileError> append_file(const std::filesystem::path& file, std::string_view content);
+
+// Makes a folder and those above it that are missing, each with mode 0700 whatever the mask of the process.
+tl::expected<void, FileError> make_private_folder(const std::filesystem::path& folder);
+
+// Takes the rights of others from a file and from its folder, as far as both belong to the operator.
+void keep_private(const std::filesystem::path& file);
 
 // Whole content of a file. A missing file is an error.
 tl::expected<std::string, FileError> read_file(const std::filesystem::path& file);

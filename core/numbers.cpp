@@ -62,7 +62,8 @@ std::optional<double> parse_number(std::string_view text) {
 
 std::optional<std::int32_t> parse_int32(std::string_view text) {
   std::string_view body = trim(text);
-  if (!body.empty() && body.front() == '+') body.remove_prefix(1);
+  // A second sign is no number.
+  if (body.size() > 1 && body.front() == '+' && body[1] != '-') body.remove_prefix(1);
   std::int32_t value = 0;
   const auto [end, error] = std::from_chars(body.data(), body.data() + body.size(), value);
   if (error != std::errc{} || end != body.data() + body.size()) return std::nullopt;

@@ -9,6 +9,10 @@ namespace tutti {
 
 namespace fs = std::filesystem;
 
+namespace {
+bool is_slash(char c) { return c == '/' || c == '\\'; }
+}  // namespace
+
 Paths::Paths(fs::path application_folder) : folder_(std::move(application_folder)) {}
 
 fs::path Paths::child(const fs::path& folder, std::string_view name) const {
@@ -21,7 +25,7 @@ fs::path Paths::child(const fs::path& folder, std::string_view name) const {
   const std::string wanted = lower(name);
   fs::path best;
   for (const auto& entry : fs::directory_iterator(folder, error)) {
-    const fs::path candidate = entry.path();
+    const fs::path& candidate = entry.path();
     if (lower(candidate.filename().string()) == wanted && (best.empty() || candidate > best))
       best = candidate;
   }
@@ -30,7 +34,10 @@ fs::path Paths::child(const fs::path& folder, std::string_view name) const {
 
 fs::path Paths::file(std::string_view name) const {
   const std::string prefix = folder_.string();
-  if (name.starts_with(prefix)) {
+  // A neighbour whose name merely begins like the folder's is not inside it.
+  const bool inside = name.starts_with(prefix) &&
+                      (name.size() == prefix.size() || is_slash(name[prefix.size()]) || prefix.ends_with('/'));
+  if (inside) {
     name.remove_prefix(prefix.size());
   } else if (fs::path given{name}; given.is_absolute() && fs::exists(given.parent_path())) {
     return given;

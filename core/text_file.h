@@ -28,6 +28,8 @@ class TextFile {
   tl::expected<void, FileError> write_line(std::string_view name, std::string_view line, Mode mode) const;
   tl::expected<void, FileError> write_lines(std::string_view name,
                                             const std::vector<std::string>& lines) const;
+  // Takes the rights of others from the file and from its folder.
+  void keep_private(std::string_view name) const { tutti::keep_private(paths_.file(name)); }
   tl::expected<void, FileError> remove(std::string_view name) const;
   tl::expected<void, FileError> copy(std::string_view from, std::string_view to) const;
 

@@ -37,4 +37,11 @@ std::vector<std::string_view> split(std::string_view text, std::string_view sepa
   return pieces;
 }
 
+std::string number_list(const std::vector<std::size_t>& numbers) {
+  std::string out;
+  for (const std::size_t number : numbers)
+    out += (out.empty() ? "" : ", ") + std::to_string(number);
+  return out;
+}
+
 }  // namespace tutti

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -19,8 +20,13 @@ struct AccountConfig {
   std::vector<std::string> hidden_symbols;  // names of symbols the account does not carry
   bool privilege = true;                    // may trade
   bool hedging = true;                      // may hold opposite positions in one symbol
-  std::int32_t reply_request = 0;           // request code every market order gets; 0: as it deserves
-  std::int32_t reply_result = 0;            // result code every market order ends with; 0: as it deserves
+  // Codes that every market order (close) is refused or ends with; 0: as it deserves. A result is the
+  // dealer's last word: an order that is taken into dealing becomes pending first.
+  std::int32_t reply_request = 0;
+  std::int32_t reply_result = 0;
+  std::int32_t reply_close_request = 0;
+  std::int32_t reply_close_result = 0;
+  std::chrono::milliseconds dealing{0};  // how long market orders and closes are pending; 0: not at all
 };
 
 }  // namespace tutti

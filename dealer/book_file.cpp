@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -23,6 +24,20 @@ constexpr double most_money = 1e15;
 constexpr double most_lots = 1e9;
 constexpr double highest_price = 1e9;
 
+constexpr Word<TradeKind> kind_words[] = {
+    {"open", TradeKind::open},
+    {"close", TradeKind::close},
+    {"entry", TradeKind::entry},
+    {"cancel_entry", TradeKind::cancel_entry},
+    {"cancel_stops", TradeKind::cancel_stops},
+};
+constexpr Word<TradeRequest::Stage> stage_words[] = {
+    {"sent", TradeRequest::Stage::sent},
+    {"dealing", TradeRequest::Stage::dealing},
+    {"accepted", TradeRequest::Stage::accepted},
+    {"rejected", TradeRequest::Stage::rejected},
+};
+
 // Reads the tables of one book in turn; the first fault ends all.
 class BookReader {
  public:
@@ -35,10 +50,13 @@ class BookReader {
     reader.integer("version", found, version, version);
     reader.require("next_number");
     reader.integer("next_number", book_.next_number, 1, largest);
+    read_time(reader, "next_rollover_ms", book_.next_rollover);
     for (const toml::table* table : reader.tables("account"))
       read_account(*table);
     for (const toml::table* table : reader.tables("position"))
       read_position(*table);
+    for (const toml::table* table : reader.tables("order"))
+      read_pending(*table);
     for (const toml::table* table : reader.tables("request"))
       read_request(*table);
     reader.finish();
@@ -64,45 +82,74 @@ class BookReader {
   void read_position(const toml::table& table) {
     TableReader reader(table, fault_);
     OpenPosition position;
-    std::int64_t opened = 0;
     for (const char* key : {"ticket", "open_price", "open_time_ms"})
       reader.require(key);
     read_order(reader, position.account, position.side, position.symbol, position.amount);
+    if (std::abs(position.side) != operation::buy) reader.complain("side", "must be \"buy\" or \"sell\"");
     reader.integer("ticket", position.ticket, 1, largest);
     reader.number("open_price", position.open_price, 0.0, highest_price);
     reader.number("commission", position.commission, -most_money, most_money);
     reader.number("interest", position.interest, -most_money, most_money);
-    reader.integer("open_time_ms", opened, 0, 253'402'300'799'999);  // end of the year 9999
+    read_time(reader, "open_time_ms", position.open_time);
     reader.finish();
-    position.open_time = TimePoint{std::chrono::milliseconds{opened}};
     check_number(reader, "ticket", position.ticket);
     if (!fault_) book_.accounts[places_[position.account]].positions.push_back(std::move(position));
   }
 
+  void read_pending(const toml::table& table) {
+    TableReader reader(table, fault_);
+    PendingOrder order;
+    for (const char* key : {"number", "kind", "price", "time_ms"})
+      reader.require(key);
+    read_order(reader, order.account, order.operation, order.symbol, order.amount);
+    reader.integer("number", order.order, 1, largest);
+    reader.text("kind", order.kind);
+    if (order.kind != "LO" && order.kind != "ST") reader.complain("kind", "must be \"LO\" or \"ST\"");
+    reader.integer("reference", order.reference, 1, largest);
+    read_prices(reader, order.price, order.stop_loss, order.take_profit);
+    read_time(reader, "time_ms", order.time);
+    reader.finish();
+    check_number(reader, "number", order.order);
+    if (!fault_) book_.accounts[places_[order.account]].orders.push_back(std::move(order));
+  }
+
   void read_request(const toml::table& table) {
     TableReader reader(table, fault_);
-    MarketRequest request;
+    TradeRequest request;
     reader.require("number");
-    read_order(reader, request.account, request.side, request.symbol, request.amount);
+    read_order(reader, request.account, request.operation, request.symbol, request.amount);
     reader.integer("number", request.number, 1, largest);
-    reader.integer("ticket", request.ticket, 1, largest);
+    request.kind = read_word(reader, "kind", kind_words, TradeKind::open);
+    request.stage = read_word(reader, "stage", stage_words, TradeRequest::Stage::sent);
+    if (request.kind != TradeKind::open && request.kind != TradeKind::entry) reader.require("reference");
+    reader.integer("reference", request.reference, 1, largest);
+    read_prices(reader, request.price, request.stop_loss, request.take_profit);
     reader.finish();
     check_number(reader, "number", request.number);
     book_.requests.push_back(std::move(request));
   }
 
-  // The five values that positions and requests have in common.
+  static void read_prices(TableReader& reader, double& price, double& stop_loss, double& take_profit) {
+    reader.number("price", price, 0.0, highest_price);
+    reader.number("stop_loss", stop_loss, 0.0, highest_price);
+    reader.number("take_profit", take_profit, 0.0, highest_price);
+  }
+
+  static void read_time(TableReader& reader, std::string_view key, TimePoint& time) {
+    std::int64_t count = time.time_since_epoch().count();
+    reader.integer(key, count, 0, 253'402'300'799'999);  // end of the year 9999
+    time = TimePoint{std::chrono::milliseconds{count}};
+  }
+
+  // The four values that positions, orders and requests have in common.
   void read_order(TableReader& reader, std::int32_t& account, std::int32_t& side, std::string& symbol,
                   double& amount) {
-    std::string word;
     for (const char* key : {"account", "side", "symbol", "amount"})
       reader.require(key);
     reader.integer("account", account, 1, largest_account);
-    reader.text("side", word);
+    side = read_word(reader, "side", side_words, operation::buy);
     reader.text("symbol", symbol);
     reader.number("amount", amount, 1e-8, most_lots);
-    side = word == "sell" ? operation::sell : operation::buy;
-    if (word != "buy" && word != "sell") reader.complain("side", "must be \"buy\" or \"sell\"");
     if (!places_.contains(account)) reader.complain("account", "has no [[account]] in this file");
   }
 
@@ -119,8 +166,11 @@ class BookReader {
   std::set<std::int64_t> numbers_;
 };
 
-std::string_view side_word(std::int32_t side) {
-  return side == operation::sell ? "sell" : "buy";
+template <class Value, std::size_t count>
+std::string_view word_of(const Word<Value> (&words)[count], Value value) {
+  for (const Word<Value>& word : words)
+    if (word.value == value) return word.text;
+  return {};
 }
 
 }  // namespace
@@ -139,7 +189,8 @@ tl::expected<BookState, FileError> read_book(const std::filesystem::path& file) 
 std::string book_text(const BookState& book) {
   std::string text = "# Book of the dealing server. Change it only while the server is not running.\n";
   auto out = std::back_inserter(text);
-  fmt::format_to(out, "version = {}\nnext_number = {}\n", version, book.next_number);
+  fmt::format_to(out, "version = {}\nnext_number = {}\nnext_rollover_ms = {}\n", version, book.next_number,
+                 book.next_rollover.time_since_epoch().count());
   for (const BookState::Account& account : book.accounts)
     fmt::format_to(out, "\n[[account]]\nnumber = {}\nbalance = {}\ncredit = {}\n", account.number,
                    account.balance, account.credit);
@@ -149,14 +200,27 @@ std::string book_text(const BookState& book) {
           out,
           "\n[[position]]\naccount = {}\nticket = {}\nside = \"{}\"\nsymbol = \"{}\"\namount = {}\n"
           "open_price = {}\nopen_time_ms = {}\ncommission = {}\ninterest = {}\n",
-          account.number, position.ticket, side_word(position.side), position.symbol, position.amount,
-          position.open_price, position.open_time.time_since_epoch().count(), position.commission,
-          position.interest);
-  for (const MarketRequest& request : book.requests) {
+          account.number, position.ticket, word_of(side_words, position.side), position.symbol,
+          position.amount, position.open_price, position.open_time.time_since_epoch().count(),
+          position.commission, position.interest);
+  for (const BookState::Account& account : book.accounts)
+    for (const PendingOrder& order : account.orders) {
+      fmt::format_to(out,
+                     "\n[[order]]\naccount = {}\nnumber = {}\nkind = \"{}\"\nside = \"{}\"\nsymbol = \"{}\"\n"
+                     "amount = {}\nprice = {}\nstop_loss = {}\ntake_profit = {}\ntime_ms = {}\n",
+                     account.number, order.order, order.kind, word_of(side_words, order.operation),
+                     order.symbol, order.amount, order.price, order.stop_loss, order.take_profit,
+                     order.time.time_since_epoch().count());
+      if (order.reference != 0) fmt::format_to(out, "reference = {}\n", order.reference);
+    }
+  for (const TradeRequest& request : book.requests) {
     fmt::format_to(out,
-                   "\n[[request]]\naccount = {}\nnumber = {}\nside = \"{}\"\nsymbol = \"{}\"\namount = {}\n",
-                   request.account, request.number, side_word(request.side), request.symbol, request.amount);
-    if (request.closes()) fmt::format_to(out, "ticket = {}\n", request.ticket);
+                   "\n[[request]]\naccount = {}\nnumber = {}\nkind = \"{}\"\nstage = \"{}\"\nside = \"{}\"\n"
+                   "symbol = \"{}\"\namount = {}\nprice = {}\nstop_loss = {}\ntake_profit = {}\n",
+                   request.account, request.number, word_of(kind_words, request.kind),
+                   word_of(stage_words, request.stage), word_of(side_words, request.operation),
+                   request.symbol, request.amount, request.price, request.stop_loss, request.take_profit);
+    if (request.reference != 0) fmt::format_to(out, "reference = {}\n", request.reference);
   }
   return text;
 }

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "dealer/market_request.h"
+#include "core/clock.h"
+#include "dealer/trade_request.h"
 #include "sessions/contract/open_position.h"
+#include "sessions/contract/pending_order.h"
 
 namespace tutti {
 
@@ -15,11 +17,13 @@ struct BookState {
     double balance = 0.0;
     double credit = 0.0;
     std::vector<OpenPosition> positions;
+    std::vector<PendingOrder> orders;  // "LO" and "ST"; market requests in dealing are among the requests
   };
 
   std::int64_t next_number = 0;  // above every order number and ticket ever given
+  TimePoint next_rollover{};     // midnight up to which interest is not charged yet
   std::vector<Account> accounts;
-  std::vector<MarketRequest> requests;
+  std::vector<TradeRequest> requests;
 };
 
 }  // namespace tutti

@@ -6,6 +6,7 @@
 #include "core/numbers.h"
 #include "core/texts.h"
 #include "dealer/dealer_config.h"
+#include "dealer/fault_reader.h"
 #include "dealer/table_reader.h"
 
 namespace tutti {
@@ -18,6 +19,13 @@ constexpr double most_money = 1e12;
 constexpr double highest_price = 1e9;
 constexpr double most_points = 1e9;
 constexpr std::int32_t largest_number = std::numeric_limits<std::int32_t>::max();
+constexpr double longest_dealing = 3'600.0;  // seconds
+
+constexpr Word<Trading> trading_words[] = {
+    {"open", Trading::open},
+    {"closed", Trading::closed},
+    {"halted", Trading::halted},
+};
 
 // Reads the tables of one configuration in turn; the first fault ends all.
 class ConfigReader {
@@ -41,6 +49,10 @@ class ConfigReader {
       read_symbol(*table);
     for (const toml::table* table : accounts)
       read_account(*table);
+    for (const toml::table* table : reader.tables("entry_order"))
+      read_entry_order(*table);
+    for (const toml::table* table : reader.tables("fault"))
+      config_.faults.push_back(read_fault(*table, config_.accounts, fault_));
     reader.finish();
     if (fault_) return tl::unexpected(*fault_);
     return std::move(config_);
@@ -102,21 +114,16 @@ class ConfigReader {
     reader.number("volatility", read.volatility, 0.0, most_points);
     reader.text("base", read.base);
     reader.text("profit", read.profit);
-    read_trading(reader, read.trading);
+    reader.number("swap_long", read.swap_long, -most_points, most_points);
+    reader.number("swap_short", read.swap_short, -most_points, most_points);
+    reader.number("commission", read.commission, 0.0, most_money);
+    read.trading = read_word(reader, "trading", trading_words, read.trading);
+    reader.seconds("dealing_seconds", read.dealing, 0.0, longest_dealing);
     reader.finish();
     if (known)
       *at = std::move(read);
     else
       config_.symbols.push_back(std::move(read));
-  }
-
-  static void read_trading(TableReader& reader, Trading& trading) {
-    std::string word = "open";
-    if (!reader.has("trading")) return;
-    reader.text("trading", word);
-    trading = word == "closed" ? Trading::closed : word == "halted" ? Trading::halted : Trading::open;
-    if (trading == Trading::open && word != "open")
-      reader.complain("trading", "must be \"open\", \"closed\" or \"halted\"");
   }
 
   void read_account(const toml::table& table) {
@@ -145,11 +152,42 @@ class ConfigReader {
     reader.flag("hedging", read.hedging);
     reader.integer("reply_request", read.reply_request, 0, 1000);
     reader.integer("reply_result", read.reply_result, 0, 1000);
+    reader.integer("reply_close_request", read.reply_close_request, 0, 1000);
+    reader.integer("reply_close_result", read.reply_close_result, 0, 1000);
+    reader.seconds("dealing_seconds", read.dealing, 0.0, longest_dealing);
     reader.finish();
     if (known)
       *at = std::move(read);
     else
       config_.accounts.push_back(std::move(read));
+  }
+
+  void read_entry_order(const toml::table& table) {
+    TableReader reader(table, fault_);
+    EntryOrderConfig read;
+    for (const char* key : {"account", "side", "symbol", "amount"})
+      reader.require(key);
+    reader.integer("account", read.account, 1, largest_number);
+    read.operation = read_word(reader, "side", side_words, operation::buy);
+    reader.text("symbol", read.symbol);
+    reader.number("amount", read.amount, 1e-8, most_lots);
+    reader.integer("ticket", read.ticket, 1, std::numeric_limits<std::int64_t>::max());
+    if (read.ticket == 0) reader.require("price");
+    reader.number("price", read.price, 0.0, highest_price);
+    reader.number("stop_loss", read.stop_loss, 0.0, highest_price);
+    reader.number("take_profit", read.take_profit, 0.0, highest_price);
+    reader.finish();
+    if (!known(config_.accounts, &AccountConfig::number, read.account))
+      reader.complain("account", "is not configured");
+    if (!known(config_.symbols, &SymbolConfig::name, read.symbol))
+      reader.complain("symbol", "is not configured");
+    config_.entry_orders.push_back(std::move(read));
+  }
+
+  template <class Entry, class Value>
+  static bool known(const std::vector<Entry>& entries, Value Entry::*key, const Value& value) {
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const Entry& entry) { return entry.*key == value; });
   }
 
   const toml::table& root_;

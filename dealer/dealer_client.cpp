@@ -9,7 +9,7 @@
 namespace tutti {
 
 DealerClient::DealerClient(DealingServer& server, EventQueue& queue)
-    : server_(server), session_(queue, server.market()) {}
+    : server_(server), session_(queue, server.market(), server.faults()) {}
 
 DealerClient::~DealerClient() {
   session_.set_sink(nullptr);
@@ -21,7 +21,7 @@ void DealerClient::set_sink(CLAPICLASS* sink) {
 }
 
 void DealerClient::SetLoginData(const LoginData& data) {
-  data_ = data;
+  data_ = data.copy();
 }
 
 void DealerClient::Login() {
@@ -65,13 +65,13 @@ const OpenPosition* DealerClient::OpenPositionItem(int index) const {
   return &session_.account()->positions()[static_cast<std::size_t>(index - 1)].record;
 }
 
-// Nothing waits at this server yet: entry orders, SL/TP and the pending state of market orders will.
 int DealerClient::PendingOrderCount() const {
-  return 0;
+  return session_.account() == nullptr ? 0 : static_cast<int>(session_.account()->orders().size());
 }
 
-const PendingOrder* DealerClient::PendingOrderItem(int) const {
-  return nullptr;
+const PendingOrder* DealerClient::PendingOrderItem(int index) const {
+  if (index < 1 || index > PendingOrderCount()) return nullptr;
+  return &session_.account()->orders()[static_cast<std::size_t>(index - 1)];
 }
 
 std::int32_t DealerClient::NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount,
@@ -91,8 +91,10 @@ std::int32_t DealerClient::ClosePosition(std::string_view ticket, std::string_vi
   return server_.desk().close(*account, number, parse_number(amount).value_or(0.0), server_.now());
 }
 
-std::int32_t DealerClient::NewEntryOrder(const EntryOrder&) {
-  return session_.account() == nullptr ? request::invalid_account : request::no_privilege;
+std::int32_t DealerClient::NewEntryOrder(const EntryOrder& order) {
+  TradingAccount* account = session_.account();
+  if (account == nullptr) return request::invalid_account;
+  return server_.desk().place(*account, order, account->symbol_of_id(order.symbol_id), server_.now());
 }
 
 std::int32_t DealerClient::UpdateEntryOrder(std::int64_t, double, const StopPrices&) {
@@ -103,13 +105,28 @@ std::int32_t DealerClient::UpdateSLTP(std::int64_t, const StopPrices&) {
   return session_.account() == nullptr ? request::invalid_account : request::no_privilege;
 }
 
-// No requote is ever offered, so there is none to answer.
-std::int32_t DealerClient::AcceptRequote(std::int64_t) {
-  return request::invalid_order_id;
+std::int32_t DealerClient::AcceptRequote(std::int64_t order) {
+  TradingAccount* account = session_.account();
+  if (account == nullptr) return request::invalid_account;
+  return server_.desk().accept_requote(*account, order, server_.now());
 }
 
-std::int32_t DealerClient::RejectRequote(std::int64_t) {
-  return request::invalid_order_id;
+std::int32_t DealerClient::RejectRequote(std::int64_t order) {
+  TradingAccount* account = session_.account();
+  if (account == nullptr) return request::invalid_account;
+  return server_.desk().reject_requote(*account, order, server_.now());
+}
+
+std::int32_t DealerClient::DeleteEntryOrder(std::int64_t order) {
+  TradingAccount* account = session_.account();
+  if (account == nullptr) return request::invalid_account;
+  return server_.desk().cancel(*account, TradeKind::cancel_entry, order, server_.now());
+}
+
+std::int32_t DealerClient::DeleteSLTPOrder(std::int64_t order) {
+  TradingAccount* account = session_.account();
+  if (account == nullptr) return request::invalid_account;
+  return server_.desk().cancel(*account, TradeKind::cancel_stops, order, server_.now());
 }
 
 SummaryAnswer DealerClient::GetAccountSummary(std::int32_t account) const {
@@ -118,7 +135,7 @@ SummaryAnswer DealerClient::GetAccountSummary(std::int32_t account) const {
   return {own->summary(), result::succeeded};
 }
 
-// Comes with stop loss and take profit; until then no price is worth anything.
+// Comes with the changes of stop loss and take profit; until then no price is worth anything.
 double DealerClient::EvaluateSLTPPrice(double, double, std::string_view, double, double& value) const {
   value = 0.0;
   return value;

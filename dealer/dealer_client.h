@@ -7,7 +7,7 @@
 namespace tutti {
 
 // The trading client of the embedded dealing server: what ClientAPI promises, answered from the server's own
-// state. Entry orders, stop loss and take profit are not offered yet and are refused.
+// state. Changes of entry orders, stop loss and take profit are not offered yet and are refused.
 class DealerClient final : public ClientAPI {
  public:
   DealerClient(DealingServer& server, EventQueue& queue);
@@ -42,6 +42,8 @@ class DealerClient final : public ClientAPI {
   std::optional<AccountInfo> FindAccount(std::int32_t number) const override;
   double MinimumLot() const override;
   double MaximumLot() const override;
+  std::int32_t DeleteEntryOrder(std::int64_t order) override;
+  std::int32_t DeleteSLTPOrder(std::int64_t order) override;
 
  private:
   // Place in the market of a symbol that the account carries.

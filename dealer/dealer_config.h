@@ -11,6 +11,8 @@
 
 #include "core/file_writer.h"
 #include "dealer/account_config.h"
+#include "dealer/entry_order_config.h"
+#include "dealer/fault_config.h"
 #include "dealer/symbol_config.h"
 #include "dealer/tick.h"
 #include "sessions/contract/login_data.h"
@@ -32,6 +34,8 @@ struct DealerConfig {
   std::vector<Tick> ticks;                       // replayed instead of the random walk when not empty
   std::vector<SymbolConfig> symbols;
   std::vector<AccountConfig> accounts;
+  std::vector<EntryOrderConfig> entry_orders;  // accounts and symbols must exist
+  std::vector<FaultConfig> faults;
 
   // A market of FX pairs, metals and indices, and `accounts` accounts. The first twelve are healthy; from
   // then on the 13th, 14th, 15th and 16th of each fifty hide EURUSD, are broke, may not trade, and may not

@@ -7,8 +7,19 @@
 #include "sessions/contract/codes.h"
 
 namespace tutti {
+namespace {
 
-DealerSession::DealerSession(EventQueue& queue, const Market& market) : queue_(queue), market_(market) {}
+void spoil(OpenPosition& position, double value) {
+  position.amount = value;
+  position.open_price = value;
+  position.current_price = value;
+  position.floating_pl = value;
+}
+
+}  // namespace
+
+DealerSession::DealerSession(EventQueue& queue, const Market& market, FaultScript& faults)
+    : queue_(queue), market_(market), faults_(faults) {}
 
 DealerSession::~DealerSession() {
   queue_.forget(*this);
@@ -43,7 +54,8 @@ void DealerSession::open(TradingAccount* account) {
   forget_waiting();
   post(ConnectionNews{true});
   post(Signal::symbols_loaded);
-  list_waiting_ = sink_ != nullptr;
+  positions_waiting_ = sink_ != nullptr;
+  orders_waiting_ = sink_ != nullptr;
   post(Signal::positions_loaded);
   post(Signal::orders_loaded);
   if (account_ != nullptr) tell_summary(true);
@@ -80,7 +92,8 @@ void DealerSession::forget_waiting() {
   std::fill(high_low_waiting_.begin(), high_low_waiting_.end(), false);
   summary_waiting_ = false;
   time_waiting_ = false;
-  list_waiting_ = false;
+  positions_waiting_ = false;
+  orders_waiting_ = false;
   if (account_ == nullptr) return;
   for (TradingAccount::Position& position : account_->positions())
     position.waiting = false;
@@ -101,6 +114,11 @@ void DealerSession::tell_price(const Market::Move& move) {
   if (sink_ == nullptr || symbol.id == 0) return;
   if (!price_waiting_[move.symbol]) {
     price_waiting_[move.symbol] = true;
+    if (const auto value = faults_.garbage(number_, FaultPoint::price)) {
+      SpoiltPrice spoilt{symbol};
+      spoilt.symbol.bid = spoilt.symbol.ask = spoilt.symbol.high = spoilt.symbol.low = *value;
+      post(std::make_unique<SpoiltPrice>(std::move(spoilt)));
+    }
     post(PriceNews{move.symbol});
   }
   if (move.high_low && !high_low_waiting_[move.symbol]) {
@@ -114,6 +132,11 @@ void DealerSession::tell_floating() {
   for (TradingAccount::Position& position : account_->positions()) {
     if (position.moved && !position.waiting) {
       position.waiting = true;
+      if (const auto value = faults_.garbage(number_, FaultPoint::position)) {
+        SpoiltFloating spoilt{position.record};
+        spoil(spoilt.position, *value);
+        post(std::make_unique<SpoiltFloating>(std::move(spoilt)));
+      }
       post(FloatingNews{position.record.ticket});
     }
     position.moved = false;
@@ -123,6 +146,9 @@ void DealerSession::tell_floating() {
 void DealerSession::tell_summary(bool anew) {
   if (sink_ == nullptr || (summary_waiting_ && !anew)) return;
   summary_waiting_ = true;
+  if (const auto value = faults_.garbage(number_, FaultPoint::summary))
+    post(std::make_unique<SpoiltSummary>(
+        SpoiltSummary{{*value, *value, *value, *value, *value, *value, *value}}));
   post(SummaryNews{});
 }
 
@@ -134,12 +160,26 @@ void DealerSession::tell_time(TimePoint time) {
 }
 
 void DealerSession::tell_position(PositionNews::Change change, const OpenPosition& position) {
-  if (sink_ == nullptr || list_waiting_) return;
+  if (sink_ == nullptr || positions_waiting_) return;
+  if (const auto value = faults_.garbage(number_, FaultPoint::position);
+      value && change != PositionNews::Change::closed) {
+    PositionNews spoilt{change, position};
+    spoil(spoilt.position, *value);
+    post(std::make_unique<PositionNews>(std::move(spoilt)));
+  }
   post(std::make_unique<PositionNews>(PositionNews{change, position}));
 }
 
-void DealerSession::tell_report(bool close, const OrderReport& report) {
-  if (sink_ != nullptr) post(std::make_unique<ReportNews>(ReportNews{close, report}));
+void DealerSession::tell_order(bool gone, const PendingOrder& order) {
+  if (!orders_waiting_) post(std::make_unique<OrderNews>(OrderNews{gone, order}));
+}
+
+void DealerSession::tell_requote(const Requote& requote) {
+  post(std::make_unique<Requote>(requote));
+}
+
+void DealerSession::tell_answer(const AnswerNews& answer) {
+  post(std::make_unique<AnswerNews>(answer));
 }
 
 bool DealerSession::deliver(const News& news) {
@@ -158,10 +198,11 @@ bool DealerSession::pass(CLAPICLASS& sink, Signal signal) {
       sink.InvalidUsernamePassword();
       break;
     case Signal::orders_loaded:
+      orders_waiting_ = false;
       sink.PendingOrdersLoaded();
       break;
     case Signal::positions_loaded:
-      list_waiting_ = false;
+      positions_waiting_ = false;
       sink.OpenPositionsLoaded();
       break;
     case Signal::session_closed:
@@ -231,11 +272,59 @@ bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& 
   return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<ReportNews>& news) {
-  if (news->close)
-    sink.CloseOrderResult(news->report);
+bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news) {
+  if (news->gone)
+    sink.DeletePendingOrder(news->order);
   else
-    sink.NewOrderResult(news->report);
+    sink.NewPendingOrder(news->order);
+  return true;
+}
+
+bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news) {
+  const OrderReport& report = news->report;
+  switch (news->event) {
+    case AnswerNews::Event::order:
+      sink.NewOrderResult(report);
+      break;
+    case AnswerNews::Event::close:
+      sink.CloseOrderResult(report);
+      break;
+    case AnswerNews::Event::accepted:
+      sink.MarketOrderAccepted(report);
+      break;
+    case AnswerNews::Event::rejected:
+      sink.MarketOrderRejected(report);
+      break;
+    case AnswerNews::Event::entry:
+      sink.NewLimitOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::cancel_entry:
+      sink.DeleteLimitOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::cancel_stops:
+      sink.DeleteSLTPOrderResult(report.number, report.result);
+      break;
+  }
+  return true;
+}
+
+bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news) {
+  sink.OrderTimer(*news);
+  return true;
+}
+
+bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news) {
+  sink.SymbolPricesChanged(news->symbol);
+  return true;
+}
+
+bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news) {
+  sink.PosFloatingPLChanged(news->position);
+  return true;
+}
+
+bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news) {
+  sink.SummariesChanged(news->summary);
   return true;
 }
 

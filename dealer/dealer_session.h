@@ -6,6 +6,7 @@
 
 #include "core/clock.h"
 #include "dealer/event_queue.h"
+#include "dealer/fault_script.h"
 #include "dealer/market.h"
 #include "dealer/trading_account.h"
 #include "sessions/contract/CLAPICLASS.h"
@@ -20,8 +21,8 @@ class DealerSession {
  public:
   enum class Link : std::uint8_t { off, connecting, on };
 
-  // Keeps references to both.
-  DealerSession(EventQueue& queue, const Market& market);
+  // Keeps references to all three.
+  DealerSession(EventQueue& queue, const Market& market, FaultScript& faults);
   ~DealerSession();
   DealerSession(const DealerSession&) = delete;
   DealerSession& operator=(const DealerSession&) = delete;
@@ -51,7 +52,9 @@ class DealerSession {
   void tell_summary(bool anew);
   void tell_time(TimePoint time);
   void tell_position(PositionNews::Change change, const OpenPosition& position);
-  void tell_report(bool close, const OrderReport& report);
+  void tell_order(bool gone, const PendingOrder& order);
+  void tell_requote(const Requote& requote);
+  void tell_answer(const AnswerNews& answer);
 
   // Hands one event to the sink; false when it had become void. The sink may destroy this session.
   bool deliver(const News& news);
@@ -69,10 +72,16 @@ class DealerSession {
   bool pass(CLAPICLASS& sink, SummaryNews news);
   bool pass(CLAPICLASS& sink, TimeNews news);
   bool pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<ReportNews>& news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news);
+  bool pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news);
 
   EventQueue& queue_;
   const Market& market_;
+  FaultScript& faults_;
   CLAPICLASS* sink_ = nullptr;
   Link link_ = Link::off;
   std::int32_t number_ = -1;
@@ -82,7 +91,9 @@ class DealerSession {
   std::vector<bool> high_low_waiting_;
   bool summary_waiting_ = false;
   bool time_waiting_ = false;
-  bool list_waiting_ = false;  // positions_loaded is in the queue; what changes before is part of that list
+  // The news that a list is loaded is in the queue; what changes before is part of that list.
+  bool positions_waiting_ = false;
+  bool orders_waiting_ = false;
   TimePoint time_{};
 };
 

@@ -4,7 +4,6 @@
 #include <cassert>
 #include <utility>
 
-#include "core/texts.h"
 #include "dealer/book_file.h"
 #include "dealer/dealer_client.h"
 #include "dealer/dealer_session.h"
@@ -25,8 +24,10 @@ class Flag {
   bool& flag_;
 };
 
+// Without case, and without a copy of what may be a password.
 bool same_text(std::string_view a, std::string_view b) {
-  return upper(a) == upper(b);
+  const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::ranges::equal(a, b, {}, small, small);
 }
 
 bool reaches(const Endpoint& wanted, const Endpoint& own) {
@@ -37,6 +38,18 @@ TimePoint next_whole_second(TimePoint at) {
   return std::chrono::floor<std::chrono::seconds>(at) + std::chrono::seconds{1};
 }
 
+TimePoint next_midnight(TimePoint at) {
+  return std::chrono::floor<std::chrono::days>(at) + std::chrono::days{1};
+}
+
+// Nights that a position is charged for at a midnight: the one that ends Wednesday settles over the weekend,
+// for which nothing is charged at its own end.
+int nights_at(TimePoint midnight) {
+  const std::chrono::weekday ended{std::chrono::floor<std::chrono::days>(midnight) - std::chrono::days{1}};
+  if (ended == std::chrono::Wednesday) return 3;
+  return ended == std::chrono::Saturday || ended == std::chrono::Sunday ? 0 : 1;
+}
+
 }  // namespace
 
 DealingServer::DealingServer(DealerConfig config, const Clock& clock)
@@ -44,14 +57,17 @@ DealingServer::DealingServer(DealerConfig config, const Clock& clock)
       clock_(clock),
       time_(clock.now()),
       next_second_(next_whole_second(time_)),
+      next_rollover_(next_midnight(time_)),
       market_(config_, time_),
       rates_(market_),
-      desk_(config_, market_) {
+      faults_(config_.faults, time_),
+      desk_(config_, market_, faults_) {
   assert(!config_.fault());
   accounts_.reserve(config_.accounts.size());
   for (const AccountConfig& account : config_.accounts) {
     by_number_.emplace(account.number, accounts_.size());
     accounts_.emplace_back(account, market_, rates_);
+    place_orders(accounts_.back());
   }
 }
 
@@ -71,8 +87,12 @@ std::optional<TimePoint> DealingServer::next_moment() const {
     if (moment && (!next || *moment < *next)) next = moment;
   };
   consider(desk_.next_due());
+  consider(faults_.next_drop());
   if (!logins_.empty()) consider(logins_.begin()->first);
   if (!online_.empty()) consider(next_second_);
+  if (std::any_of(accounts_.begin(), accounts_.end(),
+                  [](const TradingAccount& account) { return !account.positions().empty(); }))
+    consider(next_rollover_);
   return next;
 }
 
@@ -92,12 +112,18 @@ void DealingServer::advance() {
   for (auto due = next_moment(); due && *due <= target; due = next_moment())
     run(*due);
   time_ = target;
+  faults_.set_time(time_);
+  next_rollover_ = std::max(next_rollover_, next_midnight(time_));  // nights without a position
   revalue();
 }
 
 void DealingServer::run(TimePoint at) {
   time_ = std::max(time_, at);
+  faults_.set_time(time_);
+  while (const auto drop = faults_.take_drop())
+    end_sessions(*drop);
   if (const auto due = market_.next_due(); due && *due <= at) move_market();
+  if (next_rollover_ <= at) roll_over();
   desk_.run(at);
   while (!logins_.empty() && logins_.begin()->first <= at)
     finish_login(std::move(logins_.extract(logins_.begin()).mapped()));
@@ -112,6 +138,22 @@ void DealingServer::move_market() {
   for (DealerSession* session : online_)
     for (const Market::Move& move : moves)
       session->tell_price(move);
+}
+
+void DealingServer::roll_over() {
+  const int nights = nights_at(next_rollover_);
+  next_rollover_ += std::chrono::days{1};
+  if (nights == 0) return;
+  ++rollovers_;
+  for (TradingAccount& account : accounts_) {
+    account.roll_over(nights);
+    account.revalue();
+    DealerSession* session = account.session();
+    if (session == nullptr || account.positions().empty()) continue;
+    for (const TradingAccount::Position& position : account.positions())
+      session->tell_position(PositionNews::Change::changed, position.record);
+    session->tell_summary(true);
+  }
 }
 
 void DealingServer::tell_time(TimePoint at) {
@@ -147,16 +189,18 @@ bool DealingServer::deliver_next() {
 void DealingServer::login(DealerSession& session, const LoginData& data) {
   session.connect(data.account);
   const auto number = static_cast<std::uint64_t>(static_cast<std::uint32_t>(data.account));
-  const auto wait = reaches(data.server, config_.endpoint)
+  const Mishap mishap = faults_.strike(data.account, FaultPoint::login, now());
+  if (mishap.silent) return;
+  const auto wait = reaches(data.server, config_.endpoint) && !mishap.unreachable
                         ? with_jitter(config_.login_latency, scatter(config_.seed, number))
                         : config_.unreachable_after;
-  logins_.emplace(now() + wait, PendingLogin{&session, data});
+  logins_.emplace(now() + wait + mishap.delay, PendingLogin{&session, data.copy(), mishap});
 }
 
 void DealingServer::finish_login(PendingLogin login) {
   DealerSession& session = *login.session;
-  if (!reaches(login.data.server, config_.endpoint)) return session.end(false);
-  if (!known_user(login.data)) return session.refuse();
+  if (login.mishap.unreachable || !reaches(login.data.server, config_.endpoint)) return session.end(false);
+  if (login.mishap.refuse_login || !known_user(login.data)) return session.refuse();
   TradingAccount* account = owned_account(login.data.user, login.data.account);
   // One session per account: whoever comes later takes over.
   if (account != nullptr && account->session() != nullptr) end_session(*account->session());
@@ -178,6 +222,15 @@ void DealingServer::end_session(DealerSession& session) {
 }
 
 bool DealingServer::drop(std::int32_t account) {
+  const auto login = std::find_if(logins_.begin(), logins_.end(), [&](const auto& entry) {
+    return entry.second.session->number() == account;
+  });
+  if (login != logins_.end()) {
+    DealerSession& session = *login->second.session;
+    logins_.erase(login);
+    session.end(true);
+    return true;
+  }
   const auto at = std::find_if(online_.begin(), online_.end(),
                                [&](const DealerSession* session) { return session->number() == account; });
   if (at == online_.end()) return false;
@@ -185,9 +238,36 @@ bool DealingServer::drop(std::int32_t account) {
   return true;
 }
 
+void DealingServer::end_sessions(const FaultScript::Drop& which) {
+  for (const std::int32_t account : which.accounts)
+    drop(account);
+  if (!which.accounts.empty()) return;
+  for (const AccountConfig& account : config_.accounts)
+    drop(account.number);
+}
+
+void DealingServer::place_orders(TradingAccount& account) {
+  for (const EntryOrderConfig& config : config_.entry_orders) {
+    if (config.account != account.config().number) continue;
+    assert(market_.find(config.symbol));
+    PendingOrder order;
+    order.order = desk_.take_number();
+    order.kind = config.ticket > 0 ? "ST" : "LO";
+    order.reference = config.ticket;
+    order.operation = config.operation;
+    order.symbol = config.symbol;
+    order.amount = config.amount;
+    order.price = config.price;
+    order.stop_loss = config.stop_loss;
+    order.take_profit = config.take_profit;
+    order.time = time_;
+    account.add_order(std::move(order));
+  }
+}
+
 bool DealingServer::known_user(const LoginData& data) const {
   return std::any_of(config_.accounts.begin(), config_.accounts.end(), [&](const AccountConfig& account) {
-    return same_text(account.user, data.user) && same_text(account.password, data.password);
+    return same_text(account.user, data.user) && same_text(account.password, data.password.reveal());
   });
 }
 
@@ -213,15 +293,27 @@ tl::expected<void, FileError> DealingServer::load_book(const std::filesystem::pa
     return tl::unexpected(FileError{
         file, "account " + std::to_string(account) + " trades " + symbol + ", which is not in this market"});
   };
-  for (const BookState::Account& account : book->accounts)
+  for (const BookState::Account& account : book->accounts) {
+    if (!known(account.number)) continue;
     for (const OpenPosition& position : account.positions)
-      if (known(account.number) && !market_.find(position.symbol))
-        return complain(account.number, position.symbol);
-  for (const MarketRequest& request : book->requests)
+      if (!market_.find(position.symbol)) return complain(account.number, position.symbol);
+    for (const PendingOrder& order : account.orders)
+      if (!market_.find(order.symbol)) return complain(account.number, order.symbol);
+  }
+  for (const TradeRequest& request : book->requests)
     if (known(request.account) && !market_.find(request.symbol))
       return complain(request.account, request.symbol);
 
-  desk_.set_next_number(std::max(config_.first_number, book->next_number));
+  desk_.set_next_number(std::max(desk_.next_number(), book->next_number));
+  if (book->next_rollover != TimePoint{}) next_rollover_ = book->next_rollover;
+  // What the configuration put on an account gets new numbers where the book doesn't know the account.
+  for (TradingAccount& account : accounts_) {
+    account.restore({account.config().number, account.config().balance, account.config().credit, {}, {}});
+    if (std::none_of(book->accounts.begin(), book->accounts.end(), [&](const BookState::Account& other) {
+          return other.number == account.config().number;
+        }))
+      place_orders(account);
+  }
   absent_ = {};
   for (BookState::Account& account : book->accounts) {
     if (known(account.number))
@@ -229,7 +321,7 @@ tl::expected<void, FileError> DealingServer::load_book(const std::filesystem::pa
     else
       absent_.accounts.push_back(std::move(account));
   }
-  for (MarketRequest& request : book->requests) {
+  for (TradeRequest& request : book->requests) {
     if (known(request.account))
       desk_.resume(accounts_[by_number_[request.account]], request, now());
     else
@@ -241,9 +333,10 @@ tl::expected<void, FileError> DealingServer::load_book(const std::filesystem::pa
 tl::expected<void, FileError> DealingServer::save_book(const std::filesystem::path& file) const {
   BookState book = absent_;
   book.next_number = desk_.next_number();
+  book.next_rollover = next_rollover_;
   for (const TradingAccount& account : accounts_)
     book.accounts.push_back(account.state());
-  for (MarketRequest& request : desk_.requests())
+  for (TradeRequest& request : desk_.requests())
     book.requests.push_back(std::move(request));
   return replace_file(file, book_text(book));
 }

@@ -16,6 +16,7 @@
 #include "dealer/book_state.h"
 #include "dealer/dealer_config.h"
 #include "dealer/event_queue.h"
+#include "dealer/fault_script.h"
 #include "dealer/market.h"
 #include "dealer/order_desk.h"
 #include "dealer/rate_table.h"
@@ -49,7 +50,8 @@ class DealingServer final : public EventSource {
   bool deliver_next() override;
   std::int32_t delivered_account() const override { return delivered_account_; }
 
-  // Ends the session of an account from the server's side; false when none stands.
+  // Ends the session of an account from the server's side, even one that is connecting; false when there is
+  // none.
   bool drop(std::int32_t account);
 
   // Replaces balances, positions and requests by those of a book file. A missing file leaves everything as
@@ -58,14 +60,17 @@ class DealingServer final : public EventSource {
   // Requests still in flight are kept too and executed after the next load.
   tl::expected<void, FileError> save_book(const std::filesystem::path& file) const;
   // Grows with every change that save_book would write.
-  std::uint64_t book_revision() const { return desk_.revision(); }
+  std::uint64_t book_revision() const { return desk_.revision() + rollovers_; }
 
   const DealerConfig& config() const { return config_; }
   const Market& market() const { return market_; }
   // In order of the configuration; valued as of the last `advance`.
   const std::vector<TradingAccount>& accounts() const { return accounts_; }
   const TradingAccount* find_account(std::int32_t number) const;
+  // Requests that are not at their end: on their way, or pending.
   std::size_t requests_in_flight() const { return desk_.in_flight(); }
+  // How the requests of this run ended, oldest first; the last 100,000 at least.
+  const std::vector<Outcome>& outcomes() const { return desk_.outcomes(); }
 
   // Below: for the trading client only.
 
@@ -74,6 +79,7 @@ class DealingServer final : public EventSource {
   // Account of this number when `user` owns it, else nullptr.
   TradingAccount* owned_account(std::string_view user, std::int32_t number);
   OrderDesk& desk() { return desk_; }
+  FaultScript& faults() { return faults_; }
   // The server's present moment; never goes back, even if the clock does.
   TimePoint now() const;
 
@@ -81,31 +87,39 @@ class DealingServer final : public EventSource {
   struct PendingLogin {
     DealerSession* session = nullptr;
     LoginData data;
+    Mishap mishap;
   };
 
   std::optional<TimePoint> next_moment() const;
   void run(TimePoint at);
   void move_market();
+  void roll_over();
   void finish_login(PendingLogin login);
   void tell_time(TimePoint at);
   void revalue();
   bool known_user(const LoginData& data) const;
   void end_session(DealerSession& session);
+  void end_sessions(const FaultScript::Drop& which);
+  // Puts the configured entry orders on an account.
+  void place_orders(TradingAccount& account);
 
   const DealerConfig config_;
   const Clock& clock_;
   std::chrono::milliseconds lag_{0};  // how far the clock was set back since the start
   TimePoint time_;                    // how far everything has been brought
   TimePoint next_second_;
+  TimePoint next_rollover_;  // midnight UTC at which interest is due
   Market market_;
   RateTable rates_;
   std::vector<TradingAccount> accounts_;
   std::map<std::int32_t, std::size_t> by_number_;
+  FaultScript faults_;
   OrderDesk desk_;
   EventQueue queue_;
   std::multimap<TimePoint, PendingLogin> logins_;
   std::vector<DealerSession*> online_;
   BookState absent_;  // what the book holds of accounts that are not configured in this run
+  std::uint64_t rollovers_ = 0;
   bool stale_ = false;
   bool delivering_ = false;
   std::int32_t delivered_account_ = -1;

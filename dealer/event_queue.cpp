@@ -29,7 +29,7 @@ void EventQueue::forget_connection(const DealerSession& session) {
     if (event.session != &session) continue;
     if (std::holds_alternative<ConnectionNews>(event.news)) continue;
     if (std::holds_alternative<WaitingNews>(event.news)) continue;
-    if (std::holds_alternative<std::unique_ptr<ReportNews>>(event.news)) continue;
+    if (std::holds_alternative<std::unique_ptr<AnswerNews>>(event.news)) continue;
     event.session = nullptr;
   }
 }

@@ -6,8 +6,12 @@
 #include <variant>
 #include <vector>
 
+#include "sessions/contract/account_summary.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/order_report.h"
+#include "sessions/contract/pending_order.h"
+#include "sessions/contract/requote.h"
+#include "sessions/contract/symbol.h"
 
 namespace tutti {
 
@@ -45,12 +49,38 @@ struct PositionNews {
   Change change = Change::opened;
   OpenPosition position;
 };
-struct ReportNews {
-  bool close = false;
+struct OrderNews {
+  bool gone = false;
+  PendingOrder order;
+};
+// What a request came to. Of entry orders and cancellations only number and result count.
+struct AnswerNews {
+  enum class Event : std::uint8_t {
+    order,
+    close,
+    accepted,
+    rejected,
+    entry,
+    cancel_entry,
+    cancel_stops,
+  };
+  Event event = Event::order;
   OrderReport report;
 };
+// A spoilt copy of what comes right behind.
+struct SpoiltPrice {
+  Symbol symbol;
+};
+struct SpoiltFloating {
+  OpenPosition position;
+};
+struct SpoiltSummary {
+  AccountSummary summary;
+};
 using News = std::variant<Signal, WaitingNews, ConnectionNews, PriceNews, HighLowNews, FloatingNews,
-                          SummaryNews, TimeNews, std::unique_ptr<PositionNews>, std::unique_ptr<ReportNews>>;
+                          SummaryNews, TimeNews, std::unique_ptr<PositionNews>, std::unique_ptr<OrderNews>,
+                          std::unique_ptr<AnswerNews>, std::unique_ptr<Requote>, std::unique_ptr<SpoiltPrice>,
+                          std::unique_ptr<SpoiltFloating>, std::unique_ptr<SpoiltSummary>>;
 
 struct Event {
   DealerSession* session = nullptr;  // nullptr once the session wants it no more

@@ -1,7 +1,6 @@
 #include "dealer/order_desk.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "dealer/dealer_session.h"
@@ -11,174 +10,340 @@
 namespace tutti {
 namespace {
 
-// Amounts closer than this are the same; it lies below anything an operator can type.
-constexpr double tolerance = 1e-9;
+using Stage = TradeRequest::Stage;
+using Answer = AnswerNews::Event;
+constexpr std::chrono::seconds one_second{1};
 
-double price_of(const Quote& quote, std::int32_t side) {
-  return side == operation::buy ? quote.ask : quote.bid;
+bool is_market(TradeKind kind) {
+  return kind == TradeKind::open || kind == TradeKind::close;
+}
+
+Answer answer_to(const TradeRequest& request, bool succeeded) {
+  if (request.stage != Stage::sent) return succeeded ? Answer::accepted : Answer::rejected;
+  switch (request.kind) {
+    case TradeKind::open:
+      break;
+    case TradeKind::close:
+      return Answer::close;
+    case TradeKind::entry:
+      return Answer::entry;
+    case TradeKind::cancel_entry:
+      return Answer::cancel_entry;
+    case TradeKind::cancel_stops:
+      return Answer::cancel_stops;
+  }
+  return Answer::order;
+}
+
+OrderReport report_on(const TradeRequest& request, std::int32_t result, double price) {
+  OrderReport report;
+  report.number = request.known_as();
+  report.account = request.account;
+  report.result = result;
+  report.request_kind = request.kind == TradeKind::close ? request_kind::close : request_kind::open;
+  report.operation = request.operation;
+  report.amount = request.amount;
+  report.symbol = request.symbol;
+  report.price = price;
+  return report;
 }
 
 }  // namespace
 
-OrderDesk::OrderDesk(const DealerConfig& config, const Market& market)
-    : config_(config), market_(market), next_number_(config.first_number) {}
+OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults)
+    : config_(config),
+      faults_(faults),
+      rules_(config, market),
+      execution_(market),
+      market_(market),
+      next_number_(config.first_number) {}
 
 std::int32_t OrderDesk::open(TradingAccount& account, std::int32_t side, std::optional<std::size_t> symbol,
                              double amount, TimePoint now) {
-  if (account.config().reply_request > request::taken) return account.config().reply_request;
-  if (!account.config().privilege) return request::no_privilege;
-  if (side != operation::buy && side != operation::sell) return request::silent;
-  if (!std::isfinite(amount) || amount <= 0.0 || amount > config_.max_lot + tolerance)
-    return request::invalid_lots;
-  if (!symbol || !market_.quote(*symbol).known() || !account.rates_known(*symbol))
-    return request::invalid_price;
-  take(account, {next_number_++, account.config().number, 0, side, market_.symbol(*symbol).name, amount},
-       now);
-  return request::taken;
+  TradeRequest request;
+  request.kind = TradeKind::open;
+  request.operation = side;
+  if (symbol) request.symbol = market_.symbol(*symbol).name;
+  request.amount = amount;
+  return admit(account, std::move(request), rules_.admit_open(account, side, symbol, amount),
+               FaultPoint::open, now);
 }
 
 std::int32_t OrderDesk::close(TradingAccount& account, std::int64_t ticket, double amount, TimePoint now) {
-  if (!account.config().privilege) return request::no_privilege;
-  const TradingAccount::Position* position = account.find_position(ticket);
-  if (position == nullptr) return request::invalid_ticket;
-  const OpenPosition& record = position->record;
-  if (!std::isfinite(amount) || amount <= 0.0 || amount > record.amount + tolerance)
-    return request::invalid_lots;
-  take(account, {next_number_++, account.config().number, ticket, record.side, record.symbol, amount}, now);
-  return request::taken;
+  TradeRequest request;
+  request.kind = TradeKind::close;
+  request.reference = ticket;
+  request.amount = amount;
+  if (const TradingAccount::Position* position = account.find_position(ticket)) {
+    request.operation = position->record.side;
+    request.symbol = position->record.symbol;
+  }
+  return admit(account, std::move(request), rules_.admit_close(account, ticket, amount), FaultPoint::close,
+               now);
 }
 
-void OrderDesk::take(TradingAccount& account, MarketRequest request, TimePoint now) {
-  const auto number = static_cast<std::uint64_t>(request.number);
-  const auto latency = with_jitter(config_.order_latency, scatter(config_.seed, number));
-  requests_.emplace(now + latency, InFlight{&account, std::move(request)});
+std::int32_t OrderDesk::place(TradingAccount& account, const EntryOrder& order,
+                              std::optional<std::size_t> symbol, TimePoint now) {
+  TradeRequest request;
+  request.kind = TradeKind::entry;
+  request.operation = order.side;
+  if (order.kind == EntryKind::stop)
+    request.operation = order.side == operation::buy ? operation::buy_stop : operation::sell_stop;
+  if (symbol) request.symbol = market_.symbol(*symbol).name;
+  request.amount = order.amount;
+  request.price = order.price;
+  if (order.has_stop_loss) request.stop_loss = order.stop_loss;
+  if (order.has_take_profit) request.take_profit = order.take_profit;
+  return admit(account, std::move(request), rules_.admit_entry(account, order, symbol), FaultPoint::entry,
+               now);
+}
+
+std::int32_t OrderDesk::cancel(TradingAccount& account, TradeKind kind, std::int64_t order, TimePoint now) {
+  TradeRequest request;
+  request.kind = kind;
+  request.reference = order;
+  if (const PendingOrder* found = account.find_order(order)) {
+    request.operation = found->operation;
+    request.symbol = found->symbol;
+    request.amount = found->amount;
+  }
+  const char* row = kind == TradeKind::cancel_entry ? "LO" : "ST";
+  return admit(account, std::move(request), rules_.admit_cancel(account, order, row), FaultPoint::cancel,
+               now);
+}
+
+std::int32_t OrderDesk::admit(TradingAccount& account, TradeRequest request, std::int32_t code,
+                              FaultPoint point, TimePoint now) {
+  const Mishap mishap = faults_.strike(account.config().number, point, now);
+  if (mishap.refuse != 0) code = mishap.refuse;
+  request.account = account.config().number;
+  if (code == request::taken) request.number = next_number_++;
   ++revision_;
+  if (code != request::taken || mishap.swallow) {
+    log(request, {.request = code}, now);
+    return code;
+  }
+  const TimePoint due = now + latency(request) + mishap.delay;
+  flights_.emplace(due, Flight{.account = &account, .request = std::move(request), .mishap = mishap});
+  return code;
 }
 
-void OrderDesk::resume(TradingAccount& account, const MarketRequest& request, TimePoint now) {
-  take(account, request, now);
+// The number decides, so that what happens to one request doesn't move the others.
+std::chrono::milliseconds OrderDesk::latency(const TradeRequest& request) const {
+  return with_jitter(config_.order_latency,
+                     scatter(config_.seed, static_cast<std::uint64_t>(request.number)));
 }
 
-std::vector<MarketRequest> OrderDesk::requests() const {
-  std::vector<MarketRequest> requests;
-  for (const auto& [due, flight] : requests_)
+void OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) {
+  outcome.time = at;
+  outcome.account = request.account;
+  outcome.kind = request.kind;
+  outcome.number = request.known_as();
+  outcome.dealt = request.stage != Stage::sent;
+  log_.add(outcome);
+}
+
+std::vector<TradeRequest> OrderDesk::requests() const {
+  std::vector<TradeRequest> requests;
+  for (const auto& [due, flight] : flights_) {
     requests.push_back(flight.request);
+    // A new price doesn't outlive the run in which it was offered.
+    if (flight.requoted) requests.back().stage = Stage::rejected;
+  }
   return requests;
 }
 
+void OrderDesk::resume(TradingAccount& account, const TradeRequest& request, TimePoint now) {
+  auto wait = latency(request);
+  if (request.stage == Stage::dealing) {
+    wait = rules_.dealing_time(account, request);
+    account.add_order(TradeExecution::row_of(request, now));
+  }
+  flights_.emplace(now + wait, Flight{.account = &account, .request = request, .mishap = {}});
+  ++revision_;
+}
+
 std::optional<TimePoint> OrderDesk::next_due() const {
-  if (requests_.empty()) return std::nullopt;
-  return requests_.begin()->first;
+  const auto late = answers_.next_due();
+  if (flights_.empty()) return late;
+  const TimePoint first = flights_.begin()->first;
+  return late ? std::min(*late, first) : first;
 }
 
-// The requests wait here for nothing but their time. A requote or a pending state would be a further station
-// between the gate and the two routines below.
 void OrderDesk::run(TimePoint at) {
-  while (!requests_.empty() && requests_.begin()->first <= at) {
-    const InFlight flight = std::move(requests_.extract(requests_.begin()).mapped());
+  while (!flights_.empty() && flights_.begin()->first <= at) {
+    Flight flight = std::move(flights_.extract(flights_.begin()).mapped());
     flight.account->revalue();
-    if (flight.request.closes())
-      execute_close(*flight.account, flight.request);
-    else
-      execute_open(*flight.account, flight.request, at);
     ++revision_;
+    switch (flight.request.stage) {
+      case Stage::sent:
+        arrive(std::move(flight), at);
+        break;
+      case Stage::dealing:
+        deal(std::move(flight), at);
+        break;
+      case Stage::accepted:
+        finish(flight, verdict(flight), at);
+        break;
+      case Stage::rejected:
+        finish(flight, 0, at);
+        break;
+    }
   }
+  answers_.run(at);
 }
 
-std::int32_t OrderDesk::trading_result(const TradingAccount& account, std::size_t symbol) const {
-  switch (market_.symbol(symbol).trading) {
-    case Trading::closed:
-      return result::trading_closed;
-    case Trading::halted:
-      return result::market_conditions;
-    case Trading::open:
-      break;
-  }
-  // A request from an earlier run may come due before its symbol has a price in this one.
-  const bool priced = market_.quote(symbol).known() && account.rates_known(symbol);
-  return priced ? result::succeeded : result::market_conditions;
+double OrderDesk::price(const TradeRequest& request) const {
+  return request.price > 0.0 ? request.price : rules_.price(request);
 }
 
-std::int32_t OrderDesk::judge_open(const TradingAccount& account, const MarketRequest& request,
-                                   std::size_t symbol) const {
-  if (account.config().reply_result > result::succeeded) return account.config().reply_result;
-  if (const auto code = trading_result(account, symbol); code != result::succeeded) return code;
-  if (!account.config().hedging && account.opposed(symbol, request.side)) return result::hedging_not_allowed;
-  if (!tradable(request.amount)) return result::invalid_amount;
-  if (account.free_margin_with(symbol, request.amount) < 0.0) return result::not_enough_money;
-  return result::succeeded;
+std::int32_t OrderDesk::verdict(const Flight& flight) const {
+  const auto configured = TradeRules::configured_result(*flight.account, flight.request.kind);
+  if (configured != 0) return configured;
+  return rules_.judge(*flight.account, flight.request, price(flight.request));
 }
 
-void OrderDesk::execute_open(TradingAccount& account, const MarketRequest& request, TimePoint at) {
-  const std::size_t symbol = *market_.find(request.symbol);
-  OrderReport report;
-  report.number = request.number;
-  report.account = request.account;
-  report.result = judge_open(account, request, symbol);
-  report.request_kind = request_kind::open;
-  report.operation = request.side;
-  report.amount = request.amount;
-  report.symbol = request.symbol;
-  report.price = price_of(market_.quote(symbol), request.side);
-  const bool done = report.result == result::succeeded;
-  if (done) {
-    report.state = order_state::executed;
-    OpenPosition position;
-    position.ticket = request.number;
-    position.side = request.side;
-    position.amount = request.amount;
-    position.open_price = report.price;
-    position.open_time = at;
-    account.open(std::move(position), symbol);
-    account.revalue();
+void OrderDesk::arrive(Flight flight, TimePoint at) {
+  const TradeRequest& request = flight.request;
+  if (flight.mishap.reject != 0) return finish(flight, flight.mishap.reject, at);
+  if (is_market(request.kind)) {
+    const auto wait = flight.mishap.pending.value_or(rules_.dealing_time(*flight.account, request));
+    if (wait.count() > 0 || flight.mishap.requote_seconds > 0) {
+      const auto code = rules_.judge(*flight.account, request, price(request));
+      if (code != result::succeeded) return finish(flight, code, at);
+      return enter_dealing(std::move(flight), wait, at);
+    }
   }
+  finish(flight, verdict(flight), at);
+}
+
+void OrderDesk::enter_dealing(Flight flight, std::chrono::milliseconds wait, TimePoint at) {
+  TradeRequest& request = flight.request;
+  request.price = rules_.price(request);
+  OrderReport report = report_on(request, result::succeeded, request.price);
+  report.state = order_state::pending;
+  answers_.tell(*flight.account, flight.mishap, {answer_to(request, true), report}, at);
+  request.stage = Stage::dealing;
+  TradeExecution::add_row(*flight.account, TradeExecution::row_of(request, at));
+  flights_.emplace(at + wait, std::move(flight));
+}
+
+void OrderDesk::deal(Flight flight, TimePoint at) {
+  if (!flight.requoted && flight.mishap.requote_seconds > 0) {
+    const std::int16_t seconds = flight.mishap.requote_seconds;
+    flight.requoted = true;
+    flight.seconds_left = seconds;
+    flight.deadline = at + seconds * one_second;
+    flight.new_price =
+        rules_.worse_price(flight.request, rules_.price(flight.request), flight.mishap.requote_points);
+    return tick(std::move(flight), at);
+  }
+  if (!flight.requoted) return finish(flight, verdict(flight), at);
+  if (flight.seconds_left == 0) return finish(flight, 0, at);
+  --flight.seconds_left;
+  tick(std::move(flight), at);
+}
+
+void OrderDesk::tick(Flight flight, TimePoint at) {
+  const TradeRequest& request = flight.request;
+  DealerSession* session = flight.account->session();
+  if (session != nullptr && !flight.mishap.silent) {
+    Requote requote;
+    requote.order = request.known_as();
+    requote.account = request.account;
+    requote.operation = request.operation;
+    requote.amount = request.amount;
+    requote.symbol = request.symbol;
+    requote.price = request.price;
+    requote.new_price = flight.new_price;
+    requote.seconds_left = flight.seconds_left;
+    requote.seconds_all = flight.mishap.requote_seconds;
+    session->tell_requote(requote);
+  }
+  flights_.emplace(at + one_second, std::move(flight));
+}
+
+OrderDesk::Flights::iterator OrderDesk::find_requote(const TradingAccount& account, std::int64_t order) {
+  return std::find_if(flights_.begin(), flights_.end(), [&](const auto& entry) {
+    const Flight& flight = entry.second;
+    return flight.account == &account && flight.requoted && flight.request.stage == Stage::dealing &&
+           flight.request.known_as() == order;
+  });
+}
+
+std::int32_t OrderDesk::accept_requote(TradingAccount& account, std::int64_t order, TimePoint now) {
+  const auto at = find_requote(account, order);
+  if (at == flights_.end()) return no_requote(account, order);
+  if (now >= at->second.deadline) return request::timer_expired;
+  at->second.request.price = at->second.new_price;
+  leave_dealing(at, Stage::accepted, now);
+  return request::taken;
+}
+
+std::int32_t OrderDesk::reject_requote(TradingAccount& account, std::int64_t order, TimePoint now) {
+  const auto at = find_requote(account, order);
+  if (at == flights_.end()) return no_requote(account, order);
+  leave_dealing(at, Stage::rejected, now);
+  return request::taken;
+}
+
+// The last thing that happened to the number says whether there was a requote that ran out.
+std::int32_t OrderDesk::no_requote(const TradingAccount& account, std::int64_t order) const {
+  const auto& outcomes = log_.all();
+  const auto last = std::find_if(outcomes.rbegin(), outcomes.rend(), [&](const Outcome& outcome) {
+    return outcome.number == order && outcome.account == account.config().number;
+  });
+  return last != outcomes.rend() && last->expired ? request::timer_expired : request::invalid_order_id;
+}
+
+// The operator has decided: it waits for the dealer's confirmation only, and is pending no more.
+void OrderDesk::leave_dealing(Flights::iterator at, Stage stage, TimePoint now) {
+  Flight flight = std::move(flights_.extract(at).mapped());
+  flight.requoted = false;
+  flight.request.stage = stage;
+  TradeExecution::remove_row(*flight.account, flight.request.known_as());
+  const TimePoint due = now + latency(flight.request);
+  flights_.emplace(due, std::move(flight));
+  ++revision_;
+}
+
+// A `result` of 0 is a rejection without a reason of the server's own.
+void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) {
+  const TradeRequest& request = flight.request;
+  TradingAccount& account = *flight.account;
+  const bool done = result == result::succeeded;
+  const double done_at = is_market(request.kind) ? price(request) : request.price;
+  OrderReport report = report_on(request, result, done_at);
+  if (done) report.state = order_state::executed;
+  const bool told = answers_.tell(account, flight.mishap, {answer_to(request, done), report}, at);
+  log(request, {.request = request::taken, .result = result, .expired = flight.requoted, .told = told}, at);
+  if (request.stage == Stage::dealing) TradeExecution::remove_row(account, request.known_as());
+  if (done) execution_.execute(request, account, done_at, at);
+  DealerSession* session = account.session();
+  if (session != nullptr && is_market(request.kind)) session->tell_summary(done);
+  if (flight.mishap.unknown_ticket) tell_unknown(account, report, at);
+}
+
+// Everything that can be said of a number, about one that is nobody's. News of an opened or changed position
+// are left out: they are what makes a position known.
+void OrderDesk::tell_unknown(TradingAccount& account, OrderReport report, TimePoint at) {
+  report.number = next_number_++;
+  report.result = result::succeeded;
+  report.state = order_state::executed;
+  for (const Answer event : {Answer::order, Answer::close, Answer::accepted, Answer::rejected, Answer::entry,
+                             Answer::cancel_entry, Answer::cancel_stops})
+    answers_.tell(account, {}, {event, report}, at);
   DealerSession* session = account.session();
   if (session == nullptr) return;
-  session->tell_report(false, report);
-  if (done)
-    session->tell_position(PositionNews::Change::opened, account.find_position(request.number)->record);
-  session->tell_summary(done);
-}
-
-void OrderDesk::execute_close(TradingAccount& account, const MarketRequest& request) {
-  const std::size_t symbol = *market_.find(request.symbol);
-  TradingAccount::Position* position = account.find_position(request.ticket);
-  OrderReport report;
-  report.number = request.ticket;
-  report.account = request.account;
-  report.request_kind = request_kind::close;
-  report.operation = request.side;
-  report.amount = request.amount;
-  report.symbol = request.symbol;
-  report.price = price_of(market_.quote(symbol), -request.side);
-  report.result = trading_result(account, symbol);
-  if (position == nullptr) {
-    report.result = result::position_closed;
-  } else if (report.result == result::succeeded) {
-    const double rest = position->record.amount - request.amount;
-    if (rest < -tolerance || (rest > tolerance && !tradable(request.amount)))
-      report.result = result::invalid_amount;
-  }
-  const bool done = report.result == result::succeeded;
-  DealerSession* session = account.session();
-  if (done) report.state = order_state::executed;
-  if (session != nullptr) session->tell_report(true, report);
-  if (done) {
-    const OpenPosition before = position->record;
-    const bool gone = account.close(*position, request.amount);
-    account.revalue();
-    if (session != nullptr && gone) session->tell_position(PositionNews::Change::closed, before);
-    if (session != nullptr && !gone)
-      session->tell_position(PositionNews::Change::changed, account.find_position(request.ticket)->record);
-  }
-  if (session != nullptr) session->tell_summary(done);
-}
-
-bool OrderDesk::tradable(double amount) const {
-  if (amount < config_.min_lot - tolerance) return false;
-  if (config_.lot_step <= 0.0) return true;
-  const double steps = amount / config_.lot_step;
-  return std::fabs(steps - std::nearbyint(steps)) < 1e-6;
+  OpenPosition position;
+  position.ticket = report.number;
+  position.account = report.account;
+  position.symbol = report.symbol;
+  session->tell_position(PositionNews::Change::closed, position);
+  PendingOrder order;
+  order.order = report.number;
+  order.account = report.account;
+  session->tell_order(true, order);
 }
 
 }  // namespace tutti

@@ -4,63 +4,107 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "core/clock.h"
+#include "dealer/answer_desk.h"
 #include "dealer/dealer_config.h"
+#include "dealer/fault_script.h"
 #include "dealer/market.h"
-#include "dealer/market_request.h"
+#include "dealer/outcome_log.h"
+#include "dealer/trade_execution.h"
+#include "dealer/trade_request.h"
+#include "dealer/trade_rules.h"
 #include "dealer/trading_account.h"
+#include "sessions/contract/entry_order.h"
+#include "sessions/contract/requote.h"
 
 namespace tutti {
 
-// Takes market orders and closes, and answers each one exactly once after the execution latency.
+// Takes requests and brings each one to its end.
 //
-// A request passes two gates: `open` and `close` answer a request code at once, `run` decides the result when
-// the request is due and tells it to the session that is then logged in on the account.
+// The operations answer a request code at once. A taken request gets the next order number and is executed
+// after the latency; a market order or close may on its way become pending, and there be requoted. Answers go
+// to the session that is then logged in on the account.
 class OrderDesk {
  public:
-  // Keeps references to both.
-  OrderDesk(const DealerConfig& config, const Market& market);
+  // Keeps references to all three.
+  OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults);
 
-  // A symbol that the account does not carry, or that has no price, is given as nothing or answers
-  // request::invalid_price. A taken request gets the next order number.
+  // A symbol that the account does not carry is given as nothing.
   std::int32_t open(TradingAccount& account, std::int32_t side, std::optional<std::size_t> symbol,
                     double amount, TimePoint now);
   std::int32_t close(TradingAccount& account, std::int64_t ticket, double amount, TimePoint now);
+  std::int32_t place(TradingAccount& account, const EntryOrder& order, std::optional<std::size_t> symbol,
+                     TimePoint now);
+  // `kind` is TradeKind::cancel_entry or cancel_stops.
+  std::int32_t cancel(TradingAccount& account, TradeKind kind, std::int64_t order, TimePoint now);
+  // `order` as in OrderTimer.
+  std::int32_t accept_requote(TradingAccount& account, std::int64_t order, TimePoint now);
+  std::int32_t reject_requote(TradingAccount& account, std::int64_t order, TimePoint now);
 
   std::optional<TimePoint> next_due() const;
-  // Executes what is due at `at` or before.
+  // Does what is due at `at` or before.
   void run(TimePoint at);
 
-  std::size_t in_flight() const { return requests_.size(); }
-  std::vector<MarketRequest> requests() const;
+  std::size_t in_flight() const { return flights_.size(); }
+  std::vector<TradeRequest> requests() const;
   // Takes a request up again that an earlier run had taken.
-  void resume(TradingAccount& account, const MarketRequest& request, TimePoint now);
+  void resume(TradingAccount& account, const TradeRequest& request, TimePoint now);
 
+  std::int64_t take_number() { return next_number_++; }
   std::int64_t next_number() const { return next_number_; }
   void set_next_number(std::int64_t number) { next_number_ = number; }
-  // Grows with every request taken or answered.
+  // Grows with every request taken or brought further.
   std::uint64_t revision() const { return revision_; }
+  const std::vector<Outcome>& outcomes() const { return log_.all(); }
 
  private:
-  struct InFlight {
+  struct Flight {
     TradingAccount* account = nullptr;
-    MarketRequest request;
+    TradeRequest request;
+    Mishap mishap;
+    // Counts while the request is requoted.
+    bool requoted = false;
+    double new_price = 0.0;
+    std::int16_t seconds_left = 0;
+    TimePoint deadline{};  // from here on the new price can't be accepted
   };
+  using Flights = std::multimap<TimePoint, Flight>;
 
-  void take(TradingAccount& account, MarketRequest request, TimePoint now);
-  void execute_open(TradingAccount& account, const MarketRequest& request, TimePoint at);
-  void execute_close(TradingAccount& account, const MarketRequest& request);
-  std::int32_t judge_open(const TradingAccount& account, const MarketRequest& request,
-                          std::size_t symbol) const;
-  // What the state of the symbol allows, whatever the order.
-  std::int32_t trading_result(const TradingAccount& account, std::size_t symbol) const;
-  bool tradable(double amount) const;
+  // Refuses the request or sends it on its way.
+  std::int32_t admit(TradingAccount& account, TradeRequest request, std::int32_t code, FaultPoint point,
+                     TimePoint now);
+  std::chrono::milliseconds latency(const TradeRequest& request) const;
+  // What the request says of itself is filled in.
+  void log(const TradeRequest& request, Outcome outcome, TimePoint at);
+  // The price agreed on, or else the market's.
+  double price(const TradeRequest& request) const;
+  // The dealer's last word.
+  std::int32_t verdict(const Flight& flight) const;
+
+  // Stations of a request.
+  void arrive(Flight flight, TimePoint at);
+  void enter_dealing(Flight flight, std::chrono::milliseconds wait, TimePoint at);
+  void deal(Flight flight, TimePoint at);
+  void tick(Flight flight, TimePoint at);
+  Flights::iterator find_requote(const TradingAccount& account, std::int64_t order);
+  std::int32_t no_requote(const TradingAccount& account, std::int64_t order) const;
+  void leave_dealing(Flights::iterator at, TradeRequest::Stage stage, TimePoint now);
+  void finish(const Flight& flight, std::int32_t result, TimePoint at);
+
+  // What the fault script sends behind an answer.
+  void tell_unknown(TradingAccount& account, OrderReport report, TimePoint at);
 
   const DealerConfig& config_;
+  FaultScript& faults_;
+  TradeRules rules_;
+  TradeExecution execution_;
   const Market& market_;
-  std::multimap<TimePoint, InFlight> requests_;
+  AnswerDesk answers_;
+  OutcomeLog log_;
+  Flights flights_;
   std::int64_t next_number_;
   std::uint64_t revision_ = 0;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -24,7 +25,11 @@ struct SymbolConfig {
   double volatility = 4.0;  // points, about the standard deviation of one move
   std::string base;         // currency or thing that is bought, "EUR"; margin is counted in it
   std::string profit;       // currency in which profit arises, "USD"
+  double swap_long = 0.0;   // points that a bought lot earns per night; below 0 it pays
+  double swap_short = 0.0;
+  double commission = 0.0;  // account currency per lot and side; both sides are charged at opening
   Trading trading = Trading::open;
+  std::chrono::milliseconds dealing{0};  // as in AccountConfig; the longer of the two counts
 };
 
 }  // namespace tutti

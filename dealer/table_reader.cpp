@@ -23,6 +23,19 @@ void TableReader::require(std::string_view key) {
   if (!has(key)) complain(key, "is missing");
 }
 
+void TableReader::any_number(std::string_view key, double& value) {
+  const toml::node* node = take(key);
+  if (node == nullptr) return;
+  if (!node->is_number()) return complain(key, "must be a number");
+  value = *node->value<double>();
+}
+
+void TableReader::seconds(std::string_view key, std::chrono::milliseconds& value, double low, double high) {
+  double count = std::chrono::duration<double>(value).count();
+  number(key, count, low, high);
+  value = std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(count));
+}
+
 void TableReader::number(std::string_view key, double& value, double low, double high) {
   const toml::node* node = take(key);
   if (node == nullptr) return;
@@ -45,6 +58,23 @@ void TableReader::integer(std::string_view key, std::int32_t& value, std::int32_
   std::int64_t wide = value;
   integer(key, wide, std::int64_t{low}, std::int64_t{high});
   value = static_cast<std::int32_t>(wide);
+}
+
+void TableReader::integers(std::string_view key, std::vector<std::int32_t>& value, std::int32_t low,
+                           std::int32_t high) {
+  const toml::node* node = take(key);
+  if (node == nullptr) return;
+  value.clear();
+  const auto add = [&](const toml::node& one) {
+    const auto* found = one.as_integer();
+    const bool fits = found != nullptr && found->get() >= low && found->get() <= high;
+    if (fits) value.push_back(static_cast<std::int32_t>(found->get()));
+    return fits;
+  };
+  const toml::array* array = node->as_array();
+  const bool fits =
+      array == nullptr ? add(*node) : !array->empty() && std::all_of(array->begin(), array->end(), add);
+  if (!fits) complain(key, fmt::format("must be a whole number from {} to {}, or a list of them", low, high));
 }
 
 void TableReader::flag(std::string_view key, bool& value) {

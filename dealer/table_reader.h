@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,7 +10,16 @@
 
 #include <toml++/toml.h>
 
+#include "sessions/contract/codes.h"
+
 namespace tutti {
+
+// One of the words that a key may hold, and what it stands for.
+template <class Value>
+struct Word {
+  std::string_view text;
+  Value value;
+};
 
 // Takes the known keys out of one TOML table. Each call leaves the target as it is when the key is missing;
 // the first value that does not fit, and a key that nobody asked for, become the fault.
@@ -17,6 +28,8 @@ class TableReader {
   // `fault` collects over all tables of one file; once it is set, nothing more is read.
   TableReader(const toml::table& table, std::optional<std::string>& fault) : table_(table), fault_(fault) {}
 
+  // Any number, infinite ones and nan included.
+  void any_number(std::string_view key, double& value);
   // A finite number within the range.
   void number(std::string_view key, double& value, double low, double high);
   void integer(std::string_view key, std::int64_t& value, std::int64_t low, std::int64_t high);
@@ -24,6 +37,10 @@ class TableReader {
   void flag(std::string_view key, bool& value);
   void text(std::string_view key, std::string& value);
   void texts(std::string_view key, std::vector<std::string>& value);
+  // One whole number, or a list of them.
+  void integers(std::string_view key, std::vector<std::int32_t>& value, std::int32_t low, std::int32_t high);
+  // A number of seconds, fractions allowed.
+  void seconds(std::string_view key, std::chrono::milliseconds& value, double low, double high);
   // The tables of an array of tables; none when the key is missing.
   std::vector<const toml::table*> tables(std::string_view key);
 
@@ -32,6 +49,14 @@ class TableReader {
   void require(std::string_view key);
   // Faults with the line of a key, or of the table when it has no such key.
   void complain(std::string_view key, std::string_view why);
+  // Faults because the key holds none of the words.
+  template <class Value, std::size_t count>
+  void complain_of_word(std::string_view key, const Word<Value> (&words)[count]) {
+    std::string list;
+    for (const Word<Value>& word : words)
+      list.append(list.empty() ? "must be \"" : ", \"").append(word.text).append("\"");
+    complain(key, list);
+  }
   // Last of all: any key that was not asked for is a fault.
   void finish();
 
@@ -41,6 +66,26 @@ class TableReader {
   const toml::table& table_;
   std::optional<std::string>& fault_;
   std::vector<std::string_view> taken_;
+};
+
+// The value that the word under a key stands for; `missing` when there is no such key.
+template <class Value, std::size_t count>
+Value read_word(TableReader& reader, std::string_view key, const Word<Value> (&words)[count], Value missing) {
+  std::string text;
+  reader.text(key, text);
+  if (!reader.has(key)) return missing;
+  for (const Word<Value>& word : words)
+    if (word.text == text) return word.value;
+  reader.complain_of_word(key, words);
+  return missing;
+}
+
+// The words for operation:: codes.
+inline constexpr Word<std::int32_t> side_words[] = {
+    {"buy", operation::buy},
+    {"sell", operation::sell},
+    {"buy_stop", operation::buy_stop},
+    {"sell_stop", operation::sell_stop},
 };
 
 // Parses a file; the error names the line.

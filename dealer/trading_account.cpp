@@ -1,6 +1,8 @@
 #include "dealer/trading_account.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include "core/numbers.h"
 #include "sessions/contract/codes.h"
@@ -37,11 +39,36 @@ std::optional<std::size_t> TradingAccount::symbol_of_id(std::int32_t id) const {
   return static_cast<std::size_t>(at - ids_.begin());
 }
 
-TradingAccount::Position* TradingAccount::find_position(std::int64_t ticket) {
+const TradingAccount::Position* TradingAccount::find_position(std::int64_t ticket) const {
   const auto at = std::lower_bound(
       positions_.begin(), positions_.end(), ticket,
       [](const Position& position, std::int64_t key) { return position.record.ticket < key; });
   return at == positions_.end() || at->record.ticket != ticket ? nullptr : &*at;
+}
+
+TradingAccount::Position* TradingAccount::find_position(std::int64_t ticket) {
+  const Position* found = std::as_const(*this).find_position(ticket);
+  return found == nullptr ? nullptr : &positions_[static_cast<std::size_t>(found - positions_.data())];
+}
+
+const PendingOrder* TradingAccount::find_order(std::int64_t order) const {
+  const auto at = std::find_if(orders_.begin(), orders_.end(),
+                               [&](const PendingOrder& other) { return other.order == order; });
+  return at == orders_.end() ? nullptr : &*at;
+}
+
+const PendingOrder& TradingAccount::add_order(PendingOrder order) {
+  order.account = config_.number;
+  const auto symbol = market_.find(order.symbol);
+  order.symbol_id = symbol ? ids_[*symbol] : 0;
+  const auto at =
+      std::upper_bound(orders_.begin(), orders_.end(), order.order,
+                       [](std::int64_t key, const PendingOrder& other) { return key < other.order; });
+  return *orders_.insert(at, std::move(order));
+}
+
+void TradingAccount::remove_order(std::int64_t order) {
+  std::erase_if(orders_, [&](const PendingOrder& other) { return other.order == order; });
 }
 
 bool TradingAccount::opposed(std::size_t symbol, std::int32_t side) const {
@@ -84,10 +111,12 @@ bool TradingAccount::revalue() {
   return changed;
 }
 
-double TradingAccount::free_margin_with(std::size_t symbol, double amount) const {
+double TradingAccount::free_margin_with(std::size_t symbol, std::int32_t side, double amount,
+                                        double price) const {
   const Quote& quote = market_.quote(symbol);
-  const double loss = profit(symbol, operation::buy, amount, quote.ask, quote.bid);
-  return summary().free_margin + loss - margin(symbol, amount);
+  const double closing = side == operation::buy ? quote.bid : quote.ask;
+  return summary().free_margin + profit(symbol, side, amount, price, closing) - margin(symbol, amount) -
+         commission(symbol, amount);
 }
 
 double TradingAccount::profit(std::size_t symbol, std::int32_t side, double amount, double from,
@@ -117,17 +146,39 @@ void TradingAccount::open(OpenPosition position, std::size_t symbol) {
   positions_.insert(at, Position{std::move(position), symbol});
 }
 
-bool TradingAccount::close(Position& position, double amount) {
+bool TradingAccount::close(Position& position, double amount, double price) {
   OpenPosition& record = position.record;
-  balance_ += profit(position.symbol, record.side, amount, record.open_price, record.current_price);
+  const double share = std::min(amount / record.amount, 1.0);
+  const double commission = record.commission * share;
+  const double interest = record.interest * share;
+  balance_ += profit(position.symbol, record.side, amount, record.open_price, price) + commission + interest;
+  record.commission -= commission;
+  record.interest -= interest;
   record.amount = round_half_even(record.amount - amount, amount_decimals);
   if (record.amount > 0.0) return false;
   positions_.erase(positions_.begin() + (&position - positions_.data()));
   return true;
 }
 
+void TradingAccount::roll_over(int nights) {
+  for (Position& position : positions_) {
+    OpenPosition& record = position.record;
+    const SymbolConfig& symbol = market_.symbol(position.symbol);
+    const double points = record.side == operation::buy ? symbol.swap_long : symbol.swap_short;
+    // A night's points are worth as much as a move of the price by them in the position's favour.
+    record.interest += nights * profit(position.symbol, operation::buy, record.amount, 0.0,
+                                       points / std::pow(10.0, symbol.digits));
+  }
+}
+
+double TradingAccount::commission(std::size_t symbol, double amount) const {
+  return 2.0 * market_.symbol(symbol).commission * amount;
+}
+
 BookState::Account TradingAccount::state() const {
-  BookState::Account state{config_.number, balance_, credit_, {}};
+  BookState::Account state{config_.number, balance_, credit_, {}, {}};
+  for (const PendingOrder& order : orders_)
+    if (order.kind == "LO" || order.kind == "ST") state.orders.push_back(order);
   for (const Position& position : positions_)
     state.positions.push_back(position.record);
   return state;
@@ -136,11 +187,16 @@ BookState::Account TradingAccount::state() const {
 bool TradingAccount::restore(const BookState::Account& state) {
   for (const OpenPosition& position : state.positions)
     if (!market_.find(position.symbol)) return false;
+  for (const PendingOrder& order : state.orders)
+    if (!market_.find(order.symbol)) return false;
   balance_ = state.balance;
   credit_ = state.credit;
   positions_.clear();
   for (const OpenPosition& position : state.positions)
     open(position, *market_.find(position.symbol));
+  orders_.clear();
+  for (const PendingOrder& order : state.orders)
+    add_order(order);
   revalue();
   return true;
 }

@@ -11,6 +11,7 @@
 #include "dealer/rate_table.h"
 #include "sessions/contract/account_summary.h"
 #include "sessions/contract/open_position.h"
+#include "sessions/contract/pending_order.h"
 
 namespace tutti {
 
@@ -39,27 +40,40 @@ class TradingAccount {
   const std::vector<Position>& positions() const { return positions_; }
   std::vector<Position>& positions() { return positions_; }
   Position* find_position(std::int64_t ticket);
+  const Position* find_position(std::int64_t ticket) const;
   bool opposed(std::size_t symbol, std::int32_t side) const;  // holds a position on the other side
 
-  // As of the last revalue().
+  // What waits, in order of order numbers: entry orders, SL/TP, and what is in dealing.
+  const std::vector<PendingOrder>& orders() const { return orders_; }
+  const PendingOrder* find_order(std::int64_t order) const;
+  // `order` carries all but the account and the symbol's number.
+  const PendingOrder& add_order(PendingOrder order);
+  void remove_order(std::int64_t order);
+
+  // As of the last revalue(). The floating profit has commission and interest in it.
   AccountSummary summary() const;
   // Values all positions at the market's present prices; true when a value changed.
   bool revalue();
-  // Free margin that is left once `amount` lots more are open, the spread they lose at once included.
-  double free_margin_with(std::size_t symbol, double amount) const;
+  // Free margin that is left once `amount` lots more are open at a price; what they lose at once, and their
+  // commission, are taken off.
+  double free_margin_with(std::size_t symbol, std::int32_t side, double amount, double price) const;
   // Profit in account currency of `amount` lots between two prices.
   double profit(std::size_t symbol, std::int32_t side, double amount, double from, double to) const;
   // Whether every rate that margin and profit of the symbol need is known.
   bool rates_known(std::size_t symbol) const;
 
-  // Both leave the values to the next revalue().
+  // The three leave the values to the next revalue().
   void open(OpenPosition position, std::size_t symbol);
-  // Closes `amount` lots of a position at its current price and books the profit; true when nothing is left
-  // of it, so that it is gone.
-  bool close(Position& position, double amount);
+  // Closes `amount` lots of a position and books their profit and their share of commission and interest;
+  // true when nothing is left of it, so that it is gone.
+  bool close(Position& position, double amount, double price);
+  // Credits or charges interest for so many nights, to every position.
+  void roll_over(int nights);
+  // Of opening and closing; account currency, above or equal 0.
+  double commission(std::size_t symbol, double amount) const;
 
   BookState::Account state() const;
-  // False, and nothing changed, when a position is in a symbol that does not exist.
+  // False, and nothing changed, when a position or order is in a symbol that does not exist.
   bool restore(const BookState::Account& state);
 
   // The session that is logged in on this account, at most one.
@@ -80,6 +94,7 @@ class TradingAccount {
   std::vector<std::int32_t> ids_;  // by place in the market
   std::vector<std::size_t> carried_;
   std::vector<Position> positions_;
+  std::vector<PendingOrder> orders_;
   DealerSession* session_ = nullptr;
 };
 

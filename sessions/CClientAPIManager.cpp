@@ -1,6 +1,7 @@
 #include "sessions/CClientAPIManager.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <utility>
 
@@ -23,12 +24,15 @@ constexpr int control_connected = 100026;
 constexpr int first_trade_control = 100017;
 constexpr int last_trade_control = 100020;
 
-// x - x is 0 for finite numbers only.
-bool finite(const AccountSummary& s) {
-  return (s.balance - s.balance) + (s.floating_pl - s.floating_pl) + (s.credit - s.credit) +
-             (s.equity - s.equity) + (s.used_margin - s.used_margin) + (s.margin_level - s.margin_level) +
-             (s.free_margin - s.free_margin) ==
-         0.0;
+// Values beyond this are no account of anyone, and would wipe out the other accounts' share of the totals.
+constexpr double largest_value = 1e15;
+
+// False for values that are no numbers, too.
+bool usable(const AccountSummary& s) {
+  return std::fabs(s.balance) < largest_value && std::fabs(s.floating_pl) < largest_value &&
+         std::fabs(s.credit) < largest_value && std::fabs(s.equity) < largest_value &&
+         std::fabs(s.used_margin) < largest_value && std::fabs(s.margin_level) < largest_value &&
+         std::fabs(s.free_margin) < largest_value;
 }
 
 // Runs one statement of a handler that goes on with the next one whatever happens.
@@ -53,7 +57,7 @@ CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const Lo
       options_(options),
       account_(login.account),
       user_(login.user),
-      password_(login.password) {
+      password_(login.password.copy()) {
   client_->set_sink(this);
   client_->SetLoginData(login);
 }
@@ -70,28 +74,13 @@ void CClientAPIManager::shut_down() {
   journal_unanswered();
 }
 
-void CClientAPIManager::Summary(std::int32_t account, AccountSummary& out) {
-  SummaryAnswer answer;
-  try {
-    answer = client_->GetAccountSummary(account);
-  } catch (const std::exception&) {
-    answer.result = result::failed;
-  }
-  if (answer.result == result::succeeded) {
-    out = answer.values;
-    return;
-  }
-  out = {.floating_pl = out.floating_pl};
-  general_.totals.floating_pl = 0.0;
-}
-
 std::string CClientAPIManager::SummaryDesc(double balance, double equity, double effective_margin) const {
   return "Balance: " + summary_text(balance) + "  Equity: " + summary_text(equity) +
          "  EffMargin: " + summary_text(effective_margin);
 }
 
 void CClientAPIManager::CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
-  if (!finite(reported)) {
+  if (!usable(reported)) {
     log("The server sent account values that are no numbers; they are not shown");
     return;
   }
@@ -99,8 +88,8 @@ void CClientAPIManager::CLAPICLASS_SummariesChanged(const AccountSummary& report
                    reported.equity,     reported.used_margin * -1.0, reported.margin_level * 100.0,
                    reported.free_margin};
   general_.totals.replace(summary_, now);
-  desk_.status->totals_changed(TotalsForm::summaries_changed);
   summary_ = now;
+  desk_.status->totals_changed(TotalsForm::summaries_changed);
   if (row_ != nullptr) desk_.accounts->refresh_summary(*row_);
 }
 

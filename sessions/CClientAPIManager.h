@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -37,7 +38,7 @@ class CClientAPIManager final : public CLAPICLASS {
   void key(std::int16_t number) { key_ = number; }
   std::int32_t account() const { return account_; }
   const std::string& user() const { return user_; }
-  const std::string& password() const { return password_; }
+  const Secret& password() const { return password_; }
   // Trimmed, upper-cased user name and account number.
   std::string duplicate_key() const { return account_key(user_, account_); }
 
@@ -47,7 +48,15 @@ class CClientAPIManager final : public CLAPICLASS {
 
   // Asks the server for an account's seven values. When it does not answer with success, six of them become
   // 0, `out.floating_pl` keeps what the caller had in it, and the global floating total becomes 0.
-  void Summary(std::int32_t account, AccountSummary& out);
+  void Summary(std::int32_t account, AccountSummary& out) {
+    const SummaryAnswer answer = ask_summary(account);
+    if (answer.result == result::succeeded) {
+      out = answer.values;
+      return;
+    }
+    out = {.floating_pl = out.floating_pl};
+    general_.totals.floating_pl = 0.0;
+  }
   std::string SummaryDesc(double balance, double equity, double effective_margin) const;
   // What the session last added to the totals, in the terminal's signs; zeros while disconnected.
   const Totals& summary() const { return summary_; }
@@ -117,6 +126,14 @@ class CClientAPIManager final : public CLAPICLASS {
 
  private:
   void CLAPICLASS_SummariesChanged(const AccountSummary& reported);
+  // The library's answer; a failed one when it raised an error.
+  SummaryAnswer ask_summary(std::int32_t account) const {
+    try {
+      return client_->GetAccountSummary(account);
+    } catch (const std::exception&) {
+      return {.values = {}, .result = result::failed};
+    }
+  }
 
   // Takes the session's values out of the global totals and shows the totals line.
   void release_totals();
@@ -155,7 +172,7 @@ class CClientAPIManager final : public CLAPICLASS {
   SentOrder last_order_;
   tsl::robin_map<std::int64_t, SentOrder> requests_;  // closes and cancels, by ticket or order
   std::string user_;
-  std::string password_;
+  Secret password_;
 };
 
 }  // namespace tutti

@@ -22,8 +22,10 @@ constexpr std::string_view alert = "\\sounds\\Alert.wav";
 }  // namespace
 
 void CClientAPIManager::note_sent(const SentOrder& order) {
+  const std::uint32_t serial = last_order_.serial + 1;
   last_order_ = order;
-  if (order.outcome == SentOrder::Outcome::waiting) waiting_.push_back(order);
+  last_order_.serial = serial;
+  if (order.outcome == SentOrder::Outcome::waiting) waiting_.push_back(last_order_);
 }
 
 void CClientAPIManager::settle_order(const OrderReport& report, SentOrder::Outcome outcome) {
@@ -37,7 +39,7 @@ void CClientAPIManager::settle_order(const OrderReport& report, SentOrder::Outco
     });
   }
   if (at == waiting_.end()) return;
-  const bool last = at + 1 == waiting_.end();
+  const bool last = at->serial == last_order_.serial;
   at->number = report.number;
   at->outcome = outcome;
   if (report.result != 0) at->result_code = report.result;
@@ -88,7 +90,8 @@ void CClientAPIManager::journal_unanswered() {
     journal_unknown(std::string{"Order "} + (order.side > 0 ? "BUY " : "SELL ") + number_text(order.amount) +
                     " " + (order.symbol == no_symbol ? "" : symbols_.entry(order.symbol).name));
   }
-  if (!waiting_.empty()) last_order_.outcome = SentOrder::Outcome::unknown;
+  if (!waiting_.empty() && waiting_.back().serial == last_order_.serial)
+    last_order_.outcome = SentOrder::Outcome::unknown;
   waiting_.clear();
   for (auto at = requests_.begin(); at != requests_.end(); ++at) {
     SentOrder& request = at.value();

@@ -73,11 +73,13 @@ void CClientAPIManagers::RClear(int number) {
   if (session == nullptr) return;
   session->shut_down();
   desk_.requote->session_gone(*session);
-  desk_.remove_account(session->account());
   if (Row* row = session->ClientListItem()) desk_.accounts->remove_client(*row);
   if (current_ == session) current_ = nullptr;
+  const std::int32_t account = session->account();
   sessions_.erase(sessions_.begin() + (number - 1));
   index_accounts();
+  // The same account may still be connected under another user name.
+  if (logged_in(account) == nullptr) desk_.remove_account(account);
   if (current_ == nullptr && !sessions_.empty()) current_ = sessions_.front().get();
 }
 

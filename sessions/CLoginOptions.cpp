@@ -12,17 +12,18 @@ std::string endpoint_text(const Endpoint& endpoint) {
   return endpoint.address + ":" + std::to_string(endpoint.port);
 }
 
-// Address as it stands before the first ":", port as the integer behind it.
-Endpoint read_endpoint(std::string_view text) {
+// Address as it stands before the first ":", port as the integer behind it; nothing without a ":".
+std::optional<Endpoint> read_endpoint(std::string_view text) {
   const auto colon = text.find(':');
-  if (colon == std::string_view::npos) return {};
-  return {std::string{text.substr(0, colon)}, read_integer(text.substr(colon + 1))};
+  if (colon == std::string_view::npos) return std::nullopt;
+  return Endpoint{std::string{text.substr(0, colon)}, read_integer(text.substr(colon + 1))};
 }
 
 }  // namespace
 
 CLoginOptions::CLoginOptions(MGeneral& general, Endpoint own_server)
     : general_(general),
+      records_(general),
       file_name_(general.paths.full("\\manage\\SERVER.BUF")),
       current_(std::move(own_server)) {
   general_.account_file = general_.paths.full("\\Manage\\Acountinfo.buf");
@@ -73,7 +74,10 @@ void CLoginOptions::RoutServer(std::string_view address, std::int32_t port) {
 tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
   const auto lines = general_.files.lines(file_name_);
   if (!lines) return tl::unexpected(lines.error());
-  if (lines->empty()) return {};
+  if (lines->empty()) {
+    table_.clear();
+    return {};
+  }
   const auto line = [&](std::size_t number) {
     return number <= lines->size() ? (*lines)[number - 1] : std::string{};
   };
@@ -91,10 +95,9 @@ tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
     }
   }
   table_ = std::move(table);
-  if (const std::string server = line(2); !server.empty()) {
-    const Endpoint endpoint = read_endpoint(server);
-    CurrentServerIP(std::string{trim(endpoint.address)});
-    CurrentServerPort(endpoint.port);
+  if (const auto endpoint = read_endpoint(line(2))) {
+    CurrentServerIP(std::string{trim(endpoint->address)});
+    CurrentServerPort(endpoint->port);
   }
   ParentDemoAccounts(read_integer(line(3)));
   LoginUnderwlIDs(line(4));
@@ -108,7 +111,9 @@ tl::expected<void, FileError> CLoginOptions::Save() const {
 
 bool CLoginOptions::Servers(const ComboBox& box) {
   if (box.index() < 0) {
-    current_ = read_endpoint(box.text());
+    const auto endpoint = read_endpoint(box.text());
+    if (!endpoint) return false;
+    current_ = *endpoint;
   } else if (box.index() < ServerCount()) {
     current_ = at(box.index() + 1).endpoint;
   } else {
@@ -121,15 +126,10 @@ bool CLoginOptions::Servers(const ComboBox& box) {
 
 tl::expected<void, FileError> CLoginOptions::SetData(std::string_view user, std::string_view password,
                                                      std::int32_t account, bool autoLogin) {
-  return saveAccount({upper(user), upper(password), account, autoLogin});
-}
-
-tl::expected<void, FileError> CLoginOptions::saveAccount(const AccountRecord& record) {
-  const std::string& name = general_.account_file;
-  if (!general_.files.exists(name)) {
-    if (auto made = general_.files.write_line(name, "", TextFile::Mode::create); !made) return made;
-  }
-  return general_.files.write_line(name, encode_record(record), TextFile::Mode::append);
+  std::string text = upper(password);
+  const AccountRecord record{upper(user), text, account, autoLogin};
+  wipe(text);
+  return saveAccount(record);
 }
 
 }  // namespace tutti

@@ -9,7 +9,7 @@
 
 #include "core/MGeneral.h"
 #include "core/combo_box.h"
-#include "sessions/account_record.h"
+#include "sessions/account_records.h"
 #include "sessions/contract/login_data.h"
 
 namespace tutti {
@@ -59,7 +59,8 @@ class CLoginOptions {
   // Appends a record to the account information file; names are upper-cased.
   tl::expected<void, FileError> SetData(std::string_view user, std::string_view password,
                                         std::int32_t account, bool autoLogin);
-  tl::expected<void, FileError> saveAccount(const AccountRecord& record);
+  tl::expected<void, FileError> saveAccount(const AccountRecord& record) { return records_.append(record); }
+  AccountRecords& records() { return records_; }
 
  private:
   struct ServerEntry {
@@ -70,6 +71,7 @@ class CLoginOptions {
   const ServerEntry& at(int index) const { return table_.at(static_cast<std::size_t>(index) - 1); }
 
   MGeneral& general_;
+  AccountRecords records_;
   std::string file_name_;
   std::vector<ServerEntry> table_;
   Endpoint current_;

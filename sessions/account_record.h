@@ -4,16 +4,15 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "core/text_file.h"
+#include "core/secret.h"
 
 namespace tutti {
 
 // One saved account of the account information file. User name and password are in upper case.
 struct AccountRecord {
   std::string user;
-  std::string password;
+  Secret password;
   std::int32_t account = 0;
   bool auto_login = false;
 };
@@ -21,20 +20,16 @@ struct AccountRecord {
 // What tells accounts apart everywhere: the trimmed, upper-cased user name and the account number.
 std::string account_key(std::string_view user, std::int32_t account);
 
-// The reversible encoding of one field; never holds a ",". Nothing when the text was not made by encode.
-std::string encode_field(std::string_view text);
-std::optional<std::string> decode_field(std::string_view text);
-
-// One line of the file: three encoded fields and True or False, with "," between them.
-std::string encode_record(const AccountRecord& record);
-std::optional<AccountRecord> decode_record(std::string_view line);
-
-// Takes every record with one of these keys out of the file; the other lines stay as they are. Nothing is
-// written when none has.
-tl::expected<void, FileError> remove_records(const TextFile& files, std::string_view name,
-                                             const std::vector<std::string>& keys);
-
-// The last record with the key; nothing when none has it or the file can't be read.
-std::optional<AccountRecord> find_record(const TextFile& files, std::string_view name, std::string_view key);
+// One line of the file: user name, password and account number, each encoded, and True or False, with ","
+// between them. An encoded field is "1." and, in URL-safe base64 without padding, a random nonce of 24 bytes
+// and the XChaCha20-Poly1305 of the text, which is padded to a multiple of 32 bytes so that it does not tell
+// its length. Each field is bound to its own name and to what was decoded before it, so that none can be
+// moved within the line or to another one: the account number to the user name, the password to user name,
+// account number and the last field. `key` has KeyFile::key_size bytes.
+std::string encode_record(const AccountRecord& record, const Secret& key);
+// Nothing unless encode_record made exactly this line with this key.
+std::optional<AccountRecord> decode_record(std::string_view line, const Secret& key);
+// True for a line that was a record, though it may be damaged or encoded with another key.
+bool looks_like_record(std::string_view line);
 
 }  // namespace tutti

@@ -53,7 +53,7 @@ void frmaccount::open_edit(const CClientAPIManager& session, bool saved, bool au
   editing_ = true;
   txtaccount.set_text(std::to_string(session.account()));
   txtusername.set_text(session.user());
-  txtpassword.set_text(session.password());
+  txtpassword.set_text(session.password().reveal());
   chkSave.set_checked(saved);
   chkAutoLogin.set_checked(auto_login);
 }

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "sessions/account_record.h"
-#include "sessions/last_by_key.h"
 
 namespace tutti {
 namespace {
@@ -16,7 +15,9 @@ Main::Main(std::filesystem::path application_folder, const MachinePorts& ports, 
     : paths_(std::move(application_folder)),
       ports_(ports),
       server_(std::move(server)),
-      general_(paths_, ports_.clock, ports_.sound, ports_.prompt, messages_) {}
+      general_(paths_, ports_.clock, ports_.sound, ports_.prompt, messages_) {
+  general_.key = KeyFile{ports_.key_file};
+}
 
 Main::~Main() {
   // Sessions write into the windows while they end, so they go while every window still stands.
@@ -96,35 +97,19 @@ void Main::prepare_result_lists() {
 }
 
 tl::expected<void, FileError> Main::load_saved_accounts() {
-  const auto lines = general_.files.lines(general_.account_file);
-  if (!lines) return tl::unexpected(lines.error());
-
-  LastByKey<AccountRecord> records;
-  std::string unreadable;
-  for (std::size_t i = 0; i < lines->size(); ++i) {
-    if ((*lines)[i].empty()) continue;
-    if (auto record = decode_record((*lines)[i])) {
-      std::string key = account_key(record->user, record->account);
-      records.add(std::move(key), std::move(*record));
-    } else {
-      unreadable += (unreadable.empty() ? "" : ", ") + std::to_string(i + 1);
-    }
-  }
-  if (!unreadable.empty()) {
-    general_.log("Account information: skipped unreadable records in lines " + unreadable, no_account);
-  }
-
+  const auto records = accounts_->login_options().records().read_all();
+  if (!records) return tl::unexpected(records.error());
   CClientAPIManagers& sessions = accounts_->sessions();
   const CLoginOptions& options = accounts_->login_options();
-  for (const AccountRecord& record : records.take()) {
+  for (const AccountRecord& record : *records) {
     const std::string key = account_key(record.user, record.account);
     if (accounts_->has_account(key)) {
       if (record.auto_login) accounts_->login_account(key);
       continue;
     }
-    const LoginData login{record.user, record.password, record.account, options.current()};
+    const LoginData login{record.user, record.password.copy(), record.account, options.current()};
     if (sessions.Add(login, "", record.auto_login) == nullptr) break;
-    accounts_->savedListViw(record.user, record.password, record.account);
+    accounts_->savedListViw(record.user, record.password.reveal(), record.account);
   }
   return {};
 }

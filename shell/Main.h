@@ -37,6 +37,7 @@ struct MachinePorts {
   SoundPort& sound;
   LocalePort& locale;
   FileDialog& file_dialog;
+  std::filesystem::path key_file = {};  // key of the account records; empty: where KeyFile looks for it
 };
 
 // What stands behind the trading clients, and the address it answers to.

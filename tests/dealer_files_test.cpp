@@ -50,6 +50,23 @@ balance = 1
 number = 7
 user = "ZOE"
 password = "Z"
+dealing_seconds = 2.5
+[[entry_order]]
+account = 7
+side = "sell_stop"
+symbol = "EURUSD"
+amount = 0.3
+price = 1.05
+[[fault]]
+kind = "requote"
+account = [7, 500101]
+points = -3
+seconds = 9
+[[fault]]
+kind = "garbage"
+account = "all"
+on = ["summary"]
+value = -inf
 )"));
   ASSERT_TRUE(config) << config.error().text();
   EXPECT_EQ(config->symbols[0].trading, Trading::halted);
@@ -58,7 +75,14 @@ password = "Z"
   ASSERT_EQ(config->accounts.size(), 501U);
   EXPECT_EQ(config->accounts[0].balance, 1.0);
   EXPECT_EQ(config->accounts[0].user, "ALDER");
+  EXPECT_EQ(config->accounts.back().dealing, std::chrono::milliseconds{2'500});
+  ASSERT_EQ(config->faults.size(), 2U);
+  EXPECT_EQ(config->faults[0].accounts, (std::vector<std::int32_t>{7, 500101}));
+  EXPECT_EQ(config->faults[0].on, (std::vector{FaultPoint::open, FaultPoint::close}));
+  EXPECT_EQ(config->faults[0].wait, std::chrono::seconds{9});
+  EXPECT_LT(config->faults[1].value, -1e308);
   DealerRig rig(*config);
+  EXPECT_EQ(rig.server.find_account(7)->orders().at(0).operation, operation::sell_stop);
   EXPECT_EQ(rig.server.market().quote(0).bid, 1.0845);
   rig.run(1'499);
   EXPECT_EQ(rig.server.market().quote(0).bid, 1.1);
@@ -86,6 +110,22 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
       {"[[account]]\nnumber = 1\nuser = \"A\"\npassword = \"B\"\nleverage = 0\n", "line 5: leverage"},
       {"[[account]]\nnumber = 1\nuser = \"A\"\npassword = \"B\"\ncurrency = \"XXX\"\n", "to XXX"},
       {"account = 3\n", "line 1: account"},
+      {"[[fault]]\naccount = 500100\n", "line 1: kind is missing"},
+      {"[[fault]]\nkind = \"slow\"\n", "line 2: kind must be"},
+      {"[[fault]]\nkind = \"late\"\n", "line 1: seconds is missing"},
+      {"[[fault]]\nkind = \"late\"\nseconds = -1\n", "line 3: seconds"},
+      {"[[fault]]\nkind = \"twice\"\nseconds = 1\n", "line 3: seconds is not known"},
+      {"[[fault]]\nkind = \"silent\"\naccount = [500100, 9]\n", "line 3: account names 9"},
+      {"[[fault]]\nkind = \"silent\"\naccount = \"some\"\n", "line 3: account"},
+      {"[[fault]]\nkind = \"silent\"\non = [\"open\", \"price\"]\n", "line 3: on can only list"},
+      {"[[fault]]\nkind = \"silent\"\nevery = 0\n", "line 3: every"},
+      {"[[fault]]\nkind = \"refuse\"\ncode = 1\n", "line 3: code"},
+      {"[[fault]]\nkind = \"requote\"\npoints = 1\nseconds = 1.5\n", "line 4: seconds"},
+      {"[[fault]]\nkind = \"garbage\"\nvalue = \"nan\"\n", "line 3: value"},
+      {"[[fault]]\nkind = \"drop\"\nevery = 2\n", "line 3: every is not known"},
+      {"[[entry_order]]\naccount = 9\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\nprice = 1\n",
+       "line 2: account is not configured"},
+      {"[[entry_order]]\naccount = 500100\nside = \"up\"\nsymbol = \"EURUSD\"\namount = 1\n", "line 3: side"},
       {"replay = \"late.csv\"\n", "late.csv: line 2: is earlier"},
       {"replay = \"word.csv\"\n", "word.csv: line 2: "},
       {"replay = \"crossed.csv\"\n", "crossed.csv: line 1: "},
@@ -140,6 +180,61 @@ TEST_F(DealerFiles, TheBookGoesOnWhereItStopped) {
   EXPECT_GT(seat.seen->opened.at(0).ticket, seat.client->OpenPositionItem(3)->ticket);
 }
 
+TEST_F(DealerFiles, WhatWaitsAndWhatIsOwedOutlivesTheProgram) {
+  const auto file = folder_ / "book.toml";
+  DealerConfig config = still_market(3);
+  config.entry_orders = {{500100, operation::sell_stop, "GBPUSD", 0.2, 1.2, 1.3, 0.0, 0},
+                         {500101, operation::buy, "GBPUSD", 0.2, 1.2, 0.0, 0.0, 0}};
+  config.accounts[0].dealing = std::chrono::seconds{60};
+  FaultConfig fault;
+  fault.kind = FaultKind::requote;
+  fault.on = {FaultPoint::open};
+  fault.wait = std::chrono::seconds{30};
+  fault.accounts = {500101};
+  config.faults = {fault};
+  // A saturday noon, whose end costs nothing.
+  const TimePoint start = std::chrono::sys_days{std::chrono::year{2026} / 3 / 7} + std::chrono::hours{12};
+  std::int64_t waiting = 0;
+  {
+    DealerRig rig(config, start);
+    const auto holder = rig.trader(2);
+    DealerRig::send(holder, operation::buy, "EURUSD", 1.0);
+    const auto seat = rig.trader(0);
+    DealerRig::send(seat, operation::buy, "EURUSD", 0.3);
+    const auto requoted = rig.trader(1);
+    DealerRig::send(requoted, operation::buy, "EURUSD", 0.3);
+    rig.run(5'000);
+    EXPECT_EQ(requoted.seen->requotes.size(), 5U);
+    ASSERT_EQ(seat.client->PendingOrderCount(), 2);
+    waiting = seat.client->PendingOrderItem(2)->order;
+    ASSERT_TRUE(rig.server.save_book(file));
+  }
+  config.accounts.erase(config.accounts.begin() + 1);  // keeps its own for a later run
+  config.entry_orders.resize(1);
+  {
+    DealerRig rig(config, start + std::chrono::hours{48});
+    ASSERT_TRUE(rig.server.load_book(file));
+    const auto seat = rig.trader(0);
+    ASSERT_EQ(seat.client->PendingOrderCount(), 2);
+    EXPECT_EQ(seat.client->PendingOrderItem(1)->price, 1.2);
+    EXPECT_EQ(seat.client->PendingOrderItem(1)->operation, operation::sell_stop);
+    EXPECT_EQ(seat.client->PendingOrderItem(2)->order, waiting);
+    rig.run(60'000);
+    EXPECT_EQ(seat.seen->events, (std::vector<std::string>{"accepted 1", "-OP", "opened", "summary"}));
+    EXPECT_EQ(seat.seen->reports.at(0).price, 1.08462);
+    EXPECT_NEAR(rig.trader(1).client->OpenPositionItem(1)->interest, 0.0, 1e-9);  // Saturday and Sunday
+    ASSERT_TRUE(rig.server.save_book(file));
+  }
+  // The new price that nobody had accepted is gone with the program that offered it.
+  DealerRig rig(still_market(3), start + std::chrono::hours{72});
+  ASSERT_TRUE(rig.server.load_book(file));
+  const auto seat = rig.trader(1);
+  EXPECT_EQ(seat.client->PendingOrderCount(), 1);
+  EXPECT_EQ(seat.client->OpenPositionCount(), 0);
+  EXPECT_EQ(rig.server.outcomes().back().result, 0);
+  EXPECT_NEAR(rig.trader(2).client->OpenPositionItem(1)->interest, -6.5, 1e-9);  // Monday
+}
+
 TEST_F(DealerFiles, ADamagedBookChangesNothing) {
   const std::string head = "version = 1\nnext_number = 50\n[[account]]\nnumber = 500100\n";
   const std::string money = head + "balance = 7\ncredit = 0\n";
@@ -156,6 +251,10 @@ TEST_F(DealerFiles, ADamagedBookChangesNothing) {
       {position + "open_time_ms = 1\nsymbol = \"NONE\"\namount = 1\nticket = 5\n", "trades NONE"},
       {money + "[[request]]\nnumber = 3\naccount = 9\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\n",
        "line 9: account"},
+      {money + "[[order]]\nnumber = 3\naccount = 500100\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\n"
+               "price = 1\ntime_ms = 1\nkind = \"OP\"\n",
+       "line 15: kind must be"},
+      {money + "[[request]]\nnumber = 3\naccount = 500100\nkind = \"close\"\n", "line 7: "},
       {money + "oops", "line 7: "},
       {std::string("\0\xff\x01", 3), "line 1: "},
   };

@@ -20,7 +20,9 @@ class DealerRecorder final : public CLAPICLASS {
  public:
   std::vector<std::string> events;  // without prices, floating profits and times
   std::vector<OrderReport> reports;
-  std::vector<OpenPosition> opened, deleted;
+  std::vector<OpenPosition> opened, changed, deleted;
+  std::vector<PendingOrder> orders;
+  std::vector<Requote> requotes;
   std::vector<AccountSummary> summaries;
   int prices = 0;
   int ranges = 0;
@@ -52,19 +54,49 @@ class DealerRecorder final : public CLAPICLASS {
   }
   void NewOrderResult(const OrderReport& report) override { take("order ", report); }
   void CloseOrderResult(const OrderReport& report) override { take("close ", report); }
+  void MarketOrderAccepted(const OrderReport& report) override { take("accepted ", report); }
+  void MarketOrderRejected(const OrderReport& report) override { take("rejected ", report); }
+  void NewLimitOrderResult(std::int64_t order, std::int32_t result) override {
+    note("entry ", order, result);
+  }
+  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result) override {
+    note("cancel ", order, result);
+  }
+  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result) override {
+    note("stops ", order, result);
+  }
+  void NewPendingOrder(const PendingOrder& order) override {
+    events.push_back("+" + order.kind);
+    orders.push_back(order);
+  }
+  void DeletePendingOrder(const PendingOrder& order) override { events.push_back("-" + order.kind); }
+  void OrderTimer(const Requote& requote) override {
+    events.push_back("tick " + std::to_string(requote.seconds_left));
+    requotes.push_back(requote);
+  }
   void NewOpenPosition(const OpenPosition& position) override {
     events.emplace_back("opened");
     opened.push_back(position);
   }
-  void UpdateOpenPosition(const OpenPosition&) override { events.emplace_back("changed"); }
+  void UpdateOpenPosition(const OpenPosition& position) override {
+    events.emplace_back("changed");
+    changed.push_back(position);
+  }
   void DeleteOpenPosition(const OpenPosition& position) override {
     events.emplace_back("deleted");
     deleted.push_back(position);
   }
 
  private:
+  void note(const char* word, std::int64_t order, std::int32_t result) {
+    OrderReport report;
+    report.number = order;
+    report.result = result;
+    take(word, report);
+  }
   void take(const char* word, const OrderReport& report) {
-    events.push_back(word + std::to_string(report.result));
+    const bool pending = report.state == order_state::pending;
+    events.push_back(word + (pending ? "pending" : std::to_string(report.result)));
     reports.push_back(report);
     if (on_report) on_report();
   }
@@ -78,7 +110,8 @@ struct DealerRig {
     std::unique_ptr<ClientAPI> client;
   };
 
-  explicit DealerRig(DealerConfig config) : server(std::move(config), clock) {}
+  explicit DealerRig(DealerConfig config, TimePoint start = ManualClock{}.now())
+      : clock(start), server(std::move(config), clock) {}
 
   // Lets time go by in one piece, then delivers all there is.
   void run(std::int64_t milliseconds) {

@@ -36,7 +36,7 @@ void CJournal::append(std::string_view time, std::string_view message, std::int3
   std::string line = std::string{time} + separator_ + std::string{message};
   std::replace(line.begin(), line.end(), '\n', ' ');
   // Where even the journal can't be written, the row on the screen is what remains.
-  (void)files_.write_line(FileName(id), line, TextFile::Mode::append);
+  (void)files_.write_line(history_file(id), line, TextFile::Mode::append);
 }
 
 void CJournal::vID(std::int32_t id) {
@@ -65,8 +65,11 @@ void CJournal::ClearFile() {
   ClearList();
 }
 
-std::string CJournal::FileName(std::int32_t id) const {
-  return general_.paths.full("\\History\\JN" + std::to_string(id == -1 ? id_ : id) + ".his");
+std::string CJournal::FileName(std::int32_t id) const { return history_file(id == -1 ? id_ : id); }
+
+// Lines that belong to no account have a file of their own, whatever is on show.
+std::string CJournal::history_file(std::int32_t id) const {
+  return general_.paths.full("\\History\\JN" + std::to_string(id) + ".his");
 }
 
 }  // namespace tutti

@@ -34,6 +34,7 @@ class CJournal final : public Journal, public Displayable {
   void ClearList() { window_.lvwJournal.clear(); }
 
  private:
+  std::string history_file(std::int32_t id) const;
   void append(std::string_view time, std::string_view message, std::int32_t id);
   void reload();
 

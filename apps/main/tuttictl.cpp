@@ -3,11 +3,13 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cstdio>
 #include <string>
 
 #include "apps/commands.h"
 #include "apps/terminal.h"
+#include "core/core_dumps.h"
 #include "core/numbers.h"
 #include "core/texts.h"
 
@@ -15,15 +17,18 @@ namespace {
 
 using namespace tutti;
 
-// Text of "all" or "N,N,..."; an error message when it is neither.
-std::string read_accounts(const std::string& text, std::vector<std::int32_t>& out) {
-  if (text == "all") return {};
+// Reads "N,N,..." into `out`; "all" and the empty text leave it empty. Throws what is shown as wrong usage.
+template <class Number>
+void read_numbers(const std::string& option, const std::string& text, std::vector<Number>& out) {
+  if (text.empty() || text == "all") return;
   for (const auto piece : split(text, ",")) {
-    const auto number = parse_int32(piece);
-    if (!number) return "--accounts takes \"all\" or account numbers with commas between them, not " + text;
-    out.push_back(*number);
+    Number number = 0;
+    const auto [end, error] = std::from_chars(piece.data(), piece.data() + piece.size(), number);
+    if (error != std::errc{} || end != piece.data() + piece.size()) {
+      throw CLI::ValidationError(option + " takes numbers with commas between them, not " + text);
+    }
+    out.push_back(number);
   }
-  return {};
 }
 
 std::string check_amount(const std::string& text) {
@@ -48,6 +53,9 @@ int finish(Terminal& terminal, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#ifdef NDEBUG
+  forbid_core_dumps();
+#endif
   CLI::App app{"Trades many client accounts at once, without a screen."};
   app.require_subcommand(1);
   app.fallthrough();
@@ -58,9 +66,14 @@ int main(int argc, char** argv) {
   if (error) options.home = std::filesystem::absolute(argv[0]).parent_path();
   app.add_option("--home", options.home, "Application folder, with the folders manage, History and sounds");
   app.add_option("--dealer", options.dealer_file, "Configuration of the dealing server (TOML)");
+  app.add_option("--key", options.key_file,
+                 "File with the key of the account records, outside the application folder");
   app.add_flag("--fresh", options.fresh, "Start the dealing server's book anew");
   app.add_flag("--yes", options.yes, "Answer questions with yes");
-  app.add_flag("--json", options.json, "Print for machines");
+  bool json = false;
+  bool csv = false;
+  app.add_flag("--json", json, "Print for machines");
+  app.add_flag("--csv", csv, "Print lists as comma-separated values")->excludes("--json");
   app.add_option("--precision", options.precision, "Decimals of shares, for this run")
       ->check(check_precision);
   app.add_option("--timeout", options.timeout, "Seconds to wait for logins, and again for answers")
@@ -81,9 +94,36 @@ int main(int argc, char** argv) {
   const std::map<std::string, int> rules = {{"equal", 0}, {"margin", 1}, {"equity", 2}};
   order->add_option("--rule", order_arguments.rule, "equal, margin (free margin) or equity")
       ->required()
-      ->transform(CLI::CheckedTransformer(rules));
+      ->transform(CLI::CheckedTransformer(rules))
+      ->type_name("equal|margin|equity");
   order->add_option("--accounts", wanted, "all, or account numbers with commas between them");
   order->add_flag("--dry-run", order_arguments.dry_run, "Stop after the shares");
+
+  const std::map<std::string, OrderArguments::Requote> requotes = {
+      {"accept", OrderArguments::Requote::accept},
+      {"reject", OrderArguments::Requote::reject},
+      {"ask", OrderArguments::Requote::ask}};
+  order->add_option("--requote", order_arguments.requote, "accept, reject (the default) or ask")
+      ->transform(CLI::CheckedTransformer(requotes))
+      ->type_name("accept|reject|ask");
+
+  CLI::App* positions = app.add_subcommand("positions", "Show the open positions of all accounts");
+  CLI::App* orders = app.add_subcommand("orders", "Show the pending orders of all accounts");
+  RowsArguments rows;
+  std::string numbers;
+  CLI::App* close = app.add_subcommand("close", "Close positions at the market price");
+  auto* what = close->add_option_group("what");
+  what->add_option("--symbol", rows.symbol, "All positions of a symbol");
+  what->add_option("--ticket", numbers, "Tickets with commas between them");
+  what->require_option(1);
+  close->add_option("--accounts", wanted, "all, or account numbers with commas between them");
+  CLI::App* cancel = app.add_subcommand("cancel", "Cancel pending orders");
+  auto* which = cancel->add_option_group("which");
+  which->add_option("--symbol", rows.symbol, "All pending orders of a symbol");
+  which->add_option("--order", numbers, "Order numbers with commas between them");
+  which->require_option(1);
+  cancel->add_option("--accounts", wanted, "all, or account numbers with commas between them");
+  CLI::App* verify = app.add_subcommand("verify", "Compare the terminal with the dealing server's own books");
 
   CLI::App* journal = app.add_subcommand("journal", "Show the history of one account");
   std::int32_t journal_account = 0;
@@ -93,12 +133,14 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
     order_arguments.buy = !buy.empty();
     order_arguments.symbol = order_arguments.buy ? buy : sell;
-    if (const std::string wrong = read_accounts(wanted, order_arguments.accounts); !wrong.empty()) {
-      throw CLI::ValidationError(wrong);
-    }
+    read_numbers("--accounts", wanted, order_arguments.accounts);
+    rows.accounts = order_arguments.accounts;
+    read_numbers(close->parsed() ? "--ticket" : "--order", numbers, rows.numbers);
   } catch (const CLI::ParseError& parse_error) {
     return app.exit(parse_error) == 0 ? 0 : exit_status::usage;
   }
+  if (json) options.form = OutputForm::json;
+  if (csv) options.form = OutputForm::csv;
 
   const auto terminal = Terminal::open(options);
   if (!terminal) {
@@ -108,6 +150,11 @@ int main(int argc, char** argv) {
   int status = exit_status::all_accepted;
   if (accounts->parsed()) status = accounts_command(**terminal);
   if (order->parsed()) status = order_command(**terminal, order_arguments);
+  if (positions->parsed()) status = positions_command(**terminal);
+  if (orders->parsed()) status = orders_command(**terminal);
+  if (close->parsed()) status = close_command(**terminal, rows);
+  if (cancel->parsed()) status = cancel_command(**terminal, rows);
+  if (verify->parsed()) status = verify_command(**terminal);
   if (journal->parsed()) status = journal_command(**terminal, journal_account);
   return finish(**terminal, status);
 }

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "core/secret.h"
+
 namespace tutti {
 
 // Address of a dealing server. An empty address means the server the program brings along.
@@ -16,9 +18,11 @@ struct Endpoint {
 // The four values a session logs in with.
 struct LoginData {
   std::string user;
-  std::string password;
+  Secret password;
   std::int32_t account = 0;
   Endpoint server;
+
+  LoginData copy() const { return {user, password.copy(), account, server}; }
 };
 
 }  // namespace tutti

@@ -27,7 +27,7 @@ class ScriptedClient final : public ClientAPI {
   std::vector<std::string> sent;  // "side symbol-id amount"
 
   void set_sink(CLAPICLASS* new_sink) override { sink = new_sink; }
-  void SetLoginData(const LoginData& data) override { login_data = data; }
+  void SetLoginData(const LoginData& data) override { login_data = data.copy(); }
   void Login() override { ++logins; }
   int SymbolCount() const override { return static_cast<int>(symbols.size()); }
   const Symbol* SymbolItem(int index) const override { return &symbols[static_cast<std::size_t>(index) - 1]; }

@@ -19,6 +19,7 @@ TemporaryFolder::TemporaryFolder() {
 TemporaryFolder::~TemporaryFolder() {
   std::error_code error;
   fs::remove_all(path_, error);
+  fs::remove(key_file(), error);
 }
 
 void TemporaryFolder::write(const std::string& name, const std::string& content) const {
@@ -37,7 +38,7 @@ TestTerminal::TestTerminal(DealerConfig config)
 TestTerminal::TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder> folder)
     : home(std::move(folder)), server(std::move(config), clock) {
   main = std::make_unique<Main>(
-      home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
+      home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog, home->key_file()},
       ServerSide{[this] { return server.make_client(); }, server, server.config().endpoint});
 }
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/row_list.h"
+#include "dealer/outcome.h"
+
+namespace tutti {
+
+// Compares the journal of this run with what the dealing server says became of each request: nothing is
+// missing, nothing is there twice, nothing was made up.
+class OutcomeCheck {
+ public:
+  struct Difference {
+    std::int32_t account = 0;
+    std::string what;
+  };
+
+  // Reads the live rows of the journal's list.
+  explicit OutcomeCheck(const RowList& journal);
+
+  std::vector<Difference> run(const std::vector<Outcome>& outcomes);
+
+ private:
+  // Account and text of a journal line; an accepted order's line is cut before its details.
+  using Line = std::pair<std::int32_t, std::string>;
+
+  void expect(const Outcome& outcome);
+  // One line more of any of these texts is expected of the account.
+  void expect_line(std::int32_t account, std::vector<std::string> texts);
+
+  std::map<Line, int> journaled_;  // how often, less what was expected
+  std::vector<Difference> differences_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,155 @@
+#include "apps/verification.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <set>
+
+#include "apps/outcome_check.h"
+
+namespace tutti {
+namespace {
+
+constexpr double half_a_cent = 0.005;
+
+}  // namespace
+
+void Verification::differ(std::int32_t account, const std::string& what) {
+  differences_.push_back(account == no_account ? what : fmt::format("account {}: {}", account, what));
+}
+
+void Verification::compare(std::int32_t account, const std::string& what, double shown, double booked,
+                           double tolerance) {
+  // Not "greater than", so that a value that is no number differs too.
+  if (std::fabs(shown - booked) <= tolerance) return;
+  differ(account, fmt::format("{} shows {}, the server has {}", what, shown, booked));
+}
+
+const TradingAccount* Verification::connected(std::int32_t account) const {
+  const CClientAPIManager* session = main_.accounts().sessions().by_account(account);
+  if (session == nullptr || session->ClientListItem() == nullptr) return nullptr;
+  const bool there = session->ClientListItem()->reads(frmMain::state, "Connected");
+  return there ? server_.find_account(account) : nullptr;
+}
+
+void Verification::check_account(const Row& row, const TradingAccount& booked) {
+  const AccountSummary summary = booked.summary();
+  const std::int32_t account = booked.config().number;
+  const auto value = [&](frmMain::Column column, const char* name, double expected) {
+    compare(account, name, row.cell(column).stored_number(), expected, half_a_cent);
+  };
+  value(frmMain::balance, "balance", summary.balance);
+  value(frmMain::floating, "floating profit", summary.floating_pl);
+  value(frmMain::credit, "credit", summary.credit);
+  value(frmMain::equity, "equity", summary.equity);
+  value(frmMain::used_margin, "used margin", -summary.used_margin);
+  value(frmMain::margin_level, "margin level", summary.margin_level * 100.0);
+  value(frmMain::free_margin, "free margin", summary.free_margin);
+}
+
+void Verification::check_totals() {
+  Totals booked;
+  int accounts = 0;
+  for (const Row& row : main_.accounts().lvwClients) {
+    const auto number = static_cast<std::int32_t>(row.cell(frmMain::account).stored_number());
+    const TradingAccount* account = connected(number);
+    if (account == nullptr) continue;
+    check_account(row, *account);
+    const AccountSummary s = account->summary();
+    booked.replace({}, {s.balance, s.floating_pl, s.credit, s.equity, -s.used_margin, s.margin_level * 100.0,
+                        s.free_margin});
+    ++accounts;
+  }
+  const Totals& shown = main_.general().totals;
+  const double tolerance = half_a_cent * (accounts + 1);
+  compare(no_account, "total balance", shown.balance, booked.balance, tolerance);
+  compare(no_account, "total floating profit", shown.floating_pl, booked.floating_pl, tolerance);
+  compare(no_account, "total credit", shown.credit, booked.credit, tolerance);
+  compare(no_account, "total equity", shown.equity, booked.equity, tolerance);
+  compare(no_account, "total used margin", shown.used_margin, booked.used_margin, tolerance);
+  compare(no_account, "total margin level", shown.margin_level, booked.margin_level, tolerance);
+  compare(no_account, "total free margin", shown.free_margin, booked.free_margin, tolerance);
+}
+
+void Verification::check_positions() {
+  const RowList& list = main_.trade().lvwOpenPos;
+  std::set<std::int64_t> booked_tickets;
+  for (const TradingAccount& account : server_.accounts()) {
+    const std::int32_t number = account.config().number;
+    if (connected(number) == nullptr) continue;
+    for (const auto& position : account.positions()) {
+      const OpenPosition& booked = position.record;
+      booked_tickets.insert(booked.ticket);
+      const std::string what = fmt::format("position #{}", booked.ticket);
+      const Row* row = list.find(ticket_key(booked.ticket));
+      if (row == nullptr) {
+        differ(number, what + " is not listed");
+        continue;
+      }
+      compare(number, what + " account", row->cell(frmTrade::account).stored_number(), number, 0.0);
+      compare(number, what + " amount", row->cell(frmTrade::amount).stored_number(), booked.amount, 1e-9);
+      compare(number, what + " open price", row->cell(frmTrade::open_price).stored_number(),
+              booked.open_price, 1e-9);
+      compare(number, what + " current price", row->cell(frmTrade::current_price).stored_number(),
+              booked.current_price, 1e-9);
+      compare(number, what + " profit", row->cell(frmTrade::profit).stored_number(), booked.floating_pl,
+              half_a_cent);
+      const bool side = row->reads(frmTrade::type, booked.side > 0 ? "Buy" : "Sell");
+      if (!side || !row->reads(frmTrade::symbol, booked.symbol))
+        differ(number, what + " side or symbol differs");
+    }
+  }
+  for (const Row& row : list) {
+    if (booked_tickets.contains(row.key().number())) continue;
+    differ(static_cast<std::int32_t>(row.cell(frmTrade::account).stored_number()),
+           fmt::format("position #{} is listed, but the server has none", row.key().number()));
+  }
+}
+
+void Verification::check_orders() {
+  const RowList& list = main_.pending().lvwPending;
+  std::set<std::int64_t> booked_orders;
+  for (const TradingAccount& account : server_.accounts()) {
+    const std::int32_t number = account.config().number;
+    if (connected(number) == nullptr) continue;
+    for (const PendingOrder& booked : account.orders()) {
+      booked_orders.insert(booked.order);
+      const std::string what = fmt::format("order #{}", booked.order);
+      const Row* row = list.find(order_key(booked.order));
+      if (row == nullptr) {
+        differ(number, what + " is not listed");
+        continue;
+      }
+      compare(number, what + " amount", row->cell(frmPending::amount).stored_number(), booked.amount, 1e-9);
+      compare(number, what + " price", row->cell(frmPending::price).stored_number(), booked.price, 1e-9);
+      if (!row->reads(frmPending::type, frmPending::TypeDesc(booked.kind, booked.reference)) ||
+          !row->reads(frmPending::symbol, booked.symbol)) {
+        differ(number, what + " type or symbol differs");
+      }
+    }
+  }
+  for (const Row& row : list) {
+    if (booked_orders.contains(row.key().number())) continue;
+    differ(static_cast<std::int32_t>(row.cell(frmPending::account).stored_number()),
+           fmt::format("order #{} is listed, but the server has none", row.key().number()));
+  }
+}
+
+void Verification::check_outcomes() {
+  // While the history of one account is shown, the live rows are not in the list.
+  if (!main_.journal_window().live()) return;
+  OutcomeCheck check{main_.journal_window().lvwJournal};
+  for (const auto& difference : check.run(server_.outcomes()))
+    differ(difference.account, difference.what);
+}
+
+std::vector<std::string> Verification::run() {
+  differences_.clear();
+  check_totals();
+  check_positions();
+  check_orders();
+  check_outcomes();
+  return std::move(differences_);
+}
+
+}  // namespace tutti

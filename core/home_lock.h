@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+
+#include <tl/expected.hpp>
+
+#include "core/descriptor.h"
+#include "core/file_writer.h"
+
+namespace tutti {
+
+// Keeps a second terminal off an application folder while this object lives. Two on one folder would
+// overwrite each other's files. The operating system lets go of the lock when the process ends, however it
+// ends; the lock's file, which tells the process number, stays.
+class HomeLock {
+ public:
+  // Makes the folder when it is missing. The error names the process that has the folder.
+  static tl::expected<HomeLock, FileError> take(const std::filesystem::path& home);
+
+ private:
+  explicit HomeLock(Descriptor file) : file_(std::move(file)) {}
+
+  Descriptor file_;
+};
+
+}  // namespace tutti

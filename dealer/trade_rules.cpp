@@ -1,0 +1,171 @@
+#include "dealer/trade_rules.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/numbers.h"
+#include "sessions/contract/codes.h"
+
+namespace tutti {
+namespace {
+
+// Amounts closer than this are the same; it lies below anything an operator can type.
+constexpr double tolerance = 1e-9;
+
+// A stop loss below and a take profit above the price of a bought order; the other way round for a sold one.
+bool fits(const EntryOrder& order) {
+  const double side = order.side;
+  const auto away = [&](bool given, double price, double direction) {
+    return !given || (std::isfinite(price) && price > 0.0 && (price - order.price) * side * direction > 0.0);
+  };
+  return away(order.has_stop_loss, order.stop_loss, -1.0) &&
+         away(order.has_take_profit, order.take_profit, 1.0);
+}
+
+bool is_side(std::int32_t side) {
+  return side == operation::buy || side == operation::sell;
+}
+
+}  // namespace
+
+std::int32_t TradeRules::admit_open(const TradingAccount& account, std::int32_t side,
+                                    std::optional<std::size_t> symbol, double amount) const {
+  if (account.config().reply_request > request::taken) return account.config().reply_request;
+  if (!account.config().privilege) return request::no_privilege;
+  if (!is_side(side)) return request::silent;
+  if (!orderable(amount)) return request::invalid_lots;
+  if (!symbol || !market_.quote(*symbol).known() || !account.rates_known(*symbol))
+    return request::invalid_price;
+  return request::taken;
+}
+
+std::int32_t TradeRules::admit_close(const TradingAccount& account, std::int64_t ticket,
+                                     double amount) const {
+  if (account.config().reply_close_request > request::taken) return account.config().reply_close_request;
+  if (!account.config().privilege) return request::no_privilege;
+  const TradingAccount::Position* position = account.find_position(ticket);
+  if (position == nullptr) return request::invalid_ticket;
+  const bool within = std::isfinite(amount) && amount > 0.0 && amount <= position->record.amount + tolerance;
+  return within ? request::taken : request::invalid_lots;
+}
+
+std::int32_t TradeRules::admit_entry(const TradingAccount& account, const EntryOrder& order,
+                                     std::optional<std::size_t> symbol) const {
+  if (!account.config().privilege) return request::no_privilege;
+  if (!is_side(order.side)) return request::silent;
+  if (!orderable(order.amount)) return request::invalid_lots;
+  if (!symbol || !market_.quote(*symbol).known()) return request::invalid_price;
+  if (!std::isfinite(order.price) || order.price <= 0.0 || !fits(order)) return request::invalid_price;
+  // A buy limit and a sell stop lie below the market, the other two above it.
+  const SymbolConfig& config = market_.symbol(*symbol);
+  const Quote& quote = market_.quote(*symbol);
+  const bool limit = order.kind == EntryKind::limit;
+  const double distance =
+      (limit ? config.limit_distance : config.stop_distance) / std::pow(10.0, config.digits);
+  const double market = order.side == operation::buy ? quote.ask : quote.bid;
+  const double gap = (order.price - market) * (limit ? -order.side : order.side);
+  return gap >= distance - tolerance ? request::taken : request::invalid_price;
+}
+
+std::int32_t TradeRules::admit_cancel(const TradingAccount& account, std::int64_t order,
+                                      std::string_view kind) const {
+  if (!account.config().privilege) return request::no_privilege;
+  const PendingOrder* found = account.find_order(order);
+  return found != nullptr && found->kind == kind ? request::taken : request::invalid_order_id;
+}
+
+std::int32_t TradeRules::judge(const TradingAccount& account, const TradeRequest& request,
+                               double price) const {
+  switch (request.kind) {
+    case TradeKind::open:
+      return judge_open(account, request, price);
+    case TradeKind::close:
+      return judge_close(account, request);
+    case TradeKind::entry:
+      if (const auto code = judge_symbol(account, place(request)); code != result::succeeded) return code;
+      return tradable(request.amount) ? result::succeeded : result::invalid_amount;
+    case TradeKind::cancel_entry:
+    case TradeKind::cancel_stops:
+      break;
+  }
+  return account.find_order(request.reference) != nullptr ? result::succeeded : result::order_not_found;
+}
+
+std::int32_t TradeRules::judge_open(const TradingAccount& account, const TradeRequest& request,
+                                    double price) const {
+  const std::size_t symbol = place(request);
+  if (const auto code = judge_symbol(account, symbol); code != result::succeeded) return code;
+  if (!account.config().hedging && account.opposed(symbol, request.operation))
+    return result::hedging_not_allowed;
+  if (!tradable(request.amount)) return result::invalid_amount;
+  return account.free_margin_with(symbol, request.operation, request.amount, price) < 0.0
+             ? result::not_enough_money
+             : result::succeeded;
+}
+
+std::int32_t TradeRules::judge_close(const TradingAccount& account, const TradeRequest& request) const {
+  const TradingAccount::Position* position = account.find_position(request.reference);
+  if (position == nullptr) return result::position_closed;
+  // While one close of a position is in dealing, another can't be.
+  if (request.stage == TradeRequest::Stage::sent && account.find_order(request.reference) != nullptr)
+    return result::position_pending;
+  if (const auto code = judge_symbol(account, place(request)); code != result::succeeded) return code;
+  const double rest = position->record.amount - request.amount;
+  const bool fits = rest >= -tolerance && (rest <= tolerance || tradable(request.amount));
+  return fits ? result::succeeded : result::invalid_amount;
+}
+
+std::int32_t TradeRules::judge_symbol(const TradingAccount& account, std::size_t symbol) const {
+  switch (market_.symbol(symbol).trading) {
+    case Trading::closed:
+      return result::trading_closed;
+    case Trading::halted:
+      return result::market_conditions;
+    case Trading::open:
+      break;
+  }
+  // A request from an earlier run may come due before its symbol has a price in this one.
+  const bool priced = market_.quote(symbol).known() && account.rates_known(symbol);
+  return priced ? result::succeeded : result::market_conditions;
+}
+
+std::int32_t TradeRules::configured_result(const TradingAccount& account, TradeKind kind) {
+  const AccountConfig& config = account.config();
+  if (kind == TradeKind::open && config.reply_result > result::succeeded) return config.reply_result;
+  if (kind == TradeKind::close && config.reply_close_result > result::succeeded)
+    return config.reply_close_result;
+  return 0;
+}
+
+bool TradeRules::buys(const TradeRequest& request) {
+  return (request.kind == TradeKind::close) != (request.operation == operation::buy);
+}
+
+double TradeRules::price(const TradeRequest& request) const {
+  const Quote& quote = market_.quote(place(request));
+  return buys(request) ? quote.ask : quote.bid;
+}
+
+double TradeRules::worse_price(const TradeRequest& request, double price, double points) const {
+  const std::int32_t digits = market_.symbol(place(request)).digits;
+  const double point = std::pow(10.0, -digits);
+  return std::max(round_half_even(price + (buys(request) ? points : -points) * point, digits), point);
+}
+
+std::chrono::milliseconds TradeRules::dealing_time(const TradingAccount& account,
+                                                   const TradeRequest& request) const {
+  return std::max(account.config().dealing, market_.symbol(place(request)).dealing);
+}
+
+bool TradeRules::orderable(double amount) const {
+  return std::isfinite(amount) && amount > 0.0 && amount <= config_.max_lot + tolerance;
+}
+
+bool TradeRules::tradable(double amount) const {
+  if (amount < config_.min_lot - tolerance) return false;
+  if (config_.lot_step <= 0.0) return true;
+  const double steps = amount / config_.lot_step;
+  return std::fabs(steps - std::nearbyint(steps)) < 1e-6;
+}
+
+}  // namespace tutti

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "dealer/dealer_config.h"
+#include "dealer/market.h"
+#include "dealer/trade_request.h"
+#include "dealer/trading_account.h"
+#include "sessions/contract/entry_order.h"
+
+namespace tutti {
+
+// What the dealer allows. Decides, and changes nothing.
+class TradeRules {
+ public:
+  // Keeps references to both.
+  TradeRules(const DealerConfig& config, const Market& market) : config_(config), market_(market) {}
+
+  // Request codes, answered while the client calls. `symbol` is nothing when the account does not carry it.
+  std::int32_t admit_open(const TradingAccount& account, std::int32_t side, std::optional<std::size_t> symbol,
+                          double amount) const;
+  std::int32_t admit_close(const TradingAccount& account, std::int64_t ticket, double amount) const;
+  std::int32_t admit_entry(const TradingAccount& account, const EntryOrder& order,
+                           std::optional<std::size_t> symbol) const;
+  // `kind` of the order that is to be cancelled, as in PendingOrder.
+  std::int32_t admit_cancel(const TradingAccount& account, std::int64_t order, std::string_view kind) const;
+
+  // Result code of a request at the market as it is. Market orders and closes are judged at `price`.
+  std::int32_t judge(const TradingAccount& account, const TradeRequest& request, double price) const;
+  // The result code an account is configured to end such a request with; 0 when none.
+  static std::int32_t configured_result(const TradingAccount& account, TradeKind kind);
+
+  // Price at which a market order or close is done now; 0 while the symbol has none.
+  double price(const TradeRequest& request) const;
+  // The price made worse for the client by so many points.
+  double worse_price(const TradeRequest& request, double price, double points) const;
+  // How long market orders and closes of the account stay in dealing.
+  std::chrono::milliseconds dealing_time(const TradingAccount& account, const TradeRequest& request) const;
+
+ private:
+  std::int32_t judge_open(const TradingAccount& account, const TradeRequest& request, double price) const;
+  std::int32_t judge_close(const TradingAccount& account, const TradeRequest& request) const;
+  // What the state of the symbol allows, whatever the order.
+  std::int32_t judge_symbol(const TradingAccount& account, std::size_t symbol) const;
+  bool orderable(double amount) const;  // a number above 0 and within the largest lot
+  bool tradable(double amount) const;   // not below the smallest lot, and a multiple of the step
+  std::size_t place(const TradeRequest& request) const { return *market_.find(request.symbol); }
+  // Whether a market order or close buys.
+  static bool buys(const TradeRequest& request);
+
+  const DealerConfig& config_;
+  const Market& market_;
+};
+
+}  // namespace tutti

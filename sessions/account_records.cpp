@@ -1,0 +1,113 @@
+#include "sessions/account_records.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/texts.h"
+#include "sessions/last_by_key.h"
+
+namespace tutti {
+namespace {
+
+// Without a key no line is a record.
+std::optional<AccountRecord> decode(std::string_view line, const Secret* key) {
+  return key == nullptr ? std::nullopt : decode_record(line, *key);
+}
+
+std::string key_of(const AccountRecord& record) {
+  return account_key(record.user, record.account);
+}
+
+}  // namespace
+
+tl::expected<std::vector<std::string>, FileError> AccountRecords::lines() const {
+  return general_.files.lines(general_.account_file);
+}
+
+// The key that decodes these lines; nullptr when none of them needs one and there is none.
+tl::expected<const Secret*, FileError> AccountRecords::key_for(const std::vector<std::string>& lines) {
+  if (std::none_of(lines.begin(), lines.end(), looks_like_record)) return nullptr;
+  auto key = general_.key.find();
+  if (!key || *key != nullptr) return key;
+  return tl::unexpected(
+      FileError{general_.paths.file(general_.account_file),
+                "holds account records, but their key is missing: " + general_.key.path().string() +
+                    ". Put the key back, or move the records away"});
+}
+
+tl::expected<std::vector<AccountRecord>, FileError> AccountRecords::read_all() {
+  const auto all = lines();
+  if (!all) return tl::unexpected(all.error());
+  const auto key = key_for(*all);
+  if (!key) return tl::unexpected(key.error());
+  LastByKey<AccountRecord> records;
+  std::vector<std::size_t> unreadable;
+  for (std::size_t i = 0; i < all->size(); ++i) {
+    if ((*all)[i].empty()) continue;
+    if (auto record = decode((*all)[i], *key)) {
+      std::string account = key_of(*record);
+      records.add(std::move(account), std::move(*record));
+    } else {
+      unreadable.push_back(i + 1);
+    }
+  }
+  tell_unreadable(unreadable);
+  return records.take();
+}
+
+tl::expected<void, FileError> AccountRecords::append(const AccountRecord& record) {
+  const auto all = lines();
+  if (!all) return tl::unexpected(all.error());
+  auto key = key_for(*all);
+  if (key && *key == nullptr) key = general_.key.find_or_create();
+  if (!key) return tl::unexpected(key.error());
+  const std::string& name = general_.account_file;
+  if (!general_.files.exists(name)) {
+    if (auto made = general_.files.write_line(name, "", TextFile::Mode::create); !made) return made;
+  }
+  return general_.files.write_line(name, encode_record(record, **key), TextFile::Mode::append);
+}
+
+tl::expected<void, FileError> AccountRecords::remove(const std::vector<std::string>& account_keys) {
+  const auto all = lines();
+  if (!all) return tl::unexpected(all.error());
+  const auto key = key_for(*all);
+  if (!key) return tl::unexpected(key.error());
+  std::vector<std::string> kept;
+  std::vector<std::size_t> unreadable;  // as the lines are numbered afterwards
+  for (const std::string& line : *all) {
+    const auto record = decode(line, *key);
+    if (record && std::find(account_keys.begin(), account_keys.end(), key_of(*record)) != account_keys.end())
+      continue;
+    kept.push_back(line);
+    if (!record && !line.empty()) unreadable.push_back(kept.size());
+  }
+  if (kept.size() != all->size()) {
+    if (auto written = general_.files.write_lines(general_.account_file, kept); !written) return written;
+  }
+  tell_unreadable(unreadable);
+  return {};
+}
+
+tl::expected<std::optional<AccountRecord>, FileError> AccountRecords::find(std::string_view account_key) {
+  const auto all = lines();
+  if (!all) return tl::unexpected(all.error());
+  const auto key = key_for(*all);
+  if (!key) return tl::unexpected(key.error());
+  for (auto line = all->rbegin(); line != all->rend(); ++line) {
+    auto record = decode(*line, *key);
+    if (record && key_of(*record) == account_key) return record;
+  }
+  return std::nullopt;
+}
+
+void AccountRecords::tell_unreadable(const std::vector<std::size_t>& lines) {
+  if (lines.empty()) return;
+  general_.log("Account information: skipped unreadable records in lines " + number_list(lines) + " of " +
+                   general_.paths.file(general_.account_file).filename().string() +
+                   ". They stay in the file. They are damaged, or of another key than " +
+                   general_.key.path().string(),
+               no_account);
+}
+
+}  // namespace tutti

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "core/MGeneral.h"
+#include "sessions/account_record.h"
+
+namespace tutti {
+
+// The account information file: one encoded record per line. Lines that can't be decoded, be they damaged or
+// of another key, are journaled and stay in the file as they are, whatever is written.
+//
+// The key is made with the first record. Where it is missing beside records everything fails with an error
+// that names both files.
+class AccountRecords {
+ public:
+  explicit AccountRecords(MGeneral& general) : general_(general) {}
+
+  // Every record. Of several with one account key the last counts, in the place of the first.
+  tl::expected<std::vector<AccountRecord>, FileError> read_all();
+  tl::expected<void, FileError> append(const AccountRecord& record);
+  // Takes the records with these account keys out of the file. Nothing is written when none has.
+  tl::expected<void, FileError> remove(const std::vector<std::string>& account_keys);
+  // The last record with the account key; nothing when none has it.
+  tl::expected<std::optional<AccountRecord>, FileError> find(std::string_view account_key);
+
+ private:
+  tl::expected<std::vector<std::string>, FileError> lines() const;
+  tl::expected<const Secret*, FileError> key_for(const std::vector<std::string>& lines);
+  void tell_unreadable(const std::vector<std::size_t>& lines);
+
+  MGeneral& general_;
+};
+
+}  // namespace tutti

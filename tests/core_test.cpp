@@ -1,0 +1,212 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <limits>
+
+#include "core/CLocalSettings.h"
+#include "core/numbers.h"
+#include "core/row_list.h"
+#include "core/text_box.h"
+#include "core/text_file.h"
+#include "tests/support/test_terminal.h"
+
+namespace tutti::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double infinite = std::numeric_limits<double>::infinity();
+
+TEST(Numbers, ReaderStopsAtTheFirstForeignCharacter) {
+  const std::pair<const char*, double> cases[] = {
+      {"", 0},     {"abc", 0},   {"12abc", 12},   {"  7 8", 7},  {"-3.5x", -3.5}, {"+2", 2},
+      {".5", 0.5}, {"5.", 5},    {"1E-05", 1e-5}, {"1e3", 1000}, {"5e", 5},       {"-", 0},
+      {"--5", 0},  {"+-5", 0},   {"1.2.3", 1.2},  {"1,5", 1},    {"inf", 0},      {"nan", 0},
+      {"-inf", 0}, {"1e999", 0}, {"0x1F", 0},     {"\t5", 0}};
+  for (const auto& [text, value] : cases)
+    EXPECT_EQ(read_number(text), value) << '"' << text << '"';
+  EXPECT_EQ(read_integer("-7.9"), -7);
+  EXPECT_EQ(read_integer("9999999999"), std::numeric_limits<std::int32_t>::max());
+  // The strict readers want the whole text.
+  EXPECT_EQ(parse_number(" -2.5 "), -2.5);
+  for (const char* text : {"", " ", "1x", "1 2", "inf", "."})
+    EXPECT_FALSE(parse_number(text)) << text;
+  EXPECT_EQ(parse_int32("-2147483648"), std::numeric_limits<std::int32_t>::min());
+  EXPECT_EQ(parse_int32("+5"), 5);
+  for (const char* text : {"", "2147483648", "1.0", "1e3", "5a", "+-5"})
+    EXPECT_FALSE(parse_int32(text)) << text;
+}
+
+TEST(Numbers, WriterGivesFifteenDigitsAndSummariesTwoDecimals) {
+  const std::pair<const char*, double> general[] = {
+      {"0", -0.0},      {"0.3", 0.1 + 0.2},  {"-12.5", -12.5},
+      {"0.0001", 1e-4}, {"1E-05", 1e-5},     {"-1.25E-05", -1.25e-5},
+      {"1E+15", 1e15},  {"1.5E+20", 1.5e20}, {"0", infinite}};
+  EXPECT_EQ(number_text(1.0 / 3.0) + number_text(123456789012345.0), "0.333333333333333123456789012345");
+  for (const auto& [text, value] : general) {
+    EXPECT_EQ(number_text(value), text);
+    EXPECT_EQ(as_text_reads(value), read_number(text)) << text;
+  }
+  const std::pair<const char*, double> summary[] = {{"0", 0},        {"15.3", 15.3},    {"0.12", 0.125},
+                                                    {"0.38", 0.375}, {"-0.12", -0.125}, {"0", -0.005},
+                                                    {"100", 99.999}, {"0", infinite}};
+  EXPECT_EQ(summary_text(1234567.891) + summary_text(-1e15), "1234567.89-1000000000000000");
+  for (const auto& [text, value] : summary)
+    EXPECT_EQ(summary_text(value), text) << value;
+}
+
+TEST(LocaleSettings, ForceTheSeparatorsAndReadTypedNumbers) {
+  ProcessLocale own;
+  const CLocalSettings settings{own};
+  EXPECT_EQ(settings.LocalDecimal() + settings.LocalThousand(), ".,");
+  EXPECT_EQ(settings.GetSystemCharacter(29) + settings.GetSystemCharacter(30), "/:");
+  const std::pair<const char*, double> cases[] = {{"1,234.5", 1234.5}, {"", 0},       {"12abc", 12},
+                                                  {"1,000,000", 1e6},  {"-1,5", -15}, {"x", 0}};
+  for (const auto& [text, value] : cases)
+    EXPECT_EQ(settings.StringToNumber(text), value) << text;
+}
+
+std::string keys_of(const RowList& list) {
+  std::string out;
+  for (const Row& row : list)
+    out += (row.key().empty() ? "-" : row.key().text()) + " ";
+  return out;
+}
+
+void expect_places(RowList& list) {
+  for (std::size_t i = 0; i < list.size(); ++i)
+    EXPECT_EQ(list.index_of(list.row(i)), i) << keys_of(list);
+}
+
+TEST(RowLists, KeepKeysAndPlacesThroughEveryChange) {
+  RowList list{{"A", "B"}};
+  Row* one = list.add(client_key(1));
+  Row* three = list.add(client_key(3));
+  list.insert(0, ticket_key(9));
+  list.insert(2, order_key(-2));
+  list.insert(1);
+  EXPECT_EQ(keys_of(list), "T9 - C1 P-2 C3 ");
+  EXPECT_EQ(list.add(client_key(3)), nullptr);
+  expect_places(list);
+
+  list.set_current(one);
+  list.remove(*one);
+  EXPECT_EQ(list.current(), nullptr);
+  EXPECT_EQ(list.find(client_key(1)), nullptr);
+  EXPECT_FALSE(list.rekey(*three, order_key(-2)));
+  EXPECT_TRUE(list.rekey(*three, client_key(1)));
+  EXPECT_EQ(list.find(client_key(1)), three);
+  list.remove(list.row(0));
+  EXPECT_EQ(keys_of(list), "- P-2 C1 ");
+  expect_places(list);
+
+  auto aside = list.take_all();
+  EXPECT_TRUE(list.empty());
+  EXPECT_EQ(list.find(client_key(1)), nullptr);
+  list.add(ticket_key(4));
+  list.put_back(std::move(aside));
+  EXPECT_EQ(keys_of(list), "- P-2 C1 T4 ");
+  EXPECT_EQ(list.find(client_key(1)), three);
+  expect_places(list);
+
+  Row& first = *three;
+  Row& second = *list.add();
+  const auto structure = list.structure_stamp();
+  const auto before = second.stamp();
+  first.set_text(0, "x");
+  EXPECT_EQ(second.stamp(), before);
+  EXPECT_EQ(first.stamp(), list.stamp());
+  second.set_checked(true);
+  EXPECT_GT(second.stamp(), first.stamp());
+  EXPECT_EQ(list.structure_stamp(), structure);
+  list.remove(first);
+  EXPECT_GT(list.structure_stamp(), structure);
+}
+
+TEST(TextBoxes, TypeAtTheSelection) {
+  TextBox box;
+  box.set_text("gr\xC3\xBC\xC3\x9F");
+  box.type("\b\b");
+  EXPECT_EQ(box.text(), "gr");
+  box.type("\xE2\x82\xAC!");
+  EXPECT_EQ(box.text(), "gr\xE2\x82\xAC!");
+  box.select(2, 3);
+  box.type("\b");
+  EXPECT_EQ(box.text(), "gr!");
+  box.select(0, 99);
+  box.type("x");
+  EXPECT_EQ(box.text(), "x");
+  box.type("\b\b\b");
+  EXPECT_EQ(box.text(), "");
+}
+
+TEST(TextFiles, LinesHoweverTheyEnd) {
+  const TemporaryFolder folder;
+  const Paths paths{folder.path()};
+  const TextFile files{paths};
+  const std::string name = "\\Manage\\X.BUF";
+  using Lines = std::vector<std::string>;
+  const std::pair<const char*, Lines> cases[] = {{"", {}},
+                                                 {"\n", {""}},
+                                                 {"a\nb", {"a", "b"}},
+                                                 {"a\r\nb\r\n", {"a", "b"}},
+                                                 {"a\r\n\r\nb\r", {"a", "", "b"}},
+                                                 {"a\n\n", {"a", ""}}};
+  for (const auto& [content, lines] : cases) {
+    folder.write("manage/x.buf", content);
+    EXPECT_EQ(files.lines(name).value(), lines) << content;
+    // An editor may leave the last line without its end; what is appended is still a line of its own.
+    ASSERT_TRUE(files.write_line(name, "more", TextFile::Mode::append));
+    Lines longer = lines;
+    longer.emplace_back("more");
+    EXPECT_EQ(files.lines(name).value(), longer) << content;
+  }
+  EXPECT_EQ(files.line(name, 1) + files.line(name, 3) + files.line(name, 9), "amore");
+  ASSERT_TRUE(files.write_line(name, "alone", TextFile::Mode::create));
+  EXPECT_EQ(folder.read("manage/x.buf"), "alone\n");
+  EXPECT_TRUE(files.lines("\\manage\\missing.buf").value().empty());
+  fs::create_directory(folder.path() / "manage" / "folder.buf");
+  EXPECT_FALSE(files.lines("\\manage\\folder.buf"));
+}
+
+TEST(PathsTest, EitherSlashAndAnyCaseMeanOneFile) {
+  const TemporaryFolder folder;
+  folder.write("Manage/Acountinfo.buf", "x");
+  folder.write("sounds/Connect.WAV", "x");
+  const Paths paths{folder.path()};
+  const fs::path record = folder.path() / "Manage" / "Acountinfo.buf";
+  for (const char* name : {"\\manage\\acountinfo.buf", "/MANAGE/Acountinfo.BUF", "\\Manage/Acountinfo.buf"}) {
+    EXPECT_EQ(paths.file(paths.full(name)), record) << name;
+    EXPECT_EQ(paths.file(std::string_view{name}.substr(1)), record) << name;
+  }
+  EXPECT_EQ(paths.file(paths.full("\\sounds\\Connect.wav")), folder.path() / "sounds" / "Connect.WAV");
+  EXPECT_EQ(paths.file(paths.full("\\manage\\New.buf")), folder.path() / "Manage" / "New.buf");
+  // A neighbour whose name begins like the folder's is not inside it.
+  const fs::path outside = folder.path().parent_path() / (folder.path().filename().string() + "2.buf");
+  EXPECT_EQ(paths.file(outside.string()), outside);
+}
+
+TEST(FileWriter, FilesAndFoldersArePrivateWhateverTheUmask) {
+  for (const mode_t mask : {0000u, 0022u, 0277u}) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.path() / "a" / "b" / "x.buf";
+    const mode_t before = ::umask(mask);
+    const bool written = replace_file(file, "1\n").has_value() && append_file(file, "2\n").has_value();
+    const bool appended = append_file(folder.path() / "a" / "new.buf", "3\n").has_value();
+    ::umask(before);
+    ASSERT_TRUE(written && appended) << mask;
+    const auto mode = [](const fs::path& path) {
+      return static_cast<unsigned>(fs::status(path).permissions());
+    };
+    EXPECT_EQ(mode(file), 0600u) << mask;
+    EXPECT_EQ(mode(folder.path() / "a" / "new.buf"), 0600u) << mask;
+    EXPECT_EQ(mode(folder.path() / "a"), 0700u) << mask;
+    EXPECT_EQ(mode(folder.path() / "a" / "b"), 0700u) << mask;
+    EXPECT_EQ(read_file(file).value(), "1\n2\n");
+    EXPECT_EQ(std::distance(fs::directory_iterator{file.parent_path()}, {}), 1);
+  }
+}
+
+}  // namespace
+}  // namespace tutti::testing

@@ -1,0 +1,206 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <map>
+
+#include "dealer_rig.h"
+
+namespace tutti {
+namespace {
+
+using Words = std::vector<std::string>;
+
+FaultConfig fault(FaultKind kind, std::vector<FaultPoint> on) {
+  FaultConfig fault;
+  fault.kind = kind;
+  fault.on = std::move(on);
+  fault.wait = std::chrono::seconds{3};
+  fault.code = 8;
+  return fault;
+}
+
+TEST(DealerFaults, LoginsFailAsTheScriptSays) {
+  const Words on = {"waiting 2", "connected", "symbols",   "positions",
+                    "orders",    "summary",   "waiting 0", "all"};
+  const Words waits = {"waiting 2"};
+  struct Case {
+    FaultKind kind;
+    Words soon, later;  // within a second, within a minute
+  };
+  const Case cases[] = {
+      {FaultKind::refuse_login, {"waiting 2", "invalid", "waiting 0"}, {}},
+      {FaultKind::unreachable, waits, {"disconnected", "waiting 0"}},
+      {FaultKind::silent, waits, {}},
+      {FaultKind::delay, waits, {on.begin() + 1, on.end()}},
+      {FaultKind::drop, {"waiting 2", "disconnected", "dropped", "waiting 0"}, {}},
+  };
+  for (const Case& one : cases) {
+    DealerConfig config = still_market();
+    config.faults = {fault(one.kind, {FaultPoint::login})};
+    config.faults[0].times = 1;
+    DealerRig rig(config);
+    const auto seat = rig.seat({"ALDER", "ALDER01", 500100, {}});
+    rig.run(1'000);
+    EXPECT_EQ(seat.seen->events, one.soon);
+    seat.seen->events.clear();
+    rig.run(60'000);
+    EXPECT_EQ(seat.seen->events, one.later);
+    seat.client->Logout();
+    rig.drain();
+    seat.seen->events.clear();
+    seat.client->Login();  // the second one is fine
+    rig.run(1'000);
+    EXPECT_EQ(seat.seen->events, on);
+  }
+}
+
+TEST(DealerFaults, OrdersGoWrongAsTheScriptSays) {
+  const Words done = {"order 1", "opened", "summary"};
+  const Words unknown = {"order 1",    "opened",  "summary",  "order 1", "close 1", "accepted 1",
+                         "rejected 1", "entry 1", "cancel 1", "stops 1", "deleted", "-"};
+  struct Case {
+    FaultKind kind;
+    std::int32_t code;
+    Words soon, later;  // within a second, after the seconds of the script
+    bool told;
+  };
+  const Case cases[] = {
+      {FaultKind::silent, 1, {"opened", "summary"}, {}, false},
+      {FaultKind::swallow, 1, {}, {}, false},
+      {FaultKind::delay, 1, {}, done, true},
+      {FaultKind::late, 1, {"opened", "summary"}, {"order 1"}, true},
+      {FaultKind::twice, 1, {"order 1", "order 1", "opened", "summary"}, {}, true},
+      {FaultKind::unknown_ticket, 1, unknown, {}, true},
+      {FaultKind::refuse, 8, {}, {}, false},
+      {FaultKind::reject, 1, {"order 8", "summary"}, {}, true},
+      {FaultKind::drop, 1, {"disconnected", "dropped"}, {}, false},
+  };
+  for (const Case& one : cases) {
+    DealerConfig config = still_market();
+    config.faults = {fault(one.kind, {FaultPoint::open})};
+    DealerRig rig(config);
+    const auto seat = rig.trader(0);
+    EXPECT_EQ(DealerRig::send(seat, operation::buy, "EURUSD", 0.1), one.code);
+    rig.run(500);
+    EXPECT_EQ(seat.seen->events, one.soon);
+    seat.seen->events.clear();
+    rig.run(3'000);
+    EXPECT_EQ(seat.seen->events, one.later);
+    ASSERT_EQ(rig.server.outcomes().size(), 1U);
+    const Outcome& outcome = rig.server.outcomes()[0];
+    const bool opened = !rig.server.find_account(500100)->positions().empty();
+    EXPECT_EQ(outcome.result == result::succeeded, opened);
+    EXPECT_EQ(opened, one.kind != FaultKind::swallow && one.kind != FaultKind::refuse &&
+                          one.kind != FaultKind::reject);
+    EXPECT_EQ(outcome.told, one.told);
+    EXPECT_EQ(outcome.number == 0, one.code != request::taken);
+  }
+}
+
+TEST(DealerFaults, CountsRunPerAccountFromTheGivenMoment) {
+  DealerConfig config = still_market();
+  config.faults = {fault(FaultKind::refuse, {FaultPoint::open})};
+  config.faults[0].accounts = {500100, 500101};
+  config.faults[0].after = std::chrono::seconds{10};
+  config.faults[0].every = 2;
+  config.faults[0].times = 2;
+  FaultConfig drop = fault(FaultKind::drop, {});
+  drop.after = std::chrono::seconds{20};
+  drop.accounts = {500102};
+  config.faults.push_back(drop);
+  DealerRig rig(config);
+  const DealerRig::Seat seats[] = {rig.trader(0), rig.trader(1), rig.trader(2)};
+  std::string codes[3];
+  const auto send_all = [&] {
+    for (std::size_t i = 0; i < 3; ++i)
+      codes[i] += std::to_string(DealerRig::send(seats[i], operation::buy, "EURUSD", 0.01));
+  };
+  send_all();
+  rig.run(10'000);
+  for (int i = 0; i < 7; ++i)
+    send_all();
+  EXPECT_EQ(codes[0], "11818111");
+  EXPECT_EQ(codes[1], codes[0]);
+  EXPECT_EQ(codes[2], "11111111");
+  rig.run(10'000);
+  EXPECT_TRUE(seats[0].client->LoggedIn());
+  EXPECT_FALSE(seats[2].client->LoggedIn());
+}
+
+TEST(DealerFaults, GarbageComesInFrontOfTheTruth) {
+  for (const double value :
+       {std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity(), -1.0, 1e308}) {
+    DealerConfig config = still_market();
+    config.ticks = {{std::chrono::seconds{5}, "EURUSD", 1.1, 1.1002}};
+    config.faults = {
+        fault(FaultKind::garbage, {FaultPoint::price, FaultPoint::summary, FaultPoint::position})};
+    config.faults[0].value = value;
+    config.faults[0].after = std::chrono::seconds{1};
+    DealerRig rig(config);
+    const auto seat = rig.trader(0);
+    rig.run(1'000);
+    DealerRig::send(seat, operation::buy, "EURUSD", 0.1);
+    rig.run(200);
+    EXPECT_EQ(seat.seen->events, (Words{"order 1", "opened", "opened", "summary", "summary"}));
+    EXPECT_NE(seat.seen->opened[0].open_price, 1.08462);
+    EXPECT_EQ(seat.seen->opened[1].open_price, 1.08462);
+    EXPECT_NE(seat.seen->summaries[0].equity, seat.client->GetAccountSummary(500100).values.equity);
+    EXPECT_EQ(seat.seen->summaries[1].equity, seat.client->GetAccountSummary(500100).values.equity);
+    rig.run(5'000);
+    EXPECT_EQ(seat.seen->prices, 2);
+    EXPECT_EQ(seat.seen->floats, 2);
+    EXPECT_EQ(seat.seen->last_bid, 1.1);
+  }
+}
+
+TEST(DealerFaults, EveryAccountOfAFanOutEndsOnce) {
+  DealerConfig config = DealerConfig::sample(50);
+  const FaultKind kinds[] = {FaultKind::silent,         FaultKind::swallow, FaultKind::delay,
+                             FaultKind::late,           FaultKind::twice,   FaultKind::drop,
+                             FaultKind::unknown_ticket, FaultKind::refuse,  FaultKind::reject,
+                             FaultKind::pending,        FaultKind::requote};
+  std::int32_t number = 500100;
+  for (const FaultKind kind : kinds) {
+    config.faults.push_back(fault(kind, {FaultPoint::open}));
+    for (int i = 0; i < 3; ++i)
+      config.faults.back().accounts.push_back(number++);
+  }
+  const auto play = [&](std::int64_t cut) {
+    DealerRig rig(config);
+    std::vector<DealerRig::Seat> seats;
+    for (const AccountConfig& account : config.accounts)
+      seats.push_back(rig.seat({account.user, account.password, account.number, {}}));
+    rig.run(500);
+    std::map<std::int32_t, int> sent, ended;
+    for (std::size_t i = 0; i < seats.size(); ++i)
+      if (DealerRig::send(seats[i], operation::sell, "EURUSD", 0.1) == request::taken)
+        ++sent[config.accounts[i].number];
+    for (std::int64_t t = 0; t < 10'000; t += cut)
+      rig.run(cut);
+    EXPECT_EQ(rig.server.requests_in_flight(), 0U);
+    for (const Outcome& outcome : rig.server.outcomes()) {
+      ++ended[outcome.account];
+      const std::size_t expected = outcome.result == result::succeeded ? 1 : 0;
+      EXPECT_EQ(rig.server.find_account(outcome.account)->positions().size(), expected);
+    }
+    for (const TradingAccount& account : rig.server.accounts()) {
+      EXPECT_LE(ended[account.config().number], 1) << account.config().number;
+      EXPECT_GE(ended[account.config().number], sent[account.config().number]) << account.config().number;
+      EXPECT_TRUE(account.orders().empty());
+    }
+    std::vector<Words> events;
+    for (const auto& seat : seats) {
+      Words words;  // what is merged depends on how often the client listens
+      std::copy_if(seat.seen->events.begin(), seat.seen->events.end(), std::back_inserter(words),
+                   [](const std::string& word) { return word != "summary"; });
+      events.push_back(std::move(words));
+    }
+    return events;
+  };
+  EXPECT_EQ(play(50), play(10'000));
+}
+
+}  // namespace
+}  // namespace tutti

@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+
+#include "tests/support/session_rig.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(SessionCollection, The501stAccountIsRefused) {
+  SessionRig rig;
+  for (int i = 1; i <= 500; ++i)
+    rig.add(i);
+  EXPECT_EQ(rig.sessions.current(), rig.sessions.Item(1));
+  EXPECT_EQ(rig.sessions.Add({"BOB", "", 501, {}}, "", true), nullptr);
+  ASSERT_EQ(rig.prompt.shown.size(), 1u);
+  EXPECT_EQ(rig.prompt.shown[0].text, "Maximum account number exceeded");
+  EXPECT_EQ(rig.prompt.shown[0].caption, "Alert");
+  EXPECT_EQ(rig.prompt.shown[0].buttons, "system");
+  EXPECT_EQ(rig.sessions.Count(), 500);
+  rig.sessions.Remove("C1");
+  EXPECT_EQ(rig.sessions.current(), rig.sessions.Item("C1"));
+  CClientAPIManager* added = rig.sessions.Add({"BOB", "", 501, {"h", 7}}, "note", true);
+  ASSERT_NE(added, nullptr);
+  EXPECT_EQ(added->key(), 500);
+  EXPECT_EQ(added->ClientListItem()->text(4), "note");
+  EXPECT_EQ(rig.client(*added).logins, 1);
+  EXPECT_EQ(rig.client(*added).login_data.server, (Endpoint{"h", 7}));
+  rig.sessions.Clear();
+  EXPECT_EQ(rig.sessions.Count(), 0);
+  EXPECT_EQ(rig.sessions.current(), nullptr);
+  EXPECT_TRUE(rig.windows.accounts.list.empty());
+}
+
+TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
+  SessionRig rig;
+  const char* const states[] = {"Connected", "Connected", "Connecting", "Invalid account"};
+  for (int i = 0; i < 4; ++i) {
+    CClientAPIManager& session = rig.add(81 + i);
+    session.ClientListItem()->set_text(2, states[i]);
+    session.ClientListItem()->set_text(4, "note " + std::to_string(81 + i));
+    rig.during([&] { session.SummariesChanged({.balance = 1.0 + i}); });
+  }
+  const Heard heard = rig.during([&] { rig.sessions.Remove("C2"); });
+  for (const char* window : {"market", "entry", "close", "positions", "pending"})
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), std::string{window} + " removes 82"), 1) << window;
+  EXPECT_EQ(rig.general.totals.balance, 8.0);
+  EXPECT_EQ(rig.sessions.by_account(82), nullptr);
+  ASSERT_EQ(rig.windows.accounts.list.size(), 3u);
+  for (int number = 1; number <= 3; ++number) {
+    const int i = number == 1 ? 0 : number;
+    const CClientAPIManager* session = rig.sessions.Item("C" + std::to_string(number));
+    ASSERT_NE(session, nullptr);
+    EXPECT_EQ(session->key(), number);
+    EXPECT_EQ(session->account(), 81 + i);
+    EXPECT_EQ(rig.windows.accounts.list.find(client_key(number)), session->ClientListItem());
+    EXPECT_EQ(session->ClientListItem()->text(2), states[i]);
+    EXPECT_EQ(session->ClientListItem()->text(4), "note " + std::to_string(81 + i));
+  }
+  for (const char* missing : {"C0", "C4", "S1", "C", ""})
+    EXPECT_EQ(rig.sessions.Item(missing), nullptr) << missing;
+  rig.sessions.Remove("C4");
+  EXPECT_EQ(rig.sessions.Count(), 3);
+  rig.sessions.Remove("C3");
+  rig.sessions.Remove("C1");
+  EXPECT_EQ(rig.sessions.Item("C1")->account(), 83);
+  EXPECT_EQ(rig.windows.accounts.list.row(0).key().text(), "C1");
+  EXPECT_EQ(rig.sessions.Item("C1")->ClientListItem(), &rig.windows.accounts.list.row(0));
+}
+
+TEST(SessionCollection, VisibilityAndDistancesAreThoseOfLoggedInAccounts) {
+  SessionRig rig;
+  ScriptedClient& stranger = rig.client(rig.add(81, "ANN"));
+  ScriptedClient& first = rig.client(rig.add(81));
+  ScriptedClient& second = rig.client(rig.add(82));
+  first.symbols = second.symbols = {{.id = 1, .name = "EURUSD", .digits = 4}};
+  const auto seen = [&](const char* account) { return rig.sessions.Check_Visibility("EURUSD", account); };
+  EXPECT_FALSE(seen("81")) << "the first one logged in does not carry it";
+  stranger.logged_in = false;
+  EXPECT_TRUE(seen("81"));
+  EXPECT_TRUE(seen(" 81 lots"));
+  EXPECT_FALSE(rig.sessions.Check_Visibility("GBPUSD", "81"));
+  EXPECT_FALSE(seen("83"));
+  EXPECT_FALSE(seen(""));
+
+  const auto limit = [&] { return rig.sessions.Limit_Offset("EURUSD"); };
+  EXPECT_EQ(limit(), -1.0) << "no row";
+  for (const std::int32_t account : {81, 82})
+    rig.windows.entry_order.list.add(client_key(account));
+  first.limit_distance = 50.0;
+  second.limit_distance = 20.0;
+  first.stop_distance = 3.0;
+  second.stop_distance = 0.0001;
+  EXPECT_DOUBLE_EQ(limit(), 0.0020) << "20 points are more than the answer so far, 0.0050";
+  EXPECT_DOUBLE_EQ(rig.sessions.Stop_Offset("EURUSD"), 0.0003);
+  second.logged_in = false;
+  EXPECT_DOUBLE_EQ(limit(), 0.0050);
+  rig.windows.accounts.supplied_symbol = "GBPUSD";
+  EXPECT_EQ(limit(), -1.0) << "visibility is asked for the symbol that the accounts list supplies";
+  rig.windows.accounts.supplied_symbol = "";
+  first.logged_in = false;
+  EXPECT_EQ(limit(), -1.0);
+}
+
+TEST(SessionCollection, RequestCodesAreReportedUnlessTheAccountIsInvalid) {
+  SessionRig rig;
+  Row& row = *rig.add(81).ClientListItem();
+  const std::map<std::int32_t, std::string> texts = {
+      {2, "No Privilege "},  {3, "Invalid Account "}, {4, "Cannot Change Price "}, {6, "Timer Expired"},
+      {7, "Invalid Ticket"}, {8, "Invalid Lots"},     {10, "Invalid Order ID"},    {21, "Invalid Price"}};
+  for (std::int32_t code = -1; code <= 100; ++code) {
+    const auto at = texts.find(code);
+    Heard expected;
+    if (at != texts.end()) expected = {"journal 81: " + at->second, "market 81: " + at->second};
+    if (code != 1) expected.push_back("market ended 81 " + std::to_string(code));
+    const auto report = [&] { rig.sessions.Result(code, 81, client_key(1)); };
+    row.set_text(4, "Invalid username or password");
+    EXPECT_EQ(rig.during(report), expected) << code;
+    row.set_text(4, "Invalid account ID");
+    EXPECT_TRUE(rig.during(report).empty()) << code;
+  }
+}
+
+class FanOut : public ::testing::Test {
+ protected:
+  // A terminal with every account ticked for `lots` of EURUSD.
+  void prepare(const DealerConfig& config, const char* lots) {
+    terminal.emplace(config);
+    terminal->start_logged_in();
+    form = &terminal->main->market_order();
+    form->cbsymbols.choose("EURUSD");
+    for (Row& row : form->lvwConClients) {
+      row.set_checked(true);
+      row.set_text(frmorder::amount, lots);
+    }
+    form->Enableds(false);
+    terminal->sound.take();
+    terminal->take_messages();
+  }
+
+  std::optional<TestTerminal> terminal;
+  frmorder* form = nullptr;
+};
+
+TEST_F(FanOut, EveryAccountAnswersForItself) {
+  DealerConfig config = DealerConfig::sample(8);
+  config.accounts[1].hidden_symbols = {"EURUSD"};
+  config.accounts[2].balance = 10.0;
+  config.accounts[3].privilege = false;
+  config.accounts[7].reply_request = 5;
+  prepare(config, "0.5");
+  form->lvwConClients.find(client_key(500'105))->set_checked(false);
+  form->lvwConClients.find(client_key(500'106))->set_text(frmorder::amount, "-1");
+  ASSERT_TRUE(terminal->server.drop(500'104));  // the news of it is still on its way
+  form->cmdsell.click();
+  EXPECT_EQ(form->requests_refused(), 4);
+  EXPECT_EQ(terminal->sound.take(), std::vector<std::string>(6, "OrderOk.wav"));
+  EXPECT_TRUE(terminal->prompt.shown.empty());
+  terminal->run(1s);
+  const char* const results[] = {"Market Order Accepted",
+                                 "Invalid Price",
+                                 "Not enough money",
+                                 "No Privilege ",
+                                 "no row",
+                                 "",
+                                 "Invalid Lots",
+                                 ""};
+  for (std::int32_t i = 0; i < 8; ++i)
+    EXPECT_EQ(terminal->result(500'100 + i), results[i]) << i;
+  EXPECT_EQ(terminal->take_messages(), Heard{"account 500104 Session disconnected"});
+  Heard journal = terminal->journal();
+  std::sort(journal.begin(), journal.end());
+  ASSERT_EQ(journal.size(), 5u);
+  EXPECT_TRUE(journal[0].starts_with("500100 Order #"));
+  EXPECT_TRUE(journal[0].ends_with(" [SELL 0.5 EURUSD] has been accepted"));
+  EXPECT_EQ(Heard(journal.begin() + 1, journal.end()),
+            (Heard{"500101 Invalid Price", "500102 Not enough money", "500103 No Privilege ",
+                   "500106 Invalid Lots"}));
+}
+
+TEST_F(FanOut, NobodyLoggedInIsSaidOnce) {
+  prepare(DealerConfig::sample(2), "1");
+  for (const std::int32_t account : {500'100, 500'101})
+    terminal->server.drop(account);
+  form->cmdbuy.click();
+  ASSERT_EQ(terminal->prompt.shown.size(), 1u);
+  EXPECT_EQ(terminal->prompt.shown[0].text, "No account selected");
+  EXPECT_EQ(terminal->prompt.shown[0].caption, "Alert");
+  EXPECT_EQ(terminal->prompt.shown[0].buttons, "OK");
+  EXPECT_TRUE(form->cmddis.enabled());
+  EXPECT_TRUE(terminal->sound.take().empty());
+  EXPECT_EQ(terminal->server.requests_in_flight(), 0u);
+}
+
+TEST_F(FanOut, FiveHundredAccountsInOneOrder) {
+  prepare(DealerConfig::sample(500), "0.1");
+  ASSERT_EQ(form->lvwConClients.size(), 500u);
+  form->cmdbuy.click();
+  EXPECT_EQ(terminal->sound.take().size(), 500u);
+  terminal->run(1s);
+  for (std::int32_t i = 0; i < 500; ++i) {
+    const int kind = i < 12 ? 0 : i % 50;
+    const char* expected = kind == 12   ? "Invalid Price"
+                           : kind == 13 ? "Not enough money"
+                           : kind == 14 ? "No Privilege "
+                                        : "Market Order Accepted";
+    EXPECT_EQ(terminal->result(500'100 + i), expected) << i;
+  }
+  EXPECT_EQ(terminal->journal().size(), 500u);
+}
+
+}  // namespace
+}  // namespace tutti::testing

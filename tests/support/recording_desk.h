@@ -1,0 +1,199 @@
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/numbers.h"
+#include "sessions/CClientAPIManager.h"
+#include "sessions/desk.h"
+
+namespace tutti::testing {
+
+// What was heard, as lines of words.
+using Heard = std::vector<std::string>;
+
+inline std::string word(std::string_view text) {
+  return std::string{text};
+}
+template <class Number>
+requires std::is_arithmetic_v<Number> std::string word(Number number) {
+  return number_text(static_cast<double>(number));
+}
+
+// A receiver that writes lines under its name.
+class Voice {
+ public:
+  Voice(std::string name, Heard& heard) : name_(std::move(name)), heard_(heard) {}
+
+ protected:
+  template <class... Words>
+  void say(const Words&... words) {
+    std::string line = name_;
+    ((line += " " + word(words)), ...);
+    heard_.push_back(std::move(line));
+  }
+
+ private:
+  std::string name_;
+  Heard& heard_;
+};
+
+template <class OrderDesk>
+class RecordingOrderRows : public OrderDesk, protected Voice {
+ public:
+  using Voice::Voice;
+  void add_account(std::int32_t account) override { say("adds", account); }
+  void remove_account(std::int32_t account) override { say("removes", account); }
+  void result(std::string_view text, std::int32_t account) override { say(word(account) + ":", text); }
+  void symbols_changed() override { say("symbols"); }
+};
+
+// All windows at once: what sessions tell them goes into `heard`, and they have the rows a test gives them.
+class RecordingDesk {
+ public:
+  RecordingDesk() {
+    desk.accounts = &accounts;
+    desk.market_order = &market_order;
+    desk.entry_order = &entry_order;
+    desk.close_positions = &close_positions;
+    desk.positions = &positions;
+    desk.pending = &pending;
+    desk.net = &net;
+    desk.market_watch = &market_watch;
+    desk.requote = &requote;
+    desk.status = &status;
+  }
+
+  Heard heard;
+  Desk desk;
+
+  class Accounts final : public AccountsDesk, Voice {
+   public:
+    using Voice::Voice;
+    RowList list{std::vector<std::string>(12)};
+    bool with_rows = true;
+    std::string supplied_symbol;
+    Row* chosen = nullptr;
+    std::vector<std::string> taken_keys;
+
+    Row* add_client(const CClientAPIManager& session, bool connected, std::string_view notes) override {
+      Row* row = with_rows ? list.add(client_key(session.key())) : nullptr;
+      if (row == nullptr) return nullptr;
+      row->set_text(2, connected ? "Connected" : "Disconnected");
+      row->set_number(3, session.account());
+      row->set_text(4, notes);
+      return row;
+    }
+    void remove_client(Row& row) override { list.remove(row); }
+    void renumber_client(Row& row, std::int32_t number) override { list.rekey(row, client_key(number)); }
+    void refresh_summary(Row& row) override { say("refreshes", row.key().text()); }
+    void select_client(Row& row) override { say("selects", row.key().text()); }
+    void record_connected(const CClientAPIManager& session) override {
+      say("records", session.duplicate_key());
+    }
+    void forget_account(std::string_view user, std::int32_t account) override {
+      say("forgets", account_key(user, account));
+    }
+    void save_account(const CClientAPIManager& session) override { say("saves", session.duplicate_key()); }
+    bool has_account(std::string_view key) const override {
+      return std::find(taken_keys.begin(), taken_keys.end(), key) != taken_keys.end();
+    }
+    Row* selected_client() const override { return chosen; }
+    std::string visibility_symbol() const override { return supplied_symbol; }
+  } accounts{"accounts", heard};
+
+  class MarketOrder final : public RecordingOrderRows<MarketOrderDesk> {
+   public:
+    using RecordingOrderRows::RecordingOrderRows;
+    bool asks_lots = false;
+    bool wants_lot_limits() const override { return asks_lots; }
+    void lot_limits(double low, double high) override { say("lots", low, high); }
+    void request_ended(std::int32_t account, std::int32_t code) override { say("ended", account, code); }
+    void requote_tick(const Requote& requote) override { say("requote", requote.order); }
+  } market_order{"market", heard};
+
+  class EntryOrders final : public RecordingOrderRows<EntryOrderDesk> {
+   public:
+    using RecordingOrderRows::RecordingOrderRows;
+    RowList list{std::vector<std::string>(1)};
+    const RowList* accounts() const override { return &list; }
+    void submit_available(bool on) override { say("submit", on ? "on" : "off"); }
+    void distribute_available() override { say("distribute on"); }
+    void prices(SymbolHandle, const Symbol& symbol) override { say("prices", symbol.name); }
+    void stop_request_succeeded(std::int64_t order, std::int32_t) override { say("stops", order); }
+  } entry_order{"entry", heard};
+
+  class ClosePositions final : public ClosePositionsDesk, Voice {
+   public:
+    using Voice::Voice;
+    void add_account(std::int32_t account) override { say("adds", account); }
+    void remove_account(std::int32_t account) override { say("removes", account); }
+    void refresh_symbols() override { say("symbols"); }
+    void position_opened(const OpenPosition& position) override { say("opened", position.ticket); }
+    void position_closed(std::int64_t ticket) override { say("closed", ticket); }
+    void prices(SymbolHandle, const Symbol& symbol) override { say("prices", symbol.name); }
+    void result(std::int64_t ticket, std::string_view text) override { say(word(ticket) + ":", text); }
+  } close_positions{"close", heard};
+
+  class Positions final : public PositionBook, Voice {
+   public:
+    using Voice::Voice;
+    void position(const OpenPosition& position) override { say("has", position.ticket); }
+    void remove_position(std::int64_t ticket) override { say("drops", ticket); }
+    void remove_account(std::int32_t account) override { say("removes", account); }
+  } positions{"positions", heard};
+
+  class Pending final : public PendingBook, Voice {
+   public:
+    using Voice::Voice;
+    void order(const PendingOrder& order) override { say("has", order.kind, order.order, order.account); }
+    void remove_order(std::int64_t order) override { say("drops", order); }
+    void remove_account(std::int32_t account) override { say("removes", account); }
+    void order_text(std::int64_t order, std::int32_t, std::string_view text) override {
+      say(word(order) + ":", text);
+    }
+  } pending{"pending", heard};
+
+  class Net final : public NetDesk, Voice {
+   public:
+    using Voice::Voice;
+    void floating_changed(const OpenPosition& position, std::string_view profit) override {
+      say(position.ticket, profit);
+    }
+  } net{"net", heard};
+
+  class MarketWatch final : public MarketWatchDesk, Voice {
+   public:
+    using Voice::Voice;
+    void symbol(SymbolHandle, const Symbol& symbol, std::string_view time) override {
+      say(symbol.name, time);
+    }
+    void prices(SymbolHandle, const Symbol& symbol) override { say("prices", symbol.name); }
+  } market_watch{"watch", heard};
+
+  class RequoteDialog final : public RequoteDesk, Voice {
+   public:
+    using Voice::Voice;
+    void tick(CClientAPIManager& session, const Requote& requote) override {
+      say(requote.order, "of", session.account());
+    }
+    void order_accepted(const OrderReport& report) override { say("accepted", report.number); }
+    void order_rejected(const OrderReport& report) override { say("rejected", report.number); }
+    void session_gone(const CClientAPIManager& session) override { say("gone", session.account()); }
+  } requote{"requote", heard};
+
+  class Status final : public StatusDesk, Voice {
+   public:
+    using Voice::Voice;
+    TotalsForm form = TotalsForm::summaries_changed;
+    void totals_changed(TotalsForm last) override { form = last; }
+    void server_time(std::string_view text) override { say("time", text); }
+    void control_text(int control, std::string_view text) override { say(control, "reads", text); }
+    void control_enabled(int control, bool on) override { say(control, on ? "on" : "off"); }
+  } status{"status", heard};
+};
+
+}  // namespace tutti::testing
