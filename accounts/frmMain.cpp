@@ -102,8 +102,10 @@ void frmMain::refreshsummery_Click(Row& row) {
   cells[Column::used_margin].set_number(summary.used_margin * -1.0, NumberFormat::summary);
   cells[Column::margin_level].set_number(summary.margin_level * 100.0, NumberFormat::percent);
   cells[Column::free_margin].set_number(summary.free_margin, NumberFormat::summary);
+  // Green is the colour of "Connected" alone, so a green cell needs no look at its text.
   Cell& shown_state = cells[Column::state];
-  if (!shown_state.reads("Connected")) shown_state.set_text("Connected");
+  if (shown_state.ink() == Ink::green) return;
+  shown_state.set_text("Connected");
   shown_state.set_ink(Ink::green);
 }
 

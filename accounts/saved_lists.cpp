@@ -17,7 +17,7 @@ std::string line_of(const SavedLists::Record& record) {
 
 std::optional<SavedLists::Record> read_line(std::string_view line) {
   const auto fields = split(line, ",");
-  if (fields.size() < 3) return std::nullopt;
+  if (fields.size() < 3 || fields[0].empty() || fields[1].empty()) return std::nullopt;
   const auto account = parse_int32(fields[2]);
   if (!account) return std::nullopt;
   return SavedLists::Record{std::string{fields[0]}, fields[1], *account};

@@ -12,17 +12,13 @@ int accounts_command(Terminal& terminal) {
   terminal.log_in();
   Main& main = terminal.main();
   const RowList& list = main.accounts().lvwClients;
-  const NamedColumns columns = {{"account", frmMain::account},
-                                {"user", frmMain::user_name},
-                                {"state", frmMain::state},
-                                {"notes", frmMain::notes},
-                                {"balance", frmMain::balance},
-                                {"floating", frmMain::floating},
-                                {"credit", frmMain::credit},
-                                {"equity", frmMain::equity},
-                                {"used_margin", frmMain::used_margin},
-                                {"margin_level", frmMain::margin_level},
-                                {"free_margin", frmMain::free_margin}};
+  const NamedColumns columns = {
+      {"account", frmMain::account},         {"user", frmMain::user_name, true},
+      {"state", frmMain::state, true},       {"notes", frmMain::notes, true},
+      {"balance", frmMain::balance},         {"floating", frmMain::floating},
+      {"credit", frmMain::credit},           {"equity", frmMain::equity},
+      {"used_margin", frmMain::used_margin}, {"margin_level", frmMain::margin_level},
+      {"free_margin", frmMain::free_margin}};
   switch (terminal.options().form) {
     case OutputForm::json:
       fmt::print(

@@ -8,6 +8,7 @@
 
 #include "apps/commands.h"
 #include "apps/output.h"
+#include "apps/requote_answer.h"
 #include "core/numbers.h"
 #include "core/texts.h"
 
@@ -130,6 +131,8 @@ void RowsRun::print(const std::vector<Asked>& all, const char* list_name) const 
 int RowsRun::run(std::size_t account_column, std::size_t symbol_column, const char* list_name,
                  Label& button) {
   terminal_.log_in();
+  if (!terminal_.knows(arguments_.accounts)) return exit_status::usage;
+  const bool everybody = terminal_.tell_unconnected(arguments_.accounts) == 0;
   std::vector<Asked> all;
   for (Row& row : list_) {
     const Asked asked{row.key().number(),
@@ -140,19 +143,21 @@ int RowsRun::run(std::size_t account_column, std::size_t symbol_column, const ch
   }
   for (const std::int64_t number : arguments_.numbers) {
     if (std::none_of(all.begin(), all.end(), [&](const Asked& a) { return a.number == number; })) {
-      fmt::print(stderr, "There is no {} {}\n", name_, number);
+      fmt::print(stderr, "No connected account has {} {}\n", name_, number);
       return exit_status::usage;
     }
   }
   button.click();
-  terminal_.run_until(
-      [&] { return std::all_of(all.begin(), all.end(), [&](const Asked& a) { return answered(a); }); });
+  run_answering(terminal_, arguments_.requote, [&] {
+    return std::all_of(all.begin(), all.end(), [&](const Asked& a) { return answered(a); });
+  });
+  terminal_.journal_unanswered();
   print(all, list_name);
   const bool done = std::all_of(all.begin(), all.end(), [&](const Asked& a) {
     const SentOrder* request = sent(a);
     return request != nullptr && request->outcome == SentOrder::Outcome::accepted;
   });
-  return done && !all.empty() ? exit_status::all_accepted : exit_status::some_refused;
+  return done && everybody && !all.empty() ? exit_status::all_accepted : exit_status::some_refused;
 }
 
 }  // namespace
@@ -162,10 +167,10 @@ int positions_command(Terminal& terminal) {
   print_list(terminal, "positions", terminal.main().trade().lvwOpenPos,
              {{"ticket", frmTrade::ticket},
               {"account", frmTrade::account},
-              {"time", frmTrade::time},
-              {"type", frmTrade::type},
+              {"time", frmTrade::time, true},
+              {"type", frmTrade::type, true},
               {"amount", frmTrade::amount},
-              {"symbol", frmTrade::symbol},
+              {"symbol", frmTrade::symbol, true},
               {"open_price", frmTrade::open_price},
               {"current_price", frmTrade::current_price},
               {"stop_loss", frmTrade::stop_loss},
@@ -173,7 +178,7 @@ int positions_command(Terminal& terminal) {
               {"commission", frmTrade::commission},
               {"interest", frmTrade::interest},
               {"profit", frmTrade::profit}});
-  return exit_status::all_accepted;
+  return terminal.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 
 int orders_command(Terminal& terminal) {
@@ -181,14 +186,14 @@ int orders_command(Terminal& terminal) {
   print_list(terminal, "orders", terminal.main().pending().lvwPending,
              {{"order", frmPending::order_number},
               {"account", frmPending::account},
-              {"type", frmPending::type},
+              {"type", frmPending::type, true},
               {"amount", frmPending::amount},
-              {"symbol", frmPending::symbol},
+              {"symbol", frmPending::symbol, true},
               {"price", frmPending::price},
               {"stop_loss", frmPending::stop_loss},
               {"take_profit", frmPending::take_profit},
-              {"time", frmPending::time}});
-  return exit_status::all_accepted;
+              {"time", frmPending::time, true}});
+  return terminal.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 
 int close_command(Terminal& terminal, const RowsArguments& arguments) {

@@ -9,16 +9,17 @@
 // The commands of the command line. Each prints to standard output and answers the exit status.
 namespace tutti {
 
-struct OrderArguments {
-  enum class Requote { accept, reject, ask };
+// What to answer when the dealer offers another price.
+enum class RequoteReply { accept, reject, ask };
 
+struct OrderArguments {
   bool buy = true;
   std::string symbol;
   std::string amount;                  // lots, as typed
   int rule = 0;                        // index of the rule list: 0 equal, 1 margin, 2 equity
   std::vector<std::int32_t> accounts;  // empty: all
   bool dry_run = false;                // stop after the shares
-  Requote requote = Requote::reject;   // what to answer when the dealer offers another price
+  RequoteReply requote = RequoteReply::reject;
 };
 
 // Which rows of a list are meant; what is empty does not narrow.
@@ -26,6 +27,7 @@ struct RowsArguments {
   std::string symbol;
   std::vector<std::int64_t> numbers;  // tickets or order numbers
   std::vector<std::int32_t> accounts;
+  RequoteReply requote = RequoteReply::reject;
 };
 
 int accounts_command(Terminal& terminal);

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -44,6 +45,7 @@ class OrderRun {
   Main& main_;
   frmorder& form_;
   const OrderArguments& arguments_;
+  std::map<std::int32_t, std::string> not_ticked_;  // why the box of an account could not be ticked
   bool sent_ = false;
 };
 
@@ -53,17 +55,14 @@ bool OrderRun::chosen(std::int32_t account) const {
 }
 
 bool OrderRun::known_arguments() const {
-  for (const std::int32_t account : arguments_.accounts) {
-    if (main_.accounts().sessions().by_account(account) != nullptr) continue;
-    fmt::print(stderr, "Account {} is not in the accounts list\n", account);
-    return false;
-  }
-  if (form_.cbsymbols.find(arguments_.symbol) < 0) {
+  if (!terminal_.knows(arguments_.accounts)) return false;
+  // Where nobody is connected no symbol is known, which is no wrong usage: every account's line says why.
+  if (!form_.cbsymbols.items().empty() && form_.cbsymbols.find(arguments_.symbol) < 0) {
     std::string known;
     for (const std::string& name : form_.cbsymbols.items())
       known += " " + name;
     fmt::print(stderr, "Symbol {} is not carried by any connected account. There are:{}\n", arguments_.symbol,
-               known.empty() ? " none" : known);
+               known);
     return false;
   }
   return true;
@@ -78,10 +77,8 @@ void OrderRun::tick_accounts() {
 
 bool OrderRun::all_answered() const {
   const auto sessions = main_.accounts().sessions().Children();
-  return std::none_of(sessions.begin(), sessions.end(), [](const auto& session) {
-    const auto outcome = session->last_order().outcome;
-    return outcome == SentOrder::Outcome::waiting || outcome == SentOrder::Outcome::pending;
-  });
+  return std::all_of(sessions.begin(), sessions.end(),
+                     [](const auto& session) { return session->last_order().settled(); });
 }
 
 void OrderRun::send() {
@@ -90,22 +87,22 @@ void OrderRun::send() {
   if (!button.enabled()) return;
   sent_ = true;
   button.click();
-  RequoteAnswer answer{main_.requote(), arguments_.requote};
-  terminal_.on_step = [&] { answer.step(); };
-  terminal_.run_until([this] { return all_answered(); });
-  terminal_.on_step = nullptr;
+  run_answering(terminal_, arguments_.requote, [this] { return all_answered(); });
 }
 
 void OrderRun::describe(const CClientAPIManager& session, Line& line) const {
   const Row* row = form_.account_row(session.account());
   if (row != nullptr) {
     line.result = row->text(frmorder::result_text);
+    // Distribute empties the column, and with it why a row could not be ticked.
+    const auto reason = not_ticked_.find(session.account());
+    if (line.result.empty() && reason != not_ticked_.end()) line.result = reason->second;
     if (row->checked() && !row->cell(frmorder::amount).empty()) {
       line.share = row->cell(frmorder::amount).number();
     }
   } else if (const Row* listed = session.ClientListItem()) {
     const std::string notes = listed->text(frmMain::notes);
-    line.result = notes.empty() ? listed->text(frmMain::state) : notes;
+    line.result = notes.empty() ? "not connected: " + listed->text(frmMain::state) : notes;
   }
   const SentOrder& order = session.last_order();
   if (!sent_ || order.outcome == SentOrder::Outcome::none) return;
@@ -165,8 +162,9 @@ void OrderRun::print(const std::vector<Line>& lines) const {
   }
   fmt::print("{} {} {} lots, {}\n{}", arguments_.buy ? "Buy" : "Sell", arguments_.symbol, arguments_.amount,
              form_.CBdis.text(), table.text());
-  fmt::print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n", number_text(round_half_even(sum, 8)),
-             arguments_.amount, without, small, number_text(form_.minimum_lot()));
+  fmt::print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
+             number_text(round_half_even(sum, 8)), arguments_.amount, without, small,
+             number_text(form_.minimum_lot()));
   if (arguments_.dry_run) return;
   fmt::print("{} of {} accepted\n{}\n\n{}", accepted, lines.size(), main_.window().totals_pane(),
              journal_text(main_));
@@ -196,10 +194,16 @@ int OrderRun::run() {
   form_.cbsymbols.choose(arguments_.symbol);
   form_.txtammount.type(arguments_.amount);
   tick_accounts();
-  form_.cmddis.click();
+  for (const Row& row : form_.lvwConClients) {
+    if (!row.checked()) {
+      not_ticked_[static_cast<std::int32_t>(row.key().number())] = row.text(frmorder::result_text);
+    }
+  }
+  if (!form_.lvwConClients.empty()) form_.cmddis.click();
   if (!arguments_.dry_run) send();
 
   const std::vector<Line> all = lines();
+  terminal_.journal_unanswered();
   if (terminal_.options().form == OutputForm::json) {
     print_json(all);
   } else {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 namespace tutti {
@@ -48,21 +49,21 @@ std::string TextTable::text() const {
 }
 
 nlohmann::json rows_json(const RowList& list, const NamedColumns& columns) {
-  std::vector<bool> numbers;
-  for (const auto& [name, column] : columns)
-    numbers.push_back(holds_numbers(list, column));
   nlohmann::json out = nlohmann::json::array();
   for (const Row& row : list) {
     nlohmann::json object = nlohmann::json::object();
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      const Cell& cell = row.cell(columns[i].second);
+    for (const NamedColumn& column : columns) {
+      const Cell& cell = row.cell(column.column);
       const double value = cell.stored_number();
-      nlohmann::json& field = object[columns[i].first];
-      if (cell.is_number() && value == static_cast<double>(static_cast<std::int64_t>(value))) {
+      nlohmann::json& field = object[column.name];
+      constexpr double largest_exact = 9007199254740992.0;  // beyond it doubles skip whole numbers
+      if (const auto whole = cell.whole()) {
+        field = *whole;
+      } else if (cell.is_number() && std::fabs(value) <= largest_exact && value == std::trunc(value)) {
         field = static_cast<std::int64_t>(value);
       } else if (cell.is_number()) {
         field = value;
-      } else if (!cell.empty() || !numbers[i]) {
+      } else if (!cell.empty() || column.words) {
         field = cell.text();
       }
     }
@@ -73,14 +74,14 @@ nlohmann::json rows_json(const RowList& list, const NamedColumns& columns) {
 
 std::string rows_csv(const RowList& list, const NamedColumns& columns) {
   std::string out;
-  for (const auto& [name, column] : columns)
-    out += (out.empty() ? "" : ",") + name;
+  for (const NamedColumn& column : columns)
+    out += (out.empty() ? "" : ",") + column.name;
   out += "\n";
   for (const Row& row : list) {
     std::string line;
-    for (const auto& [name, column] : columns) {
-      if (column != columns.front().second) line += ",";
-      line += csv_field(row.text(column));
+    for (const NamedColumn& column : columns) {
+      if (&column != &columns.front()) line += ",";
+      line += csv_field(row.text(column.column));
     }
     out += line + "\n";
   }

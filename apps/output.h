@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <nlohmann/json_fwd.hpp>
@@ -34,9 +33,14 @@ class TextTable {
 };
 
 // Columns of a list by the names machines know them by.
-using NamedColumns = std::vector<std::pair<std::string, std::size_t>>;
+struct NamedColumn {
+  std::string name;
+  std::size_t column = 0;
+  bool words = false;  // holds texts, not numbers
+};
+using NamedColumns = std::vector<NamedColumn>;
 
-// The rows as objects: numbers as numbers; an empty cell of a column that holds numbers elsewhere is null.
+// The rows as objects: numbers as numbers; an empty cell of a column of numbers is null.
 nlohmann::json rows_json(const RowList& list, const NamedColumns& columns);
 std::string rows_csv(const RowList& list, const NamedColumns& columns);
 // All columns under the list's own headers.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -20,18 +21,21 @@ std::string RequoteAnswer::typed_line() {
 
 void RequoteAnswer::step() {
   if (!form_.Displayed()) {
-    asked_.clear();
+    asked_ = 0;
     return;
   }
-  const std::string order = form_.lblOrder.text() + ", new price " + form_.lblNewPrice.text();
-  if (order != asked_) {
-    fmt::print(stderr, "Requote: {}{}\n", order,
-               how_ == OrderArguments::Requote::ask ? ". Accept? (y/n)" : "");
-    asked_ = order;
+  if (form_.order() != asked_) {
+    asked_ = form_.order();
+    // What was typed before this order came on show was not meant for it.
+    if (isatty(STDIN_FILENO) != 0) tcflush(STDIN_FILENO, TCIFLUSH);
+    typed_.clear();
+    fmt::print(stderr, "Requote of order {}, account {}: {}, new price {}{}\n", asked_, form_.account(),
+               form_.lblOrder.text(), form_.lblNewPrice.text(),
+               how_ == RequoteReply::ask ? ". Accept? (y/n)" : "");
   }
   if (form_.buttons_dead()) return;
-  if (how_ == OrderArguments::Requote::accept) return form_.cmdAccept.click();
-  if (how_ == OrderArguments::Requote::reject) return form_.cmdReject.click();
+  if (how_ == RequoteReply::accept) return form_.cmdAccept.click();
+  if (how_ == RequoteReply::reject) return form_.cmdReject.click();
   const std::string line = typed_line();
   if (line.empty()) return;
   if (line.front() == 'y' || line.front() == 'Y') {
@@ -39,6 +43,13 @@ void RequoteAnswer::step() {
   } else {
     form_.cmdReject.click();
   }
+}
+
+void run_answering(Terminal& terminal, RequoteReply how, const std::function<bool()>& done) {
+  RequoteAnswer answer{terminal.main().requote(), how};
+  terminal.on_step = [&] { answer.step(); };
+  terminal.run_until(done);
+  terminal.on_step = nullptr;
 }
 
 }  // namespace tutti

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 
 #include "apps/commands.h"
@@ -11,7 +13,7 @@ namespace tutti {
 // The countdown goes on while nobody has typed.
 class RequoteAnswer {
  public:
-  RequoteAnswer(frmPriceChanged& form, OrderArguments::Requote how) : form_(form), how_(how) {}
+  RequoteAnswer(frmPriceChanged& form, RequoteReply how) : form_(form), how_(how) {}
 
   // To be called with every step of the terminal.
   void step();
@@ -21,9 +23,12 @@ class RequoteAnswer {
   std::string typed_line();
 
   frmPriceChanged& form_;
-  OrderArguments::Requote how_;
-  std::string asked_;  // the order that was asked about last
+  RequoteReply how_;
+  std::int64_t asked_ = 0;  // the order that was asked about last
   std::string typed_;
 };
+
+// Runs the terminal until the condition holds or the time is over, and answers the requotes meanwhile.
+void run_answering(Terminal& terminal, RequoteReply how, const std::function<bool()>& done);
 
 }  // namespace tutti

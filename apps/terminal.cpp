@@ -114,6 +114,35 @@ void Terminal::log_in() {
   if (show) fmt::print(stderr, "\r\x1b[K");
 }
 
+void Terminal::journal_unanswered() {
+  for (const auto& session : main_->accounts().sessions().Children())
+    session->journal_unanswered();
+}
+
+bool Terminal::knows(const std::vector<std::int32_t>& accounts) const {
+  for (const std::int32_t account : accounts) {
+    if (main_->accounts().sessions().by_account(account) != nullptr) continue;
+    fmt::print(stderr, "Account {} is not in the accounts list\n", account);
+    return false;
+  }
+  return true;
+}
+
+std::size_t Terminal::tell_unconnected(const std::vector<std::int32_t>& accounts) const {
+  std::size_t missing = 0;
+  for (const Row& row : main_->accounts().lvwClients) {
+    const auto number = static_cast<std::int32_t>(row.cell(frmMain::account).stored_number());
+    const bool asked =
+        accounts.empty() || std::find(accounts.begin(), accounts.end(), number) != accounts.end();
+    if (asked && !row.reads(frmMain::state, "Connected")) ++missing;
+  }
+  if (missing > 0) {
+    fmt::print(stderr, "{} accounts are not connected and not in this result: see tuttictl accounts\n",
+               missing);
+  }
+  return missing;
+}
+
 tl::expected<void, FileError> Terminal::save_book() {
   if (server_->book_revision() == saved_revision_ && !options_.fresh) return {};
   auto saved = server_->save_book(book_file());

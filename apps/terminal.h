@@ -58,6 +58,12 @@ class Terminal {
   std::function<void()> on_step;
   // Waits until no account is on its way any more; shows how far it is when standard error is a terminal.
   void log_in();
+  // Gives up waiting for results; the journal then names what stays unknown.
+  void journal_unanswered();
+  // False, after a message, when one of these accounts is not in the accounts list.
+  bool knows(const std::vector<std::int32_t>& accounts) const;
+  // How many of these accounts, or of all when none is named, are not connected; says so when there are any.
+  std::size_t tell_unconnected(const std::vector<std::int32_t>& accounts) const;
   // Writes the dealing server's book when it changed.
   tl::expected<void, FileError> save_book();
 

@@ -17,7 +17,8 @@ MGeneral::MGeneral(const Paths& paths_in, const Clock& clock_in, SoundPort& soun
       prompt(prompt_in),
       wave(sound),
       files(paths_in),
-      msg_box(prompt_in, messages) {}
+      msg_box(prompt_in, messages),
+      messages_(messages) {}
 
 int MGeneral::amount_decimals() const {
   return static_cast<int>(std::clamp(round_half_even(read_number(amount_precision_), 0), 0.0, 15.0));

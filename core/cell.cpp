@@ -8,12 +8,6 @@
 
 namespace tutti {
 
-void Cell::become_number(NumberFormat format) {
-  if (kind_ == Kind::text) drop_text();
-  kind_ = Kind::number;
-  format_ = format;
-}
-
 void Cell::drop_text() {
   delete value_.text;
   kind_ = Kind::empty;
@@ -44,6 +38,7 @@ void Cell::set_text(std::string_view text) {
 std::string Cell::text() const {
   if (kind_ == Kind::text) return *value_.text;
   if (kind_ == Kind::empty) return {};
+  if (kind_ == Kind::whole) return std::to_string(value_.whole);
   switch (format_) {
     case NumberFormat::summary:
       return summary_text(value_.number);
@@ -61,6 +56,7 @@ std::string Cell::text() const {
 
 double Cell::number() const {
   if (kind_ == Kind::empty) return 0.0;
+  if (kind_ == Kind::whole) return static_cast<double>(value_.whole);
   if (kind_ == Kind::number && format_ == NumberFormat::general) return as_text_reads(value_.number);
   return read_number(text());
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -32,8 +33,16 @@ class Cell {
   }
 
   void set_number(double number, NumberFormat format) {
-    if (kind_ != Kind::number || format_ != format) become_number(format);
+    if (kind_ == Kind::text) drop_text();
     value_.number = number;
+    kind_ = Kind::number;
+    format_ = format;
+  }
+  // A ticket or order number: all 64 bits of it, which a double would not keep.
+  void set_whole(std::int64_t number) {
+    if (kind_ == Kind::text) drop_text();
+    value_.whole = number;
+    kind_ = Kind::whole;
   }
   // `decimals` from 0 to 15, as of a price.
   void set_fixed(double number, int decimals) {
@@ -44,13 +53,20 @@ class Cell {
   void set_ink(Ink ink) { ink_ = ink; }
 
   bool empty() const { return kind_ == Kind::empty; }
-  bool is_number() const { return kind_ == Kind::number; }
+  bool is_number() const { return kind_ == Kind::number || kind_ == Kind::whole; }
+  // What set_whole set; nothing for other cells.
+  std::optional<std::int64_t> whole() const {
+    return kind_ == Kind::whole ? std::optional{value_.whole} : std::nullopt;
+  }
   // What the operator reads.
   std::string text() const;
   // The number behind the cell: what read_number makes of its text.
   double number() const;
   // The number as it was set, 0 for texts: for cells that hold whole numbers or are summed up.
-  double stored_number() const { return kind_ == Kind::number ? value_.number : 0.0; }
+  double stored_number() const {
+    if (kind_ == Kind::whole) return static_cast<double>(value_.whole);
+    return kind_ == Kind::number ? value_.number : 0.0;
+  }
   // Same as text() == other; numbers never equal a word.
   bool reads(std::string_view other) const {
     return kind_ == Kind::text ? *value_.text == other : kind_ == Kind::empty && other.empty();
@@ -58,13 +74,13 @@ class Cell {
   Ink ink() const { return ink_; }
 
  private:
-  enum class Kind : std::uint8_t { empty, number, text };
+  enum class Kind : std::uint8_t { empty, number, whole, text };
   union Value {
     double number = 0.0;
+    std::int64_t whole;
     std::string* text;  // owned while kind_ is text
   };
 
-  void become_number(NumberFormat format);
   void drop_text();
   void swap(Cell& other) noexcept;
 

@@ -77,6 +77,8 @@ tl::expected<Secret, FileError> KeyFile::read() const {
     return tl::unexpected(FileError{path_, "this key of the account records is refused: " + reason});
   };
   if (path_.empty()) return Secret{};
+  // Every use of a key begins with its reading.
+  if (::sodium_init() < 0) return refused("there is no source of random numbers");
   // Opening must not wait for the other end of a pipe.
   const Descriptor in{::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)};
   if (!in.open()) {
@@ -98,7 +100,6 @@ tl::expected<void, FileError> KeyFile::create() const {
     return tl::unexpected(
         FileError{"key", "there is no place for the key of the account records: no home folder is known"});
   }
-  if (::sodium_init() < 0) return tl::unexpected(FileError{path_, "no source of random numbers"});
   const fs::path folder = path_.has_parent_path() ? path_.parent_path() : fs::path{"."};
   if (auto made = make_private_folder(folder); !made) return made;
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <utility>
 
 #include "core/message.h"
 

@@ -72,8 +72,7 @@ std::optional<std::int32_t> parse_int32(std::string_view text) {
 
 std::string number_text(double value) {
   if (!std::isfinite(value) || value == 0.0) return "0";
-  std::string text = fmt::format("{:.15G}", value);
-  return text;
+  return fmt::format("{:.15G}", value);
 }
 
 double as_text_reads(double value) {
@@ -95,7 +94,10 @@ std::string summary_text(double value) {
 }
 
 std::string fixed_text(double value, int decimals) {
-  return fmt::format("{:.{}f}", std::isfinite(value) ? value : 0.0, std::clamp(decimals, 0, 15));
+  std::string text = fmt::format("{:.{}f}", std::isfinite(value) ? value : 0.0, std::clamp(decimals, 0, 15));
+  // What rounds to 0 has no sign.
+  if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos) text.erase(0, 1);
+  return text;
 }
 
 double round_half_even(double value, int decimals) {

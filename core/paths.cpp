@@ -1,5 +1,6 @@
 #include "core/paths.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -10,7 +11,9 @@ namespace tutti {
 namespace fs = std::filesystem;
 
 namespace {
-bool is_slash(char c) { return c == '/' || c == '\\'; }
+bool is_slash(char c) {
+  return c == '/' || c == '\\';
+}
 }  // namespace
 
 Paths::Paths(fs::path application_folder) : folder_(std::move(application_folder)) {}
@@ -33,13 +36,15 @@ fs::path Paths::child(const fs::path& folder, std::string_view name) const {
 }
 
 fs::path Paths::file(std::string_view name) const {
+  std::error_code error;
   const std::string prefix = folder_.string();
   // A neighbour whose name merely begins like the folder's is not inside it.
-  const bool inside = name.starts_with(prefix) &&
-                      (name.size() == prefix.size() || is_slash(name[prefix.size()]) || prefix.ends_with('/'));
+  const bool inside = name.starts_with(prefix) && (name.size() == prefix.size() ||
+                                                   is_slash(name[prefix.size()]) || prefix.ends_with('/'));
   if (inside) {
     name.remove_prefix(prefix.size());
-  } else if (fs::path given{name}; given.is_absolute() && fs::exists(given.parent_path())) {
+  } else if (fs::path given{name};
+             given.is_absolute() && (fs::exists(given.parent_path(), error) || error)) {  // or out of reach
     return given;
   }
   fs::path at = folder_;

@@ -3,9 +3,10 @@
 #include <any>
 #include <cassert>
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "core/cell.h"
 #include "core/row_key.h"
@@ -16,10 +17,14 @@ namespace tutti {
 // themselves on every change so that a window can pull just what differs.
 class Row {
  public:
-  Row(RowKey key, std::size_t columns, std::uint64_t* list_stamp)
-      : key_(key), list_stamp_(list_stamp), cells_(columns) {
-    touch();
-  }
+  // Frees a row together with its cells.
+  struct Deleter {
+    void operator()(Row* row) const;
+  };
+  using Owner = std::unique_ptr<Row, Deleter>;
+
+  // A row with its cells right behind it in one block, since whoever touches the one touches the other.
+  static Owner make(RowKey key, std::size_t columns, std::uint64_t* list_stamp);
   Row(const Row&) = delete;
   Row& operator=(const Row&) = delete;
 
@@ -27,11 +32,11 @@ class Row {
   std::uint64_t stamp() const { return stamp_; }
   bool checked() const { return checked_; }
   bool selected() const { return selected_; }
-  std::size_t columns() const { return cells_.size(); }
+  std::size_t columns() const { return columns_; }
 
   const Cell& cell(std::size_t column) const {
-    assert(column < cells_.size());
-    return cells_[column];
+    assert(column < columns_);
+    return cells()[column];
   }
   std::string text(std::size_t column) const { return cell(column).text(); }
   bool reads(std::size_t column, std::string_view text) const { return cell(column).reads(text); }
@@ -46,15 +51,24 @@ class Row {
   void set_number(std::size_t column, double number, NumberFormat format = NumberFormat::general) {
     edit(column).set_number(number, format);
   }
+  void set_whole(std::size_t column, std::int64_t number) { edit(column).set_whole(number); }
   void set_fixed(std::size_t column, double number, int decimals) {
     edit(column).set_fixed(number, decimals);
   }
+  // The same for a price that may be missing: 0 leaves the cell empty.
+  void set_fixed_or_empty(std::size_t column, double number, int decimals) {
+    if (number == 0.0) {
+      set_text(column, "");
+    } else {
+      set_fixed(column, number, decimals);
+    }
+  }
   // Several cells in a row under one stamp, from `first` on. The pointer is good until the row goes.
   Cell* edit_from(std::size_t first, std::size_t count) {
-    assert(first + count <= cells_.size());
+    assert(first + count <= columns_);
     (void)count;
     touch();
-    return cells_.data() + first;
+    return cells() + first;
   }
   void clear_cells(std::size_t first, std::size_t last) {
     for (std::size_t column = first; column <= last; ++column)
@@ -83,10 +97,18 @@ class Row {
  private:
   friend class RowList;
 
-  Cell& edit(std::size_t column) {
-    assert(column < cells_.size());
+  Row(RowKey key, std::size_t columns, std::uint64_t* list_stamp)
+      : key_(key), list_stamp_(list_stamp), columns_(static_cast<std::uint32_t>(columns)) {
     touch();
-    return cells_[column];
+  }
+  ~Row() = default;
+
+  Cell* cells() { return std::launder(reinterpret_cast<Cell*>(this + 1)); }
+  const Cell* cells() const { return std::launder(reinterpret_cast<const Cell*>(this + 1)); }
+  Cell& edit(std::size_t column) {
+    assert(column < columns_);
+    touch();
+    return cells()[column];
   }
   void touch() { stamp_ = ++*list_stamp_; }
 
@@ -94,10 +116,11 @@ class Row {
   std::uint64_t stamp_ = 0;
   std::uint64_t* list_stamp_;  // the owning list's counter
   std::int64_t place_ = 0;     // index within the list plus the list's first place
+  std::uint32_t columns_;
   bool checked_ = false;
   bool selected_ = false;
-  std::vector<Cell> cells_;
   std::any data_;
 };
+static_assert(sizeof(Row) % alignof(Cell) == 0);
 
 }  // namespace tutti

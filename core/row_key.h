@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,25 +13,29 @@ namespace tutti {
 class RowKey {
  public:
   constexpr RowKey() = default;
-  // `number` may be negative; its magnitude stays below 2^55.
-  constexpr RowKey(char prefix, std::int64_t number)
-      : packed_(static_cast<std::uint64_t>(static_cast<unsigned char>(prefix)) << 56 |
-                (static_cast<std::uint64_t>(number) & number_mask)) {}
+  constexpr RowKey(char prefix, std::int64_t number) : number_(number), prefix_(prefix) {}
 
   // Nothing unless the text is one character followed by a decimal number.
   static std::optional<RowKey> parse(std::string_view text);
 
-  constexpr bool empty() const { return packed_ == 0; }
-  constexpr char prefix() const { return static_cast<char>(packed_ >> 56); }
-  constexpr std::int64_t number() const { return static_cast<std::int64_t>(packed_ << 8) >> 8; }
-  constexpr std::uint64_t packed() const { return packed_; }
+  constexpr bool empty() const { return prefix_ == '\0'; }
+  constexpr char prefix() const { return prefix_; }
+  constexpr std::int64_t number() const { return number_; }
   std::string text() const;
 
   constexpr bool operator==(const RowKey&) const = default;
 
+  struct Hash {
+    constexpr std::size_t operator()(const RowKey& key) const {
+      return static_cast<std::size_t>(static_cast<std::uint64_t>(key.number_) ^
+                                      static_cast<std::uint64_t>(static_cast<unsigned char>(key.prefix_))
+                                          << 56);
+    }
+  };
+
  private:
-  static constexpr std::uint64_t number_mask = (std::uint64_t{1} << 56) - 1;
-  std::uint64_t packed_ = 0;
+  std::int64_t number_ = 0;
+  char prefix_ = '\0';
 };
 
 // Accounts: the session number in the accounts list, the account number in the order windows.

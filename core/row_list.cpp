@@ -19,8 +19,8 @@ void RowList::set_column_width(std::size_t column, double percent) {
 
 Row* RowList::insert(std::size_t index, RowKey key) {
   assert(index <= rows_.size());
-  if (!key.empty() && by_key_.contains(key.packed())) return nullptr;
-  auto owned = std::make_unique<Row>(key, columns_.size(), &stamp_);
+  if (!key.empty() && by_key_.contains(key)) return nullptr;
+  auto owned = Row::make(key, columns_.size(), &stamp_);
   Row* row = owned.get();
   if (index == 0) {
     // The rows behind keep their places; only the list's first place moves.
@@ -31,7 +31,7 @@ Row* RowList::insert(std::size_t index, RowKey key) {
     const auto at = rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(index), std::move(owned));
     std::for_each(std::next(at), rows_.end(), [](auto& behind) { ++behind->place_; });
   }
-  if (!key.empty()) by_key_.emplace(key.packed(), row);
+  if (!key.empty()) by_key_.emplace(key, row);
   structure_changed();
   return row;
 }
@@ -39,7 +39,7 @@ Row* RowList::insert(std::size_t index, RowKey key) {
 void RowList::remove(Row& row) {
   const std::size_t index = index_of(row);
   assert(index < rows_.size() && rows_[index].get() == &row);
-  if (!row.key_.empty()) by_key_.erase(row.key_.packed());
+  if (!row.key_.empty()) by_key_.erase(row.key_);
   if (current_ == &row) current_ = nullptr;
   if (index == 0) {
     ++first_place_;
@@ -68,14 +68,14 @@ void RowList::clear() {
 
 bool RowList::rekey(Row& row, RowKey key) {
   if (row.key_ == key) return true;
-  if (!key.empty() && !by_key_.emplace(key.packed(), &row).second) return false;
-  if (!row.key_.empty()) by_key_.erase(row.key_.packed());
+  if (!key.empty() && !by_key_.emplace(key, &row).second) return false;
+  if (!row.key_.empty()) by_key_.erase(row.key_);
   row.key_ = key;
   row.touch();
   return true;
 }
 
-std::deque<std::unique_ptr<Row>> RowList::take_all() {
+std::deque<Row::Owner> RowList::take_all() {
   by_key_.clear();
   current_ = nullptr;
   first_place_ = 0;
@@ -83,9 +83,9 @@ std::deque<std::unique_ptr<Row>> RowList::take_all() {
   return std::exchange(rows_, {});
 }
 
-void RowList::put_back(std::deque<std::unique_ptr<Row>> rows) {
+void RowList::put_back(std::deque<Row::Owner> rows) {
   for (auto& row : rows) {
-    if (!row->key_.empty()) by_key_.emplace(row->key_.packed(), row.get());
+    if (!row->key_.empty()) by_key_.emplace(row->key_, row.get());
   }
   rows.insert(rows.end(), std::make_move_iterator(rows_.begin()), std::make_move_iterator(rows_.end()));
   rows_ = std::move(rows);

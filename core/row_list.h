@@ -44,7 +44,7 @@ class RowList {
 
   // nullptr when no row has the key.
   Row* find(RowKey key) const {
-    const auto at = by_key_.find(key.packed());
+    const auto at = by_key_.find(key);
     return at == by_key_.end() ? nullptr : at->second;
   }
 
@@ -58,8 +58,8 @@ class RowList {
   // False when another row has the key.
   bool rekey(Row& row, RowKey key);
   // Takes all rows out, in order, and puts such rows back in front of what stands there now.
-  std::deque<std::unique_ptr<Row>> take_all();
-  void put_back(std::deque<std::unique_ptr<Row>> rows);
+  std::deque<Row::Owner> take_all();
+  void put_back(std::deque<Row::Owner> rows);
 
   Row* current() const { return current_; }
   void set_current(Row* row) { current_ = row; }
@@ -105,8 +105,8 @@ class RowList {
   void structure_changed() { structure_stamp_ = ++stamp_; }
 
   std::vector<Column> columns_;
-  std::deque<std::unique_ptr<Row>> rows_;
-  tsl::robin_map<std::uint64_t, Row*> by_key_;
+  std::deque<Row::Owner> rows_;
+  tsl::robin_map<RowKey, Row*, RowKey::Hash> by_key_;
   std::int64_t first_place_ = 0;
   Row* current_ = nullptr;
   std::uint64_t stamp_ = 0;

@@ -19,8 +19,9 @@ class Secret {
   Secret() = default;
   // Implicit, so that login data can be written down as plain texts; the way back is reveal().
   template <class Text>
-  requires std::convertible_to<const Text&, std::string_view> Secret(const Text& text)
-      : Secret(std::string_view{text}, 0) {}  // NOLINT(google-explicit-constructor)
+  requires std::convertible_to<const Text&, std::string_view>
+  // NOLINTNEXTLINE(google-explicit-constructor): see above
+  Secret(const Text& text) : Secret(std::string_view{text}, 0) {}
   ~Secret() { wipe(); }
   Secret(Secret&& other) noexcept : bytes_(std::move(other.bytes_)), size_(std::exchange(other.size_, 0)) {}
   Secret& operator=(Secret&& other) noexcept {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/secret.h"
+
 namespace tutti {
 namespace {
 constexpr std::int16_t backspace = 8;
@@ -10,6 +12,11 @@ constexpr std::int16_t backspace = 8;
 void TextBox::select(std::size_t start, std::size_t length) {
   sel_start_ = std::min(start, text_.size());
   sel_length_ = std::min(length, text_.size() - sel_start_);
+}
+
+void TextBox::wipe_text() {
+  wipe(text_);
+  select(0, 0);
 }
 
 void TextBox::type(std::string_view keys) {

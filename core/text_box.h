@@ -21,6 +21,8 @@ class TextBox {
     text_ = text;
     select(text_.size(), 0);
   }
+  // Empties the box and overwrites what stood in it, as of a password.
+  void wipe_text();
   void set_enabled(bool enabled) { enabled_ = enabled; }
   void set_visible(bool visible) { visible_ = visible; }
   // Selection in bytes; held to the text.

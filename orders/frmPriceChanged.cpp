@@ -51,7 +51,9 @@ void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, st
 }
 
 bool frmPriceChanged::buttons_dead() const {
-  return general_.clock.now() - shown_since_ < dead_time;
+  const auto shown_for = general_.clock.now() - shown_since_;
+  // A clock that was set back must not keep the operator from answering.
+  return shown_for >= shown_for.zero() && shown_for < dead_time;
 }
 
 void frmPriceChanged::cmdAccept_Click() {
@@ -69,12 +71,12 @@ void frmPriceChanged::answer(std::int32_t (ClientAPI::*operation)(std::int64_t),
   answered_.insert({session_, order});
   const std::int32_t code = (session_->ClientAPIF().*operation)(order);
   hide();
-  settle(order, account, word);
+  const bool row_written = settle(order, account, word);
   // The dealer may not have taken the answer; the row then says why instead.
   const std::string_view refusal = request::text(code);
   if (refusal.empty()) return;
   general_.log("Order number " + std::to_string(order) + ": " + std::string{refusal}, account);
-  market_order_.UpdateResult(refusal, account);
+  if (row_written) market_order_.UpdateResult(refusal, account);
 }
 
 void frmPriceChanged::hide() {
@@ -83,17 +85,16 @@ void frmPriceChanged::hide() {
   Displayed(false);
 }
 
-void frmPriceChanged::settle(std::int64_t order, std::int32_t account, std::string_view word) {
+bool frmPriceChanged::settle(std::int64_t order, std::int32_t account, std::string_view word) {
   Row* pending_row = pending_.lvwPending.find(order_key(order));
-  if (pending_row == nullptr) return;
+  if (pending_row == nullptr) return false;
   const std::string type = pending_row->text(frmPending::type);
-  if (type == "Buy" || type == "Sell" || type == "New") {
-    const Row* row = market_order_.account_row(account);
-    if (row != nullptr && row->checked()) {
-      market_order_.UpdateResult("Order number " + std::to_string(order) + std::string{word}, account);
-    }
-  }
   pending_.Remove(*pending_row);
+  if (type != "Buy" && type != "Sell" && type != "New") return false;
+  const Row* row = market_order_.account_row(account);
+  if (row == nullptr || !row->checked()) return false;
+  market_order_.UpdateResult("Order number " + std::to_string(order) + std::string{word}, account);
+  return true;
 }
 
 void frmPriceChanged::forget_if_held(std::int64_t order) {

@@ -36,6 +36,10 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   // "9 / 10" while a requote counts down.
   const std::string& caption() const { return caption_; }
 
+  // Of the order on show.
+  std::int64_t order() const { return order_; }
+  std::int32_t account() const { return account_; }
+
   // One tick of the countdown. `side` 1 is buy, any other sell; amount in lots.
   void SetData(CClientAPIManager& session, std::int64_t order, std::int32_t account, std::int32_t side,
                double amount, std::string_view symbol, double price, double new_price,
@@ -44,7 +48,8 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   void cmdReject_Click();
   // The dialog was closed by its frame, which is a rejection.
   void close_by_frame() { cmdReject_Click(); }
-  // Seconds of dead time left; the window greys the buttons meanwhile.
+  // True during the dead time: a click, and closing by the frame, does nothing, and the window greys the
+  // buttons.
   bool buttons_dead() const;
 
   // The session's events, passed on to the pending orders view.
@@ -61,7 +66,8 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   using Id = std::pair<const CClientAPIManager*, std::int64_t>;
 
   void answer(std::int32_t (ClientAPI::*operation)(std::int64_t), std::string_view word);
-  void settle(std::int64_t order, std::int32_t account, std::string_view word);
+  // Settles the order's rows; true when the account's row in the market order window was written.
+  bool settle(std::int64_t order, std::int32_t account, std::string_view word);
   void hide();
   void forget_if_held(std::int64_t order);
 

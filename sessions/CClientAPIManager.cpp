@@ -18,21 +18,14 @@ constexpr std::size_t column_notes = 4;
 constexpr std::size_t column_first_value = 5;
 constexpr std::size_t column_last_value = 11;
 
-// Command-bar controls of the main window.
-constexpr int control_waiting = 100025;
-constexpr int control_connected = 100026;
-constexpr int first_trade_control = 100017;
-constexpr int last_trade_control = 100020;
-
 // Values beyond this are no account of anyone, and would wipe out the other accounts' share of the totals.
 constexpr double largest_value = 1e15;
 
 // False for values that are no numbers, too.
 bool usable(const AccountSummary& s) {
-  return std::fabs(s.balance) < largest_value && std::fabs(s.floating_pl) < largest_value &&
-         std::fabs(s.credit) < largest_value && std::fabs(s.equity) < largest_value &&
-         std::fabs(s.used_margin) < largest_value && std::fabs(s.margin_level) < largest_value &&
-         std::fabs(s.free_margin) < largest_value;
+  return std::fabs(s.balance) + std::fabs(s.floating_pl) + std::fabs(s.credit) + std::fabs(s.equity) +
+             std::fabs(s.used_margin) + std::fabs(s.margin_level) + std::fabs(s.free_margin) <
+         largest_value;
 }
 
 // Runs one statement of a handler that goes on with the next one whatever happens.
@@ -81,7 +74,7 @@ std::string CClientAPIManager::SummaryDesc(double balance, double equity, double
 
 void CClientAPIManager::CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
   if (!usable(reported)) {
-    log("The server sent account values that are no numbers; they are not shown");
+    refuse("The account's summary");
     return;
   }
   const Totals now{reported.balance,    reported.floating_pl,        reported.credit,
@@ -109,10 +102,17 @@ void CClientAPIManager::ConnectionState(bool connected) {
       row_->clear_cells(column_first_value, column_last_value);
     }
   });
-  if (connected) return;
+  if (connected) {
+    account_known_ = true;
+    refused_.clear();
+    return;
+  }
   carry_on(general_, account_, [&] { release_totals(); });
   carry_on(general_, account_, [&] { journal_unanswered(); });
-  carry_on(general_, account_, [&] { desk_.remove_account(account_); });
+  // Under a number that is not this user's, the rows are those of somebody who may still be connected.
+  carry_on(general_, account_, [&] {
+    if (account_known_) desk_.remove_account(account_);
+  });
   carry_on(general_, account_, [&] { desk_.requote->session_gone(*this); });
 }
 
@@ -123,15 +123,14 @@ void CClientAPIManager::WaitingMode(std::int32_t mode) {
       desk_.entry_order->submit_available(false);
       break;
     case waiting_mode::waiting:
-      desk_.status->control_text(control_waiting, "Waiting");
-      desk_.status->control_text(control_connected, "Connected");
+      desk_.status->control_text(StatusDesk::waiting_control, "Waiting");
+      desk_.status->control_text(StatusDesk::connected_control, "Connected");
       desk_.entry_order->submit_available(false);
       break;
     case waiting_mode::normal:
-      desk_.status->control_text(control_waiting, "");
-      for (int control = first_trade_control; control <= last_trade_control; ++control) {
-        desk_.status->control_enabled(control, true);
-      }
+      desk_.status->control_text(StatusDesk::waiting_control, "");
+      for (int id = StatusDesk::first_trade_control; id <= StatusDesk::last_trade_control; ++id)
+        desk_.status->control_enabled(id, true);
       desk_.entry_order->distribute_available();
       break;
     default:
@@ -156,7 +155,8 @@ void CClientAPIManager::InvalidUsernamePassword() {
 
 void CClientAPIManager::AllDataAreLoaded() {
   general_.play_sound("\\sounds\\Connect.WAV");
-  if (!client_->FindAccount(account_)) {
+  account_known_ = client_->FindAccount(account_).has_value();
+  if (!account_known_) {
     if (row_ != nullptr) {
       row_->set_text(column_notes, "Invalid account");
       row_->set_text(column_state, "Invalid account", Ink::red);
@@ -192,7 +192,8 @@ void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {
   const auto key = parse_int32(key_text);
   if (!key || *key != key_ || row_ == nullptr) return;
   desk_.accounts->select_client(*row_);
-  row_->set_text(column_notes, "Invalid account ID");
+  // Whoever hears of the selection may have removed the account.
+  if (row_ != nullptr) row_->set_text(column_notes, "Invalid account ID");
 }
 
 std::string_view CClientAPIManager::ResultDescription(std::int32_t code) {
@@ -209,6 +210,11 @@ void CClientAPIManager::ServerTime(TimePoint time) {
 
 void CClientAPIManager::ServerRouted(std::string_view address, std::string_view port) {
   options_.RoutServer(address, read_integer(port));
+}
+
+void CClientAPIManager::refuse(const std::string& what) {
+  if (!refused_.insert(what).second) return;
+  log(what + " came with values that are no numbers or out of all bounds; it is not shown");
 }
 
 void CClientAPIManager::tell(const std::string& text) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,13 +81,16 @@ class CClientAPIManager final : public CLAPICLASS {
 
   // Market orders of this account: the fan-out notes each one it sends.
   void note_sent(const SentOrder& order);
-  const SentOrder& last_order() const { return last_order_; }
+  // The one sent last; its outcome is `none` when nothing was sent.
+  const SentOrder& last_order() const;
   // Closes a position of this account, or `amount` lots of it; cancels an entry order or the SL/TP order of a
   // position. Each answers the request code and keeps account of what becomes of it.
   std::int32_t close_position(std::int64_t ticket, double amount);
   std::int32_t cancel_order(std::int64_t order, bool stops_of_position);
   // The last close or cancel of this ticket or order; nullptr when none was sent.
   const SentOrder* sent_request(std::int64_t number) const;
+  // Gives up waiting: journals every request without a result as unknown.
+  void journal_unanswered();
 
   void AllDataAreLoaded() override;
   void CloseOrderResult(const OrderReport& report) override;
@@ -138,6 +142,8 @@ class CClientAPIManager final : public CLAPICLASS {
   // Takes the session's values out of the global totals and shows the totals line.
   void release_totals();
   void log(std::string_view text) { general_.log(text, account_); }
+  // Journals that a record of the library is ignored for the values in it, once while the connection stands.
+  void refuse(const std::string& what);
   // Keeps the text as the application's last message and shows it under the default caption.
   void tell(const std::string& text);
   // The same text to the journal and to the pending orders view.
@@ -151,7 +157,6 @@ class CClientAPIManager final : public CLAPICLASS {
   void settle_order(const OrderReport& report, SentOrder::Outcome outcome);
   void settle_request(std::int64_t number, std::int32_t result, SentOrder::Outcome outcome);
   std::int32_t note_request(std::int64_t number, double amount, std::int32_t request_code);
-  void journal_unanswered();
   void journal_unknown(const std::string& what);
   void close_refused(std::int64_t ticket, const std::string& text, const std::string& row_text,
                      const std::string& message);
@@ -164,13 +169,14 @@ class CClientAPIManager final : public CLAPICLASS {
   Row* row_ = nullptr;
   std::int32_t account_;
   std::int16_t key_ = 0;
+  bool account_known_ = true;  // false once the server has said that the user does not own the account
   Totals summary_;
 
   std::vector<std::int32_t> ids_;      // symbol identifier by handle, 0 when not carried
   std::vector<SymbolHandle> handles_;  // handle by symbol identifier
-  std::vector<SentOrder> waiting_;     // sent, without a final outcome; oldest first
-  SentOrder last_order_;
+  std::vector<SentOrder> orders_;      // the last one sent, behind those that are not settled; oldest first
   tsl::robin_map<std::int64_t, SentOrder> requests_;  // closes and cancels, by ticket or order
+  std::set<std::string> refused_;                     // what was refused since the connection stands
   std::string user_;
   Secret password_;
 };

@@ -65,8 +65,8 @@ SymbolHandle CClientAPIManager::handle_of(const Symbol& symbol) const {
 void CClientAPIManager::SymbolPricesChanged(const Symbol& symbol) {
   const SymbolHandle handle = handle_of(symbol);
   if (handle == no_symbol) return;
-  // A price that is not finite is refused; the last good one stays.
-  if (!(symbol.bid - symbol.bid + symbol.ask - symbol.ask == 0.0)) return;
+  // The last good price stays.
+  if (!(symbol.bid - symbol.bid + symbol.ask - symbol.ask == 0.0)) return refuse("A price of " + symbol.name);
   symbols_.set_prices(handle, symbol);
   desk_.market_watch->prices(handle, symbol);
   if (!row_connected()) return;
@@ -76,7 +76,9 @@ void CClientAPIManager::SymbolPricesChanged(const Symbol& symbol) {
 
 void CClientAPIManager::SymbolHighLowChanged(const Symbol& symbol) {
   const SymbolHandle handle = handle_of(symbol);
-  if (handle == no_symbol || !std::isfinite(symbol.high) || !std::isfinite(symbol.low)) return;
+  if (handle == no_symbol) return;
+  if (!std::isfinite(symbol.high) || !std::isfinite(symbol.low))
+    return refuse("A day's range of " + symbol.name);
   symbols_.set_high_low(handle, symbol);
   desk_.market_watch->prices(handle, symbol);
   if (!row_connected()) return;
@@ -91,10 +93,7 @@ void CClientAPIManager::OpenPositionsLoaded() {
 }
 
 void CClientAPIManager::NewOpenPosition(const OpenPosition& position) {
-  if (!usable(position)) {
-    log("Position #" + std::to_string(position.ticket) + " has values that are no numbers; it is not shown");
-    return;
-  }
+  if (!usable(position)) return refuse("Position #" + std::to_string(position.ticket));
   desk_.positions->position(position);
   desk_.close_positions->position_opened(position);
 }
@@ -118,7 +117,7 @@ void CClientAPIManager::refresh_position(std::int64_t ticket) {
 }
 
 void CClientAPIManager::PosFloatingPLChanged(const OpenPosition& position) {
-  if (!usable(position)) return;
+  if (!usable(position)) return refuse("The profit of position #" + std::to_string(position.ticket));
   desk_.positions->floating_changed(position);
   std::string profit = number_text(position.floating_pl);
   if (const auto point = profit.find('.'); point != std::string::npos && general_.locale != nullptr) {
@@ -134,10 +133,7 @@ void CClientAPIManager::PendingOrdersLoaded() {
 }
 
 void CClientAPIManager::NewPendingOrder(const PendingOrder& order) {
-  if (!usable(order)) {
-    log("Order #" + std::to_string(order.order) + " has values that are no numbers; it is not shown");
-    return;
-  }
+  if (!usable(order)) return refuse("Order #" + std::to_string(order.order));
   desk_.pending->order(order);
 }
 

@@ -1,6 +1,7 @@
 // Results of market orders, closes, entry orders and SL/TP orders of an account session.
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/numbers.h"
 #include "sessions/CClientAPIManager.h"
@@ -22,29 +23,31 @@ constexpr std::string_view alert = "\\sounds\\Alert.wav";
 }  // namespace
 
 void CClientAPIManager::note_sent(const SentOrder& order) {
-  const std::uint32_t serial = last_order_.serial + 1;
-  last_order_ = order;
-  last_order_.serial = serial;
-  if (order.outcome == SentOrder::Outcome::waiting) waiting_.push_back(last_order_);
+  if (!orders_.empty() && orders_.back().settled()) orders_.pop_back();
+  orders_.push_back(order);
+}
+
+const SentOrder& CClientAPIManager::last_order() const {
+  static const SentOrder none;
+  return orders_.empty() ? none : orders_.back();
 }
 
 void CClientAPIManager::settle_order(const OrderReport& report, SentOrder::Outcome outcome) {
-  auto at = std::find_if(waiting_.begin(), waiting_.end(),
-                         [&](const SentOrder& o) { return o.number != 0 && o.number == report.number; });
-  if (at == waiting_.end()) {
+  auto at = std::find_if(orders_.begin(), orders_.end(), [&](const SentOrder& o) {
+    return !o.settled() && o.number != 0 && o.number == report.number;
+  });
+  if (at == orders_.end()) {
     const SymbolHandle symbol = symbols_.find(report.symbol);
-    at = std::find_if(waiting_.begin(), waiting_.end(), [&](const SentOrder& o) {
-      return o.number == 0 && o.symbol == symbol && o.amount == report.amount &&
+    at = std::find_if(orders_.begin(), orders_.end(), [&](const SentOrder& o) {
+      return !o.settled() && o.number == 0 && o.symbol == symbol && o.amount == report.amount &&
              (o.side > 0) == (report.operation > 0);
     });
   }
-  if (at == waiting_.end()) return;
-  const bool last = at->serial == last_order_.serial;
+  if (at == orders_.end()) return;
   at->number = report.number;
   at->outcome = outcome;
   if (report.result != 0) at->result_code = report.result;
-  if (last) last_order_ = *at;
-  if (outcome != SentOrder::Outcome::pending) waiting_.erase(at);
+  if (at->settled() && at + 1 != orders_.end()) orders_.erase(at);
 }
 
 std::int32_t CClientAPIManager::close_position(std::int64_t ticket, double amount) {
@@ -58,11 +61,13 @@ std::int32_t CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_p
 }
 
 std::int32_t CClientAPIManager::note_request(std::int64_t number, double amount, std::int32_t code) {
-  requests_[number] = {
-      .number = number,
-      .amount = amount,
-      .request_code = code,
-      .outcome = code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused};
+  SentOrder& noted = requests_[number];
+  // A repetition that is refused does not end what is still on its way.
+  if (code != request::taken && !noted.settled()) return code;
+  noted = {.number = number,
+           .amount = amount,
+           .request_code = code,
+           .outcome = code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused};
   return code;
 }
 
@@ -79,25 +84,21 @@ void CClientAPIManager::settle_request(std::int64_t number, std::int32_t code, S
 }
 
 void CClientAPIManager::journal_unknown(const std::string& what) {
-  log(what +
-      " was sent, but the connection was lost before its result came: the outcome is unknown, check the "
-      "positions of account " +
+  log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
       std::to_string(account_));
 }
 
 void CClientAPIManager::journal_unanswered() {
-  for (const SentOrder& order : waiting_) {
+  for (SentOrder& order : orders_) {
+    if (order.settled()) continue;
+    order.outcome = SentOrder::Outcome::unknown;
     journal_unknown(std::string{"Order "} + (order.side > 0 ? "BUY " : "SELL ") + number_text(order.amount) +
                     " " + (order.symbol == no_symbol ? "" : symbols_.entry(order.symbol).name));
   }
-  if (!waiting_.empty() && waiting_.back().serial == last_order_.serial)
-    last_order_.outcome = SentOrder::Outcome::unknown;
-  waiting_.clear();
+  if (orders_.size() > 1) orders_.erase(orders_.begin(), orders_.end() - 1);
   for (auto at = requests_.begin(); at != requests_.end(); ++at) {
     SentOrder& request = at.value();
-    if (request.outcome != SentOrder::Outcome::waiting && request.outcome != SentOrder::Outcome::pending) {
-      continue;
-    }
+    if (request.settled()) continue;
     request.outcome = SentOrder::Outcome::unknown;
     journal_unknown("The request for #" + std::to_string(request.number));
   }
@@ -160,6 +161,9 @@ void CClientAPIManager::MarketOrderRejected(const OrderReport& report) {
 }
 
 void CClientAPIManager::OrderTimer(const Requote& requote) {
+  // Nobody may accept a price that is none. The server rejects the request itself when its time is over.
+  if (!std::isfinite(requote.amount) || !std::isfinite(requote.price) || !std::isfinite(requote.new_price))
+    return refuse("The new price of order #" + std::to_string(requote.order));
   desk_.requote->tick(*this, requote);
   desk_.market_order->requote_tick(requote);
 }

@@ -40,11 +40,6 @@ CClientAPIManager* CClientAPIManagers::Item(std::string_view key) const {
   return Item(static_cast<int>(parsed->number()));
 }
 
-CClientAPIManager* CClientAPIManagers::Item(int number) const {
-  if (number < 1 || number > Count()) return nullptr;
-  return sessions_[static_cast<std::size_t>(number) - 1].get();
-}
-
 CClientAPIManager* CClientAPIManagers::logged_in(std::int32_t account) const {
   CClientAPIManager* first = by_account(account);
   if (first == nullptr || first->ClientAPIF().LoggedIn()) return first;
@@ -73,10 +68,16 @@ void CClientAPIManagers::RClear(int number) {
   if (session == nullptr) return;
   session->shut_down();
   desk_.requote->session_gone(*session);
-  if (Row* row = session->ClientListItem()) desk_.accounts->remove_client(*row);
+  if (Row* row = session->ClientListItem()) {
+    session->ClientListItem(nullptr);
+    desk_.accounts->remove_client(*row);
+  }
   if (current_ == session) current_ = nullptr;
   const std::int32_t account = session->account();
+  // A handler that removes its own account goes on in the session that it belongs to.
+  retired_.push_back(std::move(sessions_[static_cast<std::size_t>(number) - 1]));
   sessions_.erase(sessions_.begin() + (number - 1));
+  if (!general_.in_handler()) retired_.clear();
   index_accounts();
   // The same account may still be connected under another user name.
   if (logged_in(account) == nullptr) desk_.remove_account(account);
@@ -140,6 +141,7 @@ double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf d
 
 void CClientAPIManagers::fan_out(std::int32_t side) {
   const std::string sound = general_.paths.full("\\sounds\\OrderOk.wav");
+  const SymbolHandle symbol = symbols_.find(desk_.market_order->symbol());
   int sent = 0;
   for (const auto& session : sessions_) {
     ClientAPI& client = session->ClientAPIF();
@@ -147,7 +149,6 @@ void CClientAPIManagers::fan_out(std::int32_t side) {
     const std::int32_t account = session->account();
     const Row* row = desk_.market_order->account_row(account);
     if (row == nullptr || !row->checked()) continue;
-    const SymbolHandle symbol = symbols_.find(desk_.market_order->symbol());
     const double amount = row->cell(1).number();
     const std::int32_t code = client.NewMarketOrder(side, session->symbol_id(symbol), amount, "", "");
     session->note_sent(

@@ -31,7 +31,10 @@ class CClientAPIManagers {
   std::span<const std::unique_ptr<CClientAPIManager>> Children() const { return sessions_; }
   // By key ("C7") or by number from 1; nullptr when there is none.
   CClientAPIManager* Item(std::string_view key) const;
-  CClientAPIManager* Item(int number) const;
+  CClientAPIManager* Item(int number) const {
+    if (number < 1 || number > Count()) return nullptr;
+    return sessions_[static_cast<std::size_t>(number) - 1].get();
+  }
   int Count() const { return static_cast<int>(sessions_.size()); }
   // First session with this account number; nullptr when there is none.
   CClientAPIManager* by_account(std::int32_t account) const {
@@ -82,6 +85,8 @@ class CClientAPIManagers {
   CLoginOptions& options_;
   std::size_t capacity_;
   std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
+  std::vector<std::unique_ptr<CClientAPIManager>>
+      retired_;  // removed by a handler, freed with the next removal outside one
   tsl::robin_map<std::int32_t, CClientAPIManager*> by_account_;
   CClientAPIManager* current_ = nullptr;
 };

@@ -151,6 +151,12 @@ class RequoteDesk {
 // Panes and command-bar controls of the main window.
 class StatusDesk {
  public:
+  // Command-bar controls by identifier. The trade controls become available when an account has logged in.
+  static constexpr int first_trade_control = 100017;
+  static constexpr int last_trade_control = 100020;
+  static constexpr int waiting_control = 100025;
+  static constexpr int connected_control = 100026;
+
   virtual ~StatusDesk() = default;
   virtual void totals_changed(TotalsForm) {}
   virtual void server_time(std::string_view /*text*/) {}
@@ -159,7 +165,7 @@ class StatusDesk {
 };
 
 // One receiver of each kind. Start-up makes the desk before anything else, with receivers that ignore, and
-// attaches each window as it creates it; a window that goes takes itself off.
+// attaches each window as it creates it. The sessions end before the first window goes.
 struct Desk {
  private:
   AccountsDesk no_accounts_;

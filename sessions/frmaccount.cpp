@@ -24,7 +24,7 @@ frmaccount::frmaccount(MGeneral& general, Desk& desk, CLoginOptions& options, CC
   cmdcancel.on_click = [this] { cmdcancel_Click(); };
 }
 
-void frmaccount::fill_servers() {
+void frmaccount::FillServers() {
   std::vector<std::string> items;
   for (int index = 1; index <= options_.ServerCount(); ++index)
     items.push_back(options_.ServerDesc(index));
@@ -44,7 +44,7 @@ void frmaccount::open_add() {
   txtpassword.set_text("");
   chkSave.set_checked(false);
   chkAutoLogin.set_checked(false);
-  fill_servers();
+  FillServers();
   Displayed(true);
 }
 
@@ -119,6 +119,12 @@ void frmaccount::cmdLoginAA_Click() {
     if (!saved) general_.log("Account not saved: " + saved.error().text(), *account);
   }
   if (chkAutoLogin.checked()) sessions_.Item(sessions_.Count())->ClientAPIF().Login();
+  close();
+}
+
+// No password stays behind in a box that is not on screen.
+void frmaccount::close() {
+  txtpassword.wipe_text();
   Displayed(false);
 }
 
@@ -127,10 +133,17 @@ frmaccount::Added frmaccount::accept_quietly(std::string_view user, std::string_
   txtusername.set_text(user);
   txtpassword.set_text(password);
   txtaccount.set_text(account);
-  fill_servers();
-  const auto number = parse_int32(account);
-  if (any_field_empty() || !number) return Added::invalid;
-  if (desk_.accounts->has_account(account_key(user, *number))) return Added::duplicate;
+  FillServers();
+  const Added added = add_unless_listed();
+  txtpassword.wipe_text();
+  return added;
+}
+
+frmaccount::Added frmaccount::add_unless_listed() {
+  const auto number = parse_int32(txtaccount.text());
+  // Whatever the current server is called, it is the one to use.
+  if (txtusername.text().empty() || txtpassword.text().empty() || !number) return Added::invalid;
+  if (desk_.accounts->has_account(account_key(txtusername.text(), *number))) return Added::duplicate;
   return add_session(*number) == nullptr ? Added::full : Added::yes;
 }
 

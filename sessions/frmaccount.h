@@ -28,13 +28,15 @@ class frmaccount : public Displayable {
   Button cmdLoginAA{"OK"};
   Button cmdcancel{"Cancel"};
 
+  // Fills the server box from the login options, the current server preselected.
+  void FillServers();
   void open_add();
   // Opens on the selected row; `saved` and `auto_login` tell what the account information file has of it.
   void open_edit(const CClientAPIManager& session, bool saved, bool auto_login);
 
   // Takes the input. The first step that fails shows its message and leaves the dialog open as it was.
   void cmdLoginAA_Click();
-  void cmdcancel_Click() { Displayed(false); }
+  void cmdcancel_Click() { close(); }
   // A box got the focus: its whole text is selected.
   void focus(TextBox& box) const { general_.select_text(box); }
 
@@ -47,8 +49,9 @@ class frmaccount : public Displayable {
  private:
   bool take_server();
   bool any_field_empty() const;
+  Added add_unless_listed();
+  void close();
   CClientAPIManager* add_session(std::int32_t account);
-  void fill_servers();
 
   MGeneral& general_;
   Desk& desk_;

@@ -22,10 +22,12 @@ struct SentOrder {
   double amount = 0.0;      // lots
   std::int32_t side = 0;    // operation:: code
   SymbolHandle symbol = no_symbol;
-  std::uint32_t serial = 0;  // counts the orders of the session
   std::int32_t request_code = 0;
   std::int32_t result_code = 0;  // 0 until a result came
   Outcome outcome = Outcome::none;
+
+  // Nothing more is to come of it.
+  bool settled() const { return outcome != Outcome::waiting && outcome != Outcome::pending; }
 };
 
 }  // namespace tutti

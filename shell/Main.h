@@ -48,7 +48,7 @@ struct ServerSide {
 };
 
 // Start-up, and owner of every global object: the one place that sees all rooms and creates everything in its
-// fixed order. One terminal per object; members are destroyed in reverse, sessions before what they write to.
+// fixed order. One terminal per object. Sessions end first, while every window they write to still stands.
 class Main {
  public:
   Main(std::filesystem::path application_folder, const MachinePorts& ports, ServerSide server);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -16,11 +15,6 @@ namespace tutti {
 // Main window: the state of its status panes, its command-bar controls and its commands.
 class frmMdiNew final : public StatusDesk, public Displayable {
  public:
-  // Command-bar controls by identifier. The trade controls become available when an account has logged in.
-  static constexpr int first_trade_control = 100017;
-  static constexpr int last_trade_control = 100020;
-  static constexpr int waiting_control = 100025;
-  static constexpr int connected_control = 100026;
   // Commands that start-up runs: they bring up the accounts list and the journal.
   static constexpr int show_journal = 100002;
   static constexpr int show_accounts = 100005;

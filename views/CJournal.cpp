@@ -65,7 +65,9 @@ void CJournal::ClearFile() {
   ClearList();
 }
 
-std::string CJournal::FileName(std::int32_t id) const { return history_file(id == -1 ? id_ : id); }
+std::string CJournal::FileName(std::int32_t id) const {
+  return history_file(id == -1 ? id_ : id);
+}
 
 // Lines that belong to no account have a file of their own, whatever is on show.
 std::string CJournal::history_file(std::int32_t id) const {

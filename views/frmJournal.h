@@ -45,7 +45,7 @@ class frmJournal {
   std::string column_widths_;
   std::uint16_t entries_ = 0;
   bool live_ = true;
-  std::deque<std::unique_ptr<Row>> aside_;
+  std::deque<Row::Owner> aside_;
   std::vector<Entry> arrived_meanwhile_;  // oldest first
 };
 

@@ -32,7 +32,7 @@ int frmPending::digits(std::int32_t number, std::string_view name) const {
 Row& frmPending::Add(std::int64_t number, std::int32_t account_number) {
   Row* row = lvwPending.find(order_key(number));
   if (row == nullptr) row = lvwPending.add(order_key(number));
-  row->set_number(Column::order_number, static_cast<double>(number));
+  row->set_whole(Column::order_number, number);
   Updateaccount(*row, account_number);
   return *row;
 }
@@ -42,13 +42,8 @@ void frmPending::Updateaccount(Row& row, std::int32_t number) {
 }
 
 void frmPending::UpdateSlTp(Row& row, double stop, double profit, int decimals) {
-  for (const auto& [column, value] : {std::pair{Column::stop_loss, stop}, {Column::take_profit, profit}}) {
-    if (value == 0.0) {
-      row.set_text(column, "");
-    } else {
-      row.set_fixed(column, value, decimals);
-    }
-  }
+  row.set_fixed_or_empty(Column::stop_loss, stop, decimals);
+  row.set_fixed_or_empty(Column::take_profit, profit, decimals);
 }
 
 void frmPending::AddOrder(const PendingOrder& order) {
@@ -88,7 +83,7 @@ std::string frmPending::TypeDesc(std::string_view kind, std::int64_t reference) 
   if (kind == "OP") return "New";
   if (kind == "CP") return "Liq" + of_ticket;
   if (kind == "LO") return "Limit/Stop";
-  if (kind == "ST") return "SL/TP (" + std::to_string(reference) + ")";
+  if (kind == "ST") return "SL/TP" + of_ticket;
   return "";
 }
 

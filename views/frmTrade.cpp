@@ -5,15 +5,6 @@
 namespace tutti {
 namespace {
 
-// A stop that is not set leaves its cell empty.
-void set_stop(Row& row, std::size_t column, double price, int digits) {
-  if (price == 0.0) {
-    row.set_text(column, "");
-  } else {
-    row.set_fixed(column, price, digits);
-  }
-}
-
 constexpr int money_decimals = 2;
 
 }  // namespace
@@ -39,7 +30,7 @@ void frmTrade::AddPosition(const OpenPosition& position) {
   Row* row = lvwOpenPos.find(ticket_key(position.ticket));
   if (row == nullptr) row = lvwOpenPos.add(ticket_key(position.ticket));
   const int decimals = digits(position);
-  row->set_number(Column::ticket, static_cast<double>(position.ticket));
+  row->set_whole(Column::ticket, position.ticket);
   row->set_number(Column::account, position.account);
   row->set_text(Column::time, general_.full_time_text(position.open_time));
   row->set_text(Column::type, position.side > 0 ? "Buy" : "Sell");
@@ -47,8 +38,8 @@ void frmTrade::AddPosition(const OpenPosition& position) {
   row->set_text(Column::symbol, position.symbol);
   row->set_fixed(Column::open_price, position.open_price, decimals);
   row->set_fixed(Column::current_price, position.current_price, decimals);
-  set_stop(*row, Column::stop_loss, position.stop_loss, decimals);
-  set_stop(*row, Column::take_profit, position.take_profit, decimals);
+  row->set_fixed_or_empty(Column::stop_loss, position.stop_loss, decimals);
+  row->set_fixed_or_empty(Column::take_profit, position.take_profit, decimals);
   floating_changed(position);
   desk_.net->position_added(position);
 }

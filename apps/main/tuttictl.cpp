@@ -17,10 +17,9 @@ namespace {
 
 using namespace tutti;
 
-// Reads "N,N,..." into `out`; "all" and the empty text leave it empty. Throws what is shown as wrong usage.
+// Reads "N,N,..." into `out`. Throws what is shown as wrong usage.
 template <class Number>
 void read_numbers(const std::string& option, const std::string& text, std::vector<Number>& out) {
-  if (text.empty() || text == "all") return;
   for (const auto piece : split(text, ",")) {
     Number number = 0;
     const auto [end, error] = std::from_chars(piece.data(), piece.data() + piece.size(), number);
@@ -35,6 +34,11 @@ std::string check_amount(const std::string& text) {
   const auto value = parse_number(text);
   const bool keys = text.find_first_not_of("0123456789.") == std::string::npos;
   return value && keys && *value > 0.0 ? std::string{} : "must be a number of lots above 0, such as 12.5";
+}
+
+// An unset variable of a script must not come to mean everything.
+std::string check_filled(const std::string& text) {
+  return text.empty() ? "must not be empty" : std::string{};
 }
 
 std::string check_precision(const std::string& text) {
@@ -64,7 +68,8 @@ int main(int argc, char** argv) {
   std::error_code error;
   options.home = std::filesystem::canonical("/proc/self/exe", error).parent_path();
   if (error) options.home = std::filesystem::absolute(argv[0]).parent_path();
-  app.add_option("--home", options.home, "Application folder, with the folders manage, History and sounds");
+  app.add_option("--home", options.home, "Application folder, with the folders manage, History and sounds")
+      ->check(check_filled);
   app.add_option("--dealer", options.dealer_file, "Configuration of the dealing server (TOML)");
   app.add_option("--key", options.key_file,
                  "File with the key of the account records, outside the application folder");
@@ -99,10 +104,8 @@ int main(int argc, char** argv) {
   order->add_option("--accounts", wanted, "all, or account numbers with commas between them");
   order->add_flag("--dry-run", order_arguments.dry_run, "Stop after the shares");
 
-  const std::map<std::string, OrderArguments::Requote> requotes = {
-      {"accept", OrderArguments::Requote::accept},
-      {"reject", OrderArguments::Requote::reject},
-      {"ask", OrderArguments::Requote::ask}};
+  const std::map<std::string, RequoteReply> requotes = {
+      {"accept", RequoteReply::accept}, {"reject", RequoteReply::reject}, {"ask", RequoteReply::ask}};
   order->add_option("--requote", order_arguments.requote, "accept, reject (the default) or ask")
       ->transform(CLI::CheckedTransformer(requotes))
       ->type_name("accept|reject|ask");
@@ -113,14 +116,17 @@ int main(int argc, char** argv) {
   std::string numbers;
   CLI::App* close = app.add_subcommand("close", "Close positions at the market price");
   auto* what = close->add_option_group("what");
-  what->add_option("--symbol", rows.symbol, "All positions of a symbol");
-  what->add_option("--ticket", numbers, "Tickets with commas between them");
+  what->add_option("--symbol", rows.symbol, "All positions of a symbol")->check(check_filled);
+  what->add_option("--ticket", numbers, "Tickets with commas between them")->check(check_filled);
   what->require_option(1);
+  close->add_option("--requote", rows.requote, "accept, reject (the default) or ask")
+      ->transform(CLI::CheckedTransformer(requotes))
+      ->type_name("accept|reject|ask");
   close->add_option("--accounts", wanted, "all, or account numbers with commas between them");
   CLI::App* cancel = app.add_subcommand("cancel", "Cancel pending orders");
   auto* which = cancel->add_option_group("which");
-  which->add_option("--symbol", rows.symbol, "All pending orders of a symbol");
-  which->add_option("--order", numbers, "Order numbers with commas between them");
+  which->add_option("--symbol", rows.symbol, "All pending orders of a symbol")->check(check_filled);
+  which->add_option("--order", numbers, "Order numbers with commas between them")->check(check_filled);
   which->require_option(1);
   cancel->add_option("--accounts", wanted, "all, or account numbers with commas between them");
   CLI::App* verify = app.add_subcommand("verify", "Compare the terminal with the dealing server's own books");
@@ -133,9 +139,9 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
     order_arguments.buy = !buy.empty();
     order_arguments.symbol = order_arguments.buy ? buy : sell;
-    read_numbers("--accounts", wanted, order_arguments.accounts);
+    if (wanted != "all") read_numbers("--accounts", wanted, order_arguments.accounts);
     rows.accounts = order_arguments.accounts;
-    read_numbers(close->parsed() ? "--ticket" : "--order", numbers, rows.numbers);
+    if (!numbers.empty()) read_numbers(close->parsed() ? "--ticket" : "--order", numbers, rows.numbers);
   } catch (const CLI::ParseError& parse_error) {
     return app.exit(parse_error) == 0 ? 0 : exit_status::usage;
   }

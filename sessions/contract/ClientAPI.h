@@ -62,8 +62,8 @@ class ClientAPI {
 
   virtual SummaryAnswer GetAccountSummary(std::int32_t account) const = 0;
   virtual std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) = 0;
-  // Profit (or loss) in account currency that `amount` lots make between two prices. `tag` is "SL" or "TP";
-  // `price` is the price in that box; `value` receives what is returned.
+  // Profit (or loss) in account currency that `amount` lots make between two prices. `tag` is one of
+  // evaluate::; `price` is the price in that box; `value` receives what is returned.
   virtual double EvaluateSLTPPrice(double amount, double at_price, std::string_view tag, double price,
                                    double& value) const = 0;
 

@@ -61,6 +61,12 @@ inline constexpr std::int32_t open = 1;
 inline constexpr std::int32_t close = 2;
 }  // namespace request_kind
 
+// Which price EvaluateSLTPPrice is asked about.
+namespace evaluate {
+inline constexpr std::string_view stop_loss = "SL";
+inline constexpr std::string_view take_profit = "TP";
+}  // namespace evaluate
+
 // Modes of the WaitingMode event.
 namespace waiting_mode {
 inline constexpr std::int32_t normal = 0;

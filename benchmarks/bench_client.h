@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "benchmarks/bench_market.h"
+#include "sessions/contract/ClientAPI.h"
+
+namespace tutti::bench {
+
+// A trading client that costs next to nothing: flat values behind the contract's virtual calls, so that what
+// is measured is the terminal. Orders are taken and kept in one place.
+class BenchClient final : public ClientAPI {
+ public:
+  // GetAccountSummary answers with what `values` points to at that moment; both stay with the caller.
+  BenchClient(const BenchMarket& market, const AccountSummary* const* values)
+      : values_(values), market_(market) {}
+
+  CLAPICLASS* sink() const { return sink_; }
+  void set_values(const AccountSummary* const* values) { values_ = values; }
+  double last_amount() const { return last_amount_; }
+
+  void set_sink(CLAPICLASS* sink) override { sink_ = sink; }
+  void SetLoginData(const LoginData&) override {}
+  void Login() override { logged_in_ = true; }
+  int SymbolCount() const override { return static_cast<int>(market_.symbols.size()); }
+  const Symbol* SymbolItem(int index) const override {
+    return &market_.symbols[static_cast<std::size_t>(index) - 1];
+  }
+  const Symbol* SymbolRecord(std::string_view symbol) const override { return market_.find(symbol); }
+  const Symbol* FindSymbol(std::string_view symbol) const override { return market_.find(symbol); }
+  int OpenPositionCount() const override { return 0; }
+  const OpenPosition* OpenPositionItem(int) const override { return nullptr; }
+  int PendingOrderCount() const override { return 0; }
+  const PendingOrder* PendingOrderItem(int) const override { return nullptr; }
+  std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
+                              std::string_view) override;
+  std::int32_t NewEntryOrder(const EntryOrder&) override { return request::taken; }
+  std::int32_t UpdateEntryOrder(std::int64_t, double, const StopPrices&) override { return request::taken; }
+  std::int32_t AcceptRequote(std::int64_t) override { return request::taken; }
+  std::int32_t RejectRequote(std::int64_t) override { return request::taken; }
+  std::int32_t ClosePosition(std::string_view, std::string_view, std::string_view) override {
+    return request::taken;
+  }
+  bool LoggedIn() const override { return logged_in_; }
+  void Logout() override { logged_in_ = false; }
+  SummaryAnswer GetAccountSummary(std::int32_t) const override {
+    return {.values = **values_, .result = result::succeeded};
+  }
+  std::int32_t UpdateSLTP(std::int64_t, const StopPrices&) override { return request::taken; }
+  double EvaluateSLTPPrice(double, double, std::string_view, double, double& value) const override {
+    return value = 0.0;
+  }
+  double SymbolLimitDistance(std::string_view) const override { return 0.0; }
+  double SymbolStopDistance(std::string_view) const override { return 0.0; }
+  std::optional<AccountInfo> FindAccount(std::int32_t) const override { return std::nullopt; }
+  double MinimumLot() const override { return 0.01; }
+  double MaximumLot() const override { return 100.0; }
+
+ private:
+  CLAPICLASS* sink_ = nullptr;
+  const AccountSummary* const* values_;
+  const BenchMarket& market_;
+  double last_amount_ = 0.0;
+  std::int32_t last_side_ = 0;
+  std::int32_t last_symbol_ = 0;
+  bool logged_in_ = false;
+};
+
+}  // namespace tutti::bench

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "benchmarks/bench_client.h"
+#include "benchmarks/quiet_ports.h"
+#include "benchmarks/scratch_folder.h"
+#include "core/clock.h"
+#include "core/locale_port.h"
+#include "orders/frmorder.h"
+#include "shell/frmMdiNew.h"
+
+namespace tutti::bench {
+
+// The terminal's forms as start-up assembles them, but for the journal, with any number of connected accounts
+// on bench clients. Account numbers run from 1000; every account carries the market's symbols.
+class BenchTerminal {
+ public:
+  BenchTerminal(const BenchMarket& market, std::size_t accounts);
+  ~BenchTerminal();
+
+  std::size_t size() const { return clients_.size(); }
+  BenchClient& client(std::size_t index) { return *clients_[index]; }
+  CClientAPIManagers& sessions() { return accounts_.sessions(); }
+  // What every account's summary query answers from now on, unless its client is told otherwise.
+  void set_values(const AccountSummary* values) { values_ = values; }
+  frmorder& order() { return order_; }
+  void hold_amount_precision(int decimals) { general_.hold_amount_precision(std::to_string(decimals)); }
+
+ private:
+  static std::int32_t account_of(std::size_t index) { return 1000 + static_cast<std::int32_t>(index); }
+  void connect(std::size_t accounts);
+
+  ScratchFolder home_;
+  Paths paths_{home_.path()};
+  ManualClock clock_;
+  QuietPrompt prompt_;
+  QuietSound sound_;
+  QuietFileDialog file_dialog_;
+  ProcessLocale locale_port_;
+  MessageQueue messages_;
+  MGeneral general_{paths_, clock_, sound_, prompt_, messages_};
+  CLocalSettings locale_{locale_port_};
+  SymbolCollection symbols_;
+  Desk desk_;
+  frmMdiNew window_{general_};
+  AccountSummary first_values_{.balance = 1000.0, .equity = 1000.0, .free_margin = 1000.0};
+  const AccountSummary* values_ = &first_values_;
+  std::vector<BenchClient*> clients_;  // owned by their sessions
+  frmMain accounts_;
+  frmorder order_{general_, accounts_, symbols_};
+};
+
+}  // namespace tutti::bench

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+
+#include "benchmarks/bench_market.h"
+
+namespace tutti::bench {
+
+// Prints one line, "NAME VALUE".
+void figure(std::string_view name, double value);
+
+// Summary and price events, from the call of the sink to the rows, against bare stores.
+void event_figures(const BenchMarket& market);
+// Fan-out of a market order and distribution of an amount, per account.
+void order_figures(const BenchMarket& market);
+// Logging 500 accounts in on the embedded dealing server, and the memory a session takes.
+void login_figures();
+
+}  // namespace tutti::bench

@@ -1,0 +1,71 @@
+#include <malloc.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+
+#include "benchmarks/figures.h"
+#include "benchmarks/interleaved.h"
+#include "benchmarks/quiet_ports.h"
+#include "benchmarks/scratch_folder.h"
+#include "core/file_writer.h"
+#include "core/locale_port.h"
+#include "dealer/dealing_server.h"
+#include "shell/Main.h"
+
+namespace tutti::bench {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::size_t heap_in_use() {
+  return mallinfo2().uordblks;
+}
+
+std::string saved_list(const DealerConfig& config) {
+  std::string lines;
+  for (const AccountConfig& account : config.accounts) {
+    lines += account.user + "," + account.password + "," + std::to_string(account.number) + "\n";
+  }
+  return lines;
+}
+
+// Starts the program and runs it until every account is in the market order window, which is the last thing
+// its data do.
+void log_all_in(Main& main, ManualClock& clock, DealingServer& server) {
+  if (const auto started = main.start(); !started) throw std::runtime_error(started.error().text());
+  const std::size_t all = server.config().accounts.size();
+  for (auto left = 10'000ms; main.market_order().lvwConClients.size() < all; left -= 10ms) {
+    if (left == 0ms) throw std::runtime_error("not every account logged in");
+    clock.advance(10ms);
+    server.advance();
+    main.deliver_events();
+  }
+}
+
+}  // namespace
+
+void login_figures() {
+  constexpr int accounts = 500;
+  const ScratchFolder home;
+  ManualClock clock;
+  QuietPrompt prompt;
+  QuietSound sound;
+  ProcessLocale locale;
+  QuietFileDialog file_dialog;
+  DealerConfig config = DealerConfig::sample(accounts);
+  config.symbols.resize(20);
+  DealingServer server{std::move(config), clock};
+  std::filesystem::create_directory(home.path() / "manage");
+  if (const auto written = replace_file(home.path() / "manage/savelvinfo.buf", saved_list(server.config()));
+      !written) {
+    throw std::runtime_error(written.error().text());
+  }
+  const std::size_t before = heap_in_use();
+  Main main{home.path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
+            ServerSide{[&] { return server.make_client(); }, server, server.config().endpoint}};
+  figure("login_500_ms", time_of([&] { log_all_in(main, clock, server); }) / 1e6);
+  figure("bytes_per_session", static_cast<double>(heap_in_use() - before) / accounts);
+}
+
+}  // namespace tutti::bench

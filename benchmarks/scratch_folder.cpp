@@ -1,0 +1,22 @@
+#include "benchmarks/scratch_folder.h"
+
+#include <random>
+#include <stdexcept>
+#include <string>
+
+namespace tutti::bench {
+
+namespace fs = std::filesystem;
+
+ScratchFolder::ScratchFolder() {
+  std::random_device random;
+  path_ = fs::temp_directory_path() / ("tutti-bench-" + std::to_string(random()));
+  if (!fs::create_directory(path_)) throw std::runtime_error("no scratch folder: " + path_.string());
+}
+
+ScratchFolder::~ScratchFolder() {
+  std::error_code error;
+  fs::remove_all(path_, error);
+}
+
+}  // namespace tutti::bench
