@@ -21,9 +21,7 @@ void refuse(Row& row, std::string_view reason) {
 }  // namespace
 
 bool Distribution::summary_of(Row& row, AccountSummary& out) const {
-  const CClientAPIManager* session = sessions_.logged_in(account_of(row));
-  const SummaryAnswer answer = session == nullptr ? SummaryAnswer{.values = {}, .result = result::failed}
-                                                  : session->ClientAPIF().GetAccountSummary(account_of(row));
+  const SummaryAnswer answer = sessions_.summary_of(account_of(row));
   if (answer.result != result::succeeded) {
     refuse(row, CClientAPIManager::ResultDescription(answer.result));
     return false;

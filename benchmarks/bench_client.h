@@ -55,6 +55,8 @@ class BenchClient final : public ClientAPI {
   double SymbolLimitDistance(std::string_view) const override { return 0.0; }
   double SymbolStopDistance(std::string_view) const override { return 0.0; }
   std::optional<AccountInfo> FindAccount(std::int32_t) const override { return std::nullopt; }
+  std::int32_t DeleteEntryOrder(std::int64_t) override { return request::taken; }
+  std::int32_t DeleteSLTPOrder(std::int64_t) override { return request::taken; }
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
 

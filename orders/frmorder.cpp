@@ -96,10 +96,8 @@ void frmorder::chkAllClients_Click() {
       row.set_text(Column::result_text, "");
       continue;
     }
-    const auto number = static_cast<std::int32_t>(row.key().number());
-    const CClientAPIManager* session = accounts_list_.sessions().logged_in(number);
-    const SummaryAnswer answer = session == nullptr ? SummaryAnswer{.values = {}, .result = result::failed}
-                                                    : session->ClientAPIF().GetAccountSummary(number);
+    const SummaryAnswer answer =
+        accounts_list_.sessions().summary_of(static_cast<std::int32_t>(row.key().number()));
     const bool known = answer.result == result::succeeded;
     row.set_checked(known && answer.values.equity > 0.0);
     if (row.checked()) continue;

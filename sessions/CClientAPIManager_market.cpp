@@ -33,14 +33,19 @@ void CClientAPIManager::SymbolsLoaded() {
   for (int index = 1; index <= count; ++index) {
     const Symbol* symbol = client_->SymbolItem(index);
     if (symbol == nullptr || symbol->id <= 0 || symbol->id > largest_symbol_id) continue;
-    const SymbolHandle handle = symbols_.add(*symbol);
+    Symbol shown = *symbol;
+    if (!std::isfinite(shown.bid + shown.ask + shown.high + shown.low)) {
+      refuse("The prices of " + shown.name);
+      shown.bid = shown.ask = shown.high = shown.low = 0.0;
+    }
+    const SymbolHandle handle = symbols_.add(shown);
     const auto at = static_cast<std::size_t>(handle);
     const auto id = static_cast<std::size_t>(symbol->id);
     ids_.resize(std::max(ids_.size(), at + 1), 0);
     handles_.resize(std::max(handles_.size(), id + 1), no_symbol);
     ids_[at] = symbol->id;
     handles_[id] = handle;
-    desk_.market_watch->symbol(handle, *symbol, general_.short_time_text(symbol->quote_time));
+    desk_.market_watch->symbol(handle, shown, general_.short_time_text(shown.quote_time));
   }
   if (symbols_.names_stamp() == names_before) return;
   desk_.market_order->symbols_changed();

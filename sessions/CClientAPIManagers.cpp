@@ -50,6 +50,12 @@ CClientAPIManager* CClientAPIManagers::logged_in(std::int32_t account) const {
   return nullptr;
 }
 
+SummaryAnswer CClientAPIManagers::summary_of(std::int32_t account) const {
+  const CClientAPIManager* session = logged_in(account);
+  if (session == nullptr) return {.values = {}, .result = result::failed};
+  return session->ClientAPIF().GetAccountSummary(account);
+}
+
 void CClientAPIManagers::AddToListView2(CClientAPIManager& session, std::string_view notes, bool connected) {
   Row* row = desk_.accounts->add_client(session, connected, notes);
   session.ClientListItem(row);

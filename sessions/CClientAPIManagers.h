@@ -43,6 +43,8 @@ class CClientAPIManagers {
   }
   // First such session that is logged in.
   CClientAPIManager* logged_in(std::int32_t account) const;
+  // Summary of an account as its logged-in session knows it; result::failed when there is none.
+  SummaryAnswer summary_of(std::int32_t account) const;
   // The application's current session: the first that was made and still is.
   CClientAPIManager* current() const { return current_; }
 

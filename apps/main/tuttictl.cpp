@@ -141,6 +141,9 @@ int main(int argc, char** argv) {
     order_arguments.symbol = order_arguments.buy ? buy : sell;
     if (wanted != "all") read_numbers("--accounts", wanted, order_arguments.accounts);
     rows.accounts = order_arguments.accounts;
+    if (csv && (order->parsed() || verify->parsed() || journal->parsed())) {
+      throw CLI::ValidationError("--csv goes with accounts, positions, orders, close and cancel");
+    }
     if (!numbers.empty()) read_numbers(close->parsed() ? "--ticket" : "--order", numbers, rows.numbers);
   } catch (const CLI::ParseError& parse_error) {
     return app.exit(parse_error) == 0 ? 0 : exit_status::usage;

@@ -79,8 +79,8 @@ class ClientAPI {
 
   // Cancel an entry order, or the SL/TP order of a position; answered by DeleteLimitOrderResult and
   // DeleteSLTPOrderResult.
-  virtual std::int32_t DeleteEntryOrder(std::int64_t /*order*/) { return request::no_privilege; }
-  virtual std::int32_t DeleteSLTPOrder(std::int64_t /*order*/) { return request::no_privilege; }
+  virtual std::int32_t DeleteEntryOrder(std::int64_t order) = 0;
+  virtual std::int32_t DeleteSLTPOrder(std::int64_t order) = 0;
 };
 
 // Makes the trading client of a new session.

@@ -68,6 +68,8 @@ class ScriptedClient final : public ClientAPI {
   double SymbolLimitDistance(std::string_view) const override { return limit_distance; }
   double SymbolStopDistance(std::string_view) const override { return stop_distance; }
   std::optional<AccountInfo> FindAccount(std::int32_t) const override { return info; }
+  std::int32_t DeleteEntryOrder(std::int64_t) override { return request_code; }
+  std::int32_t DeleteSLTPOrder(std::int64_t) override { return request_code; }
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
 };
