@@ -155,52 +155,5 @@ TEST(DealerFaults, GarbageComesInFrontOfTheTruth) {
   }
 }
 
-TEST(DealerFaults, EveryAccountOfAFanOutEndsOnce) {
-  DealerConfig config = DealerConfig::sample(50);
-  const FaultKind kinds[] = {FaultKind::silent,         FaultKind::swallow, FaultKind::delay,
-                             FaultKind::late,           FaultKind::twice,   FaultKind::drop,
-                             FaultKind::unknown_ticket, FaultKind::refuse,  FaultKind::reject,
-                             FaultKind::pending,        FaultKind::requote};
-  std::int32_t number = 500100;
-  for (const FaultKind kind : kinds) {
-    config.faults.push_back(fault(kind, {FaultPoint::open}));
-    for (int i = 0; i < 3; ++i)
-      config.faults.back().accounts.push_back(number++);
-  }
-  const auto play = [&](std::int64_t cut) {
-    DealerRig rig(config);
-    std::vector<DealerRig::Seat> seats;
-    for (const AccountConfig& account : config.accounts)
-      seats.push_back(rig.seat({account.user, account.password, account.number, {}}));
-    rig.run(500);
-    std::map<std::int32_t, int> sent, ended;
-    for (std::size_t i = 0; i < seats.size(); ++i)
-      if (DealerRig::send(seats[i], operation::sell, "EURUSD", 0.1) == request::taken)
-        ++sent[config.accounts[i].number];
-    for (std::int64_t t = 0; t < 10'000; t += cut)
-      rig.run(cut);
-    EXPECT_EQ(rig.server.requests_in_flight(), 0U);
-    for (const Outcome& outcome : rig.server.outcomes()) {
-      ++ended[outcome.account];
-      const std::size_t expected = outcome.result == result::succeeded ? 1 : 0;
-      EXPECT_EQ(rig.server.find_account(outcome.account)->positions().size(), expected);
-    }
-    for (const TradingAccount& account : rig.server.accounts()) {
-      EXPECT_LE(ended[account.config().number], 1) << account.config().number;
-      EXPECT_GE(ended[account.config().number], sent[account.config().number]) << account.config().number;
-      EXPECT_TRUE(account.orders().empty());
-    }
-    std::vector<Words> events;
-    for (const auto& seat : seats) {
-      Words words;  // what is merged depends on how often the client listens
-      std::copy_if(seat.seen->events.begin(), seat.seen->events.end(), std::back_inserter(words),
-                   [](const std::string& word) { return word != "summary"; });
-      events.push_back(std::move(words));
-    }
-    return events;
-  };
-  EXPECT_EQ(play(50), play(10'000));
-}
-
 }  // namespace
 }  // namespace tutti

@@ -84,31 +84,6 @@ TEST(DealerRequests, PendingOrdersAreListedUntilTheDealerDecides) {
   }
 }
 
-TEST(DealerRequests, ClosesBecomePendingOneAtATime) {
-  for (const bool accepted : {true, false}) {
-    DealerConfig config = still_market();
-    config.accounts[0].dealing = std::chrono::seconds{5};
-    if (!accepted) config.accounts[0].reply_close_result = result::bad_connection;
-    DealerRig rig(config);
-    const auto seat = holder(rig);
-    const std::string ticket = ticket_of(seat);
-    seat.client->ClosePosition(ticket, "0.2", "");
-    rig.run(200);
-    EXPECT_EQ(seat.seen->events, (Words{"close pending", "+CP"}));
-    EXPECT_EQ(std::to_string(seat.client->PendingOrderItem(1)->reference), ticket);
-    seat.client->ClosePosition(ticket, "0.1", "");
-    rig.run(200);
-    EXPECT_EQ(seat.seen->reports.back().result, result::position_pending);
-    seat.seen->events.clear();
-    rig.run(5'000);
-    EXPECT_EQ(seat.seen->events, accepted ? (Words{"accepted 1", "-CP", "changed", "summary"})
-                                          : (Words{"rejected 5", "-CP", "summary"}));
-    EXPECT_EQ(seat.seen->reports.back().request_kind, request_kind::close);
-    EXPECT_EQ(std::to_string(seat.seen->reports.back().number), ticket);
-    EXPECT_EQ(seat.client->OpenPositionItem(1)->amount, accepted ? 0.3 : 0.5);
-  }
-}
-
 TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
   struct Case {
     const char* does;  // what the operator does

@@ -84,22 +84,6 @@ TEST(Dealer, ConnectionsEndInEveryWay) {
   EXPECT_EQ(second.seen->events, (Words{"disconnected", "dropped"}));
 }
 
-TEST(Dealer, AnOrderOfAnEarlierConnectionIsPartOfTheList) {
-  DealerConfig config = still_market();
-  config.login_latency = std::chrono::milliseconds{10};
-  DealerRig rig(config);
-  const auto seat = rig.trader(0);
-  DealerRig::send(seat, operation::buy, "EURUSD", 1.0);
-  seat.client->Logout();
-  seat.client->Login();
-  rig.run(200);
-  Words expected = {"disconnected"};
-  expected.insert(expected.end(), login_words.begin(), login_words.end());
-  expected.insert(expected.end(), {"order 1", "summary"});
-  EXPECT_EQ(seat.seen->events, expected);
-  EXPECT_EQ(seat.client->OpenPositionCount(), 1);
-}
-
 TEST(Dealer, AnOrderMovesTheSummaryAsArithmeticSays) {
   struct Case {
     const char* currency;
@@ -179,21 +163,6 @@ TEST(Dealer, EveryRequestAndResultCodeIsReachable) {
       EXPECT_EQ(seat.seen->reports[0].result, one.result) << one.amount;
     }
     EXPECT_EQ(seat.seen->opened.size(), one.result == 1 ? 1U : 0U);
-  }
-}
-
-TEST(Dealer, HedgingFollowsTheAccount) {
-  for (const bool hedging : {false, true}) {
-    DealerConfig config = still_market();
-    config.accounts[0].hedging = hedging;
-    DealerRig rig(config);
-    const auto seat = rig.trader(0);
-    for (const auto side : {operation::buy, operation::buy, operation::sell}) {
-      EXPECT_EQ(DealerRig::send(seat, side, "EURUSD", 1.0), request::taken);
-      rig.run(200);
-    }
-    EXPECT_EQ(seat.seen->reports[2].result, hedging ? result::succeeded : result::hedging_not_allowed);
-    EXPECT_EQ(seat.client->OpenPositionCount(), hedging ? 3 : 2);
   }
 }
 
@@ -298,17 +267,6 @@ TEST(Dealer, NothingReachesASinkThatWasTakenAway) {
   EXPECT_EQ(rig.server.requests_in_flight(), 0U);
 }
 
-TEST(Dealer, AnErrorOfAHandlerEndsThatEventOnly) {
-  DealerRig rig(still_market());
-  const auto seat = rig.trader(1);
-  seat.seen->on_report = [] { throw std::runtime_error("handler"); };
-  DealerRig::send(seat, operation::buy, "EURUSD", 0.1);
-  EXPECT_THROW(rig.run(200), std::runtime_error);
-  EXPECT_EQ(rig.server.delivered_account(), 500101);
-  rig.drain();
-  EXPECT_EQ(seat.seen->events, (Words{"order 1", "opened", "summary"}));
-}
-
 TEST(Dealer, TheSameSeedGivesTheSameRunHoweverTimeIsCut) {
   const auto play = [](std::int64_t cut) {
     DealerRig rig(DealerConfig::sample(12));
@@ -355,35 +313,6 @@ TEST(Dealer, ALongSleepIsSkippedAndPricesStayReal) {
   rig.clock.advance(std::chrono::hours{-5});  // set back: the market goes on
   rig.server.advance();
   EXPECT_LE(*rig.server.next_due() - rig.clock.now(), std::chrono::milliseconds{250});
-}
-
-TEST(Dealer, FiveHundredAccountsAnswerOnceEach) {
-  DealerRig rig(DealerConfig::sample(500));
-  std::vector<DealerRig::Seat> seats;
-  for (const AccountConfig& account : rig.server.config().accounts)
-    seats.push_back(rig.seat({account.user, account.password, account.number, {}}));
-  rig.run(300);
-  std::int64_t taken = 0;
-  for (const auto& seat : seats) {
-    const auto code = DealerRig::send(seat, operation::buy, "EURUSD", 0.2);
-    taken += code == request::taken ? 1 : 0;
-  }
-  rig.run(300);
-  std::set<std::int64_t> numbers;
-  std::int64_t opened = 0;
-  for (std::size_t i = 0; i < seats.size(); ++i) {
-    EXPECT_LE(seats[i].seen->reports.size(), 1U);
-    for (const OrderReport& report : seats[i].seen->reports) {
-      EXPECT_TRUE(numbers.insert(report.number).second);
-      EXPECT_EQ(report.account, rig.server.config().accounts[i].number);
-    }
-    opened += static_cast<std::int64_t>(seats[i].seen->opened.size());
-    if (i < 12) {
-      EXPECT_EQ(seats[i].seen->opened.size(), 1U) << "the first twelve are healthy";
-    }
-  }
-  EXPECT_EQ(taken, 480);   // ten hide the symbol, ten may not trade
-  EXPECT_EQ(opened, 470);  // ten are broke
 }
 
 }  // namespace

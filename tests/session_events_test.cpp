@@ -403,27 +403,6 @@ TEST_F(SessionEvents, LoadedDataOfAnUnknownAccountMarkItsRow) {
   EXPECT_EQ(cell(4), "Invalid account ID");
 }
 
-TEST_F(SessionEvents, ThePrecisionIsReadFromTheSettings) {
-  struct Case {
-    const char* file;
-    const char* precision;
-    int decimals;
-  };
-  EXPECT_EQ(rig.general.amount_decimals(), 1);
-  const Case cases[] = {{" 2 \r\n7\n", "2", 2}, {"", "1", 1},    {"   \n", "1", 1}, {"2.7", "2.7", 3},
-                        {"2.5", "2.5", 2},      {"-1", "-1", 0}, {"99", "99", 15},  {"abc", "1", 1},
-                        {"2 lots", "1", 1},     {"\n4", "1", 1}};
-  for (const Case& one : cases) {
-    rig.home.write("manage/settings.buf", one.file);
-    during([&] { sink.AllDataAreLoaded(); });
-    EXPECT_EQ(rig.general.amount_precision(), one.precision) << one.file;
-    EXPECT_EQ(rig.general.amount_decimals(), one.decimals) << one.file;
-  }
-  rig.general.hold_amount_precision("3");
-  during([&] { sink.AllDataAreLoaded(); });
-  EXPECT_EQ(rig.general.amount_decimals(), 3);
-}
-
 TEST_F(SessionEvents, SymbolsAndPricesGoWhereTheyAreShown) {
   client.symbols = {{.id = 3, .name = "EURUSD", .bid = 1.08, .quote_time = rig.clock.now() + 9h + 5min}};
   EXPECT_EQ(during([&] { sink.SymbolsLoaded(); }),
