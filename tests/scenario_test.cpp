@@ -379,7 +379,7 @@ TEST(Pending, DoubleClickHandsTheOrderOver) {
                          {first, operation::buy, "GBPUSD", 0.5, 1.1}};
   Desk desk{config};
   Texts handed;
-  desk.main->pending().edit_order = [&](const frmPending::EditRequest& r) {
+  desk.main->pending().EdirMode = [&](const frmPending::EditRequest& r) {
     handed.push_back(r.mode + "|" + r.type_text + "|" + r.symbol + "|" + std::to_string(r.account) + "|" +
                      std::to_string(r.number) + "|" + number_text(r.amount) + "|" + number_text(r.price) +
                      "|" + number_text(r.stop_loss) + "|" + number_text(r.take_profit));

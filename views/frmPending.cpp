@@ -79,11 +79,11 @@ std::string frmPending::note(const Row& row) {
 }
 
 std::string frmPending::TypeDesc(std::string_view kind, std::int64_t reference) {
-  const std::string of_ticket = " (" + std::to_string(reference) + ")";
+  const std::string ticket = std::to_string(reference);
   if (kind == "OP") return "New";
-  if (kind == "CP") return "Liq" + of_ticket;
+  if (kind == "CP") return "Liq (" + ticket + ")";
   if (kind == "LO") return "Limit/Stop";
-  if (kind == "ST") return "SL/TP" + of_ticket;
+  if (kind == "ST") return "SL/TP (" + ticket + ")";
   return "";
 }
 
@@ -118,17 +118,17 @@ void frmPending::edit(const Row& row) {
   });
   if (!visible) return general_.message_box(name + " is not visible for any of the connected accounts");
   const auto* data = row.data_if<RowData>();
-  if (data == nullptr || !edit_order) return;
+  if (data == nullptr || !EdirMode) return;
   const bool stops = OrderType(row.text(Column::type)) == stops_of_position;
-  edit_order({.mode = stops ? "SLTP " : "Limit Orders",
-              .type_text = OrderTypeDesc(data->kind, data->operation),
-              .symbol = name,
-              .account = account_of(row),
-              .number = stops ? data->reference : row.key().number(),
-              .amount = row.cell(Column::amount).number(),
-              .price = row.cell(Column::price).number(),
-              .stop_loss = row.cell(Column::stop_loss).number(),
-              .take_profit = row.cell(Column::take_profit).number()});
+  EdirMode({.mode = stops ? "SLTP " : "Limit Orders",
+            .type_text = OrderTypeDesc(data->kind, data->operation),
+            .symbol = name,
+            .account = account_of(row),
+            .number = stops ? data->reference : row.key().number(),
+            .amount = row.cell(Column::amount).number(),
+            .price = row.cell(Column::price).number(),
+            .stop_loss = row.cell(Column::stop_loss).number(),
+            .take_profit = row.cell(Column::take_profit).number()});
 }
 
 std::vector<frmPending::Cancel> frmPending::ticked() const {

@@ -76,7 +76,8 @@ class frmPending final : public PendingBook {
   void CloseIoID();
   // Hands the row's order to the entry order window, when a connected account carries its symbol.
   void edit(const Row& row);
-  std::function<void(const EditRequest&)> edit_order;
+  // Edit mode of the entry order window; set by start-up.
+  std::function<void(const EditRequest&)> EdirMode;
   // What was last said about the row's order; empty when nothing.
   static std::string note(const Row& row);
 
