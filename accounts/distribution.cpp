@@ -41,7 +41,7 @@ Distribution::Sums Distribution::weed_out(std::string_view symbol) {
     AccountSummary summary;
     if (!summary_of(row, summary)) continue;
     if (summary.equity < 0.0) {
-      refuse(row, "No Balance");
+      refuse(row, window_.no_balance_text());
       continue;
     }
     ++sums.accounts;

@@ -12,7 +12,7 @@ namespace tutti {
 // How a total is split over accounts; the values are the indices of the windows' lists.
 enum class DistributionRule : std::int16_t { none = -1, equal = 0, margin = 1, equity = 2 };
 
-// Splits `amount` lots of a symbol over the ticked rows of the market order window.
+// Splits `amount` lots of a symbol over the ticked rows of an order window.
 //
 // First weeds out rows that can't take the order (symbol not visible, equity below zero), then writes each
 // share, rounded half to even to the amount precision. Shares need not add up to the total, and a share may

@@ -136,20 +136,33 @@ std::optional<std::chrono::seconds> frmMain::connecting_for(const Row& row) cons
   return data->connecting_for;
 }
 
+frmMain::Connections frmMain::connections() const {
+  Connections out;
+  for (const Row& row : lvwClients) {
+    ++out.all;
+    if (row.reads(Column::state, "Connected")) ++out.connected;
+    if (row.reads(Column::state, "Connecting")) ++out.connecting;
+  }
+  return out;
+}
+
 void frmMain::edit_notes(Row& row) {
   edited_notes_ = row.data<RowData>().duplicate_key;
   txteditLo.set_text(row.text(Column::notes));
   txteditLo.set_visible(true);
 }
 
+// The row may have gone, or got another number, while its notes were edited.
+Row* frmMain::edited_row() {
+  for (Row& row : lvwClients) {
+    if (row.data<RowData>().duplicate_key == edited_notes_) return &row;
+  }
+  return nullptr;
+}
+
 void frmMain::commit_notes() {
   txteditLo.set_visible(false);
-  // The row may have gone, or got another number, while its notes were edited.
-  for (Row& row : lvwClients) {
-    if (row.data<RowData>().duplicate_key == edited_notes_) {
-      row.set_text(Column::notes, trim(txteditLo.text()));
-    }
-  }
+  if (Row* row = edited_row()) row->set_text(Column::notes, trim(txteditLo.text()));
 }
 
 std::int16_t frmMain::askycodekeypress(std::int16_t key, std::string_view text) {

@@ -105,6 +105,9 @@ class frmMain final : public AccountsDesk, public Displayable {
   // In-place editor of a row's notes.
   void edit_notes(Row& row);
   void commit_notes();
+  void cancel_notes() { txteditLo.set_visible(false); }
+  // The row whose notes are in the editor; nullptr when it has gone.
+  Row* edited_row();
 
   // Polled by whoever has the thread.
   Timer m_oTimer{std::chrono::seconds{1}};
@@ -112,6 +115,13 @@ class frmMain final : public AccountsDesk, public Displayable {
   void m_oTimer_Tick();
   std::optional<std::chrono::seconds> connecting_for(const Row& row) const;
   std::chrono::seconds quote_age() const { return quote_age_; }
+  // How many rows are connected, and how many on their way.
+  struct Connections {
+    int connected = 0;
+    int connecting = 0;
+    int all = 0;
+  };
+  Connections connections() const;
 
   // Key filter of every amount and price box: digits, one ".", Backspace; 0 swallows the key.
   static std::int16_t askycodekeypress(std::int16_t key, std::string_view text);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,14 +13,33 @@ namespace tutti {
 // What to answer when the dealer offers another price.
 enum class RequoteReply { accept, reject, ask };
 
-struct OrderArguments {
-  bool buy = true;
+// An amount that is split over accounts.
+struct SplitArguments {
   std::string symbol;
   std::string amount;                  // lots, as typed
   int rule = 0;                        // index of the rule list: 0 equal, 1 margin, 2 equity
   std::vector<std::int32_t> accounts;  // empty: all
   bool dry_run = false;                // stop after the shares
+};
+
+struct OrderArguments : SplitArguments {
+  bool buy = true;
   RequoteReply requote = RequoteReply::reject;
+};
+
+struct EntryArguments : SplitArguments {
+  int type = 0;  // index of the order type list
+  std::string price;
+  std::string stop_loss;  // empty: none
+  std::string take_profit;
+};
+
+// New prices of an entry order, or of a position's SL/TP. What is not given stays, "none" takes away.
+struct ModifyArguments {
+  std::int64_t number = 0;  // order or ticket
+  std::optional<std::string> price;
+  std::optional<std::string> stop_loss;
+  std::optional<std::string> take_profit;
 };
 
 // Which rows of a list are meant; what is empty does not narrow.
@@ -32,6 +52,8 @@ struct RowsArguments {
 
 int accounts_command(Terminal& terminal);
 int order_command(Terminal& terminal, const OrderArguments& arguments);
+int entry_command(Terminal& terminal, const EntryArguments& arguments);
+int modify_command(Terminal& terminal, const ModifyArguments& arguments);
 int journal_command(Terminal& terminal, std::int32_t account);
 int positions_command(Terminal& terminal);
 int orders_command(Terminal& terminal);

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "core/journal.h"
@@ -15,14 +17,32 @@ namespace {
 std::string without_details(const std::string& text) {
   const auto open = text.find(" [");
   const auto close = text.find(']');
-  if (!text.starts_with("Order #") || open == std::string::npos || close == std::string::npos) return text;
+  const bool has_details = text.starts_with("Order #") || text.starts_with("Entry Order ");
+  if (!has_details || open == std::string::npos || close == std::string::npos) return text;
   return text.substr(0, open) + text.substr(close + 1);
 }
 
+// How lines begin and end that say something was carried out.
+constexpr std::pair<std::string_view, std::string_view> told_outcomes[] = {
+    {"", " has been accepted"},
+    {"", " is closed successfuly"},
+    {"", " has been closed successfully"},
+    {"Order ", " has been rejected"},
+    {"Order #", "has been updated"},
+    {"Order number #", " Canceled successfully"},
+    {"Updating SL/TP order #", "Succeeded"},
+    {"Delete SLTP Order #", "Succeeded"},
+    {"Entry Order ", " has been executed"},
+    {"SL/TP request #", ""},
+};
+
 bool tells_an_outcome(const std::string& text) {
-  return text.ends_with(" has been accepted") || text.ends_with(" is closed successfuly") ||
-         text.ends_with(" has been closed successfully") ||
-         (text.starts_with("Order ") && text.ends_with(" has been rejected"));
+  if (text == "Succeeded") return true;
+  // A refusal goes on behind the number.
+  if (text.starts_with("Request SL/TP for #")) return text.find(' ', text.find('#')) == std::string::npos;
+  return std::any_of(std::begin(told_outcomes), std::end(told_outcomes), [&](const auto& line) {
+    return text.starts_with(line.first) && text.ends_with(line.second);
+  });
 }
 
 }  // namespace
@@ -52,6 +72,7 @@ void OutcomeCheck::expect(const Outcome& outcome) {
     if (outcome.kind == TradeKind::open && !text.empty()) expect_line(outcome.account, {std::string{text}});
     return;
   }
+  if (outcome.set_off) return expect_set_off(outcome, number);
   if (outcome.kind == TradeKind::open) {
     if (outcome.result == result::succeeded) {
       expect_line(outcome.account, {"Order #" + number + " has been accepted"});
@@ -63,6 +84,49 @@ void OutcomeCheck::expect(const Outcome& outcome) {
   } else if (outcome.kind == TradeKind::close && outcome.result == result::succeeded) {
     expect_line(outcome.account, {"Postion " + number + " is closed successfuly",
                                   "Ticket #" + number + " has been closed successfully"});
+  } else if (outcome.kind != TradeKind::close && (outcome.told || outcome.result == result::succeeded)) {
+    if (const std::string text = entry_answer(outcome, number); !text.empty())
+      expect_line(outcome.account, {text});
+  }
+}
+
+void OutcomeCheck::expect_set_off(const Outcome& outcome, const std::string& number) {
+  // Of an account that was not there nobody was told.
+  if (!outcome.told) return;
+  const bool done = outcome.result == result::succeeded;
+  if (outcome.kind == TradeKind::set_stops) {
+    expect_line(outcome.account,
+                {"SL/TP request #" + number + (done ? " is accepted" : " is canceled - no money")});
+  } else if (done) {
+    expect_line(outcome.account, {"Entry Order " + number + " has been executed"});
+  }
+}
+
+std::string OutcomeCheck::entry_answer(const Outcome& outcome, const std::string& number) {
+  const std::int32_t code = outcome.result;
+  const auto behind = [](std::string start, std::string_view text) {
+    return text.empty() ? std::string{} : start.append(text);
+  };
+  switch (outcome.kind) {
+    case TradeKind::entry:
+      if (code == result::all_managed) return "Order " + number + " :All Lots Are Managed";
+      if (code == result::bad_connection) return "Unable_Bad Connection";
+      return std::string{result_texts::new_entry(code)};
+    case TradeKind::update_entry:
+      return behind("Order #" + number, result_texts::update_entry(code));
+    case TradeKind::set_stops: {
+      if (outcome.updated)
+        return behind("Updating SL/TP order #" + number + " result #", result_texts::general(code));
+      const std::string line = "Request SL/TP for #" + number;
+      const std::string_view text = result_texts::new_stops(code);
+      return text.empty() ? line : behind(line + " ", text);
+    }
+    case TradeKind::cancel_entry:
+      return behind("Order number #" + number, result_texts::delete_entry(code));
+    case TradeKind::cancel_stops:
+      return behind("Delete SLTP Order #" + number + " ", result_texts::general(code));
+    default:
+      return {};
   }
 }
 

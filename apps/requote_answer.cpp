@@ -47,9 +47,10 @@ void RequoteAnswer::step() {
 
 void run_answering(Terminal& terminal, RequoteReply how, const std::function<bool()>& done) {
   RequoteAnswer answer{terminal.main().requote(), how};
-  terminal.on_step = [&] { answer.step(); };
-  terminal.run_until(done);
-  terminal.on_step = nullptr;
+  terminal.run_until([&] {
+    answer.step();
+    return done();
+  });
 }
 
 }  // namespace tutti

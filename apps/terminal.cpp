@@ -14,12 +14,14 @@ namespace {
 constexpr std::chrono::milliseconds longest_pause{10};
 }
 
-Terminal::Terminal(TerminalOptions options) : options_(std::move(options)), prompt_(options_.yes) {}
+Terminal::Terminal(TerminalOptions options, OperatorPorts ports)
+    : options_(std::move(options)), ports_(ports) {}
 
 Terminal::~Terminal() = default;
 
-tl::expected<std::unique_ptr<Terminal>, FileError> Terminal::open(const TerminalOptions& options) {
-  std::unique_ptr<Terminal> terminal{new Terminal(options)};
+tl::expected<std::unique_ptr<Terminal>, FileError> Terminal::open(const TerminalOptions& options,
+                                                                  OperatorPorts ports) {
+  std::unique_ptr<Terminal> terminal{new Terminal(options, ports)};
   if (auto started = terminal->start(); !started) return tl::unexpected(started.error());
   return terminal;
 }
@@ -32,7 +34,7 @@ tl::expected<void, FileError> Terminal::start() {
     // A key the operator named is looked at even where no record needs it yet.
     if (const auto key = KeyFile{options_.key_file}.find(); !key) return tl::unexpected(key.error());
   }
-  DealerConfig config = DealerConfig::sample();
+  DealerConfig config = options_.demo ? DealerConfig::demo() : DealerConfig::sample(options_.sample_accounts);
   if (!options_.dealer_file.empty()) {
     auto loaded = DealerConfig::load(options_.dealer_file);
     if (!loaded) return tl::unexpected(loaded.error());
@@ -46,7 +48,8 @@ tl::expected<void, FileError> Terminal::start() {
   if (auto written = write_first_list(); !written) return written;
 
   main_ = std::make_unique<Main>(
-      options_.home, MachinePorts{clock_, prompt_, sound_, locale_, file_dialog_, options_.key_file},
+      options_.home,
+      MachinePorts{clock_, ports_.prompt, ports_.sound, locale_, ports_.file_dialog, options_.key_file},
       ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint});
   if (!options_.precision.empty()) main_->general().hold_amount_precision(options_.precision);
   return main_->start();
@@ -64,26 +67,23 @@ tl::expected<void, FileError> Terminal::write_first_list() {
   return lists.write_all(records);
 }
 
-void Terminal::step() {
+std::size_t Terminal::advance(std::size_t limit) {
   server_->advance();
-  main_->deliver_events();
-  MessageQueue& messages = main_->messages();
-  for (; messages.current() != nullptr; messages.dismiss()) {
-    prompt_.system_box(messages.current()->text, messages.current()->caption);
-  }
+  const std::size_t delivered = main_->deliver_events(limit);
   main_->poll_timers();
-  if (on_step) on_step();
+  return delivered;
 }
 
 bool Terminal::run_until(const std::function<bool()>& done) {
   const auto deadline =
       clock_.now() + std::chrono::milliseconds{static_cast<long>(options_.timeout * 1000.0)};
   for (;;) {
-    step();
+    advance();
+    if (on_step) on_step();
     if (done()) return true;
     const TimePoint now = clock_.now();
     if (now >= deadline) return false;
-    const TimePoint due = server_->next_due().value_or(deadline);
+    const TimePoint due = next_due().value_or(deadline);
     std::this_thread::sleep_for(std::clamp(due - now, std::chrono::milliseconds{1}, longest_pause));
   }
 }

@@ -3,32 +3,43 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include <tl/expected.hpp>
 
-#include "apps/console_prompt.h"
 #include "apps/output.h"
 #include "core/clock.h"
+#include "core/file_dialog.h"
 #include "core/home_lock.h"
 #include "core/locale_port.h"
+#include "core/prompt.h"
+#include "core/sound_port.h"
 #include "dealer/dealing_server.h"
 #include "shell/Main.h"
 
 namespace tutti {
 
-// What every command of the command line takes.
+// What every program that opens a terminal may be told.
 struct TerminalOptions {
   std::filesystem::path home;         // application folder
   std::filesystem::path dealer_file;  // empty: the sample market and accounts
   std::filesystem::path key_file;     // key of the account records; empty: where KeyFile looks for it
   bool fresh = false;                 // start the dealing server's book anew
-  bool yes = false;                   // answer questions with yes
+  int sample_accounts = 12;           // of the sample, while no dealer file is named
+  bool demo = false;                  // a busy day on 500 accounts instead of the sample
   std::string precision;              // decimals of shares for this run; empty: as the settings file has it
   OutputForm form = OutputForm::text;
   double timeout = 40.0;  // seconds to wait for logins, and again for answers
+};
+
+// The operator's eyes, ears and hands. They outlive the terminal.
+struct OperatorPorts {
+  Prompt& prompt;
+  SoundPort& sound;
+  FileDialog& file_dialog;
 };
 
 // Exit statuses of the command line.
@@ -39,18 +50,27 @@ inline constexpr int usage = 2;
 inline constexpr int unreadable_data = 3;
 }  // namespace exit_status
 
-// A whole terminal without a screen: the embedded dealing server in real time, and the program on top of it.
+// A whole terminal: the embedded dealing server in real time, and the program on top of it. Whoever opens it
+// brings the ports to the operator, and shows what waits in the message queue.
 class Terminal {
  public:
   // Locks the home folder, reads the configuration and the book, starts the program. Fails when another
   // terminal has the folder, or when data can't be read. A home folder without any saved account gets those
   // of the dealing server as its list.
-  static tl::expected<std::unique_ptr<Terminal>, FileError> open(const TerminalOptions& options);
+  static tl::expected<std::unique_ptr<Terminal>, FileError> open(const TerminalOptions& options,
+                                                                 OperatorPorts ports);
   ~Terminal();
 
   Main& main() { return *main_; }
   const DealingServer& server() const { return *server_; }
   const TerminalOptions& options() const { return options_; }
+
+  // Brings the server up to the clock, delivers up to `limit` events and runs the timers that are due;
+  // answers how many events were delivered. As many as the limit: there may be more.
+  std::size_t advance(std::size_t limit = std::numeric_limits<std::size_t>::max());
+  // When the server next has something to do by itself; nothing while only an operation of the program can
+  // change that.
+  std::optional<TimePoint> next_due() const { return server_->next_due(); }
 
   // Runs until the condition holds or the time is over; true when it held.
   bool run_until(const std::function<bool()>& done);
@@ -68,20 +88,17 @@ class Terminal {
   tl::expected<void, FileError> save_book();
 
  private:
-  explicit Terminal(TerminalOptions options);
+  Terminal(TerminalOptions options, OperatorPorts ports);
   tl::expected<void, FileError> start();
   tl::expected<void, FileError> write_first_list();
-  void step();
   std::filesystem::path book_file() const { return options_.home / "dealer-book.toml"; }
   bool logins_done(std::size_t& done) const;
 
   TerminalOptions options_;
   std::optional<HomeLock> lock_;  // let go last
   SystemClock clock_;
-  ConsolePrompt prompt_;
-  SilentSound sound_;
+  OperatorPorts ports_;
   ProcessLocale locale_;
-  NoFileDialog file_dialog_;
   std::unique_ptr<DealingServer> server_;
   std::unique_ptr<Main> main_;
   std::uint64_t saved_revision_ = 0;

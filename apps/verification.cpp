@@ -94,6 +94,10 @@ void Verification::check_positions() {
               booked.current_price, 1e-9);
       compare(number, what + " profit", row->cell(frmTrade::profit).stored_number(), booked.floating_pl,
               half_a_cent);
+      compare(number, what + " stop loss", row->cell(frmTrade::stop_loss).stored_number(), booked.stop_loss,
+              1e-9);
+      compare(number, what + " take profit", row->cell(frmTrade::take_profit).stored_number(),
+              booked.take_profit, 1e-9);
       const bool side = row->reads(frmTrade::type, booked.side > 0 ? "Buy" : "Sell");
       if (!side || !row->reads(frmTrade::symbol, booked.symbol))
         differ(number, what + " side or symbol differs");
@@ -122,6 +126,10 @@ void Verification::check_orders() {
       }
       compare(number, what + " amount", row->cell(frmPending::amount).stored_number(), booked.amount, 1e-9);
       compare(number, what + " price", row->cell(frmPending::price).stored_number(), booked.price, 1e-9);
+      compare(number, what + " stop loss", row->cell(frmPending::stop_loss).stored_number(), booked.stop_loss,
+              1e-9);
+      compare(number, what + " take profit", row->cell(frmPending::take_profit).stored_number(),
+              booked.take_profit, 1e-9);
       if (!row->reads(frmPending::type, frmPending::TypeDesc(booked.kind, booked.reference)) ||
           !row->reads(frmPending::symbol, booked.symbol)) {
         differ(number, what + " type or symbol differs");

@@ -49,7 +49,7 @@ class BenchClient final : public ClientAPI {
     return {.values = **values_, .result = result::succeeded};
   }
   std::int32_t UpdateSLTP(std::int64_t, const StopPrices&) override { return request::taken; }
-  double EvaluateSLTPPrice(double, double, std::string_view, double, double& value) const override {
+  double EvaluateSLTPPrice(std::int32_t, double, std::string_view, double, double& value) const override {
     return value = 0.0;
   }
   double SymbolLimitDistance(std::string_view) const override { return 0.0; }

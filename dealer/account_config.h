@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ struct AccountConfig {
   std::vector<std::string> hidden_symbols;  // names of symbols the account does not carry
   bool privilege = true;                    // may trade
   bool hedging = true;                      // may hold opposite positions in one symbol
+  // Points, in place of every symbol's own.
+  std::optional<double> limit_distance;
+  std::optional<double> stop_distance;
   // Codes that every market order (close) is refused or ends with; 0: as it deserves. A result is the
   // dealer's last word: an order that is taken into dealing becomes pending first.
   std::int32_t reply_request = 0;

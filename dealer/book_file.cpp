@@ -28,6 +28,8 @@ constexpr Word<TradeKind> kind_words[] = {
     {"open", TradeKind::open},
     {"close", TradeKind::close},
     {"entry", TradeKind::entry},
+    {"update_entry", TradeKind::update_entry},
+    {"set_stops", TradeKind::set_stops},
     {"cancel_entry", TradeKind::cancel_entry},
     {"cancel_stops", TradeKind::cancel_stops},
 };
@@ -110,6 +112,7 @@ class BookReader {
     read_time(reader, "time_ms", order.time);
     reader.finish();
     check_number(reader, "number", order.order);
+    check_waiting(reader, order);
     if (!fault_) book_.accounts[places_[order.account]].orders.push_back(std::move(order));
   }
 
@@ -126,6 +129,8 @@ class BookReader {
     read_prices(reader, request.price, request.stop_loss, request.take_profit);
     reader.finish();
     check_number(reader, "number", request.number);
+    const bool entry = request.kind == TradeKind::entry || request.kind == TradeKind::update_entry;
+    if (entry && request.price <= 0.0) reader.complain("price", "must be above 0");
     book_.requests.push_back(std::move(request));
   }
 
@@ -151,6 +156,20 @@ class BookReader {
     reader.text("symbol", symbol);
     reader.number("amount", amount, 1e-8, most_lots);
     if (!places_.contains(account)) reader.complain("account", "has no [[account]] in this file");
+  }
+
+  // An order that would close another thing than it belongs to, or be set off by any price, must not wait.
+  void check_waiting(TableReader& reader, const PendingOrder& order) {
+    if (order.kind == "LO" && order.price <= 0.0) reader.complain("price", "must be above 0");
+    if (order.kind != "ST") return;
+    reader.require("reference");
+    if (fault_) return;
+    for (const OpenPosition& position : book_.accounts[places_[order.account]].positions) {
+      if (position.ticket != order.reference) continue;
+      if (position.symbol != order.symbol) reader.complain("symbol", "is not that of the position");
+      if ((position.side > 0) == (order.operation > 0))
+        reader.complain("side", "does not close the position");
+    }
   }
 
   // Numbers that come again would let two orders be taken for one.

@@ -16,6 +16,7 @@ constexpr std::int64_t longest_wait = 3'600'000;  // milliseconds
 constexpr std::int64_t most_accounts = 100'000;
 constexpr double most_lots = 1e6;
 constexpr double most_money = 1e12;
+constexpr double lowest_price = 1e-8;
 constexpr double highest_price = 1e9;
 constexpr double most_points = 1e9;
 constexpr std::int32_t largest_number = std::numeric_limits<std::int32_t>::max();
@@ -150,6 +151,8 @@ class ConfigReader {
     reader.texts("hidden_symbols", read.hidden_symbols);
     reader.flag("privilege", read.privilege);
     reader.flag("hedging", read.hedging);
+    read_distance(reader, "limit_distance", read.limit_distance);
+    read_distance(reader, "stop_distance", read.stop_distance);
     reader.integer("reply_request", read.reply_request, 0, 1000);
     reader.integer("reply_result", read.reply_result, 0, 1000);
     reader.integer("reply_close_request", read.reply_close_request, 0, 1000);
@@ -160,6 +163,12 @@ class ConfigReader {
       *at = std::move(read);
     else
       config_.accounts.push_back(std::move(read));
+  }
+
+  static void read_distance(TableReader& reader, std::string_view key, std::optional<double>& distance) {
+    double points = 0.0;
+    reader.number(key, points, 0.0, most_points);
+    if (reader.has(key)) distance = points;
   }
 
   void read_entry_order(const toml::table& table) {
@@ -173,7 +182,7 @@ class ConfigReader {
     reader.number("amount", read.amount, 1e-8, most_lots);
     reader.integer("ticket", read.ticket, 1, std::numeric_limits<std::int64_t>::max());
     if (read.ticket == 0) reader.require("price");
-    reader.number("price", read.price, 0.0, highest_price);
+    reader.number("price", read.price, read.ticket == 0 ? lowest_price : 0.0, highest_price);
     reader.number("stop_loss", read.stop_loss, 0.0, highest_price);
     reader.number("take_profit", read.take_profit, 0.0, highest_price);
     reader.finish();

@@ -97,12 +97,16 @@ std::int32_t DealerClient::NewEntryOrder(const EntryOrder& order) {
   return server_.desk().place(*account, order, account->symbol_of_id(order.symbol_id), server_.now());
 }
 
-std::int32_t DealerClient::UpdateEntryOrder(std::int64_t, double, const StopPrices&) {
-  return session_.account() == nullptr ? request::invalid_account : request::no_privilege;
+std::int32_t DealerClient::UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops) {
+  TradingAccount* account = session_.account();
+  if (account == nullptr) return request::invalid_account;
+  return server_.desk().update(*account, order, price, stops, server_.now());
 }
 
-std::int32_t DealerClient::UpdateSLTP(std::int64_t, const StopPrices&) {
-  return session_.account() == nullptr ? request::invalid_account : request::no_privilege;
+std::int32_t DealerClient::UpdateSLTP(std::int64_t ticket, const StopPrices& stops) {
+  TradingAccount* account = session_.account();
+  if (account == nullptr) return request::invalid_account;
+  return server_.desk().set_stops(*account, ticket, stops, server_.now());
 }
 
 std::int32_t DealerClient::AcceptRequote(std::int64_t order) {
@@ -135,9 +139,11 @@ SummaryAnswer DealerClient::GetAccountSummary(std::int32_t account) const {
   return {own->summary(), result::succeeded};
 }
 
-// Comes with the changes of stop loss and take profit; until then no price is worth anything.
-double DealerClient::EvaluateSLTPPrice(double, double, std::string_view, double, double& value) const {
-  value = 0.0;
+double DealerClient::EvaluateSLTPPrice(std::int32_t symbol_id, double at_price, std::string_view,
+                                       double price, double& value) const {
+  const TradingAccount* account = session_.account();
+  const auto place = account != nullptr ? account->symbol_of_id(symbol_id) : std::nullopt;
+  value = place ? account->profit(*place, operation::buy, 1.0, at_price, price) : 0.0;
   return value;
 }
 
@@ -148,12 +154,12 @@ std::optional<std::size_t> DealerClient::carried(std::string_view symbol) const 
 
 double DealerClient::SymbolLimitDistance(std::string_view symbol) const {
   const auto place = carried(symbol);
-  return place ? server_.market().symbol(*place).limit_distance : 0.0;
+  return place ? session_.account()->limit_distance(*place) : 0.0;
 }
 
 double DealerClient::SymbolStopDistance(std::string_view symbol) const {
   const auto place = carried(symbol);
-  return place ? server_.market().symbol(*place).stop_distance : 0.0;
+  return place ? session_.account()->stop_distance(*place) : 0.0;
 }
 
 std::optional<AccountInfo> DealerClient::FindAccount(std::int32_t number) const {

@@ -7,7 +7,7 @@
 namespace tutti {
 
 // The trading client of the embedded dealing server: what ClientAPI promises, answered from the server's own
-// state. Changes of entry orders, stop loss and take profit are not offered yet and are refused.
+// state.
 class DealerClient final : public ClientAPI {
  public:
   DealerClient(DealingServer& server, EventQueue& queue);
@@ -35,7 +35,7 @@ class DealerClient final : public ClientAPI {
   void Logout() override;
   SummaryAnswer GetAccountSummary(std::int32_t account) const override;
   std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) override;
-  double EvaluateSLTPPrice(double amount, double at_price, std::string_view tag, double price,
+  double EvaluateSLTPPrice(std::int32_t symbol_id, double at_price, std::string_view, double price,
                            double& value) const override;
   double SymbolLimitDistance(std::string_view symbol) const override;
   double SymbolStopDistance(std::string_view symbol) const override;

@@ -41,6 +41,9 @@ struct DealerConfig {
   // then on the 13th, 14th, 15th and 16th of each fifty hide EURUSD, are broke, may not trade, and may not
   // hedge.
   static DealerConfig sample(int accounts = 12);
+  // 500 sample accounts on a busy day: some orders wait, some are with the dealer for a while, and now and
+  // then one account is requoted.
+  static DealerConfig demo();
 
   // Reads a TOML file; an error names the line. The replay file it names is read along.
   static tl::expected<DealerConfig, FileError> load(const std::filesystem::path& file);

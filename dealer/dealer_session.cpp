@@ -298,11 +298,35 @@ bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& ne
     case AnswerNews::Event::entry:
       sink.NewLimitOrderResult(report.number, report.result);
       break;
+    case AnswerNews::Event::update_entry:
+      sink.UpdateLimitOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::new_stops:
+      sink.NewSLTPOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::update_stops:
+      sink.UpdateSLTPOrderResult(report.number, report.result);
+      break;
     case AnswerNews::Event::cancel_entry:
       sink.DeleteLimitOrderResult(report.number, report.result);
       break;
     case AnswerNews::Event::cancel_stops:
       sink.DeleteSLTPOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::entry_done:
+      sink.LimitOrderAccepted(report);
+      break;
+    case AnswerNews::Event::entry_no_money:
+      sink.LimitOrderCanceledNoMoney(report.number, report.account);
+      break;
+    case AnswerNews::Event::entry_no_hedging:
+      sink.LimitOrderCanceledCannotHdg(report.number, report.account);
+      break;
+    case AnswerNews::Event::stops_done:
+      sink.SlTpOrderAccepted(report.number);
+      break;
+    case AnswerNews::Event::stops_no_money:
+      sink.SlTpOrderCanceledNoMoney(report.number);
       break;
   }
   return true;

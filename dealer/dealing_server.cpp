@@ -60,13 +60,14 @@ DealingServer::DealingServer(DealerConfig config, const Clock& clock)
       next_rollover_(next_midnight(time_)),
       market_(config_, time_),
       rates_(market_),
+      watch_(market_),
       faults_(config_.faults, time_),
       desk_(config_, market_, faults_) {
   assert(!config_.fault());
   accounts_.reserve(config_.accounts.size());
   for (const AccountConfig& account : config_.accounts) {
     by_number_.emplace(account.number, accounts_.size());
-    accounts_.emplace_back(account, market_, rates_);
+    accounts_.emplace_back(account, market_, rates_, watch_);
     place_orders(accounts_.back());
   }
 }
@@ -125,6 +126,7 @@ void DealingServer::run(TimePoint at) {
   if (const auto due = market_.next_due(); due && *due <= at) move_market();
   if (next_rollover_ <= at) roll_over();
   desk_.run(at);
+  desk_.run_triggers(accounts_, watch_, at);
   while (!logins_.empty() && logins_.begin()->first <= at)
     finish_login(std::move(logins_.extract(logins_.begin()).mapped()));
   if (!online_.empty() && next_second_ <= at) tell_time(at);

@@ -19,6 +19,7 @@
 #include "dealer/fault_script.h"
 #include "dealer/market.h"
 #include "dealer/order_desk.h"
+#include "dealer/price_watch.h"
 #include "dealer/rate_table.h"
 #include "dealer/trading_account.h"
 #include "sessions/contract/ClientAPI.h"
@@ -69,7 +70,7 @@ class DealingServer final : public EventSource {
   const TradingAccount* find_account(std::int32_t number) const;
   // Requests that are not at their end: on their way, or pending.
   std::size_t requests_in_flight() const { return desk_.in_flight(); }
-  // How the requests of this run ended, oldest first; the last 100,000 at least.
+  // How the requests of this run ended and what prices set off, oldest first; the last 100,000 at least.
   const std::vector<Outcome>& outcomes() const { return desk_.outcomes(); }
 
   // Below: for the trading client only.
@@ -111,6 +112,7 @@ class DealingServer final : public EventSource {
   TimePoint next_rollover_;  // midnight UTC at which interest is due
   Market market_;
   RateTable rates_;
+  PriceWatch watch_;
   std::vector<TradingAccount> accounts_;
   std::map<std::int32_t, std::size_t> by_number_;
   FaultScript faults_;

@@ -14,7 +14,7 @@ struct EntryOrderConfig {
   double price = 0.0;
   double stop_loss = 0.0;    // 0: none
   double take_profit = 0.0;  // 0: none
-  std::int64_t ticket = 0;   // above 0: the stop loss and take profit of this position
+  std::int64_t ticket = 0;  // above 0: the stop loss and take profit of this position, which the order closes
 };
 
 }  // namespace tutti

@@ -53,7 +53,7 @@ struct OrderNews {
   bool gone = false;
   PendingOrder order;
 };
-// What a request came to. Of entry orders and cancellations only number and result count.
+// What a request, or an order that a price set off, came to. Of most only number and result count.
 struct AnswerNews {
   enum class Event : std::uint8_t {
     order,
@@ -61,8 +61,16 @@ struct AnswerNews {
     accepted,
     rejected,
     entry,
+    update_entry,
+    new_stops,
+    update_stops,
     cancel_entry,
     cancel_stops,
+    entry_done,  // a price set an entry order off, or an SL/TP order
+    entry_no_money,
+    entry_no_hedging,
+    stops_done,
+    stops_no_money,
   };
   Event event = Event::order;
   OrderReport report;

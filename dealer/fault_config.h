@@ -6,8 +6,20 @@
 
 namespace tutti {
 
-// Where a fault can strike. The first five count what a client asks for, the last three what it is told.
-enum class FaultPoint : std::uint8_t { login, open, close, entry, cancel, price, summary, position };
+// Where a fault can strike. The last three count what a client is told, `trigger` the orders that a price
+// sets off, the others what a client asks for.
+enum class FaultPoint : std::uint8_t {
+  login,
+  open,
+  close,
+  entry,
+  update,  // of an entry order, or of a position's stop loss and take profit
+  cancel,
+  trigger,
+  price,
+  summary,
+  position,
+};
 
 enum class FaultKind : std::uint8_t {
   refuse_login,    // as if the password were wrong
@@ -20,7 +32,7 @@ enum class FaultKind : std::uint8_t {
   twice,           // every answer comes twice
   unknown_ticket,  // behind the answer, events of a number that the account never had
   refuse,          // request code `code`
-  reject,          // result code `code`
+  reject,          // result code `code`; an order that a price sets off is cancelled with it
   pending,         // taken into dealing for `wait`
   requote,         // answered with a price `points` worse, which stands for `wait`
   garbage,         // records full of `value` come in front of the true ones

@@ -32,14 +32,21 @@ constexpr Word<FaultKind> kind_words[] = {
     {"garbage", FaultKind::garbage},
 };
 constexpr Word<FaultPoint> point_words[] = {
-    {"login", FaultPoint::login},     {"open", FaultPoint::open},         {"close", FaultPoint::close},
-    {"entry", FaultPoint::entry},     {"cancel", FaultPoint::cancel},     {"price", FaultPoint::price},
-    {"summary", FaultPoint::summary}, {"position", FaultPoint::position},
+    {"login", FaultPoint::login},       {"open", FaultPoint::open},     {"close", FaultPoint::close},
+    {"entry", FaultPoint::entry},       {"update", FaultPoint::update}, {"cancel", FaultPoint::cancel},
+    {"trigger", FaultPoint::trigger},   {"price", FaultPoint::price},   {"summary", FaultPoint::summary},
+    {"position", FaultPoint::position},
 };
 
 using Points = std::vector<FaultPoint>;
 const Points market_points = {FaultPoint::open, FaultPoint::close};
-const Points request_points = {FaultPoint::open, FaultPoint::close, FaultPoint::entry, FaultPoint::cancel};
+const Points request_points = {FaultPoint::open, FaultPoint::close, FaultPoint::entry, FaultPoint::update,
+                               FaultPoint::cancel};
+
+Points with(Points points, FaultPoint more) {
+  points.push_back(more);
+  return points;
+}
 
 // Where a kind can strike.
 Points possible(FaultKind kind) {
@@ -54,11 +61,14 @@ Points possible(FaultKind kind) {
       return market_points;
     case FaultKind::drop:
     case FaultKind::silent:
-    case FaultKind::delay: {
-      Points points = request_points;
-      points.push_back(FaultPoint::login);
-      return points;
-    }
+      return with(with(request_points, FaultPoint::trigger), FaultPoint::login);
+    case FaultKind::delay:
+      return with(request_points, FaultPoint::login);
+    case FaultKind::late:
+    case FaultKind::twice:
+    case FaultKind::unknown_ticket:
+    case FaultKind::reject:
+      return with(request_points, FaultPoint::trigger);
     default:
       return request_points;
   }

@@ -12,7 +12,6 @@ namespace {
 
 using Stage = TradeRequest::Stage;
 using Answer = AnswerNews::Event;
-constexpr std::chrono::seconds one_second{1};
 
 bool is_market(TradeKind kind) {
   return kind == TradeKind::open || kind == TradeKind::close;
@@ -27,12 +26,36 @@ Answer answer_to(const TradeRequest& request, bool succeeded) {
       return Answer::close;
     case TradeKind::entry:
       return Answer::entry;
+    case TradeKind::update_entry:
+      return Answer::update_entry;
+    case TradeKind::set_stops:
+      return Answer::new_stops;
     case TradeKind::cancel_entry:
       return Answer::cancel_entry;
     case TradeKind::cancel_stops:
       return Answer::cancel_stops;
   }
   return Answer::order;
+}
+
+// A request that changes or cancels an order.
+TradeRequest request_about(const TradingAccount& account, TradeKind kind, std::int64_t order) {
+  TradeRequest request;
+  request.kind = kind;
+  request.reference = order;
+  if (const PendingOrder* found = account.find_order(order)) {
+    request.operation = found->operation;
+    request.symbol = found->symbol;
+    request.amount = found->amount;
+  }
+  return request;
+}
+
+// Works on an EntryOrder too.
+template <class Stops>
+void set_prices(TradeRequest& request, const Stops& stops) {
+  request.stop_loss = stops.has_stop_loss ? stops.stop_loss : 0.0;
+  request.take_profit = stops.has_take_profit ? stops.take_profit : 0.0;
 }
 
 OrderReport report_on(const TradeRequest& request, std::int32_t result, double price) {
@@ -92,24 +115,39 @@ std::int32_t OrderDesk::place(TradingAccount& account, const EntryOrder& order,
   if (symbol) request.symbol = market_.symbol(*symbol).name;
   request.amount = order.amount;
   request.price = order.price;
-  if (order.has_stop_loss) request.stop_loss = order.stop_loss;
-  if (order.has_take_profit) request.take_profit = order.take_profit;
+  set_prices(request, order);
   return admit(account, std::move(request), rules_.admit_entry(account, order, symbol), FaultPoint::entry,
                now);
 }
 
-std::int32_t OrderDesk::cancel(TradingAccount& account, TradeKind kind, std::int64_t order, TimePoint now) {
+std::int32_t OrderDesk::update(TradingAccount& account, std::int64_t order, double price,
+                               const StopPrices& stops, TimePoint now) {
+  TradeRequest request = request_about(account, TradeKind::update_entry, order);
+  request.price = price;
+  set_prices(request, stops);
+  return admit(account, std::move(request), rules_.admit_update(account, order, price, stops),
+               FaultPoint::update, now);
+}
+
+std::int32_t OrderDesk::set_stops(TradingAccount& account, std::int64_t ticket, const StopPrices& stops,
+                                  TimePoint now) {
   TradeRequest request;
-  request.kind = kind;
-  request.reference = order;
-  if (const PendingOrder* found = account.find_order(order)) {
-    request.operation = found->operation;
-    request.symbol = found->symbol;
-    request.amount = found->amount;
+  request.kind = TradeKind::set_stops;
+  request.reference = ticket;
+  if (const TradingAccount::Position* position = account.find_position(ticket)) {
+    request.operation = position->record.side;
+    request.symbol = position->record.symbol;
+    request.amount = position->record.amount;
   }
-  const char* row = kind == TradeKind::cancel_entry ? "LO" : "ST";
-  return admit(account, std::move(request), rules_.admit_cancel(account, order, row), FaultPoint::cancel,
+  set_prices(request, stops);
+  return admit(account, std::move(request), rules_.admit_stops(account, ticket, stops), FaultPoint::update,
                now);
+}
+
+std::int32_t OrderDesk::cancel(TradingAccount& account, TradeKind kind, std::int64_t order, TimePoint now) {
+  const char* row = kind == TradeKind::cancel_entry ? "LO" : "ST";
+  return admit(account, request_about(account, kind, order), rules_.admit_cancel(account, order, row),
+               FaultPoint::cancel, now);
 }
 
 std::int32_t OrderDesk::admit(TradingAccount& account, TradeRequest request, std::int32_t code,
@@ -138,7 +176,7 @@ void OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) 
   outcome.time = at;
   outcome.account = request.account;
   outcome.kind = request.kind;
-  outcome.number = request.known_as();
+  if (outcome.number == 0) outcome.number = request.known_as();
   outcome.dealt = request.stage != Stage::sent;
   log_.add(outcome);
 }
@@ -228,100 +266,34 @@ void OrderDesk::enter_dealing(Flight flight, std::chrono::milliseconds wait, Tim
   flights_.emplace(at + wait, std::move(flight));
 }
 
-void OrderDesk::deal(Flight flight, TimePoint at) {
-  if (!flight.requoted && flight.mishap.requote_seconds > 0) {
-    const std::int16_t seconds = flight.mishap.requote_seconds;
-    flight.requoted = true;
-    flight.seconds_left = seconds;
-    flight.deadline = at + seconds * one_second;
-    flight.new_price =
-        rules_.worse_price(flight.request, rules_.price(flight.request), flight.mishap.requote_points);
-    return tick(std::move(flight), at);
-  }
-  if (!flight.requoted) return finish(flight, verdict(flight), at);
-  if (flight.seconds_left == 0) return finish(flight, 0, at);
-  --flight.seconds_left;
-  tick(std::move(flight), at);
-}
-
-void OrderDesk::tick(Flight flight, TimePoint at) {
-  const TradeRequest& request = flight.request;
-  DealerSession* session = flight.account->session();
-  if (session != nullptr && !flight.mishap.silent) {
-    Requote requote;
-    requote.order = request.known_as();
-    requote.account = request.account;
-    requote.operation = request.operation;
-    requote.amount = request.amount;
-    requote.symbol = request.symbol;
-    requote.price = request.price;
-    requote.new_price = flight.new_price;
-    requote.seconds_left = flight.seconds_left;
-    requote.seconds_all = flight.mishap.requote_seconds;
-    session->tell_requote(requote);
-  }
-  flights_.emplace(at + one_second, std::move(flight));
-}
-
-OrderDesk::Flights::iterator OrderDesk::find_requote(const TradingAccount& account, std::int64_t order) {
-  return std::find_if(flights_.begin(), flights_.end(), [&](const auto& entry) {
-    const Flight& flight = entry.second;
-    return flight.account == &account && flight.requoted && flight.request.stage == Stage::dealing &&
-           flight.request.known_as() == order;
-  });
-}
-
-std::int32_t OrderDesk::accept_requote(TradingAccount& account, std::int64_t order, TimePoint now) {
-  const auto at = find_requote(account, order);
-  if (at == flights_.end()) return no_requote(account, order);
-  if (now >= at->second.deadline) return request::timer_expired;
-  at->second.request.price = at->second.new_price;
-  leave_dealing(at, Stage::accepted, now);
-  return request::taken;
-}
-
-std::int32_t OrderDesk::reject_requote(TradingAccount& account, std::int64_t order, TimePoint now) {
-  const auto at = find_requote(account, order);
-  if (at == flights_.end()) return no_requote(account, order);
-  leave_dealing(at, Stage::rejected, now);
-  return request::taken;
-}
-
-// The last thing that happened to the number says whether there was a requote that ran out.
-std::int32_t OrderDesk::no_requote(const TradingAccount& account, std::int64_t order) const {
-  const auto& outcomes = log_.all();
-  const auto last = std::find_if(outcomes.rbegin(), outcomes.rend(), [&](const Outcome& outcome) {
-    return outcome.number == order && outcome.account == account.config().number;
-  });
-  return last != outcomes.rend() && last->expired ? request::timer_expired : request::invalid_order_id;
-}
-
-// The operator has decided: it waits for the dealer's confirmation only, and is pending no more.
-void OrderDesk::leave_dealing(Flights::iterator at, Stage stage, TimePoint now) {
-  Flight flight = std::move(flights_.extract(at).mapped());
-  flight.requoted = false;
-  flight.request.stage = stage;
-  TradeExecution::remove_row(*flight.account, flight.request.known_as());
-  const TimePoint due = now + latency(flight.request);
-  flights_.emplace(due, std::move(flight));
-  ++revision_;
-}
-
 // A `result` of 0 is a rejection without a reason of the server's own.
 void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) {
   const TradeRequest& request = flight.request;
   TradingAccount& account = *flight.account;
   const bool done = result == result::succeeded;
   const double done_at = is_market(request.kind) ? price(request) : request.price;
-  OrderReport report = report_on(request, result, done_at);
-  if (done) report.state = order_state::executed;
-  const bool told = answers_.tell(account, flight.mishap, {answer_to(request, done), report}, at);
-  log(request, {.request = request::taken, .result = result, .expired = flight.requoted, .told = told}, at);
+  AnswerNews answer{answer_to(request, done), report_on(request, result, done_at)};
+  if (done) answer.report.state = order_state::executed;
+  // Of stops the client is told the SL/TP order, the one that is there or the one that comes.
+  const PendingOrder* stops =
+      request.kind == TradeKind::set_stops ? account.stops_of(request.reference) : nullptr;
+  if (request.kind == TradeKind::set_stops)
+    answer.report.number = stops != nullptr ? stops->order : request.number;
+  if (stops != nullptr) answer.event = Answer::update_stops;
+  const bool told = answers_.tell(account, flight.mishap, answer, at);
+  log(request,
+      {.number = answer.report.number,
+       .request = request::taken,
+       .result = result,
+       .updated = stops != nullptr,
+       .expired = flight.requoted,
+       .told = told},
+      at);
   if (request.stage == Stage::dealing) TradeExecution::remove_row(account, request.known_as());
   if (done) execution_.execute(request, account, done_at, at);
   DealerSession* session = account.session();
   if (session != nullptr && is_market(request.kind)) session->tell_summary(done);
-  if (flight.mishap.unknown_ticket) tell_unknown(account, report, at);
+  if (flight.mishap.unknown_ticket) tell_unknown(account, answer.report, at);
 }
 
 // Everything that can be said of a number, about one that is nobody's. News of an opened or changed position
@@ -330,8 +302,9 @@ void OrderDesk::tell_unknown(TradingAccount& account, OrderReport report, TimePo
   report.number = next_number_++;
   report.result = result::succeeded;
   report.state = order_state::executed;
-  for (const Answer event : {Answer::order, Answer::close, Answer::accepted, Answer::rejected, Answer::entry,
-                             Answer::cancel_entry, Answer::cancel_stops})
+  for (const Answer event :
+       {Answer::order, Answer::close, Answer::accepted, Answer::rejected, Answer::entry, Answer::update_entry,
+        Answer::new_stops, Answer::update_stops, Answer::cancel_entry, Answer::cancel_stops})
     answers_.tell(account, {}, {event, report}, at);
   DealerSession* session = account.session();
   if (session == nullptr) return;

@@ -13,6 +13,7 @@
 #include "dealer/fault_script.h"
 #include "dealer/market.h"
 #include "dealer/outcome_log.h"
+#include "dealer/price_watch.h"
 #include "dealer/trade_execution.h"
 #include "dealer/trade_request.h"
 #include "dealer/trade_rules.h"
@@ -25,8 +26,9 @@ namespace tutti {
 // Takes requests and brings each one to its end.
 //
 // The operations answer a request code at once. A taken request gets the next order number and is executed
-// after the latency; a market order or close may on its way become pending, and there be requoted. Answers go
-// to the session that is then logged in on the account.
+// after the latency; a market order or close may on its way become pending, and there be requoted. What waits
+// for a price is executed as the price comes. Answers go to the session that is then logged in on the
+// account.
 class OrderDesk {
  public:
   // Keeps references to all three.
@@ -38,6 +40,10 @@ class OrderDesk {
   std::int32_t close(TradingAccount& account, std::int64_t ticket, double amount, TimePoint now);
   std::int32_t place(TradingAccount& account, const EntryOrder& order, std::optional<std::size_t> symbol,
                      TimePoint now);
+  std::int32_t update(TradingAccount& account, std::int64_t order, double price, const StopPrices& stops,
+                      TimePoint now);
+  std::int32_t set_stops(TradingAccount& account, std::int64_t ticket, const StopPrices& stops,
+                         TimePoint now);
   // `kind` is TradeKind::cancel_entry or cancel_stops.
   std::int32_t cancel(TradingAccount& account, TradeKind kind, std::int64_t order, TimePoint now);
   // `order` as in OrderTimer.
@@ -47,6 +53,8 @@ class OrderDesk {
   std::optional<TimePoint> next_due() const;
   // Does what is due at `at` or before.
   void run(TimePoint at);
+  // Sets off what waits for the prices that the market has now, whether somebody is logged in or not.
+  void run_triggers(std::vector<TradingAccount>& accounts, PriceWatch& watch, TimePoint at);
 
   std::size_t in_flight() const { return flights_.size(); }
   std::vector<TradeRequest> requests() const;
@@ -93,6 +101,12 @@ class OrderDesk {
   std::int32_t no_requote(const TradingAccount& account, std::int64_t order) const;
   void leave_dealing(Flights::iterator at, TradeRequest::Stage stage, TimePoint now);
   void finish(const Flight& flight, std::int32_t result, TimePoint at);
+
+  // A waiting order whose price has come. It stays where it can't be executed for now.
+  void set_off(TradingAccount& account, std::int64_t number, TimePoint at);
+  // Executes or cancels it, as the report on it says.
+  void carry_out(TradingAccount& account, const PendingOrder& order, const TradeRequest& request,
+                 const OrderReport& report, TimePoint at);
 
   // What the fault script sends behind an answer.
   void tell_unknown(TradingAccount& account, OrderReport report, TimePoint at);

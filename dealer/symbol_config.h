@@ -20,7 +20,9 @@ struct SymbolConfig {
   double contract_size = 100'000.0;  // units of the base per lot
   double bid = 0.0;                  // start price; 0 means no quote until a replayed tick brings one
   double spread = 10.0;              // points between bid and ask
-  double limit_distance = 20.0;      // smallest distance of limit and stop entry orders, in points
+  // Smallest distance from the market, in points: of limit entry orders and take profits, and of stop entry
+  // orders and stop losses.
+  double limit_distance = 20.0;
   double stop_distance = 20.0;
   double volatility = 4.0;  // points, about the standard deviation of one move
   std::string base;         // currency or thing that is bought, "EUR"; margin is counted in it

@@ -1,6 +1,5 @@
 #include "dealer/trade_execution.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "dealer/dealer_session.h"
@@ -43,10 +42,71 @@ void TradeExecution::execute(const TradeRequest& request, TradingAccount& accoun
       return close_position(request, account, price);
     case TradeKind::entry:
       return add_row(account, row_of(request, at));
+    case TradeKind::update_entry:
+      return update_entry(request, account);
+    case TradeKind::set_stops:
+      return set_stops(request, account, at);
     case TradeKind::cancel_entry:
-    case TradeKind::cancel_stops:
       return remove_row(account, request.reference);
+    case TradeKind::cancel_stops:
+      return cancel_stops(account, request.reference);
   }
+}
+
+void TradeExecution::replace_row(TradingAccount& account, PendingOrder order) {
+  account.remove_order(order.order);
+  add_row(account, order);
+}
+
+void TradeExecution::update_entry(const TradeRequest& request, TradingAccount& account) {
+  PendingOrder order = *account.find_order(request.reference);
+  order.price = request.price;
+  order.stop_loss = request.stop_loss;
+  order.take_profit = request.take_profit;
+  replace_row(account, std::move(order));
+}
+
+void TradeExecution::set_stops(const TradeRequest& request, TradingAccount& account, TimePoint at) {
+  const OpenPosition& position = account.find_position(request.reference)->record;
+  const PendingOrder* found = account.stops_of(request.reference);
+  PendingOrder order;
+  if (found != nullptr) {
+    order = *found;
+  } else {
+    order.order = request.number;
+    order.kind = "ST";
+    order.reference = position.ticket;
+    order.operation = -position.side;  // what it does when its time comes
+    order.symbol = position.symbol;
+    order.amount = position.amount;
+    order.price = position.open_price;
+    order.time = at;
+  }
+  order.stop_loss = request.stop_loss;
+  order.take_profit = request.take_profit;
+  if (order.stop_loss > 0.0 || order.take_profit > 0.0)
+    replace_row(account, std::move(order));
+  else
+    remove_row(account, order.order);
+  note_stops(account, request.reference, request.stop_loss, request.take_profit);
+}
+
+void TradeExecution::cancel_stops(TradingAccount& account, std::int64_t order) {
+  const std::int64_t ticket = account.find_order(order)->reference;
+  remove_row(account, order);
+  note_stops(account, ticket, 0.0, 0.0);
+}
+
+void TradeExecution::note_stops(TradingAccount& account, std::int64_t ticket, double stop_loss,
+                                double take_profit) {
+  TradingAccount::Position* position = account.find_position(ticket);
+  if (position == nullptr) return;
+  OpenPosition& record = position->record;
+  if (record.stop_loss == stop_loss && record.take_profit == take_profit) return;
+  record.stop_loss = stop_loss;
+  record.take_profit = take_profit;
+  if (DealerSession* session = account.session())
+    session->tell_position(PositionNews::Change::changed, record);
 }
 
 void TradeExecution::open_position(const TradeRequest& request, TradingAccount& account, double price,
@@ -57,6 +117,8 @@ void TradeExecution::open_position(const TradeRequest& request, TradingAccount& 
   position.side = request.operation;
   position.amount = request.amount;
   position.open_price = price;
+  position.stop_loss = request.stop_loss;
+  position.take_profit = request.take_profit;
   position.open_time = at;
   position.commission = -account.commission(symbol, request.amount);
   account.open(std::move(position), symbol);
@@ -74,15 +136,15 @@ void TradeExecution::close_position(const TradeRequest& request, TradingAccount&
   if (session != nullptr && gone) session->tell_position(PositionNews::Change::closed, before);
   if (session != nullptr && !gone)
     session->tell_position(PositionNews::Change::changed, account.find_position(request.reference)->record);
-  if (!gone) return;
-  // Stop loss and take profit go with their position.
-  const auto belongs = [&](const PendingOrder& order) {
-    return order.kind == "ST" && order.reference == request.reference;
-  };
-  const auto& orders = account.orders();
-  for (auto at = std::find_if(orders.begin(), orders.end(), belongs); at != orders.end();
-       at = std::find_if(orders.begin(), orders.end(), belongs))
-    remove_row(account, at->order);
+  // Stop loss and take profit shrink and go with their position.
+  const PendingOrder* stops = account.stops_of(request.reference);
+  if (!gone && stops != nullptr) {
+    PendingOrder rest = *stops;
+    rest.amount = account.find_position(request.reference)->record.amount;
+    replace_row(account, std::move(rest));
+  }
+  for (; gone && stops != nullptr; stops = account.stops_of(request.reference))
+    remove_row(account, stops->order);
 }
 
 }  // namespace tutti

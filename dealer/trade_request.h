@@ -9,8 +9,10 @@ enum class TradeKind : std::uint8_t {
   open,          // market order
   close,         // of a position, whole or in part
   entry,         // new entry order
+  update_entry,  // changes price, stop loss and take profit of an entry order
+  set_stops,     // sets, changes or takes away the stop loss and take profit of a position
   cancel_entry,  // takes an entry order away
-  cancel_stops,  // takes the stop loss and take profit of a position away
+  cancel_stops,  // takes an SL/TP order away
 };
 
 // A request that the server has taken and not yet answered for good.
@@ -23,19 +25,21 @@ struct TradeRequest {
     rejected,  // the operator, or time, refused it
   };
 
-  std::int64_t number = 0;  // order number; the position it opens gets the same number as its ticket
+  // Order number; the position it opens gets it as its ticket, the SL/TP order it makes as its number.
+  std::int64_t number = 0;
   std::int32_t account = 0;
   TradeKind kind = TradeKind::open;
-  std::int64_t reference = 0;  // position to close, order to cancel; else 0
+  std::int64_t reference = 0;  // position to close or to set stops of, order to change or cancel; else 0
   std::int32_t operation = 0;  // operation:: code of the order, or of the position or order it refers to
   std::string symbol;
-  double amount = 0.0;  // lots
-  double price = 0.0;   // of an entry order; agreed on, once a market request is in dealing; else 0
-  double stop_loss = 0.0;
+  double amount = 0.0;     // lots
+  double price = 0.0;      // of an entry order; agreed on, once a market request is in dealing; else 0
+  double stop_loss = 0.0;  // 0: none, and with a change: none any more
   double take_profit = 0.0;
   Stage stage = Stage::sent;
 
-  // Number by which the client knows it: it speaks of a close by its ticket, of a cancellation by the order.
+  // Number by which the client knows it: it speaks of a close or of stops by the ticket, of a change or a
+  // cancellation by the order.
   std::int64_t known_as() const { return reference != 0 ? reference : number; }
 };
 

@@ -54,24 +54,64 @@ std::int32_t TradeRules::admit_entry(const TradingAccount& account, const EntryO
   if (!account.config().privilege) return request::no_privilege;
   if (!is_side(order.side)) return request::silent;
   if (!orderable(order.amount)) return request::invalid_lots;
-  if (!symbol || !market_.quote(*symbol).known()) return request::invalid_price;
-  if (!std::isfinite(order.price) || order.price <= 0.0 || !fits(order)) return request::invalid_price;
+  return symbol && well_priced(account, order, *symbol) ? request::taken : request::invalid_price;
+}
+
+std::int32_t TradeRules::admit_update(const TradingAccount& account, std::int64_t order, double price,
+                                      const StopPrices& stops) const {
+  if (!account.config().privilege) return request::no_privilege;
+  const PendingOrder* found = account.find_order(order, "LO");
+  if (found == nullptr) return request::invalid_order_id;
+  const bool limit = found->operation == operation::buy || found->operation == operation::sell;
+  const EntryOrder changed{.side = found->operation > 0 ? operation::buy : operation::sell,
+                           .kind = limit ? EntryKind::limit : EntryKind::stop,
+                           .symbol_id = found->symbol_id,
+                           .amount = found->amount,
+                           .price = price,
+                           .stop_loss = stops.stop_loss,
+                           .take_profit = stops.take_profit,
+                           .has_stop_loss = stops.has_stop_loss,
+                           .has_take_profit = stops.has_take_profit};
+  return well_priced(account, changed, *market_.find(found->symbol)) ? request::taken
+                                                                     : request::invalid_price;
+}
+
+bool TradeRules::well_priced(const TradingAccount& account, const EntryOrder& order,
+                             std::size_t symbol) const {
+  const Quote& quote = market_.quote(symbol);
+  if (!quote.known() || !std::isfinite(order.price) || order.price <= 0.0 || !fits(order)) return false;
   // A buy limit and a sell stop lie below the market, the other two above it.
-  const SymbolConfig& config = market_.symbol(*symbol);
-  const Quote& quote = market_.quote(*symbol);
   const bool limit = order.kind == EntryKind::limit;
-  const double distance =
-      (limit ? config.limit_distance : config.stop_distance) / std::pow(10.0, config.digits);
   const double market = order.side == operation::buy ? quote.ask : quote.bid;
   const double gap = (order.price - market) * (limit ? -order.side : order.side);
-  return gap >= distance - tolerance ? request::taken : request::invalid_price;
+  const double points = limit ? account.limit_distance(symbol) : account.stop_distance(symbol);
+  return gap >= scaled(symbol, points) - tolerance;
+}
+
+std::int32_t TradeRules::admit_stops(const TradingAccount& account, std::int64_t ticket,
+                                     const StopPrices& stops) const {
+  if (!account.config().privilege) return request::no_privilege;
+  const TradingAccount::Position* position = account.find_position(ticket);
+  if (position == nullptr) return request::invalid_ticket;
+  const std::size_t symbol = position->symbol;
+  const Quote& quote = market_.quote(symbol);
+  if (!quote.known()) return request::invalid_price;
+  const double side = position->record.side;
+  const double market = side > 0.0 ? quote.bid : quote.ask;
+  const auto far = [&](bool given, double price, double direction, double points) {
+    if (!given) return true;
+    const double gap = (price - market) * side * direction;
+    return std::isfinite(price) && price > 0.0 && gap > 0.0 && gap >= scaled(symbol, points) - tolerance;
+  };
+  const bool fit = far(stops.has_stop_loss, stops.stop_loss, -1.0, account.stop_distance(symbol)) &&
+                   far(stops.has_take_profit, stops.take_profit, 1.0, account.limit_distance(symbol));
+  return fit ? request::taken : request::invalid_price;
 }
 
 std::int32_t TradeRules::admit_cancel(const TradingAccount& account, std::int64_t order,
                                       std::string_view kind) const {
   if (!account.config().privilege) return request::no_privilege;
-  const PendingOrder* found = account.find_order(order);
-  return found != nullptr && found->kind == kind ? request::taken : request::invalid_order_id;
+  return account.find_order(order, kind) != nullptr ? request::taken : request::invalid_order_id;
 }
 
 std::int32_t TradeRules::judge(const TradingAccount& account, const TradeRequest& request,
@@ -84,11 +124,29 @@ std::int32_t TradeRules::judge(const TradingAccount& account, const TradeRequest
     case TradeKind::entry:
       if (const auto code = judge_symbol(account, place(request)); code != result::succeeded) return code;
       return tradable(request.amount) ? result::succeeded : result::invalid_amount;
+    case TradeKind::update_entry:
+      return judge_update(account, request);
+    case TradeKind::set_stops:
+      return judge_stops(account, request);
     case TradeKind::cancel_entry:
     case TradeKind::cancel_stops:
       break;
   }
-  return account.find_order(request.reference) != nullptr ? result::succeeded : result::order_not_found;
+  // The ticket of an executed entry order is its number, so that a close in dealing may have it too.
+  const char* kind = request.kind == TradeKind::cancel_entry ? "LO" : "ST";
+  return account.find_order(request.reference, kind) != nullptr ? result::succeeded : result::order_not_found;
+}
+
+std::int32_t TradeRules::judge_update(const TradingAccount& account, const TradeRequest& request) const {
+  if (account.find_order(request.reference, "LO") == nullptr) return result::order_not_found;
+  return judge_symbol(account, place(request));
+}
+
+std::int32_t TradeRules::judge_stops(const TradingAccount& account, const TradeRequest& request) const {
+  if (account.find_position(request.reference) == nullptr) return result::position_closed;
+  const bool none = request.stop_loss == 0.0 && request.take_profit == 0.0;
+  if (none && account.stops_of(request.reference) == nullptr) return result::order_not_found;
+  return judge_symbol(account, place(request));
 }
 
 std::int32_t TradeRules::judge_open(const TradingAccount& account, const TradeRequest& request,
@@ -155,6 +213,10 @@ double TradeRules::worse_price(const TradeRequest& request, double price, double
 std::chrono::milliseconds TradeRules::dealing_time(const TradingAccount& account,
                                                    const TradeRequest& request) const {
   return std::max(account.config().dealing, market_.symbol(place(request)).dealing);
+}
+
+double TradeRules::scaled(std::size_t symbol, double points) const {
+  return points / std::pow(10.0, market_.symbol(symbol).digits);
 }
 
 bool TradeRules::orderable(double amount) const {

@@ -25,6 +25,9 @@ class TradeRules {
   std::int32_t admit_close(const TradingAccount& account, std::int64_t ticket, double amount) const;
   std::int32_t admit_entry(const TradingAccount& account, const EntryOrder& order,
                            std::optional<std::size_t> symbol) const;
+  std::int32_t admit_update(const TradingAccount& account, std::int64_t order, double price,
+                            const StopPrices& stops) const;
+  std::int32_t admit_stops(const TradingAccount& account, std::int64_t ticket, const StopPrices& stops) const;
   // `kind` of the order that is to be cancelled, as in PendingOrder.
   std::int32_t admit_cancel(const TradingAccount& account, std::int64_t order, std::string_view kind) const;
 
@@ -43,10 +46,15 @@ class TradeRules {
  private:
   std::int32_t judge_open(const TradingAccount& account, const TradeRequest& request, double price) const;
   std::int32_t judge_close(const TradingAccount& account, const TradeRequest& request) const;
+  std::int32_t judge_update(const TradingAccount& account, const TradeRequest& request) const;
+  std::int32_t judge_stops(const TradingAccount& account, const TradeRequest& request) const;
   // What the state of the symbol allows, whatever the order.
   std::int32_t judge_symbol(const TradingAccount& account, std::size_t symbol) const;
-  bool orderable(double amount) const;  // a number above 0 and within the largest lot
-  bool tradable(double amount) const;   // not below the smallest lot, and a multiple of the step
+  // Whether an entry order's prices are on their sides, and the order far enough from the market.
+  bool well_priced(const TradingAccount& account, const EntryOrder& order, std::size_t symbol) const;
+  double scaled(std::size_t symbol, double points) const;  // as a price difference
+  bool orderable(double amount) const;                     // a number above 0 and within the largest lot
+  bool tradable(double amount) const;  // not below the smallest lot, and a multiple of the step
   std::size_t place(const TradeRequest& request) const { return *market_.find(request.symbol); }
   // Whether a market order or close buys.
   static bool buys(const TradeRequest& request);

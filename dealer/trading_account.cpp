@@ -15,10 +15,12 @@ constexpr int amount_decimals = 8;
 
 }  // namespace
 
-TradingAccount::TradingAccount(const AccountConfig& config, const Market& market, RateTable& rates)
+TradingAccount::TradingAccount(const AccountConfig& config, const Market& market, RateTable& rates,
+                               PriceWatch& watch)
     : config_(config),
       market_(market),
       rates_(rates),
+      watch_(watch),
       currency_(rates.add_currency(config.currency)),
       balance_(config.balance),
       credit_(config.credit),
@@ -57,10 +59,23 @@ const PendingOrder* TradingAccount::find_order(std::int64_t order) const {
   return at == orders_.end() ? nullptr : &*at;
 }
 
+const PendingOrder* TradingAccount::find_order(std::int64_t order, std::string_view kind) const {
+  const PendingOrder* found = find_order(order);
+  return found != nullptr && found->kind == kind ? found : nullptr;
+}
+
+const PendingOrder* TradingAccount::stops_of(std::int64_t ticket) const {
+  const auto at = std::find_if(orders_.begin(), orders_.end(), [&](const PendingOrder& order) {
+    return order.kind == "ST" && order.reference == ticket;
+  });
+  return at == orders_.end() ? nullptr : &*at;
+}
+
 const PendingOrder& TradingAccount::add_order(PendingOrder order) {
   order.account = config_.number;
   const auto symbol = market_.find(order.symbol);
   order.symbol_id = symbol ? ids_[*symbol] : 0;
+  if (symbol) watch_.expect(*symbol, trigger_of(order));
   const auto at =
       std::upper_bound(orders_.begin(), orders_.end(), order.order,
                        [](std::int64_t key, const PendingOrder& other) { return key < other.order; });
@@ -75,6 +90,14 @@ bool TradingAccount::opposed(std::size_t symbol, std::int32_t side) const {
   return std::any_of(positions_.begin(), positions_.end(), [&](const Position& position) {
     return position.symbol == symbol && position.record.side != side;
   });
+}
+
+double TradingAccount::limit_distance(std::size_t symbol) const {
+  return config_.limit_distance.value_or(market_.symbol(symbol).limit_distance);
+}
+
+double TradingAccount::stop_distance(std::size_t symbol) const {
+  return config_.stop_distance.value_or(market_.symbol(symbol).stop_distance);
 }
 
 AccountSummary TradingAccount::summary() const {
@@ -139,6 +162,10 @@ void TradingAccount::open(OpenPosition position, std::size_t symbol) {
   position.symbol_id = ids_[symbol];
   position.amount = round_half_even(position.amount, amount_decimals);
   position.current_price = position.open_price;
+  if (const PendingOrder* stops = stops_of(position.ticket)) {
+    position.stop_loss = stops->stop_loss;
+    position.take_profit = stops->take_profit;
+  }
   // Tickets grow, but orders need not be executed in the order in which they were sent.
   const auto at =
       std::upper_bound(positions_.begin(), positions_.end(), position.ticket,
@@ -191,12 +218,12 @@ bool TradingAccount::restore(const BookState::Account& state) {
     if (!market_.find(order.symbol)) return false;
   balance_ = state.balance;
   credit_ = state.credit;
-  positions_.clear();
-  for (const OpenPosition& position : state.positions)
-    open(position, *market_.find(position.symbol));
   orders_.clear();
   for (const PendingOrder& order : state.orders)
     add_order(order);
+  positions_.clear();
+  for (const OpenPosition& position : state.positions)
+    open(position, *market_.find(position.symbol));
   revalue();
   return true;
 }

@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "dealer/account_config.h"
 #include "dealer/book_state.h"
 #include "dealer/market.h"
+#include "dealer/price_watch.h"
 #include "dealer/rate_table.h"
 #include "sessions/contract/account_summary.h"
 #include "sessions/contract/open_position.h"
@@ -27,8 +29,8 @@ class TradingAccount {
     bool waiting = false;  // a FloatingNews of it is in the queue
   };
 
-  // Keeps references to all three.
-  TradingAccount(const AccountConfig& config, const Market& market, RateTable& rates);
+  // Keeps references to all four. What waits for a price is told to `watch`.
+  TradingAccount(const AccountConfig& config, const Market& market, RateTable& rates, PriceWatch& watch);
 
   const AccountConfig& config() const { return config_; }
   // Places in the market of the symbols that the account carries.
@@ -42,10 +44,17 @@ class TradingAccount {
   Position* find_position(std::int64_t ticket);
   const Position* find_position(std::int64_t ticket) const;
   bool opposed(std::size_t symbol, std::int32_t side) const;  // holds a position on the other side
+  // Points from the market that limits and take profits, and stops and stop losses, must keep at least.
+  double limit_distance(std::size_t symbol) const;
+  double stop_distance(std::size_t symbol) const;
 
   // What waits, in order of order numbers: entry orders, SL/TP, and what is in dealing.
   const std::vector<PendingOrder>& orders() const { return orders_; }
   const PendingOrder* find_order(std::int64_t order) const;
+  // The same, of one kind only.
+  const PendingOrder* find_order(std::int64_t order, std::string_view kind) const;
+  // The SL/TP order of a position; nullptr when there is none.
+  const PendingOrder* stops_of(std::int64_t ticket) const;
   // `order` carries all but the account and the symbol's number.
   const PendingOrder& add_order(PendingOrder order);
   void remove_order(std::int64_t order);
@@ -62,7 +71,8 @@ class TradingAccount {
   // Whether every rate that margin and profit of the symbol need is known.
   bool rates_known(std::size_t symbol) const;
 
-  // The three leave the values to the next revalue().
+  // The three leave the values to the next revalue(). A position finds its SL/TP order if that is there
+  // first.
   void open(OpenPosition position, std::size_t symbol);
   // Closes `amount` lots of a position and books their profit and their share of commission and interest;
   // true when nothing is left of it, so that it is gone.
@@ -86,6 +96,7 @@ class TradingAccount {
   const AccountConfig& config_;
   const Market& market_;
   const RateTable& rates_;
+  PriceWatch& watch_;
   std::size_t currency_;
   double balance_;
   double credit_;

@@ -1,17 +1,40 @@
 #include "orders/frmorder.h"
 
+#include <algorithm>
+#include <span>
 #include <utility>
 
-#include "core/numbers.h"
-#include "core/texts.h"
-
 namespace tutti {
+namespace {
+
+using Answer = frmorder::Answer;
+using Orders = std::span<const CClientAPIManagers::FanOutOrder>;
+
+// The orders at the front that are of this account.
+Orders of_one_account(Orders orders, std::int32_t account) {
+  std::size_t count = 0;
+  while (count < orders.size() && orders[count].account == account)
+    ++count;
+  return orders.first(count);
+}
+
+// The answer of an account. It has more than one order when it is logged in under several user names: what is
+// open counts before what is settled, and what was executed before what was not.
+Answer combined(Orders own) {
+  for (const Answer answer : {Answer::waiting, Answer::unknown, Answer::accepted}) {
+    for (const auto& order : own) {
+      if (answer_from(order.outcome()) == answer) return answer;
+    }
+  }
+  return Answer::refused;
+}
+
+}  // namespace
 
 frmorder::frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& symbols)
     : general_(general), accounts_list_(accounts_list), symbols_(symbols) {
   CBdis.set_items({"Distribute as equal parts", "Distribute by margin Ratio", "Distribute by equity Ratio"});
   ColumnWidthsPer("20,12,67");
-  txtLvw.set_visible(false);
   Enableds(true);
   txtammount.on_key = [](std::int16_t key, const std::string& text) {
     return frmMain::askycodekeypress(key, text);
@@ -21,6 +44,7 @@ frmorder::frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& 
   txtLvw.on_key = txtammount.on_key;
   cbsymbols.on_choose = [this] { cbsymbols_Click(); };
   CBdis.on_choose = [this] { CBdis_Click(); };
+  lvwConClients.on_tick = [](Row& row) { row.data<RowData>().wanted = row.checked(); };
   chkAllClients.on_click = [this] { chkAllClients_Click(); };
   LblCheck.on_click = [this] { LblCheck_Click(); };
   cmddis.on_click = [this] { cmddis_Click(); };
@@ -35,23 +59,20 @@ void frmorder::ColumnWidthsPer(std::string widths) {
 }
 
 void frmorder::Add(std::int32_t number, std::string_view share, double result) {
-  Row* row = lvwConClients.add(client_key(number));
-  if (row == nullptr) return;
-  row->set_number(Column::account, number);
-  row->set_text(Column::amount, share);
-  if (result != 0.0) row->set_number(Column::result_text, result);
+  Row* row = rows_.add(number, share);
+  if (row != nullptr && result != 0.0) row->set_number(Column::result_text, result);
 }
 
 void frmorder::UpdateResult(std::string_view text, std::int32_t number) {
-  if (Row* row = lvwConClients.find(client_key(number))) row->set_text(Column::result_text, text);
+  rows_.update_result(client_key(number), text);
 }
 
 void frmorder::updateAmount(std::int32_t, double share, RowKey key) {
-  if (Row* row = lvwConClients.find(key)) row->set_number(Column::amount, share);
+  rows_.update_amount(key, share);
 }
 
 void frmorder::Remove(std::int32_t number) {
-  if (Row* row = lvwConClients.find(client_key(number))) lvwConClients.remove(*row);
+  rows_.remove(number);
 }
 
 void frmorder::addNote(Row& row, std::string_view text) {
@@ -70,8 +91,10 @@ void frmorder::set_price_box_off() {
 }
 
 void frmorder::cbsymbols_Click() {
-  for (Row& row : lvwConClients)
+  for (Row& row : lvwConClients) {
     row.clear_cells(Column::amount, Column::result_text);
+    row.data<RowData>().wanted = row.checked();
+  }
   txtammount.set_text("");
   set_price_box_off();
   Enableds(true);
@@ -91,6 +114,7 @@ void frmorder::chkAllClients_Click() {
   set_price_box_off();
   set_all_accounts_box(chkAllClients.checked());
   for (Row& row : lvwConClients) {
+    row.data<RowData>().wanted = chkAllClients.checked();
     if (!chkAllClients.checked()) {
       row.set_checked(false);
       row.set_text(Column::result_text, "");
@@ -117,8 +141,11 @@ void frmorder::cmddis_Click() {
   }
   const SymbolHandle chosen = symbols_.find(cbsymbols.text());
   symbol_ = chosen == no_symbol ? SymbolCollection::Entry{} : symbols_.entry(chosen);
-  for (Row& row : lvwConClients)
+  sent_ = false;
+  for (Row& row : lvwConClients) {
     row.set_text(Column::result_text, "");
+    row.data<RowData>().wanted = row.checked();
+  }
   accounts_list_.Distribute(general_.locale->StringToNumber(txtammount.text()),
                             static_cast<std::int16_t>(CBdis.index()), symbol_);
 }
@@ -139,6 +166,7 @@ void frmorder::send(void (CClientAPIManagers::*function)()) {
   // Before anything is sent, so that each distribution goes out once.
   Enableds(true);
   requests_refused_ = 0;
+  sent_ = true;
   (accounts_list_.sessions().*function)();
 }
 
@@ -146,44 +174,36 @@ void frmorder::request_ended(std::int32_t, std::int32_t) {
   ++requests_refused_;
 }
 
-bool frmorder::open_editor(Row& row, std::size_t column) {
-  if (column != Column::amount) return false;
-  MoveTxtLvw(row.key(), column);
-  txtLvw.set_text(row.text(column));
-  txtLvw.set_visible(true);
-  general_.select_text(txtLvw);
-  return true;
-}
-
-bool frmorder::commit_editor() {
-  txtLvw.set_visible(false);
-  // The account may have disconnected while its share was edited.
-  Row* row = lvwConClients.find(editor_row_);
-  const std::string_view text = trim(txtLvw.text());
-  // The text of a placeholder row is no value.
-  if (row == nullptr || text == "enter next entry") return false;
-  row->set_text(editor_column_, text);
-  return true;
-}
-
-double frmorder::GetLvwDeltaX(std::size_t column) const {
-  double left = 0.0;
-  for (std::size_t i = 0; i < column; ++i)
-    left += lvwConClients.columns()[i].width;
-  return left;
-}
-
-void frmorder::MoveTxtLvw(RowKey row, std::size_t column) {
-  editor_row_ = row;
-  editor_column_ = column;
-}
-
-double frmorder::sum_of_shares() const {
-  double sum = 0.0;
-  for (const Row& row : lvwConClients) {
-    if (row.checked()) sum += row.cell(Column::amount).number();
+frmorder::Answer frmorder::answer_of(const Row& row) const {
+  if (sent_) {
+    const auto number = static_cast<std::int32_t>(row.key().number());
+    const Orders all = accounts_list_.sessions().last_fan_out();
+    const auto first = std::lower_bound(all.begin(), all.end(), number, [](const auto& order, auto wanted) {
+      return order.account < wanted;
+    });
+    const Orders own = of_one_account({first, all.end()}, number);
+    if (!own.empty()) return combined(own);
   }
-  return sum;
+  const auto* data = row.data_if<RowData>();
+  return data != nullptr && data->wanted && !row.checked() ? Answer::left_out : Answer::none;
+}
+
+frmorder::Answers frmorder::answers() const {
+  Answers out;
+  if (!sent_) return out;
+  Orders rest = accounts_list_.sessions().last_fan_out();
+  while (!rest.empty()) {
+    const Orders own = of_one_account(rest, rest.front().account);
+    rest = rest.subspan(own.size());
+    out.count(combined(own));
+  }
+  return out;
+}
+
+void frmorder::take_symbol(std::string_view name) {
+  // Choosing empties amounts and shares, even for the symbol that is chosen already.
+  if (name == cbsymbols.text() || cbsymbols.find(name) < 0) return;
+  cbsymbols.choose(name);
 }
 
 }  // namespace tutti

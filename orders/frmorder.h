@@ -12,6 +12,8 @@
 #include "core/combo_box.h"
 #include "core/label.h"
 #include "core/text_box.h"
+#include "orders/account_rows.h"
+#include "orders/order_answer.h"
 #include "sessions/desk.h"
 
 namespace tutti {
@@ -55,17 +57,18 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
 
   // In-place editor of a cell. The operator corrects a share after Distribute; committing writes the trimmed
   // text. False when the cell can't be edited or the row has gone.
-  bool open_editor(Row& row, std::size_t column);
-  bool commit_editor();
-  void cancel_editor() { txtLvw.set_visible(false); }
+  bool open_editor(Row& row, std::size_t column) { return rows_.open_editor(row, column); }
+  bool commit_editor() { return rows_.commit_editor(); }
+  void cancel_editor() { rows_.cancel_editor(); }
   // Left edge of a column in percent of the list's width, where the editor stands.
-  double GetLvwDeltaX(std::size_t column) const;
-  void MoveTxtLvw(RowKey row, std::size_t column);
-  RowKey editor_row() const { return editor_row_; }
-  std::size_t editor_column() const { return editor_column_; }
+  double GetLvwDeltaX(std::size_t column) const { return rows_.left_edge(column); }
+  void MoveTxtLvw(RowKey row, std::size_t column) { rows_.move_editor(row, column); }
+  RowKey editor_row() const { return rows_.editor_row(); }
+  std::size_t editor_column() const { return rows_.editor_column(); }
 
   // What the window shows beside the list.
-  double sum_of_shares() const;
+  using Shares = tutti::Shares;
+  Shares shares() const { return rows_.shares(); }
   double minimum_lot() const { return general_.minimum_lot; }
   double maximum_lot() const { return general_.maximum_lot; }
 
@@ -86,8 +89,21 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   // Requests of the last Buy or Sell that were not taken.
   int requests_refused() const { return requests_refused_; }
 
+  // What became of the orders of the last Buy or Sell. Distribute begins a new round, which has no orders
+  // until the next one.
+  using Answer = OrderAnswer;
+  using Answers = OrderAnswers;
+  Answer answer_of(const Row& row) const;
+  Answers answers() const;
+  static std::string answers_text(const Answers& answers) { return answers.text(); }
+
+  // Another window hands a symbol over. The one that is chosen already, or one that can't be chosen, changes
+  // nothing.
+  void take_symbol(std::string_view name);
+
   // OrderWindow
   RowList& account_rows() override { return lvwConClients; }
+  std::string_view no_balance_text() const override { return "No Balance"; }
   void clear_all_accounts_box() override { set_all_accounts_box(false); }
 
  private:
@@ -102,15 +118,21 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   void set_price_box_off();
   void set_all_accounts_box(bool checked);
 
+  struct RowData {
+    // The operator ticked the row, or pressed a button with it ticked. If it is not ticked all the same, the
+    // account was refused.
+    bool wanted = false;
+  };
+
   MGeneral& general_;
   frmMain& accounts_list_;
   SymbolCollection& symbols_;
   SymbolCollection::Entry symbol_;  // the chosen symbol when Distribute was pressed; empty when not found
   std::string column_widths_;
-  RowKey editor_row_;
-  std::size_t editor_column_ = 0;
+  AccountRows rows_{general_, lvwConClients, txtLvw};
   int requests_refused_ = 0;
   bool has_lot_limits_ = false;
+  bool sent_ = false;  // Buy or Sell was pressed since the last Distribute
 };
 
 }  // namespace tutti

@@ -80,15 +80,24 @@ class CClientAPIManager final : public CLAPICLASS {
   void DisInvalidAcc(std::string_view key_text);
 
   // Market orders of this account: the fan-out notes each one it sends.
-  void note_sent(const SentOrder& order);
+  void note_sent(const SentOrder& order) { note_new(orders_, order); }
   // The one sent last; its outcome is `none` when nothing was sent.
-  const SentOrder& last_order() const;
+  const SentOrder& last_order() const { return last_of(orders_); }
   // Closes a position of this account, or `amount` lots of it; cancels an entry order or the SL/TP order of a
   // position. Each answers the request code and keeps account of what becomes of it.
   std::int32_t close_position(std::int64_t ticket, double amount);
   std::int32_t cancel_order(std::int64_t order, bool stops_of_position);
-  // The last close or cancel of this ticket or order; nullptr when none was sent.
-  const SentOrder* sent_request(std::int64_t number) const;
+  // The same for a new entry order, new prices of one, and the SL/TP of a position. The entry order window is
+  // told what becomes of them, with the mark of its round.
+  std::int32_t place_entry(const EntryOrder& order, SymbolHandle symbol, int round);
+  std::int32_t update_entry(std::int64_t order, double price, const StopPrices& stops, int round);
+  std::int32_t set_stops(std::int64_t ticket, const StopPrices& stops, int round);
+  // The new entry order that was sent last, as last_order.
+  const SentOrder& last_entry() const { return last_of(entries_); }
+  // The last request of this kind for this ticket or order; nullptr when none was sent.
+  const SentOrder* sent_request(RequestKind kind, std::int64_t number) const;
+  // How many of all these are still to be answered.
+  int unanswered() const;
   // Gives up waiting: journals every request without a result as unknown.
   void journal_unanswered();
 
@@ -153,10 +162,21 @@ class CClientAPIManager final : public CLAPICLASS {
   void read_settings();
   void refresh_pending(std::int64_t order);
   void refresh_position(std::int64_t ticket);
+  // New orders: the last one sent, behind those that are not settled; oldest first.
+  using NewOrders = std::vector<SentOrder>;
+  static void note_new(NewOrders& orders, const SentOrder& order);
+  static const SentOrder& last_of(const NewOrders& orders);
   // What became of the order that is meant: the one with the number, else the oldest that was sent so.
   void settle_order(const OrderReport& report, SentOrder::Outcome outcome);
-  void settle_request(std::int64_t number, std::int32_t result, SentOrder::Outcome outcome);
-  std::int32_t note_request(std::int64_t number, double amount, std::int32_t request_code);
+  void settle_entry(std::int64_t order, std::int32_t result);
+  // The answer to stops names their order, which is a new one when the position had none before.
+  void settle_stops(std::int64_t order, std::int32_t result);
+  void settle_request(RequestKind kind, std::int64_t number, std::int32_t result, SentOrder::Outcome outcome);
+  void settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome);
+  std::int32_t note_request(SentOrder request, std::int32_t request_code);
+  // As the library has them; nullptr when it has none with this number.
+  const PendingOrder* pending_order(std::int64_t order) const;
+  const OpenPosition* open_position(std::int64_t ticket) const;
   void journal_unknown(const std::string& what);
   void close_refused(std::int64_t ticket, const std::string& text, const std::string& row_text,
                      const std::string& message);
@@ -174,9 +194,11 @@ class CClientAPIManager final : public CLAPICLASS {
 
   std::vector<std::int32_t> ids_;      // symbol identifier by handle, 0 when not carried
   std::vector<SymbolHandle> handles_;  // handle by symbol identifier
-  std::vector<SentOrder> orders_;      // the last one sent, behind those that are not settled; oldest first
-  tsl::robin_map<std::int64_t, SentOrder> requests_;  // closes and cancels, by ticket or order
-  std::set<std::string> refused_;                     // what was refused since the connection stands
+  NewOrders orders_;                   // at the market
+  NewOrders entries_;
+  // All others: of each kind and number the last one sent, behind those that are not settled; oldest first.
+  std::vector<SentOrder> requests_;
+  std::set<std::string> refused_;  // what was refused since the connection stands
   std::string user_;
   Secret password_;
 };

@@ -112,11 +112,16 @@ void CClientAPIManager::DeleteOpenPosition(const OpenPosition& position) {
   desk_.close_positions->position_closed(position.ticket);
 }
 
-void CClientAPIManager::refresh_position(std::int64_t ticket) {
+const OpenPosition* CClientAPIManager::open_position(std::int64_t ticket) const {
   for (int index = 1; index <= client_->OpenPositionCount(); ++index) {
     const OpenPosition* position = client_->OpenPositionItem(index);
-    if (position != nullptr && position->ticket == ticket) return NewOpenPosition(*position);
+    if (position != nullptr && position->ticket == ticket) return position;
   }
+  return nullptr;
+}
+
+void CClientAPIManager::refresh_position(std::int64_t ticket) {
+  if (const OpenPosition* position = open_position(ticket)) return NewOpenPosition(*position);
   desk_.positions->remove_position(ticket);
   desk_.close_positions->position_closed(ticket);
 }
@@ -146,11 +151,16 @@ void CClientAPIManager::DeletePendingOrder(const PendingOrder& order) {
   desk_.pending->remove_order(order.order);
 }
 
-void CClientAPIManager::refresh_pending(std::int64_t order) {
+const PendingOrder* CClientAPIManager::pending_order(std::int64_t order) const {
   for (int index = 1; index <= client_->PendingOrderCount(); ++index) {
     const PendingOrder* item = client_->PendingOrderItem(index);
-    if (item != nullptr && item->order == order) return NewPendingOrder(*item);
+    if (item != nullptr && item->order == order) return item;
   }
+  return nullptr;
+}
+
+void CClientAPIManager::refresh_pending(std::int64_t order) {
+  if (const PendingOrder* item = pending_order(order)) NewPendingOrder(*item);
 }
 
 }  // namespace tutti

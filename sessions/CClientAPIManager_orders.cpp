@@ -1,6 +1,5 @@
 // Results of market orders, closes, entry orders and SL/TP orders of an account session.
 
-#include <algorithm>
 #include <cmath>
 
 #include "core/numbers.h"
@@ -21,88 +20,6 @@ constexpr std::string_view no_equity = "\\sounds\\NoEquity.wav";
 constexpr std::string_view alert = "\\sounds\\Alert.wav";
 
 }  // namespace
-
-void CClientAPIManager::note_sent(const SentOrder& order) {
-  if (!orders_.empty() && orders_.back().settled()) orders_.pop_back();
-  orders_.push_back(order);
-}
-
-const SentOrder& CClientAPIManager::last_order() const {
-  static const SentOrder none;
-  return orders_.empty() ? none : orders_.back();
-}
-
-void CClientAPIManager::settle_order(const OrderReport& report, SentOrder::Outcome outcome) {
-  auto at = std::find_if(orders_.begin(), orders_.end(), [&](const SentOrder& o) {
-    return !o.settled() && o.number != 0 && o.number == report.number;
-  });
-  if (at == orders_.end()) {
-    const SymbolHandle symbol = symbols_.find(report.symbol);
-    at = std::find_if(orders_.begin(), orders_.end(), [&](const SentOrder& o) {
-      return !o.settled() && o.number == 0 && o.symbol == symbol && o.amount == report.amount &&
-             (o.side > 0) == (report.operation > 0);
-    });
-  }
-  if (at == orders_.end()) return;
-  at->number = report.number;
-  at->outcome = outcome;
-  if (report.result != 0) at->result_code = report.result;
-  if (at->settled() && at + 1 != orders_.end()) orders_.erase(at);
-}
-
-std::int32_t CClientAPIManager::close_position(std::int64_t ticket, double amount) {
-  return note_request(ticket, amount,
-                      client_->ClosePosition(std::to_string(ticket), number_text(amount), ""));
-}
-
-std::int32_t CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position) {
-  return note_request(order, 0.0,
-                      stops_of_position ? client_->DeleteSLTPOrder(order) : client_->DeleteEntryOrder(order));
-}
-
-std::int32_t CClientAPIManager::note_request(std::int64_t number, double amount, std::int32_t code) {
-  SentOrder& noted = requests_[number];
-  // A repetition that is refused does not end what is still on its way.
-  if (code != request::taken && !noted.settled()) return code;
-  noted = {.number = number,
-           .amount = amount,
-           .request_code = code,
-           .outcome = code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused};
-  return code;
-}
-
-const SentOrder* CClientAPIManager::sent_request(std::int64_t number) const {
-  const auto at = requests_.find(number);
-  return at == requests_.end() ? nullptr : &at->second;
-}
-
-void CClientAPIManager::settle_request(std::int64_t number, std::int32_t code, SentOrder::Outcome outcome) {
-  const auto at = requests_.find(number);
-  if (at == requests_.end()) return;
-  at.value().outcome = outcome;
-  if (code != 0) at.value().result_code = code;
-}
-
-void CClientAPIManager::journal_unknown(const std::string& what) {
-  log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
-      std::to_string(account_));
-}
-
-void CClientAPIManager::journal_unanswered() {
-  for (SentOrder& order : orders_) {
-    if (order.settled()) continue;
-    order.outcome = SentOrder::Outcome::unknown;
-    journal_unknown(std::string{"Order "} + (order.side > 0 ? "BUY " : "SELL ") + number_text(order.amount) +
-                    " " + (order.symbol == no_symbol ? "" : symbols_.entry(order.symbol).name));
-  }
-  if (orders_.size() > 1) orders_.erase(orders_.begin(), orders_.end() - 1);
-  for (auto at = requests_.begin(); at != requests_.end(); ++at) {
-    SentOrder& request = at.value();
-    if (request.settled()) continue;
-    request.outcome = SentOrder::Outcome::unknown;
-    journal_unknown("The request for #" + std::to_string(request.number));
-  }
-}
 
 void CClientAPIManager::NewOrderResult(const OrderReport& report) {
   if (report.result == result::succeeded && report.state == order_state::pending) {
@@ -135,7 +52,7 @@ void CClientAPIManager::NewOrderResult(const OrderReport& report) {
 
 void CClientAPIManager::MarketOrderAccepted(const OrderReport& report) {
   if (report.request_kind == request_kind::close) {
-    settle_request(report.number, 0, SentOrder::Outcome::accepted);
+    settle_request(RequestKind::close, report.number, 0, SentOrder::Outcome::accepted);
     log_order(report.number, "Ticket #" + std::to_string(report.number) + " has been closed successfully");
     refresh_position(report.number);
   } else {
@@ -149,7 +66,7 @@ void CClientAPIManager::MarketOrderAccepted(const OrderReport& report) {
 void CClientAPIManager::MarketOrderRejected(const OrderReport& report) {
   if (report.request_kind == request_kind::close) {
     constexpr std::string_view text = "Closing has been rejected";
-    settle_request(report.number, 0, SentOrder::Outcome::refused);
+    settle_request(RequestKind::close, report.number, 0, SentOrder::Outcome::refused);
     log_order(report.number, text);
     desk_.close_positions->result(report.number, text);
   } else {
@@ -179,7 +96,7 @@ void CClientAPIManager::CloseOrderResult(const OrderReport& report) {
   const std::int64_t ticket = report.number;
   const std::string number = std::to_string(ticket);
   const bool dealing = report.result == result::succeeded && report.state == order_state::pending;
-  settle_request(ticket, report.result,
+  settle_request(RequestKind::close, ticket, report.result,
                  dealing                              ? SentOrder::Outcome::pending
                  : report.result == result::succeeded ? SentOrder::Outcome::accepted
                                                       : SentOrder::Outcome::refused);
@@ -242,6 +159,7 @@ void CClientAPIManager::CloseOrderResult(const OrderReport& report) {
 }
 
 void CClientAPIManager::NewLimitOrderResult(std::int64_t order, std::int32_t code) {
+  settle_entry(order, code);
   if (code == result::all_managed) {
     log_order(order, "Order " + std::to_string(order) + " :All Lots Are Managed");
     return;
@@ -255,6 +173,8 @@ void CClientAPIManager::NewLimitOrderResult(std::int64_t order, std::int32_t cod
 }
 
 void CClientAPIManager::UpdateLimitOrderResult(std::int64_t order, std::int32_t code) {
+  settle_request(RequestKind::update, order, code,
+                 code == result::succeeded ? SentOrder::Outcome::accepted : SentOrder::Outcome::refused);
   const std::string_view text = result_texts::update_entry(code);
   if (text.empty()) return;
   const std::string line = "Order #" + std::to_string(order) + std::string{text};
@@ -267,7 +187,7 @@ void CClientAPIManager::UpdateLimitOrderResult(std::int64_t order, std::int32_t 
 }
 
 void CClientAPIManager::DeleteLimitOrderResult(std::int64_t order, std::int32_t code) {
-  settle_request(order, code,
+  settle_request(RequestKind::cancel, order, code,
                  code == result::succeeded ? SentOrder::Outcome::accepted : SentOrder::Outcome::refused);
   const std::string text =
       "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
@@ -297,6 +217,7 @@ void CClientAPIManager::LimitOrderCanceledNoMoney(std::int64_t order, std::int32
 }
 
 void CClientAPIManager::NewSLTPOrderResult(std::int64_t order, std::int32_t code) {
+  settle_stops(order, code);
   const std::string_view text = result_texts::new_stops(code);
   std::string line = "Request SL/TP for #" + std::to_string(order);
   if (!text.empty()) line += " " + std::string{text};
@@ -307,14 +228,16 @@ void CClientAPIManager::NewSLTPOrderResult(std::int64_t order, std::int32_t code
 }
 
 void CClientAPIManager::DeleteSLTPOrderResult(std::int64_t order, std::int32_t code) {
-  settle_request(order, code,
+  settle_request(RequestKind::cancel, order, code,
                  code == result::succeeded ? SentOrder::Outcome::accepted : SentOrder::Outcome::refused);
   log_order(order,
             "Delete SLTP Order #" + std::to_string(order) + " " + std::string{ResultDescription(code)});
 }
 
 void CClientAPIManager::UpdateSLTPOrderResult(std::int64_t order, std::int32_t code) {
+  settle_stops(order, code);
   log("Updating SL/TP order #" + std::to_string(order) + " result #" + std::string{ResultDescription(code)});
+  if (code == result::succeeded) desk_.entry_order->stop_request_succeeded(order, account_);
 }
 
 void CClientAPIManager::SlTpOrderAccepted(std::int64_t order) {

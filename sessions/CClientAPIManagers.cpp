@@ -1,5 +1,6 @@
 #include "sessions/CClientAPIManagers.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/numbers.h"
@@ -78,6 +79,9 @@ void CClientAPIManagers::RClear(int number) {
     session->ClientListItem(nullptr);
     desk_.accounts->remove_client(*row);
   }
+  for (FanOutOrder& order : fan_out_) {
+    if (order.session == session) order = {order.account, nullptr, order.outcome()};
+  }
   if (current_ == session) current_ = nullptr;
   const std::int32_t account = session->account();
   // A handler that removes its own account goes on in the session that it belongs to.
@@ -148,7 +152,8 @@ double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf d
 void CClientAPIManagers::fan_out(std::int32_t side) {
   const std::string sound = general_.paths.full("\\sounds\\OrderOk.wav");
   const SymbolHandle symbol = symbols_.find(desk_.market_order->symbol());
-  int sent = 0;
+  fan_out_.clear();
+  fan_out_sorted_ = false;
   for (const auto& session : sessions_) {
     ClientAPI& client = session->ClientAPIF();
     if (!client.LoggedIn()) continue;
@@ -163,13 +168,29 @@ void CClientAPIManagers::fan_out(std::int32_t side) {
          .symbol = symbol,
          .request_code = code,
          .outcome = code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused});
+    fan_out_.push_back({.account = account, .session = session.get()});
     Result(code, account, client_key(session->key()));
     general_.play_sound_file(sound);
-    ++sent;
   }
-  if (sent > 0) return;
+  if (!fan_out_.empty()) return;
   general_.message_box("No account selected");
   desk_.market_order->nothing_sent();
+}
+
+std::span<const CClientAPIManagers::FanOutOrder> CClientAPIManagers::last_fan_out() {
+  // Sorting is left to the first look, since sending must not wait for it.
+  if (!std::exchange(fan_out_sorted_, true)) {
+    std::sort(fan_out_.begin(), fan_out_.end(),
+              [](const FanOutOrder& a, const FanOutOrder& b) { return a.account < b.account; });
+  }
+  return fan_out_;
+}
+
+int CClientAPIManagers::unanswered() const {
+  int out = 0;
+  for (const auto& session : sessions_)
+    out += session->unanswered();
+  return out;
 }
 
 void CClientAPIManagers::Result(std::int32_t code, std::int32_t account, RowKey row_key) {

@@ -70,6 +70,18 @@ class CClientAPIManagers {
   void BuyFunction() { fan_out(operation::buy); }
   void SellFunction() { fan_out(operation::sell); }
   void NewOrder(std::string_view, std::string_view, std::string_view) {}
+  // An order of the last Buy or Sell.
+  struct FanOutOrder {
+    std::int32_t account = 0;
+    const CClientAPIManager* session = nullptr;         // that sent it; nullptr once it was removed
+    SentOrder::Outcome end = SentOrder::Outcome::none;  // what became of it, as the removed session knew
+
+    SentOrder::Outcome outcome() const { return session == nullptr ? end : session->last_order().outcome; }
+  };
+  // Sorted by account.
+  std::span<const FanOutOrder> last_fan_out();
+  // Market orders, closes and cancels of all sessions that are still to be answered.
+  int unanswered() const;
   // Reports the request code of a market order. `row_key` is the account's key in the accounts list.
   void Result(std::int32_t code, std::int32_t account, RowKey row_key);
 
@@ -90,6 +102,8 @@ class CClientAPIManagers {
   std::vector<std::unique_ptr<CClientAPIManager>>
       retired_;  // removed by a handler, freed with the next removal outside one
   tsl::robin_map<std::int32_t, CClientAPIManager*> by_account_;
+  std::vector<FanOutOrder> fan_out_;
+  bool fan_out_sorted_ = true;
   CClientAPIManager* current_ = nullptr;
 };
 

@@ -12,6 +12,7 @@
 #include "sessions/contract/pending_order.h"
 #include "sessions/contract/requote.h"
 #include "sessions/contract/symbol.h"
+#include "sessions/sent_order.h"
 #include "sessions/symbol_collection.h"
 
 // What a session may tell the windows. Every interface has empty defaults, so that a window which is not
@@ -83,6 +84,8 @@ class EntryOrderDesk : public OrderRowsDesk {
   virtual void distribute_available() {}
   virtual void prices(SymbolHandle, const Symbol&) {}
   virtual void stop_request_succeeded(std::int64_t /*order*/, std::int32_t /*account*/) {}
+  // What became of an entry order, an update or an SL/TP request that was taken.
+  virtual void request_settled(const SentOrder&, std::int32_t /*account*/) {}
 };
 
 class ClosePositionsDesk {

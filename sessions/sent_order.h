@@ -6,8 +6,16 @@
 
 namespace tutti {
 
-// A market order, a close or a cancel on its way: what was sent, what the request answered, and what became
-// of it.
+enum class RequestKind : std::uint8_t {
+  open,    // market order
+  close,   // of a position, or of a part of it
+  cancel,  // of an entry order, or of the SL/TP order of a position
+  entry,   // new entry order
+  update,  // of an entry order
+  stops,   // SL/TP of a position
+};
+
+// A request on its way: what was sent, what the request answered, and what became of it.
 struct SentOrder {
   enum class Outcome : std::uint8_t {
     none,      // nothing was sent
@@ -18,13 +26,17 @@ struct SentOrder {
     unknown,   // the connection was lost before the result came
   };
 
-  std::int64_t number = 0;  // of a market order: known once a result told it
+  RequestKind kind = RequestKind::open;
+  std::int64_t number = 0;  // order or ticket; of a new order known once a result told it
   double amount = 0.0;      // lots
+  double price = 0.0;       // of an entry order
   std::int32_t side = 0;    // operation:: code
   SymbolHandle symbol = no_symbol;
   std::int32_t request_code = 0;
   std::int32_t result_code = 0;  // 0 until a result came
   Outcome outcome = Outcome::none;
+  std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
+  int round = 0;                 // the sender's own mark, handed back with the outcome
 
   // Nothing more is to come of it.
   bool settled() const { return outcome != Outcome::waiting && outcome != Outcome::pending; }

@@ -63,6 +63,11 @@ tl::expected<void, FileError> Main::show_main_window() {
   market_order_ = std::make_unique<frmorder>(general_, *accounts_, symbols_);
   desk_.market_order = market_order_.get();
   accounts_->attach(*market_order_);
+  entry_order_ = std::make_unique<frmlimitorder>(general_, *accounts_, symbols_);
+  desk_.entry_order = entry_order_.get();
+  market_watch_ = std::make_unique<frmMW>(general_, symbols_);
+  market_watch_->take_symbol = [this](std::string_view symbol) { market_order_->take_symbol(symbol); };
+  desk_.market_watch = market_watch_.get();
   trade_ = std::make_unique<frmTrade>(general_, *question_box_, desk_, symbols_);
   desk_.positions = trade_.get();
   sure_->logout_all = [this] { accounts_->logout_all(); };
@@ -75,6 +80,9 @@ tl::expected<void, FileError> Main::show_main_window() {
   // What needs the session collection, which the accounts list has just made.
   pending_ = std::make_unique<frmPending>(general_, accounts_->sessions());
   desk_.pending = pending_.get();
+  const auto edit = [this](const frmPending::EditRequest& request) { entry_order_->EdirMode(request); };
+  pending_->EdirMode = edit;
+  trade_->EdirMode = edit;
   requote_ = std::make_unique<frmPriceChanged>(general_, *market_order_, *pending_);
   desk_.requote = requote_.get();
   close_helper_ = std::make_unique<CloseHelper>(general_, accounts_->sessions());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <limits>
 
 #include <tl/expected.hpp>
 
@@ -14,17 +15,20 @@
 #include "core/paths.h"
 #include "orders/close_helper.h"
 #include "orders/frmPriceChanged.h"
+#include "orders/frmlimitorder.h"
 #include "orders/frmorder.h"
 #include "sessions/desk.h"
 #include "sessions/symbol_collection.h"
 #include "shell/CHTMLHELP.h"
 #include "shell/Culf.h"
+#include "shell/broker_card.h"
 #include "shell/frmMdiNew.h"
 #include "views/CJournal.h"
 #include "views/CNetPos.h"
 #include "views/COpenPos.h"
 #include "views/CPendingOrds.h"
 #include "views/frmJournal.h"
+#include "views/frmMW.h"
 #include "views/frmPending.h"
 #include "views/frmTrade.h"
 
@@ -60,8 +64,10 @@ class Main {
   // a data file can't be read; the error names file and line. Called once.
   tl::expected<void, FileError> start();
 
-  // Delivers waiting events; to be called whenever the thread is free.
-  std::size_t deliver_events() { return pump_->deliver(); }
+  // Delivers waiting events, up to `limit`, and answers how many; to be called whenever the thread is free.
+  std::size_t deliver_events(std::size_t limit = std::numeric_limits<std::size_t>::max()) {
+    return pump_->deliver(limit);
+  }
   // Runs the timers that are due; to be called as often.
   void poll_timers();
 
@@ -72,6 +78,8 @@ class Main {
   frmMdiNew& window() { return *window_; }
   frmMain& accounts() { return *accounts_; }
   frmorder& market_order() { return *market_order_; }
+  frmlimitorder& entry_order() { return *entry_order_; }
+  frmMW& market_watch() { return *market_watch_; }
   frmTrade& trade() { return *trade_; }
   frmPending& pending() { return *pending_; }
   frmPriceChanged& requote() { return *requote_; }
@@ -83,6 +91,8 @@ class Main {
   COpenPos& open_positions() { return *open_positions_; }
   CPendingOrds& pending_orders() { return *pending_orders_; }
   CNetPos& net_positions() { return *net_positions_; }
+  // Read from its files with every call.
+  BrokerCard broker() const { return BrokerCard::read(paths_); }
 
  private:
   void create_objects();
@@ -112,6 +122,8 @@ class Main {
   std::unique_ptr<frmMain> accounts_;
   std::unique_ptr<frmTrade> trade_;
   std::unique_ptr<frmorder> market_order_;
+  std::unique_ptr<frmlimitorder> entry_order_;
+  std::unique_ptr<frmMW> market_watch_;
   std::unique_ptr<frmPending> pending_;
   std::unique_ptr<frmPriceChanged> requote_;
   std::unique_ptr<CloseHelper> close_helper_;

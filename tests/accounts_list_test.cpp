@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 
 #include "core/numbers.h"
 #include "core/texts.h"
@@ -130,6 +131,8 @@ TEST(AccountsList, LogoutEmptiesTheRowAndLoginComesBack) {
   EXPECT_TRUE(terminal.sound.take().empty());
   list.MnuConnecte_Click();
   EXPECT_EQ(row.text(2), "Connecting");
+  const frmMain::Connections now = list.connections();
+  EXPECT_EQ((std::array{now.connected, now.connecting, now.all}), (std::array{2, 1, 3}));
   terminal.run(1s);
   EXPECT_NE(terminal.order_row(500'101), nullptr);
   EXPECT_EQ(terminal.main->general().totals.balance, 325'000.0);

@@ -58,8 +58,9 @@ TEST(DealerFaults, LoginsFailAsTheScriptSays) {
 
 TEST(DealerFaults, OrdersGoWrongAsTheScriptSays) {
   const Words done = {"order 1", "opened", "summary"};
-  const Words unknown = {"order 1",    "opened",  "summary",  "order 1", "close 1", "accepted 1",
-                         "rejected 1", "entry 1", "cancel 1", "stops 1", "deleted", "-"};
+  const Words unknown = {"order 1",        "opened",     "summary", "order 1",  "close 1",
+                         "accepted 1",     "rejected 1", "entry 1", "update 1", "new stops 1",
+                         "update stops 1", "cancel 1",   "stops 1", "deleted",  "-"};
   struct Case {
     FaultKind kind;
     std::int32_t code;

@@ -61,6 +61,10 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
       {"[[entry_order]]\naccount = 9\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\nprice = 1\n",
        "line 2: account is not configured"},
       {"[[entry_order]]\naccount = 500100\nside = \"up\"\nsymbol = \"EURUSD\"\namount = 1\n", "line 3: side"},
+      {"[[entry_order]]\naccount = 500100\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\nprice = 0\n",
+       "line 6: price"},
+      {"[[account]]\nnumber = 1\nuser = \"A\"\npassword = \"B\"\nstop_distance = -1\n",
+       "line 5: stop_distance"},
       {"replay = \"late.csv\"\n", "late.csv: line 2: is earlier"},
       {"replay = \"word.csv\"\n", "word.csv: line 2: "},
       {"replay = \"crossed.csv\"\n", "crossed.csv: line 1: "},
@@ -174,6 +178,10 @@ TEST_F(DealerFiles, ADamagedBookChangesNothing) {
   const std::string head = "version = 1\nnext_number = 50\n[[account]]\nnumber = 500100\n";
   const std::string money = head + "balance = 7\ncredit = 0\n";
   const std::string position = money + "[[position]]\naccount = 500100\nside = \"buy\"\nopen_price = 1\n";
+  const std::string waiting =
+      "[[order]]\nnumber = 3\naccount = 500100\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\ntime_ms = "
+      "1\n"
+      "price = 0\n";
   const std::pair<std::string, const char*> cases[] = {
       {"", "version is missing"},
       {"version = 2\nnext_number = 1\n", "line 1: version"},
@@ -189,6 +197,11 @@ TEST_F(DealerFiles, ADamagedBookChangesNothing) {
       {money + "[[order]]\nnumber = 3\naccount = 500100\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\n"
                "price = 1\ntime_ms = 1\nkind = \"OP\"\n",
        "line 15: kind must be"},
+      {money + waiting + "kind = \"LO\"\n", "line 14: price must be above 0"},
+      {money + waiting + "kind = \"ST\"\n", "line 7: reference is missing"},
+      {position + "open_time_ms = 1\nsymbol = \"EURUSD\"\namount = 1\nticket = 5\n" + waiting +
+           "kind = \"ST\"\nreference = 5\n",
+       "line 18: side does not close"},
       {money + "[[request]]\nnumber = 3\naccount = 500100\nkind = \"close\"\n", "line 7: "},
       {money + "oops", "line 7: "},
       {std::string("\0\xff\x01", 3), "line 1: "},

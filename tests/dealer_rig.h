@@ -65,6 +65,22 @@ class DealerRecorder final : public CLAPICLASS {
   void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result) override {
     note("stops ", order, result);
   }
+  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result) override {
+    note("update ", order, result);
+  }
+  void NewSLTPOrderResult(std::int64_t order, std::int32_t result) override {
+    note("new stops ", order, result);
+  }
+  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result) override {
+    note("update stops ", order, result);
+  }
+  void LimitOrderAccepted(const OrderReport& report) override { take("executed ", report); }
+  void LimitOrderCanceledCannotHdg(std::int64_t order, std::int32_t) override {
+    note("no hedging ", order, 0);
+  }
+  void LimitOrderCanceledNoMoney(std::int64_t order, std::int32_t) override { note("no money ", order, 0); }
+  void SlTpOrderAccepted(std::int64_t order) override { note("stopped ", order, 0); }
+  void SlTpOrderCanceledNoMoney(std::int64_t order) override { note("not stopped ", order, 0); }
   void NewPendingOrder(const PendingOrder& order) override {
     events.push_back("+" + order.kind);
     orders.push_back(order);
@@ -153,6 +169,19 @@ inline DealerConfig still_market(int accounts = 3) {
   DealerConfig config = DealerConfig::sample(accounts);
   config.ticks = {{std::chrono::hours{24}, "EURUSD", 2.0, 2.0002}};
   return config;
+}
+
+// 0 is none.
+inline StopPrices stop_prices(double stop_loss, double take_profit) {
+  return {stop_loss, take_profit, stop_loss != 0.0, take_profit != 0.0};
+}
+
+// A position of half a lot and its ticket; nothing is recorded.
+inline std::int64_t open_half(DealerRig& rig, const DealerRig::Seat& seat, std::int32_t side) {
+  DealerRig::send(seat, side, "EURUSD", 0.5);
+  rig.run(200);
+  *seat.seen = {};
+  return seat.client->OpenPositionItem(1)->ticket;
 }
 
 }  // namespace tutti

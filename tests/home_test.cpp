@@ -7,9 +7,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 
 #include "accounts/saved_lists.h"
+#include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/home_lock.h"
 #include "tests/support/test_terminal.h"
@@ -83,6 +85,42 @@ TEST(Home, HasOneTerminalAtATime) {
   EXPECT_EQ(refusal(), "");
   ::close(ready[0]);
   ::close(ready[1]);
+}
+
+TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
+  const TemporaryFolder folder;
+  RecordingPrompt prompt;
+  RecordingSound sound;
+  FakeFileDialog dialog;
+  TerminalOptions options;
+  options.home = folder.path() / "home";
+  options.fresh = true;
+  options.sample_accounts = 3;
+  const auto terminal = Terminal::open(options, {prompt, sound, dialog});
+  ASSERT_TRUE(terminal) << terminal.error().text();
+  Main& main = (*terminal)->main();
+  const frmMain::Connections at_start = main.accounts().connections();
+  EXPECT_EQ((std::array{at_start.all, at_start.connecting, at_start.connected}), (std::array{3, 3, 0}));
+  EXPECT_TRUE((*terminal)->next_due());
+  EXPECT_EQ((*terminal)->advance(0), 0u);
+  main.accounts().mnuload_Click();
+  main.accounts().Message("read me");
+  EXPECT_EQ(dialog.titles, std::vector<std::string>{"Load File"});
+  EXPECT_EQ(prompt.take_texts(), std::vector<std::string>{"read me"});
+}
+
+TEST(BrokerCard, HoldsWhatTheFilesHold) {
+  const TemporaryFolder folder;
+  const auto read = [&] {
+    const BrokerCard card = BrokerCard::read(Paths{folder.path()});
+    return card.name + "|" + card.web + "|" + card.email + "|" + card.logo.filename().string();
+  };
+  EXPECT_EQ(read(), "|||");
+  folder.write("manage/Dat.cmo", "Corner House \r\nwww.example.com\r\n");
+  folder.write("manage/UFD.JPG", "");
+  EXPECT_EQ(read(), "Corner House|www.example.com||UFD.JPG");
+  folder.write("manage/Dat.cmo", "A\n\n desk@example.com  ");
+  EXPECT_EQ(read(), "A||desk@example.com|UFD.JPG");
 }
 
 TEST(CoreDumps, AreOffOnceForbidden) {

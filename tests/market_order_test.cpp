@@ -1,39 +1,18 @@
 #include <gtest/gtest.h>
 
-#include "tests/support/scripted_client.h"
-#include "tests/support/test_terminal.h"
+#include <limits>
+
+#include "tests/support/scripted_terminal.h"
 
 namespace tutti::testing {
 namespace {
 
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
-using Summaries = std::vector<std::pair<double, double>>;  // equity and free margin of each account
 
-// A terminal whose accounts 1, 2, 3... are scripted, logged in and in the market order window, EURUSD chosen.
-struct ScriptedTerminal : TestTerminal {
-  explicit ScriptedTerminal(const Summaries& summaries = {{100, 100}, {100, 100}, {100, 100}})
-      : TestTerminal(DealerConfig::sample(1)) {
-    std::string list;
-    for (std::size_t i = 1; i <= summaries.size(); ++i)
-      list += "user,secret," + std::to_string(i) + "\n";
-    home->write("manage/savelvinfo.buf", list);
-    const auto make_client = [this] {
-      clients.push_back(new ScriptedClient);
-      return std::unique_ptr<ClientAPI>{clients.back()};
-    };
-    main = std::make_unique<Main>(home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
-                                  ServerSide{make_client, server, {}});
-    if (!start() || clients.size() != summaries.size()) throw std::runtime_error("not started");
-    for (std::size_t i = 0; i < clients.size(); ++i) {
-      ScriptedClient& client = *clients[i];
-      client.symbols = {{.id = 70 + static_cast<std::int32_t>(i), .name = "EURUSD"},
-                        {.id = 90, .name = "GBPUSD"}};
-      client.summary.values.equity = summaries[i].first;
-      client.summary.values.free_margin = summaries[i].second;
-      client.sink->SymbolsLoaded();
-      main->market_order().add_account(static_cast<std::int32_t>(i) + 1);
-    }
+struct MarketTerminal : ScriptedTerminal {
+  explicit MarketTerminal(const Summaries& summaries = {{100, 100}, {100, 100}, {100, 100}})
+      : ScriptedTerminal(summaries) {
     main->market_order().cbsymbols.choose("EURUSD");
   }
   void tick_all() {
@@ -55,8 +34,6 @@ struct ScriptedTerminal : TestTerminal {
     return out + (form.cmddis.enabled() ? "D" : "") + (form.cmdbuy.enabled() ? "B" : "") +
            (form.cmdsell.enabled() ? "S" : "");
   }
-
-  std::vector<ScriptedClient*> clients;  // owned by the sessions
 };
 
 TEST(DistributionTest, SharesByEveryRule) {
@@ -91,7 +68,7 @@ TEST(DistributionTest, SharesByEveryRule) {
       {"", 0, "1", {{-1, 0}}, "x before|D", fill}};
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string{c.amount} + " by rule " + std::to_string(c.rule) + ": " + c.state);
-    ScriptedTerminal desk{c.summaries};
+    MarketTerminal desk{c.summaries};
     desk.main->general().set_amount_precision(c.precision);
     desk.tick_all();
     desk.main->market_order().UpdateResult("before", 1);
@@ -104,7 +81,7 @@ TEST(DistributionTest, SharesByEveryRule) {
 }
 
 TEST(DistributionTest, RefusalsGoIntoTheRowsAndStay) {
-  ScriptedTerminal desk{{{5, 5}, {5, 5}, {5, 5}, {5, 5}, {-1, 5}}};
+  MarketTerminal desk{{{5, 5}, {5, 5}, {5, 5}, {5, 5}, {-1, 5}}};
   frmorder& form = desk.main->market_order();
   desk.clients[1]->symbols.erase(desk.clients[1]->symbols.begin());
   desk.clients[2]->summary.result = result::bad_connection;
@@ -137,7 +114,7 @@ TEST(DistributionTest, RefusalsGoIntoTheRowsAndStay) {
 }
 
 TEST(MarketOrder, FormRowsAndTypedAmount) {
-  ScriptedTerminal desk;
+  MarketTerminal desk;
   frmorder& form = desk.main->market_order();
   form.txtammount.type("1.2.3");
   EXPECT_EQ(form.txtammount.text(), "1.23");
@@ -163,7 +140,7 @@ TEST(MarketOrder, FormRowsAndTypedAmount) {
 }
 
 TEST(MarketOrder, AllAccountsBoxAndItsLabel) {
-  ScriptedTerminal desk{{{5, 5}, {0, 5}, {-3, 5}}};
+  MarketTerminal desk{{{5, 5}, {0, 5}, {-3, 5}}};
   frmorder& form = desk.main->market_order();
   form.txtEditPrice.set_text("1.08");
   form.chkAllClients.click();
@@ -178,7 +155,7 @@ TEST(MarketOrder, AllAccountsBoxAndItsLabel) {
 }
 
 TEST(MarketOrder, EachDistributionIsSentOnce) {
-  ScriptedTerminal desk;
+  MarketTerminal desk;
   frmorder& form = desk.main->market_order();
   RowList& accounts = desk.main->accounts().lvwClients;
   desk.tick_all();
@@ -216,7 +193,7 @@ TEST(MarketOrder, EachDistributionIsSentOnce) {
 }
 
 TEST(MarketOrder, OneShareIsCorrectedInPlace) {
-  ScriptedTerminal desk;
+  MarketTerminal desk;
   frmorder& form = desk.main->market_order();
   desk.tick_all();
   desk.distribute("1", 0);
@@ -236,6 +213,124 @@ TEST(MarketOrder, OneShareIsCorrectedInPlace) {
   form.open_editor(row, frmorder::amount);
   form.Remove(1);
   EXPECT_FALSE(form.commit_editor());
+}
+
+TEST(MarketOrder, EveryAccountOfTheLastRoundIsCounted) {
+  MarketTerminal desk{{{5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}, {-1, 5}, {5, 5}}};
+  frmorder& form = desk.main->market_order();
+  CClientAPIManagers& sessions = desk.main->accounts().sessions();
+  const auto answers = [&] {
+    std::string out;
+    for (const Row& row : form.lvwConClients)
+      out += "-LWARU"[static_cast<int>(form.answer_of(row))];
+    return out + " " + frmorder::answers_text(form.answers());
+  };
+  const auto answer = [&](std::size_t account, std::int32_t code, std::int32_t state) {
+    desk.clients[account - 1]->sink->NewOrderResult({.number = static_cast<std::int64_t>(account),
+                                                     .result = code,
+                                                     .state = state,
+                                                     .operation = operation::buy,
+                                                     .amount = 1.0,
+                                                     .symbol = "EURUSD"});
+  };
+  desk.clients[6]->symbols.erase(desk.clients[6]->symbols.begin());
+  desk.clients[1]->request_code = request::invalid_lots;
+  form.chkAllClients.click();  // refuses account 8
+  EXPECT_EQ(answers(), "-------L- ");
+  form.lvwConClients.tick(form.lvwConClients.row(8), false);
+  desk.distribute("6", 0);  // refuses account 7
+  EXPECT_EQ(answers(), "------L-- ");
+  form.cmdbuy.click();
+  EXPECT_EQ(answers(), "WRWWWWL-- 1 refused, 5 waiting");
+  EXPECT_EQ(sessions.unanswered(), 5);
+  answer(1, result::succeeded, order_state::executed);
+  answer(3, result::not_enough_money, 0);
+  answer(4, result::succeeded, order_state::pending);
+  desk.clients[5]->sink->ConnectionState(false);  // takes its row along
+  EXPECT_EQ(answers(), "ARRWWL-- 1 accepted, 2 refused, 2 waiting, 1 unknown");
+  form.add_account(6);
+  EXPECT_EQ(answers(), "ARRWWL--U 1 accepted, 2 refused, 2 waiting, 1 unknown");
+  sessions.Remove("C5");
+  sessions.Remove("C1");
+  EXPECT_EQ(answers(), "RRWL--U 1 accepted, 2 refused, 1 waiting, 2 unknown");
+  EXPECT_EQ(sessions.unanswered(), 1);
+
+  // A new round knows nothing of the one before, whose answer still comes.
+  form.cmddis.click();
+  EXPECT_EQ(answers(), "------- ");
+  desk.clients[3]->sink->MarketOrderAccepted({.number = 4, .symbol = "EURUSD"});
+  EXPECT_EQ(answers() + desk.state().substr(0, 32), "------- x2|x2|x2 Market Order Accepted|-");
+  form.cmdsell.click();
+  EXPECT_EQ(answers(), "RWW---- 1 refused, 2 waiting");
+}
+
+TEST(MarketOrder, SharesAreSummedOverTheTickedRows) {
+  MarketTerminal desk{{{5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}}};
+  frmorder& form = desk.main->market_order();
+  const char* const amounts[] = {"0.5", "0.004", "0", "-0.5", "7"};
+  for (int i = 0; i < 5; ++i)
+    form.lvwConClients.row(static_cast<std::size_t>(i)).set_text(frmorder::amount, amounts[i]);
+  form.Add(77, "", 0.0);
+  desk.tick_all();
+  form.lvwConClients.row(4).set_checked(false);
+  EXPECT_EQ(form.shares().below_minimum, 0);  // nobody told the smallest lot yet
+  desk.main->general().minimum_lot = 0.01;
+  const frmorder::Shares shares = form.shares();
+  EXPECT_DOUBLE_EQ(shares.sum, 0.004);
+  EXPECT_EQ(shares.counted, 4);
+  EXPECT_EQ(shares.zero_or_below, 2);
+  EXPECT_EQ(shares.below_minimum, 1);
+}
+
+TEST(MarketWatch, ARowIsTouchedOnlyByWhatItShows) {
+  MarketTerminal desk{{{5, 5}, {5, 5}}};
+  RowList& list = desk.main->market_watch().lvwMW;
+  ASSERT_EQ(list.size(), 2u);
+  // "values; inks of bid and ask; how often the row was touched", after both accounts told the price.
+  const auto told = [&](double bid, double ask, double high, std::chrono::milliseconds time) {
+    const std::uint64_t before = list.stamp();
+    for (ScriptedClient* client : desk.clients) {
+      Symbol symbol = client->symbols[0];
+      symbol.bid = bid;
+      symbol.ask = ask;
+      symbol.quote_time = TimePoint{time};
+      client->sink->SymbolPricesChanged(symbol);
+      symbol.bid = symbol.ask = std::numeric_limits<double>::quiet_NaN();
+      symbol.high = high;
+      symbol.low = 1.07;
+      client->sink->SymbolHighLowChanged(symbol);
+    }
+    std::string out;
+    for (std::size_t column = 1; column < list.columns().size(); ++column)
+      out += list.row(0).text(column) + " ";
+    const auto ink = [&](std::size_t column) {
+      return "pwgr"[static_cast<int>(list.row(0).cell(column).ink())];
+    };
+    return out + ink(frmMW::bid) + ink(frmMW::ask) + " " + std::to_string(list.stamp() - before);
+  };
+  EXPECT_EQ(told(1.0845, 1.08462, 1.09, 59s), "1.08450 1.08462 12 1.09000 1.07000 00:00 pp 2");
+  EXPECT_EQ(told(1.0846, 1.08461, 1.09, 59s), "1.08460 1.08461 1 1.09000 1.07000 00:00 gr 1");
+  EXPECT_EQ(told(1.0846, 1.08461, 1.09, 59'999ms), "1.08460 1.08461 1 1.09000 1.07000 00:00 gr 0");
+  EXPECT_EQ(told(1.0846, 1.08461, 1.1, 60s), "1.08460 1.08461 1 1.10000 1.07000 00:01 gr 2");
+  EXPECT_EQ(told(1.0845, 1.08461, 1.1, 60s), "1.08450 1.08461 11 1.10000 1.07000 00:01 rr 1");
+  desk.main->accounts().loadmainsymbols();
+  EXPECT_EQ(told(1.0845, 1.08461, 1.1, 60s), "1.08450 1.08461 11 1.10000 1.07000 00:01 pp 1");
+}
+
+TEST(MarketWatch, ADoubleClickChoosesTheSymbolOfTheOrder) {
+  MarketTerminal desk;
+  frmorder& form = desk.main->market_order();
+  RowList& list = desk.main->market_watch().lvwMW;
+  desk.tick_all();
+  desk.distribute("3", 0);
+  list.activate(list.row(0));
+  EXPECT_EQ(desk.state() + form.txtammount.text(), "x1|x1|x1|BS3");
+  list.activate(list.row(1));
+  EXPECT_EQ(desk.state() + form.txtammount.text() + form.cbsymbols.text(), "x|x|x|DGBPUSD");
+  desk.main->symbols().remove("EURUSD");
+  form.symbols_changed();
+  list.activate(list.row(0));
+  EXPECT_EQ(form.cbsymbols.text(), "GBPUSD");
 }
 
 TEST(MarketOrder, DecimalsOfTheSettingsFile) {

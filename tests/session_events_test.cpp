@@ -135,8 +135,10 @@ const Family families[] = {
     {&CLAPICLASS::DeleteSLTPOrderResult, general_texts, "UNDEFINED RESULT",
      [](std::int32_t, const std::string& text) { return both("Delete SLTP Order #12 " + text); }},
     {&CLAPICLASS::UpdateSLTPOrderResult, general_texts, "UNDEFINED RESULT",
-     [](std::int32_t, const std::string& text) {
-       return Heard{in_journal + "Updating SL/TP order #12 result #" + text};
+     [](std::int32_t code, const std::string& text) {
+       Heard out{in_journal + "Updating SL/TP order #12 result #" + text};
+       if (code == 1) out.push_back("entry stops 12");
+       return out;
      }},
 };
 

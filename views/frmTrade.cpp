@@ -14,6 +14,7 @@ frmTrade::frmTrade(MGeneral& general, CQuestionBox& question_box, Desk& desk, co
   ColumnWidthsPer("9,9,12,4,8,8,6,8,6,6,6,5,9");
   lbbClose.on_click = [this] { lbbClose_Click(); };
   chkAll.on_click = [this] { chkAll_Click(); };
+  lvwOpenPos.on_activate = [this](const Row& row) { edit(row); };
 }
 
 void frmTrade::ColumnWidthsPer(std::string widths) {
@@ -75,6 +76,20 @@ std::vector<frmTrade::Close> frmTrade::ticked() const {
                    static_cast<std::int32_t>(row.cell(Column::account).stored_number())});
   }
   return out;
+}
+
+void frmTrade::edit(const Row& row) const {
+  if (!EdirMode) return;
+  // The side of an SL/TP order is that of the close it will be: a bought position is managed by a sale.
+  EdirMode({.mode = "SLTP ",
+            .type_text = row.reads(Column::type, "Buy") ? "Sell(Manage)" : "Buy(Manage)",
+            .symbol = row.text(Column::symbol),
+            .account = static_cast<std::int32_t>(row.cell(Column::account).stored_number()),
+            .number = row.key().number(),
+            .amount = row.cell(Column::amount).number(),
+            .price = row.cell(Column::open_price).number(),
+            .stop_loss = row.cell(Column::stop_loss).number(),
+            .take_profit = row.cell(Column::take_profit).number()});
 }
 
 void frmTrade::lbbClose_Click() {

@@ -13,6 +13,7 @@
 #include "core/row_list.h"
 #include "sessions/desk.h"
 #include "sessions/symbol_collection.h"
+#include "views/frmPending.h"
 
 namespace tutti {
 
@@ -67,6 +68,10 @@ class frmTrade final : public PositionBook {
   void closeAllse();
   // Sends one close request and reports an immediate refusal; set by start-up.
   std::function<void(const Close&)> close_helper;
+  // Hands the row's position to the entry order window, for its SL/TP.
+  void edit(const Row& row) const;
+  // Edit mode of the entry order window; set by start-up.
+  std::function<void(const frmPending::EditRequest&)> EdirMode;
 
   // PositionBook
   void position(const OpenPosition& position) override { AddPosition(position); }

@@ -7,7 +7,9 @@
 #include <cstdio>
 #include <string>
 
+#include "apps/command_line.h"
 #include "apps/commands.h"
+#include "apps/console_prompt.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/numbers.h"
@@ -30,20 +32,40 @@ void read_numbers(const std::string& option, const std::string& text, std::vecto
   }
 }
 
-std::string check_amount(const std::string& text) {
+// What the boxes take as it is typed: digits and one ".".
+bool typable(const std::string& text) {
   const auto value = parse_number(text);
-  const bool keys = text.find_first_not_of("0123456789.") == std::string::npos;
-  return value && keys && *value > 0.0 ? std::string{} : "must be a number of lots above 0, such as 12.5";
+  return value && *value > 0.0 && text.find_first_not_of("0123456789.") == std::string::npos;
 }
 
-// An unset variable of a script must not come to mean everything.
-std::string check_filled(const std::string& text) {
-  return text.empty() ? "must not be empty" : std::string{};
+std::string check_amount(const std::string& text) {
+  return typable(text) ? std::string{} : "must be a number of lots above 0, such as 12.5";
 }
 
-std::string check_precision(const std::string& text) {
-  const auto value = parse_int32(text);
-  return value && *value >= 0 && *value <= 15 ? std::string{} : "must be a whole number from 0 to 15";
+std::string check_price(const std::string& text) {
+  return typable(text) ? std::string{} : "must be a price above 0, such as 1.0845";
+}
+
+std::string check_new_price(const std::string& text) {
+  return typable(text) || text == "none" ? std::string{} : "must be a price above 0, or none";
+}
+
+void add_split_options(CLI::App& command, SplitArguments& arguments, std::string& wanted) {
+  static const std::map<std::string, int> rules = {{"equal", 0}, {"margin", 1}, {"equity", 2}};
+  command.add_option("--amount", arguments.amount, "Total, in lots")->required()->check(check_amount);
+  command.add_option("--rule", arguments.rule, "equal, margin (free margin) or equity")
+      ->required()
+      ->transform(CLI::CheckedTransformer(rules))
+      ->type_name("equal|margin|equity");
+  command.add_option("--accounts", wanted, "all, or account numbers with commas between them");
+  command.add_flag("--dry-run", arguments.dry_run, "Stop after the shares");
+}
+
+void show_messages(Terminal& terminal, ConsolePrompt& prompt) {
+  MessageQueue& messages = terminal.main().messages();
+  for (; messages.current() != nullptr; messages.dismiss()) {
+    prompt.system_box(messages.current()->text, messages.current()->caption);
+  }
 }
 
 int finish(Terminal& terminal, int status) {
@@ -65,22 +87,13 @@ int main(int argc, char** argv) {
   app.fallthrough();
 
   TerminalOptions options;
-  std::error_code error;
-  options.home = std::filesystem::canonical("/proc/self/exe", error).parent_path();
-  if (error) options.home = std::filesystem::absolute(argv[0]).parent_path();
-  app.add_option("--home", options.home, "Application folder, with the folders manage, History and sounds")
-      ->check(check_filled);
-  app.add_option("--dealer", options.dealer_file, "Configuration of the dealing server (TOML)");
-  app.add_option("--key", options.key_file,
-                 "File with the key of the account records, outside the application folder");
-  app.add_flag("--fresh", options.fresh, "Start the dealing server's book anew");
-  app.add_flag("--yes", options.yes, "Answer questions with yes");
+  add_terminal_options(app, options, argv[0]);
+  bool yes = false;
+  app.add_flag("--yes", yes, "Answer questions with yes");
   bool json = false;
   bool csv = false;
   app.add_flag("--json", json, "Print for machines");
   app.add_flag("--csv", csv, "Print lists as comma-separated values")->excludes("--json");
-  app.add_option("--precision", options.precision, "Decimals of shares, for this run")
-      ->check(check_precision);
   app.add_option("--timeout", options.timeout, "Seconds to wait for logins, and again for answers")
       ->check(CLI::Range(0.1, 3600.0));
 
@@ -95,20 +108,36 @@ int main(int argc, char** argv) {
   side->add_option("--buy", buy, "Symbol to buy");
   side->add_option("--sell", sell, "Symbol to sell");
   side->require_option(1);
-  order->add_option("--amount", order_arguments.amount, "Total, in lots")->required()->check(check_amount);
-  const std::map<std::string, int> rules = {{"equal", 0}, {"margin", 1}, {"equity", 2}};
-  order->add_option("--rule", order_arguments.rule, "equal, margin (free margin) or equity")
-      ->required()
-      ->transform(CLI::CheckedTransformer(rules))
-      ->type_name("equal|margin|equity");
-  order->add_option("--accounts", wanted, "all, or account numbers with commas between them");
-  order->add_flag("--dry-run", order_arguments.dry_run, "Stop after the shares");
-
+  add_split_options(*order, order_arguments, wanted);
   const std::map<std::string, RequoteReply> requotes = {
       {"accept", RequoteReply::accept}, {"reject", RequoteReply::reject}, {"ask", RequoteReply::ask}};
   order->add_option("--requote", order_arguments.requote, "accept, reject (the default) or ask")
       ->transform(CLI::CheckedTransformer(requotes))
       ->type_name("accept|reject|ask");
+
+  CLI::App* entry = app.add_subcommand("entry", "Split an entry order over accounts and send it");
+  EntryArguments entry_arguments;
+  const std::map<std::string, int> types = {
+      {"buy-limit", 0}, {"sell-limit", 1}, {"buy-stop", 2}, {"sell-stop", 3}};
+  entry->add_option("--type", entry_arguments.type, "buy-limit, sell-limit, buy-stop or sell-stop")
+      ->required()
+      ->transform(CLI::CheckedTransformer(types))
+      ->type_name("buy-limit|sell-limit|buy-stop|sell-stop");
+  entry->add_option("symbol", entry_arguments.symbol, "Symbol")->required()->check(check_filled);
+  entry->add_option("--at", entry_arguments.price, "Price")->required()->check(check_price);
+  entry->add_option("--sl", entry_arguments.stop_loss, "Stop loss")->check(check_price);
+  entry->add_option("--tp", entry_arguments.take_profit, "Take profit")->check(check_price);
+  add_split_options(*entry, entry_arguments, wanted);
+
+  CLI::App* modify =
+      app.add_subcommand("modify", "Change the prices of an entry order or the SL/TP of a position");
+  ModifyArguments modify_arguments;
+  modify->add_option("number", modify_arguments.number, "Order number or ticket")->required();
+  auto* prices = modify->add_option_group("prices");
+  prices->add_option("--at", modify_arguments.price, "Price of an entry order")->check(check_price);
+  prices->add_option("--sl", modify_arguments.stop_loss, "Stop loss, or none")->check(check_new_price);
+  prices->add_option("--tp", modify_arguments.take_profit, "Take profit, or none")->check(check_new_price);
+  prices->require_option(1, 3);
 
   CLI::App* positions = app.add_subcommand("positions", "Show the open positions of all accounts");
   CLI::App* orders = app.add_subcommand("orders", "Show the pending orders of all accounts");
@@ -140,9 +169,10 @@ int main(int argc, char** argv) {
     order_arguments.buy = !buy.empty();
     order_arguments.symbol = order_arguments.buy ? buy : sell;
     if (wanted != "all") read_numbers("--accounts", wanted, order_arguments.accounts);
+    entry_arguments.accounts = order_arguments.accounts;
     rows.accounts = order_arguments.accounts;
-    if (csv && (order->parsed() || verify->parsed() || journal->parsed())) {
-      throw CLI::ValidationError("--csv goes with accounts, positions, orders, close and cancel");
+    if (csv && (order->parsed() || entry->parsed() || verify->parsed() || journal->parsed())) {
+      throw CLI::ValidationError("--csv goes with accounts, positions, orders, close, cancel and modify");
     }
     if (!numbers.empty()) read_numbers(close->parsed() ? "--ticket" : "--order", numbers, rows.numbers);
   } catch (const CLI::ParseError& parse_error) {
@@ -151,14 +181,20 @@ int main(int argc, char** argv) {
   if (json) options.form = OutputForm::json;
   if (csv) options.form = OutputForm::csv;
 
-  const auto terminal = Terminal::open(options);
+  ConsolePrompt prompt{yes};
+  SilentSound sound;
+  NoFileDialog file_dialog;
+  const auto terminal = Terminal::open(options, {prompt, sound, file_dialog});
   if (!terminal) {
     fmt::print(stderr, "{}\n", terminal.error().text());
     return exit_status::unreadable_data;
   }
+  (*terminal)->on_step = [&] { show_messages(**terminal, prompt); };
   int status = exit_status::all_accepted;
   if (accounts->parsed()) status = accounts_command(**terminal);
   if (order->parsed()) status = order_command(**terminal, order_arguments);
+  if (entry->parsed()) status = entry_command(**terminal, entry_arguments);
+  if (modify->parsed()) status = modify_command(**terminal, modify_arguments);
   if (positions->parsed()) status = positions_command(**terminal);
   if (orders->parsed()) status = orders_command(**terminal);
   if (close->parsed()) status = close_command(**terminal, rows);

@@ -62,10 +62,12 @@ class ClientAPI {
 
   virtual SummaryAnswer GetAccountSummary(std::int32_t account) const = 0;
   virtual std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) = 0;
-  // Profit (or loss) in account currency that `amount` lots make between two prices. `tag` is one of
-  // evaluate::; `price` is the price in that box; `value` receives what is returned.
-  virtual double EvaluateSLTPPrice(double amount, double at_price, std::string_view tag, double price,
-                                   double& value) const = 0;
+  // Profit in account currency, below 0 a loss, that one lot bought at `at_price` makes when it is closed at
+  // `price`. Of a sold lot it is the negative; the caller scales by the amount. `tag`, one of evaluate::,
+  // says which of its two prices the entry order window asks about. 0 when the account does not carry the
+  // symbol or there is no exchange rate. `value` receives what is returned.
+  virtual double EvaluateSLTPPrice(std::int32_t symbol_id, double at_price, std::string_view tag,
+                                   double price, double& value) const = 0;
 
   // Minimum distance from the market of an entry order, in points; Symbol::ScaleDistance makes it a price.
   virtual double SymbolLimitDistance(std::string_view symbol) const = 0;

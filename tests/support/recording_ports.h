@@ -25,6 +25,7 @@ class RecordingPrompt final : public Prompt {
   void run(frmMsgBox& box) override {
     shown.push_back({box.label.text(), box.caption(),
                      box.cmd1.caption() + (box.cmd2.visible() ? "|" + box.cmd2.caption() : "")});
+    if (screen != nullptr) return screen->run(box);
     if (while_open) while_open();
     const int button = next_answer();
     if (button == 1) box.cmd1.click();
@@ -33,10 +34,12 @@ class RecordingPrompt final : public Prompt {
   }
   void run(frmSure& box) override {
     shown.push_back({box.label.text(), "", box.cmd1.caption() + "|" + box.cmd2.caption()});
+    if (screen != nullptr) return screen->run(box);
     (next_answer() == 1 ? box.cmd1 : box.cmd2).click();
   }
   void system_box(std::string_view text, std::string_view caption) override {
     shown.push_back({std::string{text}, std::string{caption}, "system"});
+    if (screen != nullptr) screen->system_box(text, caption);
   }
 
   // Texts shown since the last call.
@@ -47,6 +50,9 @@ class RecordingPrompt final : public Prompt {
     shown.clear();
     return out;
   }
+
+  // Shows the boxes instead of answering them when set.
+  Prompt* screen = nullptr;
 
   static constexpr int escape = 27;
   std::vector<Shown> shown;

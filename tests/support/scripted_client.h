@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/numbers.h"
 #include "sessions/contract/ClientAPI.h"
 
 namespace tutti::testing {
@@ -24,7 +25,10 @@ class ScriptedClient final : public ClientAPI {
   std::int32_t request_code = request::taken;
   double limit_distance = 0.0;
   double stop_distance = 0.0;
-  std::vector<std::string> sent;  // "side symbol-id amount"
+  // "side symbol-id amount"; "entry side limit|stop symbol-id amount at price [sl] [tp]"; "update" and
+  // "stops" with the number and the prices.
+  std::vector<std::string> sent;
+  double profit_per_point = 0.0;  // what EvaluateSLTPPrice multiplies the difference of the prices with
 
   void set_sink(CLAPICLASS* new_sink) override { sink = new_sink; }
   void SetLoginData(const LoginData& data) override { login_data = data.copy(); }
@@ -51,8 +55,16 @@ class ScriptedClient final : public ClientAPI {
     sent.push_back(std::to_string(side) + " " + std::to_string(symbol_id) + " " + std::to_string(amount));
     return request_code;
   }
-  std::int32_t NewEntryOrder(const EntryOrder&) override { return request_code; }
-  std::int32_t UpdateEntryOrder(std::int64_t, double, const StopPrices&) override { return request_code; }
+  std::int32_t NewEntryOrder(const EntryOrder& o) override {
+    sent.push_back("entry " + std::to_string(o.side) + (o.kind == EntryKind::limit ? " limit " : " stop ") +
+                   std::to_string(o.symbol_id) + " " + number_text(o.amount) + " at " + number_text(o.price) +
+                   stops_text(o));
+    return request_code;
+  }
+  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops) override {
+    sent.push_back("update " + std::to_string(order) + " at " + number_text(price) + stops_text(stops));
+    return request_code;
+  }
   std::int32_t AcceptRequote(std::int64_t) override { return request_code; }
   std::int32_t RejectRequote(std::int64_t) override { return request_code; }
   std::int32_t ClosePosition(std::string_view, std::string_view, std::string_view) override {
@@ -61,9 +73,13 @@ class ScriptedClient final : public ClientAPI {
   bool LoggedIn() const override { return logged_in; }
   void Logout() override { ++logouts; }
   SummaryAnswer GetAccountSummary(std::int32_t) const override { return summary; }
-  std::int32_t UpdateSLTP(std::int64_t, const StopPrices&) override { return request_code; }
-  double EvaluateSLTPPrice(double, double, std::string_view, double, double& value) const override {
-    return value = 0.0;
+  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) override {
+    sent.push_back("stops " + std::to_string(ticket) + stops_text(stops));
+    return request_code;
+  }
+  double EvaluateSLTPPrice(std::int32_t, double at_price, std::string_view, double price,
+                           double& value) const override {
+    return value = (price - at_price) * profit_per_point;
   }
   double SymbolLimitDistance(std::string_view) const override { return limit_distance; }
   double SymbolStopDistance(std::string_view) const override { return stop_distance; }
@@ -72,6 +88,13 @@ class ScriptedClient final : public ClientAPI {
   std::int32_t DeleteSLTPOrder(std::int64_t) override { return request_code; }
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
+
+ private:
+  template <class Stops>
+  static std::string stops_text(const Stops& stops) {
+    return (stops.has_stop_loss ? " sl " + number_text(stops.stop_loss) : "") +
+           (stops.has_take_profit ? " tp " + number_text(stops.take_profit) : "");
+  }
 };
 
 }  // namespace tutti::testing

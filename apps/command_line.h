@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "apps/terminal.h"
+
+namespace tutti {
+
+// The options that every program of the terminal takes. `program` is what it was started as; the application
+// folder is the one beside it unless --home names another.
+void add_terminal_options(CLI::App& app, TerminalOptions& options, const char* program);
+
+// Checks of option values: the fault in words, empty when there is none. An unset variable of a script must
+// not come to mean everything.
+std::string check_filled(const std::string& text);
+
+}  // namespace tutti

@@ -1,0 +1,101 @@
+// Entry orders: place one for many accounts, change the prices of one, or the SL/TP of a position.
+
+#include <fmt/format.h>
+
+#include "apps/requests_report.h"
+#include "apps/split_run.h"
+
+namespace tutti {
+namespace {
+
+class EntryRun final : public SplitRun {
+ public:
+  EntryRun(Terminal& terminal, const EntryArguments& arguments, frmlimitorder& form)
+      : SplitRun(terminal, arguments,
+                 {form.lvwConClients, form.cblimitordersymbols, form.CBlimitorderdis,
+                  form.txtlimitorderammount, form.chkAllClients, form.cmdlimiorderdis}),
+        form_(form),
+        order_(arguments) {}
+
+ private:
+  void fill_in() override {
+    form_.cblimiordertype.choose(order_.type);
+    form_.txtatprice.type(order_.price);
+    form_.txtsl.type(order_.stop_loss);
+    form_.txttp.type(order_.take_profit);
+  }
+  Shares shares() const override { return form_.shares(); }
+  const SentOrder& sent_by(const CClientAPIManager& session) const override { return session.last_entry(); }
+  std::string title() const override {
+    return form_.cblimiordertype.items()[static_cast<std::size_t>(order_.type)] + " " + order_.symbol +
+           " at " + order_.price;
+  }
+  bool send() override {
+    // Distribute has said so already when nobody is left.
+    if (form_.lvwConClients.checked_count() == 0) return false;
+    form_.cmdsubmitlimiorder.click();
+    if (!form_.submitted()) return false;
+    terminal_.run_until([this] { return form_.answers().waiting == 0; });
+    return true;
+  }
+
+  frmlimitorder& form_;
+  const EntryArguments& order_;
+};
+
+void retype(TextBox& box, const std::optional<std::string>& price) {
+  if (!price) return;
+  box.set_text("");
+  if (*price != "none") box.type(*price);
+}
+
+// Opens the order or position in the entry order window, as a double-click on its row does; false when there
+// is none.
+bool open(Main& main, std::int64_t number) {
+  RowList& orders = main.pending().lvwPending;
+  RowList& positions = main.trade().lvwOpenPos;
+  if (Row* order = orders.find(order_key(number))) {
+    orders.activate(*order);
+    return true;
+  }
+  Row* position = positions.find(ticket_key(number));
+  if (position != nullptr) positions.activate(*position);
+  return position != nullptr;
+}
+
+}  // namespace
+
+int entry_command(Terminal& terminal, const EntryArguments& arguments) {
+  return EntryRun{terminal, arguments, terminal.main().entry_order()}.run();
+}
+
+int modify_command(Terminal& terminal, const ModifyArguments& arguments) {
+  terminal.log_in();
+  frmlimitorder& form = terminal.main().entry_order();
+  if (!open(terminal.main(), arguments.number)) {
+    fmt::print(stderr, "No connected account has the order or ticket {}\n", arguments.number);
+    return exit_status::usage;
+  }
+  const bool stops = form.mode() == frmlimitorder::edit_stops;
+  if (form.mode().empty()) {
+    fmt::print(stderr, "The prices of {} can't be changed\n", arguments.number);
+    return exit_status::some_refused;
+  }
+  if (stops && arguments.price) {
+    fmt::print(stderr, "--at goes with entry orders, and {} is none\n", arguments.number);
+    return exit_status::usage;
+  }
+  const RequestsReport::Asked asked{form.edited(), form.edited_account()};
+  retype(form.txtatprice, arguments.price);
+  retype(form.txtsl, arguments.stop_loss);
+  retype(form.txttp, arguments.take_profit);
+  form.cmdsubmitlimiorder.click();
+  const RequestsReport report = stops ? RequestsReport{terminal, RequestKind::stops, "ticket", "positions"}
+                                      : RequestsReport{terminal, RequestKind::update, "order", "orders"};
+  terminal.run_until([&] { return report.answered(asked); });
+  terminal.journal_unanswered();
+  report.print({asked});
+  return report.accepted(asked) ? exit_status::all_accepted : exit_status::some_refused;
+}
+
+}  // namespace tutti

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "apps/terminal.h"
+
+namespace tutti {
+
+// What became of the requests that a command sent about positions or orders.
+class RequestsReport {
+ public:
+  struct Asked {
+    std::int64_t number = 0;
+    std::int32_t account = 0;
+  };
+
+  // `number_name` is "ticket" or "order", `list_name` their plural.
+  RequestsReport(Terminal& terminal, RequestKind kind, const char* number_name, const char* list_name)
+      : terminal_(terminal), kind_(kind), name_(number_name), list_name_(list_name) {}
+
+  const char* number_name() const { return name_; }
+  // nullptr when nothing was sent.
+  const SentOrder* sent(const Asked& asked) const;
+  // Nothing more is to come, be it that nothing was sent.
+  bool answered(const Asked& asked) const;
+  bool accepted(const Asked& asked) const;
+  void print(const std::vector<Asked>& all) const;
+
+ private:
+  std::string result(const Asked& asked) const;
+
+  Terminal& terminal_;
+  RequestKind kind_;
+  const char* name_;
+  const char* list_name_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,168 @@
+#include "apps/split_run.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "apps/output.h"
+#include "core/numbers.h"
+
+namespace tutti {
+
+bool SplitRun::chosen(std::int32_t account) const {
+  const auto& wanted = arguments_.accounts;
+  return wanted.empty() || std::find(wanted.begin(), wanted.end(), account) != wanted.end();
+}
+
+bool SplitRun::known_arguments() const {
+  if (!terminal_.knows(arguments_.accounts)) return false;
+  // Where nobody is connected no symbol is known, which is no wrong usage: every account's line says why.
+  const auto& names = controls_.symbol.items();
+  if (!names.empty() && controls_.symbol.find(arguments_.symbol) < 0) {
+    std::string known;
+    for (const std::string& name : names)
+      known += " " + name;
+    fmt::print(stderr, "Symbol {} is not carried by any connected account. There are:{}\n", arguments_.symbol,
+               known);
+    return false;
+  }
+  return true;
+}
+
+void SplitRun::tick_accounts() {
+  if (arguments_.accounts.empty()) return controls_.all_accounts.click();
+  for (const std::int32_t account : arguments_.accounts) {
+    if (Row* row = controls_.rows.find(client_key(account))) controls_.rows.tick(*row, true);
+  }
+}
+
+// Distributing and sending empty the column, and with it why a row could not be ticked.
+void SplitRun::note_reasons() {
+  for (const Row& row : controls_.rows) {
+    const std::string reason = row.text(AccountRows::result_text);
+    if (!row.checked() && !reason.empty()) reasons_[static_cast<std::int32_t>(row.key().number())] = reason;
+  }
+}
+
+void SplitRun::describe_sent(const SentOrder& order, Line& line) {
+  line.request_code = order.request_code;
+  line.share = order.amount;
+  switch (order.outcome) {
+    case SentOrder::Outcome::waiting:
+    case SentOrder::Outcome::unknown:
+      line.result = "unknown";
+      break;
+    case SentOrder::Outcome::pending:
+      line.result = "unknown, " + line.result;
+      break;
+    case SentOrder::Outcome::accepted:
+      line.accepted = true;
+      break;
+    case SentOrder::Outcome::refused:
+      // Some codes write nothing into the row; the operator is told all the same.
+      if (line.result.empty() && order.result_code != 0) {
+        line.result = CClientAPIManager::ResultDescription(order.result_code);
+      } else if (line.result.empty()) {
+        line.result = fmt::format("refused, request code {}", order.request_code);
+      }
+      break;
+    case SentOrder::Outcome::none:
+      break;
+  }
+}
+
+void SplitRun::describe(const CClientAPIManager& session, Line& line) const {
+  const Row* row = controls_.rows.find(client_key(session.account()));
+  if (row != nullptr) {
+    line.result = row->text(AccountRows::result_text);
+    const auto reason = reasons_.find(session.account());
+    if (line.result.empty() && reason != reasons_.end()) line.result = reason->second;
+    const Cell& amount = row->cell(AccountRows::amount);
+    if (row->checked() && !amount.empty()) line.share = amount.number();
+  } else if (const Row* listed = session.ClientListItem()) {
+    const std::string notes = listed->text(frmMain::notes);
+    line.result = notes.empty() ? "not connected: " + listed->text(frmMain::state) : notes;
+  }
+  const SentOrder& order = sent_by(session);
+  if (sent_ && order.outcome != SentOrder::Outcome::none) return describe_sent(order, line);
+  if (!arguments_.dry_run && line.share && line.result.empty()) line.result = "not sent";
+}
+
+std::vector<SplitRun::Line> SplitRun::lines() const {
+  std::vector<Line> out;
+  for (const auto& session : main_.accounts().sessions().Children()) {
+    if (!chosen(session->account())) continue;
+    Line line;
+    line.account = session->account();
+    line.user = session->ClientListItem()->text(frmMain::user_name);
+    describe(*session, line);
+    out.push_back(std::move(line));
+  }
+  return out;
+}
+
+void SplitRun::print(const std::vector<Line>& lines) const {
+  TextTable table{{{"Account", true}, {"User"}, {"Share", true}, {"Result"}}};
+  int accepted = 0;
+  for (const Line& line : lines) {
+    table.add(
+        {std::to_string(line.account), line.user, line.share ? number_text(*line.share) : "", line.result});
+    accepted += line.accepted ? 1 : 0;
+  }
+  fmt::print("{} {} lots, {}\n{}", title(), arguments_.amount,
+             controls_.rule.items()[static_cast<std::size_t>(arguments_.rule)], table.text());
+  fmt::print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
+             number_text(round_half_even(shares_.sum, 8)), arguments_.amount, shares_.zero_or_below,
+             shares_.below_minimum, number_text(main_.general().minimum_lot));
+  if (arguments_.dry_run) return;
+  fmt::print("{} of {} accepted\n{}\n\n{}", accepted, lines.size(), main_.window().totals_pane(),
+             journal_text(main_));
+}
+
+void SplitRun::print_json(const std::vector<Line>& lines) const {
+  nlohmann::json accounts = nlohmann::json::array();
+  for (const Line& line : lines) {
+    accounts.push_back(
+        {{"account", line.account},
+         {"user", line.user},
+         {"share", line.share ? nlohmann::json(*line.share) : nlohmann::json{}},
+         {"request_code", line.request_code ? nlohmann::json(*line.request_code) : nlohmann::json{}},
+         {"accepted", line.accepted},
+         {"result", line.result}});
+  }
+  fmt::print("{}\n", nlohmann::json{{"accounts", accounts},
+                                    {"totals", totals_json(main_)},
+                                    {"journal", journal_json(main_, no_account)}}
+                         .dump(2));
+}
+
+int SplitRun::run() {
+  terminal_.log_in();
+  if (!known_arguments()) return exit_status::usage;
+  controls_.rule.choose(arguments_.rule);
+  controls_.symbol.choose(arguments_.symbol);
+  controls_.amount.type(arguments_.amount);
+  fill_in();
+  tick_accounts();
+  note_reasons();
+  if (!controls_.rows.empty()) controls_.distribute.click();
+  note_reasons();
+  shares_ = shares();
+  if (!arguments_.dry_run) sent_ = send();
+
+  const std::vector<Line> all = lines();
+  terminal_.journal_unanswered();
+  if (terminal_.options().form == OutputForm::json) {
+    print_json(all);
+  } else {
+    print(all);
+  }
+  const auto good = [&](const Line& line) {
+    return arguments_.dry_run ? line.share.has_value() : line.accepted;
+  };
+  return !all.empty() && std::all_of(all.begin(), all.end(), good) ? exit_status::all_accepted
+                                                                   : exit_status::some_refused;
+}
+
+}  // namespace tutti

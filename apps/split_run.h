@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/commands.h"
+#include "orders/account_rows.h"
+
+namespace tutti {
+
+// A command that splits an amount over accounts in one of the order windows, sends, waits for all answers and
+// prints one line per account.
+class SplitRun {
+ public:
+  virtual ~SplitRun() = default;
+  SplitRun(const SplitRun&) = delete;
+  SplitRun& operator=(const SplitRun&) = delete;
+
+  int run();
+
+ protected:
+  // The controls of the window.
+  struct Controls {
+    RowList& rows;
+    ComboBox& symbol;
+    ComboBox& rule;
+    TextBox& amount;
+    CheckBox& all_accounts;
+    Button& distribute;
+  };
+
+  SplitRun(Terminal& terminal, const SplitArguments& arguments, Controls controls)
+      : terminal_(terminal), main_(terminal.main()), arguments_(arguments), controls_(controls) {}
+
+  Terminal& terminal_;
+  Main& main_;
+  const SplitArguments& arguments_;
+  Controls controls_;
+
+ private:
+  // One account of the order: what it was to get and what became of it.
+  struct Line {
+    std::int32_t account = 0;
+    std::string user;
+    std::optional<double> share;
+    std::optional<std::int32_t> request_code;
+    bool accepted = false;
+    std::string result;
+  };
+
+  // Fills in what the window has beside amount, rule and symbol.
+  virtual void fill_in() {}
+  virtual Shares shares() const = 0;
+  // Sends and waits for the answers; false when nothing was sent.
+  virtual bool send() = 0;
+  virtual const SentOrder& sent_by(const CClientAPIManager& session) const = 0;
+  // "Buy EURUSD"
+  virtual std::string title() const = 0;
+
+  bool known_arguments() const;
+  void tick_accounts();
+  void note_reasons();
+  bool chosen(std::int32_t account) const;
+  std::vector<Line> lines() const;
+  void describe(const CClientAPIManager& session, Line& line) const;
+  static void describe_sent(const SentOrder& order, Line& line);
+  void print(const std::vector<Line>& lines) const;
+  void print_json(const std::vector<Line>& lines) const;
+
+  std::map<std::int32_t, std::string> reasons_;  // why an account is not ticked
+  Shares shares_;                                // as they were when the order was sent
+  bool sent_ = false;
+};
+
+}  // namespace tutti

@@ -1,0 +1,76 @@
+#include "orders/account_rows.h"
+
+#include "core/texts.h"
+
+namespace tutti {
+
+Row* AccountRows::add(std::int32_t number, std::string_view share) {
+  Row* row = list_.add(client_key(number));
+  if (row == nullptr) return nullptr;
+  row->set_number(Column::account, number);
+  row->set_text(Column::amount, share);
+  return row;
+}
+
+void AccountRows::update_result(RowKey key, std::string_view text) {
+  if (Row* row = list_.find(key)) row->set_text(Column::result_text, text);
+}
+
+void AccountRows::update_amount(RowKey key, double share) {
+  if (Row* row = list_.find(key)) row->set_number(Column::amount, share);
+}
+
+void AccountRows::remove(std::int32_t number) {
+  if (Row* row = find(number)) list_.remove(*row);
+}
+
+Shares AccountRows::shares() const {
+  Shares out;
+  for (const Row& row : list_) {
+    const Cell& cell = row.cell(Column::amount);
+    if (!row.checked() || cell.empty()) continue;
+    const double share = cell.number();
+    out.sum += share;
+    ++out.counted;
+    if (share <= 0.0) {
+      ++out.zero_or_below;
+    } else if (share < general_.minimum_lot) {
+      ++out.below_minimum;
+    }
+  }
+  return out;
+}
+
+bool AccountRows::open_editor(Row& row, std::size_t column) {
+  if (column != Column::amount) return false;
+  move_editor(row.key(), column);
+  editor_.set_text(row.text(column));
+  editor_.set_visible(true);
+  general_.select_text(editor_);
+  return true;
+}
+
+bool AccountRows::commit_editor() {
+  editor_.set_visible(false);
+  // The account may have disconnected while its share was edited.
+  Row* row = list_.find(editor_row_);
+  const std::string_view text = trim(editor_.text());
+  // The text of a placeholder row is no value.
+  if (row == nullptr || text == "enter next entry") return false;
+  row->set_text(editor_column_, text);
+  return true;
+}
+
+double AccountRows::left_edge(std::size_t column) const {
+  double left = 0.0;
+  for (std::size_t i = 0; i < column; ++i)
+    left += list_.columns()[i].width;
+  return left;
+}
+
+void AccountRows::move_editor(RowKey row, std::size_t column) {
+  editor_row_ = row;
+  editor_column_ = column;
+}
+
+}  // namespace tutti

@@ -1,0 +1,222 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "accounts/frmMain.h"
+#include "accounts/order_window.h"
+#include "core/MGeneral.h"
+#include "core/button.h"
+#include "core/check_box.h"
+#include "core/combo_box.h"
+#include "core/displayable.h"
+#include "core/label.h"
+#include "core/text_box.h"
+#include "orders/account_rows.h"
+#include "orders/order_answer.h"
+#include "orders/price_conditions.h"
+#include "sessions/desk.h"
+#include "views/frmPending.h"
+
+namespace tutti {
+
+// The prices of the form as numbers, for a drawing of them. What is not there is not known or not typed.
+struct PriceSketch {
+  std::optional<double> bid, ask;
+  std::optional<double> entry, stop_loss, take_profit;
+  std::optional<double> price_limit;  // the at-price lies beyond it, on the side of price_sign
+  std::optional<double> stop_loss_bound, take_profit_bound;
+  std::string_view price_sign;  // "<", ">" or empty
+  int digits = 5;
+};
+
+// Entry order window: one limit or stop order, with stop loss and take profit if wanted, for many accounts.
+// Distribute computes each ticked account's share, Submit sends. In its edit modes Submit sends the new
+// prices of an existing entry order, or the SL/TP of an open position.
+//
+// Rows are keyed "C" and the account number; sessions add and remove them as accounts come and go.
+class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Displayable {
+ public:
+  enum Column : std::size_t { account, amount, result_text };
+  using EditRequest = frmPending::EditRequest;
+
+  // The mode string: "" is a new order.
+  static constexpr std::string_view edit_order = "Limit Orders";
+  static constexpr std::string_view edit_stops = "SLTP ";
+
+  frmlimitorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& symbols);
+
+  ComboBox cblimitordersymbols;
+  ComboBox cblimiordertype;
+  ComboBox CBlimitorderdis;
+  TextBox txtlimitorderammount;
+  TextBox txtatprice;
+  TextBox txtsl;
+  TextBox txttp;
+  Label lblpricecondition;
+  Label lblcondition;
+  Label lblslcondition;
+  Label lbltpcondition;
+  Label lblslbound;
+  Label lbltpbound;
+  // What one close at the stop loss (take profit) brings, in account currency, for the typed amount.
+  Label lblslchanged;
+  Label lbltpchanged;
+  RowList lvwConClients{{"Account", "Amount", "Result"}};
+  TextBox txtLvw;        // never shown: shares are numbers, and their editor is txtEditPrice
+  TextBox txtEditPrice;  // in-place editor of a share
+  CheckBox chkAllClients;
+  Label LblCheck{"Check All"};
+  Button cmdlimiorderdis{"Distribute"};
+  Button cmdsubmitlimiorder{"Submit"};
+  Button cmdcancel{"Cancel"};
+
+  // Whether the window is shown. Showing it chooses the first type and symbol where none is, and has the
+  // symbol looked up anew.
+  using Displayable::Displayed;
+  void Displayed(bool displayed);
+  // Brings the window up, for an order to be edited; set by who has a screen.
+  std::function<void()> show;
+
+  // Rows. Adding one twice and removing a missing one are ignored.
+  void Add(std::int32_t account);
+  void Remove(std::int32_t account) { rows_.remove(account); }
+  void UpdateResult(RowKey account, std::string_view text) { rows_.update_result(account, text); }
+  void updateAmount(RowKey account, double amount) { rows_.update_amount(account, amount); }
+  void addNote(Row& row, std::string_view text) { row.set_text(Column::result_text, text); }
+  void clearresult();
+  void uncheckall();
+  const std::string& ColumnWidthsPer() const { return column_widths_; }
+  void ColumnWidthsPer(std::string widths);
+  // The widths of a narrow and of a wide window.
+  void Form_Load() { ColumnWidthsPer("20,12,67"); }
+  void Form_Resize() { ColumnWidthsPer("14,12,73"); }
+
+  // Tells the side and the bounds for the prices from the market, and from the at-price when there is one.
+  void limitorderpricechange();
+  // Tells what the stop loss and the take profit would bring, as the first session reckons.
+  void sltpprice();
+  // Key filter of the amount and price boxes.
+  static std::int16_t checkkey(std::int16_t key, const std::string& text) {
+    return frmMain::askycodekeypress(key, text);
+  }
+  void Distribute();
+  // Fills the form with an order, or with a position for its SL/TP, by the type text. A text that is none of
+  // the six is as Cancel.
+  void EdirMode(const EditRequest& request);
+  void cmdcancel_Click() { clearFrmlimit(); }
+  // Back to a new order, with nothing typed and nothing ticked. Results stay.
+  void clearFrmlimit();
+  // An SL/TP request of this window was carried out.
+  void ManageSuccSLTPResult(std::int64_t order, std::int32_t account);
+  const std::string& mode() const { return mode_; }
+  // The order or ticket in edit mode, and its account.
+  std::int64_t edited() const { return edit_.number; }
+  std::int32_t edited_account() const { return edit_.account; }
+
+  // In-place editor of a share, for new orders only; as that of the market order window.
+  bool open_editor(Row& row, std::size_t column) { return !editing_ && rows_.open_editor(row, column); }
+  bool commit_editor() { return rows_.commit_editor(); }
+  void cancel_editor() { rows_.cancel_editor(); }
+  double GetLvwDeltaX(std::size_t column) const { return rows_.left_edge(column); }
+  RowKey editor_row() const { return rows_.editor_row(); }
+
+  // What the window shows beside the controls.
+  PriceSketch sketch() const;
+  Shares shares() const { return rows_.shares(); }
+  double minimum_lot() const { return general_.minimum_lot; }
+  // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
+  OrderAnswer answer_of(const Row& row) const;
+  OrderAnswers answers() const;
+  // The last press of Submit sent something, be it that it was not taken.
+  bool submitted() const { return !answers_.empty(); }
+
+  // EntryOrderDesk
+  void add_account(std::int32_t account) override { Add(account); }
+  void remove_account(std::int32_t account) override;
+  void result(std::string_view text, std::int32_t account) override {
+    UpdateResult(client_key(account), text);
+  }
+  void symbols_changed() override;
+  const RowList* accounts() const override { return &lvwConClients; }
+  void submit_available(bool available) override { cmdsubmitlimiorder.set_enabled(available); }
+  void distribute_available() override;
+  void prices(SymbolHandle symbol, const Symbol& record) override;
+  void stop_request_succeeded(std::int64_t order, std::int32_t account) override {
+    ManageSuccSLTPResult(order, account);
+  }
+  void request_settled(const SentOrder& order, std::int32_t account) override;
+
+  // OrderWindow
+  RowList& account_rows() override { return lvwConClients; }
+  void updateAmount(std::int32_t, double share, RowKey key) override { updateAmount(key, share); }
+  std::string_view no_balance_text() const override { return " no Balance  "; }
+
+ private:
+  struct RowData {
+    // The operator ticked the row, or pressed Distribute with it ticked. If it is not ticked all the same,
+    // the account was refused.
+    bool wanted = false;
+    // What was sent last for the row, for when its result comes.
+    std::string stop_loss;
+    std::string take_profit;
+    std::string description;
+    double price = 0.0;
+    int round = 0;
+    bool stops_done = false;  // the SL/TP of that round were carried out
+  };
+  enum class Check { good, stop_loss_bad, take_profit_bad };
+
+  void cblimitordersymbols_Click();
+  void cblimiordertype_Click();
+  void chkAllClients_Click();
+  void LblCheck_Click();
+  void cmdsubmitlimiorder_Click();
+
+  EntryType type() const { return static_cast<EntryType>(cblimiordertype.index()); }
+  double number(const TextBox& box) const { return general_.locale->StringToNumber(box.text()); }
+  std::optional<double> typed(const TextBox& box) const;
+  bool connected(std::int32_t account) const;
+  void look_up_offsets();
+  std::optional<PriceConditions> conditions() const;
+  void write(const PriceConditions& conditions);
+  std::string brings(std::string_view tag, const TextBox& price) const;
+  void set_edit_controls(bool editing);
+
+  // Submit.
+  bool required_fields_filled();
+  bool every_share_there();
+  Check check_stops() const;
+  bool prices_accepted();
+  StopPrices stop_prices() const;
+  void begin_round();
+  bool send_new_orders();
+  bool send_update();
+  bool send_stops();
+  // Sends for a row what `send` sends, by the account's session, and reports the request code.
+  void send(Row& row, std::string_view kind, const std::string& description, double price,
+            const std::function<std::int32_t(CClientAPIManager&)>& send);
+
+  MGeneral& general_;
+  frmMain& accounts_list_;
+  SymbolCollection& symbols_;
+  AccountRows rows_{general_, lvwConClients, txtEditPrice};
+  std::string column_widths_;
+  std::string mode_;
+  bool editing_ = false;
+  std::string side_;  // of the position in edit mode "SLTP ": "Buy" or "Sell"
+  EditRequest edit_;  // what is edited
+
+  SymbolHandle symbol_ = no_symbol;  // the chosen one
+  MarketDistances market_;           // as the conditions were told last
+  bool offsets_stale_ = true;        // accounts came or went since the distances were asked for
+
+  int round_ = 0;
+  std::map<std::int32_t, OrderAnswer> answers_;  // of the round, by account
+};
+
+}  // namespace tutti

@@ -1,0 +1,49 @@
+#include "orders/order_answer.h"
+
+#include <utility>
+
+namespace tutti {
+
+OrderAnswer answer_from(SentOrder::Outcome outcome) {
+  switch (outcome) {
+    case SentOrder::Outcome::waiting:
+    case SentOrder::Outcome::pending:
+      return OrderAnswer::waiting;
+    case SentOrder::Outcome::accepted:
+      return OrderAnswer::accepted;
+    case SentOrder::Outcome::refused:
+      return OrderAnswer::refused;
+    default:
+      return OrderAnswer::unknown;
+  }
+}
+
+void OrderAnswers::count(OrderAnswer answer) {
+  switch (answer) {
+    case OrderAnswer::accepted:
+      ++accepted;
+      break;
+    case OrderAnswer::refused:
+      ++refused;
+      break;
+    case OrderAnswer::waiting:
+      ++waiting;
+      break;
+    case OrderAnswer::unknown:
+      ++unknown;
+      break;
+    default:
+      break;
+  }
+}
+
+std::string OrderAnswers::text() const {
+  std::string out;
+  for (const auto& [count, word] : {std::pair{accepted, " accepted"}, std::pair{refused, " refused"},
+                                    std::pair{waiting, " waiting"}, std::pair{unknown, " unknown"}}) {
+    if (count > 0) out += (out.empty() ? "" : ", ") + std::to_string(count) + word;
+  }
+  return out;
+}
+
+}  // namespace tutti

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+#include "sessions/sent_order.h"
+
+namespace tutti {
+
+// What became of an account's orders of one round of an order window. Orders at the dealer's hand are
+// waiting.
+enum class OrderAnswer {
+  none,      // no order in this round
+  left_out,  // no order: the account was refused before anything was sent, Result says why
+  waiting,
+  accepted,
+  refused,
+  unknown,  // the connection was lost before the result came
+};
+
+OrderAnswer answer_from(SentOrder::Outcome outcome);
+
+// How many accounts have each answer, those whose row has gone meanwhile among them.
+struct OrderAnswers {
+  int accepted = 0;
+  int refused = 0;
+  int waiting = 0;
+  int unknown = 0;
+
+  // One account more; `none` and `left_out` are not counted.
+  void count(OrderAnswer answer);
+  // "487 accepted, 9 refused, 4 waiting, 2 unknown", without the parts that are 0.
+  std::string text() const;
+};
+
+}  // namespace tutti

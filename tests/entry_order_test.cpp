@@ -1,0 +1,518 @@
+// The entry order window on scripted accounts, and whole ways of entry orders on the embedded server.
+
+#include <gtest/gtest.h>
+
+#include "apps/verification.h"
+#include "tests/dealer_rig.h"
+#include "tests/support/scripted_terminal.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Texts = std::vector<std::string>;
+
+enum Type { buy_limit, sell_limit, buy_stop, sell_stop };
+
+// The window is shown, EURUSD stands at 1.5 to 1.6, limit orders keep 0.1 and stop orders 0.2 away.
+struct EntryTerminal : ScriptedTerminal {
+  explicit EntryTerminal(const Summaries& summaries = {{100, 100}, {100, 100}, {100, 100}})
+      : ScriptedTerminal(summaries), form(main->entry_order()) {
+    for (ScriptedClient* client : clients) {
+      client->limit_distance = 10'000;
+      client->stop_distance = 20'000;
+      client->info.emplace();
+      client->sink->ConnectionState(true);
+    }
+    quote(1.5, 1.6);
+    form.Displayed(true);
+    main->general().set_amount_precision("2");
+  }
+  void quote(double bid, double ask) {
+    for (ScriptedClient* client : clients) {
+      client->symbols[0].bid = bid;
+      client->symbols[0].ask = ask;
+      client->sink->SymbolPricesChanged(client->symbols[0]);
+    }
+  }
+  void type(TextBox& box, const std::string& text) {
+    box.set_text("");
+    box.type(text);
+  }
+  void fill_in(int kind, const std::string& at, const std::string& sl = "", const std::string& tp = "") {
+    type(form.txtatprice, at);
+    type(form.txtsl, sl);
+    type(form.txttp, tp);
+    form.cblimiordertype.choose(kind);
+  }
+  // Ticks everybody and shares the amount out.
+  void distribute(const std::string& amount, int rule = 0) {
+    if (!form.chkAllClients.checked()) form.LblCheck.click();
+    form.CBlimitorderdis.choose(rule);
+    type(form.txtlimitorderammount, amount);
+    form.cmdlimiorderdis.click();
+  }
+  // "< 1.5; < 1.4; > 1.6": signs and prices of at-price, stop loss and take profit.
+  std::string conditions() {
+    return form.lblpricecondition.text() + " " + form.lblcondition.text() + "; " +
+           form.lblslcondition.text() + " " + form.lblslbound.text() + "; " + form.lbltpcondition.text() +
+           " " + form.lbltpbound.text();
+  }
+  // "x0.3 result|" of every row, "-" when it is not ticked.
+  std::string rows() {
+    std::string out;
+    for (const Row& row : form.lvwConClients)
+      out += (row.checked() ? "x" : "-") + row.text(1) + (row.text(2).empty() ? "" : " ") + row.text(2) + "|";
+    return out;
+  }
+  std::string answers() { return form.answers().text(); }
+  Texts sent(std::size_t account) { return std::exchange(clients[account - 1]->sent, {}); }
+  // "caption: text" of the boxes since the last call.
+  Texts boxes() {
+    Texts out;
+    for (const auto& box : std::exchange(prompt.shown, {}))
+      out.push_back(box.caption + ": " + box.text);
+    return out;
+  }
+  bool journaled(const std::string& line) {
+    const Texts lines = journal();
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  }
+
+  frmlimitorder& form;
+};
+
+TEST(EntryOrder, TellsWherePricesMustLie) {
+  EntryTerminal desk;
+  struct Case {
+    int type;
+    const char *at, *told;
+  };
+  const Case cases[] = {
+      {buy_limit, "", "< 1.5; < 1.4; > 1.6"},  {buy_limit, "1.3", "< 1.5; < 1.2; > 1.4"},
+      {sell_limit, "", "> 1.6; > 1.7; < 1.5"}, {sell_limit, "1.8", "> 1.6; > 1.9; < 1.7"},
+      {buy_stop, "", "> 1.8; < 1.6; > 2"},     {buy_stop, "2", "> 1.8; < 1.8; > 2.2"},
+      {sell_stop, "", "< 1.3; > 1.9; < 1.5"},  {sell_stop, "1.2x", "< 1.3; > 1.4; < 1"},
+  };
+  for (const Case& c : cases) {
+    desk.fill_in(c.type, c.at);
+    EXPECT_EQ(desk.conditions(), c.told) << c.type << " at " << c.at;
+  }
+  // They follow the market while the window is shown.
+  desk.fill_in(buy_limit, "");
+  desk.quote(1.4, 1.5);
+  EXPECT_EQ(desk.conditions(), "< 1.4; < 1.3; > 1.5");
+  desk.form.Displayed(false);
+  desk.quote(1.5, 1.6);
+  EXPECT_EQ(desk.conditions(), "< 1.4; < 1.3; > 1.5");
+  desk.form.Displayed(true);
+  EXPECT_EQ(desk.conditions(), "< 1.5; < 1.4; > 1.6");
+  // The side of a position is that of the order which closes it.
+  const auto edit = [&](const char* type_text) {
+    desk.form.EdirMode({.mode = "SLTP ", .type_text = type_text, .symbol = "EURUSD", .account = 1});
+    return desk.conditions();
+  };
+  EXPECT_EQ(edit("Buy(Manage)"), " ; > 1.8; < 1.5");
+  EXPECT_EQ(edit("Sell(Manage)"), " ; < 1.3; > 1.6");
+  EXPECT_EQ(edit("Manage"), " ;  ;  ");
+  // Nobody carries the symbol: the distance of -1 counts.
+  desk.form.lvwConClients.clear();
+  desk.fill_in(buy_limit, "");
+  desk.form.cblimitordersymbols.choose("EURUSD");
+  EXPECT_EQ(desk.conditions(), "< 2.6; < 3.6; > 1.6");
+}
+
+TEST(EntryOrder, StopsAreComparedAsTexts) {
+  struct Case {
+    int type;
+    const char *at, *sl, *tp, *sent, *box;
+  };
+  const char *alert = "Alert: Invalid Price", *warning = "Warning: Invalid Price", *no = "";
+  const Case cases[] = {
+      {buy_limit, "9.8", "10.5", "", "1 limit 70 1 at 9.8 sl 10.5", no},
+      {buy_limit, "9.8", "9.9", "", no, alert},
+      {buy_limit, "9.8", "9.8", "", no, alert},
+      {buy_limit, "9.8", "", "10", no, no},
+      {buy_limit, "9.8", "9.7", "9.80", "1 limit 70 1 at 9.8 sl 9.7 tp 9.8", no},
+      {sell_limit, "9.8", "9.9", "9.8", "-1 limit 70 1 at 9.8 sl 9.9 tp 9.8", no},
+      {sell_limit, "9.8", "10.5", "", no, alert},
+      {sell_limit, "9.8", "", "10", no, no},
+      {sell_limit, "10", "", "9.80", "-1 limit 70 1 at 10 tp 9.8", no},
+      {buy_stop, "10", "1", "9", "1 stop 70 1 at 10 sl 1 tp 9", no},
+      {buy_stop, "10", "9", "", no, warning},
+      {buy_stop, "10", "", "1", no, no},
+      {sell_stop, "10", "9", "1", "-1 stop 70 1 at 10 sl 9 tp 1", no},
+      {sell_stop, "10", "1", "", no, alert},
+      {sell_stop, "10", "", "9", no, no},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::to_string(c.type) + " at " + c.at + " sl " + c.sl + " tp " + c.tp);
+    EntryTerminal desk{{{5, 5}}};
+    desk.fill_in(c.type, c.at, c.sl, c.tp);
+    desk.distribute("1");
+    desk.form.cmdsubmitlimiorder.click();
+    const bool sent = *c.sent != '\0';
+    EXPECT_EQ(desk.sent(1), sent ? Texts{std::string{"entry "} + c.sent} : Texts{});
+    EXPECT_EQ(desk.boxes(), *c.box == '\0' ? Texts{} : Texts{c.box});
+    // What was refused stays as it was typed, what was sent goes.
+    EXPECT_EQ(desk.form.txtatprice.text() + desk.form.txtlimitorderammount.text() + desk.form.txtsl.text(),
+              sent ? "" : c.at + std::string{"1"} + c.sl);
+    EXPECT_EQ(desk.rows(), sent ? "-|" : "x1|");
+  }
+}
+
+TEST(EntryOrder, SubmitGoesStepByStep) {
+  EntryTerminal desk;
+  frmlimitorder& form = desk.form;
+  const Texts fill{"Alert: Please fill the required fields"};
+  const auto submit = [&] {
+    form.cmdsubmitlimiorder.click();
+    return desk.boxes();
+  };
+  // Each of the four fields, and an at-price that is none, resets the form.
+  for (int missing = 0; missing < 5; ++missing) {
+    desk.fill_in(buy_limit, missing == 1 ? "" : missing == 4 ? "0." : "1.3", "1.2");
+    desk.distribute("1");
+    if (missing == 0) form.CBlimitorderdis.choose(-1);
+    if (missing == 2) form.txtlimitorderammount.set_text("");
+    if (missing == 3) form.cblimitordersymbols.choose(-1);
+    form.UpdateResult(client_key(1), "old");
+    EXPECT_EQ(submit(), missing == 4 ? Texts{} : fill) << missing;
+    EXPECT_EQ(form.txtatprice.text() + form.txtsl.text() + form.txtlimitorderammount.text() + desk.rows(),
+              "-|-|-|");
+    EXPECT_FALSE(form.chkAllClients.checked());
+    form.cblimitordersymbols.choose("EURUSD");
+  }
+  // One share is missing: nobody's order goes out.
+  desk.fill_in(buy_limit, "1.3", "1.9");
+  desk.distribute("1");
+  form.lvwConClients.row(2).set_text(1, "");
+  EXPECT_EQ(submit(), Texts{"Alert: Please distribute the amount first"});
+  EXPECT_EQ(form.txtatprice.text() + desk.rows(), "1.3x0.33|x0.33|x|");
+  form.lvwConClients.row(2).set_text(1, "0.34");
+  EXPECT_EQ(submit(), Texts{"Alert: Invalid Price"});
+  desk.type(form.txtsl, "1.2");
+  form.uncheckall();
+  EXPECT_EQ(submit(), Texts{"Alert: No account selected"});
+  EXPECT_EQ(form.txtatprice.text() + desk.rows(), "1.3-0.33|-0.33|-0.34|");
+  for (std::size_t account : {1u, 2u, 3u})
+    EXPECT_EQ(desk.sent(account), Texts{});
+
+  // A share is corrected in place, one account refuses; the rest goes out, once.
+  form.LblCheck.click();
+  form.LblCheck.click();
+  ASSERT_TRUE(form.open_editor(form.lvwConClients.row(0), 1));
+  form.txtEditPrice.type("0.5");
+  ASSERT_TRUE(form.commit_editor());
+  desk.clients[1]->request_code = request::invalid_price;
+  desk.sound.take();
+  EXPECT_EQ(submit(), Texts{});
+  EXPECT_EQ(desk.sound.take(), Texts(2, "OrderOk.wav"));
+  EXPECT_EQ(desk.sent(1), Texts{"entry 1 limit 70 0.5 at 1.3 sl 1.2"});
+  EXPECT_EQ(desk.sent(2), Texts{"entry 1 limit 71 0.33 at 1.3 sl 1.2"});
+  EXPECT_EQ(desk.sent(3), Texts{"entry 1 limit 72 0.34 at 1.3 sl 1.2"});
+  EXPECT_EQ(desk.rows(), "-|- Invalid Price|-|");
+  EXPECT_TRUE(desk.journaled("1 Request Entry Order Buy Limit 0.5 EURUSD at 1.3 ( SL= 1.2 TP=  )"));
+  EXPECT_TRUE(
+      desk.journaled("2 Request Entry Order Buy Limit 0.33 EURUSD at 1.3 was not taken: Invalid Price"));
+  EXPECT_EQ(desk.answers(), "1 refused, 2 waiting");
+  EXPECT_EQ(submit(), fill);
+
+  CClientAPIManagers& sessions = desk.main->accounts().sessions();
+  EXPECT_EQ(sessions.unanswered(), 2);
+  // A success that nobody's order belongs to settles nothing; one that was executed already does.
+  desk.clients[0]->sink->NewLimitOrderResult(10, result::succeeded);
+  EXPECT_EQ(sessions.unanswered(), 2);
+  desk.clients[0]->positions = {
+      {.ticket = 11, .account = 1, .side = operation::buy, .symbol = "EURUSD", .amount = 0.5}};
+  desk.clients[0]->sink->NewLimitOrderResult(11, result::succeeded);
+  EXPECT_EQ(sessions.Item(1)->last_entry().number, 11);
+  EXPECT_EQ(desk.rows(), "- Succeeded|-|-|");  // the second Submit has emptied the results
+  desk.clients[2]->sink->ConnectionState(false);
+  EXPECT_EQ(sessions.unanswered(), 0);
+  EXPECT_TRUE(desk.journaled(
+      "3 Entry order BUY 0.34 EURUSD at 1.3 was sent, but no result came: the outcome is unknown, check the "
+      "positions of account 3"));
+}
+
+TEST(EntryOrder, AnswersFindTheirRequests) {
+  EntryTerminal desk{{{5, 5}}};
+  ScriptedClient& client = *desk.clients[0];
+  CClientAPIManager& session = *desk.main->accounts().sessions().Item(1);
+  const auto place = [&](const char* at) {
+    desk.fill_in(buy_limit, at);
+    desk.distribute("1");
+    desk.form.cmdsubmitlimiorder.click();
+  };
+  place("1.3");
+  place("1.2");
+  // The second is answered first; the order in the server's list tells which one it is.
+  client.orders = {{.order = 22,
+                    .account = 1,
+                    .kind = "LO",
+                    .operation = operation::buy,
+                    .symbol = "EURUSD",
+                    .amount = 1.0,
+                    .price = 1.2}};
+  client.sink->NewLimitOrderResult(22, result::succeeded);
+  EXPECT_EQ(session.last_entry().number, 22);
+  EXPECT_EQ(desk.answers(), "1 accepted");
+  client.sink->NewLimitOrderResult(21, result::not_enough_money);
+  EXPECT_EQ(desk.rows() + desk.answers(), "- Not Enough Money|1 accepted");
+  EXPECT_EQ(session.unanswered(), 0);
+
+  // An order that was executed while it was being cancelled: its number is the ticket's now.
+  session.cancel_order(22, false);
+  session.close_position(22, 1.0);
+  client.sink->DeleteLimitOrderResult(22, result::order_not_found);
+  EXPECT_EQ(session.sent_request(RequestKind::cancel, 22)->outcome, SentOrder::Outcome::refused);
+  EXPECT_EQ(session.sent_request(RequestKind::close, 22)->outcome, SentOrder::Outcome::waiting);
+  // Stops of two positions: an SL/TP order that is there already, and a new one.
+  client.orders = {{.order = 31, .account = 1, .kind = "ST", .reference = 7, .symbol = "EURUSD"}};
+  session.set_stops(6, {}, 0);
+  session.set_stops(7, {}, 0);
+  client.sink->UpdateSLTPOrderResult(31, result::succeeded);
+  EXPECT_EQ(session.sent_request(RequestKind::stops, 7)->outcome, SentOrder::Outcome::accepted);
+  client.sink->NewSLTPOrderResult(32, result::market_conditions);
+  EXPECT_EQ(session.sent_request(RequestKind::stops, 6)->outcome, SentOrder::Outcome::refused);
+  EXPECT_EQ(session.unanswered(), 1);
+}
+
+TEST(EntryOrder, DistributeRefusesInItsOwnWords) {
+  EntryTerminal desk{{{100, 10}, {300, 30}, {-0.01, 9}, {5, 5}}};
+  frmlimitorder& form = desk.form;
+  desk.clients[3]->symbols.erase(desk.clients[3]->symbols.begin());
+  desk.distribute("1", 2);
+  EXPECT_EQ(desk.rows(), "x0.25|x0.75|-  no Balance  |- EURUSD is not visible to this account|");
+  EXPECT_EQ(form.answer_of(form.lvwConClients.row(2)), OrderAnswer::left_out);
+  desk.distribute("2", 1);
+  EXPECT_EQ(desk.rows().substr(0, 10), "x0.5|x1.5|");
+  EXPECT_EQ(desk.boxes(), Texts{});
+  desk.distribute("0");
+  desk.distribute("1", -1);
+  form.uncheckall();
+  form.cmdlimiorderdis.click();
+  EXPECT_EQ(desk.boxes(), (Texts{"Alert: Please fill the required fields",
+                                 "Alert: Please select distribution type", "Alert: No account selected"}));
+}
+
+TEST(EntryOrder, WaitingDisablesSubmit) {
+  EntryTerminal desk;
+  for (const int mode : {2, 1}) {
+    desk.clients[0]->sink->WaitingMode(mode);
+    EXPECT_FALSE(desk.form.cmdsubmitlimiorder.enabled());
+    desk.form.cmdlimiorderdis.set_enabled(false);
+    desk.clients[0]->sink->WaitingMode(0);
+    EXPECT_TRUE(desk.form.cmdsubmitlimiorder.enabled() && desk.form.cmdlimiorderdis.enabled());
+  }
+}
+
+TEST(EntryOrder, OrdersAndPositionsAreEdited) {
+  EntryTerminal desk;
+  frmlimitorder& form = desk.form;
+  int shown = 0;
+  form.show = [&] { ++shown; };
+  // "mode type amount at sl tp rows" and which controls are off.
+  const auto state = [&] {
+    std::string out = form.mode() + " " + form.cblimiordertype.text();
+    for (const TextBox* box : {&form.txtlimitorderammount, &form.txtatprice, &form.txtsl, &form.txttp})
+      out += " " + (box->text().empty() ? "." : box->text());
+    out += " " + desk.rows() + (form.cblimiordertype.enabled() ? "" : " lists off") +
+           (form.txtatprice.enabled() ? "" : " at off") + (form.cmdlimiorderdis.enabled() ? "" : " dis off");
+    return out;
+  };
+  PendingOrder order{.order = 40,
+                     .account = 2,
+                     .kind = "LO",
+                     .operation = operation::sell_stop,
+                     .symbol = "EURUSD",
+                     .amount = 0.5,
+                     .price = 1.2,
+                     .stop_loss = 1.25};
+  OpenPosition position{.ticket = 50,
+                        .account = 3,
+                        .side = operation::buy,
+                        .symbol = "EURUSD",
+                        .amount = 2,
+                        .open_price = 1.45,
+                        .current_price = 1.5,
+                        .take_profit = 1.7};
+  desk.clients[1]->orders = {order};
+  desk.clients[1]->sink->NewPendingOrder(order);
+  desk.clients[2]->sink->NewOpenPosition(position);
+  RowList& orders = desk.main->pending().lvwPending;
+  RowList& positions = desk.main->trade().lvwOpenPos;
+
+  orders.activate(orders.row(0));
+  EXPECT_EQ(state(), "Limit Orders Sell Stop 0.5 1.20000 1.25000 . -|x0.5|-| lists off dis off");
+  desk.type(form.txtatprice, "1.10000");
+  desk.type(form.txttp, "1.0");
+  desk.type(form.txtsl, "1.05");
+  form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(desk.boxes(), Texts{"Alert: Invalid Price"});
+  desk.type(form.txtsl, "1.3");
+  form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(desk.sent(2), Texts{"update 40 at 1.1 sl 1.3 tp 1"});
+  EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
+  EXPECT_EQ(desk.answers(), "1 waiting");
+  desk.clients[1]->sink->UpdateLimitOrderResult(40, result::succeeded);
+  EXPECT_EQ(desk.rows() + desk.answers(), "-|- Succeeded|-|1 accepted");
+  EXPECT_TRUE(desk.journaled("2 Request Limit Orders #40 Sell Stop EURUSD at 1.1 ( SL= 1.3 TP= 1.0 )"));
+  orders.activate(orders.row(0));
+  form.uncheckall();
+  form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(desk.boxes(), Texts{"Alert: No selected account"});
+  form.cmdcancel.click();
+  EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
+
+  // A position from either list; its stop loss is on the side that the texts would refuse.
+  desk.clients[0]->profit_per_point = 100.0;
+  positions.activate(positions.row(0));
+  EXPECT_EQ(state(), "SLTP  Buy Limit 2 . . 1.70000 -|-|x2| lists off at off dis off");
+  EXPECT_EQ(form.lbltpchanged.text(), "50");
+  desk.type(form.txtsl, "1.4");
+  EXPECT_EQ(form.lblslchanged.text(), "-10");
+  EXPECT_EQ(form.sketch().entry, 1.45);
+  EXPECT_EQ(form.sketch().stop_loss_bound, 1.3);
+  form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(desk.sent(3), Texts{"stops 50 sl 1.4 tp 1.7"});
+  desk.clients[2]->orders = {{.order = 60, .account = 3, .kind = "ST", .reference = 50, .symbol = "EURUSD"}};
+  desk.clients[2]->sink->NewSLTPOrderResult(60, result::succeeded);
+  EXPECT_EQ(desk.rows() + desk.answers(), "-|-|- Success Result|1 accepted");
+  EXPECT_TRUE(desk.journaled("3 Request SLTP  #50 Buy EURUSD at 1.45 ( SL= 1.4 TP= 1.70000 )"));
+  desk.clients[2]->sink->NewOpenPosition(position);
+  positions.activate(positions.row(0));
+  desk.clients[2]->request_code = request::invalid_price;
+  form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(desk.rows(), "-|-|- Invalid Price|");
+  EXPECT_TRUE(desk.journaled("3 Request SLTP #50 Buy EURUSD at 1.45 was not taken: Invalid Price"));
+  // An SL/TP order edits its position.
+  desk.clients[2]->sink->NewPendingOrder({.order = 61,
+                                          .account = 3,
+                                          .kind = "ST",
+                                          .reference = 50,
+                                          .operation = operation::sell,
+                                          .symbol = "EURUSD",
+                                          .amount = 2});
+  orders.activate(*orders.find(order_key(61)));
+  EXPECT_EQ(form.edited(), 50);
+  EXPECT_EQ(shown, 5);
+  form.EdirMode({.mode = "Limit Orders", .type_text = "Limit/Stop", .symbol = "EURUSD", .account = 2});
+  EXPECT_EQ(state(), " Buy Limit . . . . -|-|- Invalid Price|");
+}
+
+// Everything the server does is told silently, twice, or not at all; the comparison with its books says so.
+TEST(EntryScenario, TheBooksTellWhatTheJournalDoesNot) {
+  struct Case {
+    FaultKind kind;
+    FaultPoint on;
+    Texts differences;
+  };
+  const std::string account = "account 500100: ", missing = account + "the journal does not say: ",
+                    surplus = account + "the journal says what the server's books don't: ";
+  const Case cases[] = {
+      {FaultKind::silent, FaultPoint::entry, {missing + "Succeeded"}},
+      {FaultKind::twice, FaultPoint::entry, {surplus + "Succeeded"}},
+      {FaultKind::silent, FaultPoint::update, {missing + "Order #10000001has been updated"}},
+      {FaultKind::twice, FaultPoint::trigger, {surplus + "Entry Order 10000001 has been executed"}},
+      {FaultKind::delay, FaultPoint::trigger, {}},
+  };
+  for (const Case& c : cases) {
+    DealerConfig config = still_market(1);
+    config.ticks.insert(config.ticks.begin(), {5s, "EURUSD", 1.0798, 1.07992});
+    FaultConfig fault;
+    fault.kind = c.kind;
+    fault.on = {c.on};
+    config.faults = {fault};
+    TestTerminal desk{config};
+    desk.start_logged_in();
+    frmlimitorder& form = desk.main->entry_order();
+    form.Displayed(true);
+    form.cblimitordersymbols.choose("EURUSD");
+    form.CBlimitorderdis.choose(0);
+    form.txtlimitorderammount.type("1");
+    form.txtatprice.type("1.07");
+    form.chkAllClients.click();
+    form.cmdlimiorderdis.click();
+    form.cmdsubmitlimiorder.click();
+    desk.run(1s);
+    RowList& orders = desk.main->pending().lvwPending;
+    ASSERT_EQ(orders.size(), 1u);
+    orders.activate(orders.row(0));
+    form.txtatprice.set_text("");
+    form.txtatprice.type("1.08");
+    form.cmdsubmitlimiorder.click();
+    desk.run(5s);
+    EXPECT_EQ(desk.main->trade().lvwOpenPos.size(), 1u);
+    EXPECT_EQ((Verification{*desk.main, desk.server}.run()), c.differences);
+  }
+}
+
+// Fifty accounts place a buy limit, the market comes down to it, then further down to its stop loss.
+TEST(EntryScenario, PlacedExecutedAndStoppedOut) {
+  DealerConfig config = still_market(50);
+  config.ticks.insert(config.ticks.begin(),
+                      {{8s, "EURUSD", 1.0798, 1.07992}, {12s, "EURUSD", 1.0749, 1.07502}});
+  for (AccountConfig& account : config.accounts) {
+    account.balance = 50'000.0;
+    account.privilege = true;
+    account.hidden_symbols.clear();
+  }
+  TestTerminal desk{config};
+  desk.start_logged_in();
+  const auto differences = [&] { return Verification{*desk.main, desk.server}.run(); };
+  frmlimitorder& form = desk.main->entry_order();
+  form.Displayed(true);
+  form.cblimitordersymbols.choose("EURUSD");
+  form.CBlimitorderdis.choose(0);
+  form.txtlimitorderammount.type("50");
+  form.txtatprice.type("1.08");
+  form.txtsl.type("1.075");
+  form.txttp.type("1.09");
+  form.chkAllClients.click();
+  form.cmdlimiorderdis.click();
+  form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(form.answers().text(), "50 waiting");
+  desk.run(2s);
+  EXPECT_EQ(form.answers().text(), "50 accepted");
+  EXPECT_EQ(desk.main->pending().lvwPending.size(), 50u);
+  EXPECT_EQ(differences(), Texts{});
+
+  // One order is moved away and lives on.
+  RowList& orders = desk.main->pending().lvwPending;
+  const RowKey moved = orders.row(7).key();
+  orders.activate(orders.row(7));
+  form.txtatprice.set_text("");
+  form.txtatprice.type("1.05");
+  form.txtsl.set_text("");
+  form.txttp.set_text("");
+  form.cmdsubmitlimiorder.click();
+  desk.run(1s);
+  EXPECT_EQ(orders.find(moved)->text(frmPending::price), "1.05000");
+  EXPECT_EQ(differences(), Texts{});
+
+  desk.run(5s);
+  EXPECT_EQ(desk.main->trade().lvwOpenPos.size(), 49u);
+  EXPECT_EQ(orders.size(), 50u);  // SL/TP orders, and the one that was moved
+  EXPECT_EQ(differences(), Texts{});
+  // The stop loss of one position is taken away.
+  RowList& positions = desk.main->trade().lvwOpenPos;
+  const RowKey kept = positions.row(3).key();
+  positions.activate(positions.row(3));
+  form.txtsl.set_text("");
+  form.cmdsubmitlimiorder.click();
+  desk.run(1s);
+  EXPECT_EQ(
+      positions.find(kept)->text(frmTrade::stop_loss) + positions.find(kept)->text(frmTrade::take_profit),
+      "1.09000");
+  EXPECT_EQ(differences(), Texts{});
+
+  desk.run(4s);
+  ASSERT_EQ(positions.size(), 1u);
+  EXPECT_EQ(positions.row(0).key(), kept);
+  EXPECT_EQ(orders.size(), 2u);
+  EXPECT_EQ(differences(), Texts{});
+}
+
+}  // namespace
+}  // namespace tutti::testing

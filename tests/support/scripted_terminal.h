@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/scripted_client.h"
+#include "tests/support/test_terminal.h"
+
+namespace tutti::testing {
+
+using Summaries = std::vector<std::pair<double, double>>;  // equity and free margin of each account
+
+// A terminal whose accounts 1, 2, 3... are scripted, logged in and in the order windows.
+struct ScriptedTerminal : TestTerminal {
+  explicit ScriptedTerminal(const Summaries& summaries = {{100, 100}, {100, 100}, {100, 100}})
+      : TestTerminal(DealerConfig::sample(1)) {
+    std::string list;
+    for (std::size_t i = 1; i <= summaries.size(); ++i)
+      list += "user,secret," + std::to_string(i) + "\n";
+    home->write("manage/savelvinfo.buf", list);
+    const auto make_client = [this] {
+      clients.push_back(new ScriptedClient);
+      return std::unique_ptr<ClientAPI>{clients.back()};
+    };
+    main = std::make_unique<Main>(home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
+                                  ServerSide{make_client, server, {}});
+    if (!start() || clients.size() != summaries.size()) throw std::runtime_error("not started");
+    for (std::size_t i = 0; i < clients.size(); ++i) {
+      ScriptedClient& client = *clients[i];
+      client.symbols = {{.id = 70 + static_cast<std::int32_t>(i), .name = "EURUSD"},
+                        {.id = 90, .name = "GBPUSD"}};
+      client.summary.values.equity = summaries[i].first;
+      client.summary.values.free_margin = summaries[i].second;
+      client.sink->SymbolsLoaded();
+      const auto number = static_cast<std::int32_t>(i) + 1;
+      main->market_order().add_account(number);
+      main->entry_order().add_account(number);
+    }
+  }
+
+  std::vector<ScriptedClient*> clients;  // owned by the sessions
+};
+
+}  // namespace tutti::testing
