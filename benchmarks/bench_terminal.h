@@ -28,6 +28,8 @@ class BenchTerminal {
   // What every account's summary query answers from now on, unless its client is told otherwise.
   void set_values(const AccountSummary* values) { values_ = values; }
   frmorder& order() { return order_; }
+  frmMain& accounts() { return accounts_; }
+  frmMdiNew& window() { return window_; }
   void hold_amount_precision(int decimals) { general_.hold_amount_precision(std::to_string(decimals)); }
 
  private:

@@ -10,17 +10,6 @@ constexpr std::size_t events_per_run = 5000;
 // Few enough to stay near, as what a library has just read from its connection does.
 constexpr int changes = 101;
 
-std::vector<AccountSummary> changing_summaries() {
-  std::vector<AccountSummary> out;
-  for (int i = 0; i < changes; ++i) {
-    const double balance = 1000.0 + i * 7.25;
-    const double equity = balance + 10.0 + (i % 37) - 18.5;
-    const double used = -(50.0 + i % 11);
-    out.push_back({balance, (i % 37) - 18.5, 10.0, equity, used, equity / -used, equity + used});
-  }
-  return out;
-}
-
 // One symbol after the other moves for a while.
 std::vector<Symbol> changing_prices(const BenchMarket& market) {
   std::vector<Symbol> out;
@@ -34,6 +23,17 @@ std::vector<Symbol> changing_prices(const BenchMarket& market) {
 }
 
 }  // namespace
+
+std::vector<AccountSummary> changing_summaries() {
+  std::vector<AccountSummary> out;
+  for (int i = 0; i < changes; ++i) {
+    const double balance = 1000.0 + i * 7.25;
+    const double equity = balance + 10.0 + (i % 37) - 18.5;
+    const double used = -(50.0 + i % 11);
+    out.push_back({balance, (i % 37) - 18.5, 10.0, equity, used, equity / -used, equity + used});
+  }
+  return out;
+}
 
 EventDriver::EventDriver(const BenchMarket& market, std::size_t sessions)
     : terminal_(market, sessions),

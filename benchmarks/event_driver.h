@@ -8,6 +8,9 @@
 
 namespace tutti::bench {
 
+// The values that summary events bring, one after the other.
+std::vector<AccountSummary> changing_summaries();
+
 // A terminal and the trading library's view of it: the sinks of all sessions, told changing values in turn;
 // and the bare stores for as many sessions.
 class EventDriver {

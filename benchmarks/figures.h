@@ -15,5 +15,8 @@ void event_figures(const BenchMarket& market);
 void order_figures(const BenchMarket& market);
 // Logging 500 accounts in on the embedded dealing server, and the memory a session takes.
 void login_figures();
+// The accounts list on a screen: what it adds to events, what cells cost, how long input waits, and how soon
+// the list is there.
+void gui_figures(const BenchMarket& market);
 
 }  // namespace tutti::bench

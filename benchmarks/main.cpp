@@ -1,7 +1,9 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include "benchmarks/figures.h"
 
@@ -14,12 +16,17 @@ void figure(std::string_view name, double value) {
 
 }  // namespace tutti::bench
 
-int main() {
+// Runs the groups of figures that are named - events, orders, login, gui - or all when none is.
+int main(int argc, char** argv) {
+  const auto wanted = [&](std::string_view group) {
+    return argc < 2 || std::find(argv + 1, argv + argc, group) != argv + argc;
+  };
   try {
     const tutti::bench::BenchMarket market;
-    tutti::bench::event_figures(market);
-    tutti::bench::order_figures(market);
-    tutti::bench::login_figures();
+    if (wanted("events")) tutti::bench::event_figures(market);
+    if (wanted("orders")) tutti::bench::order_figures(market);
+    if (wanted("login")) tutti::bench::login_figures();
+    if (wanted("gui")) tutti::bench::gui_figures(market);
   } catch (const std::exception& error) {
     fmt::print(stderr, "tutti_bench: {}\n", error.what());
     return 1;

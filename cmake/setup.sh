@@ -3,7 +3,7 @@
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
 build_packages=(cmake ninja-build g++ pkg-config libfmt-dev libexpected-dev robin-map-dev libsodium-dev
-  libtomlplusplus-dev libcli11-dev nlohmann-json3-dev)
+  libtomlplusplus-dev libcli11-dev nlohmann-json3-dev qt6-base-dev qt6-multimedia-dev qt6-svg-dev fonts-liberation)
 
 # quietly COMMAND...: shows what a command says only when it fails. Standard output stays free for the program.
 quietly() {

@@ -86,6 +86,8 @@ std::deque<Row::Owner> RowList::take_all() {
 void RowList::put_back(std::deque<Row::Owner> rows) {
   for (auto& row : rows) {
     if (!row->key_.empty()) by_key_.emplace(row->key_, row.get());
+    // Whoever keeps account of which rows he has seen has forgotten those that were away.
+    row->touch();
   }
   rows.insert(rows.end(), std::make_move_iterator(rows_.begin()), std::make_move_iterator(rows_.end()));
   rows_ = std::move(rows);

@@ -1,0 +1,117 @@
+// The terminal on a screen.
+
+#include <QApplication>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <clocale>
+#include <optional>
+
+#include <CLI/CLI.hpp>
+
+#include "apps/command_line.h"
+#include "apps/terminal.h"
+#include "core/core_dumps.h"
+#include "gui/desktop_file_dialog.h"
+#include "gui/desktop_prompt.h"
+#include "gui/desktop_sound.h"
+#include "gui/frmMdiNew_window.h"
+#include "gui/heartbeat.h"
+#include "gui/screen.h"
+#include "gui/screenshot_tour.h"
+#include "gui/theme.h"
+
+namespace {
+
+using namespace tutti;
+
+constexpr std::chrono::minutes book_interval{1};
+constexpr std::chrono::milliseconds nothing_due{1000};
+
+struct Arguments {
+  TerminalOptions terminal;
+  bool demo = false;
+  std::filesystem::path screenshots;  // folder; empty: none are taken
+  std::vector<int> size;              // of the main window; empty: as it was left
+};
+
+std::chrono::milliseconds until_due(const Terminal& terminal) {
+  const auto due = terminal.next_due();
+  return due ? std::max(*due - SystemClock{}.now(), std::chrono::milliseconds{0}) : nothing_due;
+}
+
+// Answers the exit status once the operator has left.
+int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, FileDialog& files, Screen& screen,
+        const Arguments& arguments) {
+  FrmMdiNewWindow window{terminal.main(), screen, prompt, sound, files};
+  window.restore_layout();
+  if (!arguments.size.empty()) {
+    window.resize(arguments.size[0], arguments.size[1]);
+    window.reset_layout();
+  }
+  window.show();
+  Heartbeat heartbeat{screen,
+                      {[&terminal](std::size_t limit) { return terminal.advance(limit); },
+                       [&terminal] { return until_due(terminal); }}};
+  heartbeat.start();
+
+  const auto save_book = [&terminal] {
+    if (const auto saved = terminal.save_book(); !saved) {
+      terminal.main().general().log("The dealing server's book was not saved: " + saved.error().text(), -1);
+    }
+  };
+  QTimer book_timer;
+  QObject::connect(&book_timer, &QTimer::timeout, &book_timer, save_book);
+  book_timer.start(book_interval);
+
+  std::optional<ScreenshotTour> tour;
+  if (!arguments.screenshots.empty()) {
+    tour.emplace(window, terminal.main(), screen, arguments.screenshots,
+                 [](bool all_kept) { QCoreApplication::exit(all_kept ? 0 : exit_status::unreadable_data); });
+    tour->start();
+  }
+  const int status = QCoreApplication::exec();
+  heartbeat.stop();
+  save_book();
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+#ifdef NDEBUG
+  forbid_core_dumps();
+#endif
+  CLI::App app{"Trades many client accounts at once."};
+  Arguments arguments;
+  add_terminal_options(app, arguments.terminal, argv[0]);
+  app.add_flag("--demo", arguments.demo, "500 sample accounts in a home folder that goes with the program");
+  app.add_option("--screenshot", arguments.screenshots,
+                 "Work through all windows, keep a picture of each in this folder, and end");
+  app.add_option("--size", arguments.size, "Width and height of the main window")->expected(2);
+  CLI11_PARSE(app, argc, argv);
+
+  QApplication application{argc, argv};
+  QApplication::setApplicationName(QStringLiteral("tutti"));
+  // The toolkit takes the environment's number format over; the terminal's is its own.
+  std::setlocale(LC_NUMERIC, "C");
+  QLocale::setDefault(QLocale::c());
+  theme::apply(application);
+
+  const QTemporaryDir demo_home;
+  if (arguments.demo) {
+    arguments.terminal.demo = true;
+    if (app.count("--home") == 0) arguments.terminal.home = demo_home.path().toStdString();
+  }
+  Screen screen;
+  DesktopPrompt prompt{screen};
+  DesktopSound sound{arguments.terminal.home};
+  DesktopFileDialog files;
+  const auto terminal = Terminal::open(arguments.terminal, {prompt, sound, files});
+  if (!terminal) {
+    prompt.system_box(terminal.error().text(), "Tutti can't start");
+    return exit_status::unreadable_data;
+  }
+  return run(**terminal, prompt, sound, files, screen, arguments);
+}

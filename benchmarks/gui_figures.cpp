@@ -1,0 +1,188 @@
+#include <QApplication>
+#include <QEventLoop>
+#include <QLoggingCategory>
+#include <QTableView>
+#include <QTimer>
+#include <chrono>
+#include <memory>
+#include <utility>
+
+#include "benchmarks/figures.h"
+#include "benchmarks/gui_events.h"
+#include "benchmarks/gui_probe.h"
+#include "benchmarks/gui_rivals.h"
+#include "benchmarks/gui_run.h"
+#include "benchmarks/interleaved.h"
+#include "gui/theme.h"
+
+namespace tutti::bench {
+namespace {
+
+constexpr std::size_t accounts = 500;
+
+// A terminal and its accounts list on a screen.
+struct Gui {
+  explicit Gui(const BenchMarket& market) : terminal(market, accounts), events(terminal) {}
+
+  GuiLoad row_events() {
+    return {[this](std::size_t count) { events.rows(count); }};
+  }
+  GuiLoad summary_events(double per_second = 0.0) {
+    return {[this](std::size_t count) { events.summaries(count); }, per_second};
+  }
+
+  BenchTerminal terminal;
+  GuiEvents events;
+  AccountsWindow window{terminal, false};
+};
+
+// Nanoseconds of processor time per piece of work.
+template <class Work>
+double cpu_per(double pieces, Work&& work) {
+  const double start = cpu_time();
+  work();
+  return (cpu_time() - start) / pieces;
+}
+
+void event_costs(Gui& gui) {
+  AccountsWindow& window = gui.window;
+  std::vector<double> paints;
+  const auto saturated = [&](const GuiLoad& load) {
+    const GuiRun run = run_gui(window.screen(), window.paints(), load);
+    paints.push_back(run.paints_per_second);
+    return run.cpu_per_event;
+  };
+  constexpr std::size_t passes = 2000;
+  constexpr double events = passes * accounts;
+  figure("gui_event_over_floor",
+         interleaved_ratio([&] { return saturated(gui.row_events()); },
+                           [&] { return cpu_per(events, [&] { gui.events.floor(passes); }); }));
+  figure("gui_paints_per_second", median(std::exchange(paints, {})));
+  figure(
+      "gui_summary_event_over_no_screen",
+      interleaved_ratio([&] { return saturated(gui.summary_events()); },
+                        [&] { return cpu_per(events, [&] { gui.events.summaries(passes * accounts); }); }));
+
+  TableRival rival{window.list()};
+  Screen no_screen;
+  const GuiLoad rival_load{[&](std::size_t count) { rival.rows(count); }};
+  figure("gui_qtablewidget_over_ours",
+         interleaved_ratio([&] { return run_gui(no_screen, rival.paints(), rival_load).cpu_per_event; },
+                           [&] { return saturated(gui.row_events()); }));
+
+  AccountsWindow with_totals{gui.terminal, true};
+  figure("gui_totals_line_cost",
+         interleaved_ratio(
+             [&] {
+               return run_gui(with_totals.screen(), with_totals.paints(), gui.summary_events()).cpu_per_event;
+             },
+             [&] { return saturated(gui.summary_events()); }));
+}
+
+// The same view, told of every event as a model of the toolkit's usually tells, and never asked once a frame.
+void per_event_model(Gui& gui, const char* name, double per_second) {
+  AccountsWindow& window = gui.window;
+  RowListModel& model = window.list().rows();
+  Screen no_screen;
+  const GuiLoad telling{[&](std::size_t count) {
+                          for (std::size_t i = 0; i < count; ++i) {
+                            const int place = static_cast<int>(gui.events.place());
+                            gui.events.summaries(1);
+                            Q_EMIT model.dataChanged(model.index(place, frmMain::balance),
+                                                     model.index(place, frmMain::free_margin));
+                          }
+                        },
+                        per_second};
+  figure(name, interleaved_ratio(
+                   [&] {
+                     const GuiLoad load = gui.summary_events(per_second);
+                     return run_gui(window.screen(), window.paints(), load).cpu_per_second;
+                   },
+                   [&] { return run_gui(no_screen, window.paints(), telling).cpu_per_second; }));
+}
+
+double repaint_per_cell(QTableView& view) {
+  constexpr int repaints = 5;
+  const int cells = (view.viewport()->height() / theme::row_height + 1) * view.model()->columnCount();
+  return cpu_per(repaints * cells, [&view] {
+    for (int i = 0; i < repaints; ++i)
+      view.viewport()->repaint();
+  });
+}
+
+void cell_costs(Gui& gui) {
+  StockView stock{gui.window.list()};
+  QCoreApplication::processEvents();
+  figure("gui_cell_over_stock_delegate",
+         interleaved_ratio([&] { return repaint_per_cell(gui.window.list()); },
+                           [&] { return repaint_per_cell(stock.view()); }));
+}
+
+// Nanoseconds of wall time for a repaint of all cells, once a frame while events come in, which is when the
+// program repaints: with less of it in the caches than in a row of repaints.
+double repaint_time(Gui& gui, const GuiLoad& load) {
+  constexpr std::chrono::milliseconds frame{16};
+  Heartbeat heartbeat{gui.window.screen(), source_of(load)};
+  heartbeat.start();
+  std::vector<double> repaints;
+  for (int i = 0; i < 101; ++i) {
+    QEventLoop loop;
+    QTimer::singleShot(frame, &loop, &QEventLoop::quit);
+    loop.exec();
+    repaints.push_back(time_of([&] { gui.window.list().viewport()->repaint(); }));
+  }
+  return median(std::move(repaints));
+}
+
+void latencies(Gui& gui) {
+  const GuiLoad load = gui.summary_events(100'000.0);
+  const double repaint = repaint_time(gui, load);
+  constexpr std::size_t probes = 4000;
+  const auto sorted = probe_latencies(gui.window.screen(), load, probes);
+  figure("gui_repaint_us", repaint / 1e3);
+  figure("gui_probe_p99_over_repaint", sorted[probes * 99 / 100] / repaint);
+  figure("gui_probe_p999_over_repaint", sorted[probes * 999 / 1000] / repaint);
+}
+
+// From making the window until it is painted; it goes afterwards.
+double first_paint(BenchTerminal& terminal) {
+  const double start = cpu_time();
+  const AccountsWindow window{terminal, false};
+  wait_for_paint(window.paints());
+  return cpu_time() - start;
+}
+
+double first_paint_of_bare_window() {
+  const double start = cpu_time();
+  QMainWindow window;
+  auto* view = new QTableView{&window};
+  window.setCentralWidget(view);
+  const PaintCount paints{*view};
+  show_window(window);
+  wait_for_paint(paints);
+  return cpu_time() - start;
+}
+
+}  // namespace
+
+void gui_figures(const BenchMarket& market) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  // It complains of every window that it knows no size hints.
+  QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
+  int count = 1;
+  char name[] = "tutti_bench";
+  char* arguments[] = {name, nullptr};
+  QApplication application{count, arguments};
+  theme::apply(application);
+  Gui gui{market};
+  wait_for_paint(gui.window.paints());
+  event_costs(gui);
+  per_event_model(gui, "gui_cpu_over_per_event_model_100k", 100'000.0);
+  per_event_model(gui, "gui_cpu_over_per_event_model_5k", 5'000.0);
+  cell_costs(gui);
+  latencies(gui);
+  figure("first_paint_500_over_bare_window",
+         interleaved_ratio([&] { return first_paint(gui.terminal); }, first_paint_of_bare_window));
+}
+
+}  // namespace tutti::bench

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "gui/order_form.h"
+
+class QToolButton;
+
+namespace tutti {
+
+class RowListView;
+class Screen;
+
+// Which accounts an order window lists: all, the ticked ones, or those with a kind of answer, each
+// with their number.
+class AnswerFilter final : public QWidget {
+ public:
+  // `form` and `view` must live as long as the filter.
+  AnswerFilter(const OrderForm& form, RowListView& view, Screen& screen);
+
+  // Text colour of a result; not valid for an account without an answer.
+  static QColor colour(OrderAnswer answer);
+
+ private:
+  enum Choice : std::size_t { all, ticked, refused, waiting, choices };
+
+  bool shows(Choice choice, const Row& row) const;
+  void apply();
+  void follow();
+
+  const OrderForm& form_;
+  RowListView& view_;
+  std::array<QToolButton*, choices> buttons_{};
+  Choice choice_ = all;
+  std::uint64_t seen_stamp_ = 0;
+  std::string seen_answers_;
+};
+
+}  // namespace tutti

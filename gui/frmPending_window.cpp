@@ -1,0 +1,77 @@
+#include "gui/frmPending_window.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "gui/binder.h"
+#include "gui/elided_label.h"
+#include "gui/row_list_view.h"
+#include "gui/screen.h"
+#include "gui/theme.h"
+#include "gui/ticked_count.h"
+
+namespace tutti {
+
+namespace {
+
+using Column = frmPending::Column;
+
+const std::vector<std::size_t> numbers{Column::order_number, Column::account,   Column::amount,
+                                       Column::price,        Column::stop_loss, Column::take_profit};
+
+}  // namespace
+
+FrmPendingWindow::FrmPendingWindow(frmPending& form, Screen& screen)
+    : form_(form), screen_(screen), list_(new RowListView{form.lvwPending, screen, numbers, true}) {
+  list_->setObjectName(QStringLiteral("lvwPending"));
+  list_->keep_readable({"00000000", "000000", "SL/TP (00000000)", "00.00", "AUDNZD", "00000.00", "00000.00",
+                        "00000.00", "0000-00-00 00:00:00"});
+  list_->set_tip([](const Row& row) { return frmPending::note(row); });
+
+  Binder binder{screen, *this};
+  auto* cancel = new QPushButton;
+  cancel->setObjectName(QStringLiteral("lbbCancel"));
+  binder.bind(*cancel, form.lbbCancel);
+
+  auto* head = new QHBoxLayout;
+  head->setContentsMargins(8, 6, 10, 6);
+  head->setSpacing(12);
+  head->addWidget(cancel);
+  head->addWidget(new TickedCount{form.lvwPending, screen}, 1);
+
+  auto* note = new ElidedLabel;
+  note->setObjectName(QStringLiteral("note"));
+  note->set_colour(QColor{theme::muted});
+  binder.show([this, note] { note->set_text(current_note()); });
+
+  auto* column = new QVBoxLayout{this};
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addLayout(head);
+  column->addWidget(list_, 1);
+  auto* foot = new QHBoxLayout;
+  foot->setContentsMargins(10, 4, 10, 4);
+  foot->addWidget(note);
+  column->addLayout(foot);
+  setFocusProxy(list_);
+}
+
+QString FrmPendingWindow::current_note() const {
+  const Row* row = form_.lvwPending.current();
+  const std::string note = row == nullptr ? std::string{} : frmPending::note(*row);
+  if (note.empty()) return {};
+  return QStringLiteral("Order %1: ").arg(row->key().number()) + QString::fromStdString(note);
+}
+
+void FrmPendingWindow::cancel_selected() {
+  form_.lbbCancel.click();
+  screen_.acted();
+}
+
+void FrmPendingWindow::edit_current() {
+  if (Row* row = form_.lvwPending.current()) form_.edit(*row);
+  screen_.acted();
+}
+
+}  // namespace tutti

@@ -1,0 +1,85 @@
+#include "gui/frmTrade_window.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "gui/binder.h"
+#include "gui/elided_label.h"
+#include "gui/row_list_view.h"
+#include "gui/screen.h"
+#include "gui/theme.h"
+#include "gui/ticked_count.h"
+
+namespace tutti {
+
+namespace {
+
+using Column = frmTrade::Column;
+
+const std::vector<std::size_t> numbers{
+    Column::ticket,    Column::account,     Column::amount,     Column::open_price, Column::current_price,
+    Column::stop_loss, Column::take_profit, Column::commission, Column::interest,   Column::profit};
+
+QColor profit_ink(const Row& row, std::size_t column) {
+  if (column != Column::profit) return {};
+  const double profit = row.cell(column).stored_number();
+  if (profit == 0.0) return {};
+  return theme::colour(rgb(profit > 0.0 ? Ink::green : Ink::red));
+}
+
+}  // namespace
+
+FrmTradeWindow::FrmTradeWindow(frmTrade& form, Screen& screen)
+    : form_(form), screen_(screen), list_(new RowListView{form.lvwOpenPos, screen, numbers, true}) {
+  list_->setObjectName(QStringLiteral("lvwOpenPos"));
+  list_->set_ink(profit_ink);
+  list_->keep_readable({"00000000", "000000", "0000-00-00", "Sell", "00.00", "AUDNZD", "00000.00", "00000.00",
+                        "00000.00", "00000.00", "-00.00", "-00.00", "-00000.00"});
+
+  Binder binder{screen, *this};
+  auto* all = new QCheckBox{QStringLiteral("All")};
+  all->setObjectName(QStringLiteral("chkAll"));
+  binder.bind(*all, form.chkAll);
+  auto* close = new QPushButton;
+  close->setObjectName(QStringLiteral("lbbClose"));
+  binder.bind(*close, form.lbbClose);
+
+  auto* head = new QHBoxLayout;
+  head->setContentsMargins(8, 6, 10, 6);
+  head->setSpacing(12);
+  head->addWidget(all);
+  head->addWidget(close);
+  head->addWidget(new TickedCount{form.lvwOpenPos, screen}, 1);
+
+  auto* column = new QVBoxLayout{this};
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addLayout(head);
+  column->addWidget(list_, 1);
+  auto* foot = new QHBoxLayout;
+  foot->setContentsMargins(10, 4, 10, 4);
+  foot->addWidget(make_summaries());
+  column->addLayout(foot);
+  setFocusProxy(list_);
+}
+
+QWidget* FrmTradeWindow::make_summaries() {
+  auto* line = new ElidedLabel;
+  line->setObjectName(QStringLiteral("lbmSummaries"));
+  QFont font{QString::fromLatin1(frmTrade::summaries_font.data())};
+  font.setStyleHint(QFont::Monospace);
+  font.setPixelSize(theme::font().pixelSize());
+  line->setFont(font);
+  Binder{screen_, *this}.show(
+      [line, &label = form_.lbmSummaries] { line->set_text(QString::fromStdString(label.text())); });
+  return line;
+}
+
+void FrmTradeWindow::close_selected() {
+  form_.lbbClose.click();
+  screen_.acted();
+}
+
+}  // namespace tutti

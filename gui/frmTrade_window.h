@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QWidget>
+
+#include "views/frmTrade.h"
+
+namespace tutti {
+
+class RowListView;
+class Screen;
+
+// Open positions window: the positions of all accounts with live prices and profit, and the closing of those
+// that are ticked.
+class FrmTradeWindow final : public QWidget {
+ public:
+  FrmTradeWindow(frmTrade& form, Screen& screen);
+
+  RowListView& list() { return *list_; }
+  // "Close Selected Positions", for the shell's command.
+  void close_selected();
+
+ private:
+  QWidget* make_summaries();
+
+  frmTrade& form_;
+  Screen& screen_;
+  RowListView* list_;
+};
+
+}  // namespace tutti

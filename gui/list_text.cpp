@@ -1,0 +1,71 @@
+#include "gui/list_text.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <algorithm>
+#include <vector>
+
+#include "gui/row_list_view.h"
+
+namespace tutti {
+
+namespace {
+
+// Columns as they stand on the screen, from left to right.
+std::vector<std::size_t> columns_of(const RowListView& view) {
+  std::vector<std::size_t> out;
+  const QHeaderView& header = *view.horizontalHeader();
+  for (int place = 0; place < header.count(); ++place) {
+    const int column = header.logicalIndex(place);
+    if (!header.isSectionHidden(column)) out.push_back(static_cast<std::size_t>(column));
+  }
+  return out;
+}
+
+std::string quoted(std::string text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string out = "\"";
+  for (const char c : text) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  return out + '"';
+}
+
+}  // namespace
+
+std::string list_csv(const RowListView& view) {
+  const RowListModel& model = view.rows();
+  std::string out;
+  const std::vector<std::size_t> columns = columns_of(view);
+  for (const std::size_t column : columns)
+    out += (column == columns.front() ? "" : ",") + quoted(model.list().columns()[column].header);
+  out += '\n';
+  for (int place = 0; place < model.rowCount(); ++place) {
+    const Row* row = model.row_at(place);
+    if (row == nullptr) continue;
+    for (const std::size_t column : columns)
+      out += (column == columns.front() ? "" : ",") + quoted(row->text(column));
+    out += '\n';
+  }
+  return out;
+}
+
+void copy_selected(const RowListView& view) {
+  const RowListModel& model = view.rows();
+  const std::vector<std::size_t> columns = columns_of(view);
+  QString out;
+  for (int place = 0; place < model.rowCount(); ++place) {
+    const Row* row = model.row_at(place);
+    if (row == nullptr || !row->selected()) continue;
+    for (const std::size_t column : columns) {
+      if (column != columns.front()) out += QLatin1Char{'\t'};
+      out += QString::fromStdString(row->text(column));
+    }
+    out += QLatin1Char{'\n'};
+  }
+  if (!out.isEmpty()) QGuiApplication::clipboard()->setText(out);
+}
+
+}  // namespace tutti

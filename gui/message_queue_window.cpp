@@ -1,0 +1,98 @@
+#include "gui/message_queue_window.h"
+
+#include <QLayout>
+#include <QPushButton>
+#include <chrono>
+
+#include "gui/screen.h"
+
+namespace tutti {
+
+namespace {
+
+constexpr std::chrono::milliseconds dead_time{300};
+// Both buttons are always there, so that Ok keeps its place.
+constexpr std::size_t dismiss_all_button = 0;
+constexpr std::size_t ok_button = 1;
+
+}  // namespace
+
+MessageQueueWindow::MessageQueueWindow(MessageQueue& queue, Screen& screen, const Clock& clock,
+                                       QWidget& parent)
+    : queue_(queue),
+      screen_(screen),
+      clock_(clock),
+      window_({.icon = frmMsgBox::Icon::stop,
+               .buttons = {{.caption = QStringLiteral("Dismiss all"),
+                            .pressed =
+                                [this] {
+                                  if (!just_appeared()) dismiss_all();
+                                }},
+                           {.caption = QStringLiteral("Ok"),
+                            .pressed =
+                                [this] {
+                                  if (!just_appeared()) next();
+                                },
+                            .primary = true}},
+               .focus = ok_button,
+               .escape = ok_button},
+              &parent) {
+  window_.setObjectName(QStringLiteral("messages"));
+  window_.setAttribute(Qt::WA_ShowWithoutActivating);
+  screen_.on_refresh(window_, [this] { follow(); });
+}
+
+void MessageQueueWindow::next() {
+  queue_.dismiss();
+  // What comes by the operator's own hand can be dismissed at once.
+  if (queue_.current() != nullptr) show_current();
+  appeared_.reset();
+  screen_.acted();
+}
+
+void MessageQueueWindow::dismiss_all() {
+  queue_.dismiss_all();
+  screen_.acted();
+}
+
+bool MessageQueueWindow::just_appeared() const {
+  if (!appeared_) return false;
+  const auto since = clock_.now() - *appeared_;
+  return since >= std::chrono::milliseconds{0} && since < dead_time;
+}
+
+void MessageQueueWindow::follow() {
+  const Message* message = queue_.current();
+  if (message == nullptr) return close();
+  const bool opens = !window_.isVisible();
+  if (opens || message->text != shown_.text || message->caption != shown_.caption) {
+    show_current();
+    appeared_ = clock_.now();
+  }
+  const std::size_t behind = queue_.behind();
+  window_.set_footer(behind == 0 ? QStringLiteral(" ") : QStringLiteral("%1 more wait").arg(behind));
+  QPushButton& all = window_.button(dismiss_all_button);
+  if (all.isEnabled() != (behind > 0)) all.setEnabled(behind > 0);
+  if (!opens) return;
+  window_.centre();
+  window_.show();
+}
+
+void MessageQueueWindow::close() {
+  const bool active = window_.isActiveWindow();
+  window_.hide();
+  if (active) window_.parentWidget()->activateWindow();
+}
+
+void MessageQueueWindow::show_current() {
+  shown_ = *queue_.current();
+  QPushButton& ok = window_.button(ok_button);
+  const QPoint before = ok.mapToGlobal(QPoint{});
+  window_.setWindowTitle(QString::fromStdString(shown_.caption));
+  window_.set_text(QString::fromStdString(shown_.text));
+  // Ok stays under the pointer whatever the text's size.
+  window_.layout()->activate();
+  window_.move(window_.pos() + before - ok.mapToGlobal(QPoint{}));
+}
+
+}  // namespace tutti

@@ -1,0 +1,178 @@
+#include "gui/message_window.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "gui/svg_icon.h"
+#include "gui/theme.h"
+
+namespace tutti {
+
+namespace {
+
+constexpr int min_text_width = 320;
+constexpr int max_text_width = 560;
+constexpr int max_text_height = 420;  // a longer text is scrolled
+constexpr int icon_size = 28;
+
+QIcon message_icon(frmMsgBox::Icon icon) {
+  switch (icon) {
+    case frmMsgBox::Icon::stop:
+      return svg_icon(QStringLiteral("warning"), theme::amber);
+    case frmMsgBox::Icon::note:
+      return svg_icon(QStringLiteral("note"), theme::accent);
+    case frmMsgBox::Icon::question:
+      return svg_icon(QStringLiteral("question"), theme::accent);
+    case frmMsgBox::Icon::none:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+MessageWindow::MessageWindow(Content content, QWidget* parent)
+    : QDialog(parent), content_(std::move(content)), text_(new QTextEdit), footer_(new QLabel) {
+  setWindowTitle(content_.caption);
+
+  text_->setObjectName(QStringLiteral("label"));
+  text_->setReadOnly(true);
+  text_->setFocusPolicy(Qt::ClickFocus);
+  text_->setFrameShape(QFrame::NoFrame);
+  text_->viewport()->setAutoFillBackground(false);
+  text_->document()->setDocumentMargin(0);
+
+  footer_->setObjectName(QStringLiteral("footer"));
+  footer_->setTextFormat(Qt::PlainText);
+  footer_->setProperty("muted", true);
+
+  auto* buttons = new QHBoxLayout;
+  buttons->setSpacing(8);
+  buttons->addStretch();
+  for (std::size_t i = 0; i < content_.buttons.size(); ++i)
+    buttons->addWidget(make_button(i));
+  buttons->addStretch();
+
+  auto* top = new QHBoxLayout;
+  top->setSpacing(16);
+  if (const QIcon icon = message_icon(content_.icon); !icon.isNull()) {
+    auto* picture = new QLabel;
+    picture->setPixmap(icon.pixmap(QSize{icon_size, icon_size}, devicePixelRatioF()));
+    top->addWidget(picture, 0, Qt::AlignTop);
+  }
+  top->addWidget(text_, 1, Qt::AlignVCenter);
+
+  auto* all = new QVBoxLayout{this};
+  all->setContentsMargins(16, 16, 16, 12);
+  all->setSpacing(16);
+  all->addLayout(top, 1);
+  all->addWidget(footer_, 0, Qt::AlignHCenter);
+  all->addLayout(buttons);
+  all->setSizeConstraint(QLayout::SetFixedSize);
+
+  set_text(content_.text);
+  set_footer(content_.footer);
+  buttons_[content_.focus]->setFocus();
+}
+
+QPushButton* MessageWindow::make_button(std::size_t index) {
+  const ButtonContent& made = content_.buttons[index];
+  auto* button = new QPushButton{with_letter(made.caption)};
+  button->setObjectName(QStringLiteral("cmd%1").arg(index + 1));
+  button->setMinimumWidth(88);
+  // Enter is for the button with the focus alone, and none but the primary one looks like it.
+  button->setAutoDefault(false);
+  if (made.primary) button->setProperty("role", QStringLiteral("primary"));
+  connect(button, &QPushButton::clicked, this, [this, index] { press(index); });
+  buttons_.push_back(button);
+  return button;
+}
+
+QString MessageWindow::with_letter(const QString& caption) {
+  QString text = caption;
+  const auto* at = std::find_if(caption.begin(), caption.end(), [this](QChar letter) {
+    return letter.isLetter() && !letters_.contains(letter.toUpper());
+  });
+  letters_ += at == caption.end() ? QChar{u' '} : at->toUpper();
+  if (at == caption.end()) return text.replace(QLatin1Char{'&'}, QStringLiteral("&&"));
+  const auto place = at - caption.begin();
+  return text.left(place).replace(QLatin1Char{'&'}, QStringLiteral("&&")) + QLatin1Char{'&'} +
+         text.mid(place).replace(QLatin1Char{'&'}, QStringLiteral("&&"));
+}
+
+void MessageWindow::set_text(const QString& text) {
+  content_.text = text;
+  text_->setPlainText(text);
+  QTextDocument& document = *text_->document();
+  document.setTextWidth(max_text_width);
+  const int width =
+      std::clamp(static_cast<int>(std::ceil(document.idealWidth())) + 1, min_text_width, max_text_width);
+  document.setTextWidth(width);
+  const int height = std::min(static_cast<int>(std::ceil(document.size().height())), max_text_height);
+  text_->setVerticalScrollBarPolicy(height == max_text_height ? Qt::ScrollBarAlwaysOn
+                                                              : Qt::ScrollBarAlwaysOff);
+  text_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  text_->setFixedSize(width, height);
+}
+
+void MessageWindow::set_footer(const QString& footer) {
+  footer_->setText(footer);
+}
+
+std::optional<std::size_t> MessageWindow::ask() {
+  centre();
+  const int pressed = exec();
+  if (pressed <= 0) return std::nullopt;
+  return static_cast<std::size_t>(pressed) - 1;
+}
+
+void MessageWindow::centre() {
+  adjustSize();
+  const QRect around = parentWidget() != nullptr ? parentWidget()->window()->frameGeometry()
+                                                 : QGuiApplication::primaryScreen()->availableGeometry();
+  move(around.center() - rect().center());
+}
+
+void MessageWindow::press(std::size_t index) {
+  // 0 stands for no button.
+  if (!content_.buttons[index].pressed) return done(static_cast<int>(index) + 1);
+  // A copy: the action may end the window.
+  const auto pressed = content_.buttons[index].pressed;
+  pressed();
+}
+
+void MessageWindow::reject() {
+  if (!content_.escape) return done(0);
+  press(*content_.escape);
+}
+
+void MessageWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Copy)) return QApplication::clipboard()->setText(content_.text);
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();
+    return;
+  }
+  const bool bare = !(event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
+  if (bare && event->text().size() == 1 && event->text().front().isLetter()) {
+    const auto index = letters_.indexOf(event->text().front().toUpper());
+    if (index >= 0 && buttons_[static_cast<std::size_t>(index)]->isVisible()) {
+      buttons_[static_cast<std::size_t>(index)]->click();
+    }
+    return;
+  }
+  QDialog::keyPressEvent(event);
+}
+
+}  // namespace tutti

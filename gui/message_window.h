@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "core/frmMsgBox.h"
+
+class QLabel;
+class QPushButton;
+class QTextEdit;
+
+namespace tutti {
+
+// The one look of all messages and questions. Buttons answer to Enter while they have the focus, to Alt and
+// their underlined letter, and to the bare letter; Ctrl+C copies the text.
+class MessageWindow final : public QDialog {
+ public:
+  struct ButtonContent {
+    QString caption;
+    // Empty: the press closes the window and is what ask() answers.
+    std::function<void()> pressed = {};
+    bool primary = false;
+  };
+  struct Content {
+    QString text = {};  // plain, blanks and line breaks kept
+    QString caption = {};
+    frmMsgBox::Icon icon = frmMsgBox::Icon::none;
+    std::vector<ButtonContent> buttons = {};
+    // The button that has the focus first, and the one that Esc and the frame's close button press; when
+    // that is not set they close the window, and ask() answers nothing.
+    std::size_t focus = 0;
+    std::optional<std::size_t> escape = {};
+    QString footer = {};  // muted, below the text
+  };
+
+  explicit MessageWindow(Content content, QWidget* parent = nullptr);
+
+  // Modal, in the middle of the parent. The index of the button pressed; nothing also when the window is
+  // closed from elsewhere, by done(0) or by the program's end.
+  std::optional<std::size_t> ask();
+
+  void set_text(const QString& text);
+  void set_footer(const QString& footer);
+  QPushButton& button(std::size_t index) { return *buttons_[index]; }
+  // In the middle of the parent, or of the screen without one.
+  void centre();
+
+  // Esc, and the frame's close button.
+  void reject() override;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QPushButton* make_button(std::size_t index);
+  // The caption with its first letter that no other button has underlined.
+  QString with_letter(const QString& caption);
+  void press(std::size_t index);
+
+  Content content_;
+  QTextEdit* text_;
+  QLabel* footer_;
+  std::vector<QPushButton*> buttons_;
+  QString letters_;  // of the buttons, in upper case; a blank for one without
+};
+
+}  // namespace tutti

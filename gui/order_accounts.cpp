@@ -1,0 +1,92 @@
+#include "gui/order_accounts.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QResizeEvent>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "gui/answer_filter.h"
+#include "gui/binder.h"
+#include "gui/cell_editor.h"
+#include "gui/round_panel.h"
+#include "gui/row_list_view.h"
+#include "gui/screen.h"
+#include "gui/window_parts.h"
+
+namespace tutti {
+
+namespace {
+
+constexpr int one_line_head = 380;  // from this width on the filter stands beside the all-accounts box
+
+}  // namespace
+
+OrderAccounts::OrderAccounts(OrderForm form, Screen& screen)
+    : form_(std::move(form)),
+      screen_(screen),
+      list_(named(new RowListView{form_.accounts, screen, {AccountRows::amount}, true}, "lvwConClients")),
+      head_(new QBoxLayout{QBoxLayout::TopToBottom}) {
+  list_->set_ink([this](const Row& row, std::size_t at) {
+    return at == AccountRows::result_text ? AnswerFilter::colour(form_.answer_of(row)) : QColor{};
+  });
+  head_->setSpacing(6);
+  head_->addWidget(make_all_accounts());
+  head_->addWidget(new AnswerFilter{form_, *list_, screen}, 1);
+  auto* column = new QVBoxLayout{this};
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(6);
+  column->addLayout(head_);
+  column->addWidget(list_, 1);
+  column->addWidget(new RoundPanel{form_, screen});
+  add_share_editor();
+}
+
+QWidget* OrderAccounts::make_all_accounts() {
+  auto* all = new QWidget;
+  auto* row = new QHBoxLayout{all};
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(0);
+  Binder binder{screen_, *this};
+  auto* box = named(new QCheckBox, "chkAllClients");
+  binder.bind(*box, form_.all_accounts);
+  row->addWidget(box);
+  auto* caption = named(new QLabel, "LblCheck");
+  binder.bind(*caption, form_.all_accounts_label);
+  row->addWidget(caption, 1);
+  return all;
+}
+
+void OrderAccounts::add_share_editor() {
+  auto* editor = named(new CellEditor{*list_,
+                                      screen_,
+                                      {.box = form_.share_editor,
+                                       .row = [this] { return form_.accounts.find(form_.editor_row()); },
+                                       .column = AccountRows::amount,
+                                       .commit = form_.commit_editor,
+                                       .cancel = form_.cancel_editor}},
+                       form_.editor_name);
+  editor->setAlignment(Qt::AlignRight);
+  list_->activate = form_.open_editor;
+  auto* edit = new QAction{QStringLiteral("Correct the share"), list_};
+  edit->setShortcuts({Qt::Key_F3, Qt::Key_Return, Qt::Key_Enter});
+  edit->setShortcutContext(Qt::WidgetShortcut);
+  connect(edit, &QAction::triggered, this, [this] { edit_share(); });
+  list_->addAction(edit);
+}
+
+void OrderAccounts::edit_share() {
+  screen_.settle();
+  if (Row* row = form_.accounts.current()) form_.open_editor(*row, AccountRows::amount);
+  screen_.acted();
+}
+
+void OrderAccounts::resizeEvent(QResizeEvent* event) {
+  head_->setDirection(event->size().width() >= one_line_head ? QBoxLayout::LeftToRight
+                                                             : QBoxLayout::TopToBottom);
+  QWidget::resizeEvent(event);
+}
+
+}  // namespace tutti

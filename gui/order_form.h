@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+#include "core/check_box.h"
+#include "core/label.h"
+#include "core/row_list.h"
+#include "core/text_box.h"
+#include "orders/account_rows.h"
+#include "orders/order_answer.h"
+
+namespace tutti {
+
+// What the accounts side of an order window asks of its form, whichever order that is for. Must be valid as
+// long as the window.
+struct OrderForm {
+  RowList& accounts;  // columns of AccountRows
+  CheckBox& all_accounts;
+  Label& all_accounts_label;
+  const TextBox& total;     // lots, as typed
+  TextBox& share_editor;    // visible while a share is edited
+  const char* editor_name;  // of its box on screen
+
+  std::function<void(Row& row, std::size_t column)> open_editor;
+  std::function<void()> commit_editor;
+  std::function<void()> cancel_editor;
+  std::function<RowKey()> editor_row;
+
+  std::function<OrderAnswer(const Row& row)> answer_of;
+  std::function<OrderAnswers()> answers;
+  std::function<Shares()> shares;
+  std::function<double()> minimum_lot;
+};
+
+}  // namespace tutti

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+#include "gui/order_form.h"
+
+class QLabel;
+class QProgressBar;
+
+namespace tutti {
+
+class Screen;
+
+// Under the accounts of an order window: the shares against the total typed, and what became of the
+// orders.
+class RoundPanel final : public QWidget {
+ public:
+  // `form` must live as long as the panel.
+  RoundPanel(const OrderForm& form, Screen& screen);
+
+ private:
+  void follow();
+  void show_shares();
+  void show_answers();
+
+  const OrderForm& form_;
+  QLabel* shares_;
+  QLabel* answers_;
+  QProgressBar* progress_;
+};
+
+}  // namespace tutti

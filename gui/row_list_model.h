@@ -1,0 +1,80 @@
+#pragma once
+
+#include <tsl/robin_set.h>
+#include <QAbstractTableModel>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "core/row_list.h"
+
+namespace tutti {
+
+// The one adapter between row lists and views. Order and filter are its own; the list's order stays what the
+// form needs it to be.
+//
+// Which rows there are is taken over by settle(), which must run after the list has changed and before the
+// next paint or click; until then no row is given out, so that nobody works on one that has gone. Values are
+// read when painted: refresh() only tells the view which of its visible rows changed.
+class RowListModel final : public QAbstractTableModel {
+ public:
+  using Filter = std::function<bool(const Row&)>;
+
+  // `ticks`: rows carry a check box.
+  explicit RowListModel(RowList& list, bool ticks = false, QObject* parent = nullptr);
+
+  RowList& list() const { return list_; }
+  bool ticks() const { return ticks_; }
+  bool settled() const { return seen_structure_ == list_.structure_stamp(); }
+  // The row shown at a place; nullptr outside, and while not settled.
+  Row* row_at(int place) const {
+    const auto at = static_cast<std::size_t>(place);
+    return settled() && place >= 0 && at < shown_.size() ? shown_[at] : nullptr;
+  }
+  // Place of a row; -1 while it is not shown.
+  int place_of(const Row* row) const;
+
+  // Shows only rows for which the filter holds, asked again when a row changes; an empty one shows all.
+  void set_filter(Filter filter);
+  bool filtered() const { return static_cast<bool>(filter_); }
+  // Orders the rows once by what a column holds, numbers by value; new rows come last until the next sort.
+  // Column -1 is the list's own order.
+  void sort(int column, Qt::SortOrder order) override;
+  int sort_column() const { return sort_column_; }
+  Qt::SortOrder sort_order() const { return sort_order_; }
+
+  void settle();
+  // Tells of the rows from place `first` to `last` that changed since the last call.
+  void refresh(int first, int last);
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+ private:
+  using Rows = std::vector<Row*>;
+  using RowSet = tsl::robin_set<const Row*>;
+
+  Rows wanted();
+  void show(Rows wanted);
+  static std::size_t runs(const RowSet& set, const Rows& rows, std::size_t from, std::size_t to);
+  void gather(const RowSet& staying, std::size_t head, std::size_t tail);
+  void append_new(Rows wanted);
+  void remove_missing(const RowSet& wanted, std::size_t from, std::size_t to);
+  void reorder(Rows order);
+  void insert_new(const Rows& wanted, std::size_t from, std::size_t to);
+
+  RowList& list_;
+  bool ticks_;
+  Filter filter_;
+  int sort_column_ = -1;
+  Qt::SortOrder sort_order_ = Qt::AscendingOrder;
+  Rows shown_;
+  std::uint64_t seen_structure_ = 0;
+  std::uint64_t asked_stamp_ = 0;  // of the list when the filter was asked last
+  std::uint64_t shown_stamp_ = 0;  // of the list when refresh() ran last
+};
+
+}  // namespace tutti

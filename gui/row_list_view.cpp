@@ -1,0 +1,319 @@
+#include "gui/row_list_view.h"
+
+#include <QDataStream>
+#include <QHeaderView>
+#include <QIODevice>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <utility>
+
+#include "gui/column_spread.h"
+#include "gui/list_text.h"
+#include "gui/screen.h"
+#include "gui/theme.h"
+
+namespace tutti {
+
+namespace {
+
+// Headers stand like their column, and the arrow of the sorted one keeps its room.
+class HeaderView final : public QHeaderView {
+ public:
+  explicit HeaderView(const RowListView& list) : QHeaderView(Qt::Horizontal), list_(list) {}
+
+ protected:
+  void initStyleOptionForIndex(QStyleOptionHeader* option, int section) const override {
+    QHeaderView::initStyleOptionForIndex(option, section);
+    option->textAlignment =
+        Qt::AlignVCenter |
+        (list_.is_number(static_cast<std::size_t>(section)) ? Qt::AlignRight : Qt::AlignLeft);
+  }
+
+ private:
+  const RowListView& list_;
+};
+
+}  // namespace
+
+RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t> numbers, bool ticks,
+                         QWidget* parent)
+    : QTableView(parent), model_(list, ticks), screen_(screen) {
+  delegate_.set_numbers(std::move(numbers));
+  setHorizontalHeader(new HeaderView{*this});
+  setItemDelegate(&delegate_);
+  setFrameShape(QFrame::NoFrame);
+  setShowGrid(false);
+  setSelectionBehavior(SelectRows);
+  setSelectionMode(ExtendedSelection);
+  setEditTriggers(NoEditTriggers);
+  setHorizontalScrollMode(ScrollPerPixel);
+  setVerticalScrollMode(ScrollPerPixel);
+  setWordWrap(false);
+  setCornerButtonEnabled(false);
+  viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+  setTabKeyNavigation(false);
+  setContextMenuPolicy(Qt::ActionsContextMenu);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  verticalHeader()->setMinimumSectionSize(theme::row_height);
+  verticalHeader()->setDefaultSectionSize(theme::row_height);
+  horizontalHeader()->setHighlightSections(false);
+  horizontalHeader()->setSectionsClickable(true);
+  horizontalHeader()->setSectionsMovable(true);
+  horizontalHeader()->setSortIndicatorShown(false);
+  horizontalHeader()->setMinimumSectionSize(24);
+  horizontalHeader()->setFixedHeight(theme::row_height + 2);
+  // After the headers, which else measure every row and column in between.
+  setModel(&model_);
+
+  connect(horizontalHeader(), &QHeaderView::sectionClicked, this,
+          [this](int column) { header_clicked(column); });
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+    if (!spreading_) dragged_ = true;
+  });
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { take_selection(); });
+  connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { take_selection(); });
+  screen_.on_settle(*this, [this] { settle(); });
+  screen_.on_refresh(*this, [this] { refresh(); });
+}
+
+Row* RowListView::row_under(const QPoint& position) const {
+  const QModelIndex index = indexAt(position);
+  return index.isValid() ? model_.row_at(index.row()) : nullptr;
+}
+
+void RowListView::settle() {
+  model_.settle();
+  if (!selection_taken_) take_selection();
+}
+
+void RowListView::refresh() {
+  settle();
+  if (!isVisible()) return;
+  const int first = rowAt(0);
+  const int last = rowAt(viewport()->height() - 1);
+  model_.refresh(first, last < 0 ? model_.rowCount() - 1 : last);
+  if (model_.list().current() != current_) follow_selection();
+}
+
+void RowListView::take_selection() {
+  if (following_) return;
+  // Rows come and go: what the selection stands on is known when all have.
+  selection_taken_ = model_.settled();
+  if (!selection_taken_) return;
+  RowList& list = model_.list();
+  const QItemSelectionModel& chosen = *selectionModel();
+  std::vector<bool> places(static_cast<std::size_t>(model_.rowCount()));
+  for (const QItemSelectionRange& range : chosen.selection()) {
+    for (int place = range.top(); place <= range.bottom(); ++place)
+      places[static_cast<std::size_t>(place)] = true;
+  }
+  // Rows that a filter hides are never selected: nobody acts on what he does not see.
+  std::vector<Row*> selected;
+  for (std::size_t place = 0; place < places.size(); ++place) {
+    if (places[place]) selected.push_back(model_.row_at(static_cast<int>(place)));
+  }
+  Row* current = model_.row_at(currentIndex().row());
+  if (current != nullptr && !places[static_cast<std::size_t>(currentIndex().row())]) current = nullptr;
+  if (selected.size() == 1 && !(selected.front() == list.current() && selected.front()->selected())) {
+    list.select(*selected.front());
+  }
+  const tsl::robin_set<const Row*> chosen_rows(selected.begin(), selected.end());
+  for (Row& row : list) {
+    const bool wanted = chosen_rows.contains(&row);
+    if (row.selected() != wanted) row.set_selected(wanted);
+  }
+  list.set_current(current);
+  current_ = current;
+}
+
+void RowListView::follow_selection() {
+  current_ = model_.list().current();
+  const int place = current_ == nullptr ? -1 : model_.place_of(current_);
+  if (place < 0) return;
+  following_ = true;
+  selectionModel()->setCurrentIndex(model_.index(place, 0),
+                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  following_ = false;
+}
+
+bool RowListView::go_to(const Row& row) {
+  model_.settle();
+  const int place = model_.place_of(&row);
+  if (place < 0) return false;
+  selectionModel()->setCurrentIndex(model_.index(place, 0),
+                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  scrollTo(model_.index(place, 0));
+  return true;
+}
+
+void RowListView::header_clicked(int column) {
+  const bool same = column == model_.sort_column();
+  if (!same) {
+    model_.sort(column, Qt::AscendingOrder);
+  } else if (model_.sort_order() == Qt::AscendingOrder) {
+    model_.sort(column, Qt::DescendingOrder);
+  } else {
+    model_.sort(-1, Qt::AscendingOrder);
+  }
+  horizontalHeader()->setSortIndicatorShown(model_.sort_column() >= 0);
+  horizontalHeader()->setSortIndicator(std::max(model_.sort_column(), 0), model_.sort_order());
+}
+
+void RowListView::paintEvent(QPaintEvent* event) {
+  struct Span {
+    std::size_t column;
+    int left;
+    int width;
+  };
+  const QRect area = event->rect();
+  std::vector<Span> spans;
+  int end = 0;  // of the last column
+  for (int column = 0; column < model_.columnCount(); ++column) {
+    if (isColumnHidden(column)) continue;
+    const int left = columnViewportPosition(column);
+    const int width = columnWidth(column);
+    end = std::max(end, left + width);
+    if (left <= area.right() && left + width > area.left())
+      spans.push_back({static_cast<std::size_t>(column), left, width});
+  }
+
+  QPainter painter{viewport()};
+  int place = rowAt(area.top());
+  int top = area.top();
+  for (; place >= 0 && place < model_.rowCount(); ++place) {
+    const QRect row{0, rowViewportPosition(place), end, rowHeight(place)};
+    if (row.top() > area.bottom()) break;
+    top = row.bottom() + 1;
+    if (!event->region().intersects(row)) continue;
+    const RowDelegate::Shown shown{model_.row_at(place), place,
+                                   selectionModel()->isSelected(model_.index(place, 0)), model_.ticks()};
+    RowDelegate::paint_ground(painter, row, shown);
+    for (const Span& span : spans)
+      delegate_.paint_cell(painter, {span.left, row.top(), span.width, row.height()}, shown, span.column);
+  }
+  const QRect right{QPoint{end, area.top()}, area.bottomRight()};
+  const QRect below{QPoint{area.left(), top}, area.bottomRight()};
+  if (right.isValid()) painter.fillRect(right, QColor{theme::base});
+  if (below.isValid()) painter.fillRect(below, QColor{theme::base});
+  delegate_.finish(painter);
+}
+
+void RowListView::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  if (!dragged_) spread();
+}
+
+void RowListView::keep_readable(std::vector<std::string> texts) {
+  readable_ = std::move(texts);
+  if (!dragged_) spread();
+}
+
+void RowListView::follow_percentages() {
+  dragged_ = false;
+  spread();
+}
+
+void RowListView::spread() {
+  std::vector<ColumnShare> shares;
+  const std::vector<Column>& columns = model_.list().columns();
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const int tick = i == 0 && model_.ticks() ? RowDelegate::tick_width : 0;
+    const int header = delegate_.text_width(columns[i].header);
+    const int text = i < readable_.size() ? delegate_.text_width(readable_[i]) : 0;
+    shares.push_back({columns[i].width, std::max(header, text) + tick});
+  }
+  const std::vector<int> widths = spread_columns(shares, viewport()->width());
+  spreading_ = true;
+  for (std::size_t i = 0; i < widths.size(); ++i)
+    setColumnWidth(static_cast<int>(i), widths[i]);
+  spreading_ = false;
+}
+
+QByteArray RowListView::save_columns() const {
+  QByteArray out;
+  QDataStream stream{&out, QIODevice::WriteOnly};
+  stream << dragged_ << horizontalHeader()->saveState();
+  return out;
+}
+
+bool RowListView::restore_columns(const QByteArray& saved) {
+  QDataStream stream{saved};
+  bool dragged = false;
+  QByteArray header;
+  stream >> dragged >> header;
+  spreading_ = true;
+  const bool restored = stream.status() == QDataStream::Ok && horizontalHeader()->restoreState(header);
+  spreading_ = false;
+  horizontalHeader()->setSortIndicatorShown(false);
+  dragged_ = restored && dragged;
+  if (!dragged_) spread();
+  return restored;
+}
+
+bool RowListView::on_tick_box(const QModelIndex& index, const QPoint& position) const {
+  return model_.ticks() && index.isValid() && index.column() == 0 &&
+         position.x() < visualRect(index).left() + RowDelegate::tick_width;
+}
+
+void RowListView::mousePressEvent(QMouseEvent* event) {
+  screen_.settle();
+  const QModelIndex index = indexAt(event->position().toPoint());
+  if (event->button() == Qt::LeftButton && on_tick_box(index, event->position().toPoint())) {
+    if (Row* row = model_.row_at(index.row())) model_.list().tick(*row, !row->checked());
+    setFocus(Qt::MouseFocusReason);
+    screen_.acted();
+    return;
+  }
+  QTableView::mousePressEvent(event);
+  screen_.acted();
+}
+
+void RowListView::mouseDoubleClickEvent(QMouseEvent* event) {
+  screen_.settle();
+  const QModelIndex index = indexAt(event->position().toPoint());
+  // The second of two quick clicks on a box is a click like the first.
+  if (on_tick_box(index, event->position().toPoint())) return mousePressEvent(event);
+  if (event->button() == Qt::LeftButton && index.isValid()) run_activate(index);
+}
+
+void RowListView::run_activate(const QModelIndex& index) {
+  Row* row = model_.row_at(index.row());
+  if (row == nullptr) return;
+  if (activate) {
+    activate(*row, static_cast<std::size_t>(index.column()));
+  } else {
+    model_.list().activate(*row);
+  }
+  screen_.acted();
+}
+
+// All that are selected get what the first of them does not have.
+void RowListView::tick_selected() {
+  const std::vector<Row*> rows = model_.list().selected();
+  if (rows.empty()) return;
+  const bool checked = !rows.front()->checked();
+  for (Row* row : rows)
+    model_.list().tick(*row, checked);
+  screen_.acted();
+}
+
+void RowListView::keyPressEvent(QKeyEvent* event) {
+  screen_.settle();
+  if (event->matches(QKeySequence::Copy)) return copy_selected(*this);
+  if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier && model_.ticks()) {
+    return tick_selected();
+  }
+  if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+      event->modifiers() == Qt::NoModifier && currentIndex().isValid()) {
+    return run_activate(currentIndex());
+  }
+  QTableView::keyPressEvent(event);
+}
+
+}  // namespace tutti

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QTableView>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "gui/row_delegate.h"
+#include "gui/row_list_model.h"
+
+namespace tutti {
+
+class Screen;
+
+// The one view of all row lists.
+//
+// Widths follow the list's percentages until the operator drags a column. A click on a header sorts by it:
+// upwards, downwards, then the list's own order again. Space and a click on the box tick, Enter and a
+// double-click activate the row, Ctrl+C copies the selected rows, the right button opens the view's actions.
+// Selection and current row are written into the list, which is what the forms go by.
+class RowListView final : public QTableView {
+ public:
+  // `numbers`: columns that stand to the right. `ticks`: rows carry a check box.
+  RowListView(RowList& list, Screen& screen, std::vector<std::size_t> numbers, bool ticks = false,
+              QWidget* parent = nullptr);
+
+  RowListModel& rows() { return model_; }
+  const RowListModel& rows() const { return model_; }
+  Row* row_under(const QPoint& position) const;
+  // Selects a row alone and brings it into view; false when it is not shown.
+  bool go_to(const Row& row);
+  // A text for each column that it always has room for, for lists whose numbers must never be cut; where the
+  // view is too narrow for all of them, it scrolls.
+  void keep_readable(std::vector<std::string> texts);
+  // Whether the operator has set widths of his own, and back to the percentages.
+  bool widths_dragged() const { return dragged_; }
+  void follow_percentages();
+  // Widths, order of columns and sorting, to be kept over a restart.
+  QByteArray save_columns() const;
+  bool restore_columns(const QByteArray& saved);
+  // Right-aligned when the list's column is of numbers.
+  bool is_number(std::size_t column) const { return delegate_.is_number(static_cast<int>(column)); }
+
+  // Text colours that the list itself does not know; see RowDelegate.
+  void set_ink(std::function<QColor(const Row& row, std::size_t column)> ink) {
+    delegate_.ink = std::move(ink);
+  }
+  // What is shown while the mouse rests on a row, instead of what its cell has no room for.
+  void set_tip(std::function<std::string(const Row& row)> tip) { delegate_.tip = std::move(tip); }
+
+  // Runs instead of the list's on_activate when set: for windows whose double-click depends on the column.
+  std::function<void(Row& row, std::size_t column)> activate;
+
+ protected:
+  // Row by row: the toolkit's own way asks the style about every cell.
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+ private:
+  void settle();
+  void refresh();
+  void header_clicked(int column);
+  void spread();
+  // The operator's selection into the list, and the list's own into the view.
+  void take_selection();
+  void follow_selection();
+  void tick_selected();
+  bool on_tick_box(const QModelIndex& index, const QPoint& position) const;
+  void run_activate(const QModelIndex& index);
+
+  RowListModel model_;
+  RowDelegate delegate_;
+  Screen& screen_;
+  std::vector<std::string> readable_;
+  bool dragged_ = false;
+  bool spreading_ = false;
+  bool following_ = false;        // the view takes the list's selection over, not the other way round
+  bool selection_taken_ = true;   // false while the operator's selection waits for the rows to be in step
+  const Row* current_ = nullptr;  // the list's current row when it was followed last; only compared
+};
+
+}  // namespace tutti

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "core/row_list.h"
+
+namespace tutti {
+
+// Sorts rows by what a column holds: numbers by value before texts, texts without regard to case, empty cells
+// last in either direction. Rows that compare equal keep their order.
+void sort_rows(std::vector<Row*>& rows, std::size_t column, bool descending);
+
+}  // namespace tutti

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QStatusBar>
+#include <string>
+
+class QLabel;
+class QProgressBar;
+
+namespace tutti {
+
+class ElidedLabel;
+class Main;
+class Screen;
+
+// Status bar of the main window: totals of all accounts, what the command-bar controls of the connection say,
+// how many accounts are connected, and the server's time.
+class StatusStrip final : public QStatusBar {
+ public:
+  StatusStrip(Main& main, Screen& screen);
+
+ private:
+  void refresh();
+  void refresh_connections();
+
+  Main& main_;
+  std::uint64_t shown_ = ~std::uint64_t{0};  // stamp of the main window's state on show
+  ElidedLabel* totals_;
+  QLabel* waiting_;
+  QLabel* connected_control_;
+  QProgressBar* progress_;
+  QLabel* dot_;
+  QLabel* connected_;
+  QLabel* server_time_;
+};
+
+}  // namespace tutti

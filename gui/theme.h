@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+
+#include "core/colours.h"
+
+class QApplication;
+
+// The one look of all windows: dark ground, colours, fonts, measures in device-independent pixels.
+namespace tutti::theme {
+
+inline constexpr QRgb window = 0xff12161c;
+inline constexpr QRgb panel = 0xff1a2028;
+inline constexpr QRgb raised = 0xff1d242d;
+inline constexpr QRgb base = 0xff0f1318;
+inline constexpr QRgb alternate = 0xff151a21;
+inline constexpr QRgb line = 0xff323b47;
+inline constexpr QRgb dark_line = 0xff0b0e12;
+inline constexpr QRgb text = 0xffeef1f5;
+inline constexpr QRgb window_text = 0xffe6eaf0;
+inline constexpr QRgb muted = 0xff93a0ae;
+inline constexpr QRgb disabled = 0xff5d6875;
+inline constexpr QRgb accent = 0xff4db5d2;
+inline constexpr QRgb amber = 0xffe0a04a;
+inline constexpr QRgb button = 0xff27303b;
+inline constexpr QRgb primary = 0xff1f6f8f;
+inline constexpr QRgb selection = 0xff102533;
+inline constexpr QRgb selection_line = 0xff245570;
+inline constexpr QRgb sell = 0xff7c1f24;
+inline constexpr QRgb buy = 0xff17602f;
+
+inline constexpr int row_height = 22;
+inline constexpr int cell_padding = 8;
+
+// Style, palette, fonts and style sheet, and the compiled-in files; once, before the first window.
+void apply(QApplication& application);
+
+// 12 px; digits have equal width.
+const QFont& font();
+const QFont& bold_font();
+
+inline QColor colour(Rgb rgb) {
+  return {rgb.red, rgb.green, rgb.blue};
+}
+// Text colour of a meaning.
+inline QColor colour(Ink ink) {
+  return ink == Ink::plain ? QColor{text} : colour(rgb(ink));
+}
+
+}  // namespace tutti::theme

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <initializer_list>
+
+class QComboBox;
+class QWidget;
+
+// Small pieces that several windows are put together from.
+namespace tutti {
+
+template <class W>
+W* named(W* widget, const char* name) {
+  widget->setObjectName(QString::fromLatin1(name));
+  return widget;
+}
+
+// A list to choose from that becomes as narrow as its pane wants it.
+QComboBox* make_combo(const char* name);
+
+// Tab goes through the widgets of these names in this order.
+void set_tab_order(const QWidget& window, std::initializer_list<const char*> names);
+
+}  // namespace tutti

@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QTextEdit>
+
+#include "gui/desktop_prompt.h"
+#include "gui/frmMain_window.h"
+#include "gui/frmaccount_window.h"
+#include "tests/gui/gui_rig.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+void type(const char* keys) {
+  QTest::keyClicks(QApplication::focusWidget(), QString::fromLatin1(keys));
+}
+void press(Qt::Key key) {
+  QTest::keyClick(QApplication::focusWidget(), key);
+}
+
+struct AccountsWindowTest : ::testing::Test {
+  AccountsWindowTest() {
+    prompt.set_parent(&window);
+    rig.terminal.prompt.screen = &prompt;
+    show(window, {1000, 400});
+    window.activateWindow();
+    view.setFocus();
+  }
+
+  std::string notes(std::size_t row) { return form.lvwClients.row(row).text(frmMain::notes); }
+  // User names shown, and those selected.
+  std::vector<std::string> shown() {
+    std::vector<std::string> out;
+    for (int place = 0; place < view.rows().rowCount(); ++place)
+      out.push_back(view.rows().row_at(place)->text(frmMain::user_name));
+    return out;
+  }
+  std::vector<std::string> selected() {
+    std::vector<std::string> out;
+    for (const Row* row : form.lvwClients.selected())
+      out.push_back(row->text(frmMain::user_name));
+    return out;
+  }
+
+  GuiRig rig{DealerConfig::sample(6)};
+  frmMain& form = rig.main().accounts();
+  DesktopPrompt prompt{rig.screen};
+  FrmMainWindow window{form, rig.screen};
+  RowListView& view = window.list();
+  using Users = std::vector<std::string>;
+};
+
+TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
+  FrmaccountWindow dialog{form.account_dialog(), rig.screen, &window};
+  form.mnuclear_Click();
+  form.add_account();
+  rig.run(10ms);
+  ASSERT_EQ(QApplication::activeModalWidget(), &dialog);
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Add account"));
+  auto* password = dialog.findChild<QLineEdit*>(QStringLiteral("txtpassword"));
+
+  type("12a");
+  press(Qt::Key_Tab);
+  type("aspen");
+  press(Qt::Key_Tab);
+  type("ASPEN02");
+  const auto refused = [&](const char* expected) {
+    when_modal([expected](QWidget& box) {
+      EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText().toStdString(), expected);
+      press(Qt::Key_Return);
+    });
+    press(Qt::Key_Return);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(form.lvwClients.size(), 0u);
+  };
+  refused("Please enter a valid  account ID");
+  // The keyboard is back where it was.
+  EXPECT_EQ(QApplication::focusWidget(), password);
+  EXPECT_EQ(password->text().toStdString(), "ASPEN02");
+
+  press(Qt::Key_Tab);
+  type("10.1.1.1");
+  EXPECT_EQ(form.account_dialog().CBServer.index(), -1);
+  refused("Wrong server.\nServer must be of the (IP:PORT) format\ni.e\n10.0.0.1:443");
+  dialog.findChild<QComboBox*>()->lineEdit()->selectAll();
+  type("127.0.0.1:4950");
+
+  QTest::mouseClick(dialog.findChild<QLineEdit*>(QStringLiteral("txtaccount")), Qt::LeftButton);
+  type("500101");
+  QTest::mouseClick(dialog.findChild<QWidget*>(QStringLiteral("chkAutoLogin")), Qt::LeftButton, {}, {8, 8});
+  press(Qt::Key_Return);
+  EXPECT_FALSE(dialog.isVisible());
+  EXPECT_TRUE(password->text().isEmpty());
+  rig.run(1s);
+  ASSERT_EQ(form.lvwClients.size(), 1u);
+  EXPECT_EQ(form.lvwClients.row(0).text(frmMain::user_name), "ASPEN");
+  EXPECT_EQ(form.lvwClients.row(0).text(frmMain::account), "500101");
+  EXPECT_EQ(form.lvwClients.row(0).text(frmMain::state), "Connected");
+}
+
+TEST_F(AccountsWindowTest, TheAccountDialogIsLeftByEsc) {
+  FrmaccountWindow dialog{form.account_dialog(), rig.screen, &window};
+  click_cell(view, 2, frmMain::account);
+  form.edit_account();
+  rig.run(10ms);
+  ASSERT_TRUE(dialog.isVisible());
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Edit account"));
+  auto* password = dialog.findChild<QLineEdit*>(QStringLiteral("txtpassword"));
+  EXPECT_FALSE(password->text().isEmpty());
+  EXPECT_EQ(password->displayText().count(QLatin1Char{'B'}), 0);
+  type("1");
+  press(Qt::Key_Escape);
+  EXPECT_FALSE(form.account_dialog().Displayed());
+  EXPECT_FALSE(dialog.isVisible());
+  EXPECT_TRUE(password->text().isEmpty());
+  EXPECT_EQ(form.lvwClients.row(2).text(frmMain::account), "500102");
+}
+
+TEST_F(AccountsWindowTest, NotesAreEditedInTheList) {
+  double_click_cell(view, 1, frmMain::notes);
+  type("first ");
+  press(Qt::Key_Return);
+  EXPECT_EQ(notes(1), "first");
+
+  double_click_cell(view, 1, frmMain::notes);
+  type("second");
+  press(Qt::Key_Escape);
+  EXPECT_EQ(notes(1), "first");
+
+  click_cell(view, 3, frmMain::account);
+  window.edit_notes();
+  type("third");
+  window.edit_notes();
+  click_cell(view, 0, frmMain::account);
+  EXPECT_EQ(notes(3), "third");
+  EXPECT_EQ(QApplication::focusWidget(), &view);
+}
+
+TEST_F(AccountsWindowTest, NotesFollowTheirRowAndEndWithIt) {
+  double_click_cell(view, 3, frmMain::notes);
+  type("kept");
+  form.lvwClients.row(0).set_selected(true);
+  rig.run(100ms);
+  // A row above goes: the editor is on the same account, now one higher.
+  view.go_to(form.lvwClients.row(0));
+  rig.screen.acted();
+  form.mnuRemove_Click();
+  rig.run(100ms);
+  EXPECT_EQ(form.lvwClients.size(), 5u);
+  press(Qt::Key_Return);
+  EXPECT_EQ(notes(2), "kept");
+
+  double_click_cell(view, 4, frmMain::notes);
+  type("lost");
+  form.mnuRemove_Click();
+  rig.run(100ms);
+  EXPECT_EQ(form.lvwClients.size(), 4u);
+  EXPECT_FALSE(form.txteditLo.visible());
+  EXPECT_EQ(QApplication::focusWidget(), &view);
+  for (std::size_t row = 0; row < 4; ++row)
+    EXPECT_EQ(notes(row), row == 2 ? "kept" : "");
+}
+
+TEST_F(AccountsWindowTest, FindKeepsTheSelectionOnWhatIsShown) {
+  form.lvwClients.row(4).set_text(frmMain::notes, "family Birch");
+  click_cell(view, 4, frmMain::account);
+  struct Case {
+    const char* text;
+    Users shown;
+    Users selected;
+  };
+  const Case cases[] = {
+      {"birch", {"BIRCH", "CEDAR"}, {"CEDAR"}},
+      {"500102", {"BEECH"}, {"BEECH"}},
+      {"nobody", {}, {}},
+      {"a", {"ALDER", "ASPEN", "CEDAR", "HAZEL"}, {"ALDER"}},
+      {"", {"ALDER", "ASPEN", "BEECH", "BIRCH", "CEDAR", "HAZEL"}, {"ALDER"}},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.text);
+    window.find(QString::fromLatin1(each.text));
+    EXPECT_EQ(shown(), each.shown);
+    EXPECT_EQ(selected(), each.selected);
+    EXPECT_EQ(window.shown_text(), QStringLiteral("%1 of 6").arg(each.shown.size()));
+  }
+}
+
+TEST_F(AccountsWindowTest, SelectedAccountsAreRemovedOthersStay) {
+  click_cell(view, 1, frmMain::account);
+  click_cell(view, 3, frmMain::account, Qt::ControlModifier);
+  EXPECT_EQ(selected(), (Users{"ASPEN", "BIRCH"}));
+  form.mnuRemove_Click();
+  rig.run(500ms);
+  EXPECT_EQ(shown(), (Users{"ALDER", "BEECH", "CEDAR", "HAZEL"}));
+  for (const std::string& each : selected())
+    EXPECT_TRUE(each != "ASPEN" && each != "BIRCH");
+}
+
+TEST_F(AccountsWindowTest, ADoubleClickConnectsADisconnectedAccount) {
+  click_cell(view, 0, frmMain::account);
+  form.MnuDisconnecte_Click();
+  rig.run(500ms);
+  const Row& row = form.lvwClients.row(0);
+  ASSERT_EQ(row.text(frmMain::state), "Disconnected");
+  double_click_cell(view, 0, frmMain::account);
+  EXPECT_EQ(row.text(frmMain::state), "Connecting");
+  rig.run(1s);
+  EXPECT_EQ(row.text(frmMain::state), "Connected");
+  std::string activated;
+  window.activate_account = [&](Row& chosen) { activated = chosen.text(frmMain::account); };
+  double_click_cell(view, 2, frmMain::state);
+  EXPECT_EQ(activated, "500102");
+}
+
+}  // namespace
+}  // namespace tutti::testing

@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTextEdit>
+
+#include "gui/desktop_prompt.h"
+#include "gui/message_queue_window.h"
+#include "tests/gui/gui_rig.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+// What Qt delivers a key to: the widget with the focus.
+void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+  QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+}
+
+std::string text_of(const QWidget& box) {
+  return box.findChild<QTextEdit*>()->toPlainText().toStdString();
+}
+
+struct MessagesTest : ::testing::Test {
+  MessagesTest() {
+    prompt.set_parent(&window);
+    show(window, {400, 200});
+    window.activateWindow();
+    edit.setFocus();
+  }
+
+  GuiRig rig{DealerConfig::sample(2)};
+  DesktopPrompt prompt{rig.screen};
+  QWidget window;
+  QLineEdit edit{&window};
+};
+
+TEST_F(MessagesTest, AQuestionIsAnsweredByKeysAndClicks) {
+  struct Case {
+    const char* name;
+    std::function<void(QWidget& box)> act;
+    bool yes;
+  };
+  const Case cases[] = {
+      {"Esc", [](QWidget&) { press(Qt::Key_Escape); }, false},
+      {"frame", [](QWidget& box) { box.close(); }, false},
+      {"Enter, No having the focus", [](QWidget&) { press(Qt::Key_Return); }, false},
+      {"N", [](QWidget&) { press(Qt::Key_N); }, false},
+      {"Y", [](QWidget&) { press(Qt::Key_Y); }, true},
+      {"Alt+Y", [](QWidget&) { press(Qt::Key_Y, Qt::AltModifier); }, true},
+      {"Enter on Yes",
+       [](QWidget&) {
+         press(Qt::Key_Backtab);
+         press(Qt::Key_Enter);
+       },
+       true},
+      {"click on Yes",
+       [](QWidget& box) {
+         QTest::mouseClick(box.findChild<QPushButton*>(QStringLiteral("cmd1")), Qt::LeftButton);
+       },
+       true},
+  };
+  rig.terminal.prompt.screen = &prompt;
+  int followed = 0;
+  CQuestionBox& question = rig.main().question_box();
+  question.on_yes[0] = [&] { ++followed; };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.name);
+    followed = 0;
+    when_modal(each.act);
+    question.Show(1, "  Close all?\nTwo lines");
+    EXPECT_EQ(followed, each.yes ? 1 : 0);
+    EXPECT_FALSE(question.box().Displayed());
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  }
+}
+
+TEST_F(MessagesTest, TheQuestionIsGoneBeforeItsFollowUpShowsTheNextBox) {
+  rig.terminal.prompt.screen = &prompt;
+  CQuestionBox& question = rig.main().question_box();
+  std::string second;
+  int shown = 0;
+  question.on_yes[0] = [&] {
+    when_modal([&](QWidget& box) {
+      second = text_of(box);
+      for (const QWidget* each : QApplication::topLevelWidgets())
+        shown += each->isVisible() && each->isModal() ? 1 : 0;
+      press(Qt::Key_Return);
+    });
+    rig.main().general().message_box("  three orders were refused");
+  };
+  when_modal([](QWidget&) { press(Qt::Key_Y); });
+  question.Show(1, "Close all?");
+  EXPECT_EQ(second, "  three orders were refused");
+  EXPECT_EQ(shown, 1);
+}
+
+TEST_F(MessagesTest, AQuestionThatEndsByItselfIsTakenOffTheScreen) {
+  rig.terminal.prompt.screen = &prompt;
+  CQuestionBox& question = rig.main().question_box();
+  question.on_yes[0] = [] { FAIL() << "nobody said yes"; };
+  when_modal([&](QWidget&) {
+    question.Hide();
+    rig.screen.refresh();
+  });
+  question.Show(1, "Close all?");
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST_F(MessagesTest, SureRemovesAllOnYesOnly) {
+  rig.terminal.prompt.screen = &prompt;
+  const RowList& list = rig.main().accounts().lvwClients;
+  for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Y}) {
+    when_modal([key](QWidget& box) {
+      EXPECT_EQ(text_of(box), " Are you sure to remove all accounts?");
+      press(key);
+    });
+    rig.main().sure().GeneralQuestionMsg("Remove All");
+    EXPECT_EQ(list.size(), key == Qt::Key_Escape ? 2u : 0u);
+  }
+}
+
+struct QueueTest : MessagesTest {
+  bool open() { return messages.window().isVisible(); }
+  std::string text() { return text_of(messages.window()); }
+  void click(int button) { QTest::mouseClick(&messages.window().button(button), Qt::LeftButton); }
+
+  static constexpr int all = 0;
+  static constexpr int ok = 1;
+  MessageQueueWindow messages{rig.main().messages(), rig.screen, rig.terminal.clock, window};
+};
+
+TEST_F(QueueTest, DropsShowOneBoxThatLeavesTheFocusAlone) {
+  for (const std::int32_t account : {500100, 500101})
+    rig.terminal.server.drop(account);
+  rig.run(100ms);
+  ASSERT_TRUE(open());
+  EXPECT_EQ(text(), "account 500100 Session disconnected");
+  // Offscreen every window that is shown becomes the active one; elsewhere this keeps it from that.
+  EXPECT_TRUE(messages.window().testAttribute(Qt::WA_ShowWithoutActivating));
+  window.activateWindow();
+
+  click(ok);
+  EXPECT_EQ(text(), "account 500100 Session disconnected") << "not meant for it";
+  rig.run(300ms);
+  messages.next();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(QApplication::focusWidget(), &edit);
+  EXPECT_EQ(text(), "account 500101 Session disconnected");
+  EXPECT_FALSE(messages.window().button(all).isEnabled());
+  click(ok);
+  EXPECT_FALSE(open());
+  EXPECT_EQ(rig.main().messages().current(), nullptr);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(QApplication::focusWidget(), &edit);
+}
+
+TEST_F(QueueTest, HundredsAreDismissedTogether) {
+  MessageQueue& queue = rig.main().messages();
+  for (int i = 0; i < 500; ++i)
+    queue.post({"account " + std::to_string(i) + " Session disconnected", "Session Disconnected", "OK", ""});
+  rig.run(10ms);
+  rig.run(300ms);
+  int boxes = 0;
+  for (const QWidget* each : QApplication::topLevelWidgets())
+    boxes += each->isVisible() && each != &window ? 1 : 0;
+  EXPECT_EQ(boxes, 1);
+
+  click(ok);
+  EXPECT_EQ(text(), "account 1 Session disconnected");
+  QTest::keyClick(&messages.window(), Qt::Key_Escape);
+  EXPECT_EQ(text(), "account 2 Session disconnected");
+
+  click(all);
+  EXPECT_FALSE(open());
+  EXPECT_EQ(queue.current(), nullptr);
+}
+
+// One message after another is clicked away on one spot.
+TEST_F(QueueTest, OkStaysUnderThePointer) {
+  MessageQueue& queue = rig.main().messages();
+  for (const std::size_t length : {10, 600, 100, 10})
+    queue.post({std::string(length, 'x'), "", "OK", ""});
+  rig.run(10ms);
+  rig.run(300ms);
+  const QPushButton& button = messages.window().button(ok);
+  const QPoint spot = button.mapToGlobal(button.rect().center());
+  for (int left = 3; left > 0; --left) {
+    click(ok);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(button.rect().contains(button.mapFromGlobal(spot))) << left;
+  }
+}
+
+}  // namespace
+}  // namespace tutti::testing
