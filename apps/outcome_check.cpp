@@ -113,13 +113,11 @@ std::string OutcomeCheck::entry_answer(const Outcome& outcome, const std::string
       if (code == result::bad_connection) return "Unable_Bad Connection";
       return std::string{result_texts::new_entry(code)};
     case TradeKind::update_entry:
-      return behind("Order #" + number, result_texts::update_entry(code));
+      return result_texts::update_entry_line(outcome.number, code);
     case TradeKind::set_stops: {
       if (outcome.updated)
         return behind("Updating SL/TP order #" + number + " result #", result_texts::general(code));
-      const std::string line = "Request SL/TP for #" + number;
-      const std::string_view text = result_texts::new_stops(code);
-      return text.empty() ? line : behind(line + " ", text);
+      return result_texts::new_stops_line(outcome.number, code);
     }
     case TradeKind::cancel_entry:
       return behind("Order number #" + number, result_texts::delete_entry(code));

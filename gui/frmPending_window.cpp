@@ -59,7 +59,8 @@ FrmPendingWindow::FrmPendingWindow(frmPending& form, Screen& screen)
 
 QString FrmPendingWindow::current_note() const {
   const Row* row = form_.lvwPending.current();
-  const std::string note = row == nullptr ? std::string{} : frmPending::note(*row);
+  if (row == nullptr) return {};
+  const std::string note = frmPending::note(*row);
   if (note.empty()) return {};
   return QStringLiteral("Order %1: ").arg(row->key().number()) + QString::fromStdString(note);
 }

@@ -30,7 +30,8 @@ constexpr int wide_list = 500;
 // Heights without the sketch, and those from which on there is room for it.
 constexpr int lowest = 510;
 constexpr int lowest_side_by_side = 340;
-constexpr int sketch_from = 600;
+constexpr int sketch_from = 564;
+constexpr int mode_line = 42;  // what the line above takes while something is edited
 constexpr int sketch_from_side_by_side = 412;
 
 QLabel* make_label(const QString& text, QWidget* buddy) {
@@ -92,7 +93,9 @@ QWidget* FrmlimitorderWindow::make_mode_line() {
   binder_.show([this, mode] {
     const QString text = mode_text();
     if (mode->text() != text) mode->setText(text);
-    if (mode->isHidden() != text.isEmpty()) mode->setVisible(!text.isEmpty());
+    if (mode->isHidden() == text.isEmpty()) return;
+    mode->setVisible(!text.isEmpty());
+    if (sketch_ != nullptr) fit_sketch();
   });
   return mode;
 }
@@ -263,10 +266,17 @@ void FrmlimitorderWindow::arrange(bool wide) {
 void FrmlimitorderWindow::resizeEvent(QResizeEvent* event) {
   const bool wide = event->size().width() >= side_by_side;
   if (wide != (event->oldSize().width() >= side_by_side)) arrange(wide);
-  const bool high = event->size().height() >= (wide ? sketch_from_side_by_side : sketch_from);
-  sketch_->setVisible(high);
-  parts_->setRowStretch(2, wide || high ? 1 : 0);
+  fit_sketch();
   QWidget::resizeEvent(event);
+}
+
+// By the pane's height alone, not by what the layout has left, which the sketch itself would change.
+void FrmlimitorderWindow::fit_sketch() {
+  const bool wide = width() >= side_by_side;
+  const int needed = wide ? sketch_from_side_by_side : sketch_from + (mode_->isHidden() ? 0 : mode_line);
+  const bool high = height() >= needed;
+  if (sketch_->isHidden() == high) sketch_->setVisible(high);
+  parts_->setRowStretch(2, wide || high ? 1 : 0);
 }
 
 void FrmlimitorderWindow::fit_columns() {

@@ -49,6 +49,7 @@ class FrmlimitorderWindow final : public QWidget {
   void arrange(bool wide);
   // Widths of the list's columns by its own width.
   void fit_columns();
+  void fit_sketch();
   void follow_edited();
   // What is edited, and what Submit will send; empty for a new order.
   QString mode_text() const;
@@ -59,7 +60,7 @@ class FrmlimitorderWindow final : public QWidget {
   QGridLayout* parts_;  // all that follows, below or beside each other
   QWidget* mode_;
   QWidget* entry_;
-  PriceSketchView* sketch_;
+  PriceSketchView* sketch_ = nullptr;
   QWidget* work_;  // accounts and buttons, and in a wide pane the mode line above them
   OrderAccounts* accounts_ = nullptr;
   QLineEdit* txtlimitorderammount_ = nullptr;

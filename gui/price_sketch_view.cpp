@@ -17,7 +17,7 @@ namespace {
 using Kind = PriceSketchView::Kind;
 using Mark = PriceSketchView::Mark;
 
-constexpr int least_height = 120;
+constexpr int least_height = 78;
 constexpr int font_pixels = 11;
 constexpr double pitch = 14.0;   // between the middles of two names
 constexpr double margin = 12.0;  // above the highest line and below the lowest

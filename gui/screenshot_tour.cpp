@@ -25,6 +25,8 @@ ScreenshotTour::ScreenshotTour(FrmMdiNewWindow& window, Main& main, Screen& scre
     : window_(window), main_(main), screen_(screen), folder_(std::move(folder)), done_(std::move(done)) {
   poll_.setInterval(poll_interval);
   QObject::connect(&poll_, &QTimer::timeout, &poll_, [this] { next(); });
+  box_timer_.setSingleShot(true);
+  QObject::connect(&box_timer_, &QTimer::timeout, &box_timer_, [this] { keep_box(); });
   plan();
 }
 
@@ -56,15 +58,18 @@ void ScreenshotTour::picture(const char* name, std::function<QWidget*()> what) {
 void ScreenshotTour::picture_of_box(const char* name, std::function<void()> open) {
   then([] { return true; },
        [this, name = std::string{name}, open = std::move(open)] {
-         QTimer::singleShot(box_time, &poll_, [this, name] {
-           QWidget* box = QApplication::activeModalWidget();
-           all_kept_ = all_kept_ && box != nullptr;
-           if (box == nullptr) return;
-           keep(*box, name);
-           if (auto* dialog = qobject_cast<QDialog*>(box)) dialog->reject();
-         });
+         box_name_ = name;
+         box_timer_.start(box_time);
          open();
        });
+}
+
+void ScreenshotTour::keep_box() {
+  QWidget* box = QApplication::activeModalWidget();
+  all_kept_ = all_kept_ && box != nullptr;
+  if (box == nullptr) return;
+  keep(*box, box_name_);
+  if (auto* dialog = qobject_cast<QDialog*>(box)) dialog->reject();
 }
 
 void ScreenshotTour::keep(QWidget& widget, const std::string& name) {

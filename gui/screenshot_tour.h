@@ -35,6 +35,7 @@ class ScreenshotTour {
   void picture(const char* name, std::function<QWidget*()> what);
   // Opens a modal box and takes its picture while it stands.
   void picture_of_box(const char* name, std::function<void()> open);
+  void keep_box();
   void keep(QWidget& widget, const std::string& name);
   void next();
 
@@ -45,6 +46,8 @@ class ScreenshotTour {
   std::function<void(bool)> done_;
   std::deque<Step> steps_;
   QTimer poll_;
+  QTimer box_timer_;  // until the picture of a modal box is taken
+  std::string box_name_;
   int waited_ = 0;  // polls for the step that is next
   bool all_kept_ = true;
   bool busy_ = false;  // a step stands in a modal box

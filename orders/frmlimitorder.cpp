@@ -43,7 +43,8 @@ void frmlimitorder::Displayed(bool displayed) {
   Displayable::Displayed(displayed);
   if (!displayed) return;
   if (cblimiordertype.index() < 0) cblimiordertype.set_index(0);
-  if (cblimitordersymbols.index() < 0) cblimitordersymbols.set_index(0);
+  // While something is edited, no symbol but its own belongs here.
+  if (!editing_ && cblimitordersymbols.index() < 0) cblimitordersymbols.set_index(0);
   cblimitordersymbols_Click();
 }
 
@@ -162,6 +163,8 @@ std::string frmlimitorder::brings(std::string_view tag, const TextBox& box) cons
   const double at_price = mode_ == edit_stops ? edit_.price : number(txtatprice);
   const CClientAPIManager* first = accounts_list_.sessions().Item(1);
   if (!price || at_price <= 0.0 || first == nullptr || symbol_ == no_symbol) return {};
+  // What is not known is not 0.
+  if (!first->ClientAPIF().LoggedIn() || first->symbol_id(symbol_) == 0) return {};
   double of_one_lot = 0.0;
   first->ClientAPIF().EvaluateSLTPPrice(first->symbol_id(symbol_), at_price, tag, *price, of_one_lot);
   const bool sold = mode_ == edit_stops ? side_ == "Sell"
@@ -176,11 +179,14 @@ void frmlimitorder::sltpprice() {
 
 void frmlimitorder::Distribute() {
   begin_round();
-  for (Row& row : lvwConClients)
+  const double total = number(txtlimitorderammount);
+  for (Row& row : lvwConClients) {
     row.data<RowData>().wanted = row.checked();
+    // A share of an earlier distribution must not go out with those of this one.
+    if (total != 0.0) row.set_text(Column::amount, "");
+  }
   Distribution{general_, accounts_list_.sessions(), *this}.run(
-      number(txtlimitorderammount), static_cast<std::int16_t>(CBlimitorderdis.index()),
-      cblimitordersymbols.text());
+      total, static_cast<std::int16_t>(CBlimitorderdis.index()), cblimitordersymbols.text());
 }
 
 void frmlimitorder::set_edit_controls(bool editing) {

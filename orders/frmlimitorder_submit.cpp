@@ -106,6 +106,10 @@ bool frmlimitorder::send_update() {
     return false;
   }
   const double price = number(txtatprice);
+  if (price <= 0.0) {
+    general_.message_box("Please fill the required fields");
+    return false;
+  }
   send(*row, edit_order,
        "#" + std::to_string(edit_.number) + " " + cblimiordertype.text() + " " + edit_.symbol, price,
        [&](CClientAPIManager& session) {

@@ -65,6 +65,10 @@ void CClientAPIManager::shut_down() {
   client_->Logout();
   release_totals();
   journal_unanswered();
+  // Nobody else says any more that the wait of this one is over.
+  if (!std::exchange(waiting_, false)) return;
+  desk_.status->control_text(StatusDesk::waiting_control, "");
+  desk_.entry_order->submit_available(true);
 }
 
 std::string CClientAPIManager::SummaryDesc(double balance, double equity, double effective_margin) const {
@@ -117,6 +121,8 @@ void CClientAPIManager::ConnectionState(bool connected) {
 }
 
 void CClientAPIManager::WaitingMode(std::int32_t mode) {
+  if (mode >= waiting_mode::normal && mode <= waiting_mode::connecting)
+    waiting_ = mode != waiting_mode::normal;
   switch (mode) {
     case waiting_mode::connecting:
       if (row_ != nullptr) row_->set_text(column_state, "Connecting", Ink::red);

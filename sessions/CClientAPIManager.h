@@ -169,6 +169,7 @@ class CClientAPIManager final : public CLAPICLASS {
   // What became of the order that is meant: the one with the number, else the oldest that was sent so.
   void settle_order(const OrderReport& report, SentOrder::Outcome outcome);
   void settle_entry(std::int64_t order, std::int32_t result);
+  void settle_placed(std::int64_t order);
   // The answer to stops names their order, which is a new one when the position had none before.
   void settle_stops(std::int64_t order, std::int32_t result);
   void settle_request(RequestKind kind, std::int64_t number, std::int32_t result, SentOrder::Outcome outcome);
@@ -196,6 +197,10 @@ class CClientAPIManager final : public CLAPICLASS {
   std::vector<SymbolHandle> handles_;  // handle by symbol identifier
   NewOrders orders_;                   // at the market
   NewOrders entries_;
+  std::set<std::int64_t> answered_entries_;  // numbers of the answers to entry orders that came
+  // Refusals of which nobody knows yet which open entry order they are for: number and result code.
+  std::vector<std::pair<std::int64_t, std::int32_t>> refused_entries_;
+  bool waiting_ = false;  // for the server, as it says
   // All others: of each kind and number the last one sent, behind those that are not settled; oldest first.
   std::vector<SentOrder> requests_;
   std::set<std::string> refused_;  // what was refused since the connection stands

@@ -175,9 +175,8 @@ void CClientAPIManager::NewLimitOrderResult(std::int64_t order, std::int32_t cod
 void CClientAPIManager::UpdateLimitOrderResult(std::int64_t order, std::int32_t code) {
   settle_request(RequestKind::update, order, code,
                  code == result::succeeded ? SentOrder::Outcome::accepted : SentOrder::Outcome::refused);
-  const std::string_view text = result_texts::update_entry(code);
-  if (text.empty()) return;
-  const std::string line = "Order #" + std::to_string(order) + std::string{text};
+  const std::string line = result_texts::update_entry_line(order, code);
+  if (line.empty()) return;
   log_order(order, line);
   if (code == result::succeeded) {
     refresh_pending(order);
@@ -218,10 +217,7 @@ void CClientAPIManager::LimitOrderCanceledNoMoney(std::int64_t order, std::int32
 
 void CClientAPIManager::NewSLTPOrderResult(std::int64_t order, std::int32_t code) {
   settle_stops(order, code);
-  const std::string_view text = result_texts::new_stops(code);
-  std::string line = "Request SL/TP for #" + std::to_string(order);
-  if (!text.empty()) line += " " + std::string{text};
-  log_order(order, line);
+  log_order(order, result_texts::new_stops_line(order, code));
   if (code != result::succeeded) return;
   refresh_pending(order);
   desk_.entry_order->stop_request_succeeded(order, account_);

@@ -125,17 +125,38 @@ void CClientAPIManager::settle_order(const OrderReport& report, Outcome outcome)
 }
 
 // The answer names no more than a number. That of a success is known to the server, as an order or as the
-// position it has become; which request was meant is read from there. A number that nobody knows settles
-// nothing: better a request that stays open than one that is taken for done.
+// position it has become; which request was meant is read from there. A number that nobody knows, and one
+// that was answered before, settle nothing: better a request that stays open than one that is taken for done.
+// Of several open requests nobody knows which one was refused, until as many are refused as are open.
 void CClientAPIManager::settle_entry(std::int64_t order, std::int32_t code) {
+  if (order != 0 && !answered_entries_.insert(order).second) return;
+  const auto open = [&] {
+    return std::count_if(entries_.begin(), entries_.end(), [](const SentOrder& o) { return !o.settled(); });
+  };
+  if (code == result::succeeded) {
+    settle_placed(order);
+  } else {
+    refused_entries_.push_back({order, code});
+  }
+  if (open() == 0 || open() > static_cast<std::ptrdiff_t>(refused_entries_.size())) return;
+  for (SentOrder& each : entries_) {
+    if (each.settled()) continue;
+    const auto [number, reason] = refused_entries_.front();
+    refused_entries_.erase(refused_entries_.begin());
+    each.number = number;
+    settle(each, reason, Outcome::refused);
+  }
+  refused_entries_.clear();
+  if (entries_.size() > 1) entries_.erase(entries_.begin(), entries_.end() - 1);
+}
+
+void CClientAPIManager::settle_placed(std::int64_t order) {
   const auto oldest = [&](auto&& meant) {
     return std::find_if(entries_.begin(), entries_.end(),
                         [&](const SentOrder& o) { return !o.settled() && meant(o); });
   };
   auto at = entries_.end();
-  if (code != result::succeeded) {
-    at = oldest([](const SentOrder&) { return true; });
-  } else if (const PendingOrder* placed = pending_order(order)) {
+  if (const PendingOrder* placed = pending_order(order)) {
     const SymbolHandle symbol = symbols_.find(placed->symbol);
     const auto alike = [&](const SentOrder& o) {
       return o.symbol == symbol && o.side == placed->operation && o.amount == placed->amount;
@@ -150,10 +171,11 @@ void CClientAPIManager::settle_entry(std::int64_t order, std::int32_t code) {
   }
   if (at == entries_.end()) return;
   at->number = order;
-  settle(*at, code, outcome_of(code));
+  settle(*at, result::succeeded, Outcome::accepted);
   if (at + 1 != entries_.end()) entries_.erase(at);
 }
 
+// An SL/TP order that was there when the request was sent may be gone when it is refused.
 void CClientAPIManager::settle_stops(std::int64_t order, std::int32_t code) {
   const auto oldest = [&](auto&& meant) {
     return std::find_if(requests_.begin(), requests_.end(), [&](const SentOrder& o) {
@@ -165,7 +187,11 @@ void CClientAPIManager::settle_stops(std::int64_t order, std::int32_t code) {
     if (const PendingOrder* placed = pending_order(order)) {
       at = oldest([&](const SentOrder& o) { return o.number == placed->reference; });
     } else if (code != result::succeeded) {
-      at = oldest([](const SentOrder& o) { return o.stops_order == 0; });
+      const auto meant = [&](const SentOrder& o) {
+        return o.kind == RequestKind::stops && !o.settled() &&
+               (o.stops_order == 0 || pending_order(o.stops_order) == nullptr);
+      };
+      if (std::count_if(requests_.begin(), requests_.end(), meant) == 1) at = oldest(meant);
     }
   }
   if (at != requests_.end()) settle_request(RequestKind::stops, at->number, code, outcome_of(code));
@@ -212,6 +238,7 @@ void CClientAPIManager::journal_unanswered() {
   });
   give_up(requests_,
           [](const SentOrder& request) { return "The request for #" + std::to_string(request.number); });
+  refused_entries_.clear();
   for (NewOrders* sent : {&orders_, &entries_}) {
     if (sent->size() > 1) sent->erase(sent->begin(), sent->end() - 1);
   }

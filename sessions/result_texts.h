@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 // Texts of result codes, as the general table has them and as single handlers spell them in their own way.
@@ -14,6 +15,10 @@ std::string_view delete_entry(std::int32_t code);
 std::string_view new_entry(std::int32_t code);
 std::string_view update_entry(std::int32_t code);
 std::string_view new_stops(std::int32_t code);
+// Journal lines of the last two. A refusal whose code has no text of its own takes the general one, so that
+// it is neither silent nor reads like a success. The first is empty for codes without any text.
+std::string update_entry_line(std::int64_t order, std::int32_t code);
+std::string new_stops_line(std::int64_t order, std::int32_t code);
 // " Buy ", " Sell ", " Buy Stop " or " Sell Stop ", blanks included; " " for any other operation.
 std::string_view type_word(std::int32_t operation);
 

@@ -257,9 +257,19 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   client.sink->NewLimitOrderResult(22, result::succeeded);
   EXPECT_EQ(session.last_entry().number, 22);
   EXPECT_EQ(desk.answers(), "1 accepted");
+  client.sink->NewLimitOrderResult(22, result::succeeded);
+  EXPECT_EQ(session.unanswered(), 1);  // told twice, it settles no other
   client.sink->NewLimitOrderResult(21, result::not_enough_money);
   EXPECT_EQ(desk.rows() + desk.answers(), "- Not Enough Money|1 accepted");
   EXPECT_EQ(session.unanswered(), 0);
+  // A refusal does not say which of several orders it is for.
+  place("1.3");
+  place("1.2");
+  client.sink->NewLimitOrderResult(23, result::not_enough_money);
+  EXPECT_EQ(session.unanswered(), 2);
+  client.sink->NewLimitOrderResult(24, result::trading_closed);
+  EXPECT_EQ(session.unanswered(), 0);
+  EXPECT_EQ(desk.answers(), "1 refused");
 
   // An order that was executed while it was being cancelled: its number is the ticket's now.
   session.cancel_order(22, false);

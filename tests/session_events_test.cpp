@@ -100,9 +100,10 @@ const Family families[] = {
        return out;
      }},
     {&CLAPICLASS::UpdateLimitOrderResult,
-     {{"has been updated", " Not Enough Money ", " Trading Is Closed ", "", " Unable Bad Connection",
-       " Position Is Closed ", " Position Is Pending ", " Position Has Pending Orders ", " Invalid Amount ",
-       " Not Found ", " All Amount Are Managed ", "", " Hedging Not Allowed "},
+     {{"has been updated", " Not Enough Money ", " Trading Is Closed ", " Failed - Market conditions",
+       " Unable Bad Connection", " Position Is Closed ", " Position Is Pending ",
+       " Position Has Pending Orders ", " Invalid Amount ", " Not Found ", " All Amount Are Managed ",
+       " Unable to do operation", " Hedging Not Allowed "},
       " Failed Result "},
      std::nullopt,
      [](std::int32_t code, const std::string& text) {
@@ -125,8 +126,8 @@ const Family families[] = {
        " Unable to get  quote on this symbol due to market conditions",
        " Unable to get  quote due to a bad connection, Please try again", " Position Is Closed ",
        " Position Is Pending", " Position Has Pending Orders", " InvalidAmount", " NotFound",
-       " All Amount Are Managed", " Unable ToDo Operation"},
-      ""},
+       " All Amount Are Managed", " Unable ToDo Operation", " Hedging not allowed"},
+      " Failed"},
      "",
      [](std::int32_t code, const std::string& text) {
        return both("Request SL/TP for #12" + text,

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -58,13 +59,14 @@ inline void double_click_cell(RowListView& view, int place, int column) {
   QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, cell_point(view, place, column));
 }
 
-// Does something to the next modal box once it is on screen; to be called before what opens the box.
+// Does something to the next modal box once it has the keyboard; to be called before what opens the box.
 inline void when_modal(std::function<void(QWidget& box)> act) {
   auto* poll = new QTimer{qApp};
-  QWidget* const before = QApplication::activeModalWidget();
+  const QPointer<QWidget> before = QApplication::activeModalWidget();
   QObject::connect(poll, &QTimer::timeout, poll, [poll, before, act = std::move(act)] {
     QWidget* box = QApplication::activeModalWidget();
     if (box == nullptr || box == before) return;
+    if (!box->isActiveWindow() || QApplication::focusWidget() == nullptr) return;
     poll->deleteLater();
     poll->stop();
     act(*box);
