@@ -23,7 +23,10 @@ void TextBox::type(std::string_view keys) {
   if (!enabled_) return;
   for (const char c : keys) {
     auto key = static_cast<std::int16_t>(static_cast<unsigned char>(c));
-    if (on_key) key = on_key(key, text_);
+    if (on_key) {
+      std::string rest = text_;
+      key = on_key(key, rest.erase(sel_start_, sel_length_));
+    }
     if (key == 0) continue;
     if (key == backspace && sel_length_ == 0) {
       // A character may be several bytes; those behind the first begin with the bits 10.

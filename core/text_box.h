@@ -32,7 +32,8 @@ class TextBox {
   // the selection or the character before it. Does nothing while the box is off. on_edited runs per key.
   void type(std::string_view keys);
 
-  // Answers the key that goes into the box, 0 to swallow it. `text` is the box's text before the key.
+  // Answers the key that goes into the box, 0 to swallow it. `text` is the box's text before the key,
+  // without the selection that the key takes the place of.
   std::function<std::int16_t(std::int16_t key, const std::string& text)> on_key;
   std::function<void()> on_edited;
 

@@ -47,6 +47,7 @@ AnswerFilter::AnswerFilter(const OrderForm& form, RowListView& view, Screen& scr
     button->setToolTip(QString::fromLatin1(looks[i].tip));
     connect(button, &QToolButton::clicked, this, [this, i, &screen] {
       choice_ = static_cast<Choice>(i);
+      seen_stamp_ = 0;  // count anew
       apply();
       screen.acted();
     });
@@ -100,7 +101,9 @@ void AnswerFilter::follow() {
   seen_stamp_ = stamp;
   seen_answers_ = answers;
   std::array<int, choices> counts{};
+  ticked_and_hidden_ = 0;
   for (const Row& row : form_.accounts) {
+    if (row.checked() && !shows(choice_, row)) ++ticked_and_hidden_;
     for (std::size_t i = 0; i < choices; ++i)
       counts[i] += shows(static_cast<Choice>(i), row) ? 1 : 0;
   }

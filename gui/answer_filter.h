@@ -25,6 +25,9 @@ class AnswerFilter final : public QWidget {
   // Text colour of a result; not valid for an account without an answer.
   static QColor colour(OrderAnswer answer);
 
+  // Ticked accounts that are not shown.
+  int ticked_and_hidden() const { return ticked_and_hidden_; }
+
  private:
   enum Choice : std::size_t { all, ticked, refused, waiting, choices };
 
@@ -38,6 +41,7 @@ class AnswerFilter final : public QWidget {
   Choice choice_ = all;
   std::uint64_t seen_stamp_ = 0;
   std::string seen_answers_;
+  int ticked_and_hidden_ = 0;
 };
 
 }  // namespace tutti

@@ -122,10 +122,12 @@ void Binder::bind(QLineEdit& widget, TextBox& box) {
 
 void Binder::bind(QComboBox& widget, ComboBox& box) {
   widget.installEventFilter(new WheelFilter{&widget});
-  QObject::connect(&widget, &QComboBox::activated, &window_, [this_screen = &screen_, &box](int index) {
-    box.choose(index);
-    this_screen->acted();
-  });
+  QObject::connect(&widget, &QComboBox::activated, &window_,
+                   [this_screen = &screen_, &widget, &box](int index) {
+                     // By what the operator read: the form's items may have changed while the list was open.
+                     box.choose(widget.itemText(index).toStdString());
+                     this_screen->acted();
+                   });
   if (widget.isEditable()) {
     QObject::connect(widget.lineEdit(), &QLineEdit::textEdited, &window_,
                      [this_screen = &screen_, &box](const QString& text) {

@@ -169,6 +169,8 @@ void FrmJournalWindow::show_history_of_box() {
 
 void FrmJournalWindow::show_history(std::int32_t account) {
   if (form_.live()) left_at_ = reading();
+  // Back among the live rows nothing may stay hidden by the account that was asked for.
+  account_->clear();
   journal_.vID(account);
   screen_.acted();
   list_->scrollToTop();

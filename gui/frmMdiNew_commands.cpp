@@ -5,6 +5,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QToolBar>
+#include <set>
 
 #include "gui/csv_export.h"
 #include "gui/frmMdiNew_window.h"
@@ -258,13 +259,22 @@ void FrmMdiNewWindow::find_account() {
   find_->selectAll();
 }
 
+// Events may select another row while the question stands: removed is what it was asked about.
 void FrmMdiNewWindow::remove_selected() {
-  const std::size_t count = main_.accounts().lvwClients.selected().size();
-  if (count == 0) return;
-  if (confirm(count == 1 ? "Remove the selected account from the list?"
-                         : "Remove the " + std::to_string(count) + " selected accounts from the list?")) {
-    main_.accounts().mnuRemove_Click();
-  }
+  RowList& list = main_.accounts().lvwClients;
+  const auto name = [](const Row& row) {
+    return row.text(frmMain::user_name) + " " + row.text(frmMain::account);
+  };
+  std::set<std::string> meant;
+  for (const Row* row : list.selected())
+    meant.insert(name(*row));
+  if (meant.empty()) return;
+  const std::string what = meant.size() == 1 ? "account " + *meant.begin()
+                                             : "the " + std::to_string(meant.size()) + " selected accounts";
+  if (!confirm("Remove " + what + " from the list?")) return;
+  for (Row& row : list)
+    row.set_selected(meant.contains(name(row)));
+  main_.accounts().mnuRemove_Click();
 }
 
 void FrmMdiNewWindow::show_history() {

@@ -1,5 +1,6 @@
 #include "gui/frmPriceChanged_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -99,7 +100,7 @@ void FrmPriceChangedWindow::follow() {
   if (!isHidden()) return;
   reject_->setFocus(Qt::OtherFocusReason);
   show();
-  raise();
+  if (QApplication::activeModalWidget() == nullptr) raise();
 }
 
 void FrmPriceChangedWindow::show_countdown() {
@@ -122,8 +123,10 @@ void FrmPriceChangedWindow::keyPressEvent(QKeyEvent* event) {
   if (event->isAutoRepeat() || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return;
   switch (event->key()) {
     case Qt::Key_A:
+    case Qt::Key_F7:
       return accept_requote();
     case Qt::Key_R:
+    case Qt::Key_F8:
       return reject_requote();
     case Qt::Key_Escape:
       close();

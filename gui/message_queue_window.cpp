@@ -1,5 +1,6 @@
 #include "gui/message_queue_window.h"
 
+#include <QApplication>
 #include <QLayout>
 #include <QPushButton>
 #include <chrono>
@@ -65,6 +66,8 @@ void MessageQueueWindow::follow() {
   const Message* message = queue_.current();
   if (message == nullptr) return close();
   const bool opens = !window_.isVisible();
+  // Under a modal box nobody could answer it; nothing is lost, since the message waits.
+  if (opens && QApplication::activeModalWidget() != nullptr) return;
   if (opens || message->text != shown_.text || message->caption != shown_.caption) {
     show_current();
     appeared_ = clock_.now();

@@ -159,6 +159,8 @@ void MessageWindow::reject() {
 }
 
 void MessageWindow::keyPressEvent(QKeyEvent* event) {
+  // A key that is held down must not answer what comes next.
+  if (event->isAutoRepeat()) return;
   if (event->matches(QKeySequence::Copy)) return QApplication::clipboard()->setText(content_.text);
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();

@@ -34,13 +34,14 @@ OrderAccounts::OrderAccounts(OrderForm form, Screen& screen)
   });
   head_->setSpacing(6);
   head_->addWidget(make_all_accounts());
-  head_->addWidget(new AnswerFilter{form_, *list_, screen}, 1);
+  auto* filter = new AnswerFilter{form_, *list_, screen};
+  head_->addWidget(filter, 1);
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(6);
   column->addLayout(head_);
   column->addWidget(list_, 1);
-  column->addWidget(new RoundPanel{form_, screen});
+  column->addWidget(new RoundPanel{form_, [filter] { return filter->ticked_and_hidden(); }, screen});
   add_share_editor();
 }
 

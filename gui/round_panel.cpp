@@ -39,7 +39,8 @@ void show_line(QLabel& line, const std::string& text, bool warn) {
 
 }  // namespace
 
-RoundPanel::RoundPanel(const OrderForm& form, Screen& screen) : form_(form) {
+RoundPanel::RoundPanel(const OrderForm& form, std::function<int()> hidden, Screen& screen)
+    : form_(form), hidden_(std::move(hidden)) {
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(4);
@@ -88,7 +89,11 @@ void RoundPanel::show_shares() {
 void RoundPanel::show_answers() {
   const OrderAnswers answers = form_.answers();
   const std::string text = answers.text();
-  show_line(*answers_, text.empty() ? "Nothing sent in this round" : text, false);
+  const int hidden = hidden_();
+  show_line(*answers_,
+            (text.empty() ? "Nothing sent in this round" : text) +
+                (hidden > 0 ? "; " + std::to_string(hidden) + " ticked accounts are not shown" : ""),
+            hidden > 0);
   progress_->setMaximum(answers.accepted + answers.refused + answers.unknown + answers.waiting);
   progress_->setValue(answers.accepted + answers.refused + answers.unknown);
   progress_->setVisible(answers.waiting > 0);

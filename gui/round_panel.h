@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QWidget>
+#include <functional>
 
 #include "gui/order_form.h"
 
@@ -17,7 +18,8 @@ class Screen;
 class RoundPanel final : public QWidget {
  public:
   // `form` must live as long as the panel.
-  RoundPanel(const OrderForm& form, Screen& screen);
+  // `hidden`: how many ticked accounts a filter keeps off the screen; they take part all the same.
+  RoundPanel(const OrderForm& form, std::function<int()> hidden, Screen& screen);
 
  private:
   void follow();
@@ -25,6 +27,7 @@ class RoundPanel final : public QWidget {
   void show_answers();
 
   const OrderForm& form_;
+  std::function<int()> hidden_;
   QLabel* shares_;
   QLabel* answers_;
   QProgressBar* progress_;

@@ -135,6 +135,8 @@ void RowListView::take_selection() {
 void RowListView::follow_selection() {
   current_ = model_.list().current();
   const int place = current_ == nullptr ? -1 : model_.place_of(current_);
+  // What a filter hides is not selected, whoever wants it to be.
+  if (current_ != nullptr && place < 0) return take_selection();
   if (place < 0) return;
   following_ = true;
   selectionModel()->setCurrentIndex(model_.index(place, 0),
@@ -264,7 +266,9 @@ bool RowListView::on_tick_box(const QModelIndex& index, const QPoint& position) 
 void RowListView::mousePressEvent(QMouseEvent* event) {
   screen_.settle();
   const QModelIndex index = indexAt(event->position().toPoint());
-  if (event->button() == Qt::LeftButton && on_tick_box(index, event->position().toPoint())) {
+  ticking_ = event->button() == Qt::LeftButton && on_tick_box(index, event->position().toPoint());
+  pressed_ = model_.row_at(index.row());
+  if (ticking_) {
     if (Row* row = model_.row_at(index.row())) model_.list().tick(*row, !row->checked());
     setFocus(Qt::MouseFocusReason);
     screen_.acted();
@@ -274,12 +278,19 @@ void RowListView::mousePressEvent(QMouseEvent* event) {
   screen_.acted();
 }
 
+// A tick selects nothing, however the mouse moves before it is let go.
+void RowListView::mouseMoveEvent(QMouseEvent* event) {
+  if (!ticking_) QTableView::mouseMoveEvent(event);
+}
+
 void RowListView::mouseDoubleClickEvent(QMouseEvent* event) {
   screen_.settle();
   const QModelIndex index = indexAt(event->position().toPoint());
   // The second of two quick clicks on a box is a click like the first.
   if (on_tick_box(index, event->position().toPoint())) return mousePressEvent(event);
-  if (event->button() == Qt::LeftButton && index.isValid()) run_activate(index);
+  // Rows may have moved since the first click: what counts is what was clicked twice.
+  if (event->button() != Qt::LeftButton || !index.isValid() || model_.row_at(index.row()) != pressed_) return;
+  run_activate(index);
 }
 
 void RowListView::run_activate(const QModelIndex& index) {
@@ -311,7 +322,10 @@ void RowListView::keyPressEvent(QKeyEvent* event) {
   }
   if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
       event->modifiers() == Qt::NoModifier && currentIndex().isValid()) {
-    return run_activate(currentIndex());
+    // When the current row goes, the toolkit moves on to a neighbour that nobody has selected.
+    const Row* row = model_.row_at(currentIndex().row());
+    if (row != nullptr && row == model_.list().current()) run_activate(currentIndex());
+    return;
   }
   QTableView::keyPressEvent(event);
 }

@@ -59,6 +59,7 @@ class RowListView final : public QTableView {
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
@@ -82,6 +83,8 @@ class RowListView final : public QTableView {
   bool following_ = false;        // the view takes the list's selection over, not the other way round
   bool selection_taken_ = true;   // false while the operator's selection waits for the rows to be in step
   const Row* current_ = nullptr;  // the list's current row when it was followed last; only compared
+  bool ticking_ = false;          // the button went down on a check box
+  const Row* pressed_ = nullptr;  // under the last press; only compared
 };
 
 }  // namespace tutti

@@ -113,6 +113,7 @@ void ScreenshotTour::plan_orders() {
   picture("requote", [this] { return &window_.requote(); });
   then([] { return true; },
        [this] {
+         window_.bring_up(QStringLiteral("trade"));
          window_.accounts().list().selectRow(3);
          window_.trade().list().selectRow(2);
          RowList& positions = main_.trade().lvwOpenPos;

@@ -51,6 +51,7 @@ void frmaccount::open_add() {
 void frmaccount::open_edit(const CClientAPIManager& session, bool saved, bool auto_login) {
   open_add();
   editing_ = true;
+  edited_key_ = session.duplicate_key();
   txtaccount.set_text(std::to_string(session.account()));
   txtusername.set_text(session.user());
   txtpassword.set_text(session.password().reveal());
@@ -90,9 +91,11 @@ void frmaccount::cmdLoginAA_Click() {
   const std::string key = account_key(txtusername.text(), *account);
   CClientAPIManager* edited = nullptr;
   if (editing_) {
-    const Row* selected = desk_.accounts->selected_client();
-    if (selected == nullptr) return;
-    edited = sessions_.Item(selected->key().text());
+    if (desk_.accounts->selected_client() == nullptr) return;
+    // By its key: events may have selected another row since the dialog was opened.
+    for (const auto& session : sessions_.Children())
+      if (session->duplicate_key() == edited_key_) edited = session.get();
+    if (edited == nullptr) return;
   }
   const bool own_key = edited != nullptr && edited->duplicate_key() == key;
   if (!own_key && desk_.accounts->has_account(key)) {

@@ -58,6 +58,7 @@ class frmaccount : public Displayable {
   CLoginOptions& options_;
   CClientAPIManagers& sessions_;
   bool editing_ = false;
+  std::string edited_key_;  // duplicate key of the account that is edited
 };
 
 }  // namespace tutti

@@ -42,15 +42,19 @@ std::chrono::milliseconds until_due(const Terminal& terminal) {
 }
 
 // Answers the exit status once the operator has left.
-int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, FileDialog& files, Screen& screen,
-        const Arguments& arguments) {
+int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopFileDialog& files,
+        Screen& screen, const Arguments& arguments) {
   FrmMdiNewWindow window{terminal.main(), screen, prompt, sound, files};
+  files.set_parent(&window);
   window.restore_layout();
   if (!arguments.size.empty()) {
     window.resize(arguments.size[0], arguments.size[1]);
     window.reset_layout();
   }
   window.show();
+  // Start-up has run these before there was a window to bring up.
+  for (const int command : {frmMdiNew::show_accounts, frmMdiNew::show_journal})
+    terminal.main().window().execute(command);
   Heartbeat heartbeat{screen,
                       {[&terminal](std::size_t limit) { return terminal.advance(limit); },
                        [&terminal] { return until_due(terminal); }}};
@@ -86,9 +90,14 @@ int main(int argc, char** argv) {
   CLI::App app{"Trades many client accounts at once."};
   Arguments arguments;
   add_terminal_options(app, arguments.terminal, argv[0]);
-  app.add_flag("--demo", arguments.demo, "500 sample accounts in a home folder that goes with the program");
-  app.add_option("--screenshot", arguments.screenshots,
-                 "Work through all windows, keep a picture of each in this folder, and end");
+  auto* demo = app.add_flag("--demo", arguments.demo,
+                            "500 sample accounts in a home folder that goes with the program");
+  demo->excludes("--home");
+  // It trades on all accounts there are, which must not be the operator's.
+  app.add_option(
+         "--screenshot", arguments.screenshots,
+         "Work through all windows of the demonstration, keep a picture of each in this folder, and end")
+      ->needs(demo);
   app.add_option("--size", arguments.size, "Width and height of the main window")->expected(2);
   CLI11_PARSE(app, argc, argv);
 
@@ -102,7 +111,7 @@ int main(int argc, char** argv) {
   const QTemporaryDir demo_home;
   if (arguments.demo) {
     arguments.terminal.demo = true;
-    if (app.count("--home") == 0) arguments.terminal.home = demo_home.path().toStdString();
+    arguments.terminal.home = demo_home.path().toStdString();
   }
   Screen screen;
   DesktopPrompt prompt{screen};
