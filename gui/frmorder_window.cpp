@@ -99,21 +99,7 @@ QWidget* FrmorderWindow::make_entry(const SymbolCollection& symbols) {
 }
 
 OrderAccounts* FrmorderWindow::make_accounts() {
-  return new OrderAccounts{{.accounts = form_.lvwConClients,
-                            .all_accounts = form_.chkAllClients,
-                            .all_accounts_label = form_.LblCheck,
-                            .total = form_.txtammount,
-                            .share_editor = form_.txtLvw,
-                            .editor_name = "txtLvw",
-                            .open_editor = [this](Row& row, std::size_t at) { form_.open_editor(row, at); },
-                            .commit_editor = [this] { form_.commit_editor(); },
-                            .cancel_editor = [this] { form_.cancel_editor(); },
-                            .editor_row = [this] { return form_.editor_row(); },
-                            .answer_of = [this](const Row& row) { return form_.answer_of(row); },
-                            .answers = [this] { return form_.answers(); },
-                            .shares = [this] { return form_.shares(); },
-                            .minimum_lot = [this] { return form_.minimum_lot(); }},
-                           screen_};
+  return new OrderAccounts{order_form_of(form_, form_.txtammount, form_.txtLvw, "txtLvw"), screen_};
 }
 
 QWidget* FrmorderWindow::make_trade() {

@@ -33,4 +33,23 @@ struct OrderForm {
   std::function<double()> minimum_lot;
 };
 
+// The accounts side of either order window's form, which have it under the same names.
+template <class Form>
+OrderForm order_form_of(Form& form, const TextBox& total, TextBox& share_editor, const char* editor_name) {
+  return {.accounts = form.lvwConClients,
+          .all_accounts = form.chkAllClients,
+          .all_accounts_label = form.LblCheck,
+          .total = total,
+          .share_editor = share_editor,
+          .editor_name = editor_name,
+          .open_editor = [&form](Row& row, std::size_t column) { form.open_editor(row, column); },
+          .commit_editor = [&form] { form.commit_editor(); },
+          .cancel_editor = [&form] { form.cancel_editor(); },
+          .editor_row = [&form] { return form.editor_row(); },
+          .answer_of = [&form](const Row& row) { return form.answer_of(row); },
+          .answers = [&form] { return form.answers(); },
+          .shares = [&form] { return form.shares(); },
+          .minimum_lot = [&form] { return form.minimum_lot(); }};
+}
+
 }  // namespace tutti
