@@ -9,7 +9,6 @@
 #include "gui/binder.h"
 #include "gui/cell_editor.h"
 #include "gui/elided_label.h"
-#include "gui/list_text.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
 
@@ -108,10 +107,6 @@ void FrmMainWindow::find(const QString& text) {
 
 QString FrmMainWindow::shown_text() const {
   return QStringLiteral("%1 of %2").arg(list_->rows().rowCount()).arg(form_.lvwClients.size());
-}
-
-void FrmMainWindow::copy() const {
-  copy_selected(*list_);
 }
 
 }  // namespace tutti

@@ -23,8 +23,6 @@ class FrmMainWindow final : public QWidget {
   QString shown_text() const;
   // Opens the editor on the notes of the row the operator stands on.
   void edit_notes();
-  // The selected rows onto the clipboard.
-  void copy() const;
 
   // Double-click on a row, except on its notes, and Enter. When not set it connects a disconnected account.
   std::function<void(Row& row)> activate_account;

@@ -9,6 +9,7 @@
 
 #include "gui/csv_export.h"
 #include "gui/frmMdiNew_window.h"
+#include "gui/list_text.h"
 #include "gui/screen.h"
 #include "gui/svg_icon.h"
 
@@ -34,6 +35,10 @@ void FrmMdiNewWindow::make_file_menu() {
   command(file,
           {QStringLiteral("save_as"), QStringLiteral("&Save list as..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
            QStringLiteral("save"), [this] { main_.accounts().mnusaveas_Click(); }});
+  command(file, {QStringLiteral("copy"), QStringLiteral("&Copy rows"), QKeySequence::Copy,
+                 QStringLiteral("copy"), [this] {
+                   if (const RowListView* list = active_pane().list) copy_selected(*list);
+                 }});
   command(file, {QStringLiteral("export"), QStringLiteral("&Export to CSV..."),
                  Qt::CTRL | Qt::SHIFT | Qt::Key_E, QStringLiteral("export"), [this] { export_active(); }});
   file.addSeparator();
@@ -237,7 +242,8 @@ void FrmMdiNewWindow::add_context_menus() {
   const auto fill = [this](QWidget& list, std::initializer_list<const char*> names) {
     for (const char* const name : names)
       list.addAction(commands_.find(QString::fromLatin1(name)));
-    list.addAction(commands_.find(QStringLiteral("export")));
+    for (const QString& name : {QStringLiteral("copy"), QStringLiteral("export")})
+      list.addAction(commands_.find(name));
   };
   fill(accounts_->list(), {"connect", "connect_all", "disconnect", "edit", "notes", "remove", "history"});
   fill(market_order_->list(), {"tick_all", "distribute"});

@@ -458,7 +458,8 @@ TEST(EntryScenario, TheBooksTellWhatTheJournalDoesNot) {
   }
 }
 
-// Fifty accounts place a buy limit, the market comes down to it, then further down to its stop loss.
+// Fifty accounts place a buy limit, the market comes down to it, where five have not the money, then further
+// down to its stop loss.
 TEST(EntryScenario, PlacedExecutedAndStoppedOut) {
   DealerConfig config = still_market(50);
   config.ticks.insert(config.ticks.begin(),
@@ -468,6 +469,8 @@ TEST(EntryScenario, PlacedExecutedAndStoppedOut) {
     account.privilege = true;
     account.hidden_symbols.clear();
   }
+  for (std::size_t poor = 40; poor < 45; ++poor)
+    config.accounts[poor].balance = 500.0;
   TestTerminal desk{config};
   desk.start_logged_in();
   const auto differences = [&] { return Verification{*desk.main, desk.server}.run(); };
@@ -502,8 +505,12 @@ TEST(EntryScenario, PlacedExecutedAndStoppedOut) {
   EXPECT_EQ(differences(), Texts{});
 
   desk.run(5s);
-  EXPECT_EQ(desk.main->trade().lvwOpenPos.size(), 49u);
-  EXPECT_EQ(orders.size(), 50u);  // SL/TP orders, and the one that was moved
+  EXPECT_EQ(desk.main->trade().lvwOpenPos.size(), 44u);
+  EXPECT_EQ(orders.size(), 45u);  // SL/TP orders, and the one that was moved
+  const Texts messages = desk.take_messages();
+  EXPECT_EQ(messages.size(), 5u);
+  EXPECT_NE(messages.at(0).find("cancelled because there is no money for account number #"),
+            std::string::npos);
   EXPECT_EQ(differences(), Texts{});
   // The stop loss of one position is taken away.
   RowList& positions = desk.main->trade().lvwOpenPos;
