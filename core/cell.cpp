@@ -19,6 +19,7 @@ void Cell::swap(Cell& other) noexcept {
   std::swap(format_, other.format_);
   std::swap(ink_, other.ink_);
   std::swap(decimals_, other.decimals_);
+  std::swap(ground_, other.ground_);
 }
 
 void Cell::set_text(std::string_view text) {
@@ -48,6 +49,8 @@ std::string Cell::text() const {
       return fmt::format("{:02.0f}", value_.number);
     case NumberFormat::fixed:
       return fixed_text(value_.number, decimals_);
+    case NumberFormat::close_at:
+      return "Close At " + number_text(value_.number);
     case NumberFormat::general:
       break;
   }

@@ -12,11 +12,12 @@ namespace tutti {
 
 // How the number of a cell becomes text when somebody reads it.
 enum class NumberFormat : std::uint8_t {
-  general,  // up to 15 significant digits
-  summary,  // at most two decimals
-  percent,  // as summary, followed by "%"
-  index,    // whole number of at least two digits
-  fixed,    // with a number of decimals of the cell's own
+  general,   // up to 15 significant digits
+  summary,   // at most two decimals
+  percent,   // as summary, followed by "%"
+  index,     // whole number of at least two digits
+  fixed,     // with a number of decimals of the cell's own
+  close_at,  // as general, behind "Close At "
 };
 
 // One cell of a row: a text, or a number with its format. Sixteen bytes, since lists hold many thousands.
@@ -51,6 +52,8 @@ class Cell {
   }
   void set_text(std::string_view text);
   void set_ink(Ink ink) { ink_ = ink; }
+  // The exact colour behind the text, for lists that keep a meaning in it; contents don't change it.
+  void set_ground(Rgb ground) { ground_ = ground; }
 
   bool empty() const { return kind_ == Kind::empty; }
   bool is_number() const { return kind_ == Kind::number || kind_ == Kind::whole; }
@@ -72,6 +75,7 @@ class Cell {
     return kind_ == Kind::text ? *value_.text == other : kind_ == Kind::empty && other.empty();
   }
   Ink ink() const { return ink_; }
+  Rgb ground() const { return ground_; }
 
  private:
   enum class Kind : std::uint8_t { empty, number, whole, text };
@@ -89,6 +93,7 @@ class Cell {
   NumberFormat format_ = NumberFormat::general;
   Ink ink_ = Ink::plain;
   std::uint8_t decimals_ = 0;  // counts while format_ is fixed
+  Rgb ground_{255, 255, 255};
 };
 static_assert(sizeof(Cell) == 16);
 

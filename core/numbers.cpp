@@ -108,4 +108,8 @@ double round_half_even(double value, int decimals) {
   return nearest_even(scaled) / scale;
 }
 
+double lots_of_sum(double sum) {
+  return round_half_even(sum, 8);
+}
+
 }  // namespace tutti

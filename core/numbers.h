@@ -34,5 +34,7 @@ std::string fixed_text(double value, int decimals);
 
 // Rounds to `decimals` decimals (0 to 15), an exact half to the even neighbour.
 double round_half_even(double value, int decimals);
+// A sum of lots without the noise of adding up: to eight decimals, finer than any lot step.
+double lots_of_sum(double sum);
 
 }  // namespace tutti

@@ -48,6 +48,7 @@ class Row {
     cell.set_ink(ink);
   }
   void set_ink(std::size_t column, Ink ink) { edit(column).set_ink(ink); }
+  void set_ground(std::size_t column, Rgb ground) { edit(column).set_ground(ground); }
   void set_number(std::size_t column, double number, NumberFormat format = NumberFormat::general) {
     edit(column).set_number(number, format);
   }

@@ -7,8 +7,18 @@
 namespace tutti {
 
 RowList::RowList(std::vector<std::string> headers) {
-  for (std::string& header : headers)
-    columns_.push_back({std::move(header), 0.0});
+  set_headers(std::move(headers));
+}
+
+void RowList::set_headers(std::vector<std::string> headers) {
+  assert(rows_.empty());
+  const bool same_number = headers.size() == columns_.size();
+  columns_.resize(headers.size());
+  for (std::size_t i = 0; i < headers.size(); ++i) {
+    columns_[i].header = std::move(headers[i]);
+    if (!same_number) columns_[i].width = 100.0 / static_cast<double>(headers.size());
+  }
+  structure_changed();
 }
 
 void RowList::set_column_width(std::size_t column, double percent) {

@@ -34,6 +34,9 @@ class RowList {
   RowList& operator=(const RowList&) = delete;
 
   const std::vector<Column>& columns() const { return columns_; }
+  // Other columns, of even width while there are more or fewer than before. Only while the list is empty,
+  // since rows are made for the columns that there are.
+  void set_headers(std::vector<std::string> headers);
   void set_column_width(std::size_t column, double percent);
 
   std::size_t size() const { return rows_.size(); }

@@ -9,9 +9,13 @@ namespace tutti {
 
 // Sends one close request for a position and reports an immediate refusal, so that a refusal reads the same
 // wherever the close was started. The outcome comes later, as the session's close result.
+//
+// The message of a refusal is queued: of many positions that are closed together none waits until the
+// operator has seen what became of the one before.
 class CloseHelper {
  public:
-  CloseHelper(MGeneral& general, CClientAPIManagers& sessions) : general_(general), sessions_(sessions) {}
+  CloseHelper(MGeneral& general, MessageQueue& messages, CClientAPIManagers& sessions)
+      : general_(general), messages_(messages), sessions_(sessions) {}
 
   // `amount` in lots. Nothing happens when no session has the account.
   void close(std::int64_t ticket, double amount, std::int32_t account);
@@ -20,6 +24,7 @@ class CloseHelper {
   void report(const std::string& text, std::int32_t account);
 
   MGeneral& general_;
+  MessageQueue& messages_;
   CClientAPIManagers& sessions_;
 };
 

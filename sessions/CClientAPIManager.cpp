@@ -109,6 +109,7 @@ void CClientAPIManager::ConnectionState(bool connected) {
   if (connected) {
     account_known_ = true;
     refused_.clear();
+    carry_on(general_, account_, [&] { desk_.close_positions->account_state(account_, "Connected"); });
     return;
   }
   carry_on(general_, account_, [&] { release_totals(); });
@@ -126,6 +127,7 @@ void CClientAPIManager::WaitingMode(std::int32_t mode) {
   switch (mode) {
     case waiting_mode::connecting:
       if (row_ != nullptr) row_->set_text(column_state, "Connecting", Ink::red);
+      desk_.close_positions->account_state(account_, "Connecting");
       desk_.entry_order->submit_available(false);
       break;
     case waiting_mode::waiting:
@@ -157,6 +159,7 @@ void CClientAPIManager::InvalidUsernamePassword() {
   if (row_ == nullptr) return;
   row_->set_text(column_notes, "Invalid username or password");
   row_->set_text(column_state, "Invalid account", Ink::red);
+  desk_.close_positions->account_state(account_, "Invalid account");
 }
 
 void CClientAPIManager::AllDataAreLoaded() {
@@ -167,6 +170,7 @@ void CClientAPIManager::AllDataAreLoaded() {
       row_->set_text(column_notes, "Invalid account");
       row_->set_text(column_state, "Invalid account", Ink::red);
     }
+    desk_.close_positions->account_state(account_, "Invalid account");
     desk_.pending->remove_account(account_);
     log(std::to_string(account_) + " is invalid account");
     DisInvalidAcc(std::to_string(key_));

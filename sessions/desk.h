@@ -95,6 +95,7 @@ class ClosePositionsDesk {
   virtual void prepare(const std::vector<std::string>& /*headers*/, std::string_view /*state*/) {}
   virtual void add_account(std::int32_t /*account*/) {}
   virtual void remove_account(std::int32_t /*account*/) {}
+  // What the accounts list shows as the account's state now.
   virtual void account_state(std::int32_t /*account*/, std::string_view /*state*/) {}
   virtual void refresh_symbols() {}
   virtual void position_opened(const OpenPosition&) {}
@@ -126,7 +127,10 @@ class PendingBook {
 class NetDesk {
  public:
   virtual ~NetDesk() = default;
+  // A position that is new, or that has other values than before.
   virtual void position_added(const OpenPosition&) {}
+  virtual void remove_position(std::int64_t /*ticket*/) {}
+  virtual void remove_account(std::int32_t /*account*/) {}
   // The profit as text, with the decimal separator in force.
   virtual void floating_changed(const OpenPosition&, std::string_view /*profit*/) {}
 };

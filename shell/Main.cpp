@@ -46,7 +46,7 @@ void Main::create_objects() {
   journal_ = std::make_unique<CJournal>(general_, *journal_window_);
   general_.journal = journal_.get();
   open_positions_ = std::make_unique<COpenPos>();
-  net_positions_ = std::make_unique<CNetPos>();
+  net_positions_ = std::make_unique<CNetPos>(general_);
   locale_ = std::make_unique<CLocalSettings>(ports_.locale);
   general_.locale = locale_.get();
   pending_orders_ = std::make_unique<CPendingOrds>();
@@ -70,6 +70,9 @@ tl::expected<void, FileError> Main::show_main_window() {
   desk_.market_watch = market_watch_.get();
   trade_ = std::make_unique<frmTrade>(general_, *question_box_, desk_, symbols_);
   desk_.positions = trade_.get();
+  desk_.net = net_positions_.get();
+  net_trade_ = std::make_unique<frmNetTrade>(general_, *net_positions_, symbols_);
+  net_matrix_ = std::make_unique<NetMatrix>(general_, *net_positions_);
   sure_->logout_all = [this] { accounts_->logout_all(); };
   sure_->remove_all = [this] { accounts_->mnuclear_Click(); };
   window_->set_command(frmMdiNew::show_journal, [this] { journal_->Displayed(true); });
@@ -85,12 +88,26 @@ tl::expected<void, FileError> Main::show_main_window() {
   trade_->EdirMode = edit;
   requote_ = std::make_unique<frmPriceChanged>(general_, *market_order_, *pending_);
   desk_.requote = requote_.get();
-  close_helper_ = std::make_unique<CloseHelper>(general_, accounts_->sessions());
-  trade_->close_helper = [this](const frmTrade::Close& position) {
+  connect_closing();
+  return {};
+}
+
+// Everything that closes positions, and what is picked for it elsewhere.
+void Main::connect_closing() {
+  close_positions_ = std::make_unique<frmClosePos>(general_, *question_box_, *accounts_, *trade_, symbols_);
+  desk_.close_positions = close_positions_.get();
+  close_helper_ = std::make_unique<CloseHelper>(general_, messages_, accounts_->sessions());
+  const auto close = [this](const frmTrade::Close& position) {
     close_helper_->close(position.ticket, position.amount, position.account);
   };
+  trade_->close_helper = close;
+  close_positions_->close_helper = close;
   question_box_->on_yes[frmTrade::close_question - 1] = [this] { trade_->closeAllse(); };
-  return {};
+  question_box_->on_yes[frmClosePos::marked_question - 1] = [this] { close_positions_->closepos(); };
+  question_box_->on_yes[frmClosePos::single_question - 1] = [this] { close_positions_->closepos1(); };
+  const auto take = [this](std::vector<PositionBlock> blocks) { close_positions_->take(std::move(blocks)); };
+  net_trade_->close = take;
+  net_matrix_->close = take;
 }
 
 void Main::poll_timers() {

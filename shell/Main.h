@@ -14,6 +14,7 @@
 #include "core/message_queue.h"
 #include "core/paths.h"
 #include "orders/close_helper.h"
+#include "orders/frmClosePos.h"
 #include "orders/frmPriceChanged.h"
 #include "orders/frmlimitorder.h"
 #include "orders/frmorder.h"
@@ -29,8 +30,10 @@
 #include "views/CPendingOrds.h"
 #include "views/frmJournal.h"
 #include "views/frmMW.h"
+#include "views/frmNetTrade.h"
 #include "views/frmPending.h"
 #include "views/frmTrade.h"
+#include "views/net_matrix.h"
 
 namespace tutti {
 
@@ -82,6 +85,9 @@ class Main {
   frmMW& market_watch() { return *market_watch_; }
   frmTrade& trade() { return *trade_; }
   frmPending& pending() { return *pending_; }
+  frmClosePos& close_positions() { return *close_positions_; }
+  frmNetTrade& net_trade() { return *net_trade_; }
+  NetMatrix& net_matrix() { return *net_matrix_; }
   frmPriceChanged& requote() { return *requote_; }
   frmJournal& journal_window() { return *journal_window_; }
   CJournal& journal() { return *journal_; }
@@ -97,6 +103,7 @@ class Main {
  private:
   void create_objects();
   tl::expected<void, FileError> show_main_window();
+  void connect_closing();
   void prepare_result_lists();
   tl::expected<void, FileError> load_saved_accounts();
 
@@ -121,11 +128,14 @@ class Main {
   std::unique_ptr<frmMdiNew> window_;
   std::unique_ptr<frmMain> accounts_;
   std::unique_ptr<frmTrade> trade_;
+  std::unique_ptr<frmNetTrade> net_trade_;
+  std::unique_ptr<NetMatrix> net_matrix_;
   std::unique_ptr<frmorder> market_order_;
   std::unique_ptr<frmlimitorder> entry_order_;
   std::unique_ptr<frmMW> market_watch_;
   std::unique_ptr<frmPending> pending_;
   std::unique_ptr<frmPriceChanged> requote_;
+  std::unique_ptr<frmClosePos> close_positions_;
   std::unique_ptr<CloseHelper> close_helper_;
   std::unique_ptr<EventPump> pump_;
   std::uint64_t totals_shown_ = 0;  // stamp of the main window's state that the summary label shows

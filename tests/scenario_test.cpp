@@ -6,79 +6,13 @@
 #include <limits>
 #include <set>
 
-#include "apps/verification.h"
-#include "tests/dealer_rig.h"
-#include "tests/support/test_terminal.h"
+#include "tests/support/scenario_desk.h"
 
 namespace tutti::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using Texts = std::vector<std::string>;
-constexpr std::int32_t first = 500'100;
-
-FaultConfig fault(FaultKind kind, std::vector<std::int32_t> accounts, FaultPoint on, int code = 0,
-                  std::chrono::milliseconds wait = 0ms) {
-  FaultConfig fault;
-  fault.kind = kind;
-  fault.accounts = std::move(accounts);
-  fault.on = {on};
-  fault.code = code;
-  fault.wait = wait;
-  fault.points = 20.0;
-  return fault;
-}
-
-Texts sorted(Texts texts) {
-  std::sort(texts.begin(), texts.end());
-  return texts;
-}
-
-struct Desk : TestTerminal {
-  explicit Desk(DealerConfig config) : TestTerminal(std::move(config)) {
-    start_logged_in();
-    sound.take();
-  }
-  // A distributed market order, answered where the server answers at once.
-  void open(const char* amount, const char* symbol = "EURUSD", bool buy = true) {
-    frmorder& form = main->market_order();
-    if (!form.chkAllClients.checked()) form.chkAllClients.click();
-    form.CBdis.choose(0);
-    form.cbsymbols.choose(symbol);
-    form.txtammount.set_text("");
-    form.txtammount.type(amount);
-    form.cmddis.click();
-    (buy ? form.cmdbuy : form.cmdsell).click();
-    run(300ms);
-  }
-  void close_all() {
-    for (Row& row : positions())
-      row.set_checked(true);
-    main->trade().lbbClose.click();
-  }
-  RowList& positions() { return main->trade().lvwOpenPos; }
-  RowList& orders() { return main->pending().lvwPending; }
-  CClientAPIManager& session(std::int32_t account) {
-    return *main->accounts().sessions().by_account(account);
-  }
-  std::int64_t ticket(std::size_t row) { return positions().row(row).key().number(); }
-  bool journaled(const std::string& text) {
-    const Texts lines = journal();
-    return std::find(lines.begin(), lines.end(), text) != lines.end();
-  }
-  Texts differences() { return Verification{*main, server}.run(); }
-  // Sorted, since accounts log in and fill in an order of the server's own.
-  static Texts rows(const RowList& list) {
-    Texts out;
-    for (const Row& row : list) {
-      std::string text;
-      for (std::size_t column = 0; column < row.columns(); ++column)
-        text += (column == 0 ? "" : "|") + row.text(column);
-      out.push_back(text);
-    }
-    return sorted(out);
-  }
-};
+using Desk = ScenarioDesk;
 
 TEST(Scenario, ListsFillFollowTheMarketAndEmpty) {
   DealerConfig config = still_market(2);
@@ -163,11 +97,9 @@ TEST(Scenario, ClosesAreRefusedInTheMiddleOfTheRun) {
   std::map<int, std::string> tickets;  // by the account's place
   for (const Row& row : desk.positions())
     tickets[static_cast<int>(row.cell(frmTrade::account).stored_number()) - first] = row.text(0);
-  // While a refusal waits to be read, what was already sent is executed and leaves the list.
-  desk.prompt.while_open = [&] {
-    if (desk.prompt.shown.back().text.starts_with("Unable")) desk.run(500ms);
-  };
   desk.close_all();
+  // No refusal keeps those behind it waiting until it is read.
+  EXPECT_EQ(desk.prompt.take_texts().size(), 1u);
   desk.run(1s);
   const auto no = [&](int place) { return tickets[place]; };
   const std::string unable = "Unable to close position #", is = " is in pending mode",
@@ -188,8 +120,6 @@ TEST(Scenario, ClosesAreRefusedInTheMiddleOfTheRun) {
       {6, "Position " + no(6) + is, "Position " + no(6) + is},
       {9, "Position " + no(9) + " has pending orders", "Position " + no(9) + " has pending orders"}};
   Texts messages = desk.take_messages(), expected;
-  for (const std::string& text : desk.prompt.take_texts())
-    if (!text.starts_with("Are you sure")) messages.push_back(text);
   for (const Told& one : told) {
     expected.push_back(one.message.empty() ? one.journal : one.message);
     EXPECT_TRUE(desk.journaled(std::to_string(first + one.account) + " " + one.journal)) << one.journal;

@@ -1,10 +1,77 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tsl/robin_map.h>
+
+#include "core/MGeneral.h"
 #include "core/displayable.h"
+#include "sessions/desk.h"
+#include "views/net_sum.h"
 
 namespace tutti {
 
-// Net positions: tells whether the matching window is shown.
-class CNetPos : public Displayable {};
+// Net positions: all open positions of the connected accounts, added up per symbol, per account, and per
+// both. Whoever shows them pulls what changed since it looked last, by the stamps.
+class CNetPos final : public NetDesk, public Displayable {
+ public:
+  // Symbols and accounts keep their places for the whole run; those without positions have a sum of none.
+  struct OfSymbol {
+    std::string name;
+    NetSum sum;
+    int accounts = 0;  // that hold positions of it
+    std::uint64_t stamp = 0;
+  };
+  struct OfAccount {
+    std::int32_t number = 0;
+    NetSum sum;
+    std::vector<NetSum> by_symbol;  // as many as there are symbols
+    std::uint64_t stamp = 0;
+  };
+
+  explicit CNetPos(const MGeneral& general) : general_(general) {}
+
+  const std::vector<OfSymbol>& symbols() const { return symbols_; }
+  const std::vector<OfAccount>& accounts() const { return accounts_; }
+  // Everything. Lots of different symbols are added up as they are.
+  const NetSum& total() const { return total_; }
+  // Accounts that hold any position.
+  int accounts_in_market() const { return accounts_in_market_; }
+  std::uint64_t stamp() const { return stamp_; }
+
+  // NetDesk
+  void position_added(const OpenPosition& position) override;
+  void remove_position(std::int64_t ticket) override;
+  void remove_account(std::int32_t account) override;
+  void floating_changed(const OpenPosition& position, std::string_view profit) override;
+
+ private:
+  struct Held {
+    std::uint32_t symbol = 0;  // places
+    std::uint32_t account = 0;
+    std::int32_t side = 0;
+    double lots = 0.0;
+    double price = 0.0;
+    double profit = 0.0;
+  };
+
+  std::uint32_t symbol_place(std::string_view name);
+  std::uint32_t account_place(std::int32_t number);
+  void put(const Held& held);
+  void take(const Held& held);
+  void touch(const Held& held);
+
+  const MGeneral& general_;
+  tsl::robin_map<std::int64_t, Held> held_;  // by ticket
+  tsl::robin_map<std::int32_t, std::uint32_t> place_of_account_;
+  std::vector<OfSymbol> symbols_;
+  std::vector<OfAccount> accounts_;
+  NetSum total_;
+  int accounts_in_market_ = 0;
+  std::uint64_t stamp_ = 0;
+};
 
 }  // namespace tutti

@@ -57,10 +57,12 @@ void frmTrade::floating_changed(const OpenPosition& position) {
 
 void frmTrade::RemovePosition(std::int64_t number) {
   if (Row* row = lvwOpenPos.find(ticket_key(number))) lvwOpenPos.remove(*row);
+  desk_.net->remove_position(number);
 }
 
 void frmTrade::RemovePending(std::int32_t number) {
   lvwOpenPos.remove_if([&](const Row& row) { return row.cell(Column::account).stored_number() == number; });
+  desk_.net->remove_account(number);
 }
 
 void frmTrade::chkAll_Click() {

@@ -26,7 +26,7 @@ class ScriptedClient final : public ClientAPI {
   double limit_distance = 0.0;
   double stop_distance = 0.0;
   // "side symbol-id amount"; "entry side limit|stop symbol-id amount at price [sl] [tp]"; "update" and
-  // "stops" with the number and the prices.
+  // "stops" with the number and the prices; "close ticket amount".
   std::vector<std::string> sent;
   double profit_per_point = 0.0;  // what EvaluateSLTPPrice multiplies the difference of the prices with
 
@@ -67,7 +67,8 @@ class ScriptedClient final : public ClientAPI {
   }
   std::int32_t AcceptRequote(std::int64_t) override { return request_code; }
   std::int32_t RejectRequote(std::int64_t) override { return request_code; }
-  std::int32_t ClosePosition(std::string_view, std::string_view, std::string_view) override {
+  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view) override {
+    sent.push_back("close " + std::string{ticket} + " " + std::string{amount});
     return request_code;
   }
   bool LoggedIn() const override { return logged_in; }

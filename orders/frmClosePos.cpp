@@ -1,0 +1,224 @@
+// The grid of the close positions window: which rows there are, and what they show.
+
+#include "orders/frmClosePos.h"
+
+#include <set>
+#include <utility>
+
+namespace tutti {
+namespace {
+
+constexpr std::string_view connected_state = "Connected";
+constexpr std::string_view invalid_state = "Invalid account";
+// Twelve blanks: the ticket is read back as what stands behind them.
+constexpr std::string_view position_prefix = "            #";
+constexpr std::string_view no_price_text = "Close";
+constexpr std::string_view column_widths = "14,48,12,26";
+
+std::string position_text(const Row& open) {
+  return std::string{position_prefix} + open.text(frmTrade::ticket) + " " + open.text(frmTrade::type) + " " +
+         open.text(frmTrade::amount) + " " + open.text(frmTrade::symbol) + " at " +
+         open.text(frmTrade::open_price);
+}
+
+}  // namespace
+
+frmClosePos::frmClosePos(MGeneral& general, CQuestionBox& question_box, frmMain& accounts_list,
+                         const frmTrade& trade, const SymbolCollection& symbols)
+    : general_(general),
+      question_box_(question_box),
+      accounts_list_(accounts_list),
+      trade_(trade),
+      symbols_(symbols) {
+  CloseSymbols.on_choose = [this] { CloseSymbols_Click(); };
+  chkAllClients.on_click = [this] { check_all(); };
+  LblCheck.on_click = [this] { close_postions(); };
+  next_block.on_click = [this] { take_block(); };
+  next_block.set_visible(false);
+  refresh_symbols();
+}
+
+void frmClosePos::prepare(const std::vector<std::string>& headers, std::string_view state) {
+  headers_ = headers;
+  logged_out_state_ = state;
+  rebuild();
+  general_.column_widths(MSH, column_widths);
+}
+
+void frmClosePos::Displayed(bool displayed) {
+  if (displayed_ == displayed) return;
+  displayed_ = displayed;
+  if (!displayed) return;
+  std::set<RowKey, decltype([](RowKey a, RowKey b) { return a.number() < b.number(); })> marks;
+  for (const Row& row : MSH)
+    if (is_position(row) && marked(row)) marks.insert(row.key());
+  rebuild();
+  for (const RowKey key : marks)
+    if (Row* row = MSH.find(key)) mark(*row, true);
+}
+
+void frmClosePos::CloseSymbols_Click() {
+  chkAllClients.set_checked(false);
+  rebuild();
+}
+
+void frmClosePos::rebuild() {
+  MSH.clear();
+  MSH.set_headers(headers_);
+  symbol_ = symbols_.find(CloseSymbols.text());
+  const bool priced = symbol_ != no_symbol;
+  ask_ = priced ? symbols_.entry(symbol_).ask : 0.0;
+  bid_ = priced ? symbols_.entry(symbol_).bid : 0.0;
+  if (CloseSymbols.text().empty()) return;
+
+  // Grouped first, since rows in the middle of a grid are dear.
+  struct Group {
+    std::int32_t account;
+    std::vector<const Row*> positions;
+  };
+  std::vector<Group> groups;
+  tsl::robin_map<std::int32_t, std::size_t> group_of;
+  for (const Row& open : trade_.lvwOpenPos) {
+    if (!open.reads(frmTrade::symbol, CloseSymbols.text())) continue;
+    const auto number = static_cast<std::int32_t>(open.cell(frmTrade::account).stored_number());
+    const auto [at, is_new] = group_of.emplace(number, groups.size());
+    if (is_new) groups.push_back({number, {}});
+    groups[at->second].positions.push_back(&open);
+  }
+  for (const Group& group : groups) {
+    if (!connected(group.account)) continue;
+    add_client(group.account);
+    for (auto open = group.positions.rbegin(); open != group.positions.rend(); ++open)
+      write_position(*MSH.add((*open)->key()), **open);
+  }
+}
+
+bool frmClosePos::connected(std::int32_t number) const {
+  for (const auto& session : accounts_list_.sessions().Children()) {
+    if (session->account() != number) continue;
+    const Row* row = session->ClientListItem();
+    if (row != nullptr && row->reads(frmMain::state, connected_state)) return true;
+  }
+  return false;
+}
+
+Row& frmClosePos::add_client(std::int32_t number) {
+  Row* row = get_index(number);
+  if (row == nullptr) {
+    row = MSH.add(client_key(number));
+    row->set_number(Column::account, number);
+    row->data<Kind>() = Kind::account;
+  }
+  row->set_text(Column::status, connected_state);
+  return *row;
+}
+
+void frmClosePos::Add(const OpenPosition& position) {
+  if (!displayed_ || position.symbol != CloseSymbols.text()) return;
+  const Row* open = trade_.lvwOpenPos.find(ticket_key(position.ticket));
+  if (open == nullptr) return;
+  Row* row = searchpos(position.ticket);
+  if (row == nullptr) {
+    if (!connected(position.account)) return;
+    const Row& above = add_client(position.account);
+    row = MSH.insert(MSH.index_of(above) + 1, open->key());
+  }
+  write_position(*row, *open);
+}
+
+void frmClosePos::write_position(Row& row, const Row& open) const {
+  const std::string text = position_text(open);
+  const auto has = [&text](const char* word) { return text.find(word) != std::string::npos; };
+  const bool is_new = row.cell(Column::status).empty();
+  row.set_text(Column::status, text);
+  row.set_number(Column::amount, open.cell(frmTrade::amount).stored_number());
+  row.data<Kind>() = has("Sell") ? Kind::sell : has("Buy") ? Kind::buy : Kind::other;
+  if (!is_new) return;
+  row.set_text(Column::action, no_price_text);
+  write_price(row);
+}
+
+void frmClosePos::write_price(Row& row) const {
+  const auto* kind = row.data_if<Kind>();
+  if (kind == nullptr) return;
+  if (*kind == Kind::sell && bid_ != 0.0) row.set_number(Column::action, bid_, NumberFormat::close_at);
+  if (*kind == Kind::buy && ask_ != 0.0) row.set_number(Column::action, ask_, NumberFormat::close_at);
+}
+
+void frmClosePos::RefreshPrice(double ask, double bid) {
+  ask_ = ask;
+  bid_ = bid;
+  for (Row& row : MSH)
+    write_price(row);
+}
+
+void frmClosePos::prices(SymbolHandle handle, const Symbol& symbol) {
+  if (!displayed_ || handle != symbol_) return;
+  // Every account of the symbol tells of the same price.
+  if (symbol.ask != ask_ || symbol.bid != bid_) RefreshPrice(symbol.ask, symbol.bid);
+}
+
+void frmClosePos::Remove(std::int64_t ticket) {
+  answers_.erase(ticket);
+  Row* row = searchpos(ticket);
+  if (row == nullptr) return;
+  Row* above = get_index(account_above(*row));
+  MSH.remove(*row);
+  if (above != nullptr) remove_if_empty(*above);
+}
+
+// An account that is not connected stays, so that the operator sees why its positions are gone.
+void frmClosePos::remove_if_empty(Row& above) {
+  if (above.reads(Column::status, connected_state) && positions_of(above).empty()) MSH.remove(above);
+}
+
+void frmClosePos::add_account(std::int32_t number) {
+  if (!displayed_ || CloseSymbols.text().empty()) return;
+  OpenPosition position;
+  for (const Row& open : trade_.lvwOpenPos) {
+    if (open.cell(frmTrade::account).stored_number() != number) continue;
+    position.ticket = open.key().number();
+    position.account = number;
+    position.symbol = open.text(frmTrade::symbol);
+    if (searchpos(position.ticket) == nullptr) Add(position);
+  }
+  if (Row* row = get_index(number)) remove_if_empty(*row);
+}
+
+void frmClosePos::remove_account(std::int32_t number) {
+  Row* above = displayed_ ? get_index(number) : nullptr;
+  if (above == nullptr) return;
+  for (Row* position : positions_of(*above)) {
+    answers_.erase(position->key().number());
+    MSH.remove(*position);
+  }
+  above->set_text(Column::status, logged_out_state_);
+}
+
+void frmClosePos::account_state(std::int32_t number, std::string_view state) {
+  Row* row = displayed_ ? get_index(number) : nullptr;
+  // Another session may have the account connected.
+  if (row == nullptr || (state != connected_state && connected(number))) return;
+  if (state == invalid_state) {
+    remove_account(number);
+    MSH.remove(*row);
+  } else {
+    row->set_text(Column::status, state);
+  }
+}
+
+void frmClosePos::refresh_symbols() {
+  if (std::exchange(names_stamp_, symbols_.names_stamp()) == symbols_.names_stamp()) return;
+  const bool chosen = !CloseSymbols.text().empty();
+  CloseSymbols.set_items(symbols_.names());
+  if (chosen && CloseSymbols.text().empty()) CloseSymbols_Click();
+}
+
+void frmClosePos::result(std::int64_t ticket, std::string_view text) {
+  Row* row = searchpos(ticket);
+  if (row == nullptr) return;
+  answers_[ticket] = text;
+  row->set_text(Column::action, text);
+}
+
+}  // namespace tutti

@@ -1,0 +1,152 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tsl/robin_map.h>
+
+#include "accounts/frmMain.h"
+#include "core/CQuestionBox.h"
+#include "core/MGeneral.h"
+#include "core/check_box.h"
+#include "core/combo_box.h"
+#include "core/label.h"
+#include "core/row_list.h"
+#include "orders/order_answer.h"
+#include "sessions/desk.h"
+#include "sessions/symbol_collection.h"
+#include "views/frmTrade.h"
+#include "views/position_block.h"
+
+namespace tutti {
+
+// Close positions window: the positions of one symbol in all connected accounts. The operator marks some and
+// closes them at the market, each one whole, on its own account's connection.
+//
+// The grid has two kinds of rows: an account, keyed "C" and its number, and right below it its positions,
+// keyed "T" and the ticket, the one that came last on top. While the window is hidden the grid stands still;
+// showing it brings it up to date, and the marks of the positions that are still there stay.
+class frmClosePos final : public ClosePositionsDesk {
+ public:
+  enum Column : std::size_t { account, status, amount, action };
+  // Types of the questions whose yes closes the marked positions, and one position.
+  static constexpr std::int32_t marked_question = 2;
+  static constexpr std::int32_t single_question = 4;
+  // The mark of a position is the ground of its Status cell and nothing else. Both look the same.
+  static constexpr Rgb marked_ground{254, 255, 255};
+  static constexpr Rgb unmarked_ground{255, 255, 255};
+
+  frmClosePos(MGeneral& general, CQuestionBox& question_box, frmMain& accounts_list, const frmTrade& trade,
+              const SymbolCollection& symbols);
+
+  ComboBox CloseSymbols;
+  RowList MSH;
+  CheckBox chkAllClients;
+  Label LblCheck{"Close Marked Positions"};
+  Label Label2{"Symbol"};
+  // Visible while picked blocks of other symbols wait; goes on to the next one.
+  Label next_block{""};
+
+  bool Displayed() const { return displayed_; }
+  void Displayed(bool displayed);
+
+  // Fills the grid with the positions of the chosen symbol, none of them marked.
+  void CloseSymbols_Click();
+  // A position that is open now: its row is added under its account's, or brought up to date.
+  void Add(const OpenPosition& position);
+  // Row of an account at the end of the grid, or the one it has.
+  Row& add_client(std::int32_t account);
+  // Takes a position out, and its account's row when that has none left.
+  void Remove(std::int64_t ticket);
+  // nullptr when the grid has no such row.
+  Row* get_index(std::int32_t account) const { return MSH.find(client_key(account)); }
+  Row* searchpos(std::int64_t ticket) const { return MSH.find(ticket_key(ticket)); }
+  // Each position shows the price of its own side: a Buy the ask, a Sell the bid.
+  void RefreshPrice(double ask, double bid);
+
+  // A click on a cell. On "Close" it asks and closes that position; on any other cell of a position it
+  // toggles the mark; on an account it marks all its positions, or unmarks them when all are.
+  void click(Row& row, std::size_t column);
+  // Marks the positions among these rows and those of the accounts among them; unmarks them when all are.
+  void toggle(const std::vector<Row*>& rows);
+  void check_all();
+  // Asks before anything is sent; refused while no symbol is chosen and while nothing is marked.
+  void close_postions();
+  void close_single(const Row& row);
+  // What the answers yes to these questions do. All rows are collected before the first request is sent.
+  void closepos();
+  void closepos1();
+  // Sends one close request and reports an immediate refusal; set by start-up.
+  std::function<void(const frmTrade::Close&)> close_helper;
+
+  // Another window hands over what it has picked: the first block's symbol is chosen and its accounts'
+  // positions are marked, the others wait for next_block.
+  void take(std::vector<PositionBlock> blocks);
+  // Brings the window up; set by whoever shows it.
+  std::function<void()> show;
+
+  static bool is_position(const Row& row) { return row.key().prefix() == ticket_key(0).prefix(); }
+  static bool marked(const Row& row) { return row.cell(Column::status).ground() == marked_ground; }
+  std::size_t marked_count() const;
+  // What became of the last close request for a row's position, and the text it came with.
+  OrderAnswer answer_of(const Row& row) const;
+  std::string_view answer_text(const Row& row) const;
+  // What became of all requests of the last close.
+  OrderAnswers answers() const;
+
+  // ClosePositionsDesk
+  void prepare(const std::vector<std::string>& headers, std::string_view state) override;
+  void add_account(std::int32_t account) override;
+  void remove_account(std::int32_t account) override;
+  void account_state(std::int32_t account, std::string_view state) override;
+  void refresh_symbols() override;
+  void position_opened(const OpenPosition& position) override { Add(position); }
+  void position_closed(std::int64_t ticket) override {
+    if (displayed_) Remove(ticket);
+  }
+  void prices(SymbolHandle handle, const Symbol& symbol) override;
+  void result(std::int64_t ticket, std::string_view text) override;
+
+ private:
+  // What a row is, by its texts; kept in the row so that a price need not read them.
+  enum class Kind : std::uint8_t { account, buy, sell, other };
+
+  // frmClosePos.cpp
+  void rebuild();
+  bool connected(std::int32_t account) const;
+  void write_position(Row& row, const Row& open) const;
+  void write_price(Row& row) const;
+  void remove_if_empty(Row& account);
+
+  // frmClosePos_close.cpp
+  std::vector<Row*> positions_of(const Row& account);
+  static void mark(Row& row, bool marked);
+  std::vector<frmTrade::Close> marked_positions() const;
+  static std::int64_t ticket_of(const Row& row);
+  std::int32_t account_above(const Row& row) const;
+  void send(const std::vector<frmTrade::Close>& positions);
+  const SentOrder* request(std::int64_t ticket, std::int32_t account) const;
+  void take_block();
+
+  MGeneral& general_;
+  CQuestionBox& question_box_;
+  frmMain& accounts_list_;
+  const frmTrade& trade_;
+  const SymbolCollection& symbols_;
+  std::vector<std::string> headers_;
+  std::string logged_out_state_;
+  bool displayed_ = false;
+  SymbolHandle symbol_ = no_symbol;  // the one the grid is of
+  double ask_ = 0.0;                 // last price in the grid, 0 until one came
+  double bid_ = 0.0;
+  std::uint64_t names_stamp_ = ~std::uint64_t{0};      // of the symbols that are offered
+  std::deque<PositionBlock> blocks_;                   // that wait
+  std::vector<frmTrade::Close> sent_;                  // with the last close
+  tsl::robin_map<std::int64_t, std::string> answers_;  // by ticket, of positions that are still open
+};
+
+}  // namespace tutti

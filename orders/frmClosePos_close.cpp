@@ -1,0 +1,181 @@
+// Marking and closing in the close positions window.
+
+#include <algorithm>
+#include <charconv>
+
+#include "core/texts.h"
+#include "orders/frmClosePos.h"
+
+namespace tutti {
+namespace {
+
+constexpr std::string_view nothing_marked = "There is no selected or open postions for this symbol";
+constexpr std::string_view waiting_text = " Waiting.....";
+constexpr std::size_t ticket_piece =
+    12;  // of the position text split at its blanks, behind the twelve of them
+
+}  // namespace
+
+void frmClosePos::mark(Row& row, bool marked) {
+  row.set_ground(Column::status, marked ? marked_ground : unmarked_ground);
+}
+
+std::vector<Row*> frmClosePos::positions_of(const Row& above) {
+  std::vector<Row*> out;
+  for (std::size_t at = MSH.index_of(above) + 1; at < MSH.size() && is_position(MSH.row(at)); ++at)
+    out.push_back(&MSH.row(at));
+  return out;
+}
+
+std::int32_t frmClosePos::account_above(const Row& row) const {
+  std::size_t at = MSH.index_of(row);
+  while (at > 0 && is_position(MSH.row(at)))
+    --at;
+  return static_cast<std::int32_t>(MSH.row(at).key().number());
+}
+
+void frmClosePos::click(Row& row, std::size_t column) {
+  if (is_position(row) && row.reads(column, "Close")) return close_single(row);
+  toggle({&row});
+}
+
+void frmClosePos::toggle(const std::vector<Row*>& rows) {
+  std::vector<Row*> positions;
+  for (Row* row : rows) {
+    if (is_position(*row)) {
+      positions.push_back(row);
+    } else {
+      for (Row* below : positions_of(*row))
+        positions.push_back(below);
+    }
+  }
+  const bool all = std::all_of(positions.begin(), positions.end(), [](const Row* p) { return marked(*p); });
+  for (Row* position : positions)
+    mark(*position, !all);
+}
+
+void frmClosePos::check_all() {
+  for (Row& row : MSH)
+    if (is_position(row)) mark(row, chkAllClients.checked());
+}
+
+std::size_t frmClosePos::marked_count() const {
+  return static_cast<std::size_t>(
+      std::count_if(MSH.begin(), MSH.end(), [](const Row& row) { return is_position(row) && marked(row); }));
+}
+
+std::int64_t frmClosePos::ticket_of(const Row& row) {
+  const std::string text = row.text(Column::status);
+  const auto pieces = split(text, " ");
+  std::int64_t ticket = 0;
+  if (pieces.size() > ticket_piece && pieces[ticket_piece].starts_with('#')) {
+    const std::string_view number = pieces[ticket_piece].substr(1);
+    std::from_chars(number.data(), number.data() + number.size(), ticket);
+  }
+  return ticket;
+}
+
+std::vector<frmTrade::Close> frmClosePos::marked_positions() const {
+  std::vector<frmTrade::Close> out;
+  std::int32_t number = 0;
+  for (const Row& row : MSH) {
+    if (!row.cell(Column::account).empty()) {
+      number = static_cast<std::int32_t>(row.cell(Column::account).stored_number());
+    } else if (!row.cell(Column::status).empty() && marked(row)) {
+      out.push_back({ticket_of(row), row.cell(Column::amount).number(), number});
+    }
+  }
+  return out;
+}
+
+void frmClosePos::close_postions() {
+  if (CloseSymbols.text().empty()) return general_.message_box("No symbol is selected");
+  if (marked_positions().empty()) return general_.message_box(nothing_marked);
+  question_box_.Show(
+      marked_question,
+      std::string{"Are you sure you want to close selected postion(s) at current market price(s)?"});
+}
+
+void frmClosePos::closepos() {
+  const std::vector<frmTrade::Close> positions = marked_positions();
+  if (positions.empty()) return general_.message_box(nothing_marked);
+  send(positions);
+}
+
+void frmClosePos::close_single(const Row& row) {
+  question_box_.Show(single_question,
+                     std::string{"Are you sure you want to close selected postion at current market price?"},
+                     ticket_of(row));
+}
+
+void frmClosePos::closepos1() {
+  // Events went on while the question stood.
+  const auto* ticket = std::get_if<std::int64_t>(&question_box_.value(2));
+  Row* row = ticket == nullptr ? nullptr : searchpos(*ticket);
+  if (row == nullptr) return general_.message_box(nothing_marked);
+  mark(*row, true);
+  send({{*ticket, row->cell(Column::amount).number(), account_above(*row)}});
+}
+
+void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
+  sent_ = positions;
+  for (const frmTrade::Close& position : positions) {
+    answers_.erase(position.ticket);
+    if (close_helper) close_helper(position);
+    if (Row* row = searchpos(position.ticket)) row->set_text(Column::action, waiting_text);
+  }
+}
+
+const SentOrder* frmClosePos::request(std::int64_t ticket, std::int32_t number) const {
+  const CClientAPIManager* session = accounts_list_.sessions().by_account(number);
+  return session == nullptr ? nullptr : session->sent_request(RequestKind::close, ticket);
+}
+
+OrderAnswer frmClosePos::answer_of(const Row& row) const {
+  if (!is_position(row)) return OrderAnswer::none;
+  const SentOrder* sent = request(row.key().number(), account_above(row));
+  return sent == nullptr ? OrderAnswer::none : answer_from(sent->outcome);
+}
+
+std::string_view frmClosePos::answer_text(const Row& row) const {
+  const auto at = answers_.find(row.key().number());
+  return at == answers_.end() ? std::string_view{} : at->second;
+}
+
+OrderAnswers frmClosePos::answers() const {
+  OrderAnswers out;
+  for (const frmTrade::Close& position : sent_) {
+    const SentOrder* sent = request(position.ticket, position.account);
+    out.count(sent == nullptr ? OrderAnswer::unknown : answer_from(sent->outcome));
+  }
+  return out;
+}
+
+void frmClosePos::take(std::vector<PositionBlock> blocks) {
+  blocks_.assign(std::make_move_iterator(blocks.begin()), std::make_move_iterator(blocks.end()));
+  take_block();
+}
+
+void frmClosePos::take_block() {
+  if (blocks_.empty()) return;
+  const PositionBlock block = std::move(blocks_.front());
+  blocks_.pop_front();
+  next_block.set_visible(!blocks_.empty());
+  if (!blocks_.empty()) {
+    next_block.set_text("Next symbol: " + blocks_.front().symbol +
+                        (blocks_.size() > 1 ? " (" + std::to_string(blocks_.size()) + " left)" : ""));
+  }
+  if (show) show();
+  if (CloseSymbols.find(block.symbol) < 0) {
+    return general_.message_box(block.symbol + " is not visible for any of the connected accounts");
+  }
+  CloseSymbols.choose(block.symbol);
+  for (const std::int32_t number : block.accounts) {
+    const Row* above = get_index(number);
+    if (above == nullptr) continue;
+    for (Row* position : positions_of(*above))
+      mark(*position, true);
+  }
+}
+
+}  // namespace tutti

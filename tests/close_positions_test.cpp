@@ -1,0 +1,326 @@
+// Closing across accounts: the grid, its marks, and what is sent.
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "tests/support/scenario_desk.h"
+#include "tests/support/scripted_terminal.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* sure_of_marked =
+    "Are you sure you want to close selected postion(s) at current market price(s)?";
+constexpr const char* sure_of_one =
+    "Are you sure you want to close selected postion at current market price?";
+constexpr const char* nothing_marked = "There is no selected or open postions for this symbol";
+
+Texts grid(const frmClosePos& form) {
+  Texts out;
+  for (const Row& row : form.MSH) {
+    out.push_back(form.marked(row) ? "*" : "");
+    for (std::size_t column = 0; column < row.columns(); ++column)
+      out.back() += (column == 0 ? "" : "|") + row.text(column);
+  }
+  return out;
+}
+
+// Accounts 1, 2 and 3, connected; what the clients are asked for is written down.
+struct Closing : ScriptedTerminal {
+  Closing() {
+    for (ScriptedClient* client : clients)
+      client->sink->ConnectionState(true);
+    form().Displayed(true);
+    form().refresh_symbols();
+  }
+  frmClosePos& form() { return main->close_positions(); }
+  OpenPosition& open(std::int32_t account, std::int64_t ticket, std::int32_t side = operation::buy,
+                     const char* symbol = "EURUSD", double amount = 0.5) {
+    OpenPosition position;
+    position.ticket = ticket;
+    position.account = account;
+    position.side = side;
+    position.symbol = symbol;
+    position.amount = amount;
+    position.open_price = 1.084;
+    client(account).positions.push_back(position);
+    client(account).sink->NewOpenPosition(position);
+    return client(account).positions.back();
+  }
+  void close(std::int32_t account, std::int64_t ticket) {
+    OpenPosition position;
+    position.ticket = ticket;
+    client(account).sink->DeleteOpenPosition(position);
+  }
+  void price(std::int32_t account, double bid, double ask) {
+    Symbol symbol = client(account).symbols.front();
+    symbol.bid = bid;
+    symbol.ask = ask;
+    client(account).sink->SymbolPricesChanged(symbol);
+  }
+  ScriptedClient& client(std::int32_t account) { return *clients[static_cast<std::size_t>(account) - 1]; }
+  void click(std::int64_t ticket, std::size_t column) { form().click(*form().searchpos(ticket), column); }
+  Texts sent() {
+    Texts out;
+    for (ScriptedClient* each : clients)
+      for (std::string& text : std::exchange(each->sent, {}))
+        out.push_back(std::move(text));
+    return out;
+  }
+};
+
+TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
+  Closing desk;
+  frmClosePos& form = desk.form();
+  EXPECT_EQ(form.CloseSymbols.items(), (Texts{"EURUSD", "GBPUSD"}));
+  desk.open(2, 21);
+  desk.open(1, 9'007'199'254'740'993, operation::sell);
+  desk.open(2, 22, operation::sell);
+  desk.open(1, 12, operation::buy, "GBPUSD");
+  form.CloseSymbols.choose("EURUSD");
+  const std::string indent(12, ' ');
+  const std::string big = "|" + indent + "#9007199254740993 Sell 0.5 EURUSD at 1.08400|0.5|";
+  const auto row = [&](int ticket, const char* side, const std::string& action) {
+    return "|" + indent + "#" + std::to_string(ticket) + " " + side + " 0.5 EURUSD at 1.08400|0.5|" + action;
+  };
+  EXPECT_EQ(grid(form), (Texts{"2|Connected||", row(22, "Sell", "Close"), row(21, "Buy", "Close"),
+                               "1|Connected||", big + "Close"}));
+  desk.price(3, 1.08421, 1.084);
+  // The side's own price, in the shortest form.
+  EXPECT_EQ(grid(form), (Texts{"2|Connected||", row(22, "Sell", "Close At 1.08421"),
+                               row(21, "Buy", "Close At 1.084"), "1|Connected||", big + "Close At 1.08421"}));
+
+  // What comes and goes while the window is shown; marks stay where they are.
+  form.click(*form.searchpos(21), frmClosePos::status);
+  desk.open(3, 31);
+  desk.open(2, 23);
+  desk.open(2, 24, operation::buy, "GBPUSD");
+  desk.close(2, 22);
+  desk.close(1, 9'007'199'254'740'993);
+  const Texts expected{"2|Connected||", row(23, "Buy", "Close At 1.084"),
+                       "*" + row(21, "Buy", "Close At 1.084"), "3|Connected||",
+                       row(31, "Buy", "Close At 1.084")};
+  EXPECT_EQ(grid(form), expected);
+  // A changed position keeps its mark.
+  OpenPosition grown = desk.client(2).positions.front();
+  grown.amount = 0.75;
+  desk.client(2).sink->UpdateOpenPosition(grown);
+  EXPECT_EQ(form.searchpos(21)->text(frmClosePos::amount), "0.75");
+  EXPECT_TRUE(form.marked(*form.searchpos(21)));
+  desk.client(2).sink->UpdateOpenPosition(desk.client(2).positions.front());
+
+  // Hidden it stands still; shown again it is as the market is, and marks of what is still there remain.
+  form.Displayed(false);
+  desk.close(2, 23);
+  desk.price(1, 1.09, 1.0902);
+  EXPECT_EQ(grid(form), expected);
+  form.Displayed(true);
+  EXPECT_EQ(grid(form), (Texts{"2|Connected||", "*" + row(21, "Buy", "Close At 1.0902"), "3|Connected||",
+                               row(31, "Buy", "Close At 1.0902")}));
+  // A click on the symbol unmarks everything, the box included.
+  form.chkAllClients.click();
+  EXPECT_EQ(form.marked_count(), 2u);
+  form.CloseSymbols.choose("EURUSD");
+  EXPECT_EQ(form.marked_count(), 0u);
+  EXPECT_FALSE(form.chkAllClients.checked());
+}
+
+TEST(ClosePositions, ClickDependsOnTheCell) {
+  Closing desk;
+  frmClosePos& form = desk.form();
+  desk.open(1, 11);
+  desk.open(1, 12);
+  desk.open(2, 21);
+  form.CloseSymbols.choose("EURUSD");
+  const auto marks = [&] {
+    std::string out;
+    for (const Row& row : form.MSH)
+      if (form.is_position(row)) out += form.marked(row) ? '*' : '-';
+    return out;  // of 12, 11, 21
+  };
+  for (const std::size_t column : {frmClosePos::account, frmClosePos::status, frmClosePos::amount})
+    desk.click(12, column);
+  EXPECT_EQ(marks(), "*--");
+  form.click(*form.get_index(1), frmClosePos::action);
+  EXPECT_EQ(marks(), "**-");
+  form.click(*form.get_index(1), frmClosePos::account);
+  EXPECT_EQ(marks(), "---");
+  form.toggle({form.get_index(1), form.searchpos(21), form.searchpos(12)});
+  EXPECT_EQ(marks(), "***");
+  form.toggle({form.searchpos(11)});
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{});
+
+  // Only "Close" itself closes, and only that position.
+  desk.prompt.answers = {2, RecordingPrompt::escape, 1};
+  for (int i = 0; i < 3; ++i)
+    desk.click(11, frmClosePos::action);
+  EXPECT_EQ(desk.prompt.take_texts(), Texts(3, sure_of_one));
+  EXPECT_EQ(desk.sent(), Texts{"close 11 0.5"});
+  EXPECT_EQ(form.searchpos(11)->text(frmClosePos::action), " Waiting.....");
+  EXPECT_EQ(marks(), "***");
+  desk.click(11, frmClosePos::action);
+  EXPECT_EQ(marks(), "*-*");
+  desk.price(1, 1.08, 1.081);
+  EXPECT_EQ(form.searchpos(11)->text(frmClosePos::action), "Close At 1.081");
+  desk.click(11, frmClosePos::action);
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{});
+  EXPECT_EQ(desk.sent(), Texts{});
+  EXPECT_EQ(marks(), "***");
+}
+
+TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {
+  Closing desk;
+  frmClosePos& form = desk.form();
+  form.LblCheck.click();
+  form.CloseSymbols.choose("EURUSD");
+  form.LblCheck.click();
+  desk.open(1, 11);
+  desk.open(2, 21);
+  desk.open(3, 31);
+  form.LblCheck.click();
+  EXPECT_EQ(desk.prompt.take_texts(), (Texts{"No symbol is selected", nothing_marked, nothing_marked}));
+  // A ground that only looks like the mark is none.
+  form.searchpos(11)->set_ground(frmClosePos::status, {255, 254, 255});
+  form.LblCheck.click();
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{nothing_marked});
+
+  // One more opens and one of those meant goes while the question stands.
+  form.chkAllClients.click();
+  desk.prompt.while_open = [&] {
+    desk.open(1, 12);
+    desk.close(2, 21);
+    desk.price(1, 1.1, 1.2);
+  };
+  form.LblCheck.click();
+  desk.prompt.while_open = {};
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{sure_of_marked});
+  EXPECT_EQ(desk.sent(), (Texts{"close 11 0.5", "close 31 0.5"}));
+
+  // All of them go: the answer yes finds nothing to send any more, nor does that of a single one.
+  desk.prompt.while_open = [&] {
+    desk.close(1, 11);
+    desk.close(3, 31);
+  };
+  form.LblCheck.click();
+  EXPECT_EQ(desk.prompt.take_texts(), (Texts{sure_of_marked, nothing_marked}));
+  form.searchpos(12)->set_text(frmClosePos::action, "Close");
+  desk.prompt.while_open = [&] {
+    if (desk.prompt.shown.size() == 1) desk.close(1, 12);
+  };
+  desk.click(12, frmClosePos::action);
+  EXPECT_EQ(desk.prompt.take_texts(), (Texts{sure_of_one, nothing_marked}));
+  EXPECT_EQ(desk.sent(), Texts{});
+}
+
+TEST(ClosePositions, AccountsLoseTheirRowsWithTheConnection) {
+  Closing desk;
+  frmClosePos& form = desk.form();
+  desk.open(1, 11);
+  desk.open(2, 21);
+  form.CloseSymbols.choose("EURUSD");
+  const auto states = [&] {
+    Texts out;
+    for (const Row& row : form.MSH)
+      out.push_back(form.is_position(row) ? "#" : row.text(frmClosePos::status));
+    return out;
+  };
+  desk.client(1).sink->ConnectionState(false);
+  EXPECT_EQ(states(), (Texts{"Disconnected", "Connected", "#"}));
+  // Neither is a position, so there is nothing to close.
+  form.chkAllClients.click();
+  desk.close(2, 21);
+  form.LblCheck.click();
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{nothing_marked});
+  EXPECT_EQ(states(), Texts{"Disconnected"});
+
+  desk.client(1).sink->WaitingMode(2);
+  EXPECT_EQ(states(), Texts{"Connecting"});
+  // Positions that come before the account is connected are in the grid when its data are complete.
+  desk.client(1).sink->OpenPositionsLoaded();
+  EXPECT_EQ(states(), Texts{"Connecting"});
+  desk.client(1).sink->ConnectionState(true);
+  desk.client(1).info = AccountInfo{};
+  desk.client(1).sink->AllDataAreLoaded();
+  EXPECT_EQ(states(), (Texts{"Connected", "#"}));
+  EXPECT_EQ(form.marked_count(), 0u);
+  desk.client(1).sink->ConnectionState(false);
+  form.CloseSymbols.choose("EURUSD");
+  EXPECT_EQ(states(), Texts{});
+
+  // A login that is refused takes the account out.
+  desk.client(2).sink->NewOpenPosition(desk.client(2).positions.front());
+  EXPECT_EQ(states(), (Texts{"Connected", "#"}));
+  desk.client(2).sink->InvalidUsernamePassword();
+  EXPECT_EQ(states(), Texts{});
+}
+
+TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
+  DealerConfig config = still_market(50);
+  config.ticks.insert(config.ticks.begin(), {5s, "EURUSD", 1.09, 1.0902});
+  config.order_latency = 20ms;
+  config.faults = {fault(FaultKind::refuse, {first + 5}, FaultPoint::close, request::no_privilege),
+                   fault(FaultKind::refuse, {first + 10}, FaultPoint::close, request::invalid_lots),
+                   fault(FaultKind::reject, {first + 15}, FaultPoint::close, result::trading_closed),
+                   fault(FaultKind::pending, {first + 20}, FaultPoint::close, 0, 10s)};
+  for (FaultConfig& once : config.faults)
+    once.times = 1;
+  for (AccountConfig& account : config.accounts)
+    account.balance = 50'000.0;
+  ScenarioDesk desk{config};
+  desk.open("50");
+  desk.open("25");
+  // Two accounts of the fifty don't trade.
+  const std::size_t opened = desk.positions().size();
+  ASSERT_EQ(opened, 96u);
+  frmClosePos& form = desk.main->close_positions();
+  form.Displayed(true);
+  form.CloseSymbols.choose("EURUSD");
+  ASSERT_EQ(form.MSH.size(), opened + opened / 2);
+
+  // One by one, by account, and all that are marked by now.
+  form.click(form.MSH.row(1), frmClosePos::status);
+  for (const int account : {0, 5, 10, 15, 20, 25})
+    form.click(*form.get_index(first + account), frmClosePos::account);
+  desk.prompt.take_texts();
+  const std::size_t marked = form.marked_count();
+  form.LblCheck.click();
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{sure_of_marked});
+  EXPECT_EQ(form.answers().text(), "2 refused, " + std::to_string(marked - 2) + " waiting");
+  desk.run(300ms);
+  EXPECT_EQ(form.answers().text(), std::to_string(marked - 4) + " accepted, 3 refused, 1 waiting");
+  EXPECT_EQ(desk.positions().size(), opened - marked + 4);
+  const Texts messages = desk.take_messages();
+  ASSERT_EQ(messages.size(), 3u);
+  for (const char* const end : {", account 500105 does not have privilege", ", The amount: 0.5 is invalid",
+                                " trading is closed for account 500115"}) {
+    EXPECT_EQ(
+        std::count_if(messages.begin(), messages.end(), [&](const auto& m) { return m.ends_with(end); }), 1)
+        << end;
+  }
+  const auto first_of = [&](int account) -> const Row& {
+    return form.MSH.row(form.MSH.index_of(*form.get_index(first + account)) + 1);
+  };
+  EXPECT_EQ(form.answer_of(first_of(15)), OrderAnswer::refused);
+  EXPECT_EQ(form.answer_text(first_of(15)), " Trading is closed");
+  EXPECT_EQ(first_of(15).text(frmClosePos::action), " Trading is closed");
+  EXPECT_EQ(first_of(20).text(frmClosePos::action), "Position in pending mode");
+  EXPECT_EQ(desk.differences(), Texts{});
+
+  // Prices go over everything that stands in Action; what became of the request stays known.
+  desk.run(5s);
+  EXPECT_EQ(first_of(15).text(frmClosePos::action), "Close At 1.0902");
+  EXPECT_EQ(form.answer_text(first_of(15)), " Trading is closed");
+  desk.run(10s);
+  form.chkAllClients.click();
+  form.LblCheck.click();
+  desk.run(1s);
+  EXPECT_TRUE(desk.positions().empty());
+  EXPECT_TRUE(form.MSH.empty());
+  EXPECT_EQ(desk.differences(), Texts{});
+}
+
+}  // namespace
+}  // namespace tutti::testing

@@ -1,0 +1,108 @@
+#include "views/CNetPos.h"
+
+#include <algorithm>
+
+#include "core/numbers.h"
+
+namespace tutti {
+
+// Symbols are few, and their places are looked up once per position.
+std::uint32_t CNetPos::symbol_place(std::string_view name) {
+  const auto at =
+      std::find_if(symbols_.begin(), symbols_.end(), [&](const auto& s) { return s.name == name; });
+  const auto place = static_cast<std::uint32_t>(at - symbols_.begin());
+  if (at == symbols_.end()) {
+    symbols_.push_back({.name = std::string{name}, .sum = {}});
+    for (OfAccount& account : accounts_)
+      account.by_symbol.emplace_back();
+  }
+  return place;
+}
+
+std::uint32_t CNetPos::account_place(std::int32_t number) {
+  const auto [at, is_new] = place_of_account_.emplace(number, static_cast<std::uint32_t>(accounts_.size()));
+  if (is_new)
+    accounts_.push_back({.number = number, .sum = {}, .by_symbol = std::vector<NetSum>(symbols_.size())});
+  return at->second;
+}
+
+void CNetPos::touch(const Held& held) {
+  ++stamp_;
+  symbols_[held.symbol].stamp = stamp_;
+  accounts_[held.account].stamp = stamp_;
+}
+
+void CNetPos::put(const Held& held) {
+  OfSymbol& symbol = symbols_[held.symbol];
+  OfAccount& account = accounts_[held.account];
+  NetSum& both = account.by_symbol[held.symbol];
+  if (both.positions() == 0) ++symbol.accounts;
+  if (account.sum.positions() == 0) ++accounts_in_market_;
+  for (NetSum* sum : {&symbol.sum, &account.sum, &both, &total_})
+    sum->add(held.side, held.lots, held.price, held.profit);
+  touch(held);
+}
+
+void CNetPos::take(const Held& held) {
+  OfSymbol& symbol = symbols_[held.symbol];
+  OfAccount& account = accounts_[held.account];
+  NetSum& both = account.by_symbol[held.symbol];
+  for (NetSum* sum : {&symbol.sum, &account.sum, &both, &total_})
+    sum->take(held.side, held.lots, held.price, held.profit);
+  if (both.positions() == 0) --symbol.accounts;
+  if (account.sum.positions() == 0) --accounts_in_market_;
+  touch(held);
+}
+
+void CNetPos::position_added(const OpenPosition& position) {
+  const Held now{symbol_place(position.symbol),
+                 account_place(position.account),
+                 position.side,
+                 position.amount,
+                 position.open_price,
+                 position.floating_pl};
+  const auto [at, is_new] = held_.emplace(position.ticket, now);
+  if (!is_new) {
+    take(at->second);
+    at.value() = now;
+  }
+  put(now);
+}
+
+void CNetPos::remove_position(std::int64_t ticket) {
+  const auto at = held_.find(ticket);
+  if (at == held_.end()) return;
+  take(at->second);
+  held_.erase(at);
+}
+
+void CNetPos::remove_account(std::int32_t number) {
+  const auto place = place_of_account_.find(number);
+  if (place == place_of_account_.end() || accounts_[place->second].sum.positions() == 0) return;
+  for (auto at = held_.begin(); at != held_.end();) {
+    if (at->second.account != place->second) {
+      ++at;
+    } else {
+      take(at->second);
+      at = held_.erase(at);
+    }
+  }
+}
+
+void CNetPos::floating_changed(const OpenPosition& position, std::string_view profit) {
+  const auto at = held_.find(position.ticket);
+  if (at == held_.end()) return;
+  Held& held = at.value();
+  const double now =
+      general_.locale != nullptr ? general_.locale->StringToNumber(profit) : read_number(profit);
+  const double change = now - held.profit;
+  held.profit = now;
+  OfAccount& account = accounts_[held.account];
+  symbols_[held.symbol].sum.floating += change;
+  account.sum.floating += change;
+  account.by_symbol[held.symbol].floating += change;
+  total_.floating += change;
+  touch(held);
+}
+
+}  // namespace tutti

@@ -1,0 +1,120 @@
+#include "views/frmNetTrade.h"
+
+#include <utility>
+
+#include "views/ordered_row.h"
+
+namespace tutti {
+namespace {
+
+constexpr int money_decimals = 2;
+constexpr char symbol_prefix = 'S';
+
+// Long, average, short, average, net and profit, from a column on.
+void write_sum(Row& row, std::size_t first, const NetSum& sum, int digits) {
+  row.set_number(first, sum.long_total());
+  row.set_fixed_or_empty(first + 1, sum.average_long(), digits);
+  row.set_number(first + 2, sum.short_total());
+  row.set_fixed_or_empty(first + 3, sum.average_short(), digits);
+  row.set_number(first + 4, sum.net());
+  row.set_fixed(first + 5, sum.floating, money_decimals);
+}
+
+}  // namespace
+
+frmNetTrade::frmNetTrade(MGeneral& general, const CNetPos& book, const SymbolCollection& symbols)
+    : general_(general), book_(book), symbols_(symbols) {
+  general_.column_widths(lvwNet, "14,10,11,14,11,14,11,15");
+  general_.column_widths(lvwNetAccounts, "16,13,15,13,15,12,16");
+  lvwNet.on_select = [this](const Row& row) { pick(row); };
+  lvwNet.on_activate = [this](const Row& row) {
+    pick(row);
+    if (close && picked_ >= 0) close({{picked(), {}}});
+  };
+  lvwNetAccounts.on_activate = [this](const Row& row) {
+    if (close) close({{picked(), {static_cast<std::int32_t>(row.key().number())}}});
+  };
+  close_accounts.on_click = [this] { close_selected(); };
+}
+
+std::string frmNetTrade::picked() const {
+  return picked_ < 0 ? std::string{} : book_.symbols()[static_cast<std::size_t>(picked_)].name;
+}
+
+void frmNetTrade::pick(const Row& row) {
+  const int place = is_total(row) ? -1 : static_cast<int>(row.key().number());
+  if (place == picked_) return;
+  picked_ = place;
+  refill_ = true;
+}
+
+void frmNetTrade::refresh() {
+  if (seen_ == book_.stamp() && !refill_) return;
+  refresh_symbols();
+  refresh_accounts();
+  seen_ = book_.stamp();
+}
+
+void frmNetTrade::refresh_symbols() {
+  for (std::size_t place = 0; place < book_.symbols().size(); ++place) {
+    const CNetPos::OfSymbol& symbol = book_.symbols()[place];
+    if (symbol.stamp <= seen_) continue;
+    const RowKey key{symbol_prefix, static_cast<std::int64_t>(place)};
+    if (symbol.sum.positions() == 0) {
+      if (Row* row = lvwNet.find(key)) lvwNet.remove(*row);
+      continue;
+    }
+    const auto before = [&](const Row& row) { return row.text(Column::symbol) < symbol.name; };
+    write(ordered_row(lvwNet, key, before), symbol);
+  }
+  if (!lvwNet.empty()) write_total();
+}
+
+void frmNetTrade::write(Row& row, const CNetPos::OfSymbol& symbol) const {
+  const SymbolHandle handle = symbols_.find(symbol.name);
+  row.set_text(Column::symbol, symbol.name);
+  row.set_number(Column::accounts, symbol.accounts);
+  write_sum(row, Column::bought, symbol.sum, handle == no_symbol ? 5 : symbols_.entry(handle).digits);
+}
+
+void frmNetTrade::write_total() {
+  Row& row = general_.total_row(lvwNet);
+  if (book_.total().positions() == 0) return lvwNet.remove(row);
+  row.set_number(Column::accounts, book_.accounts_in_market());
+  write_sum(row, Column::bought, book_.total(), 0);
+  // Prices of different symbols have no average.
+  row.set_text(Column::bought_at, "");
+  row.set_text(Column::sold_at, "");
+}
+
+void frmNetTrade::refresh_accounts() {
+  const bool all = std::exchange(refill_, false);
+  if (all) lvwNetAccounts.clear();
+  if (picked_ < 0) return;
+  const auto place = static_cast<std::size_t>(picked_);
+  const SymbolHandle handle = symbols_.find(book_.symbols()[place].name);
+  for (const CNetPos::OfAccount& account : book_.accounts()) {
+    if (account.stamp <= seen_ && !all) continue;
+    const NetSum& sum = account.by_symbol[place];
+    const RowKey key = client_key(account.number);
+    if (sum.positions() == 0) {
+      if (Row* row = lvwNetAccounts.find(key)) lvwNetAccounts.remove(*row);
+      continue;
+    }
+    Row& row = ordered_row(lvwNetAccounts, key,
+                           [&](const Row& other) { return other.key().number() < account.number; });
+    row.set_number(AccountColumn::account, account.number);
+    write_sum(row, AccountColumn::of_bought, sum, handle == no_symbol ? 5 : symbols_.entry(handle).digits);
+  }
+}
+
+void frmNetTrade::close_selected() const {
+  if (!close || picked_ < 0) return;
+  PositionBlock block{picked(), {}};
+  const bool all = lvwNetAccounts.selected().empty();
+  for (const Row& row : lvwNetAccounts)
+    if (all || row.selected()) block.accounts.push_back(static_cast<std::int32_t>(row.key().number()));
+  close({std::move(block)});
+}
+
+}  // namespace tutti

@@ -1,0 +1,90 @@
+#include "views/net_matrix.h"
+
+#include <set>
+#include <utility>
+
+#include "views/ordered_row.h"
+
+namespace tutti {
+namespace {
+
+constexpr int money_decimals = 2;
+
+}  // namespace
+
+NetMatrix::NetMatrix(MGeneral& general, const CNetPos& book) : general_(general), book_(book) {
+  shown.set_items({"Net lots", "P/L"});
+  shown.set_index(0);
+  // Everything is written anew.
+  shown.on_choose = [this] { seen_ = 0; };
+}
+
+// Rows are made for their columns: with a new symbol they are made anew.
+void NetMatrix::follow_symbols() {
+  if (lvwNetMatrix.columns().size() == first_symbol + book_.symbols().size()) return;
+  std::vector<std::string> headers{"Account", "Total"};
+  for (const CNetPos::OfSymbol& symbol : book_.symbols())
+    headers.push_back(symbol.name);
+  lvwNetMatrix.clear();
+  lvwNetMatrix.set_headers(std::move(headers));
+  seen_ = 0;
+}
+
+void NetMatrix::write(Row& row, const NetSum& sum, std::size_t column) const {
+  if (sum.positions() == 0) {
+    row.set_text(column, "");
+  } else if (shows_profit()) {
+    row.set_fixed(column, sum.floating, money_decimals);
+  } else {
+    row.set_number(column, sum.net());
+  }
+}
+
+void NetMatrix::refresh() {
+  follow_symbols();
+  if (seen_ == book_.stamp()) return;
+  for (const CNetPos::OfAccount& each : book_.accounts()) {
+    if (each.stamp <= seen_) continue;
+    const RowKey key = client_key(each.number);
+    if (each.sum.positions() == 0) {
+      if (Row* row = lvwNetMatrix.find(key)) lvwNetMatrix.remove(*row);
+      continue;
+    }
+    Row& row =
+        ordered_row(lvwNetMatrix, key, [&](const Row& other) { return other.key().number() < each.number; });
+    row.set_number(Column::account, each.number);
+    write(row, each.sum, Column::total);
+    for (std::size_t place = 0; place < each.by_symbol.size(); ++place)
+      write(row, each.by_symbol[place], first_symbol + place);
+  }
+  if (!lvwNetMatrix.empty()) {
+    Row& row = general_.total_row(lvwNetMatrix);
+    write(row, book_.total(), Column::total);
+    for (std::size_t place = 0; place < book_.symbols().size(); ++place)
+      write(row, book_.symbols()[place].sum, first_symbol + place);
+    if (book_.total().positions() == 0) lvwNetMatrix.remove(row);
+  }
+  seen_ = book_.stamp();
+}
+
+void NetMatrix::close_picked(const std::vector<Picked>& cells) const {
+  if (!close) return;
+  tsl::robin_map<std::int32_t, std::set<std::size_t>> columns_of;
+  for (const Picked& cell : cells)
+    columns_of[cell.account].insert(cell.column);
+  std::vector<PositionBlock> blocks;
+  for (std::size_t place = 0; place < book_.symbols().size(); ++place) {
+    PositionBlock block{book_.symbols()[place].name, {}};
+    for (const CNetPos::OfAccount& each : book_.accounts()) {
+      const auto picked = columns_of.find(each.number);
+      if (picked == columns_of.end() || each.by_symbol[place].positions() == 0) continue;
+      const std::set<std::size_t>& columns = picked->second;
+      if (*columns.begin() < first_symbol || columns.contains(first_symbol + place))
+        block.accounts.push_back(each.number);
+    }
+    if (!block.accounts.empty()) blocks.push_back(std::move(block));
+  }
+  if (!blocks.empty()) close(std::move(blocks));
+}
+
+}  // namespace tutti
