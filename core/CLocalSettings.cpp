@@ -49,6 +49,9 @@ std::string CLocalSettings::FormatStringAsNumber(std::string_view text) const {
 }
 
 double CLocalSettings::StringToNumber(std::string_view text) const {
+  const auto has = [&](const std::string& what) { return text.find(what) != std::string_view::npos; };
+  // Most texts are as the reader takes them.
+  if (decimal_ == "." && !has(thousand_)) return read_number(text);
   return read_number(FormatStringAsNumber(text));
 }
 

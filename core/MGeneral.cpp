@@ -70,6 +70,10 @@ void MGeneral::message_box(std::string_view text, std::string_view caption) {
       frmMsgBox::Icon::stop);
 }
 
+void MGeneral::queue_message(std::string_view text) {
+  messages_.post({std::string{text}, "Alert", "OK", ""});
+}
+
 Row& MGeneral::total_row(RowList& list) const {
   constexpr std::string_view label = "Total(All Clients)";
   for (Row& row : list) {

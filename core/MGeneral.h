@@ -74,6 +74,8 @@ class MGeneral {
   // Box with one "OK" button; default_caption shows as "Alert".
   void message_box(std::string_view text, std::string_view caption);
   void message_box(std::string_view text) { message_box(text, default_caption); }
+  // The same box without waiting for the button: it stands behind the messages of events.
+  void queue_message(std::string_view text);
   // True while an event handler runs.
   bool in_handler() const { return messages_.in_handler(); }
   void log(std::string_view message, std::int32_t account) {
@@ -85,7 +87,7 @@ class MGeneral {
   bool manage_side(const Row& row, std::size_t column) const;
 
  private:
-  const MessageQueue& messages_;
+  MessageQueue& messages_;
   std::string amount_precision_ = "1";
   bool precision_held_ = false;
 };

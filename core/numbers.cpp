@@ -72,7 +72,12 @@ std::optional<std::int32_t> parse_int32(std::string_view text) {
 
 std::string number_text(double value) {
   if (!std::isfinite(value) || value == 0.0) return "0";
-  return fmt::format("{:.15G}", value);
+  std::array<char, 32> text;
+  constexpr int digits = 15;
+  const auto written =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits);
+  std::replace(text.data(), written.ptr, 'e', 'E');
+  return {text.data(), written.ptr};
 }
 
 double as_text_reads(double value) {

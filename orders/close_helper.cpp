@@ -22,8 +22,7 @@ void CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account
 
 void CloseHelper::report(const std::string& text, std::int32_t account) {
   general_.log(text, account);
-  const MessageQueue::HandlerScope queued{messages_};
-  general_.message_box(text);
+  general_.queue_message(text);
 }
 
 }  // namespace tutti

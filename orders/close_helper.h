@@ -14,8 +14,7 @@ namespace tutti {
 // operator has seen what became of the one before.
 class CloseHelper {
  public:
-  CloseHelper(MGeneral& general, MessageQueue& messages, CClientAPIManagers& sessions)
-      : general_(general), messages_(messages), sessions_(sessions) {}
+  CloseHelper(MGeneral& general, CClientAPIManagers& sessions) : general_(general), sessions_(sessions) {}
 
   // `amount` in lots. Nothing happens when no session has the account.
   void close(std::int64_t ticket, double amount, std::int32_t account);
@@ -24,7 +23,6 @@ class CloseHelper {
   void report(const std::string& text, std::int32_t account);
 
   MGeneral& general_;
-  MessageQueue& messages_;
   CClientAPIManagers& sessions_;
 };
 

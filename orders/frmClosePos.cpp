@@ -2,7 +2,7 @@
 
 #include "orders/frmClosePos.h"
 
-#include <set>
+#include <algorithm>
 #include <utility>
 
 namespace tutti {
@@ -49,12 +49,15 @@ void frmClosePos::Displayed(bool displayed) {
   if (displayed_ == displayed) return;
   displayed_ = displayed;
   if (!displayed) return;
-  std::set<RowKey, decltype([](RowKey a, RowKey b) { return a.number() < b.number(); })> marks;
+  std::vector<RowKey> marks;
   for (const Row& row : MSH)
-    if (is_position(row) && marked(row)) marks.insert(row.key());
+    if (is_position(row) && marked(row)) marks.push_back(row.key());
   rebuild();
   for (const RowKey key : marks)
     if (Row* row = MSH.find(key)) mark(*row, true);
+  // Positions that came meanwhile are not marked.
+  const auto positions = std::count_if(MSH.begin(), MSH.end(), is_position);
+  if (static_cast<std::size_t>(positions) != marked_count()) chkAllClients.set_checked(false);
 }
 
 void frmClosePos::CloseSymbols_Click() {
@@ -65,11 +68,12 @@ void frmClosePos::CloseSymbols_Click() {
 void frmClosePos::rebuild() {
   MSH.clear();
   MSH.set_headers(headers_);
-  symbol_ = symbols_.find(CloseSymbols.text());
+  symbol_name_ = CloseSymbols.text();
+  symbol_ = symbols_.find(symbol_name_);
   const bool priced = symbol_ != no_symbol;
   ask_ = priced ? symbols_.entry(symbol_).ask : 0.0;
   bid_ = priced ? symbols_.entry(symbol_).bid : 0.0;
-  if (CloseSymbols.text().empty()) return;
+  if (symbol_name_.empty()) return;
 
   // Grouped first, since rows in the middle of a grid are dear.
   struct Group {
@@ -79,7 +83,7 @@ void frmClosePos::rebuild() {
   std::vector<Group> groups;
   tsl::robin_map<std::int32_t, std::size_t> group_of;
   for (const Row& open : trade_.lvwOpenPos) {
-    if (!open.reads(frmTrade::symbol, CloseSymbols.text())) continue;
+    if (!open.reads(frmTrade::symbol, symbol_name_)) continue;
     const auto number = static_cast<std::int32_t>(open.cell(frmTrade::account).stored_number());
     const auto [at, is_new] = group_of.emplace(number, groups.size());
     if (is_new) groups.push_back({number, {}});
@@ -114,16 +118,18 @@ Row& frmClosePos::add_client(std::int32_t number) {
 }
 
 void frmClosePos::Add(const OpenPosition& position) {
-  if (!displayed_ || position.symbol != CloseSymbols.text()) return;
-  const Row* open = trade_.lvwOpenPos.find(ticket_key(position.ticket));
-  if (open == nullptr) return;
-  Row* row = searchpos(position.ticket);
+  if (!displayed_ || position.symbol != symbol_name_) return;
+  if (const Row* open = trade_.lvwOpenPos.find(ticket_key(position.ticket))) add_row(*open);
+}
+
+void frmClosePos::add_row(const Row& open) {
+  Row* row = MSH.find(open.key());
   if (row == nullptr) {
-    if (!connected(position.account)) return;
-    const Row& above = add_client(position.account);
-    row = MSH.insert(MSH.index_of(above) + 1, open->key());
+    const auto number = static_cast<std::int32_t>(open.cell(frmTrade::account).stored_number());
+    if (!connected(number)) return;
+    row = MSH.insert(MSH.index_of(add_client(number)) + 1, open.key());
   }
-  write_position(*row, *open);
+  write_position(*row, open);
 }
 
 void frmClosePos::write_position(Row& row, const Row& open) const {
@@ -136,6 +142,8 @@ void frmClosePos::write_position(Row& row, const Row& open) const {
   if (!is_new) return;
   row.set_text(Column::action, no_price_text);
   write_price(row);
+  // A request that is still on its way shows until the next price, so that nobody sends it again.
+  if (answer_of(row) == OrderAnswer::waiting) row.set_text(Column::action, waiting_text);
 }
 
 void frmClosePos::write_price(Row& row) const {
@@ -154,12 +162,16 @@ void frmClosePos::RefreshPrice(double ask, double bid) {
 
 void frmClosePos::prices(SymbolHandle handle, const Symbol& symbol) {
   if (!displayed_ || handle != symbol_) return;
-  // Every account of the symbol tells of the same price.
+  // Every account of the symbol tells of the same price, which is no change after the first of them.
   if (symbol.ask != ask_ || symbol.bid != bid_) RefreshPrice(symbol.ask, symbol.bid);
 }
 
-void frmClosePos::Remove(std::int64_t ticket) {
+void frmClosePos::position_closed(std::int64_t ticket) {
   answers_.erase(ticket);
+  if (displayed_) Remove(ticket);
+}
+
+void frmClosePos::Remove(std::int64_t ticket) {
   Row* row = searchpos(ticket);
   if (row == nullptr) return;
   Row* above = get_index(account_above(*row));
@@ -173,14 +185,10 @@ void frmClosePos::remove_if_empty(Row& above) {
 }
 
 void frmClosePos::add_account(std::int32_t number) {
-  if (!displayed_ || CloseSymbols.text().empty()) return;
-  OpenPosition position;
+  if (!displayed_ || symbol_name_.empty()) return;
   for (const Row& open : trade_.lvwOpenPos) {
-    if (open.cell(frmTrade::account).stored_number() != number) continue;
-    position.ticket = open.key().number();
-    position.account = number;
-    position.symbol = open.text(frmTrade::symbol);
-    if (searchpos(position.ticket) == nullptr) Add(position);
+    if (open.cell(frmTrade::account).stored_number() == number && open.reads(frmTrade::symbol, symbol_name_))
+      add_row(open);
   }
   if (Row* row = get_index(number)) remove_if_empty(*row);
 }
@@ -188,10 +196,8 @@ void frmClosePos::add_account(std::int32_t number) {
 void frmClosePos::remove_account(std::int32_t number) {
   Row* above = displayed_ ? get_index(number) : nullptr;
   if (above == nullptr) return;
-  for (Row* position : positions_of(*above)) {
-    answers_.erase(position->key().number());
+  for (Row* position : positions_of(*above))
     MSH.remove(*position);
-  }
   above->set_text(Column::status, logged_out_state_);
 }
 
@@ -208,7 +214,8 @@ void frmClosePos::account_state(std::int32_t number, std::string_view state) {
 }
 
 void frmClosePos::refresh_symbols() {
-  if (std::exchange(names_stamp_, symbols_.names_stamp()) == symbols_.names_stamp()) return;
+  if (names_stamp_ == symbols_.names_stamp()) return;
+  names_stamp_ = symbols_.names_stamp();
   const bool chosen = !CloseSymbols.text().empty();
   CloseSymbols.set_items(symbols_.names());
   if (chosen && CloseSymbols.text().empty()) CloseSymbols_Click();

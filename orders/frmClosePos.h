@@ -36,6 +36,8 @@ class frmClosePos final : public ClosePositionsDesk {
   // Types of the questions whose yes closes the marked positions, and one position.
   static constexpr std::int32_t marked_question = 2;
   static constexpr std::int32_t single_question = 4;
+  // What Action reads from a request on until its answer, or the next price.
+  static constexpr std::string_view waiting_text = " Waiting.....";
   // The mark of a position is the ground of its Status cell and nothing else. Both look the same.
   static constexpr Rgb marked_ground{254, 255, 255};
   static constexpr Rgb unmarked_ground{255, 255, 255};
@@ -58,7 +60,7 @@ class frmClosePos final : public ClosePositionsDesk {
   void CloseSymbols_Click();
   // A position that is open now: its row is added under its account's, or brought up to date.
   void Add(const OpenPosition& position);
-  // Row of an account at the end of the grid, or the one it has.
+  // Row of a connected account, made at the end of the grid when it has none.
   Row& add_client(std::int32_t account);
   // Takes a position out, and its account's row when that has none left.
   void Remove(std::int64_t ticket);
@@ -92,7 +94,7 @@ class frmClosePos final : public ClosePositionsDesk {
   static bool is_position(const Row& row) { return row.key().prefix() == ticket_key(0).prefix(); }
   static bool marked(const Row& row) { return row.cell(Column::status).ground() == marked_ground; }
   std::size_t marked_count() const;
-  // What became of the last close request for a row's position, and the text it came with.
+  // What became of the last close request for a row's position, and the text of a refusal.
   OrderAnswer answer_of(const Row& row) const;
   std::string_view answer_text(const Row& row) const;
   // What became of all requests of the last close.
@@ -105,9 +107,7 @@ class frmClosePos final : public ClosePositionsDesk {
   void account_state(std::int32_t account, std::string_view state) override;
   void refresh_symbols() override;
   void position_opened(const OpenPosition& position) override { Add(position); }
-  void position_closed(std::int64_t ticket) override {
-    if (displayed_) Remove(ticket);
-  }
+  void position_closed(std::int64_t ticket) override;
   void prices(SymbolHandle handle, const Symbol& symbol) override;
   void result(std::int64_t ticket, std::string_view text) override;
 
@@ -120,6 +120,7 @@ class frmClosePos final : public ClosePositionsDesk {
   bool connected(std::int32_t account) const;
   void write_position(Row& row, const Row& open) const;
   void write_price(Row& row) const;
+  void add_row(const Row& open);
   void remove_if_empty(Row& account);
 
   // frmClosePos_close.cpp
@@ -140,13 +141,14 @@ class frmClosePos final : public ClosePositionsDesk {
   std::vector<std::string> headers_;
   std::string logged_out_state_;
   bool displayed_ = false;
+  std::string symbol_name_;
   SymbolHandle symbol_ = no_symbol;  // the one the grid is of
   double ask_ = 0.0;                 // last price in the grid, 0 until one came
   double bid_ = 0.0;
   std::uint64_t names_stamp_ = ~std::uint64_t{0};      // of the symbols that are offered
   std::deque<PositionBlock> blocks_;                   // that wait
   std::vector<frmTrade::Close> sent_;                  // with the last close
-  tsl::robin_map<std::int64_t, std::string> answers_;  // by ticket, of positions that are still open
+  tsl::robin_map<std::int64_t, std::string> answers_;  // last results of closes, by ticket
 };
 
 }  // namespace tutti

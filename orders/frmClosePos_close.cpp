@@ -1,6 +1,7 @@
 // Marking and closing in the close positions window.
 
 #include <algorithm>
+#include <cassert>
 #include <charconv>
 
 #include "core/texts.h"
@@ -10,9 +11,8 @@ namespace tutti {
 namespace {
 
 constexpr std::string_view nothing_marked = "There is no selected or open postions for this symbol";
-constexpr std::string_view waiting_text = " Waiting.....";
-constexpr std::size_t ticket_piece =
-    12;  // of the position text split at its blanks, behind the twelve of them
+// Of the position text split at its blanks, behind the twelve of them.
+constexpr std::size_t ticket_piece = 12;
 
 }  // namespace
 
@@ -72,6 +72,7 @@ std::int64_t frmClosePos::ticket_of(const Row& row) {
     const std::string_view number = pieces[ticket_piece].substr(1);
     std::from_chars(number.data(), number.data() + number.size(), ticket);
   }
+  assert(ticket == row.key().number());
   return ticket;
 }
 
@@ -138,6 +139,7 @@ OrderAnswer frmClosePos::answer_of(const Row& row) const {
 }
 
 std::string_view frmClosePos::answer_text(const Row& row) const {
+  if (answer_of(row) != OrderAnswer::refused) return {};
   const auto at = answers_.find(row.key().number());
   return at == answers_.end() ? std::string_view{} : at->second;
 }
@@ -166,10 +168,12 @@ void frmClosePos::take_block() {
                         (blocks_.size() > 1 ? " (" + std::to_string(blocks_.size()) + " left)" : ""));
   }
   if (show) show();
-  if (CloseSymbols.find(block.symbol) < 0) {
+  refresh_symbols();
+  // Choosing one that is not there empties the grid: nothing of another symbol stands marked.
+  CloseSymbols.choose(block.symbol);
+  if (CloseSymbols.text().empty()) {
     return general_.message_box(block.symbol + " is not visible for any of the connected accounts");
   }
-  CloseSymbols.choose(block.symbol);
   for (const std::int32_t number : block.accounts) {
     const Row* above = get_index(number);
     if (above == nullptr) continue;

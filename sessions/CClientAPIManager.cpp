@@ -107,16 +107,14 @@ void CClientAPIManager::ConnectionState(bool connected) {
     }
   });
   if (connected) {
-    account_known_ = true;
     refused_.clear();
     carry_on(general_, account_, [&] { desk_.close_positions->account_state(account_, "Connected"); });
     return;
   }
   carry_on(general_, account_, [&] { release_totals(); });
   carry_on(general_, account_, [&] { journal_unanswered(); });
-  // Under a number that is not this user's, the rows are those of somebody who may still be connected.
   carry_on(general_, account_, [&] {
-    if (account_known_) desk_.remove_account(account_);
+    if (std::exchange(lists_account_, false)) desk_.remove_account(account_);
   });
   carry_on(general_, account_, [&] { desk_.requote->session_gone(*this); });
 }
@@ -164,8 +162,8 @@ void CClientAPIManager::InvalidUsernamePassword() {
 
 void CClientAPIManager::AllDataAreLoaded() {
   general_.play_sound("\\sounds\\Connect.WAV");
-  account_known_ = client_->FindAccount(account_).has_value();
-  if (!account_known_) {
+  lists_account_ = client_->FindAccount(account_).has_value();
+  if (!lists_account_) {
     if (row_ != nullptr) {
       row_->set_text(column_notes, "Invalid account");
       row_->set_text(column_state, "Invalid account", Ink::red);

@@ -44,6 +44,8 @@ class CClientAPIManager final : public CLAPICLASS {
   std::string duplicate_key() const { return account_key(user_, account_); }
 
   // The session's row of the accounts list; nullptr when it has none.
+  // The lists show what this session told of the account.
+  bool lists_account() const { return lists_account_; }
   Row* ClientListItem() const { return row_; }
   void ClientListItem(Row* row) { row_ = row; }
 
@@ -190,7 +192,9 @@ class CClientAPIManager final : public CLAPICLASS {
   Row* row_ = nullptr;
   std::int32_t account_;
   std::int16_t key_ = 0;
-  bool account_known_ = true;  // false once the server has said that the user does not own the account
+  // The rows of the account's positions, orders and windows are this session's. The same account number may
+  // stand under another user name, whose rows nobody else may take away.
+  bool lists_account_ = false;
   Totals summary_;
 
   std::vector<std::int32_t> ids_;      // symbol identifier by handle, 0 when not carried

@@ -12,10 +12,18 @@ namespace {
 // Identifiers are small; a server that sends others is not served rather than trusted with memory.
 constexpr std::int32_t largest_symbol_id = 65'535;
 
+// Beside larger ones the sums of what is open, and of lots times price, would lose decimals that don't come
+// back when such a position goes.
+constexpr double largest_lots = 1e6;
+constexpr double largest_price = 1e9;
+constexpr double largest_money = 1e12;
+
 bool usable(const OpenPosition& p) {
-  return std::isfinite(p.amount) && std::isfinite(p.open_price) && std::isfinite(p.current_price) &&
-         std::isfinite(p.stop_loss) && std::isfinite(p.take_profit) && std::isfinite(p.commission) &&
-         std::isfinite(p.interest) && std::isfinite(p.floating_pl);
+  // Not "greater than", so that what is no number is refused too.
+  const auto within = [](double most, auto... values) { return ((std::fabs(values) <= most) && ...); };
+  return within(largest_lots, p.amount) &&
+         within(largest_price, p.open_price, p.current_price, p.stop_loss, p.take_profit) &&
+         within(largest_money, p.commission, p.interest, p.floating_pl);
 }
 
 bool usable(const PendingOrder& o) {
@@ -99,6 +107,7 @@ void CClientAPIManager::OpenPositionsLoaded() {
 
 void CClientAPIManager::NewOpenPosition(const OpenPosition& position) {
   if (!usable(position)) return refuse("Position #" + std::to_string(position.ticket));
+  lists_account_ = true;
   desk_.positions->position(position);
   desk_.close_positions->position_opened(position);
 }
@@ -144,6 +153,7 @@ void CClientAPIManager::PendingOrdersLoaded() {
 
 void CClientAPIManager::NewPendingOrder(const PendingOrder& order) {
   if (!usable(order)) return refuse("Order #" + std::to_string(order.order));
+  lists_account_ = true;
   desk_.pending->order(order);
 }
 

@@ -89,8 +89,11 @@ void CClientAPIManagers::RClear(int number) {
   sessions_.erase(sessions_.begin() + (number - 1));
   if (!general_.in_handler()) retired_.clear();
   index_accounts();
-  // The same account may still be connected under another user name.
-  if (logged_in(account) == nullptr) desk_.remove_account(account);
+  // What the lists show may be another user name's.
+  const bool listed = std::any_of(sessions_.begin(), sessions_.end(), [&](const auto& other) {
+    return other->account() == account && other->lists_account();
+  });
+  if (!listed) desk_.remove_account(account);
   if (current_ == nullptr && !sessions_.empty()) current_ = sessions_.front().get();
 }
 

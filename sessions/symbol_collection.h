@@ -43,6 +43,11 @@ class SymbolCollection {
   const Entry& entry(SymbolHandle handle) const { return entries_[static_cast<std::size_t>(handle)]; }
   const std::vector<Entry>& entries() const { return entries_; }
   std::vector<std::string> names() const;
+  // Decimals of a symbol's prices; 5 for one that is not listed.
+  int digits(std::string_view name) const {
+    const SymbolHandle handle = find(name);
+    return handle == no_symbol ? 5 : entry(handle).digits;
+  }
 
   void set_prices(SymbolHandle handle, const Symbol& symbol) {
     Entry& entry = entries_[static_cast<std::size_t>(handle)];

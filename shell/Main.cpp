@@ -96,7 +96,7 @@ tl::expected<void, FileError> Main::show_main_window() {
 void Main::connect_closing() {
   close_positions_ = std::make_unique<frmClosePos>(general_, *question_box_, *accounts_, *trade_, symbols_);
   desk_.close_positions = close_positions_.get();
-  close_helper_ = std::make_unique<CloseHelper>(general_, messages_, accounts_->sessions());
+  close_helper_ = std::make_unique<CloseHelper>(general_, accounts_->sessions());
   const auto close = [this](const frmTrade::Close& position) {
     close_helper_->close(position.ticket, position.amount, position.account);
   };

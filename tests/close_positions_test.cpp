@@ -31,8 +31,10 @@ Texts grid(const frmClosePos& form) {
 // Accounts 1, 2 and 3, connected; what the clients are asked for is written down.
 struct Closing : ScriptedTerminal {
   Closing() {
-    for (ScriptedClient* client : clients)
+    for (ScriptedClient* client : clients) {
+      client->log = &log;
       client->sink->ConnectionState(true);
+    }
     form().Displayed(true);
     form().refresh_symbols();
   }
@@ -63,13 +65,10 @@ struct Closing : ScriptedTerminal {
   }
   ScriptedClient& client(std::int32_t account) { return *clients[static_cast<std::size_t>(account) - 1]; }
   void click(std::int64_t ticket, std::size_t column) { form().click(*form().searchpos(ticket), column); }
-  Texts sent() {
-    Texts out;
-    for (ScriptedClient* each : clients)
-      for (std::string& text : std::exchange(each->sent, {}))
-        out.push_back(std::move(text));
-    return out;
-  }
+  // "account close ticket amount", in the order in which they were sent.
+  Texts sent() { return std::exchange(log, {}); }
+
+  Texts log;
 };
 
 TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
@@ -112,6 +111,18 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   EXPECT_TRUE(form.marked(*form.searchpos(21)));
   desk.client(2).sink->UpdateOpenPosition(desk.client(2).positions.front());
 
+  // Of another symbol, and of the day's range.
+  Symbol other = desk.client(1).symbols.back();
+  other.bid = other.ask = 1.27;
+  desk.client(1).sink->SymbolPricesChanged(other);
+  EXPECT_EQ(grid(form), expected);
+  other = desk.client(1).symbols.front();
+  other.bid = 1.08421;
+  other.ask = 1.084;
+  other.high = 1.1;
+  desk.client(1).sink->SymbolHighLowChanged(other);
+  EXPECT_EQ(grid(form), expected);
+
   // Hidden it stands still; shown again it is as the market is, and marks of what is still there remain.
   form.Displayed(false);
   desk.close(2, 23);
@@ -144,6 +155,9 @@ TEST(ClosePositions, ClickDependsOnTheCell) {
   for (const std::size_t column : {frmClosePos::account, frmClosePos::status, frmClosePos::amount})
     desk.click(12, column);
   EXPECT_EQ(marks(), "*--");
+  for (const std::size_t column : {frmClosePos::status, frmClosePos::amount})
+    form.click(*form.get_index(2), column);
+  EXPECT_EQ(marks(), "*--");
   form.click(*form.get_index(1), frmClosePos::action);
   EXPECT_EQ(marks(), "**-");
   form.click(*form.get_index(1), frmClosePos::account);
@@ -158,7 +172,7 @@ TEST(ClosePositions, ClickDependsOnTheCell) {
   for (int i = 0; i < 3; ++i)
     desk.click(11, frmClosePos::action);
   EXPECT_EQ(desk.prompt.take_texts(), Texts(3, sure_of_one));
-  EXPECT_EQ(desk.sent(), Texts{"close 11 0.5"});
+  EXPECT_EQ(desk.sent(), Texts{"1 close 11 0.5"});
   EXPECT_EQ(form.searchpos(11)->text(frmClosePos::action), " Waiting.....");
   EXPECT_EQ(marks(), "***");
   desk.click(11, frmClosePos::action);
@@ -177,9 +191,9 @@ TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {
   form.LblCheck.click();
   form.CloseSymbols.choose("EURUSD");
   form.LblCheck.click();
-  desk.open(1, 11);
-  desk.open(2, 21);
   desk.open(3, 31);
+  desk.open(2, 21);
+  desk.open(1, 11);
   form.LblCheck.click();
   EXPECT_EQ(desk.prompt.take_texts(), (Texts{"No symbol is selected", nothing_marked, nothing_marked}));
   // A ground that only looks like the mark is none.
@@ -197,7 +211,7 @@ TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {
   form.LblCheck.click();
   desk.prompt.while_open = {};
   EXPECT_EQ(desk.prompt.take_texts(), Texts{sure_of_marked});
-  EXPECT_EQ(desk.sent(), (Texts{"close 11 0.5", "close 31 0.5"}));
+  EXPECT_EQ(desk.sent(), (Texts{"3 close 31 0.5", "1 close 11 0.5"}));
 
   // All of them go: the answer yes finds nothing to send any more, nor does that of a single one.
   desk.prompt.while_open = [&] {
@@ -280,7 +294,11 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   form.CloseSymbols.choose("EURUSD");
   ASSERT_EQ(form.MSH.size(), opened + opened / 2);
 
-  // One by one, by account, and all that are marked by now.
+  // A block of the matrix, one by one, by account, and all that are marked by now.
+  desk.main->net_matrix().refresh();
+  desk.main->net_matrix().close_picked(
+      {{first + 30, NetMatrix::total}, {first + 31, NetMatrix::first_symbol}});
+  EXPECT_EQ(form.marked_count(), 4u);
   form.click(form.MSH.row(1), frmClosePos::status);
   for (const int account : {0, 5, 10, 15, 20, 25})
     form.click(*form.get_index(first + account), frmClosePos::account);
@@ -289,6 +307,15 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   form.LblCheck.click();
   EXPECT_EQ(desk.prompt.take_texts(), Texts{sure_of_marked});
   EXPECT_EQ(form.answers().text(), "2 refused, " + std::to_string(marked - 2) + " waiting");
+  // What is on its way stays so when the window is hidden and shown again.
+  form.Displayed(false);
+  form.Displayed(true);
+  EXPECT_EQ(form.marked_count(), marked);
+  const auto reading = [&](std::string_view text) {
+    return std::count_if(form.MSH.begin(), form.MSH.end(),
+                         [&](const Row& row) { return row.reads(frmClosePos::action, text); });
+  };
+  EXPECT_EQ(reading(frmClosePos::waiting_text), static_cast<std::ptrdiff_t>(marked - 2));
   desk.run(300ms);
   EXPECT_EQ(form.answers().text(), std::to_string(marked - 4) + " accepted, 3 refused, 1 waiting");
   EXPECT_EQ(desk.positions().size(), opened - marked + 4);
@@ -314,12 +341,64 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   EXPECT_EQ(first_of(15).text(frmClosePos::action), "Close At 1.0902");
   EXPECT_EQ(form.answer_text(first_of(15)), " Trading is closed");
   desk.run(10s);
-  form.chkAllClients.click();
+  if (!form.chkAllClients.checked()) form.chkAllClients.click();
   form.LblCheck.click();
   desk.run(1s);
   EXPECT_TRUE(desk.positions().empty());
   EXPECT_TRUE(form.MSH.empty());
   EXPECT_EQ(desk.differences(), Texts{});
+}
+
+TEST(ClosePositions, ConnectionsBreakWhileClosesAreOnTheirWay) {
+  DealerConfig config = DealerConfig::sample(50);
+  config.order_latency = 400ms;
+  config.tick_interval = 50ms;
+  for (AccountConfig& account : config.accounts)
+    account.balance = 50'000.0;
+  ScenarioDesk desk{config};
+  desk.open("50");
+  desk.run(1s);
+  const std::size_t opened = desk.positions().size();
+  frmClosePos& form = desk.main->close_positions();
+  form.Displayed(true);
+  form.CloseSymbols.choose("EURUSD");
+  for (std::int32_t i = 0; i < 20; ++i)
+    if (Row* row = form.get_index(first + i)) form.click(*row, frmClosePos::account);
+  form.LblCheck.click();
+  desk.run(100ms);
+  for (std::int32_t i = 10; i < 30; ++i)
+    desk.server.drop(first + i);
+  // Rebuilt again and again while prices come.
+  for (int i = 0; i < 20; ++i) {
+    desk.run(100ms);
+    form.CloseSymbols.choose("EURUSD");
+    if (i % 5 == 0) form.Displayed(!form.Displayed());
+  }
+  form.Displayed(true);
+  EXPECT_EQ(form.answers().text(), "10 accepted, 8 unknown");
+  const auto consistent = [&] {
+    std::size_t positions = 0;
+    for (const Row& row : form.MSH) {
+      if (!form.is_position(row)) continue;
+      ++positions;
+      const Row* open = desk.positions().find(row.key());
+      ASSERT_NE(open, nullptr);
+      EXPECT_FALSE(form.marked(row));
+      EXPECT_TRUE(row.text(frmClosePos::action).starts_with("Close At 1.")) << row.text(frmClosePos::action);
+    }
+    EXPECT_EQ(positions, desk.positions().size());
+    // The server closed those whose connection broke, too; nobody could be told.
+    Texts differences = desk.differences();
+    EXPECT_EQ(
+        std::erase_if(differences, [](const auto& d) { return d.find("does not say: Postion") != d.npos; }),
+        8u);
+    EXPECT_EQ(differences, Texts{});
+  };
+  consistent();
+  desk.main->accounts().cmdfunlogin();
+  desk.run(3s);
+  EXPECT_GE(desk.positions().size(), opened - 20);
+  consistent();
 }
 
 }  // namespace

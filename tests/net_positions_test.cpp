@@ -119,11 +119,18 @@ TEST(NetPositions, WhatIsPickedGoesToTheCloseWindow) {
   RowList& accounts = desk.net().lvwNetAccounts;
   accounts.activate(accounts.row(2));
   EXPECT_EQ(marked(), Tickets{6});
+  // Where no account is selected, be it that it has gone, none is meant.
   desk.main->net_trade().close_accounts.click();
-  EXPECT_EQ(marked(), (Tickets{4, 5, 6}));
+  EXPECT_EQ(marked(), Tickets{});
   accounts.select(accounts.row(0));
+  accounts.row(1).set_selected(true);
   desk.main->net_trade().close_accounts.click();
-  EXPECT_EQ(marked(), Tickets{4});
+  EXPECT_EQ(marked(), (Tickets{4, 5}));
+  // The accounts of the symbol that was picked before are not taken for this one's.
+  symbols.select(symbols.row(0));
+  desk.main->net_trade().close_accounts.click();
+  EXPECT_EQ(close.CloseSymbols.text(), "EURUSD");
+  EXPECT_EQ(marked(), Tickets{});
 
   // A block over several symbols is closed symbol by symbol.
   const NetMatrix& matrix = desk.matrix();
@@ -136,19 +143,55 @@ TEST(NetPositions, WhatIsPickedGoesToTheCloseWindow) {
   EXPECT_EQ(close.CloseSymbols.text(), "GBPUSD");
   EXPECT_EQ(marked(), Tickets{6});
   EXPECT_FALSE(close.next_block.visible());
-  EXPECT_EQ(shown, 6);
+  EXPECT_EQ(shown, 7);
   matrix.close_picked({});
-  EXPECT_EQ(shown, 6);
+  EXPECT_EQ(shown, 7);
+
+  // A symbol that is not offered leaves nothing of another one marked.
+  close.take({{"CADJPY", {1, 2, 3}}});
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{"CADJPY is not visible for any of the connected accounts"});
+  EXPECT_EQ(marked(), Tickets{});
+  EXPECT_TRUE(close.MSH.empty());
+}
+
+// The same account number under a second user name: the server gives the account to one of them only.
+TEST(NetPositions, AnotherUserNameTakesNothingAway) {
+  Netting desk;
+  desk.open(1, 11, 1.0, "EURUSD", 1.0, 5.0);
+  CClientAPIManagers& sessions = desk.main->accounts().sessions();
+  const auto rows_left = [&] {
+    return std::to_string(desk.main->trade().lvwOpenPos.size()) + std::to_string(desk.net().lvwNet.size()) +
+           (desk.main->market_order().account_row(1) != nullptr ? " ticks" : "");
+  };
+  sessions.Add({"another", Secret{"word"}, 1, {}}, "", true);
+  ScriptedClient& other = *desk.clients.back();
+  other.sink->WaitingMode(2);
+  other.sink->ConnectionState(false);  // refused on the way
+  EXPECT_EQ(rows_left(), "12 ticks");
+  other.sink->ConnectionState(true);
+  other.sink->AllDataAreLoaded();  // without the account
+  other.sink->ConnectionState(false);
+  EXPECT_EQ(rows_left(), "12 ticks");
+  other.sink->ConnectionState(true);
+  sessions.RClear(sessions.Count());
+  EXPECT_EQ(rows_left(), "12 ticks");
+
+  // The one that has the account takes everything along, though the other is logged in.
+  sessions.Add({"another", Secret{"word"}, 1, {}}, "", true);
+  desk.clients.back()->sink->ConnectionState(true);
+  sessions.RClear(1);
+  EXPECT_EQ(rows_left(), "00");
 }
 
 // One symbol, account or both, as it should be.
 struct Expected {
-  double bought = 0.0, sold = 0.0, profit = 0.0;
+  double bought = 0.0, sold = 0.0, paid = 0.0, profit = 0.0;  // `paid` for what was bought
   std::set<std::int32_t> accounts;
 
   void add(const OpenPosition& position) {
     (position.side > 0 ? bought : sold) += position.amount;
     profit += position.floating_pl;
+    if (position.side > 0) paid += position.amount * position.open_price;
     accounts.insert(position.account);
   }
 };
@@ -180,19 +223,23 @@ TEST(NetPositions, SumsStayRightOverTenThousandEvents) {
       EXPECT_NEAR(row.cell(frmNetTrade::sold).stored_number(), sum.sold, 1e-7);
       EXPECT_NEAR(row.cell(frmNetTrade::net).stored_number(), sum.bought - sum.sold, 1e-7);
       EXPECT_NEAR(row.cell(frmNetTrade::floating).stored_number(), sum.profit, 1e-6);
+      const double average = sum.bought > 0.0 && !frmNetTrade::is_total(row) ? sum.paid / sum.bought : 0.0;
+      EXPECT_NEAR(row.cell(frmNetTrade::bought_at).stored_number(), average, 1e-8);
     }
     const RowList& matrix = desk.matrix().lvwNetMatrix;
     ASSERT_EQ(matrix.size(), by_account.size() + (open.empty() ? 0 : 1));
     for (const Row& row : matrix) {
-      if (row.key().empty()) continue;
+      const bool total = row.key().empty();
       const auto number = static_cast<std::int32_t>(row.key().number());
-      const Expected& sum = by_account[number];
+      const Expected& sum = total ? all : by_account[number];
       EXPECT_NEAR(row.cell(NetMatrix::total).stored_number(), sum.bought - sum.sold, 1e-7);
       for (std::size_t column = NetMatrix::first_symbol; column < row.columns(); ++column) {
-        const auto both = by_both.find({number, matrix.columns()[column].header});
-        ASSERT_EQ(row.cell(column).empty(), both == by_both.end());
-        if (both == by_both.end()) continue;
-        EXPECT_NEAR(row.cell(column).stored_number(), both->second.bought - both->second.sold, 1e-7);
+        const std::string& name = matrix.columns()[column].header;
+        const bool held = total ? by_symbol.contains(name) : by_both.contains({number, name});
+        ASSERT_EQ(row.cell(column).empty(), !held);
+        if (!held) continue;
+        const Expected& cell = total ? by_symbol[name] : by_both[{number, name}];
+        EXPECT_NEAR(row.cell(column).stored_number(), cell.bought - cell.sold, 1e-7);
       }
     }
   };
@@ -212,18 +259,36 @@ TEST(NetPositions, SumsStayRightOverTenThousandEvents) {
     } else if (what < 70) {
       OpenPosition& position = one_of_the_open()->second;
       position.amount = (1 + below(300)) / 100.0;
+      position.open_price += below(100) / 1000.0;
+      if (below(5) == 0) position.side = -position.side;
       desk.client(position.account).sink->UpdateOpenPosition(position);
     } else if (what < 98) {
       const auto at = one_of_the_open();
       desk.client(at->second.account).sink->DeleteOpenPosition(at->second);
+      desk.client(at->second.account).sink->PosFloatingPLChanged(at->second);  // that was on its way
       open.erase(at);
     } else {
       const std::int32_t account = 1 + below(accounts);
-      desk.client(account).sink->ConnectionState(false);
-      std::erase_if(open, [&](const auto& each) { return each.second.account == account; });
-      desk.client(account).sink->ConnectionState(true);
+      ScriptedClient& client = desk.client(account);
+      client.sink->ConnectionState(false);
+      client.positions.clear();
+      for (auto at = open.begin(); at != open.end();) {
+        // Most of them come back with the connection.
+        if (at->second.account == account && below(4) > 0) client.positions.push_back(at->second);
+        at = at->second.account == account &&
+                     (client.positions.empty() || client.positions.back().ticket != at->first)
+                 ? open.erase(at)
+                 : std::next(at);
+      }
+      client.sink->ConnectionState(true);
+      client.sink->OpenPositionsLoaded();
     }
-    if (event % 500 == 0) check();
+    if (event % 500 == 0) {
+      check();
+    } else if (below(7) == 0) {
+      desk.net();
+      desk.matrix();
+    }
   }
   check();
   EXPECT_GT(open.size(), 0u);

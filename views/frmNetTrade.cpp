@@ -46,6 +46,8 @@ void frmNetTrade::pick(const Row& row) {
   if (place == picked_) return;
   picked_ = place;
   refill_ = true;
+  // Those of another symbol must not stand beside this one's name.
+  lvwNetAccounts.clear();
 }
 
 void frmNetTrade::refresh() {
@@ -71,10 +73,9 @@ void frmNetTrade::refresh_symbols() {
 }
 
 void frmNetTrade::write(Row& row, const CNetPos::OfSymbol& symbol) const {
-  const SymbolHandle handle = symbols_.find(symbol.name);
   row.set_text(Column::symbol, symbol.name);
   row.set_number(Column::accounts, symbol.accounts);
-  write_sum(row, Column::bought, symbol.sum, handle == no_symbol ? 5 : symbols_.entry(handle).digits);
+  write_sum(row, Column::bought, symbol.sum, symbols_.digits(symbol.name));
 }
 
 void frmNetTrade::write_total() {
@@ -92,7 +93,7 @@ void frmNetTrade::refresh_accounts() {
   if (all) lvwNetAccounts.clear();
   if (picked_ < 0) return;
   const auto place = static_cast<std::size_t>(picked_);
-  const SymbolHandle handle = symbols_.find(book_.symbols()[place].name);
+  const int digits = symbols_.digits(picked());
   for (const CNetPos::OfAccount& account : book_.accounts()) {
     if (account.stamp <= seen_ && !all) continue;
     const NetSum& sum = account.by_symbol[place];
@@ -104,16 +105,15 @@ void frmNetTrade::refresh_accounts() {
     Row& row = ordered_row(lvwNetAccounts, key,
                            [&](const Row& other) { return other.key().number() < account.number; });
     row.set_number(AccountColumn::account, account.number);
-    write_sum(row, AccountColumn::of_bought, sum, handle == no_symbol ? 5 : symbols_.entry(handle).digits);
+    write_sum(row, AccountColumn::of_bought, sum, digits);
   }
 }
 
 void frmNetTrade::close_selected() const {
   if (!close || picked_ < 0) return;
   PositionBlock block{picked(), {}};
-  const bool all = lvwNetAccounts.selected().empty();
-  for (const Row& row : lvwNetAccounts)
-    if (all || row.selected()) block.accounts.push_back(static_cast<std::int32_t>(row.key().number()));
+  for (const Row* row : lvwNetAccounts.selected())
+    block.accounts.push_back(static_cast<std::int32_t>(row->key().number()));
   close({std::move(block)});
 }
 

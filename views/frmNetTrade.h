@@ -43,8 +43,8 @@ class frmNetTrade final {
   // Name of the symbol whose accounts are listed; empty while none is picked.
   std::string picked() const;
 
-  // Hands the picked symbol over to be closed with the positions of the selected accounts, of all of them
-  // when none is selected.
+  // Hands the picked symbol over to be closed, with the positions of the selected accounts. Where none is
+  // selected no account is meant: the one that was may have gone a moment ago.
   void close_selected() const;
   // Takes what is to be closed; set by start-up.
   std::function<void(std::vector<PositionBlock>)> close;

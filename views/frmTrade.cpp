@@ -22,15 +22,10 @@ void frmTrade::ColumnWidthsPer(std::string widths) {
   general_.column_widths(lvwOpenPos, column_widths_);
 }
 
-int frmTrade::digits(const OpenPosition& position) const {
-  const SymbolHandle handle = symbols_.find(position.symbol);
-  return handle == no_symbol ? 5 : symbols_.entry(handle).digits;
-}
-
 void frmTrade::AddPosition(const OpenPosition& position) {
   Row* row = lvwOpenPos.find(ticket_key(position.ticket));
   if (row == nullptr) row = lvwOpenPos.add(ticket_key(position.ticket));
-  const int decimals = digits(position);
+  const int decimals = symbols_.digits(position.symbol);
   row->set_whole(Column::ticket, position.ticket);
   row->set_number(Column::account, position.account);
   row->set_text(Column::time, general_.full_time_text(position.open_time));

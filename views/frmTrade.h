@@ -83,7 +83,6 @@ class frmTrade final : public PositionBook {
   void lbbClose_Click();
   void chkAll_Click();
   std::vector<Close> ticked() const;
-  int digits(const OpenPosition& position) const;
 
   MGeneral& general_;
   CQuestionBox& question_box_;

@@ -28,6 +28,7 @@ class ScriptedClient final : public ClientAPI {
   // "side symbol-id amount"; "entry side limit|stop symbol-id amount at price [sl] [tp]"; "update" and
   // "stops" with the number and the prices; "close ticket amount".
   std::vector<std::string> sent;
+  std::vector<std::string>* log = nullptr;  // gets closes, too, with the account in front
   double profit_per_point = 0.0;  // what EvaluateSLTPPrice multiplies the difference of the prices with
 
   void set_sink(CLAPICLASS* new_sink) override { sink = new_sink; }
@@ -69,6 +70,7 @@ class ScriptedClient final : public ClientAPI {
   std::int32_t RejectRequote(std::int64_t) override { return request_code; }
   std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view) override {
     sent.push_back("close " + std::string{ticket} + " " + std::string{amount});
+    if (log != nullptr) log->push_back(std::to_string(login_data.account) + " " + sent.back());
     return request_code;
   }
   bool LoggedIn() const override { return logged_in; }

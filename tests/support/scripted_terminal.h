@@ -34,10 +34,9 @@ struct ScriptedTerminal : TestTerminal {
                         {.id = 90, .name = "GBPUSD"}};
       client.summary.values.equity = summaries[i].first;
       client.summary.values.free_margin = summaries[i].second;
+      client.info = AccountInfo{};
       client.sink->SymbolsLoaded();
-      const auto number = static_cast<std::int32_t>(i) + 1;
-      main->market_order().add_account(number);
-      main->entry_order().add_account(number);
+      client.sink->AllDataAreLoaded();
     }
   }
 
