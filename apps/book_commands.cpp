@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "apps/commands.h"
 #include "apps/output.h"
@@ -15,16 +14,11 @@ namespace {
 
 void print_list(const Terminal& terminal, const char* name, const RowList& list,
                 const NamedColumns& columns) {
-  switch (terminal.options().form) {
-    case OutputForm::json:
-      fmt::print("{}\n", nlohmann::json{{name, rows_json(list, columns)}}.dump(2));
-      break;
-    case OutputForm::csv:
-      fmt::print("{}", rows_csv(list, columns));
-      break;
-    case OutputForm::text:
-      fmt::print("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name);
-      break;
+  const OutputForm form = terminal.options().form;
+  if (form != OutputForm::text) {
+    fmt::print("{}", rows_for_machines(form, name, list, columns));
+  } else {
+    fmt::print("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name);
   }
 }
 

@@ -57,6 +57,8 @@ int modify_command(Terminal& terminal, const ModifyArguments& arguments);
 int journal_command(Terminal& terminal, std::int32_t account);
 int positions_command(Terminal& terminal);
 int orders_command(Terminal& terminal);
+// Per symbol over all accounts, or per account and symbol.
+int net_command(Terminal& terminal, bool by_account);
 int close_command(Terminal& terminal, const RowsArguments& arguments);
 int cancel_command(Terminal& terminal, const RowsArguments& arguments);
 // Prints every difference between what the terminal shows and the dealing server's own books.

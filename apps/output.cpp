@@ -88,6 +88,12 @@ std::string rows_csv(const RowList& list, const NamedColumns& columns) {
   return out;
 }
 
+std::string rows_for_machines(OutputForm form, const std::string& name, const RowList& list,
+                              const NamedColumns& columns) {
+  if (form == OutputForm::csv) return rows_csv(list, columns);
+  return nlohmann::json{{name, rows_json(list, columns)}}.dump(2) + "\n";
+}
+
 std::string rows_text(const RowList& list) {
   std::vector<TextTable::Head> heads;
   for (std::size_t column = 0; column < list.columns().size(); ++column) {

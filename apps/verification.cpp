@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <map>
 #include <set>
 
 #include "apps/outcome_check.h"
+#include "core/numbers.h"
 
 namespace tutti {
 namespace {
@@ -110,6 +112,50 @@ void Verification::check_positions() {
   }
 }
 
+// Added up here once more, so that a fault of the terminal's own sums shows.
+void Verification::check_net() {
+  struct Sum {
+    double bought = 0.0;
+    double sold = 0.0;
+    double floating = 0.0;
+    std::set<std::int32_t> accounts;
+  };
+  std::map<std::string, Sum> symbols;
+  std::map<std::int32_t, double> net_of;
+  for (const TradingAccount& account : server_.accounts()) {
+    const std::int32_t number = account.config().number;
+    if (connected(number) == nullptr) continue;
+    for (const auto& position : account.positions()) {
+      const OpenPosition& booked = position.record;
+      Sum& sum = symbols[booked.symbol];
+      (booked.side > 0 ? sum.bought : sum.sold) += booked.amount;
+      sum.floating += booked.floating_pl;
+      sum.accounts.insert(number);
+      net_of[number] += booked.side > 0 ? booked.amount : -booked.amount;
+    }
+  }
+  frmNetTrade& form = main_.net_trade();
+  form.refresh();
+  for (const Row& row : form.lvwNet) {
+    if (frmNetTrade::is_total(row)) continue;
+    const std::string name = row.text(frmNetTrade::symbol);
+    const auto node = symbols.extract(name);
+    const Sum booked = node.empty() ? Sum{} : node.mapped();
+    const auto value = [&](frmNetTrade::Column column, const char* what, double expected, double tolerance) {
+      compare(no_account, fmt::format("{} {}", name, what), row.cell(column).stored_number(), expected,
+              tolerance);
+    };
+    value(frmNetTrade::bought, "long", lots_of_sum(booked.bought), 1e-9);
+    value(frmNetTrade::sold, "short", lots_of_sum(booked.sold), 1e-9);
+    value(frmNetTrade::accounts, "accounts", static_cast<double>(booked.accounts.size()), 0.0);
+    value(frmNetTrade::floating, "net profit", booked.floating, half_a_cent);
+  }
+  for (const auto& [name, booked] : symbols)
+    differ(no_account, name + " has positions, but is not among the net positions");
+  for (const CNetPos::OfAccount& shown : main_.net_positions().accounts())
+    compare(shown.number, "net lots", shown.sum.net(), lots_of_sum(net_of[shown.number]), 1e-9);
+}
+
 void Verification::check_orders() {
   const RowList& list = main_.pending().lvwPending;
   std::set<std::int64_t> booked_orders;
@@ -155,6 +201,7 @@ std::vector<std::string> Verification::run() {
   differences_.clear();
   check_totals();
   check_positions();
+  check_net();
   check_orders();
   check_outcomes();
   return std::move(differences_);

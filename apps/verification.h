@@ -10,7 +10,8 @@
 namespace tutti {
 
 // Compares what the terminal shows with the dealing server's own books: every account's values, the totals,
-// the positions, the pending orders, and what the journal and the sessions say became of each order.
+// the positions and their net sums, the pending orders, and what the journal and the sessions say became of
+// each order.
 //
 // To be run when no event waits; a difference is then a fault on either side. Money is compared to half a
 // cent, prices and amounts exactly as shown.
@@ -27,6 +28,7 @@ class Verification {
   void check_account(const Row& row, const TradingAccount& booked);
   void check_totals();
   void check_positions();
+  void check_net();
   void check_orders();
   void check_outcomes();
   // The account as booked, when the terminal shows it as connected.

@@ -12,17 +12,19 @@ std::uint32_t CNetPos::symbol_place(std::string_view name) {
       std::find_if(symbols_.begin(), symbols_.end(), [&](const auto& s) { return s.name == name; });
   const auto place = static_cast<std::uint32_t>(at - symbols_.begin());
   if (at == symbols_.end()) {
-    symbols_.push_back({.name = std::string{name}, .sum = {}});
-    for (OfAccount& account : accounts_)
-      account.by_symbol.emplace_back();
+    symbols_.push_back(
+        {.name = std::string{name}, .sum = {}, .by_account = std::vector<NetSum>(accounts_.size())});
   }
   return place;
 }
 
 std::uint32_t CNetPos::account_place(std::int32_t number) {
   const auto [at, is_new] = place_of_account_.emplace(number, static_cast<std::uint32_t>(accounts_.size()));
-  if (is_new)
-    accounts_.push_back({.number = number, .sum = {}, .by_symbol = std::vector<NetSum>(symbols_.size())});
+  if (is_new) {
+    accounts_.push_back({.number = number, .sum = {}});
+    for (OfSymbol& symbol : symbols_)
+      symbol.by_account.emplace_back();
+  }
   return at->second;
 }
 
@@ -35,7 +37,7 @@ void CNetPos::touch(const Held& held) {
 void CNetPos::put(const Held& held) {
   OfSymbol& symbol = symbols_[held.symbol];
   OfAccount& account = accounts_[held.account];
-  NetSum& both = account.by_symbol[held.symbol];
+  NetSum& both = symbol.by_account[held.account];
   if (both.positions() == 0) ++symbol.accounts;
   if (account.sum.positions() == 0) ++accounts_in_market_;
   for (NetSum* sum : {&symbol.sum, &account.sum, &both, &total_})
@@ -46,7 +48,7 @@ void CNetPos::put(const Held& held) {
 void CNetPos::take(const Held& held) {
   OfSymbol& symbol = symbols_[held.symbol];
   OfAccount& account = accounts_[held.account];
-  NetSum& both = account.by_symbol[held.symbol];
+  NetSum& both = symbol.by_account[held.account];
   for (NetSum* sum : {&symbol.sum, &account.sum, &both, &total_})
     sum->take(held.side, held.lots, held.price, held.profit);
   if (both.positions() == 0) --symbol.accounts;
@@ -97,10 +99,10 @@ void CNetPos::floating_changed(const OpenPosition& position, std::string_view pr
       general_.locale != nullptr ? general_.locale->StringToNumber(profit) : read_number(profit);
   const double change = now - held.profit;
   held.profit = now;
-  OfAccount& account = accounts_[held.account];
-  symbols_[held.symbol].sum.floating += change;
-  account.sum.floating += change;
-  account.by_symbol[held.symbol].floating += change;
+  OfSymbol& symbol = symbols_[held.symbol];
+  symbol.sum.floating += change;
+  symbol.by_account[held.account].floating += change;
+  accounts_[held.account].sum.floating += change;
   total_.floating += change;
   touch(held);
 }

@@ -23,12 +23,13 @@ class CNetPos final : public NetDesk, public Displayable {
     std::string name;
     NetSum sum;
     int accounts = 0;  // that hold positions of it
+    // As many as there are accounts. Side by side, since a price changes the profits of all of them.
+    std::vector<NetSum> by_account;
     std::uint64_t stamp = 0;
   };
   struct OfAccount {
     std::int32_t number = 0;
     NetSum sum;
-    std::vector<NetSum> by_symbol;  // as many as there are symbols
     std::uint64_t stamp = 0;
   };
 
@@ -36,6 +37,10 @@ class CNetPos final : public NetDesk, public Displayable {
 
   const std::vector<OfSymbol>& symbols() const { return symbols_; }
   const std::vector<OfAccount>& accounts() const { return accounts_; }
+  // What one of the accounts holds of the symbol at a place.
+  const NetSum& of(const OfAccount& account, std::size_t symbol) const {
+    return symbols_[symbol].by_account[static_cast<std::size_t>(&account - accounts_.data())];
+  }
   // Everything. Lots of different symbols are added up as they are.
   const NetSum& total() const { return total_; }
   // Accounts that hold any position.

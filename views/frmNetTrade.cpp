@@ -96,7 +96,7 @@ void frmNetTrade::refresh_accounts() {
   const int digits = symbols_.digits(picked());
   for (const CNetPos::OfAccount& account : book_.accounts()) {
     if (account.stamp <= seen_ && !all) continue;
-    const NetSum& sum = account.by_symbol[place];
+    const NetSum& sum = book_.of(account, place);
     const RowKey key = client_key(account.number);
     if (sum.positions() == 0) {
       if (Row* row = lvwNetAccounts.find(key)) lvwNetAccounts.remove(*row);

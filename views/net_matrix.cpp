@@ -54,8 +54,8 @@ void NetMatrix::refresh() {
         ordered_row(lvwNetMatrix, key, [&](const Row& other) { return other.key().number() < each.number; });
     row.set_number(Column::account, each.number);
     write(row, each.sum, Column::total);
-    for (std::size_t place = 0; place < each.by_symbol.size(); ++place)
-      write(row, each.by_symbol[place], first_symbol + place);
+    for (std::size_t place = 0; place < book_.symbols().size(); ++place)
+      write(row, book_.of(each, place), first_symbol + place);
   }
   if (!lvwNetMatrix.empty()) {
     Row& row = general_.total_row(lvwNetMatrix);
@@ -77,7 +77,7 @@ void NetMatrix::close_picked(const std::vector<Picked>& cells) const {
     PositionBlock block{book_.symbols()[place].name, {}};
     for (const CNetPos::OfAccount& each : book_.accounts()) {
       const auto picked = columns_of.find(each.number);
-      if (picked == columns_of.end() || each.by_symbol[place].positions() == 0) continue;
+      if (picked == columns_of.end() || book_.of(each, place).positions() == 0) continue;
       const std::set<std::size_t>& columns = picked->second;
       if (*columns.begin() < first_symbol || columns.contains(first_symbol + place))
         block.accounts.push_back(each.number);

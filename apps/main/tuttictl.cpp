@@ -141,6 +141,9 @@ int main(int argc, char** argv) {
 
   CLI::App* positions = app.add_subcommand("positions", "Show the open positions of all accounts");
   CLI::App* orders = app.add_subcommand("orders", "Show the pending orders of all accounts");
+  CLI::App* net = app.add_subcommand("net", "Show the net positions of all accounts, per symbol");
+  std::string net_by;
+  net->add_option("--by", net_by, "account: per account and symbol")->check(CLI::IsMember({"account"}));
   RowsArguments rows;
   std::string numbers;
   CLI::App* close = app.add_subcommand("close", "Close positions at the market price");
@@ -172,7 +175,8 @@ int main(int argc, char** argv) {
     entry_arguments.accounts = order_arguments.accounts;
     rows.accounts = order_arguments.accounts;
     if (csv && (order->parsed() || entry->parsed() || verify->parsed() || journal->parsed())) {
-      throw CLI::ValidationError("--csv goes with accounts, positions, orders, close, cancel and modify");
+      throw CLI::ValidationError(
+          "--csv goes with accounts, positions, orders, net, close, cancel and modify");
     }
     if (!numbers.empty()) read_numbers(close->parsed() ? "--ticket" : "--order", numbers, rows.numbers);
   } catch (const CLI::ParseError& parse_error) {
@@ -197,6 +201,7 @@ int main(int argc, char** argv) {
   if (modify->parsed()) status = modify_command(**terminal, modify_arguments);
   if (positions->parsed()) status = positions_command(**terminal);
   if (orders->parsed()) status = orders_command(**terminal);
+  if (net->parsed()) status = net_command(**terminal, !net_by.empty());
   if (close->parsed()) status = close_command(**terminal, rows);
   if (cancel->parsed()) status = cancel_command(**terminal, rows);
   if (verify->parsed()) status = verify_command(**terminal);
