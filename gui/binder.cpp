@@ -25,9 +25,18 @@ QString caption(const std::string& text) {
   return shown(text).replace(QLatin1Char{'&'}, QStringLiteral("&&"));
 }
 
+// A widget that is bound before it has its place is shown together with its window, not as one of its own.
+void show_visible(QWidget& widget, bool visible) {
+  if (widget.parentWidget() == nullptr) {
+    if (!visible) widget.hide();
+  } else if (widget.isHidden() == visible) {
+    widget.setVisible(visible);
+  }
+}
+
 void show_state(QWidget& widget, bool enabled, bool visible) {
   if (widget.isEnabled() != enabled) widget.setEnabled(enabled);
-  if (widget.isHidden() == visible) widget.setVisible(visible);
+  show_visible(widget, visible);
 }
 
 void show_items(QComboBox& widget, const ComboBox& box) {
@@ -161,7 +170,7 @@ void Binder::bind(QLabel& widget, Label& label) {
   }
   show([&widget, &label] {
     if (widget.text() != shown(label.text())) widget.setText(shown(label.text()));
-    if (widget.isHidden() == label.visible()) widget.setVisible(label.visible());
+    show_visible(widget, label.visible());
   });
 }
 
@@ -173,7 +182,7 @@ void Binder::bind(QPushButton& widget, Label& label) {
   });
   show([&widget, &label] {
     if (widget.text() != caption(label.text())) widget.setText(caption(label.text()));
-    if (widget.isHidden() == label.visible()) widget.setVisible(label.visible());
+    show_visible(widget, label.visible());
   });
 }
 

@@ -158,6 +158,8 @@ void FrmMdiNewWindow::make_orders_menu() {
                    [this] { pending_->edit_current(); },
                    [this] { return main_.pending().lvwPending.current() != nullptr; }});
   orders.addSeparator();
+  add_closing_commands(orders);
+  orders.addSeparator();
   const auto requoted = [&requote] { return requote.Displayed(); };
   command(orders, {QStringLiteral("accept_requote"), QStringLiteral("&Accept requote"), Qt::Key_F7,
                    QStringLiteral("requote"), [this] { requote_->accept_requote(); }, requoted});
@@ -167,6 +169,35 @@ void FrmMdiNewWindow::make_orders_menu() {
                    {},
                    [this] { requote_->reject_requote(); },
                    requoted});
+}
+
+// What is marked is acted on only where it can be seen.
+void FrmMdiNewWindow::add_closing_commands(QMenu& orders) {
+  const frmClosePos& form = main_.close_positions();
+  const auto available = [this, &form] {
+    return form.Displayed() && main_.window().control(StatusDesk::last_trade_control).enabled;
+  };
+  command(orders, {QStringLiteral("close_marked"), QStringLiteral("Close &marked positions"),
+                   Qt::CTRL | Qt::SHIFT | Qt::Key_K, QStringLiteral("close-positions"),
+                   [this] { close_positions_->close_marked(); }, available});
+  command(orders, {QStringLiteral("mark_all"),
+                   QStringLiteral("Mark all positions"),
+                   Qt::CTRL | Qt::SHIFT | Qt::Key_A,
+                   {},
+                   [this] { close_positions_->mark_all(); },
+                   [&form] { return form.Displayed(); }});
+  command(orders, {QStringLiteral("close_net"),
+                   QStringLiteral("Close accounts of net position..."),
+                   Qt::CTRL | Qt::SHIFT | Qt::Key_N,
+                   {},
+                   [this] { main_.net_trade().close_accounts.click(); },
+                   [this] { return net_trade_->isVisible() && !main_.net_trade().picked().empty(); }});
+  command(orders, {QStringLiteral("close_block"),
+                   QStringLiteral("Close selected accounts x symbols..."),
+                   Qt::CTRL | Qt::SHIFT | Qt::Key_M,
+                   {},
+                   [this] { net_matrix_->close_selected(); },
+                   [this] { return net_matrix_->isVisible(); }});
 }
 
 void FrmMdiNewWindow::make_view_menu() {
@@ -179,12 +210,15 @@ void FrmMdiNewWindow::make_view_menu() {
       {QStringLiteral("&Pending orders"), {}},
       {QStringLiteral("&Journal"), QStringLiteral("journal")},
       {QStringLiteral("&Entry order"), QStringLiteral("entry-order")},
+      {QStringLiteral("&Net positions"), {}},
+      {QStringLiteral("Accounts x &symbols"), {}},
+      {QStringLiteral("&Close positions"), QStringLiteral("close-positions")},
   };
   int number = 0;
   for (const auto& [text, icon] : texts) {
     const QString name = panes_[static_cast<std::size_t>(number)].name;
     ++number;
-    command(view, {name, text, Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number), icon,
+    command(view, {name, text, Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number % 10), icon,
                    [this, name] { bring_up(name); }});
   }
   view.addSeparator();
@@ -252,6 +286,10 @@ void FrmMdiNewWindow::add_context_menus() {
   fill(pending_->list(), {"edit_order", "cancel_selected"});
   fill(journal_->list(), {"live_journal"});
   fill(market_watch_->list(), {"market_order"});
+  fill(close_positions_->list(), {"mark_all", "close_marked"});
+  fill(net_trade_->list(), {"close_net"});
+  fill(net_trade_->accounts(), {"close_net"});
+  fill(net_matrix_->list(), {"close_block"});
 }
 
 void FrmMdiNewWindow::export_active() {

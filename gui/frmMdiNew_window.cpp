@@ -19,7 +19,7 @@ namespace tutti {
 namespace {
 
 // Raised when panes come or go, so that older layouts are not applied to them.
-constexpr int layout_version = 1;
+constexpr int layout_version = 2;
 constexpr QSize standard_size{1600, 900};
 constexpr int room_for_two = 2200;  // width from which positions and journal stand side by side
 
@@ -61,6 +61,7 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   main_.window().set_command(frmMdiNew::show_accounts, [this] { bring_up(QStringLiteral("accounts")); });
   main_.window().set_command(frmMdiNew::show_journal, [this] { bring_up(QStringLiteral("journal")); });
   main_.entry_order().show = [this] { bring_up(QStringLiteral("entry_order")); };
+  main_.close_positions().show = [this] { bring_up(QStringLiteral("close_positions")); };
   screen_.on_refresh(*this, [this] { follow_displayed(); });
   reset_layout();
 }
@@ -96,6 +97,15 @@ void FrmMdiNewWindow::make_panes() {
   entry_order_ = new FrmlimitorderWindow{main_.entry_order(), main_.symbols(), screen_};
   add_pane(QStringLiteral("entry_order"), QStringLiteral("Entry order"), "entry-order", entry_order_,
            &entry_order_->list());
+  net_trade_ = new FrmNetTradeWindow{main_.net_trade(), screen_};
+  add_pane(QStringLiteral("net_trade"), QStringLiteral("Net positions"), "net-positions", net_trade_,
+           &net_trade_->list());
+  net_matrix_ = new NetMatrixWindow{main_.net_matrix(), screen_};
+  add_pane(QStringLiteral("net_matrix"), QStringLiteral("Accounts x symbols"), "net-positions", net_matrix_,
+           &net_matrix_->list());
+  close_positions_ = new FrmClosePosWindow{main_.close_positions(), screen_};
+  add_pane(QStringLiteral("close_positions"), QStringLiteral("Close positions"), "close-positions",
+           close_positions_, &close_positions_->list());
 }
 
 void FrmMdiNewWindow::make_labels() {
@@ -179,6 +189,8 @@ void FrmMdiNewWindow::follow_displayed() {
     main_.entry_order().Displayed(entry_order_->isVisible());
   }
   main_.open_positions().Displayed(trade_->isVisible());
+  main_.net_positions().Displayed(net_trade_->isVisible() || net_matrix_->isVisible());
+  main_.close_positions().Displayed(close_positions_->isVisible());
   main_.pending_orders().Displayed(pending_->isVisible());
   main_.journal().Displayed(journal_->isVisible());
   for (const Pane& pane : panes_)
@@ -214,6 +226,7 @@ void FrmMdiNewWindow::bring_up(const QString& name) {
     }
     if (pane.widget == market_order_) return market_order_->focus_amount();
     if (pane.widget == entry_order_) return entry_order_->focus_amount();
+    if (pane.widget == close_positions_) return close_positions_->focus_symbol();
     if (pane.list != nullptr) pane.list->setFocus(Qt::ShortcutFocusReason);
   }
 }
@@ -232,8 +245,9 @@ void FrmMdiNewWindow::reset_layout() {
   // Beside the journal only a large screen has room for the profit, the last column of the positions.
   const bool wide = width() >= room_for_two;
   if (wide) splitDockWidget(dock(3), dock(5), Qt::Horizontal);
-  tabifyDockWidget(dock(3), dock(4));
-  if (!wide) tabifyDockWidget(dock(4), dock(5));
+  for (const std::size_t pane : {4U, 7U, 8U, 9U})
+    tabifyDockWidget(dock(3), dock(pane));
+  if (!wide) tabifyDockWidget(dock(3), dock(5));
   for (std::size_t pane = 1; pane < panes_.size(); ++pane)
     dock(pane)->show();
   dock(2)->raise();

@@ -7,9 +7,11 @@
 #include "gui/commands.h"
 #include "gui/desktop_prompt.h"
 #include "gui/desktop_sound.h"
+#include "gui/frmClosePos_window.h"
 #include "gui/frmJournal_window.h"
 #include "gui/frmMW_window.h"
 #include "gui/frmMain_window.h"
+#include "gui/frmNetTrade_window.h"
 #include "gui/frmPending_window.h"
 #include "gui/frmPriceChanged_window.h"
 #include "gui/frmTrade_window.h"
@@ -18,6 +20,7 @@
 #include "gui/frmorder_window.h"
 #include "gui/help_window.h"
 #include "gui/message_queue_window.h"
+#include "gui/net_matrix_window.h"
 #include "gui/pane.h"
 #include "gui/saved_layout.h"
 #include "shell/Main.h"
@@ -46,6 +49,9 @@ class FrmMdiNewWindow final : public QMainWindow {
   FrmMWWindow& market_watch() { return *market_watch_; }
   FrmTradeWindow& trade() { return *trade_; }
   FrmPendingWindow& pending() { return *pending_; }
+  FrmClosePosWindow& close_positions() { return *close_positions_; }
+  FrmNetTradeWindow& net_trade() { return *net_trade_; }
+  NetMatrixWindow& net_matrix() { return *net_matrix_; }
   FrmJournalWindow& journal() { return *journal_; }
   FrmPriceChangedWindow& requote() { return *requote_; }
   FrmaccountWindow& account_dialog() { return *account_dialog_; }
@@ -72,6 +78,7 @@ class FrmMdiNewWindow final : public QMainWindow {
   void make_file_menu();
   void make_accounts_menu();
   void make_orders_menu();
+  void add_closing_commands(QMenu& orders);
   void make_view_menu();
   void make_tools_menu();
   void make_help_menu();
@@ -101,6 +108,9 @@ class FrmMdiNewWindow final : public QMainWindow {
   FrmMWWindow* market_watch_ = nullptr;
   FrmTradeWindow* trade_ = nullptr;
   FrmPendingWindow* pending_ = nullptr;
+  FrmClosePosWindow* close_positions_ = nullptr;
+  FrmNetTradeWindow* net_trade_ = nullptr;
+  NetMatrixWindow* net_matrix_ = nullptr;
   FrmJournalWindow* journal_ = nullptr;
   FrmPriceChangedWindow* requote_ = nullptr;
   FrmaccountWindow* account_dialog_ = nullptr;

@@ -6,10 +6,10 @@
 
 #include "gui/binder.h"
 #include "gui/elided_label.h"
+#include "gui/list_count.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
-#include "gui/ticked_count.h"
 
 namespace tutti {
 
@@ -38,7 +38,7 @@ FrmPendingWindow::FrmPendingWindow(frmPending& form, Screen& screen)
   head->setContentsMargins(8, 6, 10, 6);
   head->setSpacing(12);
   head->addWidget(cancel);
-  head->addWidget(new TickedCount{form.lvwPending, screen}, 1);
+  head->addWidget(ListCount::of_ticked(form.lvwPending, screen), 1);
 
   auto* note = new ElidedLabel;
   note->setObjectName(QStringLiteral("note"));

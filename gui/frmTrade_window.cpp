@@ -7,10 +7,10 @@
 
 #include "gui/binder.h"
 #include "gui/elided_label.h"
+#include "gui/list_count.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
-#include "gui/ticked_count.h"
 
 namespace tutti {
 
@@ -24,9 +24,7 @@ const std::vector<std::size_t> numbers{
 
 QColor profit_ink(const Row& row, std::size_t column) {
   if (column != Column::profit) return {};
-  const double profit = row.cell(column).stored_number();
-  if (profit == 0.0) return {};
-  return theme::colour(rgb(profit > 0.0 ? Ink::green : Ink::red));
+  return theme::profit_colour(row.cell(column).stored_number());
 }
 
 }  // namespace
@@ -51,7 +49,7 @@ FrmTradeWindow::FrmTradeWindow(frmTrade& form, Screen& screen)
   head->setSpacing(12);
   head->addWidget(all);
   head->addWidget(close);
-  head->addWidget(new TickedCount{form.lvwOpenPos, screen}, 1);
+  head->addWidget(ListCount::of_ticked(form.lvwOpenPos, screen), 1);
 
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);

@@ -16,6 +16,8 @@ namespace {
 std::vector<std::size_t> columns_of(const RowListView& view) {
   std::vector<std::size_t> out;
   const QHeaderView& header = *view.horizontalHeader();
+  // Frozen, it stands in front of all others.
+  if (view.verticalHeader()->isVisibleTo(&view)) out.push_back(0);
   for (int place = 0; place < header.count(); ++place) {
     const int column = header.logicalIndex(place);
     if (!header.isSectionHidden(column)) out.push_back(static_cast<std::size_t>(column));
@@ -54,14 +56,22 @@ std::string list_csv(const RowListView& view) {
 
 void copy_selected(const RowListView& view) {
   const RowListModel& model = view.rows();
-  const std::vector<std::size_t> columns = columns_of(view);
+  const bool cells = view.selectionBehavior() == QAbstractItemView::SelectItems;
+  const auto chosen = [&](int place, std::size_t column) {
+    return !cells || view.selectionModel()->isSelected(view.model()->index(place, static_cast<int>(column)));
+  };
+  std::vector<std::size_t> columns = columns_of(view);
+  std::erase_if(columns, [&](std::size_t column) {
+    return cells &&
+           !view.selectionModel()->columnIntersectsSelection(static_cast<int>(column), QModelIndex{});
+  });
   QString out;
   for (int place = 0; place < model.rowCount(); ++place) {
     const Row* row = model.row_at(place);
     if (row == nullptr || !row->selected()) continue;
     for (const std::size_t column : columns) {
       if (column != columns.front()) out += QLatin1Char{'\t'};
-      out += QString::fromStdString(row->text(column));
+      if (chosen(place, column)) out += QString::fromStdString(row->text(column));
     }
     out += QLatin1Char{'\n'};
   }

@@ -95,6 +95,7 @@ QPushButton* MessageWindow::make_button(std::size_t index) {
   // Enter is for the button with the focus alone, and none but the primary one looks like it.
   button->setAutoDefault(false);
   if (made.primary) button->setProperty("role", QStringLiteral("primary"));
+  button->installEventFilter(this);
   connect(button, &QPushButton::clicked, this, [this, index] { press(index); });
   buttons_.push_back(button);
   return button;
@@ -156,6 +157,12 @@ void MessageWindow::press(std::size_t index) {
 void MessageWindow::reject() {
   if (!content_.escape) return done(0);
   press(*content_.escape);
+}
+
+bool MessageWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::MouseButtonPress) clicked_into_ = true;
+  if (event->type() == QEvent::MouseButtonDblClick && !clicked_into_) return true;
+  return QDialog::eventFilter(watched, event);
 }
 
 void MessageWindow::keyPressEvent(QKeyEvent* event) {

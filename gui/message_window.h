@@ -54,6 +54,8 @@ class MessageWindow final : public QDialog {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  // The second click of a double-click that opened the window must not answer it.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   QPushButton* make_button(std::size_t index);
@@ -65,7 +67,8 @@ class MessageWindow final : public QDialog {
   QTextEdit* text_;
   QLabel* footer_;
   std::vector<QPushButton*> buttons_;
-  QString letters_;  // of the buttons, in upper case; a blank for one without
+  bool clicked_into_ = false;  // a button was pressed with the mouse since the window was made
+  QString letters_;            // of the buttons, in upper case; a blank for one without
 };
 
 }  // namespace tutti

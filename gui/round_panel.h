@@ -7,10 +7,10 @@
 #include "gui/order_form.h"
 
 class QLabel;
-class QProgressBar;
 
 namespace tutti {
 
+class AnswersLine;
 class Screen;
 
 // Under the accounts of an order window: the shares against the total typed, and what became of the
@@ -29,8 +29,7 @@ class RoundPanel final : public QWidget {
   const OrderForm& form_;
   std::function<int()> hidden_;
   QLabel* shares_;
-  QLabel* answers_;
-  QProgressBar* progress_;
+  AnswersLine* answers_;
 };
 
 }  // namespace tutti

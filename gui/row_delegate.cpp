@@ -45,7 +45,7 @@ const RowListModel& model_of(const QModelIndex& index) {
 
 }  // namespace
 
-RowDelegate::RowDelegate() : text_(theme::font()) {}
+RowDelegate::RowDelegate() : text_(theme::font()), bold_(theme::bold_font()) {}
 
 void RowDelegate::set_numbers(std::vector<std::size_t> columns) {
   numbers_.clear();
@@ -53,6 +53,15 @@ void RowDelegate::set_numbers(std::vector<std::size_t> columns) {
     if (column >= numbers_.size()) numbers_.resize(column + 1);
     numbers_[column] = true;
   }
+}
+
+std::string RowDelegate::shown_text(const Row& row, std::size_t column) const {
+  std::string out;
+  if (pieces) {
+    for (const TextPiece& piece : pieces(row, column))
+      out += piece.text;
+  }
+  return out.empty() ? row.text(column) : out;
 }
 
 int RowDelegate::text_width(std::string_view text) const {
@@ -71,8 +80,9 @@ void RowDelegate::paint_tick(QPainter& painter, const QRect& cell, bool checked)
   painter.drawPixmap(cell.left() + theme::cell_padding, cell.top() + (cell.height() - box_size) / 2, box);
 }
 
-void RowDelegate::paint_ground(QPainter& painter, const QRect& area, const Shown& shown) {
+void RowDelegate::paint_ground(QPainter& painter, const QRect& area, const Shown& shown) const {
   painter.fillRect(area, QColor{shown.selected         ? theme::selection
+                                : is_head(shown.row)   ? theme::raised
                                 : shown.place % 2 == 0 ? theme::base
                                                        : theme::alternate});
   if (!shown.selected) return;
@@ -86,11 +96,22 @@ void RowDelegate::paint_cell(QPainter& painter, const QRect& cell, const Shown& 
     painter.fillRect(cell.left(), cell.top(), bar_width, cell.height(), QColor{theme::accent});
   if (shown.row == nullptr) return;
   if (column == 0 && shown.ticks) paint_tick(painter, cell, shown.row->checked());
+  if (box && column == box_column) {
+    if (const auto checked = box(*shown.row)) paint_tick(painter, cell, *checked);
+  }
   const Cell& content = shown.row->cell(column);
-  if (content.empty()) return;
   const QColor own = ink ? ink(*shown.row, column) : QColor{};
-  text_.draw(painter, text_box(cell, column, shown.ticks), content.text(),
-             is_number(static_cast<int>(column)), own.isValid() ? own : theme::colour(content.ink()));
+  const QColor colour = own.isValid() ? own : theme::colour(content.ink());
+  GlyphText& text = is_head(shown.row) ? bold_ : text_;
+  QRectF room = text_box(cell, column, shown.ticks);
+  const std::vector<TextPiece> parts = pieces ? pieces(*shown.row, column) : std::vector<TextPiece>{};
+  if (parts.empty() && !content.empty())
+    text.draw(painter, room, content.text(), is_number(static_cast<int>(column)), colour);
+  for (const TextPiece& part : parts) {
+    if (room.width() <= 0.0) break;
+    text.draw(painter, room, part.text, false, part.colour.isValid() ? part.colour : colour);
+    room.setLeft(room.left() + text.width(part.text));
+  }
 }
 
 void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -107,7 +128,7 @@ QSize RowDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex& inde
   const Row* row = model_of(index).row_at(index.row());
   if (row == nullptr) return {0, theme::row_height};
   const int tick = index.column() == 0 && model_of(index).ticks() ? tick_width - theme::cell_padding : 0;
-  return {text_width(row->text(static_cast<std::size_t>(index.column()))) + tick, theme::row_height};
+  return {text_width(shown_text(*row, static_cast<std::size_t>(index.column()))) + tick, theme::row_height};
 }
 
 bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem&,
@@ -116,7 +137,7 @@ bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QS
   const Row* row = model_of(index).row_at(index.row());
   std::string text = row != nullptr && tip ? tip(*row) : std::string{};
   if (row != nullptr && text.empty()) {
-    text = row->text(static_cast<std::size_t>(index.column()));
+    text = shown_text(*row, static_cast<std::size_t>(index.column()));
     if (text_.width(text) <=
         text_box(view->visualRect(index), static_cast<std::size_t>(index.column()), model_of(index).ticks())
             .width())

@@ -5,6 +5,7 @@
 #include <QPixmap>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,12 @@
 #include "gui/glyph_text.h"
 
 namespace tutti {
+
+// A part of a cell's text; a colour that is not valid is the cell's own.
+struct TextPiece {
+  std::string text;
+  QColor colour;
+};
 
 // Paints the cells of all row lists straight from their rows: background by selection, check box, text in its
 // own colour, which a selection does not change.
@@ -24,14 +31,27 @@ class RowDelegate final : public QAbstractItemDelegate {
 
   // Text colour of a cell, where it is another than the cell's own; one that is not valid leaves it.
   std::function<QColor(const Row& row, std::size_t column)> ink;
+  // Lists whose boxes are not the rows' ticks: the column they stand in, in front of its text, and whether a
+  // row's is checked; a row without one answers nothing.
+  std::size_t box_column = 0;
+  std::function<std::optional<bool>(const Row& row)> box;
   // What is shown while the mouse rests on a row, unless it is empty.
   std::function<std::string(const Row& row)> tip;
+  // Pieces that are painted one behind the other in place of a cell's text, in columns that are not of
+  // numbers; none leave the cell its own.
+  std::function<std::vector<TextPiece>(const Row& row, std::size_t column)> pieces;
+  // Whether a row is the head of those below it: bold, on a ground of its own.
+  std::function<bool(const Row& row)> head;
 
   // Columns whose texts stand to the right.
   void set_numbers(std::vector<std::size_t> columns);
+  void set_all_numbers() { all_numbers_ = true; }
   bool is_number(int column) const {
+    if (all_numbers_) return true;
     return static_cast<std::size_t>(column) < numbers_.size() && numbers_[static_cast<std::size_t>(column)];
   }
+  // What a cell reads on the screen.
+  std::string shown_text(const Row& row, std::size_t column) const;
   // Room that a text takes with its padding.
   int text_width(std::string_view text) const;
 
@@ -44,9 +64,12 @@ class RowDelegate final : public QAbstractItemDelegate {
   };
   // The view's way: the ground of a row, its cells, and at the end of all rows what the cells have left to be
   // drawn together.
-  static void paint_ground(QPainter& painter, const QRect& area, const Shown& shown);
+  void paint_ground(QPainter& painter, const QRect& area, const Shown& shown) const;
   void paint_cell(QPainter& painter, const QRect& cell, const Shown& shown, std::size_t column) const;
-  void finish(QPainter& painter) const { text_.flush(painter); }
+  void finish(QPainter& painter) const {
+    text_.flush(painter);
+    bold_.flush(painter);
+  }
 
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
@@ -55,11 +78,14 @@ class RowDelegate final : public QAbstractItemDelegate {
                  const QModelIndex& index) override;
 
  private:
+  bool is_head(const Row* row) const { return row != nullptr && head && head(*row); }
   void paint_tick(QPainter& painter, const QRect& cell, bool checked) const;
   static QRect text_box(const QRect& cell, std::size_t column, bool ticks);
 
   std::vector<bool> numbers_;
+  bool all_numbers_ = false;
   mutable GlyphText text_;
+  mutable GlyphText bold_;
   mutable QPixmap ticks_[2];  // off and on, at the scale they were drawn last
 };
 

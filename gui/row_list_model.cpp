@@ -16,7 +16,10 @@ constexpr std::size_t most_runs = 16;
 }  // namespace
 
 RowListModel::RowListModel(RowList& list, bool ticks, QObject* parent)
-    : QAbstractTableModel(parent), list_(list), ticks_(ticks) {
+    : QAbstractTableModel(parent),
+      list_(list),
+      ticks_(ticks),
+      columns_(static_cast<int>(list.columns().size())) {
   settle();
 }
 
@@ -74,8 +77,21 @@ RowListModel::Rows RowListModel::wanted() {
   return ordered;
 }
 
+// Rows of other columns are other rows: nothing of what was shown remains.
+void RowListModel::take_columns() {
+  beginResetModel();
+  columns_ = static_cast<int>(list_.columns().size());
+  shown_.clear();
+  sort_column_ = -1;
+  asked_stamp_ = 0;
+  shown_ = wanted();
+  seen_structure_ = list_.structure_stamp();
+  endResetModel();
+}
+
 void RowListModel::settle() {
   if (settled()) return;
+  if (columns_ != static_cast<int>(list_.columns().size())) return take_columns();
   // Rows are given out again only when what is shown is in step: views ask in between.
   show(wanted());
   seen_structure_ = list_.structure_stamp();
@@ -226,7 +242,7 @@ int RowListModel::rowCount(const QModelIndex& parent) const {
 }
 
 int RowListModel::columnCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : static_cast<int>(list_.columns().size());
+  return parent.isValid() ? 0 : columns_;
 }
 
 QVariant RowListModel::data(const QModelIndex& index, int role) const {
@@ -247,8 +263,13 @@ QVariant RowListModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant RowListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
   if (role != Qt::DisplayRole) return {};
+  if (orientation == Qt::Vertical) {
+    // For views whose first column does not scroll away; see freeze_first_column.
+    const Row* row = row_at(section);
+    return row == nullptr ? QVariant{} : QString::fromStdString(row->text(0));
+  }
+  if (section < 0 || static_cast<std::size_t>(section) >= list_.columns().size()) return {};
   return QString::fromStdString(list_.columns()[static_cast<std::size_t>(section)].header);
 }
 

@@ -57,6 +57,7 @@ class RowListModel final : public QAbstractTableModel {
   using Rows = std::vector<Row*>;
   using RowSet = tsl::robin_set<const Row*>;
 
+  void take_columns();
   Rows wanted();
   void show(Rows wanted);
   static std::size_t runs(const RowSet& set, const Rows& rows, std::size_t from, std::size_t to);
@@ -72,6 +73,7 @@ class RowListModel final : public QAbstractTableModel {
   int sort_column_ = -1;
   Qt::SortOrder sort_order_ = Qt::AscendingOrder;
   Rows shown_;
+  int columns_ = 0;
   std::uint64_t seen_structure_ = 0;
   std::uint64_t asked_stamp_ = 0;  // of the list when the filter was asked last
   std::uint64_t shown_stamp_ = 0;  // of the list when refresh() ran last

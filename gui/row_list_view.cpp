@@ -76,6 +76,10 @@ RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t>
   connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
     if (!spreading_) dragged_ = true;
   });
+  connect(&model_, &QAbstractItemModel::modelReset, this, [this] {
+    horizontalHeader()->setSortIndicatorShown(false);
+    if (!dragged_ || columns_vary_) follow_percentages();
+  });
   connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { take_selection(); });
   connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { take_selection(); });
   screen_.on_settle(*this, [this] { settle(); });
@@ -89,7 +93,28 @@ Row* RowListView::row_under(const QPoint& position) const {
 
 void RowListView::settle() {
   model_.settle();
+  if (settled_structure_ != model_.list().structure_stamp()) {
+    settled_structure_ = model_.list().structure_stamp();
+    drop_replaced();
+  }
   if (!selection_taken_) take_selection();
+}
+
+// A new row may stand where one was freed, in the list and in memory, which is no change to the model; but
+// nobody has selected it.
+void RowListView::drop_replaced() {
+  QItemSelection replaced;
+  for (const QItemSelectionRange& range : selectionModel()->selection()) {
+    for (int place = range.top(); place <= range.bottom(); ++place) {
+      const Row* row = model_.row_at(place);
+      if (row != nullptr && !row->selected())
+        replaced.select(model_.index(place, 0), model_.index(place, model_.columnCount() - 1));
+    }
+  }
+  if (replaced.isEmpty()) return;
+  following_ = true;
+  selectionModel()->select(replaced, QItemSelectionModel::Deselect);
+  following_ = false;
 }
 
 void RowListView::refresh() {
@@ -145,13 +170,18 @@ void RowListView::follow_selection() {
 }
 
 bool RowListView::go_to(const Row& row) {
-  model_.settle();
+  settle();
   const int place = model_.place_of(&row);
   if (place < 0) return false;
   selectionModel()->setCurrentIndex(model_.index(place, 0),
                                     QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
   scrollTo(model_.index(place, 0));
   return true;
+}
+
+void RowListView::set_sortable(bool sortable) {
+  sortable_ = sortable;
+  horizontalHeader()->setSectionsClickable(sortable);
 }
 
 void RowListView::header_clicked(int column) {
@@ -185,6 +215,10 @@ void RowListView::paintEvent(QPaintEvent* event) {
       spans.push_back({static_cast<std::size_t>(column), left, width});
   }
 
+  const bool rows = selectionBehavior() == SelectRows;
+  const auto selected = [this](int place, int column) {
+    return selectionModel()->isSelected(model_.index(place, column));
+  };
   QPainter painter{viewport()};
   int place = rowAt(area.top());
   int top = area.top();
@@ -193,11 +227,14 @@ void RowListView::paintEvent(QPaintEvent* event) {
     if (row.top() > area.bottom()) break;
     top = row.bottom() + 1;
     if (!event->region().intersects(row)) continue;
-    const RowDelegate::Shown shown{model_.row_at(place), place,
-                                   selectionModel()->isSelected(model_.index(place, 0)), model_.ticks()};
-    RowDelegate::paint_ground(painter, row, shown);
-    for (const Span& span : spans)
-      delegate_.paint_cell(painter, {span.left, row.top(), span.width, row.height()}, shown, span.column);
+    const RowDelegate::Shown shown{model_.row_at(place), place, rows && selected(place, 0), model_.ticks()};
+    delegate_.paint_ground(painter, row, shown);
+    for (const Span& span : spans) {
+      const QRect cell{span.left, row.top(), span.width, row.height()};
+      if (!rows && selected(place, static_cast<int>(span.column)))
+        painter.fillRect(cell, QColor{theme::selected_cell});
+      delegate_.paint_cell(painter, cell, shown, span.column);
+    }
   }
   const QRect right{QPoint{end, area.top()}, area.bottomRight()};
   const QRect below{QPoint{area.left(), top}, area.bottomRight()};
@@ -216,6 +253,13 @@ void RowListView::keep_readable(std::vector<std::string> texts) {
   if (!dragged_) spread();
 }
 
+void RowListView::set_columns_vary(std::string text) {
+  columns_vary_ = true;
+  delegate_.set_all_numbers();
+  further_readable_ = std::move(text);
+  if (!dragged_) spread();
+}
+
 void RowListView::follow_percentages() {
   dragged_ = false;
   spread();
@@ -225,9 +269,13 @@ void RowListView::spread() {
   std::vector<ColumnShare> shares;
   const std::vector<Column>& columns = model_.list().columns();
   for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (isColumnHidden(static_cast<int>(i))) {
+      shares.push_back({});
+      continue;
+    }
     const int tick = i == 0 && model_.ticks() ? RowDelegate::tick_width : 0;
     const int header = delegate_.text_width(columns[i].header);
-    const int text = i < readable_.size() ? delegate_.text_width(readable_[i]) : 0;
+    const int text = delegate_.text_width(i < readable_.size() ? readable_[i] : further_readable_);
     shares.push_back({columns[i].width, std::max(header, text) + tick});
   }
   const std::vector<int> widths = spread_columns(shares, viewport()->width());
@@ -239,6 +287,7 @@ void RowListView::spread() {
 
 QByteArray RowListView::save_columns() const {
   QByteArray out;
+  if (columns_vary_) return out;
   QDataStream stream{&out, QIODevice::WriteOnly};
   stream << dragged_ << horizontalHeader()->saveState();
   return out;
@@ -253,9 +302,15 @@ bool RowListView::restore_columns(const QByteArray& saved) {
   const bool restored = stream.status() == QDataStream::Ok && horizontalHeader()->restoreState(header);
   spreading_ = false;
   horizontalHeader()->setSortIndicatorShown(false);
+  horizontalHeader()->setSectionsClickable(sortable_);
   dragged_ = restored && dragged;
   if (!dragged_) spread();
   return restored;
+}
+
+RowListView::Target RowListView::target_at(const QModelIndex& index) const {
+  const Row* row = index.isValid() ? model_.row_at(index.row()) : nullptr;
+  return row == nullptr ? Target{} : Target{row, row->key(), index.column()};
 }
 
 bool RowListView::on_tick_box(const QModelIndex& index, const QPoint& position) const {
@@ -267,7 +322,8 @@ void RowListView::mousePressEvent(QMouseEvent* event) {
   screen_.settle();
   const QModelIndex index = indexAt(event->position().toPoint());
   ticking_ = event->button() == Qt::LeftButton && on_tick_box(index, event->position().toPoint());
-  pressed_ = model_.row_at(index.row());
+  pressed_ = target_at(index);
+  clicking_ = clicked && event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
   if (ticking_) {
     if (Row* row = model_.row_at(index.row())) model_.list().tick(*row, !row->checked());
     setFocus(Qt::MouseFocusReason);
@@ -283,13 +339,27 @@ void RowListView::mouseMoveEvent(QMouseEvent* event) {
   if (!ticking_) QTableView::mouseMoveEvent(event);
 }
 
+void RowListView::mouseReleaseEvent(QMouseEvent* event) {
+  // The toolkit's part ends first: what a click does may open a box.
+  QTableView::mouseReleaseEvent(event);
+  if (event->button() != Qt::LeftButton || !std::exchange(clicking_, false)) return;
+  if (event->modifiers() != Qt::NoModifier) return;
+  screen_.settle();
+  const QModelIndex index = indexAt(event->position().toPoint());
+  // Rows may have moved since the button went down.
+  const Target target = target_at(index);
+  if (target.row == nullptr || target != pressed_) return;
+  clicked(*model_.row_at(index.row()), static_cast<std::size_t>(index.column()));
+  screen_.acted();
+}
+
 void RowListView::mouseDoubleClickEvent(QMouseEvent* event) {
   screen_.settle();
   const QModelIndex index = indexAt(event->position().toPoint());
   // The second of two quick clicks on a box is a click like the first.
-  if (on_tick_box(index, event->position().toPoint())) return mousePressEvent(event);
+  if (clicked || on_tick_box(index, event->position().toPoint())) return mousePressEvent(event);
   // Rows may have moved since the first click: what counts is what was clicked twice.
-  if (event->button() != Qt::LeftButton || !index.isValid() || model_.row_at(index.row()) != pressed_) return;
+  if (event->button() != Qt::LeftButton || !index.isValid() || target_at(index) != pressed_) return;
   run_activate(index);
 }
 
@@ -317,8 +387,17 @@ void RowListView::tick_selected() {
 void RowListView::keyPressEvent(QKeyEvent* event) {
   screen_.settle();
   if (event->matches(QKeySequence::Copy)) return copy_selected(*this);
+  const bool acts =
+      event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  // A key that is held down acts once.
+  if (acts && event->isAutoRepeat()) return;
   if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier && model_.ticks()) {
     return tick_selected();
+  }
+  if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier && spaced) {
+    const std::vector<Row*> rows = model_.list().selected();
+    if (!rows.empty()) spaced(rows);
+    return screen_.acted();
   }
   if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
       event->modifiers() == Qt::NoModifier && currentIndex().isValid()) {

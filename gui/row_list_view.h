@@ -3,6 +3,7 @@
 #include <QTableView>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -42,6 +43,8 @@ class RowListView final : public QTableView {
   bool restore_columns(const QByteArray& saved);
   // Right-aligned when the list's column is of numbers.
   bool is_number(std::size_t column) const { return delegate_.is_number(static_cast<int>(column)); }
+  // Paints this list's cells wherever else they are shown.
+  const RowDelegate& delegate() const { return delegate_; }
 
   // Text colours that the list itself does not know; see RowDelegate.
   void set_ink(std::function<QColor(const Row& row, std::size_t column)> ink) {
@@ -50,8 +53,29 @@ class RowListView final : public QTableView {
   // What is shown while the mouse rests on a row, instead of what its cell has no room for.
   void set_tip(std::function<std::string(const Row& row)> tip) { delegate_.tip = std::move(tip); }
 
+  // Boxes that are not the rows' ticks; see RowDelegate.
+  void set_boxes(std::size_t column, std::function<std::optional<bool>(const Row& row)> box) {
+    delegate_.box_column = column;
+    delegate_.box = std::move(box);
+  }
+  // Texts in several colours, and rows that head those below them; see RowDelegate.
+  void set_pieces(std::function<std::vector<TextPiece>(const Row& row, std::size_t column)> pieces) {
+    delegate_.pieces = std::move(pieces);
+  }
+  void set_heads(std::function<bool(const Row& row)> head) { delegate_.head = std::move(head); }
+  // Whether a click on a header sorts; not in lists whose rows belong to the row above them.
+  void set_sortable(bool sortable);
+  // Columns come and go with the list's contents. All are of numbers, those beyond keep_readable have room
+  // for this text, and their widths and order are not kept over a restart.
+  void set_columns_vary(std::string text);
+
   // Runs instead of the list's on_activate when set: for windows whose double-click depends on the column.
   std::function<void(Row& row, std::size_t column)> activate;
+  // For windows where a single click does something: pressed and let go on the same cell, without a key held
+  // down. A double-click then is two clicks.
+  std::function<void(Row& row, std::size_t column)> clicked;
+  // Runs on Space in lists without ticks, once for each press, when any row is selected.
+  std::function<void(const std::vector<Row*>& rows)> spaced;
 
  protected:
   // Row by row: the toolkit's own way asks the style about every cell.
@@ -60,10 +84,20 @@ class RowListView final : public QTableView {
   void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
+  // A cell by what is in it: rows move, and new ones are made where others were freed.
+  struct Target {
+    const Row* row = nullptr;  // only compared
+    RowKey key;
+    int column = -1;
+    bool operator==(const Target&) const = default;
+  };
+
   void settle();
+  void drop_replaced();
   void refresh();
   void header_clicked(int column);
   void spread();
@@ -71,6 +105,7 @@ class RowListView final : public QTableView {
   void take_selection();
   void follow_selection();
   void tick_selected();
+  Target target_at(const QModelIndex& index) const;
   bool on_tick_box(const QModelIndex& index, const QPoint& position) const;
   void run_activate(const QModelIndex& index);
 
@@ -78,13 +113,18 @@ class RowListView final : public QTableView {
   RowDelegate delegate_;
   Screen& screen_;
   std::vector<std::string> readable_;
+  std::string further_readable_;  // of the columns behind those
   bool dragged_ = false;
   bool spreading_ = false;
   bool following_ = false;        // the view takes the list's selection over, not the other way round
   bool selection_taken_ = true;   // false while the operator's selection waits for the rows to be in step
   const Row* current_ = nullptr;  // the list's current row when it was followed last; only compared
   bool ticking_ = false;          // the button went down on a check box
-  const Row* pressed_ = nullptr;  // under the last press; only compared
+  Target pressed_;                // under the last press
+  bool clicking_ = false;         // the button went down for a click
+  bool sortable_ = true;
+  bool columns_vary_ = false;
+  std::uint64_t settled_structure_ = 0;  // of the list when the selection was looked through last
 };
 
 }  // namespace tutti

@@ -120,6 +120,9 @@ void ScreenshotTour::plan_orders() {
          for (std::size_t row = 0; row < std::min<std::size_t>(positions.size(), 3); ++row)
            positions.tick(positions.row(row), true);
          window_.pending().list().selectRow(0);
+         main_.net_trade().refresh();
+         screen_.settle();
+         window_.net_trade().list().selectRow(0);
        });
   picture("desktop", [this] { return &window_; });
   then([] { return true; },
@@ -130,12 +133,20 @@ void ScreenshotTour::plan_orders() {
   picture("desktop_entry_order", [this] { return &window_; });
   for (const Pane& pane : window_.panes()) {
     then([] { return true; }, [this, name = pane.name] { window_.bring_up(name); });
+    if (pane.widget == &window_.close_positions()) then([] { return true; }, [this] { mark_positions(); });
     picture(pane.name.toStdString().c_str(), [widget = pane.widget] { return widget; });
   }
   then([] { return true; },
        [this] { window_.journal().show_history(main_.accounts().sessions().Children().front()->account()); });
   picture("journal_history", [this] { return &window_.journal(); });
   then([] { return true; }, [this] { window_.journal().show_live(); });
+}
+
+void ScreenshotTour::mark_positions() {
+  frmClosePos& form = main_.close_positions();
+  form.CloseSymbols.choose("EURUSD");
+  for (const std::size_t row : {1U, 2U, 4U})
+    if (row < form.MSH.size()) form.click(form.MSH.row(row), frmClosePos::status);
 }
 
 void ScreenshotTour::fill_entry_order() {

@@ -30,6 +30,7 @@ class ScreenshotTour {
   void plan_orders();
   void plan_boxes();
   void fill_entry_order();
+  void mark_positions();
   void then(std::function<bool()> ready, std::function<void()> act);
   // A step that takes a picture after the windows have had time to paint themselves.
   void picture(const char* name, std::function<QWidget*()> what);

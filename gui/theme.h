@@ -26,9 +26,12 @@ inline constexpr QRgb amber = 0xffe0a04a;
 inline constexpr QRgb button = 0xff27303b;
 inline constexpr QRgb primary = 0xff1f6f8f;
 inline constexpr QRgb selection = 0xff102533;
+inline constexpr QRgb selected_cell = 0xff17405a;
 inline constexpr QRgb selection_line = 0xff245570;
 inline constexpr QRgb sell = 0xff7c1f24;
 inline constexpr QRgb buy = 0xff17602f;
+inline constexpr QRgb soft_green = 0xff86cf9b;
+inline constexpr QRgb soft_red = 0xffe58b8b;
 
 inline constexpr int row_height = 22;
 inline constexpr int cell_padding = 8;
@@ -46,6 +49,13 @@ inline QColor colour(Rgb rgb) {
 // Text colour of a meaning.
 inline QColor colour(Ink ink) {
   return ink == Ink::plain ? QColor{text} : colour(rgb(ink));
+}
+// Of a number that is good above 0 and bad below, and of one that is only long or short; not valid at 0.
+inline QColor profit_colour(double number) {
+  return number == 0.0 ? QColor{} : colour(number > 0.0 ? Ink::green : Ink::red);
+}
+inline QColor side_colour(double number) {
+  return number == 0.0 ? QColor{} : QColor{number > 0.0 ? soft_green : soft_red};
 }
 
 }  // namespace tutti::theme

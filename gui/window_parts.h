@@ -2,8 +2,10 @@
 
 #include <QString>
 #include <initializer_list>
+#include <string>
 
 class QComboBox;
+class QLabel;
 class QWidget;
 
 // Small pieces that several windows are put together from.
@@ -17,6 +19,10 @@ W* named(W* widget, const char* name) {
 
 // A list to choose from that becomes as narrow as its pane wants it.
 QComboBox* make_combo(const char* name);
+
+// A line of plain text that is as high as its words need it, and its text, which may be a warning.
+QLabel* make_line(const char* name);
+void show_line(QLabel& line, const std::string& text, bool warn);
 
 // Tab goes through the widgets of these names in this order.
 void set_tab_order(const QWidget& window, std::initializer_list<const char*> names);

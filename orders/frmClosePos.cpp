@@ -13,7 +13,7 @@ constexpr std::string_view invalid_state = "Invalid account";
 // Twelve blanks: the ticket is read back as what stands behind them.
 constexpr std::string_view position_prefix = "            #";
 constexpr std::string_view no_price_text = "Close";
-constexpr std::string_view column_widths = "14,48,12,26";
+constexpr std::string_view column_widths = "12,38,10,40";
 
 std::string position_text(const Row& open) {
   return std::string{position_prefix} + open.text(frmTrade::ticket) + " " + open.text(frmTrade::type) + " " +

@@ -130,7 +130,7 @@ class frmClosePos final : public ClosePositionsDesk {
   static std::int64_t ticket_of(const Row& row);
   std::int32_t account_above(const Row& row) const;
   void send(const std::vector<frmTrade::Close>& positions);
-  const SentOrder* request(std::int64_t ticket, std::int32_t account) const;
+  const SentOrder* close_request(std::int64_t ticket, std::int32_t account) const;
   void take_block();
 
   MGeneral& general_;

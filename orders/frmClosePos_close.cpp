@@ -127,19 +127,21 @@ void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
   }
 }
 
-const SentOrder* frmClosePos::request(std::int64_t ticket, std::int32_t number) const {
+const SentOrder* frmClosePos::close_request(std::int64_t ticket, std::int32_t number) const {
   const CClientAPIManager* session = accounts_list_.sessions().by_account(number);
   return session == nullptr ? nullptr : session->sent_request(RequestKind::close, ticket);
 }
 
 OrderAnswer frmClosePos::answer_of(const Row& row) const {
   if (!is_position(row)) return OrderAnswer::none;
-  const SentOrder* sent = request(row.key().number(), account_above(row));
+  const SentOrder* sent = close_request(row.key().number(), account_above(row));
   return sent == nullptr ? OrderAnswer::none : answer_from(sent->outcome);
 }
 
 std::string_view frmClosePos::answer_text(const Row& row) const {
   if (answer_of(row) != OrderAnswer::refused) return {};
+  const SentOrder* sent = close_request(row.key().number(), account_above(row));
+  if (sent->request_code != request::taken) return request::text(sent->request_code);
   const auto at = answers_.find(row.key().number());
   return at == answers_.end() ? std::string_view{} : at->second;
 }
@@ -147,7 +149,7 @@ std::string_view frmClosePos::answer_text(const Row& row) const {
 OrderAnswers frmClosePos::answers() const {
   OrderAnswers out;
   for (const frmTrade::Close& position : sent_) {
-    const SentOrder* sent = request(position.ticket, position.account);
+    const SentOrder* sent = close_request(position.ticket, position.account);
     out.count(sent == nullptr ? OrderAnswer::unknown : answer_from(sent->outcome));
   }
   return out;

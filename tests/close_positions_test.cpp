@@ -332,6 +332,8 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   };
   EXPECT_EQ(form.answer_of(first_of(15)), OrderAnswer::refused);
   EXPECT_EQ(form.answer_text(first_of(15)), " Trading is closed");
+  EXPECT_EQ(form.answer_text(first_of(5)), "No Privilege ");
+  EXPECT_EQ(form.answer_text(first_of(20)), "");
   EXPECT_EQ(first_of(15).text(frmClosePos::action), " Trading is closed");
   EXPECT_EQ(first_of(20).text(frmClosePos::action), "Position in pending mode");
   EXPECT_EQ(desk.differences(), Texts{});

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QTextEdit>
 
@@ -55,6 +56,22 @@ TEST_F(MessagesTest, AQuestionIsAnsweredByKeysAndClicks) {
          press(Qt::Key_Enter);
        },
        true},
+      {"second click of a double-click on what opened it",
+       [](QWidget& box) {
+         QWidget& yes = *box.findChild<QPushButton*>(QStringLiteral("cmd1"));
+         for (const auto type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+           const QPointF at = yes.rect().center();
+           QMouseEvent event{type,
+                             at,
+                             yes.mapToGlobal(at),
+                             Qt::LeftButton,
+                             type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                             {}};
+           QApplication::sendEvent(&yes, &event);
+         }
+         if (box.isVisible()) press(Qt::Key_Escape);
+       },
+       false},
       {"click on Yes",
        [](QWidget& box) {
          QTest::mouseClick(box.findChild<QPushButton*>(QStringLiteral("cmd1")), Qt::LeftButton);

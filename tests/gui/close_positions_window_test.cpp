@@ -1,0 +1,303 @@
+// The close positions window: marks by mouse and keyboard, closing, and what remains to be seen afterwards.
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include "gui/desktop_prompt.h"
+#include "gui/frmClosePos_window.h"
+#include "gui/theme.h"
+#include "tests/gui/gui_rig.h"
+#include "tests/support/scenario_desk.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int status = frmClosePos::status;
+constexpr int action = frmClosePos::action;
+
+DealerConfig with_faults(std::vector<FaultConfig> faults) {
+  DealerConfig config = still_market(4);
+  for (AccountConfig& account : config.accounts)
+    account.balance = 50'000.0;
+  config.order_latency = 20ms;
+  config.ticks.insert(config.ticks.begin(), {20s, "EURUSD", 1.09, 1.0902});
+  config.faults = std::move(faults);
+  return config;
+}
+
+// Four accounts with two positions of half a lot each: rows 0, 3, 6 and 9 are accounts.
+struct ClosingRig : GuiRig {
+  explicit ClosingRig(std::vector<FaultConfig> faults = {})
+      : GuiRig(with_faults(std::move(faults))), form(main().close_positions()), window(form, screen) {
+    show(window, {1000, 500});
+    form.Displayed(true);
+    buy();
+    buy();
+    // As the operator types it.
+    window.focus_symbol();
+    QTest::keyClicks(&find<QComboBox>("CloseSymbols"), QStringLiteral("EURU"));
+    run(50ms);
+  }
+
+  void buy() {
+    frmorder& order = main().market_order();
+    order.cbsymbols.choose("EURUSD");
+    order.CBdis.choose(0);
+    order.txtammount.type("2");
+    if (!order.chkAllClients.checked()) order.chkAllClients.click();
+    order.cmddis.click();
+    order.cmdbuy.click();
+    run(1s);
+  }
+  template <class W>
+  W& find(const char* name) {
+    return *window.findChild<W*>(QString::fromLatin1(name));
+  }
+  Texts asked() { return terminal.prompt.take_texts(); }
+  // Places of the rows whose box is checked, as it is painted.
+  std::vector<int> marked() {
+    std::vector<int> out;
+    for (int place = 0; place < list.rows().rowCount(); ++place)
+      if (list.delegate().box(*list.rows().row_at(place)).value_or(false)) out.push_back(place);
+    return out;
+  }
+  std::vector<int> selected() {
+    std::vector<int> out;
+    for (const Row* row : form.MSH.selected())
+      out.push_back(list.rows().place_of(row));
+    return out;
+  }
+  std::string painted(int place, int column) {
+    return list.delegate().shown_text(*list.rows().row_at(place), static_cast<std::size_t>(column));
+  }
+  // As before its first price.
+  void forget_price(int place) { list.rows().row_at(place)->set_text(frmClosePos::action, "Close"); }
+  std::int64_t ticket(int place) { return list.rows().row_at(place)->key().number(); }
+  std::int32_t account(int place) {
+    const Row& row = *main().trade().lvwOpenPos.find(ticket_key(ticket(place)));
+    return static_cast<std::int32_t>(row.cell(frmTrade::account).stored_number());
+  }
+  bool is_open(std::int64_t ticket) { return main().trade().lvwOpenPos.find(ticket_key(ticket)) != nullptr; }
+  void close_elsewhere(int place) {
+    main().accounts().sessions().by_account(account(place))->close_position(ticket(place), 0.5);
+    run(500ms);
+  }
+  std::string line(const char* name) { return find<QLabel>(name).text().toStdString(); }
+  std::size_t open() { return main().trade().lvwOpenPos.size(); }
+
+  frmClosePos& form;
+  FrmClosePosWindow window;
+  RowListView& list = window.list();
+};
+
+using Places = std::vector<int>;
+constexpr const char* sure_of_one =
+    "Are you sure you want to close selected postion at current market price?";
+constexpr const char* sure_of_marked =
+    "Are you sure you want to close selected postion(s) at current market price(s)?";
+constexpr const char* nothing_marked = "There is no selected or open postions for this symbol";
+
+TEST(ClosePositionsWindow, MarksByMouseAndKeyboard) {
+  ClosingRig rig;
+  RowListView& list = rig.list;
+  ASSERT_EQ(list.rows().rowCount(), 12);
+  EXPECT_EQ(rig.line("marked_count"), "0 of 8 marked");
+  click_cell(list, 1, status);
+  EXPECT_EQ(rig.marked(), Places{1});
+  EXPECT_EQ(rig.line("marked_count"), "1 of 8 marked, 0.5 lots");
+  click_cell(list, 3, frmClosePos::account);
+  EXPECT_EQ(rig.marked(), (Places{1, 4, 5}));
+  click_cell(list, 5, action);
+  EXPECT_EQ(rig.marked(), (Places{1, 4}));
+
+  // A double-click is two clicks.
+  click_cell(list, 5, status);
+  QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, cell_point(list, 5, status));
+  QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, cell_point(list, 5, status));
+  EXPECT_EQ(rig.marked(), (Places{1, 4}));
+
+  // Keys held down, and the mouse drawn over rows, only select.
+  click_cell(list, 7, status, Qt::ControlModifier);
+  EXPECT_EQ(rig.selected(), (Places{5, 7}));
+  click_cell(list, 8, status, Qt::ShiftModifier);
+  rig.forget_price(8);
+  click_cell(list, 8, action, Qt::ControlModifier);
+  click_cell(list, 8, action, Qt::ControlModifier);
+  EXPECT_EQ(rig.selected(), (Places{5, 7, 8}));
+  QTest::mousePress(list.viewport(), Qt::LeftButton, {}, cell_point(list, 1, status));
+  QTest::mouseMove(list.viewport(), cell_point(list, 2, status));
+  QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, cell_point(list, 2, status));
+  EXPECT_EQ(rig.marked(), (Places{1, 4}));
+
+  click_cell(list, 4, status);
+  click_cell(list, 5, status, Qt::ControlModifier);
+  click_cell(list, 6, status, Qt::ControlModifier);
+  QTest::keyClick(&list, Qt::Key_Space);
+  EXPECT_EQ(rig.marked(), (Places{1, 4, 5, 7, 8}));
+  QTest::simulateEvent(&list, true, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "), true);
+  EXPECT_EQ(rig.marked(), (Places{1, 4, 5, 7, 8}));
+  QTest::keyClick(&list, Qt::Key_Space);
+  EXPECT_EQ(rig.marked(), Places{1});
+  EXPECT_EQ(rig.asked(), Texts{});
+}
+
+TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
+  ClosingRig rig;
+  RowListView& list = rig.list;
+  rig.buy();
+  rig.run(50ms);
+  // While the button is down its row is freed, and one of the same account is made in its place.
+  const OpenPosition other{.ticket = rig.ticket(3), .account = rig.account(3), .symbol = "EURUSD"};
+  rig.form.Remove(other.ticket);
+  rig.screen.acted();
+  const QPoint pressed = cell_point(list, 1, status);
+  QTest::mousePress(list.viewport(), Qt::LeftButton, {}, pressed);
+  rig.form.Remove(rig.ticket(1));
+  rig.form.Add(other);
+  rig.screen.acted();
+  EXPECT_EQ(rig.ticket(1), other.ticket);
+  QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, pressed);
+  EXPECT_EQ(rig.marked(), Places{});
+
+  // Rows of another choice are not selected, wherever they stand.
+  list.selectAll();
+  rig.form.CloseSymbols.choose("EURUSD");
+  rig.screen.acted();
+  EXPECT_EQ(rig.selected(), Places{});
+  EXPECT_TRUE(list.selectionModel()->selection().isEmpty());
+  QTest::keyClick(&list, Qt::Key_Space);
+  EXPECT_EQ(rig.form.marked_count(), 0U);
+
+  // Positions stay below their account whatever header is clicked.
+  list.restore_columns(RowListView{rig.form.MSH, rig.screen, {}}.save_columns());
+  const std::int64_t head = rig.ticket(0);
+  for (int column = 0; column < 4; ++column)
+    QTest::mouseClick(list.horizontalHeader()->viewport(), Qt::LeftButton, {},
+                      {list.columnViewportPosition(column) + 20, 8});
+  EXPECT_EQ(list.rows().sort_column(), -1);
+  EXPECT_EQ(rig.ticket(0), head);
+}
+
+TEST(ClosePositionsWindow, AClickOnCloseAsksAndClosesThatOne) {
+  ClosingRig rig;
+  RowListView& list = rig.list;
+  DesktopPrompt boxes{rig.screen};
+  rig.terminal.prompt.screen = &boxes;
+  const std::int64_t ticket = rig.ticket(4);
+  rig.forget_price(4);
+  when_modal([](QWidget& box) { QTest::keyClick(&box, Qt::Key_N); });
+  click_cell(list, 4, action);
+  EXPECT_EQ(rig.asked(), Texts{sure_of_one});
+  rig.run(1s);
+  EXPECT_EQ(rig.open(), 8U);
+  EXPECT_EQ(rig.marked(), Places{});
+  // The box has left no button down.
+  QTest::mouseMove(list.viewport(), cell_point(list, 7, action));
+  EXPECT_EQ(rig.selected(), Places{4});
+
+  click_cell(list, 1, status);
+  rig.forget_price(4);
+  when_modal([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Y); });
+  click_cell(list, 4, status, Qt::ControlModifier);
+  QTest::keyClick(&list, Qt::Key_Return);
+  rig.run(1s);
+  EXPECT_EQ(rig.asked(), Texts{sure_of_one});
+  EXPECT_EQ(rig.open(), 7U);
+  EXPECT_FALSE(rig.is_open(ticket));
+  EXPECT_EQ(rig.line("answers_line"), "1 accepted");
+
+  // It goes while the question about it stands.
+  rig.terminal.prompt.screen = nullptr;
+  rig.forget_price(7);
+  rig.terminal.prompt.while_open = [&rig, once = true]() mutable {
+    if (std::exchange(once, false)) rig.close_elsewhere(7);
+  };
+  click_cell(list, 7, action);
+  EXPECT_EQ(rig.asked(), (Texts{sure_of_one, nothing_marked}));
+  EXPECT_EQ(rig.open(), 6U);
+  EXPECT_EQ(rig.marked(), Places{1});
+}
+
+TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
+  std::vector<FaultConfig> faults{
+      fault(FaultKind::reject, {first + 1}, FaultPoint::close, result::trading_closed),
+      fault(FaultKind::refuse, {first + 2}, FaultPoint::close, request::no_privilege)};
+  for (FaultConfig& each : faults)
+    each.times = 2;
+  ClosingRig rig{faults};
+  const auto ink = [&rig](int place) {
+    return rig.list.delegate().ink(*rig.list.rows().row_at(place), frmClosePos::action);
+  };
+  QTest::mouseClick(&rig.find<QCheckBox>("chkAllClients"), Qt::LeftButton, {}, {8, 8});
+  EXPECT_EQ(rig.line("marked_count"), "8 of 8 marked, 4 lots");
+  rig.find<QPushButton>("LblCheck").setFocus();
+  QTest::keyClick(&rig.find<QPushButton>("LblCheck"), Qt::Key_Return);
+  EXPECT_EQ(rig.asked(), Texts{sure_of_marked});
+  EXPECT_EQ(rig.line("answers_line"), "2 refused, 6 waiting");
+  EXPECT_TRUE(rig.find<QProgressBar>("answers_progress").isVisible());
+  const std::int32_t refused_at_once = first + 2;
+  const int at_once = rig.list.rows().place_of(rig.form.get_index(refused_at_once)) + 1;
+  EXPECT_EQ(rig.painted(at_once, action), "No Privilege");
+  const int waits = at_once == 1 ? 4 : 1;
+  EXPECT_EQ(rig.painted(waits, action), "Waiting.....");
+  EXPECT_EQ(ink(waits), QColor{theme::amber});
+
+  rig.run(1s);
+  EXPECT_EQ(rig.line("answers_line"), "4 accepted, 4 refused");
+  EXPECT_FALSE(rig.find<QProgressBar>("answers_progress").isVisible());
+  ASSERT_EQ(rig.list.rows().rowCount(), 6);
+  rig.run(20s);
+  const int late = rig.list.rows().place_of(rig.form.get_index(first + 1)) + 1;
+  EXPECT_EQ(rig.painted(late, action), "Close At 1.0902  -  Trading is closed");
+  EXPECT_EQ(rig.painted(5 - late, action), "Close At 1.0902  -  No Privilege");
+  EXPECT_EQ(rig.list.delegate().tip(*rig.list.rows().row_at(late)), "Trading is closed");
+  for (const int place : {1, 2, 4, 5})
+    EXPECT_EQ(ink(place), theme::colour(Ink::red));
+
+  // They are marked still.
+  rig.window.close_marked();
+  EXPECT_EQ(rig.line("answers_line"), "4 waiting");
+  rig.run(1s);
+  EXPECT_EQ(rig.open(), 0U);
+  EXPECT_EQ(rig.list.rows().rowCount(), 0);
+  EXPECT_EQ(rig.line("answers_line"), "4 accepted");
+  EXPECT_EQ(rig.line("empty_hint"), "No connected account holds positions of EURUSD");
+}
+
+TEST(ClosePositionsWindow, FromSymbolToSymbol) {
+  ClosingRig rig;
+  rig.window.activateWindow();
+  rig.window.focus_symbol();
+  std::string order;
+  for (int i = 0; i < 4; ++i) {
+    order += QApplication::focusWidget()->objectName().toStdString() + " ";
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  }
+  EXPECT_EQ(order, "CloseSymbols chkAllClients MSH LblCheck ");
+
+  auto& next = rig.find<QPushButton>("next_block");
+  EXPECT_FALSE(next.isVisible());
+  rig.form.take({{"GBPUSD", {first}}, {"EURUSD", {first + 1}}});
+  rig.screen.acted();
+  EXPECT_EQ(rig.line("empty_hint"), "No connected account holds positions of GBPUSD");
+  EXPECT_TRUE(rig.find<QLabel>("empty_hint").isVisible());
+  EXPECT_EQ(next.text(), QStringLiteral("Next symbol: EURUSD"));
+  QTest::mouseClick(&next, Qt::LeftButton);
+  EXPECT_FALSE(next.isVisible());
+  EXPECT_EQ(rig.find<QComboBox>("CloseSymbols").currentText(), QStringLiteral("EURUSD"));
+  EXPECT_FALSE(rig.find<QLabel>("empty_hint").isVisible());
+  EXPECT_EQ(rig.line("marked_count"), "2 of 8 marked, 1 lots");
+  const int head = rig.list.rows().place_of(rig.form.get_index(first + 1));
+  EXPECT_EQ(rig.marked(), (Places{head + 1, head + 2}));
+}
+
+}  // namespace
+}  // namespace tutti::testing
