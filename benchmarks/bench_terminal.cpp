@@ -19,6 +19,9 @@ BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
   desk_.status = &window_;
   desk_.accounts = &accounts_;
   desk_.market_order = &order_;
+  desk_.positions = &trade_;
+  desk_.net = &net_;
+  desk_.close_positions = &close_positions_;
   accounts_.attach(order_);
   if (const auto loaded = accounts_.load(); !loaded) throw std::runtime_error(loaded.error().text());
   connect(accounts);

@@ -8,10 +8,14 @@
 #include "benchmarks/bench_client.h"
 #include "benchmarks/quiet_ports.h"
 #include "benchmarks/scratch_folder.h"
+#include "core/CQuestionBox.h"
 #include "core/clock.h"
 #include "core/locale_port.h"
+#include "orders/frmClosePos.h"
 #include "orders/frmorder.h"
 #include "shell/frmMdiNew.h"
+#include "views/CNetPos.h"
+#include "views/frmTrade.h"
 
 namespace tutti::bench {
 
@@ -30,10 +34,14 @@ class BenchTerminal {
   frmorder& order() { return order_; }
   frmMain& accounts() { return accounts_; }
   frmMdiNew& window() { return window_; }
+  frmTrade& trade() { return trade_; }
+  const CNetPos& net() const { return net_; }
+  frmClosePos& close_positions() { return close_positions_; }
+  const frmClosePos& close_positions() const { return close_positions_; }
+  static std::int32_t account_of(std::size_t index) { return 1000 + static_cast<std::int32_t>(index); }
   void hold_amount_precision(int decimals) { general_.hold_amount_precision(std::to_string(decimals)); }
 
  private:
-  static std::int32_t account_of(std::size_t index) { return 1000 + static_cast<std::int32_t>(index); }
   void connect(std::size_t accounts);
 
   ScratchFolder home_;
@@ -54,6 +62,10 @@ class BenchTerminal {
   std::vector<BenchClient*> clients_;  // owned by their sessions
   frmMain accounts_;
   frmorder order_{general_, accounts_, symbols_};
+  CQuestionBox question_box_{prompt_, messages_};
+  CNetPos net_{general_};
+  frmTrade trade_{general_, question_box_, desk_, symbols_};
+  frmClosePos close_positions_{general_, question_box_, accounts_, trade_, symbols_};
 };
 
 }  // namespace tutti::bench

@@ -11,6 +11,8 @@ void figure(std::string_view name, double value);
 
 // Summary and price events, from the call of the sink to the rows, against bare stores.
 void event_figures(const BenchMarket& market);
+// Profit events of open positions, against the bare work, and prices in the close positions window.
+void position_figures(const BenchMarket& market);
 // Fan-out of a market order and distribution of an amount, per account.
 void order_figures(const BenchMarket& market);
 // Logging 500 accounts in on the embedded dealing server, and the memory a session takes.

@@ -16,7 +16,7 @@ void figure(std::string_view name, double value) {
 
 }  // namespace tutti::bench
 
-// Runs the groups of figures that are named - events, orders, login, gui - or all when none is.
+// Runs the groups of figures that are named - events, positions, orders, login, gui - or all when none is.
 int main(int argc, char** argv) {
   const auto wanted = [&](std::string_view group) {
     return argc < 2 || std::find(argv + 1, argv + argc, group) != argv + argc;
@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   try {
     const tutti::bench::BenchMarket market;
     if (wanted("events")) tutti::bench::event_figures(market);
+    if (wanted("positions")) tutti::bench::position_figures(market);
     if (wanted("orders")) tutti::bench::order_figures(market);
     if (wanted("login")) tutti::bench::login_figures();
     if (wanted("gui")) tutti::bench::gui_figures(market);
