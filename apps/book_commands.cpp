@@ -14,12 +14,8 @@ namespace {
 
 void print_list(const Terminal& terminal, const char* name, const RowList& list,
                 const NamedColumns& columns) {
-  const OutputForm form = terminal.options().form;
-  if (form != OutputForm::text) {
-    fmt::print("{}", rows_for_machines(form, name, list, columns));
-  } else {
-    fmt::print("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name);
-  }
+  print_rows(terminal.options().form, name, list, columns,
+             fmt::format("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name));
 }
 
 // A command that ticks rows, presses a button, and waits for what becomes of each row.

@@ -1,12 +1,9 @@
 // Net positions: per symbol over all accounts, or per account and symbol.
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "apps/commands.h"
 #include "apps/output.h"
-#include "core/numbers.h"
 
 namespace tutti {
 namespace {
@@ -18,7 +15,7 @@ void write_sum(Row& row, std::size_t first, const NetSum& sum) {
   row.set_number(first, sum.long_total());
   row.set_number(first + 1, sum.short_total());
   row.set_number(first + 2, sum.net());
-  row.set_fixed(first + 3, round_half_even(sum.floating, money_decimals), money_decimals);
+  row.set_fixed(first + 3, sum.floating_total(), money_decimals);
 }
 
 // Places in the book of what has positions, ordered by `key`.
@@ -33,12 +30,8 @@ std::vector<std::size_t> places_by(const Items& items, Key key) {
 }
 
 void print(const Terminal& terminal, const RowList& list, const NamedColumns& columns, const RowList& table) {
-  const OutputForm form = terminal.options().form;
-  if (form != OutputForm::text) {
-    fmt::print("{}", rows_for_machines(form, "net", list, columns));
-  } else {
-    fmt::print("{}", table.empty() ? "0 positions\n" : rows_text(table));
-  }
+  print_rows(terminal.options().form, "net", list, columns,
+             table.empty() ? "0 positions\n" : rows_text(table));
 }
 
 void print_symbols(Terminal& terminal) {

@@ -88,10 +88,19 @@ std::string rows_csv(const RowList& list, const NamedColumns& columns) {
   return out;
 }
 
-std::string rows_for_machines(OutputForm form, const std::string& name, const RowList& list,
-                              const NamedColumns& columns) {
-  if (form == OutputForm::csv) return rows_csv(list, columns);
-  return nlohmann::json{{name, rows_json(list, columns)}}.dump(2) + "\n";
+void print_rows(OutputForm form, const std::string& name, const RowList& list, const NamedColumns& columns,
+                const std::string& text) {
+  switch (form) {
+    case OutputForm::json:
+      fmt::print("{}\n", nlohmann::json{{name, rows_json(list, columns)}}.dump(2));
+      break;
+    case OutputForm::csv:
+      fmt::print("{}", rows_csv(list, columns));
+      break;
+    case OutputForm::text:
+      fmt::print("{}", text);
+      break;
+  }
 }
 
 std::string rows_text(const RowList& list) {

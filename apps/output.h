@@ -43,9 +43,9 @@ using NamedColumns = std::vector<NamedColumn>;
 // The rows as objects: numbers as numbers; an empty cell of a column of numbers is null.
 nlohmann::json rows_json(const RowList& list, const NamedColumns& columns);
 std::string rows_csv(const RowList& list, const NamedColumns& columns);
-// Either of them as a whole, the objects as a member `name` of one document.
-std::string rows_for_machines(OutputForm form, const std::string& name, const RowList& list,
-                              const NamedColumns& columns);
+// Prints either of them, the objects as a member `name` of one document, or `text`, as the operator asked.
+void print_rows(OutputForm form, const std::string& name, const RowList& list, const NamedColumns& columns,
+                const std::string& text);
 // All columns under the list's own headers.
 std::string rows_text(const RowList& list);
 

@@ -5,14 +5,47 @@
 #include <cmath>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "apps/outcome_check.h"
-#include "core/numbers.h"
 
 namespace tutti {
 namespace {
 
 constexpr double half_a_cent = 0.005;
+// Of sums and averages over ten thousand positions.
+constexpr double rounding = 1e-7;
+
+// What net positions show of a sum, in the order of the columns.
+enum NetValue : std::size_t { long_lots, long_price, short_lots, short_price, net_lots, net_profit };
+constexpr const char* net_names[]{" long", " average long", " short", " average short", " net", " profit"};
+
+Verification::NetValues net_values(const NetSum& sum) {
+  return {sum.long_total(),    sum.average_long(), sum.short_total(),
+          sum.average_short(), sum.net(),          sum.floating_total()};
+}
+
+struct BookedNet {
+  double bought = 0.0;
+  double sold = 0.0;
+  double bought_value = 0.0;
+  double sold_value = 0.0;
+  double floating = 0.0;
+  std::set<std::int32_t> accounts;
+
+  void add(const OpenPosition& position, std::int32_t account) {
+    const bool buys = position.side > 0;
+    (buys ? bought : sold) += position.amount;
+    (buys ? bought_value : sold_value) += position.amount * position.open_price;
+    floating += position.floating_pl;
+    accounts.insert(account);
+  }
+  Verification::NetValues values() const {
+    return {bought,        bought > 0.0 ? bought_value / bought : 0.0,
+            sold,          sold > 0.0 ? sold_value / sold : 0.0,
+            bought - sold, floating};
+  }
+};
 
 }  // namespace
 
@@ -114,46 +147,56 @@ void Verification::check_positions() {
 
 // Added up here once more, so that a fault of the terminal's own sums shows.
 void Verification::check_net() {
-  struct Sum {
-    double bought = 0.0;
-    double sold = 0.0;
-    double floating = 0.0;
-    std::set<std::int32_t> accounts;
-  };
-  std::map<std::string, Sum> symbols;
-  std::map<std::int32_t, double> net_of;
+  std::map<std::string, BookedNet> symbols;
+  std::map<std::int32_t, BookedNet> accounts;
+  std::map<std::pair<std::int32_t, std::string>, BookedNet> both;
+  BookedNet all;
   for (const TradingAccount& account : server_.accounts()) {
     const std::int32_t number = account.config().number;
     if (connected(number) == nullptr) continue;
     for (const auto& position : account.positions()) {
       const OpenPosition& booked = position.record;
-      Sum& sum = symbols[booked.symbol];
-      (booked.side > 0 ? sum.bought : sum.sold) += booked.amount;
-      sum.floating += booked.floating_pl;
-      sum.accounts.insert(number);
-      net_of[number] += booked.side > 0 ? booked.amount : -booked.amount;
+      for (BookedNet* sum :
+           {&symbols[booked.symbol], &accounts[number], &both[{number, booked.symbol}], &all})
+        sum->add(booked, number);
+    }
+  }
+  const CNetPos& book = main_.net_positions();
+  for (const CNetPos::OfAccount& account : book.accounts()) {
+    compare_net(account.number, "net positions", net_values(account.sum), accounts[account.number].values());
+    for (std::size_t place = 0; place < book.symbols().size(); ++place) {
+      const std::string& name = book.symbols()[place].name;
+      compare_net(account.number, name, net_values(book.of(account, place)),
+                  both[{account.number, name}].values());
     }
   }
   frmNetTrade& form = main_.net_trade();
   form.refresh();
   for (const Row& row : form.lvwNet) {
-    if (frmNetTrade::is_total(row)) continue;
+    const bool total = frmNetTrade::is_total(row);
     const std::string name = row.text(frmNetTrade::symbol);
     const auto node = symbols.extract(name);
-    const Sum booked = node.empty() ? Sum{} : node.mapped();
-    const auto value = [&](frmNetTrade::Column column, const char* what, double expected, double tolerance) {
-      compare(no_account, fmt::format("{} {}", name, what), row.cell(column).stored_number(), expected,
-              tolerance);
-    };
-    value(frmNetTrade::bought, "long", lots_of_sum(booked.bought), 1e-9);
-    value(frmNetTrade::sold, "short", lots_of_sum(booked.sold), 1e-9);
-    value(frmNetTrade::accounts, "accounts", static_cast<double>(booked.accounts.size()), 0.0);
-    value(frmNetTrade::floating, "net profit", booked.floating, half_a_cent);
+    const BookedNet booked = total ? all : node.empty() ? BookedNet{} : node.mapped();
+    NetValues shown{};
+    for (std::size_t at = 0; at < shown.size(); ++at)
+      shown[at] = row.cell(frmNetTrade::bought + at).stored_number();
+    NetValues expected = booked.values();
+    // Prices of different symbols have no average.
+    if (total) expected[long_price] = expected[short_price] = 0.0;
+    compare_net(no_account, name, shown, expected);
+    compare(no_account, name + " accounts", row.cell(frmNetTrade::accounts).stored_number(),
+            static_cast<double>(booked.accounts.size()), 0.0);
   }
   for (const auto& [name, booked] : symbols)
     differ(no_account, name + " has positions, but is not among the net positions");
-  for (const CNetPos::OfAccount& shown : main_.net_positions().accounts())
-    compare(shown.number, "net lots", shown.sum.net(), lots_of_sum(net_of[shown.number]), 1e-9);
+}
+
+void Verification::compare_net(std::int32_t account, const std::string& of, const NetValues& shown,
+                               const NetValues& booked) {
+  for (std::size_t at = 0; at < shown.size(); ++at) {
+    compare(account, of + net_names[at], shown[at], booked[at],
+            at == net_profit ? half_a_cent + rounding : rounding);
+  }
 }
 
 void Verification::check_orders() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -17,6 +18,9 @@ namespace tutti {
 // cent, prices and amounts exactly as shown.
 class Verification {
  public:
+  // Long, average long, short, average short, net, profit.
+  using NetValues = std::array<double, 6>;
+
   Verification(Main& main, const DealingServer& server) : main_(main), server_(server) {}
 
   // One line per difference, empty when there is none.
@@ -29,6 +33,8 @@ class Verification {
   void check_totals();
   void check_positions();
   void check_net();
+  void compare_net(std::int32_t account, const std::string& of, const NetValues& shown,
+                   const NetValues& booked);
   void check_orders();
   void check_outcomes();
   // The account as booked, when the terminal shows it as connected.

@@ -86,11 +86,11 @@ void PositionDriver::check() {
     if (std::fabs(ours - floor) > 1e-6) throw std::runtime_error("the profits do not add up as they should");
   };
   const CNetPos& net = terminal_.net();
-  same(net.total().floating, floor_.total());
+  same(net.total().floating(), floor_.total());
   for (std::size_t i = 0; i < net.symbols().size(); ++i)
-    same(net.symbols()[i].sum.floating, floor_.of_symbol(i));
+    same(net.symbols()[i].sum.floating(), floor_.of_symbol(i));
   for (std::size_t i = 0; i < net.accounts().size(); ++i)
-    same(net.accounts()[i].sum.floating, floor_.of_account(i));
+    same(net.accounts()[i].sum.floating(), floor_.of_account(i));
   if (floor_.total() == 0.0) throw std::runtime_error("no profit has changed");
 }
 

@@ -6,7 +6,7 @@ namespace tutti {
 
 // A line of plain text, blanks kept, that is cut with "..." where it does not fit; the tooltip then shows the
 // whole.
-class ElidedLabel final : public QWidget {
+class ElidedLabel : public QWidget {
  public:
   explicit ElidedLabel(QWidget* parent = nullptr);
 

@@ -29,10 +29,6 @@ QString lots(double value) {
   return QString::fromStdString(number_text(value));
 }
 
-int text_width(const QString& text) {
-  return QFontMetrics{theme::font()}.horizontalAdvance(text);
-}
-
 }  // namespace
 
 ExposureBars::ExposureBars(RowListView& list, Screen& screen) : list_(list), screen_(screen) {
@@ -43,6 +39,7 @@ ExposureBars::ExposureBars(RowListView& list, Screen& screen) : list_(list), scr
 }
 
 void ExposureBars::follow() {
+  if (!isVisible()) return;
   const RowListModel& rows = list_.rows();
   std::vector<Bar> bars;
   for (int place = 0; place < rows.rowCount(); ++place) {
@@ -64,10 +61,23 @@ void ExposureBars::follow() {
     updateGeometry();
   }
   bars_ = std::move(bars);
+  measure();
   const auto now = picked(bars_);
   if (selected && now != bars_.end() && now->key != before)
     selected(row_box(static_cast<std::size_t>(now - bars_.begin())));
   update();
+}
+
+void ExposureBars::measure() {
+  name_width_ = number_width_ = 0;
+  most_long_ = most_short_ = 0.0;
+  const QFontMetrics metrics{font()};
+  for (const Bar& bar : bars_) {
+    name_width_ = std::max(name_width_, std::min(metrics.horizontalAdvance(bar.name) + 2, widest_name));
+    number_width_ = std::max(number_width_, metrics.horizontalAdvance(lots(bar.net)));
+    most_long_ = std::max(most_long_, bar.bought);
+    most_short_ = std::max(most_short_, bar.sold);
+  }
 }
 
 int ExposureBars::full_height() const {
@@ -82,31 +92,12 @@ QRect ExposureBars::row_box(std::size_t place) const {
   return {0, static_cast<int>(place) * row_height(), width(), row_height()};
 }
 
-int ExposureBars::name_width() const {
-  int widest = 0;
-  for (const Bar& bar : bars_)
-    widest = std::max(widest, text_width(bar.name) + 2);
-  return std::min(widest, widest_name);
-}
-
-int ExposureBars::number_width() const {
-  int widest = 0;
-  for (const Bar& bar : bars_)
-    widest = std::max(widest, text_width(lots(bar.net)));
-  return widest;
-}
-
 QRect ExposureBars::span(std::size_t place, double from, double to, int height) const {
-  double most_long = 0.0;
-  double most_short = 0.0;
-  for (const Bar& bar : bars_) {
-    most_long = std::max(most_long, bar.bought);
-    most_short = std::max(most_short, bar.sold);
-  }
-  const double left = theme::cell_padding + name_width() + gap;
-  const double room = std::max(1.0, width() - theme::cell_padding - number_width() - gap - left);
+  const double left = theme::cell_padding + name_width_ + gap;
+  const double room = std::max(1.0, width() - theme::cell_padding - number_width_ - gap - left);
+  const double all = most_long_ + most_short_;
   const auto x = [&](double amount) {
-    return static_cast<int>(std::lround(left + (amount + most_short) / (most_long + most_short) * room));
+    return static_cast<int>(std::lround(left + (all > 0.0 ? (amount + most_short_) / all : 0.0) * room));
   };
   const QRect row = row_box(place);
   const int start = x(from);
@@ -123,8 +114,6 @@ QRect ExposureBars::net_box(std::size_t place) const {
 void ExposureBars::paintEvent(QPaintEvent*) {
   QPainter painter{this};
   painter.fillRect(rect(), QColor{theme::base});
-  const int names = name_width();
-  const int numbers = number_width();
   for (std::size_t place = 0; place < bars_.size(); ++place) {
     const Bar& bar = bars_[place];
     const QRect row = row_box(place);
@@ -139,12 +128,13 @@ void ExposureBars::paintEvent(QPaintEvent*) {
     painter.fillRect(span(place, 0.0, 0.0, row.height()).adjusted(0, 0, 1, 0), QColor{theme::muted});
 
     painter.setPen(QColor{theme::text});
-    const QString name = QFontMetrics{font()}.elidedText(bar.name, Qt::ElideRight, names);
+    const QString name = QFontMetrics{font()}.elidedText(bar.name, Qt::ElideRight, name_width_);
     painter.drawText(row.adjusted(theme::cell_padding, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, name);
     const QColor side = theme::side_colour(bar.net);
     if (side.isValid()) painter.setPen(side);
-    painter.drawText(QRect{row.right() - theme::cell_padding - numbers, row.top(), numbers, row.height()},
-                     Qt::AlignVCenter | Qt::AlignRight, lots(bar.net));
+    painter.drawText(
+        QRect{row.right() - theme::cell_padding - number_width_, row.top(), number_width_, row.height()},
+        Qt::AlignVCenter | Qt::AlignRight, lots(bar.net));
   }
 }
 

@@ -48,14 +48,17 @@ class ExposureBars final : public QWidget {
  private:
   void follow();
   int row_height() const;
-  int name_width() const;
-  int number_width() const;
+  void measure();
   // From one amount of lots, short ones below 0, to another.
   QRect span(std::size_t place, double from, double to, int height) const;
 
   RowListView& list_;
   Screen& screen_;
   std::vector<Bar> bars_;
+  int name_width_ = 0;  // of the widest, in pixels
+  int number_width_ = 0;
+  double most_long_ = 0.0;  // lots of the longest outline to either side
+  double most_short_ = 0.0;
 };
 
 }  // namespace tutti

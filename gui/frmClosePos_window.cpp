@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "core/numbers.h"
 #include "gui/answers_line.h"
@@ -20,12 +21,16 @@ namespace tutti {
 
 namespace {
 
-constexpr int one_line_head = 680;  // from this width on the head is one line
+// From these widths on the whole head is one line, and what is done with the list is, both with room for the
+// whole count. The button for the next symbol comes on top.
+constexpr int one_line_head = 860;
+constexpr int one_line_act = 470;
+constexpr int between = 12;
 constexpr int widest_symbols = 180;
 
 QBoxLayout* make_line_of(std::initializer_list<QWidget*> widgets) {
   auto* line = new QHBoxLayout;
-  line->setSpacing(12);
+  line->setSpacing(between);
   for (QWidget* widget : widgets)
     line->addWidget(widget);
   return line;
@@ -33,7 +38,7 @@ QBoxLayout* make_line_of(std::initializer_list<QWidget*> widgets) {
 
 }  // namespace
 
-FrmClosePosWindow::FrmClosePosWindow(frmClosePos& form, Screen& screen)
+FrmClosePosWindow::FrmClosePosWindow(frmClosePos& form, Screen& screen, const Clock& clock)
     : form_(form),
       screen_(screen),
       look_(form),
@@ -42,6 +47,7 @@ FrmClosePosWindow::FrmClosePosWindow(frmClosePos& form, Screen& screen)
       hint_(add_empty_hint(*list_, screen, {})),
       answers_(new AnswersLine{"Nothing closed yet"}) {
   connect_list();
+  list_->guard_clicks(clock);
   hint_->setTextFormat(Qt::PlainText);
 
   auto* column = new QVBoxLayout{this};
@@ -54,7 +60,7 @@ FrmClosePosWindow::FrmClosePosWindow(frmClosePos& form, Screen& screen)
   foot->addWidget(answers_);
   column->addLayout(foot);
   setFocusProxy(list_);
-  set_tab_order(*this, {"CloseSymbols", "chkAllClients", "MSH", "LblCheck", "next_block"});
+  set_tab_order(*this, {"CloseSymbols", "chkAllClients", "marked_only", "MSH", "LblCheck", "next_block"});
   follow();
   screen.on_refresh(*this, [this] { follow(); });
 }
@@ -69,23 +75,32 @@ QBoxLayout* FrmClosePosWindow::make_head() {
   binder.bind(*symbols_, form_.CloseSymbols);
   auto* all = named(new QCheckBox{QStringLiteral("All")}, "chkAllClients");
   binder.bind(*all, form_.chkAllClients);
+  marked_only_ = named(new QCheckBox{QStringLiteral("Marked only")}, "marked_only");
+  connect(marked_only_, &QCheckBox::clicked, this, [this] { screen_.acted(); });
+  // Before the list's hint looks whether anything is left.
+  screen_.on_refresh(*this, [this] { show_marked_only(); });
   auto* close = named(new QPushButton, "LblCheck");
   close->setProperty("role", QStringLiteral("primary"));
   binder.bind(*close, form_.LblCheck);
   auto* marked = named(new ListCount{form_.MSH, screen_, [this] { return count(); }}, "marked_count");
+  next_ = named(new QPushButton, "next_block");
+  binder.bind(*next_, form_.next_block);
 
-  auto* next = named(new QPushButton, "next_block");
-  binder.bind(*next, form_.next_block);
-
-  auto* what = make_line_of({label, symbols_, all});
-  what->setStretch(1, 1);
-  auto* act = make_line_of({close, marked, next});
-  act->setStretch(1, 1);
+  auto* what = make_line_of({label, symbols_, all, marked_only_});
+  // The box takes what room there is, as long as it may.
+  what->setStretch(1, 100);
+  what->addStretch(1);
+  auto* close_line = make_line_of({close, marked});
+  close_line->setStretch(1, 1);
+  act_ = new QBoxLayout{QBoxLayout::TopToBottom};
+  act_->setSpacing(6);
+  act_->addLayout(close_line, 1);
+  act_->addWidget(next_);
   auto* head = new QBoxLayout{QBoxLayout::TopToBottom};
   head->setContentsMargins(10, 6, 10, 6);
   head->setSpacing(6);
   head->addLayout(what);
-  head->addLayout(act, 1);
+  head->addLayout(act_, 1);
   return head;
 }
 
@@ -123,8 +138,39 @@ QString FrmClosePosWindow::count() const {
               : QStringLiteral(", %1 lots").arg(QString::fromStdString(number_text(lots_of_sum(lots)))));
 }
 
+// An account takes part with any of its positions.
+bool FrmClosePosWindow::takes_part(const Row& row) const {
+  if (frmClosePos::is_position(row)) return frmClosePos::marked(row);
+  const RowList& grid = form_.MSH;
+  for (std::size_t at = grid.index_of(row) + 1; at < grid.size(); ++at) {
+    if (!frmClosePos::is_position(grid.row(at))) return false;
+    if (frmClosePos::marked(grid.row(at))) return true;
+  }
+  return false;
+}
+
+// Every price changes all rows, but not which of them take part.
+void FrmClosePosWindow::show_marked_only() {
+  RowListModel& rows = list_->rows();
+  if (!marked_only_->isChecked()) {
+    if (rows.filtered()) rows.set_filter({});
+    return;
+  }
+  const RowList& grid = form_.MSH;
+  if (!isVisible() || (rows.filtered() && filtered_stamp_ == grid.stamp())) return;
+  filtered_stamp_ = grid.stamp();
+  std::vector<RowKey> marks;
+  for (const Row& row : grid)
+    if (frmClosePos::is_position(row) && frmClosePos::marked(row)) marks.push_back(row.key());
+  if (rows.filtered() && filtered_structure_ == grid.structure_stamp() && filtered_marks_ == marks) return;
+  filtered_structure_ = grid.structure_stamp();
+  filtered_marks_ = std::move(marks);
+  rows.set_filter([this](const Row& row) { return takes_part(row); }, RowListModel::Asked::by_owner);
+}
+
 void FrmClosePosWindow::follow() {
   if (!isVisible()) return;
+  arrange();
   const std::uint64_t stamp = form_.MSH.stamp();
   // An answer may come without a change of the grid, one for a symbol that was left for example.
   if (stamp == seen_stamp_ && !answers_wait_) return;
@@ -134,6 +180,8 @@ void FrmClosePosWindow::follow() {
     hint_->setText(symbol.empty() ? QStringLiteral("Choose a symbol")
                                   : QStringLiteral("No connected account holds positions of %1")
                                         .arg(QString::fromStdString(symbol)));
+  } else {
+    hint_->setText(QStringLiteral("Nothing is marked"));
   }
   const OrderAnswers answers = form_.answers();
   answers_->show_answers(answers);
@@ -145,9 +193,17 @@ void FrmClosePosWindow::follow() {
 }
 
 void FrmClosePosWindow::resizeEvent(QResizeEvent* event) {
-  head_->setDirection(event->size().width() >= one_line_head ? QBoxLayout::LeftToRight
-                                                             : QBoxLayout::TopToBottom);
   QWidget::resizeEvent(event);
+  arrange();
+}
+
+void FrmClosePosWindow::arrange() {
+  const int next = next_->isHidden() ? 0 : next_->sizeHint().width() + between;
+  const auto direction = [this, next](int from_width) {
+    return width() >= from_width + next ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
+  };
+  head_->setDirection(direction(one_line_head));
+  act_->setDirection(direction(one_line_act));
 }
 
 void FrmClosePosWindow::close_marked() {

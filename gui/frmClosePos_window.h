@@ -3,13 +3,16 @@
 #include <QWidget>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "gui/close_row_look.h"
 #include "orders/frmClosePos.h"
 
 class QBoxLayout;
+class QCheckBox;
 class QComboBox;
 class QLabel;
+class QPushButton;
 
 namespace tutti {
 
@@ -21,7 +24,7 @@ class Screen;
 // the closing of those that are marked.
 class FrmClosePosWindow final : public QWidget {
  public:
-  FrmClosePosWindow(frmClosePos& form, Screen& screen);
+  FrmClosePosWindow(frmClosePos& form, Screen& screen, const Clock& clock);
 
   RowListView& list() { return *list_; }
   // For the shell's commands: asks and closes what is marked, and marks or unmarks all.
@@ -36,6 +39,10 @@ class FrmClosePosWindow final : public QWidget {
  private:
   QBoxLayout* make_head();
   void connect_list();
+  // As few lines as there is room for.
+  void arrange();
+  bool takes_part(const Row& row) const;
+  void show_marked_only();
   QString count() const;
   void follow();
 
@@ -44,11 +51,17 @@ class FrmClosePosWindow final : public QWidget {
   CloseRowLook look_;
   RowListView* list_;
   QComboBox* symbols_ = nullptr;
-  QBoxLayout* head_;  // what is shown, and what is done with it, beside or below each other
+  QCheckBox* marked_only_ = nullptr;
+  QPushButton* next_ = nullptr;
+  QBoxLayout* act_ = nullptr;  // what is done with what is shown, and the way to the next symbol
+  QBoxLayout* head_;           // what is shown, and act_
   QLabel* hint_;
   AnswersLine* answers_;
   std::uint64_t seen_stamp_ = ~std::uint64_t{0};  // of the grid when the answers were counted last
   bool answers_wait_ = false;
+  std::uint64_t filtered_stamp_ = 0;  // of the grid when the marks were looked at last
+  std::uint64_t filtered_structure_ = 0;
+  std::vector<RowKey> filtered_marks_;  // that the filter went by
   std::string seen_answers_;
 };
 

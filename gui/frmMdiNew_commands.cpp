@@ -37,7 +37,7 @@ void FrmMdiNewWindow::make_file_menu() {
            QStringLiteral("save"), [this] { main_.accounts().mnusaveas_Click(); }});
   command(file, {QStringLiteral("copy"), QStringLiteral("&Copy rows"), QKeySequence::Copy,
                  QStringLiteral("copy"), [this] {
-                   if (const RowListView* list = active_pane().list) copy_selected(*list);
+                   if (const RowListView* list = active_list()) copy_selected(*list);
                  }});
   command(file, {QStringLiteral("export"), QStringLiteral("&Export to CSV..."),
                  Qt::CTRL | Qt::SHIFT | Qt::Key_E, QStringLiteral("export"), [this] { export_active(); }});
@@ -191,13 +191,13 @@ void FrmMdiNewWindow::add_closing_commands(QMenu& orders) {
                    Qt::CTRL | Qt::SHIFT | Qt::Key_N,
                    {},
                    [this] { main_.net_trade().close_accounts.click(); },
-                   [this] { return net_trade_->isVisible() && !main_.net_trade().picked().empty(); }});
+                   [this] { return net_trade_->isVisible() && main_.net_trade().can_close(); }});
   command(orders, {QStringLiteral("close_block"),
                    QStringLiteral("Close selected accounts x symbols..."),
                    Qt::CTRL | Qt::SHIFT | Qt::Key_M,
                    {},
                    [this] { net_matrix_->close_selected(); },
-                   [this] { return net_matrix_->isVisible(); }});
+                   [this] { return net_matrix_->can_close(); }});
 }
 
 void FrmMdiNewWindow::make_view_menu() {
@@ -293,9 +293,9 @@ void FrmMdiNewWindow::add_context_menus() {
 }
 
 void FrmMdiNewWindow::export_active() {
-  const Pane& pane = active_pane();
-  if (pane.list == nullptr) return;
-  export_csv(*pane.list, files_, [this](const std::string& text) { main_.general().message_box(text); });
+  const RowListView* list = active_list();
+  if (list == nullptr) return;
+  export_csv(*list, files_, [this](const std::string& text) { main_.general().message_box(text); });
 }
 
 void FrmMdiNewWindow::find_account() {

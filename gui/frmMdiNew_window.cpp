@@ -61,7 +61,11 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   main_.window().set_command(frmMdiNew::show_accounts, [this] { bring_up(QStringLiteral("accounts")); });
   main_.window().set_command(frmMdiNew::show_journal, [this] { bring_up(QStringLiteral("journal")); });
   main_.entry_order().show = [this] { bring_up(QStringLiteral("entry_order")); };
-  main_.close_positions().show = [this] { bring_up(QStringLiteral("close_positions")); };
+  // Not into the symbol's box: one key there would choose another symbol, without the marks.
+  main_.close_positions().show = [this] {
+    bring_up(QStringLiteral("close_positions"));
+    close_positions_->setFocus(Qt::OtherFocusReason);
+  };
   screen_.on_refresh(*this, [this] { follow_displayed(); });
   reset_layout();
 }
@@ -103,7 +107,7 @@ void FrmMdiNewWindow::make_panes() {
   net_matrix_ = new NetMatrixWindow{main_.net_matrix(), screen_};
   add_pane(QStringLiteral("net_matrix"), QStringLiteral("Accounts x symbols"), "net-positions", net_matrix_,
            &net_matrix_->list());
-  close_positions_ = new FrmClosePosWindow{main_.close_positions(), screen_};
+  close_positions_ = new FrmClosePosWindow{main_.close_positions(), screen_, main_.general().clock};
   add_pane(QStringLiteral("close_positions"), QStringLiteral("Close positions"), "close-positions",
            close_positions_, &close_positions_->list());
 }
@@ -212,6 +216,15 @@ const Pane& FrmMdiNewWindow::active_pane() const {
     if (focus != nullptr && (pane.widget == focus || pane.widget->isAncestorOf(focus))) return pane;
   }
   return panes_.front();
+}
+
+RowListView* FrmMdiNewWindow::active_list() const {
+  const Pane& pane = active_pane();
+  for (QWidget* at = QApplication::focusWidget(); at != nullptr && pane.widget->isAncestorOf(at);
+       at = at->parentWidget()) {
+    if (auto* list = dynamic_cast<RowListView*>(at)) return list;
+  }
+  return pane.list;
 }
 
 void FrmMdiNewWindow::bring_up(const QString& name) {

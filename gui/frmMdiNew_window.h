@@ -88,6 +88,8 @@ class FrmMdiNewWindow final : public QMainWindow {
   QMenu& menu(const QString& title);
   // The pane that has the keyboard; the accounts list while none has.
   const Pane& active_pane() const;
+  // Its list that has the keyboard, or its main one; nullptr when it has none.
+  RowListView* active_list() const;
   void export_active();
   void find_account();
   void remove_selected();

@@ -68,9 +68,11 @@ FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, Screen& screen) : form_(
   details_->addWidget(make_accounts(screen), 3);
   parts_->addWidget(details, 2);
   screen.on_refresh(*this, [this] {
+    if (!isVisible()) return;
     show_head();
     arrange();
   });
+  show_head();
   arrange();
   setFocusProxy(list_);
 }
@@ -141,7 +143,7 @@ void FrmNetTradeWindow::show_head() {
            (selected == 0 ? "" : ", " + std::to_string(selected) + " selected");
   }
   head_->set_text(QString::fromStdString(text));
-  if (close_->isEnabled() == accounts.empty()) close_->setEnabled(!accounts.empty());
+  if (close_->isEnabled() != form_.can_close()) close_->setEnabled(form_.can_close());
 }
 
 void FrmNetTradeWindow::arrange() {

@@ -1,12 +1,48 @@
 #include "gui/frozen_column.h"
 
-#include <QHeaderView>
-#include <QPushButton>
+#include <QAbstractButton>
+#include <QPainter>
+#include <QStyleOptionHeader>
 
+#include "gui/list_header.h"
 #include "gui/row_list_view.h"
 #include "gui/theme.h"
 
 namespace tutti {
+
+namespace {
+
+// Looks like the headers beside it, the arrow of the sorted one included.
+class FrozenHeader final : public QAbstractButton {
+ public:
+  explicit FrozenHeader(RowListView& list) : QAbstractButton(&list), list_(list) {
+    setAttribute(Qt::WA_Hover);
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QHeaderView& header = *list_.horizontalHeader();
+    QStyleOptionHeader option;
+    option.initFrom(this);
+    option.palette = header.palette();
+    option.orientation = Qt::Horizontal;
+    option.section = 0;
+    option.text = list_.model()->headerData(0, Qt::Horizontal).toString();
+    option.textAlignment = Qt::AlignVCenter | Qt::AlignRight;
+    QPainter painter{this};
+    // The style leaves its clipping behind.
+    painter.save();
+    header.style()->drawControl(QStyle::CE_Header, &option, &painter, &header);
+    painter.restore();
+    if (list_.rows().sort_column() == 0)
+      ListHeader::paint_arrow(painter, rect(), option.text, true, list_.rows().sort_order());
+  }
+
+ private:
+  const RowListView& list_;
+};
+
+}  // namespace
 
 // Row headers scroll only with their rows, so they take the column's place.
 void freeze_first_column(RowListView& list, const std::string& widest) {
@@ -26,18 +62,14 @@ void freeze_first_column(RowListView& list, const std::string& widest) {
   rows.show();
 
   // In the corner, where the header of the column would be.
-  auto* header = new QPushButton{QString::fromStdString(list.rows().list().columns().front().header), &list};
+  auto* header = new FrozenHeader{list};
   header->setObjectName(QStringLiteral("frozen_header"));
   header->setFocusPolicy(Qt::NoFocus);
   header->setFixedSize(width, list.horizontalHeader()->height());
-  header->setStyleSheet(
-      QStringLiteral("QPushButton { color: %1; background: %2; border: none; border-right: 1px solid %3;"
-                     " border-bottom: 1px solid %3; border-radius: 0; padding: 0 7px; text-align: right; }"
-                     "QPushButton:hover { color: %4; }")
-          .arg(QColor{theme::muted}.name(), QColor{theme::panel}.name(), QColor{theme::dark_line}.name(),
-               QColor{theme::text}.name()));
-  QObject::connect(header, &QPushButton::clicked, &list,
+  QObject::connect(header, &QAbstractButton::clicked, &list,
                    [&list] { Q_EMIT list.horizontalHeader()->sectionClicked(0); });
+  QObject::connect(list.horizontalHeader(), &QHeaderView::sectionClicked, header,
+                   qOverload<>(&QWidget::update));
 }
 
 }  // namespace tutti

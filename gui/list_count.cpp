@@ -4,15 +4,15 @@
 #include <utility>
 
 #include "gui/screen.h"
+#include "gui/theme.h"
 
 namespace tutti {
 
 ListCount::ListCount(const RowList& list, Screen& screen, std::function<QString()> count)
     : list_(list), count_(std::move(count)) {
-  setTextFormat(Qt::PlainText);
-  setProperty("muted", true);
+  set_colour(QColor{theme::muted});
   // The pane is as narrow as the operator makes it; the count gives way first.
-  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   screen.on_refresh(*this, [this] { refresh(); });
 }
 
@@ -29,8 +29,7 @@ QString ListCount::part(std::size_t count, std::size_t all) {
 void ListCount::refresh() {
   if (!isVisible() || list_.stamp() == shown_stamp_) return;
   shown_stamp_ = list_.stamp();
-  const QString text = list_.empty() ? QString{} : count_();
-  if (text != this->text()) setText(text);
+  set_text(list_.empty() ? QString{} : count_());
 }
 
 }  // namespace tutti

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QLabel>
 #include <cstdint>
 #include <functional>
 
 #include "core/row_list.h"
+#include "gui/elided_label.h"
 
 namespace tutti {
 
@@ -12,7 +12,7 @@ class Screen;
 
 // A muted line above a list that counts something in it, such as "3 of 1240 ticked"; empty while the list
 // is.
-class ListCount final : public QLabel {
+class ListCount final : public ElidedLabel {
  public:
   // `count` is asked again when the list has changed, while it is on screen.
   ListCount(const RowList& list, Screen& screen, std::function<QString()> count);

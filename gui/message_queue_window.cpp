@@ -3,15 +3,14 @@
 #include <QApplication>
 #include <QLayout>
 #include <QPushButton>
-#include <chrono>
 
+#include "gui/dead_time.h"
 #include "gui/screen.h"
 
 namespace tutti {
 
 namespace {
 
-constexpr std::chrono::milliseconds dead_time{300};
 // Both buttons are always there, so that Ok keeps its place.
 constexpr std::size_t dismiss_all_button = 0;
 constexpr std::size_t ok_button = 1;
@@ -57,9 +56,7 @@ void MessageQueueWindow::dismiss_all() {
 }
 
 bool MessageQueueWindow::just_appeared() const {
-  if (!appeared_) return false;
-  const auto since = clock_.now() - *appeared_;
-  return since >= std::chrono::milliseconds{0} && since < dead_time;
+  return in_dead_time(clock_, appeared_);
 }
 
 void MessageQueueWindow::follow() {

@@ -14,6 +14,7 @@
 #include "gui/frozen_column.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
+#include "gui/selection_builder.h"
 #include "gui/theme.h"
 #include "gui/total_row.h"
 #include "gui/window_parts.h"
@@ -47,6 +48,7 @@ NetMatrixWindow::NetMatrixWindow(NetMatrix& form, Screen& screen) : form_(form),
   line_ = named(new ElidedLabel, "selection_line");
   line_->set_colour(QColor{theme::muted});
   close_ = named(new QPushButton{QStringLiteral("Close...")}, "close_block");
+  close_->setEnabled(false);
   connect(close_, &QPushButton::clicked, this, [this] { close_selected(); });
 
   auto* head = new QHBoxLayout;
@@ -62,7 +64,6 @@ NetMatrixWindow::NetMatrixWindow(NetMatrix& form, Screen& screen) : form_(form),
   column->addWidget(list_, 1);
   column->addWidget(named(new TotalRow{*list_, screen}, "total"));
   screen.on_refresh(*this, [this] { follow(); });
-  follow();
   setFocusProxy(list_);
 }
 
@@ -110,72 +111,53 @@ void NetMatrixWindow::take_selection() {
 // With a new symbol all rows are new, but columns never move: what was selected still is the same.
 void NetMatrixWindow::restore_selection() {
   selection_changed_ = true;
-  QItemSelection again;
-  for (const NetMatrix::Picked& cell : picked_) {
-    const Row* row = form_.lvwNetMatrix.find(client_key(cell.account));
-    const int place = row == nullptr ? -1 : list_->rows().place_of(row);
-    if (place < 0) continue;
-    const QModelIndex index = list_->model()->index(place, static_cast<int>(cell.column));
-    again.select(index, index);
+  SelectionBuilder picked{*list_->model()};
+  const auto before = [](const NetMatrix::Picked& a, const NetMatrix::Picked& b) {
+    return a.account < b.account;
+  };
+  for (int place = 0; place < list_->rows().rowCount(); ++place) {
+    const Row* row = list_->rows().row_at(place);
+    if (row == nullptr) continue;
+    const NetMatrix::Picked account{static_cast<std::int32_t>(row->key().number()), 0};
+    const auto [first, last] = std::equal_range(picked_.begin(), picked_.end(), account, before);
+    std::for_each(first, last, [&](const NetMatrix::Picked& each) {
+      picked.add(place, static_cast<int>(each.column), static_cast<int>(each.column));
+    });
   }
+  const QItemSelection again = picked.selection();
   if (again.isEmpty()) return;
   list_->selectionModel()->setCurrentIndex(again.front().topLeft(), QItemSelectionModel::NoUpdate);
   list_->selectionModel()->select(again, QItemSelectionModel::ClearAndSelect);
 }
 
+bool NetMatrixWindow::can_close() const {
+  return isVisible() && form_.can_close(picked_);
+}
+
 void NetMatrixWindow::follow() {
+  if (!isVisible()) return;
   if (profit_widths_ != form_.shows_profit()) keep_readable();
   if (selection_changed_) take_selection();
   line_->set_text(selection_text());
-  const bool any = !picked_.empty();
+  const bool any = can_close();
   if (close_->isEnabled() != any) close_->setEnabled(any);
 }
 
-// What the form makes of the selection: the Account and Total columns stand for all symbols, and empty cells
-// for nothing.
 QString NetMatrixWindow::selection_text() const {
   if (form_.lvwNetMatrix.empty()) return {};
   if (picked_.empty()) return QStringLiteral("Nothing selected");
-  const std::size_t columns = form_.lvwNetMatrix.columns().size();
-  std::vector<bool> symbols(columns);
-  std::size_t accounts = 0;
-  double sum = 0.0;
-  for (auto cell = picked_.begin(); cell != picked_.end();) {
-    const auto end =
-        std::find_if(cell, picked_.end(), [&](const auto& other) { return other.account != cell->account; });
-    const Row* row = form_.lvwNetMatrix.find(client_key(cell->account));
-    bool any = false;
-    const auto count = [&](std::size_t column) {
-      if (row == nullptr || column >= row->columns() || row->cell(column).empty()) return;
-      any = true;
-      symbols[column] = true;
-      sum += row->cell(column).stored_number();
-    };
-    if (cell->column < NetMatrix::first_symbol) {
-      for (std::size_t column = NetMatrix::first_symbol; column < columns; ++column)
-        count(column);
-    } else {
-      std::for_each(cell, end, [&](const auto& each) { count(each.column); });
-    }
-    accounts += any ? 1 : 0;
-    cell = end;
-  }
-  if (accounts == 0) return QStringLiteral("No positions selected");
-  const auto of = static_cast<std::size_t>(std::count(symbols.begin(), symbols.end(), true));
-  return QString::fromStdString(counted(accounts, "account") + ", " + counted(of, "symbol") + ", " +
-                                (form_.shows_profit() ? "P/L " + fixed_text(sum, money_decimals)
-                                                      : number_text(lots_of_sum(sum)) + " lots net"));
+  const NetMatrix::Summary of = form_.summary(picked_);
+  if (of.accounts == 0) return QStringLiteral("No positions selected");
+  return QString::fromStdString(counted(of.accounts, "account") + ", " + counted(of.symbols, "symbol") +
+                                ", " +
+                                (form_.shows_profit() ? "P/L " + fixed_text(of.sum, money_decimals)
+                                                      : number_text(lots_of_sum(of.sum)) + " lots net"));
 }
 
 void NetMatrixWindow::close_selected() {
   screen_.settle();
   take_selection();
-  std::vector<NetMatrix::Picked> held;
-  for (const NetMatrix::Picked& cell : picked_) {
-    const Row* row = form_.lvwNetMatrix.find(client_key(cell.account));
-    if (row != nullptr && !row->cell(cell.column).empty()) held.push_back(cell);
-  }
-  form_.close_picked(held);
+  form_.close_picked(picked_);
   screen_.acted();
 }
 

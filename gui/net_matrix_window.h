@@ -19,6 +19,8 @@ class NetMatrixWindow final : public QWidget {
   NetMatrixWindow(NetMatrix& form, Screen& screen);
 
   RowListView& list() { return *list_; }
+  // While something is selected that can be closed, and seen.
+  bool can_close() const;
   // Hands what the selected cells hold over to the close positions window.
   void close_selected();
 

@@ -29,9 +29,10 @@ int RowListModel::place_of(const Row* row) const {
   return at == shown_.end() ? -1 : static_cast<int>(at - shown_.begin());
 }
 
-void RowListModel::set_filter(Filter filter) {
+void RowListModel::set_filter(Filter filter, Asked asked) {
   settle();
   filter_ = std::move(filter);
+  asked_ = asked;
   asked_stamp_ = 0;
   show(wanted());
 }
@@ -77,14 +78,17 @@ RowListModel::Rows RowListModel::wanted() {
   return ordered;
 }
 
-// Rows of other columns are other rows: nothing of what was shown remains.
+// Rows of other columns are other rows, to be sorted anew. Columns come and go at the end, so that the one
+// sorted by still is where it was.
 void RowListModel::take_columns() {
   beginResetModel();
   columns_ = static_cast<int>(list_.columns().size());
   shown_.clear();
-  sort_column_ = -1;
+  if (sort_column_ >= columns_) sort_column_ = -1;
   asked_stamp_ = 0;
   shown_ = wanted();
+  if (sort_column_ >= 0)
+    sort_rows(shown_, static_cast<std::size_t>(sort_column_), sort_order_ == Qt::DescendingOrder);
   seen_structure_ = list_.structure_stamp();
   endResetModel();
 }
@@ -213,7 +217,7 @@ void RowListModel::refresh(int first, int last) {
   settle();
   const std::uint64_t now = list_.stamp();
   if (now == shown_stamp_) return;
-  if (filter_ && asked_stamp_ != now) show(wanted());
+  if (filter_ && asked_ == Asked::by_changes && asked_stamp_ != now) show(wanted());
   first = std::max(first, 0);
   last = std::min(last, static_cast<int>(shown_.size()) - 1);
   const auto dirty = [this](int place) {

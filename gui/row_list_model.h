@@ -34,8 +34,10 @@ class RowListModel final : public QAbstractTableModel {
   // Place of a row; -1 while it is not shown.
   int place_of(const Row* row) const;
 
-  // Shows only rows for which the filter holds, asked again when a row changes; an empty one shows all.
-  void set_filter(Filter filter);
+  // Shows only rows for which the filter holds; an empty one shows all. It is asked again when a row changes,
+  // or, where it goes by more than the row and not by its values, by whoever sets it again.
+  enum class Asked : std::uint8_t { by_changes, by_owner };
+  void set_filter(Filter filter, Asked asked = Asked::by_changes);
   bool filtered() const { return static_cast<bool>(filter_); }
   // Orders the rows once by what a column holds, numbers by value; new rows come last until the next sort.
   // Column -1 is the list's own order.
@@ -70,6 +72,7 @@ class RowListModel final : public QAbstractTableModel {
   RowList& list_;
   bool ticks_;
   Filter filter_;
+  Asked asked_ = Asked::by_changes;
   int sort_column_ = -1;
   Qt::SortOrder sort_order_ = Qt::AscendingOrder;
   Rows shown_;

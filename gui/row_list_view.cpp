@@ -1,7 +1,6 @@
 #include "gui/row_list_view.h"
 
 #include <QDataStream>
-#include <QHeaderView>
 #include <QIODevice>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -10,41 +9,24 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include "gui/column_spread.h"
+#include "gui/dead_time.h"
+#include "gui/list_header.h"
 #include "gui/list_text.h"
 #include "gui/screen.h"
+#include "gui/selection_builder.h"
 #include "gui/theme.h"
 
 namespace tutti {
-
-namespace {
-
-// Headers stand like their column, and the arrow of the sorted one keeps its room.
-class HeaderView final : public QHeaderView {
- public:
-  explicit HeaderView(const RowListView& list) : QHeaderView(Qt::Horizontal), list_(list) {}
-
- protected:
-  void initStyleOptionForIndex(QStyleOptionHeader* option, int section) const override {
-    QHeaderView::initStyleOptionForIndex(option, section);
-    option->textAlignment =
-        Qt::AlignVCenter |
-        (list_.is_number(static_cast<std::size_t>(section)) ? Qt::AlignRight : Qt::AlignLeft);
-  }
-
- private:
-  const RowListView& list_;
-};
-
-}  // namespace
 
 RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t> numbers, bool ticks,
                          QWidget* parent)
     : QTableView(parent), model_(list, ticks), screen_(screen) {
   delegate_.set_numbers(std::move(numbers));
-  setHorizontalHeader(new HeaderView{*this});
+  setHorizontalHeader(new ListHeader{*this});
   setItemDelegate(&delegate_);
   setFrameShape(QFrame::NoFrame);
   setShowGrid(false);
@@ -65,7 +47,6 @@ RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t>
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setSectionsClickable(true);
   horizontalHeader()->setSectionsMovable(true);
-  horizontalHeader()->setSortIndicatorShown(false);
   horizontalHeader()->setMinimumSectionSize(24);
   horizontalHeader()->setFixedHeight(theme::row_height + 2);
   // After the headers, which else measure every row and column in between.
@@ -76,9 +57,11 @@ RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t>
   connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
     if (!spreading_) dragged_ = true;
   });
-  connect(&model_, &QAbstractItemModel::modelReset, this, [this] {
-    horizontalHeader()->setSortIndicatorShown(false);
-    if (!dragged_ || columns_vary_) follow_percentages();
+  connect(&model_, &QAbstractItemModel::modelReset, this, [this, known = model_.columnCount()]() mutable {
+    selecting_ = false;
+    // Widths that the operator has set stay; new columns stand behind them.
+    spread(dragged_ ? known : 0);
+    known = model_.columnCount();
   });
   connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { take_selection(); });
   connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { take_selection(); });
@@ -96,6 +79,8 @@ void RowListView::settle() {
   if (settled_structure_ != model_.list().structure_stamp()) {
     settled_structure_ = model_.list().structure_stamp();
     drop_replaced();
+    // Row headers read their rows, of which the same may be true.
+    verticalHeader()->viewport()->update();
   }
   if (!selection_taken_) take_selection();
 }
@@ -103,17 +88,19 @@ void RowListView::settle() {
 // A new row may stand where one was freed, in the list and in memory, which is no change to the model; but
 // nobody has selected it.
 void RowListView::drop_replaced() {
-  QItemSelection replaced;
+  std::set<int> replaced;
   for (const QItemSelectionRange& range : selectionModel()->selection()) {
     for (int place = range.top(); place <= range.bottom(); ++place) {
       const Row* row = model_.row_at(place);
-      if (row != nullptr && !row->selected())
-        replaced.select(model_.index(place, 0), model_.index(place, model_.columnCount() - 1));
+      if (row != nullptr && !row->selected()) replaced.insert(place);
     }
   }
-  if (replaced.isEmpty()) return;
+  if (replaced.empty()) return;
+  SelectionBuilder dropped{model_};
+  for (const int place : replaced)
+    dropped.add(place, 0, model_.columnCount() - 1);
   following_ = true;
-  selectionModel()->select(replaced, QItemSelectionModel::Deselect);
+  selectionModel()->select(dropped.selection(), QItemSelectionModel::Deselect);
   following_ = false;
 }
 
@@ -124,6 +111,33 @@ void RowListView::refresh() {
   const int last = rowAt(viewport()->height() - 1);
   model_.refresh(first, last < 0 ? model_.rowCount() - 1 : last);
   if (model_.list().current() != current_) follow_selection();
+  look_where_rows_stand();
+}
+
+void RowListView::look_where_rows_stand() {
+  if (click_guard_ == nullptr) return;
+  const int first = std::max(rowAt(0), 0);
+  std::vector<Standing> now;
+  for (int place = first; place < model_.rowCount(); ++place) {
+    if (rowViewportPosition(place) >= viewport()->height()) break;
+    const Row* row = model_.row_at(place);
+    if (row == nullptr) return;
+    // What was out of sight, or nothing, is not what somebody aims at.
+    const auto before = static_cast<std::size_t>(place - first_standing_);
+    const bool seen = place >= first_standing_ && before < standing_.size();
+    const bool same = !seen || standing_[before].key == row->key();
+    now.push_back({row->key(), !seen ? std::nullopt : same ? standing_[before].since : click_guard_->now()});
+  }
+  standing_ = std::move(now);
+  first_standing_ = first;
+}
+
+bool RowListView::just_moved(int place) {
+  if (click_guard_ == nullptr) return false;
+  look_where_rows_stand();
+  const auto at = static_cast<std::size_t>(place - first_standing_);
+  return place >= first_standing_ && at < standing_.size() &&
+         in_dead_time(*click_guard_, standing_[at].since);
 }
 
 void RowListView::take_selection() {
@@ -193,8 +207,7 @@ void RowListView::header_clicked(int column) {
   } else {
     model_.sort(-1, Qt::AscendingOrder);
   }
-  horizontalHeader()->setSortIndicatorShown(model_.sort_column() >= 0);
-  horizontalHeader()->setSortIndicator(std::max(model_.sort_column(), 0), model_.sort_order());
+  horizontalHeader()->viewport()->update();
 }
 
 void RowListView::paintEvent(QPaintEvent* event) {
@@ -265,7 +278,7 @@ void RowListView::follow_percentages() {
   spread();
 }
 
-void RowListView::spread() {
+void RowListView::spread(int from) {
   std::vector<ColumnShare> shares;
   const std::vector<Column>& columns = model_.list().columns();
   for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -280,8 +293,10 @@ void RowListView::spread() {
   }
   const std::vector<int> widths = spread_columns(shares, viewport()->width());
   spreading_ = true;
-  for (std::size_t i = 0; i < widths.size(); ++i)
-    setColumnWidth(static_cast<int>(i), widths[i]);
+  for (int column = from; column < static_cast<int>(widths.size()); ++column) {
+    // A hidden one comes back as wide as it was.
+    if (!isColumnHidden(column)) setColumnWidth(column, widths[static_cast<std::size_t>(column)]);
+  }
   spreading_ = false;
 }
 
@@ -301,6 +316,7 @@ bool RowListView::restore_columns(const QByteArray& saved) {
   spreading_ = true;
   const bool restored = stream.status() == QDataStream::Ok && horizontalHeader()->restoreState(header);
   spreading_ = false;
+  // The header draws an arrow of its own.
   horizontalHeader()->setSortIndicatorShown(false);
   horizontalHeader()->setSectionsClickable(sortable_);
   dragged_ = restored && dragged;
@@ -321,22 +337,27 @@ bool RowListView::on_tick_box(const QModelIndex& index, const QPoint& position) 
 void RowListView::mousePressEvent(QMouseEvent* event) {
   screen_.settle();
   const QModelIndex index = indexAt(event->position().toPoint());
-  ticking_ = event->button() == Qt::LeftButton && on_tick_box(index, event->position().toPoint());
+  const bool ticking = event->button() == Qt::LeftButton && on_tick_box(index, event->position().toPoint());
+  selecting_ = false;
+  clicking_ = false;
+  if (just_moved(index.row())) return;
   pressed_ = target_at(index);
   clicking_ = clicked && event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
-  if (ticking_) {
+  if (ticking) {
     if (Row* row = model_.row_at(index.row())) model_.list().tick(*row, !row->checked());
     setFocus(Qt::MouseFocusReason);
     screen_.acted();
     return;
   }
+  selecting_ = true;
   QTableView::mousePressEvent(event);
   screen_.acted();
 }
 
-// A tick selects nothing, however the mouse moves before it is let go.
+// A press that ticks, or does nothing, selects nothing, however the mouse moves before it is let go; nor does
+// one whose rows were all replaced since.
 void RowListView::mouseMoveEvent(QMouseEvent* event) {
-  if (!ticking_) QTableView::mouseMoveEvent(event);
+  if (selecting_) QTableView::mouseMoveEvent(event);
 }
 
 void RowListView::mouseReleaseEvent(QMouseEvent* event) {

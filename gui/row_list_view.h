@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/clock.h"
 #include "gui/row_delegate.h"
 #include "gui/row_list_model.h"
 
@@ -38,7 +39,7 @@ class RowListView final : public QTableView {
   // Whether the operator has set widths of his own, and back to the percentages.
   bool widths_dragged() const { return dragged_; }
   void follow_percentages();
-  // Widths, order of columns and sorting, to be kept over a restart.
+  // Widths and order of columns, to be kept over a restart.
   QByteArray save_columns() const;
   bool restore_columns(const QByteArray& saved);
   // Right-aligned when the list's column is of numbers.
@@ -68,6 +69,9 @@ class RowListView final : public QTableView {
   // Columns come and go with the list's contents. All are of numbers, those beyond keep_readable have room
   // for this text, and their widths and order are not kept over a restart.
   void set_columns_vary(std::string text);
+  // For lists whose rows move while the operator clicks on them: a press does nothing on a row that stands
+  // there for less than the dead time.
+  void guard_clicks(const Clock& clock) { click_guard_ = &clock; }
 
   // Runs instead of the list's on_activate when set: for windows whose double-click depends on the column.
   std::function<void(Row& row, std::size_t column)> activate;
@@ -95,12 +99,20 @@ class RowListView final : public QTableView {
     int column = -1;
     bool operator==(const Target&) const = default;
   };
+  // A visible place: whose row stands there, and since when, where that was seen.
+  struct Standing {
+    RowKey key;
+    std::optional<TimePoint> since;
+  };
 
   void settle();
   void drop_replaced();
   void refresh();
+  void look_where_rows_stand();
+  bool just_moved(int place);
   void header_clicked(int column);
-  void spread();
+  // Widths by the percentages, of the columns from one on.
+  void spread(int from = 0);
   // The operator's selection into the list, and the list's own into the view.
   void take_selection();
   void follow_selection();
@@ -119,11 +131,14 @@ class RowListView final : public QTableView {
   bool following_ = false;        // the view takes the list's selection over, not the other way round
   bool selection_taken_ = true;   // false while the operator's selection waits for the rows to be in step
   const Row* current_ = nullptr;  // the list's current row when it was followed last; only compared
-  bool ticking_ = false;          // the button went down on a check box
+  bool selecting_ = false;        // moves with the button down select
   Target pressed_;                // under the last press
   bool clicking_ = false;         // the button went down for a click
   bool sortable_ = true;
   bool columns_vary_ = false;
+  const Clock* click_guard_ = nullptr;   // nullptr where rows stand is of no matter
+  std::vector<Standing> standing_;       // from the first visible place on
+  int first_standing_ = 0;               // that place
   std::uint64_t settled_structure_ = 0;  // of the list when the selection was looked through last
 };
 

@@ -70,9 +70,7 @@ void frmClosePos::rebuild() {
   MSH.set_headers(headers_);
   symbol_name_ = CloseSymbols.text();
   symbol_ = symbols_.find(symbol_name_);
-  const bool priced = symbol_ != no_symbol;
-  ask_ = priced ? symbols_.entry(symbol_).ask : 0.0;
-  bid_ = priced ? symbols_.entry(symbol_).bid : 0.0;
+  ask_ = bid_ = 0.0;
   if (symbol_name_.empty()) return;
 
   // Grouped first, since rows in the middle of a grid are dear.
@@ -123,11 +121,17 @@ void frmClosePos::Add(const OpenPosition& position) {
 }
 
 void frmClosePos::add_row(const Row& open) {
+  const auto number = static_cast<std::int32_t>(open.cell(frmTrade::account).stored_number());
   Row* row = MSH.find(open.key());
+  if (row != nullptr && account_above(*row) != number) {
+    // The list has taken this ticket over for another account, and would close it there.
+    Remove(ticket_of(*row));
+    row = nullptr;
+  }
   if (row == nullptr) {
-    const auto number = static_cast<std::int32_t>(open.cell(frmTrade::account).stored_number());
     if (!connected(number)) return;
     row = MSH.insert(MSH.index_of(add_client(number)) + 1, open.key());
+    chkAllClients.set_checked(false);
   }
   write_position(*row, open);
 }
@@ -142,7 +146,7 @@ void frmClosePos::write_position(Row& row, const Row& open) const {
   if (!is_new) return;
   row.set_text(Column::action, no_price_text);
   write_price(row);
-  // A request that is still on its way shows until the next price, so that nobody sends it again.
+  // A request that is still on its way is to be seen as such.
   if (answer_of(row) == OrderAnswer::waiting) row.set_text(Column::action, waiting_text);
 }
 
@@ -199,6 +203,8 @@ void frmClosePos::remove_account(std::int32_t number) {
   for (Row* position : positions_of(*above))
     MSH.remove(*position);
   above->set_text(Column::status, logged_out_state_);
+  // One that has left the accounts list leaves this one, too.
+  if (accounts_list_.sessions().by_account(number) == nullptr) MSH.remove(*above);
 }
 
 void frmClosePos::account_state(std::int32_t number, std::string_view state) {
@@ -207,7 +213,7 @@ void frmClosePos::account_state(std::int32_t number, std::string_view state) {
   if (row == nullptr || (state != connected_state && connected(number))) return;
   if (state == invalid_state) {
     remove_account(number);
-    MSH.remove(*row);
+    if (Row* left = get_index(number)) MSH.remove(*left);
   } else {
     row->set_text(Column::status, state);
   }
@@ -222,10 +228,8 @@ void frmClosePos::refresh_symbols() {
 }
 
 void frmClosePos::result(std::int64_t ticket, std::string_view text) {
-  Row* row = searchpos(ticket);
-  if (row == nullptr) return;
   answers_[ticket] = text;
-  row->set_text(Column::action, text);
+  if (Row* row = searchpos(ticket)) row->set_text(Column::action, text);
 }
 
 }  // namespace tutti

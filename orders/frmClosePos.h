@@ -79,7 +79,8 @@ class frmClosePos final : public ClosePositionsDesk {
   // Asks before anything is sent; refused while no symbol is chosen and while nothing is marked.
   void close_postions();
   void close_single(const Row& row);
-  // What the answers yes to these questions do. All rows are collected before the first request is sent.
+  // What the answers yes to these questions do. All rows are collected before the first request is sent. A
+  // marked position whose last request is not answered yet is sent once more: it may be lost.
   void closepos();
   void closepos1();
   // Sends one close request and reports an immediate refusal; set by start-up.
@@ -94,11 +95,13 @@ class frmClosePos final : public ClosePositionsDesk {
   static bool is_position(const Row& row) { return row.key().prefix() == ticket_key(0).prefix(); }
   static bool marked(const Row& row) { return row.cell(Column::status).ground() == marked_ground; }
   std::size_t marked_count() const;
-  // What became of the last close request for a row's position, and the text of a refusal.
+  // What became of the last close request for a row's position, and what the server said of one that was
+  // refused or is in dealing.
   OrderAnswer answer_of(const Row& row) const;
   std::string_view answer_text(const Row& row) const;
-  // What became of all requests of the last close.
-  OrderAnswers answers() const;
+  // What became of all requests of the last close. Counts those on their way, so whoever shows it may ask
+  // once a frame.
+  OrderAnswers answers();
 
   // ClosePositionsDesk
   void prepare(const std::vector<std::string>& headers, std::string_view state) override;
@@ -143,11 +146,12 @@ class frmClosePos final : public ClosePositionsDesk {
   bool displayed_ = false;
   std::string symbol_name_;
   SymbolHandle symbol_ = no_symbol;  // the one the grid is of
-  double ask_ = 0.0;                 // last price in the grid, 0 until one came
+  double ask_ = 0.0;                 // that came since the grid is of it, 0 until one does
   double bid_ = 0.0;
   std::uint64_t names_stamp_ = ~std::uint64_t{0};      // of the symbols that are offered
   std::deque<PositionBlock> blocks_;                   // that wait
-  std::vector<frmTrade::Close> sent_;                  // with the last close
+  std::vector<frmTrade::Close> sent_;                  // with the last close and not settled yet
+  OrderAnswers settled_;                               // the others of the last close
   tsl::robin_map<std::int64_t, std::string> answers_;  // last results of closes, by ticket
 };
 

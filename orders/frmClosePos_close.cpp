@@ -52,6 +52,8 @@ void frmClosePos::toggle(const std::vector<Row*>& rows) {
   const bool all = std::all_of(positions.begin(), positions.end(), [](const Row* p) { return marked(*p); });
   for (Row* position : positions)
     mark(*position, !all);
+  // The box never says "all" where not all are.
+  if (all) chkAllClients.set_checked(false);
 }
 
 void frmClosePos::check_all() {
@@ -120,6 +122,7 @@ void frmClosePos::closepos1() {
 
 void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
   sent_ = positions;
+  settled_ = {};
   for (const frmTrade::Close& position : positions) {
     answers_.erase(position.ticket);
     if (close_helper) close_helper(position);
@@ -139,20 +142,28 @@ OrderAnswer frmClosePos::answer_of(const Row& row) const {
 }
 
 std::string_view frmClosePos::answer_text(const Row& row) const {
-  if (answer_of(row) != OrderAnswer::refused) return {};
+  if (!is_position(row)) return {};
   const SentOrder* sent = close_request(row.key().number(), account_above(row));
+  if (sent == nullptr) return {};
+  const OrderAnswer answer = answer_from(sent->outcome);
+  if (answer != OrderAnswer::refused && answer != OrderAnswer::waiting) return {};
   if (sent->request_code != request::taken) return request::text(sent->request_code);
   const auto at = answers_.find(row.key().number());
   return at == answers_.end() ? std::string_view{} : at->second;
 }
 
-OrderAnswers frmClosePos::answers() const {
-  OrderAnswers out;
-  for (const frmTrade::Close& position : sent_) {
+OrderAnswers frmClosePos::answers() {
+  OrderAnswers open;
+  std::erase_if(sent_, [&](const frmTrade::Close& position) {
     const SentOrder* sent = close_request(position.ticket, position.account);
-    out.count(sent == nullptr ? OrderAnswer::unknown : answer_from(sent->outcome));
-  }
-  return out;
+    const OrderAnswer answer = sent == nullptr ? OrderAnswer::unknown : answer_from(sent->outcome);
+    const bool settled = answer == OrderAnswer::accepted || answer == OrderAnswer::refused;
+    (settled ? settled_ : open).count(answer);
+    return settled;
+  });
+  open.accepted = settled_.accepted;
+  open.refused = settled_.refused;
+  return open;
 }
 
 void frmClosePos::take(std::vector<PositionBlock> blocks) {

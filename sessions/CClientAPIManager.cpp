@@ -115,6 +115,7 @@ void CClientAPIManager::ConnectionState(bool connected) {
   carry_on(general_, account_, [&] { journal_unanswered(); });
   carry_on(general_, account_, [&] {
     if (std::exchange(lists_account_, false)) desk_.remove_account(account_);
+    desk_.close_positions->account_state(account_, "Disconnected");
   });
   carry_on(general_, account_, [&] { desk_.requote->session_gone(*this); });
 }
@@ -162,8 +163,9 @@ void CClientAPIManager::InvalidUsernamePassword() {
 
 void CClientAPIManager::AllDataAreLoaded() {
   general_.play_sound("\\sounds\\Connect.WAV");
-  lists_account_ = client_->FindAccount(account_).has_value();
-  if (!lists_account_) {
+  const bool found = client_->FindAccount(account_).has_value();
+  lists_account_ = lists_account_ || found;
+  if (!found) {
     if (row_ != nullptr) {
       row_->set_text(column_notes, "Invalid account");
       row_->set_text(column_state, "Invalid account", Ink::red);

@@ -43,9 +43,9 @@ class CClientAPIManager final : public CLAPICLASS {
   // Trimmed, upper-cased user name and account number.
   std::string duplicate_key() const { return account_key(user_, account_); }
 
-  // The session's row of the accounts list; nullptr when it has none.
   // The lists show what this session told of the account.
   bool lists_account() const { return lists_account_; }
+  // The session's row of the accounts list; nullptr when it has none.
   Row* ClientListItem() const { return row_; }
   void ClientListItem(Row* row) { row_ = row; }
 

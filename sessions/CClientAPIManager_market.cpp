@@ -12,8 +12,7 @@ namespace {
 // Identifiers are small; a server that sends others is not served rather than trusted with memory.
 constexpr std::int32_t largest_symbol_id = 65'535;
 
-// Beside larger ones the sums of what is open, and of lots times price, would lose decimals that don't come
-// back when such a position goes.
+// What lies beyond is no trade of any account, but a damaged record.
 constexpr double largest_lots = 1e6;
 constexpr double largest_price = 1e9;
 constexpr double largest_money = 1e12;
@@ -21,9 +20,13 @@ constexpr double largest_money = 1e12;
 bool usable(const OpenPosition& p) {
   // Not "greater than", so that what is no number is refused too.
   const auto within = [](double most, auto... values) { return ((std::fabs(values) <= most) && ...); };
-  return within(largest_lots, p.amount) &&
+  return p.amount >= 0.0 && within(largest_lots, p.amount) &&
          within(largest_price, p.open_price, p.current_price, p.stop_loss, p.take_profit) &&
          within(largest_money, p.commission, p.interest, p.floating_pl);
+}
+
+bool has_good_prices(const Symbol& symbol) {
+  return std::isfinite(symbol.bid) && std::isfinite(symbol.ask);
 }
 
 bool usable(const PendingOrder& o) {
@@ -79,7 +82,7 @@ void CClientAPIManager::SymbolPricesChanged(const Symbol& symbol) {
   const SymbolHandle handle = handle_of(symbol);
   if (handle == no_symbol) return;
   // The last good price stays.
-  if (!(symbol.bid - symbol.bid + symbol.ask - symbol.ask == 0.0)) return refuse("A price of " + symbol.name);
+  if (!has_good_prices(symbol)) return refuse("A price of " + symbol.name);
   symbols_.set_prices(handle, symbol);
   desk_.market_watch->prices(handle, symbol);
   if (!row_connected()) return;
@@ -94,7 +97,7 @@ void CClientAPIManager::SymbolHighLowChanged(const Symbol& symbol) {
     return refuse("A day's range of " + symbol.name);
   symbols_.set_high_low(handle, symbol);
   desk_.market_watch->prices(handle, symbol);
-  if (!row_connected()) return;
+  if (!row_connected() || !has_good_prices(symbol)) return;
   desk_.entry_order->prices(handle, symbol);
   desk_.close_positions->prices(handle, symbol);
 }
@@ -139,9 +142,9 @@ void CClientAPIManager::PosFloatingPLChanged(const OpenPosition& position) {
   if (!usable(position)) return refuse("The profit of position #" + std::to_string(position.ticket));
   desk_.positions->floating_changed(position);
   std::string profit = number_text(position.floating_pl);
-  if (const auto point = profit.find('.'); point != std::string::npos && general_.locale != nullptr) {
-    profit.replace(point, 1, general_.locale->LocalDecimal());
-  }
+  const auto point = profit.find('.');
+  if (point != std::string::npos && general_.locale != nullptr && general_.locale->LocalDecimal() == ",")
+    profit[point] = ',';
   desk_.net->floating_changed(position, profit);
 }
 

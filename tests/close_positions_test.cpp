@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "tests/support/scenario_desk.h"
 #include "tests/support/scripted_terminal.h"
 
@@ -129,8 +127,8 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   desk.price(1, 1.09, 1.0902);
   EXPECT_EQ(grid(form), expected);
   form.Displayed(true);
-  EXPECT_EQ(grid(form), (Texts{"2|Connected||", "*" + row(21, "Buy", "Close At 1.0902"), "3|Connected||",
-                               row(31, "Buy", "Close At 1.0902")}));
+  EXPECT_EQ(grid(form), (Texts{"2|Connected||", "*" + row(21, "Buy", "Close"), "3|Connected||",
+                               row(31, "Buy", "Close")}));
   // A click on the symbol unmarks everything, the box included.
   form.chkAllClients.click();
   EXPECT_EQ(form.marked_count(), 2u);
@@ -250,8 +248,13 @@ TEST(ClosePositions, AccountsLoseTheirRowsWithTheConnection) {
   EXPECT_EQ(desk.prompt.take_texts(), Texts{nothing_marked});
   EXPECT_EQ(states(), Texts{"Disconnected"});
 
+  // A login that does not get through.
   desk.client(1).sink->WaitingMode(2);
   EXPECT_EQ(states(), Texts{"Connecting"});
+  desk.client(1).sink->ConnectionState(false);
+  EXPECT_EQ(states(), Texts{"Disconnected"});
+
+  desk.client(1).sink->WaitingMode(2);
   // Positions that come before the account is connected are in the grid when its data are complete.
   desk.client(1).sink->OpenPositionsLoaded();
   EXPECT_EQ(states(), Texts{"Connecting"});
@@ -269,6 +272,35 @@ TEST(ClosePositions, AccountsLoseTheirRowsWithTheConnection) {
   EXPECT_EQ(states(), (Texts{"Connected", "#"}));
   desk.client(2).sink->InvalidUsernamePassword();
   EXPECT_EQ(states(), Texts{});
+
+  // One that is taken off the accounts list leaves this one as well, whatever it holds.
+  desk.open(3, 31);
+  EXPECT_EQ(states(), (Texts{"Connected", "#"}));
+  desk.main->accounts().sessions().RClear(3);
+  EXPECT_EQ(states(), Texts{});
+}
+
+TEST(ClosePositions, ATicketIsClosedWhereItIsNow) {
+  Closing desk;
+  frmClosePos& form = desk.form();
+  form.CloseSymbols.choose("EURUSD");
+  desk.open(1, 7);
+  form.chkAllClients.click();
+  desk.open(2, 7, operation::sell, "EURUSD", 0.25);
+  EXPECT_EQ(form.marked_count(), 0u);
+  form.click(*form.get_index(2), frmClosePos::account);
+  form.LblCheck.click();
+  EXPECT_EQ(desk.sent(), Texts{"2 close 7 0.25"});
+  // The answer comes while another symbol is on show.
+  form.CloseSymbols.choose("GBPUSD");
+  OrderReport refusal;
+  refusal.number = 7;
+  refusal.account = 2;
+  refusal.result = result::trading_closed;
+  desk.client(2).sink->CloseOrderResult(refusal);
+  form.CloseSymbols.choose("EURUSD");
+  EXPECT_EQ(form.answer_text(*form.searchpos(7)), " Trading is closed");
+  EXPECT_EQ(form.answers().text(), "1 refused");
 }
 
 TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
@@ -333,7 +365,7 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   EXPECT_EQ(form.answer_of(first_of(15)), OrderAnswer::refused);
   EXPECT_EQ(form.answer_text(first_of(15)), " Trading is closed");
   EXPECT_EQ(form.answer_text(first_of(5)), "No Privilege ");
-  EXPECT_EQ(form.answer_text(first_of(20)), "");
+  EXPECT_EQ(form.answer_text(first_of(20)), "Position in pending mode");
   EXPECT_EQ(first_of(15).text(frmClosePos::action), " Trading is closed");
   EXPECT_EQ(first_of(20).text(frmClosePos::action), "Position in pending mode");
   EXPECT_EQ(desk.differences(), Texts{});
@@ -378,6 +410,7 @@ TEST(ClosePositions, ConnectionsBreakWhileClosesAreOnTheirWay) {
   }
   form.Displayed(true);
   EXPECT_EQ(form.answers().text(), "10 accepted, 8 unknown");
+  desk.run(500ms);
   const auto consistent = [&] {
     std::size_t positions = 0;
     for (const Row& row : form.MSH) {

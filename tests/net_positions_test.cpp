@@ -80,6 +80,9 @@ TEST(NetPositions, ListsShowSumsAveragesAndTotals) {
   desk.client(2).sink->ConnectionState(false);
   EXPECT_EQ(rows(desk.net().lvwNetAccounts), (Texts{"1|0.5|1.29000|0||0.5|-999990.12"}));
   EXPECT_EQ(rows(symbols)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
+  // The largest that is believed; once it is gone the others are what they were.
+  desk.client(1).sink->DeleteOpenPosition(desk.open(1, 99, 1e6, "GBPUSD", 1e9, 1e12));
+  EXPECT_EQ(rows(desk.net().lvwNet)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
   symbols.select(symbols.row(0));
   EXPECT_EQ(rows(desk.net().lvwNetAccounts), (Texts{"3|0||1.5|1.08400|-1.5|7.00"}));
 

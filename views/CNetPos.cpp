@@ -97,13 +97,10 @@ void CNetPos::floating_changed(const OpenPosition& position, std::string_view pr
   Held& held = at.value();
   const double now =
       general_.locale != nullptr ? general_.locale->StringToNumber(profit) : read_number(profit);
-  const double change = now - held.profit;
-  held.profit = now;
   OfSymbol& symbol = symbols_[held.symbol];
-  symbol.sum.floating += change;
-  symbol.by_account[held.account].floating += change;
-  accounts_[held.account].sum.floating += change;
-  total_.floating += change;
+  for (NetSum* sum : {&symbol.sum, &symbol.by_account[held.account], &accounts_[held.account].sum, &total_})
+    sum->change_floating(held.profit, now);
+  held.profit = now;
   touch(held);
 }
 

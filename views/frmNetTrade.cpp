@@ -17,7 +17,7 @@ void write_sum(Row& row, std::size_t first, const NetSum& sum, int digits) {
   row.set_number(first + 2, sum.short_total());
   row.set_fixed_or_empty(first + 3, sum.average_short(), digits);
   row.set_number(first + 4, sum.net());
-  row.set_fixed(first + 5, sum.floating, money_decimals);
+  row.set_fixed(first + 5, sum.floating_total(), money_decimals);
 }
 
 }  // namespace

@@ -43,6 +43,8 @@ class frmNetTrade final {
   // Name of the symbol whose accounts are listed; empty while none is picked.
   std::string picked() const;
 
+  // Whether any account is listed that could be handed over.
+  bool can_close() const { return !lvwNetAccounts.empty(); }
   // Hands the picked symbol over to be closed, with the positions of the selected accounts. Where none is
   // selected no account is meant: the one that was may have gone a moment ago.
   void close_selected() const;

@@ -1,5 +1,6 @@
 #include "views/net_matrix.h"
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -34,7 +35,7 @@ void NetMatrix::write(Row& row, const NetSum& sum, std::size_t column) const {
   if (sum.positions() == 0) {
     row.set_text(column, "");
   } else if (shows_profit()) {
-    row.set_fixed(column, sum.floating, money_decimals);
+    row.set_fixed(column, sum.floating_total(), money_decimals);
   } else {
     row.set_number(column, sum.net());
   }
@@ -67,20 +68,53 @@ void NetMatrix::refresh() {
   seen_ = book_.stamp();
 }
 
+// Gives every symbol's cell that is picked and holds something, with its row, account by account.
+template <class Take>
+void NetMatrix::each_held(const std::vector<Picked>& cells, Take take) const {
+  for (auto cell = cells.begin(); cell != cells.end();) {
+    const auto end =
+        std::find_if(cell, cells.end(), [&](const Picked& other) { return other.account != cell->account; });
+    if (const Row* row = lvwNetMatrix.find(client_key(cell->account))) {
+      const auto give = [&](std::size_t column) {
+        if (column < row->columns() && !row->cell(column).empty()) take(*row, column);
+      };
+      if (cell->column < first_symbol) {
+        for (std::size_t column = first_symbol; column < row->columns(); ++column)
+          give(column);
+      } else {
+        std::for_each(cell, end, [&](const Picked& each) { give(each.column); });
+      }
+    }
+    cell = end;
+  }
+}
+
+NetMatrix::Summary NetMatrix::summary(const std::vector<Picked>& cells) const {
+  Summary out;
+  std::vector<bool> symbols(lvwNetMatrix.columns().size());
+  const Row* last = nullptr;
+  each_held(cells, [&](const Row& row, std::size_t column) {
+    if (std::exchange(last, &row) != &row) ++out.accounts;
+    symbols[column] = true;
+    out.sum += row.cell(column).stored_number();
+  });
+  out.symbols = static_cast<std::size_t>(std::count(symbols.begin(), symbols.end(), true));
+  return out;
+}
+
 void NetMatrix::close_picked(const std::vector<Picked>& cells) const {
   if (!close) return;
   tsl::robin_map<std::int32_t, std::set<std::size_t>> columns_of;
-  for (const Picked& cell : cells)
-    columns_of[cell.account].insert(cell.column);
+  each_held(cells, [&](const Row& row, std::size_t column) {
+    columns_of[static_cast<std::int32_t>(row.key().number())].insert(column);
+  });
   std::vector<PositionBlock> blocks;
   for (std::size_t place = 0; place < book_.symbols().size(); ++place) {
     PositionBlock block{book_.symbols()[place].name, {}};
     for (const CNetPos::OfAccount& each : book_.accounts()) {
       const auto picked = columns_of.find(each.number);
       if (picked == columns_of.end() || book_.of(each, place).positions() == 0) continue;
-      const std::set<std::size_t>& columns = picked->second;
-      if (*columns.begin() < first_symbol || columns.contains(first_symbol + place))
-        block.accounts.push_back(each.number);
+      if (picked->second.contains(first_symbol + place)) block.accounts.push_back(each.number);
     }
     if (!block.accounts.empty()) blocks.push_back(std::move(block));
   }

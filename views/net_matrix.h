@@ -29,11 +29,20 @@ class NetMatrix final {
   // Brings the list up to date; to be called before it is shown, once a frame at most.
   void refresh();
 
-  // A cell that the operator has picked. The Account and Total columns stand for all symbols.
+  // A cell that the operator has picked. The Account and Total columns stand for all symbols, and cells that
+  // are empty in the list for nothing. Wherever several are given, they are ordered by account and column.
   struct Picked {
     std::int32_t account = 0;
     std::size_t column = 0;
   };
+  // What picked cells hold together.
+  struct Summary {
+    std::size_t accounts = 0;
+    std::size_t symbols = 0;
+    double sum = 0.0;  // of what the list shows, lots or profit
+  };
+  Summary summary(const std::vector<Picked>& cells) const;
+  bool can_close(const std::vector<Picked>& cells) const { return summary(cells).accounts > 0; }
   // Hands what the picked cells hold over to be closed, a block per symbol.
   void close_picked(const std::vector<Picked>& cells) const;
   // Takes what is to be closed; set by start-up.
@@ -45,6 +54,8 @@ class NetMatrix final {
   static constexpr int profit_item = 1;
 
   void follow_symbols();
+  template <class Take>
+  void each_held(const std::vector<Picked>& cells, Take take) const;
   void write(Row& row, const NetSum& sum, std::size_t column) const;
 
   MGeneral& general_;

@@ -5,32 +5,36 @@
 namespace tutti {
 
 void NetSum::add(std::int32_t side, double lots, double price, double profit) {
-  (side > 0 ? long_lots : short_lots) += lots;
-  (side > 0 ? long_value : short_value) += lots * price;
-  ++(side > 0 ? longs : shorts);
-  floating += profit;
+  Side& of = side > 0 ? long_ : short_;
+  of.lots.add(lots);
+  of.value.add(lots * price);
+  ++of.positions;
+  floating_.add(profit);
 }
 
 void NetSum::take(std::int32_t side, double lots, double price, double profit) {
-  (side > 0 ? long_lots : short_lots) -= lots;
-  (side > 0 ? long_value : short_value) -= lots * price;
-  --(side > 0 ? longs : shorts);
-  floating -= profit;
-  if (longs == 0) long_lots = long_value = 0.0;
-  if (shorts == 0) short_lots = short_value = 0.0;
-  if (positions() == 0) floating = 0.0;
+  Side& of = side > 0 ? long_ : short_;
+  of.lots.add(-lots);
+  of.value.add(-lots * price);
+  if (--of.positions == 0) of = {};
+  floating_.add(-profit);
+  if (positions() == 0) floating_.clear();
+}
+
+double NetSum::floating_total() const {
+  return round_half_even(floating(), 2);
 }
 
 double NetSum::net() const {
-  return lots_of_sum(long_lots - short_lots);
+  return lots_of_sum(long_.lots.value() - short_.lots.value());
 }
 
 double NetSum::long_total() const {
-  return lots_of_sum(long_lots);
+  return lots_of_sum(long_.lots.value());
 }
 
 double NetSum::short_total() const {
-  return lots_of_sum(short_lots);
+  return lots_of_sum(short_.lots.value());
 }
 
 }  // namespace tutti

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <algorithm>
-#include <ranges>
+#include <cstddef>
 
 #include "core/row_list.h"
 
@@ -13,9 +12,17 @@ template <class Before>
 Row& ordered_row(RowList& list, RowKey key, const Before& before) {
   if (Row* row = list.find(key)) return *row;
   const bool has_total = !list.empty() && list.row(list.size() - 1).key().empty();
-  const auto places = std::views::iota(std::size_t{0}, list.size() - (has_total ? 1 : 0));
-  const auto at = std::ranges::partition_point(places, [&](std::size_t i) { return before(list.row(i)); });
-  return *list.insert(static_cast<std::size_t>(at - places.begin()), key);
+  std::size_t low = 0;
+  std::size_t high = list.size() - (has_total ? 1 : 0);
+  while (low < high) {
+    const std::size_t middle = low + (high - low) / 2;
+    if (before(list.row(middle))) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return *list.insert(low, key);
 }
 
 }  // namespace tutti

@@ -10,6 +10,7 @@
 #include <QPushButton>
 
 #include "gui/desktop_prompt.h"
+#include "gui/elided_label.h"
 #include "gui/frmClosePos_window.h"
 #include "gui/theme.h"
 #include "tests/gui/gui_rig.h"
@@ -36,7 +37,9 @@ DealerConfig with_faults(std::vector<FaultConfig> faults) {
 // Four accounts with two positions of half a lot each: rows 0, 3, 6 and 9 are accounts.
 struct ClosingRig : GuiRig {
   explicit ClosingRig(std::vector<FaultConfig> faults = {})
-      : GuiRig(with_faults(std::move(faults))), form(main().close_positions()), window(form, screen) {
+      : GuiRig(with_faults(std::move(faults))),
+        form(main().close_positions()),
+        window(form, screen, terminal.clock) {
     show(window, {1000, 500});
     form.Displayed(true);
     buy();
@@ -45,8 +48,14 @@ struct ClosingRig : GuiRig {
     window.focus_symbol();
     QTest::keyClicks(&find<QComboBox>("CloseSymbols"), QStringLiteral("EURU"));
     run(50ms);
+    form.RefreshPrice(1.0852, 1.085);
   }
 
+  // What moves rows is long past at the end, so that they can be clicked on.
+  void run(std::chrono::milliseconds time) {
+    GuiRig::run(time);
+    GuiRig::run(frmPriceChanged::dead_time);
+  }
   void buy() {
     frmorder& order = main().market_order();
     order.cbsymbols.choose("EURUSD");
@@ -91,6 +100,8 @@ struct ClosingRig : GuiRig {
     run(500ms);
   }
   std::string line(const char* name) { return find<QLabel>(name).text().toStdString(); }
+  ElidedLabel& count() { return find<ElidedLabel>("marked_count"); }
+  std::string counted() { return count().text().toStdString(); }
   std::size_t open() { return main().trade().lvwOpenPos.size(); }
 
   frmClosePos& form;
@@ -109,10 +120,10 @@ TEST(ClosePositionsWindow, MarksByMouseAndKeyboard) {
   ClosingRig rig;
   RowListView& list = rig.list;
   ASSERT_EQ(list.rows().rowCount(), 12);
-  EXPECT_EQ(rig.line("marked_count"), "0 of 8 marked");
+  EXPECT_EQ(rig.counted(), "0 of 8 marked");
   click_cell(list, 1, status);
   EXPECT_EQ(rig.marked(), Places{1});
-  EXPECT_EQ(rig.line("marked_count"), "1 of 8 marked, 0.5 lots");
+  EXPECT_EQ(rig.counted(), "1 of 8 marked, 0.5 lots");
   click_cell(list, 3, frmClosePos::account);
   EXPECT_EQ(rig.marked(), (Places{1, 4, 5}));
   click_cell(list, 5, action);
@@ -157,7 +168,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   // While the button is down its row is freed, and one of the same account is made in its place.
   const OpenPosition other{.ticket = rig.ticket(3), .account = rig.account(3), .symbol = "EURUSD"};
   rig.form.Remove(other.ticket);
-  rig.screen.acted();
+  rig.run(0ms);
   const QPoint pressed = cell_point(list, 1, status);
   QTest::mousePress(list.viewport(), Qt::LeftButton, {}, pressed);
   rig.form.Remove(rig.ticket(1));
@@ -166,6 +177,19 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   EXPECT_EQ(rig.ticket(1), other.ticket);
   QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, pressed);
   EXPECT_EQ(rig.marked(), Places{});
+  // Nor by a click right after it has come under the pointer, while others have stood there for long.
+  const std::int64_t below = rig.ticket(3);
+  click_cell(list, 1, status);
+  EXPECT_EQ(rig.marked(), Places{});
+  rig.form.Remove(rig.ticket(2));
+  rig.screen.acted();
+  ASSERT_EQ(rig.ticket(2), below);
+  click_cell(list, 2, status);
+  EXPECT_EQ(rig.marked(), Places{});
+  rig.run(0ms);
+  click_cell(list, 2, status);
+  EXPECT_EQ(rig.marked(), (Places{3, 4, 5}));
+  click_cell(list, 2, status);
 
   // Rows of another choice are not selected, wherever they stand.
   list.selectAll();
@@ -237,7 +261,7 @@ TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
     return rig.list.delegate().ink(*rig.list.rows().row_at(place), frmClosePos::action);
   };
   QTest::mouseClick(&rig.find<QCheckBox>("chkAllClients"), Qt::LeftButton, {}, {8, 8});
-  EXPECT_EQ(rig.line("marked_count"), "8 of 8 marked, 4 lots");
+  EXPECT_EQ(rig.counted(), "8 of 8 marked, 4 lots");
   rig.find<QPushButton>("LblCheck").setFocus();
   QTest::keyClick(&rig.find<QPushButton>("LblCheck"), Qt::Key_Return);
   EXPECT_EQ(rig.asked(), Texts{sure_of_marked});
@@ -277,11 +301,11 @@ TEST(ClosePositionsWindow, FromSymbolToSymbol) {
   rig.window.activateWindow();
   rig.window.focus_symbol();
   std::string order;
-  for (int i = 0; i < 4; ++i) {
+  for (int i = 0; i < 5; ++i) {
     order += QApplication::focusWidget()->objectName().toStdString() + " ";
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
   }
-  EXPECT_EQ(order, "CloseSymbols chkAllClients MSH LblCheck ");
+  EXPECT_EQ(order, "CloseSymbols chkAllClients marked_only MSH LblCheck ");
 
   auto& next = rig.find<QPushButton>("next_block");
   EXPECT_FALSE(next.isVisible());
@@ -294,9 +318,78 @@ TEST(ClosePositionsWindow, FromSymbolToSymbol) {
   EXPECT_FALSE(next.isVisible());
   EXPECT_EQ(rig.find<QComboBox>("CloseSymbols").currentText(), QStringLiteral("EURUSD"));
   EXPECT_FALSE(rig.find<QLabel>("empty_hint").isVisible());
-  EXPECT_EQ(rig.line("marked_count"), "2 of 8 marked, 1 lots");
+  EXPECT_EQ(rig.counted(), "2 of 8 marked, 1 lots");
   const int head = rig.list.rows().place_of(rig.form.get_index(first + 1));
   EXPECT_EQ(rig.marked(), (Places{head + 1, head + 2}));
+}
+
+TEST(ClosePositionsWindow, TheCountIsWholeBesideTheNextSymbol) {
+  ClosingRig rig;
+  rig.form.take({{"EURUSD", {first, first + 1, first + 2, first + 3}}, {"GBPUSD", {first}}});
+  rig.screen.acted();
+  for (const int width : {1300, 1000, 800, 640, 480}) {
+    rig.window.resize(width, 500);
+    rig.screen.acted();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(rig.window.width(), width);
+    EXPECT_EQ(rig.counted(), "8 of 8 marked, 4 lots");
+    EXPECT_EQ(rig.count().toolTip(), QString{}) << width;
+  }
+  // What is cut, is cut in sight, and the tooltip has all of it.
+  rig.count().setFixedWidth(60);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(rig.count().toolTip().contains(QStringLiteral("lots")));
+}
+
+TEST(ClosePositionsWindow, MarkedOnlyHidesWhatTakesNoPart) {
+  ClosingRig rig;
+  RowListView& list = rig.list;
+  auto& only = rig.find<QCheckBox>("marked_only");
+  const auto keys = [&list] {
+    std::vector<RowKey> out;
+    for (int place = 0; place < list.rows().rowCount(); ++place)
+      out.push_back(list.rows().row_at(place)->key());
+    return out;
+  };
+  const auto key = [&rig](std::size_t row) { return rig.form.MSH.row(row).key(); };
+  using Keys = std::vector<RowKey>;
+  only.setFocus();
+  QTest::keyClick(&only, Qt::Key_Space);
+  EXPECT_EQ(keys(), Keys{});
+  EXPECT_TRUE(rig.find<QLabel>("empty_hint").isVisible());
+  EXPECT_EQ(rig.line("empty_hint"), "Nothing is marked");
+
+  QTest::keyClick(&only, Qt::Key_Space);
+  for (const int place : {2, 7, 8})
+    click_cell(list, place, status);
+  QTest::keyClick(&only, Qt::Key_Space);
+  EXPECT_EQ(keys(), (Keys{key(0), key(2), key(6), key(7), key(8)}));
+  // Prices go on in what is left, and the second of two quick clicks meets nothing that was hidden or moved.
+  rig.run(20s);
+  EXPECT_EQ(rig.painted(1, action), "Close At 1.0902");
+  click_cell(list, 3, status);
+  EXPECT_EQ(keys(), (Keys{key(0), key(2), key(6), key(8)}));
+  click_cell(list, 3, status);
+  EXPECT_EQ(keys(), (Keys{key(0), key(2), key(6), key(8)}));
+  // One goes by itself, and with it its account.
+  rig.close_elsewhere(1);
+  EXPECT_EQ(keys(), (Keys{key(5), key(7)}));
+  EXPECT_EQ(rig.marked(), Places{1});
+  EXPECT_EQ(rig.counted(), "1 of 7 marked, 0.5 lots");
+
+  // A hand-over brings marks of its own.
+  rig.form.take({{"EURUSD", {first + 1}}});
+  rig.screen.acted();
+  EXPECT_EQ(keys().size(), 3U);
+  EXPECT_EQ(rig.marked(), (Places{1, 2}));
+  rig.form.CloseSymbols.choose("GBPUSD");
+  rig.screen.acted();
+  EXPECT_EQ(rig.line("empty_hint"), "No connected account holds positions of GBPUSD");
+  rig.form.CloseSymbols.choose("EURUSD");
+  rig.screen.acted();
+  EXPECT_EQ(rig.line("empty_hint"), "Nothing is marked");
+  QTest::mouseClick(&only, Qt::LeftButton, {}, {8, 8});
+  EXPECT_EQ(list.rows().rowCount(), 11);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QClipboard>
 #include <QDockWidget>
 #include <QFile>
 #include <QLabel>
@@ -156,6 +157,43 @@ TEST_F(DesktopTest, HelpOpensOnThePaneInUse) {
   EXPECT_EQ(rig.main().help().topic(), "journal");
   EXPECT_TRUE(window->help().isVisible());
   window->help().close();
+}
+
+TEST_F(DesktopTest, CopyAndCloseTakeTheListThatHasTheKeyboard) {
+  frmorder& order = rig.main().market_order();
+  order.cbsymbols.choose("EURUSD");
+  order.txtammount.type("12");
+  order.CBdis.choose(0);
+  window->market_order().tick_all();
+  window->market_order().distribute();
+  window->market_order().buy();
+  rig.run(seconds{1});
+  press(Qt::Key_8, Qt::ControlModifier);
+  rig.run(milliseconds{10});
+  QAction& close = *window->commands().find(QStringLiteral("close_net"));
+  EXPECT_FALSE(close.isEnabled());
+  ASSERT_EQ(window->net_trade().list().rows().rowCount(), 1);
+  click_cell(window->net_trade().list(), 0, frmNetTrade::net);
+  rig.screen.acted();
+  EXPECT_TRUE(close.isEnabled());
+
+  RowListView& accounts = window->net_trade().accounts();
+  ASSERT_EQ(accounts.rows().rowCount(), 12);
+  click_cell(accounts, 2, frmNetTrade::account);
+  window->commands().find(QStringLiteral("copy"))->trigger();
+  EXPECT_EQ(QGuiApplication::clipboard()->text().section(QLatin1Char{'\t'}, 0, 0).toStdString(),
+            accounts.rows().row_at(2)->text(frmNetTrade::account));
+  rig.terminal.file_dialog.answer = (rig.terminal.home->path() / "out.csv").string();
+  window->commands().find(QStringLiteral("export"))->trigger();
+  EXPECT_TRUE(rig.terminal.home->read("out.csv").starts_with("Account,"));
+
+  // Handed over, the marks are safe from the next key.
+  close.trigger();
+  rig.run(milliseconds{10});
+  EXPECT_EQ(rig.main().close_positions().marked_count(), 1U);
+  EXPECT_EQ(QApplication::focusWidget(), &window->close_positions().list());
+  press(Qt::Key_0, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), QStringLiteral("CloseSymbols"));
 }
 
 }  // namespace

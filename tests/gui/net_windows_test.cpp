@@ -192,6 +192,16 @@ TEST_F(NetTradeTest, TheListsFillThePaneWhateverItsShape) {
       EXPECT_EQ(each->horizontalHeader()->length(), each->viewport()->width()) << size.width();
     EXPECT_GT(accounts.viewport()->height(), 4 * 22) << size.width();
   }
+  // Columns that had no room come back with widths of their own, also after one was dragged meanwhile.
+  window.resize(560, 900);
+  rig.screen.acted();
+  QCoreApplication::processEvents();
+  ASSERT_TRUE(list.isColumnHidden(frmNetTrade::bought_at));
+  list.horizontalHeader()->resizeSection(frmNetTrade::net, 70);
+  window.resize(1800, 900);
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(list.isColumnHidden(frmNetTrade::bought_at));
+  EXPECT_GT(list.columnWidth(frmNetTrade::bought_at), 40);
 }
 
 struct MatrixTest : NetTest {
@@ -248,6 +258,8 @@ TEST_F(MatrixTest, ADraggedBlockIsHandedOverPerSymbol) {
 
   click(0, gbp);
   EXPECT_EQ(line(), "No positions selected");
+  EXPECT_FALSE(close.isEnabled());
+  EXPECT_FALSE(window.can_close());
   window.close_selected();
   EXPECT_EQ(handed(), Blocks{});
 
@@ -261,11 +273,12 @@ TEST_F(MatrixTest, ADraggedBlockIsHandedOverPerSymbol) {
 }
 
 TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
-  QTest::mouseClick(&child<QPushButton>(list, "frozen_header"), Qt::LeftButton);
-  QTest::mouseClick(&child<QPushButton>(list, "frozen_header"), Qt::LeftButton);
+  QTest::mouseClick(&child<QAbstractButton>(list, "frozen_header"), Qt::LeftButton);
+  QTest::mouseClick(&child<QAbstractButton>(list, "frozen_header"), Qt::LeftButton);
   EXPECT_EQ(shown(list, NetMatrix::account), (std::vector<std::string>{"3", "2", "1"}));
   drag(at(0, gbp), at(1, gbp));
   const std::string before = line();
+  list.horizontalHeader()->resizeSection(eur, 123);
   QTest::mousePress(list.viewport(), Qt::LeftButton, Qt::ControlModifier, at(2, eur));
   hold(2, "USDJPY", 0.25, 1.0);
   hold(9, "USDJPY", 0.75, -1.0);
@@ -273,6 +286,14 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   QTest::mouseMove(list.viewport(), at(1, eur));
   QTest::mouseRelease(list.viewport(), Qt::LeftButton, Qt::ControlModifier, at(1, eur));
   rig.screen.acted();
+  // The same cells as before the columns changed, whatever stands under the mouse now.
+  EXPECT_EQ(line(), "3 accounts, 2 symbols, 2.5 lots net");
+  window.close_selected();
+  EXPECT_EQ(handed(), (Blocks{{"EURUSD", {1}}, {"GBPUSD", {2, 3}}}));
+  EXPECT_EQ(list.selectionModel()->selection().size(), 2);
+  EXPECT_EQ(shown(list, NetMatrix::account), (std::vector<std::string>{"9", "3", "2", "1"}));
+  EXPECT_EQ(list.rows().sort_order(), Qt::DescendingOrder);
+  EXPECT_EQ(list.columnWidth(eur), 123);
   EXPECT_EQ(list.rows().columnCount(), 5);
   EXPECT_EQ(list.horizontalHeader()->count(), 5);
   EXPECT_EQ(form.lvwNetMatrix.columns().back().header, "USDJPY");
