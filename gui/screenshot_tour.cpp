@@ -133,7 +133,11 @@ void ScreenshotTour::plan_orders() {
   picture("desktop_entry_order", [this] { return &window_; });
   for (const Pane& pane : window_.panes()) {
     then([] { return true; }, [this, name = pane.name] { window_.bring_up(name); });
-    if (pane.widget == &window_.close_positions()) then([] { return true; }, [this] { mark_positions(); });
+    if (pane.widget == &window_.close_positions()) {
+      then([] { return true; }, [this] { mark_positions(); });
+      const RowList& grid = main_.close_positions().MSH;
+      then([&grid] { return grid.size() < 2 || !grid.row(1).reads(frmClosePos::action, "Close"); }, [] {});
+    }
     picture(pane.name.toStdString().c_str(), [widget = pane.widget] { return widget; });
   }
   then([] { return true; },
