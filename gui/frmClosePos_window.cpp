@@ -48,6 +48,7 @@ FrmClosePosWindow::FrmClosePosWindow(frmClosePos& form, Screen& screen, const Cl
       answers_(new AnswersLine{"Nothing closed yet"}) {
   connect_list();
   list_->guard_clicks(clock);
+  form_.reveal = [this](const Row& row) { list_->go_to(row); };
   hint_->setTextFormat(Qt::PlainText);
 
   auto* column = new QVBoxLayout{this};
@@ -157,6 +158,7 @@ void FrmClosePosWindow::show_marked_only() {
     return;
   }
   const RowList& grid = form_.MSH;
+  const bool begins = !rows.filtered();
   if (!isVisible() || (rows.filtered() && filtered_stamp_ == grid.stamp())) return;
   filtered_stamp_ = grid.stamp();
   std::vector<RowKey> marks;
@@ -166,6 +168,7 @@ void FrmClosePosWindow::show_marked_only() {
   filtered_structure_ = grid.structure_stamp();
   filtered_marks_ = std::move(marks);
   rows.set_filter([this](const Row& row) { return takes_part(row); }, RowListModel::Asked::by_owner);
+  if (begins) list_->scrollToTop();
 }
 
 void FrmClosePosWindow::follow() {
@@ -175,6 +178,10 @@ void FrmClosePosWindow::follow() {
   // An answer may come without a change of the grid, one for a symbol that was left for example.
   if (stamp == seen_stamp_ && !answers_wait_) return;
   seen_stamp_ = stamp;
+  if (std::exchange(seen_symbol_, form_.CloseSymbols.text()) != form_.CloseSymbols.text() &&
+      form_.MSH.current() == nullptr) {
+    list_->scrollToTop();
+  }
   if (form_.MSH.empty()) {
     const std::string& symbol = form_.CloseSymbols.text();
     hint_->setText(symbol.empty() ? QStringLiteral("Choose a symbol")

@@ -58,6 +58,7 @@ class FrmClosePosWindow final : public QWidget {
   QLabel* hint_;
   AnswersLine* answers_;
   std::uint64_t seen_stamp_ = ~std::uint64_t{0};  // of the grid when the answers were counted last
+  std::string seen_symbol_;
   bool answers_wait_ = false;
   std::uint64_t filtered_stamp_ = 0;  // of the grid when the marks were looked at last
   std::uint64_t filtered_structure_ = 0;

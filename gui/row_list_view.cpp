@@ -187,9 +187,11 @@ bool RowListView::go_to(const Row& row) {
   settle();
   const int place = model_.place_of(&row);
   if (place < 0) return false;
-  selectionModel()->setCurrentIndex(model_.index(place, 0),
-                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-  scrollTo(model_.index(place, 0));
+  const QModelIndex index = model_.index(place, 0);
+  const bool in_sight = viewport()->rect().contains(visualRect(index));
+  selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  // Amid its neighbours, and still in sight should the list get smaller as it is brought up.
+  if (!in_sight) scrollTo(index, PositionAtCenter);
   return true;
 }
 

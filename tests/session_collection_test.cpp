@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <optional>
 
+#include "tests/support/scenario_desk.h"
 #include "tests/support/session_rig.h"
 
 namespace tutti::testing {
@@ -16,10 +16,8 @@ TEST(SessionCollection, The501stAccountIsRefused) {
     rig.add(i);
   EXPECT_EQ(rig.sessions.current(), rig.sessions.Item(1));
   EXPECT_EQ(rig.sessions.Add({"BOB", "", 501, {}}, "", true), nullptr);
-  ASSERT_EQ(rig.prompt.shown.size(), 1u);
-  EXPECT_EQ(rig.prompt.shown[0].text, "Maximum account number exceeded");
-  EXPECT_EQ(rig.prompt.shown[0].caption, "Alert");
-  EXPECT_EQ(rig.prompt.shown[0].buttons, "system");
+  EXPECT_EQ(rig.prompt.shown.at(0).caption + rig.prompt.shown[0].buttons, "Alertsystem");
+  EXPECT_EQ(rig.prompt.take_texts(), Texts{"Maximum account number exceeded"});
   EXPECT_EQ(rig.sessions.Count(), 500);
   rig.sessions.Remove("C1");
   EXPECT_EQ(rig.sessions.current(), rig.sessions.Item("C1"));
@@ -37,10 +35,8 @@ TEST(SessionCollection, The501stAccountIsRefused) {
 
 TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
   SessionRig rig;
-  const char* const states[] = {"Connected", "Connected", "Connecting", "Invalid account"};
   for (int i = 0; i < 4; ++i) {
     CClientAPIManager& session = rig.add(81 + i);
-    session.ClientListItem()->set_text(2, states[i]);
     session.ClientListItem()->set_text(4, "note " + std::to_string(81 + i));
     rig.during([&] { session.SummariesChanged({.balance = 1.0 + i}); });
   }
@@ -50,15 +46,12 @@ TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
   EXPECT_EQ(rig.general.totals.balance, 8.0);
   EXPECT_EQ(rig.sessions.by_account(82), nullptr);
   ASSERT_EQ(rig.windows.accounts.list.size(), 3u);
-  for (int number = 1; number <= 3; ++number) {
-    const int i = number == 1 ? 0 : number;
+  for (const auto& [number, account] : {std::pair{1, 81}, {2, 83}, {3, 84}}) {
     const CClientAPIManager* session = rig.sessions.Item("C" + std::to_string(number));
     ASSERT_NE(session, nullptr);
-    EXPECT_EQ(session->key(), number);
-    EXPECT_EQ(session->account(), 81 + i);
+    EXPECT_EQ(session->account(), account);
     EXPECT_EQ(rig.windows.accounts.list.find(client_key(number)), session->ClientListItem());
-    EXPECT_EQ(session->ClientListItem()->text(2), states[i]);
-    EXPECT_EQ(session->ClientListItem()->text(4), "note " + std::to_string(81 + i));
+    EXPECT_EQ(session->ClientListItem()->text(4), "note " + std::to_string(account));
   }
   for (const char* missing : {"C0", "C4", "S1", "C", ""})
     EXPECT_EQ(rig.sessions.Item(missing), nullptr) << missing;
@@ -67,7 +60,6 @@ TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
   rig.sessions.Remove("C3");
   rig.sessions.Remove("C1");
   EXPECT_EQ(rig.sessions.Item("C1")->account(), 83);
-  EXPECT_EQ(rig.windows.accounts.list.row(0).key().text(), "C1");
   EXPECT_EQ(rig.sessions.Item("C1")->ClientListItem(), &rig.windows.accounts.list.row(0));
 }
 
@@ -124,92 +116,77 @@ TEST(SessionCollection, RequestCodesAreReportedUnlessTheAccountIsInvalid) {
   }
 }
 
-class FanOut : public ::testing::Test {
- protected:
-  // A terminal with every account ticked for `lots` of EURUSD.
-  void prepare(const DealerConfig& config, const char* lots) {
-    terminal.emplace(config);
-    terminal->start_logged_in();
-    form = &terminal->main->market_order();
-    form->cbsymbols.choose("EURUSD");
-    for (Row& row : form->lvwConClients) {
-      row.set_checked(true);
-      row.set_text(frmorder::amount, lots);
-    }
-    form->Enableds(false);
-    terminal->sound.take();
-    terminal->take_messages();
+// Ticks every account for `lots` of EURUSD.
+frmorder& tick_all(ScenarioDesk& desk, const char* lots) {
+  frmorder& form = desk.main->market_order();
+  form.cbsymbols.choose("EURUSD");
+  for (Row& row : form.lvwConClients) {
+    row.set_checked(true);
+    row.set_text(frmorder::amount, lots);
   }
+  form.Enableds(false);
+  return form;
+}
 
-  std::optional<TestTerminal> terminal;
-  frmorder* form = nullptr;
-};
-
-TEST_F(FanOut, EveryAccountAnswersForItself) {
+TEST(FanOut, EveryAccountAnswersForItself) {
   DealerConfig config = DealerConfig::sample(8);
   config.accounts[1].hidden_symbols = {"EURUSD"};
   config.accounts[2].balance = 10.0;
   config.accounts[3].privilege = false;
   config.accounts[7].reply_request = 5;
-  prepare(config, "0.5");
-  form->lvwConClients.find(client_key(500'105))->set_checked(false);
-  form->lvwConClients.find(client_key(500'106))->set_text(frmorder::amount, "-1");
-  ASSERT_TRUE(terminal->server.drop(500'104));  // the news of it is still on its way
-  form->cmdsell.click();
-  EXPECT_EQ(form->requests_refused(), 4);
-  EXPECT_EQ(terminal->sound.take(), std::vector<std::string>(6, "OrderOk.wav"));
-  EXPECT_TRUE(terminal->prompt.shown.empty());
-  terminal->run(1s);
-  const char* const results[] = {"Market Order Accepted",
-                                 "Invalid Price",
-                                 "Not enough money",
-                                 "No Privilege ",
-                                 "no row",
-                                 "",
-                                 "Invalid Lots",
-                                 ""};
+  ScenarioDesk desk{config};
+  frmorder& form = tick_all(desk, "0.5");
+  desk.order_row(500'105)->set_checked(false);
+  desk.order_row(500'106)->set_text(frmorder::amount, "-1");
+  ASSERT_TRUE(desk.server.drop(500'104));  // the news of it is still on its way
+  form.cmdsell.click();
+  EXPECT_EQ(form.requests_refused(), 4);
+  EXPECT_EQ(desk.sound.take(), Texts(6, "OrderOk.wav"));
+  EXPECT_TRUE(desk.prompt.shown.empty());
+  desk.run(1s);
+  Texts results;
   for (std::int32_t i = 0; i < 8; ++i)
-    EXPECT_EQ(terminal->result(500'100 + i), results[i]) << i;
-  EXPECT_EQ(terminal->take_messages(), Heard{"account 500104 Session disconnected"});
-  Heard journal = terminal->journal();
-  std::sort(journal.begin(), journal.end());
+    results.push_back(desk.result(first + i));
+  EXPECT_EQ(results, (Texts{"Market Order Accepted", "Invalid Price", "Not enough money", "No Privilege ",
+                            "no row", "", "Invalid Lots", ""}));
+  EXPECT_EQ(desk.take_messages(), Texts{"account 500104 Session disconnected"});
+  Texts journal = sorted(desk.journal());
   ASSERT_EQ(journal.size(), 5u);
-  EXPECT_TRUE(journal[0].starts_with("500100 Order #"));
-  EXPECT_TRUE(journal[0].ends_with(" [SELL 0.5 EURUSD] has been accepted"));
-  EXPECT_EQ(Heard(journal.begin() + 1, journal.end()),
-            (Heard{"500101 Invalid Price", "500102 Not enough money", "500103 No Privilege ",
-                   "500106 Invalid Lots"}));
+  EXPECT_TRUE(journal[0].starts_with("500100 Order #") &&
+              journal[0].ends_with(" [SELL 0.5 EURUSD] has been accepted"));
+  journal.erase(journal.begin());
+  EXPECT_EQ(journal, (Texts{"500101 Invalid Price", "500102 Not enough money", "500103 No Privilege ",
+                            "500106 Invalid Lots"}));
 }
 
-TEST_F(FanOut, NobodyLoggedInIsSaidOnce) {
-  prepare(DealerConfig::sample(2), "1");
-  for (const std::int32_t account : {500'100, 500'101})
-    terminal->server.drop(account);
-  form->cmdbuy.click();
-  ASSERT_EQ(terminal->prompt.shown.size(), 1u);
-  EXPECT_EQ(terminal->prompt.shown[0].text, "No account selected");
-  EXPECT_EQ(terminal->prompt.shown[0].caption, "Alert");
-  EXPECT_EQ(terminal->prompt.shown[0].buttons, "OK");
-  EXPECT_TRUE(form->cmddis.enabled());
-  EXPECT_TRUE(terminal->sound.take().empty());
-  EXPECT_EQ(terminal->server.requests_in_flight(), 0u);
+TEST(FanOut, NobodyLoggedInIsSaidOnce) {
+  ScenarioDesk desk{DealerConfig::sample(2)};
+  frmorder& form = tick_all(desk, "1");
+  for (const std::int32_t account : {first, first + 1})
+    desk.server.drop(account);
+  form.cmdbuy.click();
+  EXPECT_EQ(desk.prompt.take_texts(), Texts{"No account selected"});
+  EXPECT_TRUE(form.cmddis.enabled());
+  EXPECT_EQ(desk.sound.take(), Texts{});
+  EXPECT_EQ(desk.server.requests_in_flight(), 0u);
 }
 
-TEST_F(FanOut, FiveHundredAccountsInOneOrder) {
-  prepare(DealerConfig::sample(500), "0.1");
-  ASSERT_EQ(form->lvwConClients.size(), 500u);
-  form->cmdbuy.click();
-  EXPECT_EQ(terminal->sound.take().size(), 500u);
-  terminal->run(1s);
-  for (std::int32_t i = 0; i < 500; ++i) {
-    const int kind = i < 12 ? 0 : i % 50;
-    const char* expected = kind == 12   ? "Invalid Price"
-                           : kind == 13 ? "Not enough money"
-                           : kind == 14 ? "No Privilege "
-                                        : "Market Order Accepted";
-    EXPECT_EQ(terminal->result(500'100 + i), expected) << i;
-  }
-  EXPECT_EQ(terminal->journal().size(), 500u);
+TEST(FanOut, FiveHundredAccountsInOneOrder) {
+  ScenarioDesk desk{DealerConfig::sample(500)};
+  frmorder& form = tick_all(desk, "0.1");
+  ASSERT_EQ(form.lvwConClients.size(), 500u);
+  form.cmdbuy.click();
+  EXPECT_EQ(desk.sound.take().size(), 500u);
+  desk.run(1s);
+  std::map<std::string, int> results;
+  for (std::int32_t i = 0; i < 500; ++i)
+    ++results[desk.result(first + i)];
+  // Of each fifty but the first, one account each has no symbol, money or privilege.
+  EXPECT_EQ(results, (std::map<std::string, int>{{"Market Order Accepted", 470},
+                                                 {"Invalid Price", 10},
+                                                 {"Not enough money", 10},
+                                                 {"No Privilege ", 10}}));
+  EXPECT_EQ(desk.journal().size(), 500u);
 }
 
 }  // namespace

@@ -14,10 +14,6 @@ using namespace std::chrono_literals;
 constexpr std::int32_t codes[] = {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 99, 100, 101};
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-Heard sorted(Heard lines) {
-  std::sort(lines.begin(), lines.end());
-  return lines;
-}
 // Order and ticket are number 12 throughout, the account is 81.
 const std::string in_journal = "journal 81: ", in_pending = "pending 12: ", in_market = "market 81: ";
 const std::string in_entry = "entry 81: ", in_close = "close 12: ", box = "Alert: ";
@@ -296,15 +292,12 @@ TEST_F(SessionEvents, StatesOfTheAccountsRow) {
     row.set_text(column, "x");
   during([&] { sink.ConnectionState(false); });
   row_reads("Disconnected", Ink::red);
-  EXPECT_EQ(cell(3) + cell(4), "xx");
-  for (std::size_t column = 5; column < 12; ++column)
-    EXPECT_EQ(cell(column), "") << column;
+  EXPECT_EQ(row_text(row), "||Disconnected|x|x|||||||");
   row.set_ink(2, Ink::white);
   during([&] { sink.SessionDisconnected(); });
   row_reads("Disconnected", Ink::red);
   EXPECT_TRUE(during([&] { sink.InvalidUsernamePassword(); }).empty());
   row_reads("Invalid account", Ink::red);
-  EXPECT_EQ(cell(4), "Invalid username or password");
 }
 
 TEST_F(SessionEvents, TotalsFollowSummariesAndDisconnections) {
@@ -401,9 +394,6 @@ TEST_F(SessionEvents, LoadedDataOfAnUnknownAccountMarkItsRow) {
   EXPECT_EQ(during([&] { sink.AllDataAreLoaded(); }),
             sorted({"sound Connect.WAV", "pending removes 81", in_journal + "81 is invalid account",
                     "accounts selects C1"}));
-  EXPECT_EQ(cell(2), "Invalid account");
-  EXPECT_EQ(ink(), Ink::red);
-  EXPECT_EQ(cell(4), "Invalid account ID");
 }
 
 TEST_F(SessionEvents, SymbolsAndPricesGoWhereTheyAreShown) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QTest>
@@ -12,6 +15,19 @@
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
+
+// Shows a window at a size and waits until it is laid out.
+inline void show(QWidget& window, QSize size = {900, 600}) {
+  window.resize(size);
+  window.show();
+  QCoreApplication::processEvents();
+}
+
+// A part of a window by the name of the form's control.
+template <class W = QWidget>
+W& part(const QWidget& window, const char* name) {
+  return *window.findChild<W*>(QString::fromLatin1(name));
+}
 
 // A whole terminal with a screen, under the clock that is turned by hand.
 class GuiRig {
@@ -27,17 +43,51 @@ class GuiRig {
     screen.acted();
     QCoreApplication::processEvents();
   }
+  // The boxes that were shown since the last call.
+  Texts asked() { return terminal.prompt.take_texts(); }
+  // A market order for all accounts, in equal parts.
+  void distribute(const char* lots) {
+    frmorder& order = main().market_order();
+    order.cbsymbols.choose("EURUSD");
+    order.CBdis.choose(0);
+    order.txtammount.set_text("");
+    order.txtammount.type(lots);
+    if (!order.chkAllClients.checked()) order.chkAllClients.click();
+    order.cmddis.click();
+    screen.acted();
+  }
+  void buy(const char* lots) {
+    distribute(lots);
+    main().market_order().cmdbuy.click();
+  }
+
+  // Of the window that is tested.
+  template <class W = QWidget>
+  W& find(const char* name) {
+    return part<W>(*tested, name);
+  }
+  std::string line(const char* name) { return find<QLabel>(name).text().toStdString(); }
+  std::string caption(const char* name) { return find<QAbstractButton>(name).text().toStdString(); }
+  void click(const char* name) { QTest::mouseClick(&find(name), Qt::LeftButton); }
+  // Keys for the widget that has the keyboard within the window.
+  void key(Qt::Key key) { QTest::keyClick(tested->focusWidget(), key); }
+  void keys(const std::string& text) {
+    QTest::keyClicks(tested->focusWidget(), QString::fromStdString(text));
+  }
+  // Names of the widgets that Tab leaves, one after another.
+  std::string tab(int times) {
+    std::string way;
+    for (int i = 0; i < times; ++i) {
+      way += tested->focusWidget()->objectName().toStdString() + " ";
+      key(Qt::Key_Tab);
+    }
+    return way;
+  }
 
   TestTerminal terminal;
   Screen screen;
+  QWidget* tested = nullptr;  // set by who has it
 };
-
-// Shows a window at a size and waits until it is laid out.
-inline void show(QWidget& window, QSize size = {900, 600}) {
-  window.resize(size);
-  window.show();
-  QCoreApplication::processEvents();
-}
 
 // Middle of a cell on the view's viewport.
 inline QPoint cell_point(const RowListView& view, int place, int column) {
@@ -54,9 +104,32 @@ inline void click_tick(RowListView& view, int place) {
   QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, {cell.left() + 14, cell.center().y()});
 }
 
+inline void click_header(RowListView& view, int column) {
+  QTest::mouseClick(view.horizontalHeader()->viewport(), Qt::LeftButton, {},
+                    {view.columnViewportPosition(column) + 20, 8});
+}
+
 inline void double_click_cell(RowListView& view, int place, int column) {
   click_cell(view, place, column);
   QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, cell_point(view, place, column));
+}
+
+// The texts of a column as they are shown, from the top.
+inline Texts shown(const RowListModel& model, std::size_t column) {
+  Texts out;
+  for (int place = 0; place < model.rowCount(); ++place)
+    out.push_back(model.row_at(place)->text(column));
+  return out;
+}
+
+// Keys go to the widget that has the keyboard; between a box and its window that is nobody for a moment.
+inline void press(Qt::Key key, Qt::KeyboardModifiers with = {}) {
+  QCoreApplication::processEvents();
+  QTest::keyClick(QApplication::focusWidget(), key, with);
+}
+
+inline void type(const char* text) {
+  QTest::keyClicks(QApplication::focusWidget(), QString::fromLatin1(text));
 }
 
 // Does something to the next modal box once it has the keyboard; to be called before what opens the box.

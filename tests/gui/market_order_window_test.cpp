@@ -1,11 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
 #include <QClipboard>
-#include <QComboBox>
-#include <QLabel>
-#include <QProgressBar>
-#include <QPushButton>
 
 #include "core/numbers.h"
 #include "gui/frmMW_window.h"
@@ -23,38 +18,35 @@ struct OrderWindowRig : GuiRig {
       : GuiRig(DealerConfig::sample(accounts)),
         form(main().market_order()),
         window(form, main().symbols(), screen) {
+    tested = &window;
     show(window, {420, 700});
     run(50ms);
   }
 
-  template <class W>
-  W& find(const char* name) {
-    return *window.findChild<W*>(QString::fromLatin1(name));
-  }
-  void click(const char* button) { QTest::mouseClick(&find<QAbstractButton>(button), Qt::LeftButton); }
-  void key(QWidget& widget, Qt::Key key) { QTest::keyClick(&widget, key); }
   RowListView& list() { return window.list(); }
   QLineEdit& amount() { return find<QLineEdit>("txtammount"); }
-  std::string line(const char* name) { return find<QLabel>(name).text().toStdString(); }
   // By the keyboard: symbol and rule from their lists, then the amount.
-  void enter(const char* text, const char* symbol_start = "EURU") {
-    find<QComboBox>("cbsymbols").setFocus();
-    QTest::keyClicks(&find<QComboBox>("cbsymbols"), QString::fromLatin1(symbol_start));
-    key(find<QComboBox>("CBdis"), Qt::Key_Down);
+  void enter(const char* text) {
+    find("cbsymbols").setFocus();
+    keys("EURU");
+    QTest::keyClick(&find("CBdis"), Qt::Key_Down);
     QTest::keyClicks(&amount(), QString::fromLatin1(text));
   }
   // Which of Distribute, Sell and Buy can be pressed.
   std::string available() {
-    return std::string{find<QWidget>("cmddis").isEnabled() ? "D" : ""} +
-           (find<QWidget>("cmdsell").isEnabled() ? "S" : "") +
-           (find<QWidget>("cmdbuy").isEnabled() ? "B" : "");
+    std::string out;
+    for (const char* name : {"cmddis", "cmdsell", "cmdbuy"})
+      out += find(name).isEnabled() ? caption(name)[0] : '-';
+    return out;
   }
-  // Lots of all positions that an account has at the server.
-  std::vector<double> positions(std::size_t account) {
-    std::vector<double> out;
-    const std::int32_t number = terminal.server.config().accounts[account].number;
-    for (const Row& row : main().trade().lvwOpenPos) {
-      if (row.text(1) == std::to_string(number)) out.push_back(row.cell(4).number());
+  // "side lots" of every account's positions, in the order of the list.
+  Texts positions() {
+    Texts out;
+    for (const Row& account : form.lvwConClients) {
+      out.emplace_back();
+      for (const Row& row : main().trade().lvwOpenPos)
+        if (row.text(frmTrade::account) == account.text(0))
+          out.back() += row.text(frmTrade::type) + " " + row.text(frmTrade::amount);
     }
     return out;
   }
@@ -65,10 +57,9 @@ struct OrderWindowRig : GuiRig {
 
 TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {
   OrderWindowRig rig;
-  EXPECT_EQ(rig.available(), "D");
+  EXPECT_EQ(rig.caption("cmddis") + rig.caption("cmdbuy") + rig.caption("cmdsell"), "Distribute BuySell");
+  EXPECT_EQ(rig.available(), "D--");
   rig.enter("1.2.3x");
-  EXPECT_EQ(rig.form.symbol(), "EURUSD");
-  EXPECT_EQ(rig.form.CBdis.index(), 0);
   EXPECT_EQ(rig.amount().text(), QStringLiteral("1.23"));
   QGuiApplication::clipboard()->setText(QStringLiteral("12,5a"));
   rig.amount().selectAll();
@@ -83,58 +74,40 @@ TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {
 
   click_tick(rig.list(), 0);
   click_cell(rig.list(), 1, 1);
-  rig.key(rig.list(), Qt::Key_Space);
+  rig.key(Qt::Key_Space);
   click_tick(rig.list(), 2);
-  EXPECT_EQ(rig.form.lvwConClients.checked_count(), 3U);
 
   // Enter distributes, and never sends.
   rig.amount().setFocus();
-  rig.key(rig.amount(), Qt::Key_Return);
-  EXPECT_EQ(rig.available(), "SB");
+  rig.key(Qt::Key_Return);
+  EXPECT_EQ(rig.available(), "-SB");
   EXPECT_EQ(rig.line("shares_line"), "Shares 1.2 of 1.2 lots");
-  rig.key(rig.amount(), Qt::Key_Return);
-  EXPECT_EQ(rig.available(), "SB");
+  rig.key(Qt::Key_Return);
+  EXPECT_EQ(rig.available(), "-SB");
 
   double_click_cell(rig.list(), 1, 1);
-  auto& editor = rig.find<QLineEdit>("txtLvw");
-  ASSERT_TRUE(editor.isVisible());
-  QTest::keyClicks(&editor, QStringLiteral("0x.5"));
-  rig.key(editor, Qt::Key_Return);
-  EXPECT_FALSE(editor.isVisible());
-  EXPECT_EQ(rig.form.lvwConClients.row(1).text(1), "0.5");
+  rig.keys("0x.5");
+  rig.key(Qt::Key_Return);
+  EXPECT_FALSE(rig.find("txtLvw").isVisible());
   EXPECT_EQ(rig.line("shares_line"), "Shares 1.3 of 1.2 lots, difference +0.1");
 
   rig.click("filter_waiting");
-  QPushButton& buy = rig.find<QPushButton>("cmdbuy");
+  auto& buy = rig.find("cmdbuy");
   QTest::mouseClick(&buy, Qt::LeftButton);
   QTest::mouseDClick(&buy, Qt::LeftButton);
   rig.window.buy();
-  EXPECT_EQ(rig.available(), "D");
+  EXPECT_EQ(rig.available(), "D--");
   EXPECT_EQ(rig.line("answers_line"), "3 waiting");
   EXPECT_EQ(rig.list().rows().rowCount(), 3);
-  EXPECT_TRUE(rig.find<QProgressBar>("answers_progress").isVisible());
   rig.run(1s);
   EXPECT_EQ(rig.line("answers_line"), "3 accepted; 3 ticked accounts are not shown");
-  EXPECT_FALSE(rig.find<QProgressBar>("answers_progress").isVisible());
-  double lots = 0.0;
-  std::size_t orders = 0;
-  for (std::size_t account = 0; account < 4; ++account) {
-    EXPECT_LE(rig.positions(account).size(), 1U);
-    for (const double each : rig.positions(account)) {
-      lots += each;
-      ++orders;
-    }
-  }
-  EXPECT_EQ(orders, 3U);
-  EXPECT_DOUBLE_EQ(lots, 1.3);
+  EXPECT_EQ(rig.positions(), (Texts{"Buy 0.4", "Buy 0.5", "Buy 0.4", ""}));
 }
 
 TEST(MarketOrderWindow, AHeldKeySendsOnce) {
   OrderWindowRig rig;
-  rig.enter("0.4");
-  rig.click("chkAllClients");
-  rig.click("cmddis");
-  QPushButton& buy = rig.find<QPushButton>("cmdbuy");
+  rig.distribute("0.4");
+  auto& buy = rig.find("cmdbuy");
   buy.setFocus();
   QTest::keyPress(&buy, Qt::Key_Space);
   for (int i = 0; i < 5; ++i) {
@@ -142,29 +115,21 @@ TEST(MarketOrderWindow, AHeldKeySendsOnce) {
     QTest::simulateEvent(&buy, false, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "), true);
   }
   QTest::keyRelease(&buy, Qt::Key_Space);
-  rig.key(buy, Qt::Key_Space);
-  rig.key(buy, Qt::Key_Return);
+  QTest::keyClick(&buy, Qt::Key_Return);
   rig.run(1s);
-  for (std::size_t account = 0; account < 4; ++account)
-    EXPECT_EQ(rig.positions(account), std::vector<double>{0.1});
+  EXPECT_EQ(rig.positions(), Texts(4, "Buy 0.1"));
 }
 
 TEST(MarketOrderWindow, TabGoesTheWayOfAnOrder) {
   OrderWindowRig rig;
-  rig.click("chkAllClients");
+  rig.click("LblCheck");
+  EXPECT_TRUE(rig.find<QAbstractButton>("chkAllClients").isChecked());
   rig.enter("0.4");
-  rig.find<QWidget>("cbsymbols").setFocus();
-  std::string way;
-  const auto follow = [&](int steps) {
-    for (int i = 0; i < steps; ++i) {
-      way += rig.window.focusWidget()->objectName().toStdString() + " ";
-      rig.key(*rig.window.focusWidget(), Qt::Key_Tab);
-    }
-  };
-  follow(4);
+  rig.find("cbsymbols").setFocus();
+  std::string way = rig.tab(4);
   rig.window.distribute();
   rig.list().setFocus();
-  follow(3);
+  way += rig.tab(3);
   EXPECT_EQ(way, "cbsymbols txtammount CBdis cmddis lvwConClients cmdsell cmdbuy ");
   rig.window.focus_amount();
   EXPECT_EQ(rig.amount().selectedText(), QStringLiteral("0.4"));
@@ -177,7 +142,6 @@ TEST(MarketOrderWindow, FiltersFollowTheAnswers) {
     rig.click(name);
     return rig.list().rows().rowCount();
   };
-  const auto caption = [&](const char* name) { return rig.find<QAbstractButton>(name).text().toStdString(); };
   rig.enter("60");
   rig.click("chkAllClients");
   EXPECT_EQ(filter("filter_ticked"), 59);
@@ -187,66 +151,38 @@ TEST(MarketOrderWindow, FiltersFollowTheAnswers) {
   rig.click("cmdsell");
   const int sent = rig.list().rows().rowCount();
   EXPECT_GT(sent, 50);
-  EXPECT_EQ(caption("filter_waiting"), "Waiting " + std::to_string(sent));
+  EXPECT_EQ(rig.caption("filter_waiting"), "Waiting " + std::to_string(sent));
   rig.run(1s);
   EXPECT_EQ(rig.list().rows().rowCount(), 0);
   const int refused = filter("filter_refused");
-  EXPECT_EQ(caption("filter_refused"), "Refused " + std::to_string(refused));
+  EXPECT_EQ(rig.caption("filter_refused"), "Refused " + std::to_string(refused));
   ASSERT_GT(refused, 0);
   for (int place = 0; place < refused; ++place)
     EXPECT_NE(rig.list().rows().row_at(place)->text(2), "Market Order Accepted");
   EXPECT_EQ(filter("filter_all"), 60);
 }
 
-TEST(MarketOrderWindow, AnAccountGoesWhileItsShareIsEdited) {
+TEST(MarketOrderWindow, WhatStandsInTheEditorIsSentAndGivenUpByANewDistribution) {
   OrderWindowRig rig;
-  rig.enter("0.4");
-  rig.click("chkAllClients");
-  rig.click("cmddis");
+  rig.distribute("0.4");
   click_cell(rig.list(), 1, 0);
-  rig.key(rig.list(), Qt::Key_F3);
-  auto& editor = rig.find<QLineEdit>("txtLvw");
-  ASSERT_TRUE(editor.isVisible());
-  QTest::keyClicks(&editor, QStringLiteral("9"));
-  rig.form.remove_account(static_cast<std::int32_t>(rig.form.lvwConClients.row(1).key().number()));
-  rig.screen.acted();
-  EXPECT_FALSE(editor.isVisible());
-  ASSERT_EQ(rig.form.lvwConClients.size(), 3U);
-  for (const Row& row : rig.form.lvwConClients)
-    EXPECT_EQ(row.text(1), "0.1");
-
-  // By command: what stands in the editor is sent, and given up by a new distribution.
-  click_cell(rig.list(), 0, 0);
-  rig.key(rig.list(), Qt::Key_Return);
-  QTest::keyClicks(&editor, QStringLiteral("0.3"));
+  rig.key(Qt::Key_Return);
+  rig.keys("0.3");
   rig.window.sell();
-  EXPECT_EQ(rig.form.lvwConClients.row(0).text(1), "0.3");
   rig.run(1s);
+  EXPECT_EQ(rig.positions(), (Texts{"Sell 0.1", "Sell 0.3", "Sell 0.1", "Sell 0.1"}));
   rig.list().setFocus();
-  rig.key(rig.list(), Qt::Key_F3);
-  QTest::keyClicks(&editor, QStringLiteral("7"));
+  rig.key(Qt::Key_F3);
+  rig.keys("7");
   rig.window.distribute();
-  EXPECT_FALSE(editor.isVisible());
-  EXPECT_NE(rig.form.lvwConClients.row(0).text(1), "7");
-}
-
-TEST(MarketOrderWindow, ShowsWhatTheFormSays) {
-  OrderWindowRig rig;
-  const auto caption = [&](const char* name) { return rig.find<QAbstractButton>(name).text().toStdString(); };
-  EXPECT_EQ(caption("cmddis") + caption("cmdbuy") + caption("cmdsell"), "Distribute BuySell");
-  EXPECT_FALSE(rig.find<QWidget>("txtEditPrice").isVisible());
-  QTest::mouseClick(&rig.find<QLabel>("LblCheck"), Qt::LeftButton);
-  EXPECT_TRUE(rig.find<QCheckBox>("chkAllClients").isChecked());
-  EXPECT_EQ(rig.line("LblCheck"), "Uncheck All");
-  EXPECT_EQ(rig.form.lvwConClients.checked_count(), 4U);
-  rig.click("cmddis");
-  EXPECT_EQ(rig.available(), "D");
+  EXPECT_FALSE(rig.find("txtLvw").isVisible());
+  EXPECT_EQ(shown(rig.list().rows(), frmorder::amount), Texts(4, "0.1"));
 }
 
 TEST(MarketOrderWindow, PricesFollowTheSymbol) {
   OrderWindowRig rig{1};
-  auto& bid = static_cast<PriceLabel&>(rig.find<QWidget>("quote_bid"));
-  auto& ask = static_cast<PriceLabel&>(rig.find<QWidget>("buy_price"));
+  auto& bid = static_cast<PriceLabel&>(rig.find("quote_bid"));
+  auto& ask = static_cast<PriceLabel&>(rig.find("buy_price"));
   EXPECT_TRUE(bid.text().isEmpty());
 
   FrmMWWindow watch{rig.main().market_watch(), rig.screen};
@@ -270,7 +206,7 @@ TEST(MarketOrderWindow, PricesFollowTheSymbol) {
     EXPECT_EQ(ask.ink(), Ink::plain);
   }
   click_cell(watch.list(), 1, 0);
-  rig.key(watch.list(), Qt::Key_Return);
+  QTest::keyClick(&watch.list(), Qt::Key_Return);
   EXPECT_EQ(rig.form.symbol(), watch.list().rows().row_at(1)->text(0));
   EXPECT_EQ(bid.ink(), Ink::plain);
 }

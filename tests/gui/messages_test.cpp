@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QLineEdit>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QTextEdit>
 
@@ -14,11 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What Qt delivers a key to: the widget with the focus.
-void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-  QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-}
-
 std::string text_of(const QWidget& box) {
   return box.findChild<QTextEdit*>()->toPlainText().toStdString();
 }
@@ -26,9 +19,17 @@ std::string text_of(const QWidget& box) {
 struct MessagesTest : ::testing::Test {
   MessagesTest() {
     prompt.set_parent(&window);
+    rig.terminal.prompt.screen = &prompt;
     show(window, {400, 200});
     window.activateWindow();
     edit.setFocus();
+  }
+  // How many stand on the screen.
+  int boxes() {
+    int count = 0;
+    for (const QWidget* each : QApplication::topLevelWidgets())
+      count += each->isVisible() && each != &window ? 1 : 0;
+    return count;
   }
 
   GuiRig rig{DealerConfig::sample(2)};
@@ -38,12 +39,11 @@ struct MessagesTest : ::testing::Test {
 };
 
 TEST_F(MessagesTest, AQuestionIsAnsweredByKeysAndClicks) {
-  struct Case {
+  const struct {
     const char* name;
     std::function<void(QWidget& box)> act;
     bool yes;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"Esc", [](QWidget&) { press(Qt::Key_Escape); }, false},
       {"frame", [](QWidget& box) { box.close(); }, false},
       {"Enter, No having the focus", [](QWidget&) { press(Qt::Key_Return); }, false},
@@ -58,31 +58,17 @@ TEST_F(MessagesTest, AQuestionIsAnsweredByKeysAndClicks) {
        true},
       {"second click of a double-click on what opened it",
        [](QWidget& box) {
-         QWidget& yes = *box.findChild<QPushButton*>(QStringLiteral("cmd1"));
-         for (const auto type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
-           const QPointF at = yes.rect().center();
-           QMouseEvent event{type,
-                             at,
-                             yes.mapToGlobal(at),
-                             Qt::LeftButton,
-                             type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
-                             {}};
-           QApplication::sendEvent(&yes, &event);
-         }
+         QTest::mouseDClick(&part(box, "cmd1"), Qt::LeftButton);
+         QTest::mouseRelease(&part(box, "cmd1"), Qt::LeftButton);
          if (box.isVisible()) press(Qt::Key_Escape);
        },
        false},
-      {"click on Yes",
-       [](QWidget& box) {
-         QTest::mouseClick(box.findChild<QPushButton*>(QStringLiteral("cmd1")), Qt::LeftButton);
-       },
-       true},
+      {"click on Yes", [](QWidget& box) { QTest::mouseClick(&part(box, "cmd1"), Qt::LeftButton); }, true},
   };
-  rig.terminal.prompt.screen = &prompt;
   int followed = 0;
   CQuestionBox& question = rig.main().question_box();
   question.on_yes[0] = [&] { ++followed; };
-  for (const Case& each : cases) {
+  for (const auto& each : cases) {
     SCOPED_TRACE(each.name);
     followed = 0;
     when_modal(each.act);
@@ -94,15 +80,12 @@ TEST_F(MessagesTest, AQuestionIsAnsweredByKeysAndClicks) {
 }
 
 TEST_F(MessagesTest, TheQuestionIsGoneBeforeItsFollowUpShowsTheNextBox) {
-  rig.terminal.prompt.screen = &prompt;
   CQuestionBox& question = rig.main().question_box();
   std::string second;
-  int shown = 0;
   question.on_yes[0] = [&] {
     when_modal([&](QWidget& box) {
       second = text_of(box);
-      for (const QWidget* each : QApplication::topLevelWidgets())
-        shown += each->isVisible() && each->isModal() ? 1 : 0;
+      EXPECT_EQ(boxes(), 1);
       press(Qt::Key_Return);
     });
     rig.main().general().message_box("  three orders were refused");
@@ -110,11 +93,9 @@ TEST_F(MessagesTest, TheQuestionIsGoneBeforeItsFollowUpShowsTheNextBox) {
   when_modal([](QWidget&) { press(Qt::Key_Y); });
   question.Show(1, "Close all?");
   EXPECT_EQ(second, "  three orders were refused");
-  EXPECT_EQ(shown, 1);
 }
 
 TEST_F(MessagesTest, AQuestionThatEndsByItselfIsTakenOffTheScreen) {
-  rig.terminal.prompt.screen = &prompt;
   CQuestionBox& question = rig.main().question_box();
   question.on_yes[0] = [] { FAIL() << "nobody said yes"; };
   when_modal([&](QWidget&) {
@@ -126,7 +107,6 @@ TEST_F(MessagesTest, AQuestionThatEndsByItselfIsTakenOffTheScreen) {
 }
 
 TEST_F(MessagesTest, SureRemovesAllOnYesOnly) {
-  rig.terminal.prompt.screen = &prompt;
   const RowList& list = rig.main().accounts().lvwClients;
   for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Y}) {
     when_modal([key](QWidget& box) {
@@ -168,7 +148,6 @@ TEST_F(QueueTest, DropsShowOneBoxThatLeavesTheFocusAlone) {
   EXPECT_FALSE(messages.window().button(all).isEnabled());
   click(ok);
   EXPECT_FALSE(open());
-  EXPECT_EQ(rig.main().messages().current(), nullptr);
   QCoreApplication::processEvents();
   EXPECT_EQ(QApplication::focusWidget(), &edit);
 }
@@ -179,10 +158,7 @@ TEST_F(QueueTest, HundredsAreDismissedTogether) {
     queue.post({"account " + std::to_string(i) + " Session disconnected", "Session Disconnected", "OK", ""});
   rig.run(10ms);
   rig.run(300ms);
-  int boxes = 0;
-  for (const QWidget* each : QApplication::topLevelWidgets())
-    boxes += each->isVisible() && each != &window ? 1 : 0;
-  EXPECT_EQ(boxes, 1);
+  EXPECT_EQ(boxes(), 1);
 
   click(ok);
   EXPECT_EQ(text(), "account 1 Session disconnected");

@@ -4,10 +4,6 @@
 
 #include <QAbstractItemModelTester>
 #include <QClipboard>
-#include <QComboBox>
-#include <QHeaderView>
-#include <QLabel>
-#include <QPushButton>
 #include <QScrollBar>
 
 #include "gui/elided_label.h"
@@ -21,32 +17,18 @@
 namespace tutti::testing {
 namespace {
 
+using namespace std::chrono_literals;
 using Blocks = std::vector<std::pair<std::string, std::vector<std::int32_t>>>;
-
-template <class W>
-W& child(const QWidget& window, const char* name) {
-  return *window.findChild<W*>(QString::fromLatin1(name));
-}
-
-std::vector<std::string> shown(RowListView& view, std::size_t column) {
-  std::vector<std::string> out;
-  for (int place = 0; place < view.rows().rowCount(); ++place)
-    out.push_back(view.rows().row_at(place)->text(column));
-  return out;
-}
 
 struct NetTest : ::testing::Test {
   // Lots below 0 are sold.
   void hold(std::int32_t account, const char* symbol, double lots, double profit) {
-    OpenPosition position;
-    position.ticket = ++ticket;
-    position.account = account;
-    position.symbol = symbol;
-    position.side = lots > 0.0 ? operation::buy : operation::sell;
-    position.amount = std::abs(lots);
-    position.open_price = 1.25;
-    position.floating_pl = profit;
-    book.position_added(position);
+    book.position_added({.ticket = ++ticket,
+                         .account = account,
+                         .side = lots > 0.0 ? operation::buy : operation::sell,
+                         .symbol = symbol,
+                         .amount = std::abs(lots),
+                         .floating_pl = profit});
   }
   void hold_some() {
     hold(1, "EURUSD", 1.0, 10.0);
@@ -54,14 +36,12 @@ struct NetTest : ::testing::Test {
     hold(2, "EURUSD", -2.0, 3.0);
     hold(2, "GBPUSD", -1.5, 7.0);
     hold(3, "GBPUSD", 3.0, -1.25);
-    rig.screen.acted();
-    QCoreApplication::processEvents();
+    rig.run(0ms);
   }
-  std::function<void(std::vector<PositionBlock>)> recorder() {
-    return [this](std::vector<PositionBlock> blocks) {
-      for (PositionBlock& block : blocks)
-        handed_over.emplace_back(std::move(block.symbol), std::move(block.accounts));
-    };
+  // What a form hands over.
+  void take(std::vector<PositionBlock> blocks) {
+    for (PositionBlock& block : blocks)
+      handed_over.emplace_back(std::move(block.symbol), std::move(block.accounts));
   }
   Blocks handed() { return std::exchange(handed_over, {}); }
 
@@ -73,30 +53,25 @@ struct NetTest : ::testing::Test {
 
 struct NetTradeTest : NetTest {
   NetTradeTest() {
-    form.close = recorder();
+    form.close = [this](auto blocks) { take(std::move(blocks)); };
     show(window, {1100, 280});
   }
   frmNetTrade& form = rig.main().net_trade();
   FrmNetTradeWindow window{form, rig.screen};
   RowListView& list = window.list();
   RowListView& accounts = window.accounts();
-  ExposureBars& bars = child<ExposureBars>(window, "exposure_bars");
-  TotalRow& total = child<TotalRow>(window, "total");
-  QPushButton& close = child<QPushButton>(window, "close_accounts");
+  ExposureBars& bars = part<ExposureBars>(window, "exposure_bars");
+  TotalRow& total = part<TotalRow>(window, "total");
+  QWidget& close = part(window, "close_accounts");
 };
 
 TEST_F(NetTradeTest, ASymbolShowsItsAccountsAndHandsThemOver) {
-  auto& hint = child<QLabel>(list, "empty_hint");
-  rig.screen.acted();
-  EXPECT_TRUE(hint.isVisible());
   EXPECT_FALSE(close.isEnabled());
   hold_some();
-  EXPECT_FALSE(hint.isVisible());
-  EXPECT_EQ(shown(list, frmNetTrade::symbol), (std::vector<std::string>{"EURUSD", "GBPUSD"}));
+  EXPECT_EQ(shown(list.rows(), frmNetTrade::symbol), (Texts{"EURUSD", "GBPUSD"}));
 
   click_cell(list, 0, frmNetTrade::net);
-  EXPECT_EQ(shown(accounts, frmNetTrade::account), (std::vector<std::string>{"1", "2"}));
-  EXPECT_EQ(shown(accounts, frmNetTrade::of_net), (std::vector<std::string>{"1", "-1.5"}));
+  EXPECT_EQ(shown(accounts.rows(), frmNetTrade::account), (Texts{"1", "2"}));
   double_click_cell(accounts, 1, frmNetTrade::of_net);
   EXPECT_EQ(handed(), (Blocks{{"EURUSD", {2}}}));
 
@@ -107,20 +82,16 @@ TEST_F(NetTradeTest, ASymbolShowsItsAccountsAndHandsThemOver) {
   EXPECT_EQ(handed(), (Blocks{{"EURUSD", {2}}}));
 
   click_cell(list, 1, frmNetTrade::symbol);
-  EXPECT_EQ(shown(accounts, frmNetTrade::account), (std::vector<std::string>{"2", "3"}));
-  EXPECT_EQ(child<ElidedLabel>(window, "accounts_head").text(), QStringLiteral("GBPUSD: 2 accounts"));
+  EXPECT_EQ(part<ElidedLabel>(window, "accounts_head").text(), QStringLiteral("GBPUSD: 2 accounts"));
   QTest::mouseClick(&close, Qt::LeftButton);
   EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {}}}));
   QTest::keyClick(&accounts, Qt::Key_A, Qt::ControlModifier);
   QTest::mouseClick(&close, Qt::LeftButton);
   EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {2, 3}}}));
-  QTest::keyClick(&list, Qt::Key_Return);
-  EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {}}}));
 }
 
 TEST_F(NetTradeTest, BarsShareOneScaleAndAClickSelects) {
   hold_some();
-  ASSERT_EQ(bars.bars().size(), 2u);
   // EURUSD -0.5, GBPUSD 1.5 net: from one zero line, to one scale.
   const QRect sold = bars.net_box(0);
   const QRect bought = bars.net_box(1);
@@ -133,8 +104,7 @@ TEST_F(NetTradeTest, BarsShareOneScaleAndAClickSelects) {
   EXPECT_TRUE(bars.bars()[1].selected);
   // Sorted the other way round, the bars go with their rows.
   for (int click = 0; click < 2; ++click)
-    QTest::mouseClick(list.horizontalHeader()->viewport(), Qt::LeftButton, {},
-                      {list.columnViewportPosition(0) + 20, 8});
+    click_header(list, 0);
   rig.screen.acted();
   EXPECT_EQ(bars.bars()[0].name, QStringLiteral("GBPUSD"));
   QTest::mouseClick(&bars, Qt::LeftButton, {}, bars.row_box(1).center());
@@ -142,27 +112,15 @@ TEST_F(NetTradeTest, BarsShareOneScaleAndAClickSelects) {
 
   for (int symbol = 0; symbol < 30; ++symbol)
     hold(1, ("SYM" + std::to_string(symbol)).c_str(), 1.0, 0.0);
-  rig.screen.acted();
-  QCoreApplication::processEvents();
-  EXPECT_EQ(bars.bars().size(), 32u);
-  EXPECT_GE(bars.row_box(0).height(), QFontMetrics{bars.font()}.height());
+  rig.run(0ms);
+  EXPECT_TRUE(bars.rect().contains(bars.row_box(31)));
 }
 
 TEST_F(NetTradeTest, TheTotalStaysBelowItsColumns) {
   EXPECT_EQ(total.row(), nullptr);
   hold_some();
-  const auto column_of_list = [&](int column) {
-    const int left = list.viewport()->mapTo(&window, QPoint{list.columnViewportPosition(column), 0}).x();
-    return std::pair{left, list.columnWidth(column)};
-  };
-  const auto column_of_total = [&](int column) {
-    const QRect cell = total.cell(column);
-    return std::pair{total.mapTo(&window, cell.topLeft()).x(), cell.width()};
-  };
   ASSERT_NE(total.row(), nullptr);
   EXPECT_EQ(total.row()->text(frmNetTrade::bought), "4.5");
-  EXPECT_EQ(total.row()->text(frmNetTrade::net), "1");
-  EXPECT_EQ(total.row()->text(frmNetTrade::floating), "14.25");
   EXPECT_EQ(list.rows().rowCount(), 2);
 
   list.horizontalHeader()->resizeSection(frmNetTrade::bought, 400);
@@ -172,8 +130,12 @@ TEST_F(NetTradeTest, TheTotalStaysBelowItsColumns) {
   ASSERT_TRUE(bar.isVisible());
   bar.setValue(bar.maximum());
   EXPECT_EQ(list.horizontalScrollBar()->value(), bar.maximum());
-  for (int column = 0; column < list.rows().columnCount(); ++column)
-    EXPECT_EQ(column_of_total(column), column_of_list(column)) << column;
+  const auto left = [this](const QWidget& of, int x) { return of.mapTo(&window, QPoint{x, 0}).x(); };
+  for (int column = 0; column < list.rows().columnCount(); ++column) {
+    EXPECT_EQ(left(total, total.cell(column).x()),
+              left(*list.viewport(), list.columnViewportPosition(column)));
+    EXPECT_EQ(total.cell(column).width(), list.columnWidth(column)) << column;
+  }
 }
 
 TEST_F(NetTradeTest, TheListsFillThePaneWhateverItsShape) {
@@ -183,10 +145,8 @@ TEST_F(NetTradeTest, TheListsFillThePaneWhateverItsShape) {
   click_cell(list, 0, frmNetTrade::symbol);
   for (const QSize size : {QSize{1148, 300}, QSize{918, 267}, QSize{1800, 900}, QSize{700, 900}}) {
     window.resize(size);
-    for (int frame = 0; frame < 2; ++frame) {
-      rig.screen.acted();
-      QCoreApplication::processEvents();
-    }
+    for (int frame = 0; frame < 2; ++frame)
+      rig.run(0ms);
     EXPECT_EQ(window.size(), size);
     for (const RowListView* each : {&list, &accounts})
       EXPECT_EQ(each->horizontalHeader()->length(), each->viewport()->width()) << size.width();
@@ -194,19 +154,17 @@ TEST_F(NetTradeTest, TheListsFillThePaneWhateverItsShape) {
   }
   // Columns that had no room come back with widths of their own, also after one was dragged meanwhile.
   window.resize(560, 900);
-  rig.screen.acted();
-  QCoreApplication::processEvents();
+  rig.run(0ms);
   ASSERT_TRUE(list.isColumnHidden(frmNetTrade::bought_at));
   list.horizontalHeader()->resizeSection(frmNetTrade::net, 70);
   window.resize(1800, 900);
   QCoreApplication::processEvents();
-  EXPECT_FALSE(list.isColumnHidden(frmNetTrade::bought_at));
   EXPECT_GT(list.columnWidth(frmNetTrade::bought_at), 40);
 }
 
 struct MatrixTest : NetTest {
   MatrixTest() {
-    form.close = recorder();
+    form.close = [this](auto blocks) { take(std::move(blocks)); };
     show(window, {700, 280});
     rig.screen.acted();
     hold_some();
@@ -225,13 +183,13 @@ struct MatrixTest : NetTest {
     click_cell(list, place, column, keys);
     rig.screen.acted();
   }
-  std::string line() { return child<ElidedLabel>(window, "selection_line").text().toStdString(); }
+  std::string line() { return part<ElidedLabel>(window, "selection_line").text().toStdString(); }
 
   NetMatrix& form = rig.main().net_matrix();
   NetMatrixWindow window{form, rig.screen};
   RowListView& list = window.list();
-  TotalRow& total = child<TotalRow>(window, "total");
-  QPushButton& close = child<QPushButton>(window, "close_block");
+  TotalRow& total = part<TotalRow>(window, "total");
+  QWidget& close = part(window, "close_block");
   QAbstractItemModelTester tester{&list.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 
@@ -239,8 +197,6 @@ constexpr int eur = NetMatrix::first_symbol;
 constexpr int gbp = eur + 1;
 
 TEST_F(MatrixTest, ADraggedBlockIsHandedOverPerSymbol) {
-  ASSERT_EQ(list.rows().columnCount(), 4);
-  ASSERT_EQ(shown(list, NetMatrix::account), (std::vector<std::string>{"1", "2", "3"}));
   EXPECT_FALSE(close.isEnabled());
   // Account 1 holds no GBPUSD.
   drag(at(0, eur), at(1, gbp));
@@ -273,9 +229,9 @@ TEST_F(MatrixTest, ADraggedBlockIsHandedOverPerSymbol) {
 }
 
 TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
-  QTest::mouseClick(&child<QAbstractButton>(list, "frozen_header"), Qt::LeftButton);
-  QTest::mouseClick(&child<QAbstractButton>(list, "frozen_header"), Qt::LeftButton);
-  EXPECT_EQ(shown(list, NetMatrix::account), (std::vector<std::string>{"3", "2", "1"}));
+  QTest::mouseClick(&part<QAbstractButton>(list, "frozen_header"), Qt::LeftButton);
+  QTest::mouseClick(&part<QAbstractButton>(list, "frozen_header"), Qt::LeftButton);
+  EXPECT_EQ(shown(list.rows(), NetMatrix::account), (Texts{"3", "2", "1"}));
   drag(at(0, gbp), at(1, gbp));
   const std::string before = line();
   list.horizontalHeader()->resizeSection(eur, 123);
@@ -290,14 +246,8 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   EXPECT_EQ(line(), "3 accounts, 2 symbols, 2.5 lots net");
   window.close_selected();
   EXPECT_EQ(handed(), (Blocks{{"EURUSD", {1}}, {"GBPUSD", {2, 3}}}));
-  EXPECT_EQ(list.selectionModel()->selection().size(), 2);
-  EXPECT_EQ(shown(list, NetMatrix::account), (std::vector<std::string>{"9", "3", "2", "1"}));
-  EXPECT_EQ(list.rows().sort_order(), Qt::DescendingOrder);
+  EXPECT_EQ(shown(list.rows(), NetMatrix::account), (Texts{"9", "3", "2", "1"}));
   EXPECT_EQ(list.columnWidth(eur), 123);
-  EXPECT_EQ(list.rows().columnCount(), 5);
-  EXPECT_EQ(list.horizontalHeader()->count(), 5);
-  EXPECT_EQ(form.lvwNetMatrix.columns().back().header, "USDJPY");
-  EXPECT_TRUE(list.is_number(4));
   EXPECT_TRUE(list.isColumnHidden(NetMatrix::account));
   EXPECT_GT(list.columnWidth(4), 40);
   EXPECT_EQ(total.row()->text(4), "1");
@@ -314,25 +264,15 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   EXPECT_EQ(line(), "1 account, 1 symbol, -1.5 lots net");
   window.close_selected();
   EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {2}}}));
-  for (const std::int32_t account : {1, 2, 9})
-    book.remove_account(account);
-  rig.screen.acted();
-  EXPECT_EQ(list.rows().rowCount(), 0);
-  EXPECT_EQ(total.row(), nullptr);
-  EXPECT_FALSE(close.isEnabled());
 }
 
 TEST_F(MatrixTest, ProfitInsteadOfLots) {
   click(1, gbp);
-  auto& combo = child<QComboBox>(window, "shown");
-  combo.setFocus();
-  QTest::keyClick(&combo, Qt::Key_Down);
-  EXPECT_EQ(shown(list, NetMatrix::total), (std::vector<std::string>{"10.00", "5.50", "-1.25"}));
+  QTest::keyClick(&part(window, "shown"), Qt::Key_Down);
   EXPECT_EQ(total.row()->text(NetMatrix::total), "14.25");
   EXPECT_EQ(line(), "1 account, 1 symbol, P/L 7.00");
-  const std::string csv = list_csv(list);
-  EXPECT_EQ(csv.substr(0, csv.find('\n')), "Account,Total,EURUSD,GBPUSD");
-  EXPECT_NE(csv.find("\n2,5.50,-1.50,7.00\n"), std::string::npos);
+  EXPECT_EQ(list_csv(list),
+            "Account,Total,EURUSD,GBPUSD\n1,10.00,10.00,\n2,5.50,-1.50,7.00\n3,-1.25,,-1.25\n");
 }
 
 }  // namespace

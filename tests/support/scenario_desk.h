@@ -12,24 +12,11 @@
 
 namespace tutti::testing {
 
-using Texts = std::vector<std::string>;
-inline constexpr std::int32_t first = 500'100;
-
 inline FaultConfig fault(FaultKind kind, std::vector<std::int32_t> accounts, FaultPoint on, int code = 0,
                          std::chrono::milliseconds wait = {}) {
-  FaultConfig fault;
-  fault.kind = kind;
-  fault.accounts = std::move(accounts);
-  fault.on = {on};
-  fault.code = code;
-  fault.wait = wait;
-  fault.points = 20.0;
-  return fault;
-}
-
-inline Texts sorted(Texts texts) {
-  std::sort(texts.begin(), texts.end());
-  return texts;
+  FaultConfig out = tutti::fault(kind, {on}, code, wait, std::move(accounts));
+  out.points = 20.0;
+  return out;
 }
 
 // A terminal whose accounts are logged in, with what operators do all day.
@@ -61,20 +48,12 @@ struct ScenarioDesk : TestTerminal {
     return *main->accounts().sessions().by_account(account);
   }
   std::int64_t ticket(std::size_t row) { return positions().row(row).key().number(); }
-  bool journaled(const std::string& text) {
-    const Texts lines = journal();
-    return std::find(lines.begin(), lines.end(), text) != lines.end();
-  }
   Texts differences() { return Verification{*main, server}.run(); }
   // Sorted, since accounts log in and fill in an order of the server's own.
   static Texts rows(const RowList& list) {
     Texts out;
-    for (const Row& row : list) {
-      std::string text;
-      for (std::size_t column = 0; column < row.columns(); ++column)
-        text += (column == 0 ? "" : "|") + row.text(column);
-      out.push_back(text);
-    }
+    for (const Row& row : list)
+      out.push_back(row_text(row));
     return sorted(out);
   }
 };

@@ -16,7 +16,6 @@ class ScriptedClient final : public ClientAPI {
   LoginData login_data;
   bool logged_in = true;
   int logins = 0;
-  int logouts = 0;
   std::vector<Symbol> symbols;
   std::vector<OpenPosition> positions;
   std::vector<PendingOrder> orders;
@@ -74,7 +73,7 @@ class ScriptedClient final : public ClientAPI {
     return request_code;
   }
   bool LoggedIn() const override { return logged_in; }
-  void Logout() override { ++logouts; }
+  void Logout() override {}
   SummaryAnswer GetAccountSummary(std::int32_t) const override { return summary; }
   std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) override {
     sent.push_back("stops " + std::to_string(ticket) + stops_text(stops));

@@ -11,9 +11,17 @@
 
 namespace tutti::testing {
 
+// "x0.3 result|" of every row of an order window, "-" when it is not ticked.
+inline std::string shares(const RowList& list) {
+  std::string out;
+  for (const Row& row : list)
+    out += (row.checked() ? "x" : "-") + row.text(1) + (row.text(2).empty() ? "" : " ") + row.text(2) + "|";
+  return out;
+}
+
 using Summaries = std::vector<std::pair<double, double>>;  // equity and free margin of each account
 
-// A terminal whose accounts 1, 2, 3... are scripted, logged in and in the order windows.
+// A terminal whose accounts 1, 2, 3... are scripted, connected and in the order windows.
 struct ScriptedTerminal : TestTerminal {
   explicit ScriptedTerminal(const Summaries& summaries = {{100, 100}, {100, 100}, {100, 100}})
       : TestTerminal(DealerConfig::sample(1)) {
@@ -37,8 +45,10 @@ struct ScriptedTerminal : TestTerminal {
       client.info = AccountInfo{};
       client.sink->SymbolsLoaded();
       client.sink->AllDataAreLoaded();
+      client.sink->ConnectionState(true);
     }
   }
+  ScriptedClient& client(std::int32_t account) { return *clients[static_cast<std::size_t>(account) - 1]; }
 
   std::vector<ScriptedClient*> clients;  // owned by the sessions
 };

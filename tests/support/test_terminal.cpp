@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "core/file_writer.h"
@@ -9,6 +10,18 @@
 namespace tutti::testing {
 
 namespace fs = std::filesystem;
+
+Texts sorted(Texts texts) {
+  std::sort(texts.begin(), texts.end());
+  return texts;
+}
+
+std::string row_text(const Row& row) {
+  std::string out;
+  for (std::size_t column = 0; column < row.columns(); ++column)
+    out += (column == 0 ? "" : "|") + row.text(column);
+  return out;
+}
 
 TemporaryFolder::TemporaryFolder() {
   std::string name = (fs::temp_directory_path() / "tutti-test-XXXXXX").string();
@@ -82,16 +95,21 @@ std::string TestTerminal::result(std::int32_t account) {
   return row == nullptr ? std::string{"no row"} : row->text(frmorder::result_text);
 }
 
-std::vector<std::string> TestTerminal::journal() {
-  std::vector<std::string> out;
+Texts TestTerminal::journal() {
+  Texts out;
   const RowList& list = main->journal_window().lvwJournal;
   for (std::size_t i = list.size(); i-- > 0;)
     out.push_back(list.row(i).text(1) + " " + list.row(i).text(2));
   return out;
 }
 
-std::vector<std::string> TestTerminal::take_messages() {
-  std::vector<std::string> out;
+bool TestTerminal::journaled(const std::string& line) {
+  const Texts lines = journal();
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+Texts TestTerminal::take_messages() {
+  Texts out;
   MessageQueue& queue = main->messages();
   for (; queue.current() != nullptr; queue.dismiss())
     out.push_back(queue.current()->text);

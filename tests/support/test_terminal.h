@@ -14,6 +14,12 @@
 
 namespace tutti::testing {
 
+using Texts = std::vector<std::string>;
+
+Texts sorted(Texts texts);
+// The cells with "|" between them.
+std::string row_text(const Row& row);
+
 // A folder of its own for one test, gone with it.
 class TemporaryFolder {
  public:
@@ -51,8 +57,9 @@ class TestTerminal {
   Row& client(std::int32_t account);         // row of the accounts list
   Row* order_row(std::int32_t account);      // row of the market order window, nullptr when none
   std::string result(std::int32_t account);  // its Result column
-  std::vector<std::string> journal();        // "account message", oldest first
-  std::vector<std::string> take_messages();  // queued messages, which are dismissed
+  Texts journal();                           // "account message", oldest first
+  bool journaled(const std::string& line);   // the journal has it
+  Texts take_messages();                     // queued messages, which are dismissed
 
   std::shared_ptr<TemporaryFolder> home;
   ManualClock clock;
