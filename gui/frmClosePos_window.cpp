@@ -117,9 +117,12 @@ void FrmClosePosWindow::connect_list() {
   list_->set_ink([this](const Row& row, std::size_t column) { return look_.ink(row, column); });
   list_->set_pieces([this](const Row& row, std::size_t column) { return look_.pieces(row, column); });
   list_->set_tip([this](const Row& row) { return look_.tip(row); });
-  list_->clicked = [this](Row& row, std::size_t column) { form_.click(row, column); };
-  list_->activate = [this](Row& row, std::size_t) { form_.click(row, frmClosePos::action); };
-  list_->spaced = [this](const std::vector<Row*>& rows) { form_.toggle(rows); };
+  list_->clicked = [this](Row& row, std::size_t column) {
+    if (frmClosePos::is_position(row)) return form_.click(row, column);
+    form_.toggle(meant({&row}));
+  };
+  list_->activate = [this](Row& row, std::size_t) { list_->clicked(row, frmClosePos::action); };
+  list_->spaced = [this](const std::vector<Row*>& rows) { form_.toggle(meant(rows)); };
 }
 
 QString FrmClosePosWindow::count() const {
@@ -148,6 +151,24 @@ bool FrmClosePosWindow::takes_part(const Row& row) const {
     if (frmClosePos::marked(grid.row(at))) return true;
   }
   return false;
+}
+
+std::vector<Row*> FrmClosePosWindow::meant(const std::vector<Row*>& rows) const {
+  const RowListModel& shown = list_->rows();
+  if (!shown.filtered()) return rows;
+  std::vector<Row*> out;
+  for (Row* row : rows) {
+    if (frmClosePos::is_position(*row)) {
+      out.push_back(row);
+      continue;
+    }
+    for (int place = shown.place_of(row) + 1; place < shown.rowCount(); ++place) {
+      Row* below = shown.row_at(place);
+      if (!frmClosePos::is_position(*below)) break;
+      out.push_back(below);
+    }
+  }
+  return out;
 }
 
 // Every price changes all rows, but not which of them take part.

@@ -42,6 +42,8 @@ class FrmClosePosWindow final : public QWidget {
   // As few lines as there is room for.
   void arrange();
   bool takes_part(const Row& row) const;
+  // What a click or a key on these rows means: an account stands for its positions that are on show.
+  std::vector<Row*> meant(const std::vector<Row*>& rows) const;
   void show_marked_only();
   QString count() const;
   void follow();

@@ -75,7 +75,10 @@ Row* RowListView::row_under(const QPoint& position) const {
 }
 
 void RowListView::settle() {
+  // Where the current row goes another becomes current, which is no reason to bring that into sight.
+  setAutoScroll(false);
   model_.settle();
+  setAutoScroll(true);
   if (settled_structure_ != model_.list().structure_stamp()) {
     settled_structure_ = model_.list().structure_stamp();
     drop_replaced();
@@ -106,7 +109,8 @@ void RowListView::drop_replaced() {
 
 void RowListView::refresh() {
   settle();
-  if (!isVisible()) return;
+  // What is brought up again is new to the operator.
+  if (!isVisible()) return standing_.clear();
   const int first = rowAt(0);
   const int last = rowAt(viewport()->height() - 1);
   model_.refresh(first, last < 0 ? model_.rowCount() - 1 : last);
@@ -116,28 +120,27 @@ void RowListView::refresh() {
 
 void RowListView::look_where_rows_stand() {
   if (click_guard_ == nullptr) return;
-  const int first = std::max(rowAt(0), 0);
   std::vector<Standing> now;
-  for (int place = first; place < model_.rowCount(); ++place) {
-    if (rowViewportPosition(place) >= viewport()->height()) break;
+  auto before = standing_.begin();
+  for (int place = std::max(rowAt(0), 0); place < model_.rowCount(); ++place) {
+    const int top = rowViewportPosition(place);
     const Row* row = model_.row_at(place);
-    if (row == nullptr) return;
-    // What was out of sight, or nothing, is not what somebody aims at.
-    const auto before = static_cast<std::size_t>(place - first_standing_);
-    const bool seen = place >= first_standing_ && before < standing_.size();
-    const bool same = !seen || standing_[before].key == row->key();
-    now.push_back({row->key(), !seen ? std::nullopt : same ? standing_[before].since : click_guard_->now()});
+    if (top >= viewport()->height() || row == nullptr) break;
+    while (before != standing_.end() && before->top < top)
+      ++before;
+    const bool stood = before != standing_.end() && before->top == top && before->key == row->key();
+    now.push_back({row->key(), top, stood ? before->since : click_guard_->now()});
   }
   standing_ = std::move(now);
-  first_standing_ = first;
 }
 
 bool RowListView::just_moved(int place) {
   if (click_guard_ == nullptr) return false;
   look_where_rows_stand();
-  const auto at = static_cast<std::size_t>(place - first_standing_);
-  return place >= first_standing_ && at < standing_.size() &&
-         in_dead_time(*click_guard_, standing_[at].since);
+  const int top = rowViewportPosition(place);
+  const auto at =
+      std::find_if(standing_.begin(), standing_.end(), [&](const Standing& s) { return s.top == top; });
+  return place >= 0 && at != standing_.end() && in_dead_time(*click_guard_, at->since);
 }
 
 void RowListView::take_selection() {

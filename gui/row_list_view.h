@@ -99,10 +99,11 @@ class RowListView final : public QTableView {
     int column = -1;
     bool operator==(const Target&) const = default;
   };
-  // A visible place: whose row stands there, and since when, where that was seen.
+  // A visible row: where it stands, and since when.
   struct Standing {
     RowKey key;
-    std::optional<TimePoint> since;
+    int top = 0;  // within the viewport
+    TimePoint since;
   };
 
   void settle();
@@ -137,8 +138,7 @@ class RowListView final : public QTableView {
   bool sortable_ = true;
   bool columns_vary_ = false;
   const Clock* click_guard_ = nullptr;   // nullptr where rows stand is of no matter
-  std::vector<Standing> standing_;       // from the first visible place on
-  int first_standing_ = 0;               // that place
+  std::vector<Standing> standing_;       // from the top of the viewport on
   std::uint64_t settled_structure_ = 0;  // of the list when the selection was looked through last
 };
 

@@ -49,12 +49,12 @@ void frmClosePos::Displayed(bool displayed) {
   if (displayed_ == displayed) return;
   displayed_ = displayed;
   if (!displayed) return;
-  std::vector<RowKey> marks;
-  for (const Row& row : MSH)
-    if (is_position(row) && marked(row)) marks.push_back(row.key());
+  const std::vector<frmTrade::Close> marks = marked_positions();
   rebuild();
-  for (const RowKey key : marks)
-    if (Row* row = MSH.find(key)) mark(*row, true);
+  for (const frmTrade::Close& position : marks) {
+    Row* row = searchpos(position.ticket);
+    if (row != nullptr && account_above(*row) == position.account) mark(*row, true);
+  }
   // Positions that came meanwhile are not marked.
   const auto positions = std::count_if(MSH.begin(), MSH.end(), is_position);
   if (static_cast<std::size_t>(positions) != marked_count()) chkAllClients.set_checked(false);

@@ -49,6 +49,7 @@ void frmClosePos::toggle(const std::vector<Row*>& rows) {
         positions.push_back(below);
     }
   }
+  if (positions.empty()) return;
   const bool all = std::all_of(positions.begin(), positions.end(), [](const Row* p) { return marked(*p); });
   for (Row* position : positions)
     mark(*position, !all);
@@ -108,14 +109,15 @@ void frmClosePos::closepos() {
 void frmClosePos::close_single(const Row& row) {
   question_box_.Show(single_question,
                      std::string{"Are you sure you want to close selected postion at current market price?"},
-                     ticket_of(row));
+                     ticket_of(row), std::int64_t{account_above(row)});
 }
 
 void frmClosePos::closepos1() {
   // Events went on while the question stood.
   const auto* ticket = std::get_if<std::int64_t>(&question_box_.value(2));
-  Row* row = ticket == nullptr ? nullptr : searchpos(*ticket);
-  if (row == nullptr) return general_.message_box(nothing_marked);
+  const auto* number = std::get_if<std::int64_t>(&question_box_.value(3));
+  Row* row = ticket == nullptr || number == nullptr ? nullptr : searchpos(*ticket);
+  if (row == nullptr || account_above(*row) != *number) return general_.message_box(nothing_marked);
   mark(*row, true);
   send({{*ticket, row->cell(Column::amount).number(), account_above(*row)}});
 }

@@ -275,6 +275,18 @@ TEST(ClosePositions, ATicketIsClosedWhereItIsNow) {
   form.CloseSymbols.choose("EURUSD");
   EXPECT_EQ(form.answer_text(*form.searchpos(7)), " Trading is closed");
   EXPECT_EQ(form.answers().text(), "1 refused");
+  desk.prompt.take_texts();
+
+  // It goes to another account while the window is hidden, and while the question stands.
+  form.click(*form.get_index(2), frmClosePos::account);
+  form.Displayed(false);
+  desk.open(1, 7);
+  form.Displayed(true);
+  EXPECT_EQ(form.marked_count(), 0u);
+  desk.prompt.while_open = [&] { desk.open(2, 7); };
+  desk.click(7, frmClosePos::action);
+  EXPECT_EQ(desk.prompt.take_texts(), (Texts{sure_of_one, nothing_marked}));
+  EXPECT_EQ(desk.sent(), Texts{});
 }
 
 TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {

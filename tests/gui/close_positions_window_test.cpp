@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QScrollBar>
+
 #include "gui/desktop_prompt.h"
 #include "gui/elided_label.h"
 #include "gui/frmClosePos_window.h"
@@ -170,6 +172,30 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   QTest::keyClick(&list, Qt::Key_Space);
   EXPECT_EQ(rig.form.marked_count(), 0U);
 
+  // The list is at its end: a row goes, and those above it come down under the pointer.
+  rig.window.resize(700, 200);
+  rig.run(0ms);
+  list.scrollToBottom();
+  rig.run(0ms);
+  const auto value = [&list] { return list.verticalScrollBar()->value(); };
+  const int end = value();
+  const QPoint last = cell_point(list, list.rows().rowCount() - 2, status);
+  rig.form.Remove(rig.ticket(list.rows().rowCount() - 1));
+  rig.screen.acted();
+  QCoreApplication::processEvents();
+  ASSERT_LT(value(), end);
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, last);
+  EXPECT_EQ(rig.form.marked_count(), 0U);
+  // The selected row goes, far above: the list stays where it is.
+  list.setCurrentIndex(list.model()->index(1, 0));
+  list.verticalScrollBar()->setValue(value() / 2 + 60);
+  rig.run(0ms);
+  const int before = value();
+  rig.form.Remove(rig.ticket(1));
+  rig.screen.acted();
+  EXPECT_EQ(value(), before);
+  rig.window.resize(1000, 500);
+
   // Positions stay below their account whatever header is clicked.
   list.restore_columns(RowListView{rig.form.MSH, rig.screen, {}}.save_columns());
   const std::int64_t head = rig.ticket(0);
@@ -310,9 +336,11 @@ TEST(ClosePositionsWindow, MarkedOnlyHidesWhatTakesNoPart) {
   EXPECT_EQ(rig.line("empty_hint"), "Nothing is marked");
 
   QTest::keyClick(&only, Qt::Key_Space);
+  rig.run(50ms);
   for (const int place : {2, 7, 8})
     click_cell(list, place, status);
   QTest::keyClick(&only, Qt::Key_Space);
+  rig.run(50ms);
   EXPECT_EQ(seen(), (Places{0, 2, 6, 7, 8}));
   // Prices go on in what is left, and the second of two quick clicks meets nothing that was hidden or moved.
   rig.run(20s);
@@ -333,6 +361,12 @@ TEST(ClosePositionsWindow, MarkedOnlyHidesWhatTakesNoPart) {
   rig.screen.acted();
   EXPECT_EQ(seen().size(), 3U);
   EXPECT_EQ(rig.marked(), (Places{1, 2}));
+  // An account's row means those of its positions that are on show.
+  for (const int place : {1, 0}) {
+    rig.run(50ms);
+    click_cell(list, place, status);
+  }
+  EXPECT_EQ(rig.counted(), "0 of 7 marked");
   QTest::mouseClick(&only, Qt::LeftButton, {}, {8, 8});
   EXPECT_EQ(list.rows().rowCount(), 11);
 }
