@@ -25,8 +25,9 @@ bool usable(const OpenPosition& p) {
          within(largest_money, p.commission, p.interest, p.floating_pl);
 }
 
+// Both in one test, since it is made for every price: what is not finite, less itself, is no number.
 bool has_good_prices(const Symbol& symbol) {
-  return std::isfinite(symbol.bid) && std::isfinite(symbol.ask);
+  return symbol.bid - symbol.bid + symbol.ask - symbol.ask == 0.0;
 }
 
 bool usable(const PendingOrder& o) {
