@@ -48,7 +48,7 @@ std::string list_csv(const RowListView& view) {
     const Row* row = model.row_at(place);
     if (row == nullptr) continue;
     for (const std::size_t column : columns)
-      out += (column == columns.front() ? "" : ",") + quoted(row->text(column));
+      out += (column == columns.front() ? "" : ",") + quoted(view.delegate().shown_text(*row, column));
     out += '\n';
   }
   return out;
@@ -71,7 +71,7 @@ void copy_selected(const RowListView& view) {
     if (row == nullptr || !row->selected()) continue;
     for (const std::size_t column : columns) {
       if (column != columns.front()) out += QLatin1Char{'\t'};
-      if (chosen(place, column)) out += QString::fromStdString(row->text(column));
+      if (chosen(place, column)) out += QString::fromStdString(view.delegate().shown_text(*row, column));
     }
     out += QLatin1Char{'\n'};
   }

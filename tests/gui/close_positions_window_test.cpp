@@ -7,6 +7,7 @@
 #include "gui/desktop_prompt.h"
 #include "gui/elided_label.h"
 #include "gui/frmClosePos_window.h"
+#include "gui/list_text.h"
 #include "gui/theme.h"
 #include "tests/gui/gui_rig.h"
 #include "tests/support/scenario_desk.h"
@@ -264,6 +265,7 @@ TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
   rig.run(20s);
   const int late = position_of(first + 1);
   EXPECT_EQ(rig.painted(late, action), "Close At 1.0902  -  Trading is closed");
+  EXPECT_NE(list_csv(rig.list).find(",Close At 1.0902  -  Trading is closed\n"), std::string::npos);
   EXPECT_EQ(rig.painted(5 - late, action), "Close At 1.0902  -  No Privilege");
   EXPECT_EQ(rig.list.delegate().tip(*rig.list.rows().row_at(late)), "Trading is closed");
   for (const int place : {1, 2, 4, 5})
