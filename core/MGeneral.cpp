@@ -9,6 +9,14 @@
 #include "core/texts.h"
 
 namespace tutti {
+namespace {
+
+// Calendar and clock of a moment as it stands. The formatter would add the machine's zone to a moment itself.
+std::tm broken_down(TimePoint time) {
+  return fmt::gmtime(std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count());
+}
+
+}  // namespace
 
 MGeneral::MGeneral(const Paths& paths_in, const Clock& clock_in, SoundPort& sound, Prompt& prompt_in,
                    MessageQueue& messages)
@@ -34,11 +42,11 @@ void MGeneral::play_sound_file(const std::string& full_name) {
 }
 
 std::string MGeneral::full_time_text(TimePoint time) const {
-  return fmt::format("{:%Y-%m-%d %H:%M:%S}", std::chrono::floor<std::chrono::seconds>(time));
+  return fmt::format("{:%Y-%m-%d %H:%M:%S}", broken_down(time));
 }
 
 std::string MGeneral::short_time_text(TimePoint time) const {
-  return fmt::format("{:%H:%M}", time);
+  return fmt::format("{:%H:%M}", broken_down(time));
 }
 
 std::string MGeneral::now_text() const {

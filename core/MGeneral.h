@@ -21,6 +21,9 @@ namespace tutti {
 // Caption that stands for the default one.
 inline constexpr std::string_view default_caption = "##DEF##";
 
+// Tooltip of a column with times that the dealing server tells.
+inline constexpr std::string_view server_time_tip = "As the dealing server tells it, in UTC";
+
 // Shared values and helpers of all windows. Made once by start-up, which owns it; users get it by reference.
 class MGeneral {
  public:
@@ -62,7 +65,7 @@ class MGeneral {
   // Arms the switch and plays a file of the sounds folder, such as "\sounds\OrderOk.wav".
   void play_sound(std::string_view name);
   void play_sound_file(const std::string& full_name);
-  // "yyyy-mm-dd hh:nn:ss" and "hh:nn" of a server time.
+  // "yyyy-mm-dd hh:nn:ss" and "hh:nn" of a server time, in UTC whatever the zone of this machine.
   std::string full_time_text(TimePoint time) const;
   std::string short_time_text(TimePoint time) const;
   // "yyyy-mm-dd hh:nn:ss" of this moment on the operator's clock.

@@ -23,16 +23,18 @@ class SystemClock final : public Clock {
   std::chrono::seconds utc_offset(TimePoint moment) const override;
 };
 
-// Stands still until it is moved. Wall clock is UTC.
+// Stands still until it is moved. Wall clock is UTC unless it is told a zone.
 class ManualClock final : public Clock {
  public:
   explicit ManualClock(TimePoint start = TimePoint{std::chrono::seconds{1'767'225'600}}) : now_(start) {}
   TimePoint now() const override { return now_; }
-  std::chrono::seconds utc_offset(TimePoint) const override { return std::chrono::seconds{0}; }
+  std::chrono::seconds utc_offset(TimePoint) const override { return utc_offset_; }
+  void set_utc_offset(std::chrono::seconds offset) { utc_offset_ = offset; }
   void advance(std::chrono::milliseconds step) { now_ += step; }
 
  private:
   TimePoint now_;
+  std::chrono::seconds utc_offset_{0};
 };
 
 }  // namespace tutti

@@ -27,6 +27,11 @@ void RowList::set_column_width(std::size_t column, double percent) {
   ++stamp_;
 }
 
+void RowList::set_column_tip(std::size_t column, std::string_view tip) {
+  assert(column < columns_.size());
+  columns_[column].tip = tip;
+}
+
 Row* RowList::insert(std::size_t index, RowKey key) {
   assert(index <= rows_.size());
   if (!key.empty() && by_key_.contains(key)) return nullptr;

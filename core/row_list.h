@@ -18,6 +18,7 @@ namespace tutti {
 struct Column {
   std::string header;
   double width = 0.0;  // share of the list's width, in percent
+  std::string tip;     // what the header does not say; empty: nothing
 };
 
 // The state of every list and grid: ordered rows, each with an optional unique key.
@@ -38,6 +39,7 @@ class RowList {
   // since rows are made for the columns that there are.
   void set_headers(std::vector<std::string> headers);
   void set_column_width(std::size_t column, double percent);
+  void set_column_tip(std::size_t column, std::string_view tip);
 
   std::size_t size() const { return rows_.size(); }
   bool empty() const { return rows_.empty(); }

@@ -267,14 +267,16 @@ QVariant RowListModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant RowListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (role != Qt::DisplayRole) return {};
+  if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
   if (orientation == Qt::Vertical) {
+    if (role != Qt::DisplayRole) return {};
     // For views whose first column does not scroll away; see freeze_first_column.
     const Row* row = row_at(section);
     return row == nullptr ? QVariant{} : QString::fromStdString(row->text(0));
   }
   if (section < 0 || static_cast<std::size_t>(section) >= list_.columns().size()) return {};
-  return QString::fromStdString(list_.columns()[static_cast<std::size_t>(section)].header);
+  const Column& column = list_.columns()[static_cast<std::size_t>(section)];
+  return QString::fromStdString(role == Qt::ToolTipRole ? column.tip : column.header);
 }
 
 Qt::ItemFlags RowListModel::flags(const QModelIndex& index) const {

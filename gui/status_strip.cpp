@@ -44,7 +44,7 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   dot_ = add_label(*this, QStringLiteral("connection_dot"));
   connected_ = add_label(*this, QStringLiteral("connected"));
   server_time_ = add_label(*this, QStringLiteral("server_time"));
-  server_time_->setToolTip(tr("Time of the dealing server"));
+  server_time_->setToolTip(tr("Time of the dealing server, in UTC"));
   screen.on_refresh(*this, [this] { refresh(); });
 }
 

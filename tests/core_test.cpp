@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <limits>
+#include <optional>
 
 #include "core/CLocalSettings.h"
 #include "core/numbers.h"
@@ -208,6 +210,16 @@ TEST(FileWriter, FilesAndFoldersArePrivateWhateverTheUmask) {
     EXPECT_EQ(read_file(file).value(), "1\n2\n");
     EXPECT_EQ(std::distance(fs::directory_iterator{file.parent_path()}, {}), 1);
   }
+}
+
+TEST(Clocks, TheMachinesTellsItsOwnZone) {
+  const char* zone = std::getenv("TZ");
+  const std::optional<std::string> before = zone == nullptr ? std::nullopt : std::optional<std::string>{zone};
+  ::setenv("TZ", "NST3:30NDT,M3.2.0,M11.1.0", 1);
+  const TimePoint winter{std::chrono::seconds{1'767'225'600}};
+  EXPECT_EQ(SystemClock{}.utc_offset(winter), -3h - 30min);
+  EXPECT_EQ(SystemClock{}.utc_offset(winter + 4'000h), -2h - 30min);
+  before ? ::setenv("TZ", before->c_str(), 1) : ::unsetenv("TZ");
 }
 
 TEST(Timer, GoesOnWhenTheClockIsSetBack) {

@@ -7,6 +7,7 @@ namespace tutti {
 
 frmJournal::frmJournal(MGeneral& general) : general_(general) {
   ColumnWidthsPer("15,15,68");
+  lvwJournal.set_column_tip(0, "By the clock of this computer");
 }
 
 void frmJournal::ColumnWidthsPer(std::string widths) {

@@ -29,6 +29,7 @@ std::int64_t minute_of(TimePoint time) {
 
 frmMW::frmMW(MGeneral& general, const SymbolCollection& symbols) : general_(general), symbols_(symbols) {
   ColumnWidthsPer("18,15,15,10,15,15,12");
+  lvwMW.set_column_tip(Column::time, server_time_tip);
   lvwMW.on_activate = [this](Row& row) {
     if (take_symbol) take_symbol(symbols_.entry(static_cast<SymbolHandle>(row.key().number())).name);
   };

@@ -10,6 +10,7 @@ namespace tutti {
 frmPending::frmPending(MGeneral& general, CClientAPIManagers& sessions)
     : general_(general), sessions_(sessions) {
   ColumnWidthsPer("");
+  lvwPending.set_column_tip(Column::time, server_time_tip);
   lvwPending.on_activate = [this](Row& row) { edit(row); };
   lbbCancel.on_click = [this] { CloseIoID(); };
 }

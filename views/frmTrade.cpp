@@ -12,6 +12,7 @@ constexpr int money_decimals = 2;
 frmTrade::frmTrade(MGeneral& general, CQuestionBox& question_box, Desk& desk, const SymbolCollection& symbols)
     : general_(general), question_box_(question_box), desk_(desk), symbols_(symbols) {
   ColumnWidthsPer("9,9,12,4,8,8,6,8,6,6,6,5,9");
+  lvwOpenPos.set_column_tip(Column::time, server_time_tip);
   lbbClose.on_click = [this] { lbbClose_Click(); };
   chkAll.on_click = [this] { chkAll_Click(); };
   lvwOpenPos.on_activate = [this](const Row& row) { edit(row); };
