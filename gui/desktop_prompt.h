@@ -13,7 +13,8 @@ namespace tutti {
 
 class Screen;
 
-// Shows the boxes that must be answered before an action goes on, modal, in the middle of the window on top.
+// Shows the boxes that must be answered before an action goes on, modal, in the middle of the main window's
+// screen.
 // A box is off the screen before its answer is carried out, since what follows may show the next one.
 class DesktopPrompt final : public Prompt {
  public:

@@ -141,9 +141,12 @@ std::optional<std::size_t> MessageWindow::ask() {
 
 void MessageWindow::centre() {
   adjustSize();
-  const QRect around = parentWidget() != nullptr ? parentWidget()->window()->frameGeometry()
-                                                 : QGuiApplication::primaryScreen()->availableGeometry();
-  move(around.center() - rect().center());
+  // A box may stand over another one; the window that all of them belong to tells the screen.
+  const QWidget* main = this;
+  while (main->parentWidget() != nullptr)
+    main = main->parentWidget();
+  const QScreen* screen = main == this ? QGuiApplication::primaryScreen() : main->screen();
+  move(screen->availableGeometry().center() - rect().center());
 }
 
 void MessageWindow::press(std::size_t index) {

@@ -39,14 +39,14 @@ class MessageWindow final : public QDialog {
 
   explicit MessageWindow(Content content, QWidget* parent = nullptr);
 
-  // Modal, in the middle of the parent. The index of the button pressed; nothing also when the window is
+  // Modal, in the middle of the screen. The index of the button pressed; nothing also when the window is
   // closed from elsewhere, by done(0) or by the program's end.
   std::optional<std::size_t> ask();
 
   void set_text(const QString& text);
   void set_footer(const QString& footer);
   QPushButton& button(std::size_t index) { return *buttons_[index]; }
-  // In the middle of the parent, or of the screen without one.
+  // In the middle of the screen that the main window is on, of the first one while there is none.
   void centre();
 
   // Esc, and the frame's close button.
