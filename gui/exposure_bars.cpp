@@ -39,7 +39,6 @@ ExposureBars::ExposureBars(RowListView& list, Screen& screen) : list_(list), scr
 }
 
 void ExposureBars::follow() {
-  if (!isVisible()) return;
   const RowListModel& rows = list_.rows();
   std::vector<Bar> bars;
   for (int place = 0; place < rows.rowCount(); ++place) {

@@ -180,7 +180,7 @@ void FrmClosePosWindow::show_marked_only() {
   }
   const RowList& grid = form_.MSH;
   const bool begins = !rows.filtered();
-  if (!isVisible() || (rows.filtered() && filtered_stamp_ == grid.stamp())) return;
+  if (rows.filtered() && filtered_stamp_ == grid.stamp()) return;
   filtered_stamp_ = grid.stamp();
   std::vector<RowKey> marks;
   for (const Row& row : grid)
@@ -193,7 +193,6 @@ void FrmClosePosWindow::show_marked_only() {
 }
 
 void FrmClosePosWindow::follow() {
-  if (!isVisible()) return;
   arrange();
   const std::uint64_t stamp = form_.MSH.stamp();
   // An answer may come without a change of the grid, one for a symbol that was left for example.

@@ -15,6 +15,16 @@
 
 namespace tutti {
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto harmless = Commands::Effect::harmless;
+constexpr auto grave = Commands::Effect::grave;
+constexpr auto ctrl_shift = Qt::CTRL | Qt::SHIFT;
+
+}  // namespace
+
 QMenu& FrmMdiNewWindow::menu(const QString& title) {
   return *menuBar()->addMenu(title);
 }
@@ -29,247 +39,368 @@ void FrmMdiNewWindow::make_commands() {
 }
 
 void FrmMdiNewWindow::make_file_menu() {
-  QMenu& file = menu(QStringLiteral("&File"));
-  command(file, {QStringLiteral("load"), QStringLiteral("&Load list..."), Qt::CTRL | Qt::Key_O,
-                 QStringLiteral("open"), [this] { main_.accounts().mnuload_Click(); }});
-  command(file,
-          {QStringLiteral("save_as"), QStringLiteral("&Save list as..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
-           QStringLiteral("save"), [this] { main_.accounts().mnusaveas_Click(); }});
-  command(file, {QStringLiteral("copy"), QStringLiteral("&Copy rows"), QKeySequence::Copy,
-                 QStringLiteral("copy"), [this] {
+  QMenu& file = menu(u"&File"_s);
+  // Logs out whoever was in the list before.
+  command(file, {u"load"_s,
+                 u"&Load list..."_s,
+                 grave,
+                 Qt::CTRL | Qt::Key_O,
+                 [this] { main_.accounts().mnuload_Click(); },
+                 {.icon = u"open"_s}});
+  command(file, {u"save_as"_s,
+                 u"&Save list as..."_s,
+                 harmless,
+                 ctrl_shift | Qt::Key_S,
+                 [this] { main_.accounts().mnusaveas_Click(); },
+                 {.icon = u"save"_s}});
+  command(file, {u"copy"_s,
+                 u"&Copy rows"_s,
+                 harmless,
+                 QKeySequence::Copy,
+                 [this] {
                    if (const RowListView* list = active_list()) copy_selected(*list);
-                 }});
-  command(file, {QStringLiteral("export"), QStringLiteral("&Export to CSV..."),
-                 Qt::CTRL | Qt::SHIFT | Qt::Key_E, QStringLiteral("export"), [this] { export_active(); }});
+                 },
+                 {.icon = u"copy"_s}});
+  command(file, {u"export"_s,
+                 u"&Export to CSV..."_s,
+                 harmless,
+                 ctrl_shift | Qt::Key_E,
+                 [this] { export_active(); },
+                 {.icon = u"export"_s}});
   file.addSeparator();
-  command(file,
-          {QStringLiteral("quit"), QStringLiteral("&Quit"), Qt::CTRL | Qt::Key_Q, {}, [this] { close(); }});
+  command(file, {u"quit"_s, u"&Quit"_s, grave, Qt::CTRL | Qt::Key_Q, [this] { close(); }});
 }
 
 void FrmMdiNewWindow::make_accounts_menu() {
-  QMenu& accounts = menu(QStringLiteral("&Accounts"));
+  QMenu& accounts = menu(u"&Accounts"_s);
   frmMain& form = main_.accounts();
+  const QString pane = u"accounts"_s;
   const auto selected = [&form] { return form.mainClientListItem() != nullptr; };
   const auto any = [&form] { return !form.lvwClients.empty(); };
-  command(accounts, {QStringLiteral("add"), QStringLiteral("&Add account..."), Qt::Key_Insert,
-                     QStringLiteral("add"), [&form] { form.add_account(); }});
-  command(accounts, {QStringLiteral("edit"), QStringLiteral("&Edit account..."), Qt::Key_F2,
-                     QStringLiteral("edit"), [&form] { form.edit_account(); }, selected});
-  command(accounts, {QStringLiteral("notes"),
-                     QStringLiteral("Edit &notes"),
+  command(accounts, {u"add"_s,
+                     u"&Add account..."_s,
+                     harmless,
+                     Qt::Key_Insert,
+                     [&form] { form.add_account(); },
+                     {.icon = u"add"_s}});
+  command(accounts, {u"edit"_s,
+                     u"&Edit account..."_s,
+                     harmless,
+                     Qt::Key_F2,
+                     [&form] { form.edit_account(); },
+                     {.pane = pane, .icon = u"edit"_s, .available = selected}});
+  command(accounts, {u"notes"_s,
+                     u"Edit &notes"_s,
+                     harmless,
                      Qt::Key_F4,
-                     {},
                      [this] { accounts_->edit_notes(); },
-                     selected});
-  command(accounts, {QStringLiteral("remove"), QStringLiteral("&Remove..."), Qt::CTRL | Qt::Key_Delete,
-                     QStringLiteral("remove"), [this] { remove_selected(); }, selected});
-  command(accounts, {QStringLiteral("remove_all"),
-                     QStringLiteral("Remove all..."),
-                     Qt::CTRL | Qt::SHIFT | Qt::Key_Delete,
-                     {},
+                     {.pane = pane, .available = selected}});
+  command(accounts, {u"remove"_s,
+                     u"&Remove..."_s,
+                     grave,
+                     Qt::CTRL | Qt::Key_Delete,
+                     [this] { remove_selected(); },
+                     {.pane = pane, .icon = u"remove"_s, .available = selected}});
+  command(accounts, {u"remove_all"_s,
+                     u"Remove all..."_s,
+                     grave,
+                     ctrl_shift | Qt::Key_Delete,
                      [this] { main_.sure().GeneralQuestionMsg("Remove All"); },
-                     any});
+                     {.pane = pane, .available = any}});
   accounts.addSeparator();
-  command(accounts, {QStringLiteral("connect"), QStringLiteral("&Connect"), Qt::Key_F5,
-                     QStringLiteral("connect"), [&form] { form.MnuConnecte_Click(); }, selected});
-  command(accounts, {QStringLiteral("connect_all"),
-                     QStringLiteral("Connect all disconnected"),
+  command(accounts, {u"connect"_s,
+                     u"&Connect"_s,
+                     harmless,
+                     Qt::Key_F5,
+                     [&form] { form.MnuConnecte_Click(); },
+                     {.pane = pane, .icon = u"connect"_s, .available = selected}});
+  command(accounts, {u"connect_all"_s,
+                     u"Connect all disconnected"_s,
+                     harmless,
                      Qt::CTRL | Qt::Key_F5,
-                     {},
                      [&form] { form.cmdfunlogin(); },
-                     any});
-  command(accounts, {QStringLiteral("disconnect"), QStringLiteral("&Disconnect"), Qt::Key_F6,
-                     QStringLiteral("disconnect"), [&form] { form.MnuDisconnecte_Click(); }, selected});
-  command(accounts, {QStringLiteral("logout_all"),
-                     QStringLiteral("Logout all..."),
-                     Qt::CTRL | Qt::Key_F6,
-                     {},
+                     {.pane = pane, .available = any}});
+  command(accounts, {u"disconnect"_s,
+                     u"&Disconnect"_s,
+                     grave,
+                     Qt::SHIFT | Qt::Key_F6,
+                     [&form] { form.MnuDisconnecte_Click(); },
+                     {.pane = pane, .icon = u"disconnect"_s, .available = selected}});
+  command(accounts, {u"logout_all"_s,
+                     u"Logout all..."_s,
+                     grave,
+                     ctrl_shift | Qt::Key_F6,
                      [this] { main_.sure().GeneralQuestionMsg("Logout All"); },
-                     any});
+                     {.pane = pane, .available = any}});
   accounts.addSeparator();
-  command(accounts, {QStringLiteral("find_account"), QStringLiteral("&Find account"), Qt::CTRL | Qt::Key_F,
-                     QStringLiteral("find"), [this] { find_account(); }});
-  command(accounts, {QStringLiteral("history"), QStringLiteral("&History of account"), Qt::CTRL | Qt::Key_H,
-                     QStringLiteral("history"), [this] { show_history(); }, selected});
+  command(accounts, {u"find_account"_s,
+                     u"&Find account"_s,
+                     harmless,
+                     Qt::CTRL | Qt::Key_F,
+                     [this] { find_account(); },
+                     {.icon = u"find"_s}});
+  command(accounts, {u"history"_s,
+                     u"&History of account"_s,
+                     harmless,
+                     Qt::CTRL | Qt::Key_H,
+                     [this] { show_history(); },
+                     {.pane = pane, .icon = u"history"_s, .available = selected}});
+}
+
+// A command-bar control that is not available switches its command off, whatever the window behind it says.
+bool FrmMdiNewWindow::trading(int control) const {
+  return main_.window().control(StatusDesk::first_trade_control + control).enabled;
 }
 
 void FrmMdiNewWindow::make_orders_menu() {
-  QMenu& orders = menu(QStringLiteral("&Orders"));
-  const frmMdiNew& shell = main_.window();
-  frmorder& form = main_.market_order();
-  frmPriceChanged& requote = main_.requote();
-  // A command-bar control that is not available switches its command off, whatever the window behind it says.
-  const auto trading = [&shell](int control) {
-    return shell.control(StatusDesk::first_trade_control + control).enabled;
-  };
-  command(orders, {QStringLiteral("distribute"), QStringLiteral("&Distribute"), Qt::Key_F9,
-                   QStringLiteral("distribute"), [this] { market_order_->distribute(); },
-                   [&form, trading] { return trading(0) && form.cmddis.enabled(); }});
-  command(orders, {QStringLiteral("buy"), QStringLiteral("&Buy"), Qt::CTRL | Qt::SHIFT | Qt::Key_B,
-                   QStringLiteral("buy"), [this] { market_order_->buy(); },
-                   [&form, trading] { return trading(1) && form.cmdbuy.enabled(); }});
-  command(orders, {QStringLiteral("sell"), QStringLiteral("&Sell"), Qt::CTRL | Qt::SHIFT | Qt::Key_L,
-                   QStringLiteral("sell"), [this] { market_order_->sell(); },
-                   [&form, trading] { return trading(2) && form.cmdsell.enabled(); }});
-  command(orders, {QStringLiteral("tick_all"), QStringLiteral("&Tick all accounts"), Qt::CTRL | Qt::Key_T,
-                   QStringLiteral("tick-all"), [this] { market_order_->tick_all(); }});
+  QMenu& orders = menu(u"&Orders"_s);
+  add_market_order_commands(orders);
   orders.addSeparator();
-  frmlimitorder& entry = main_.entry_order();
-  command(orders, {QStringLiteral("distribute_entry"),
-                   QStringLiteral("Distribute entry order"),
-                   Qt::SHIFT | Qt::Key_F9,
-                   {},
-                   [this] { entry_order_->distribute(); },
-                   [&entry, trading] { return trading(0) && entry.cmdlimiorderdis.enabled(); }});
-  command(orders, {QStringLiteral("submit_entry"), QStringLiteral("S&ubmit entry order"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_U, QStringLiteral("entry-order"),
-                   [this] { entry_order_->submit(); },
-                   [&entry, trading] { return trading(0) && entry.cmdsubmitlimiorder.enabled(); }});
-  command(orders, {QStringLiteral("cancel_entry"),
-                   QStringLiteral("Clear entry order"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_X,
-                   {},
-                   [this] { entry_order_->cancel(); }});
-  command(orders, {QStringLiteral("tick_all_entry"),
-                   QStringLiteral("Tick all accounts for entry order"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_T,
-                   {},
-                   [this] { entry_order_->tick_all(); }});
+  add_entry_order_commands(orders);
   orders.addSeparator();
-  command(orders, {QStringLiteral("close_selected"), QStringLiteral("&Close selected positions"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_C, QStringLiteral("close-positions"),
-                   [this] { trade_->close_selected(); }, [trading] { return trading(3); }});
-  command(orders, {QStringLiteral("cancel_selected"), QStringLiteral("Cancel selected &orders"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_D, QStringLiteral("cancel-orders"),
-                   [this] { pending_->cancel_selected(); }, [trading] { return trading(3); }});
-  command(orders, {QStringLiteral("edit_stops"),
-                   QStringLiteral("Edit SL/TP of position"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_Return,
-                   {},
-                   [this] {
-                     RowList& positions = main_.trade().lvwOpenPos;
-                     if (Row* row = positions.current()) positions.activate(*row);
-                   },
-                   [this] { return main_.trade().lvwOpenPos.current() != nullptr; }});
-  command(orders, {QStringLiteral("edit_order"),
-                   QStringLiteral("&Edit pending order"),
-                   Qt::CTRL | Qt::Key_Return,
-                   {},
-                   [this] { pending_->edit_current(); },
-                   [this] { return main_.pending().lvwPending.current() != nullptr; }});
+  add_position_commands(orders);
   orders.addSeparator();
   add_closing_commands(orders);
   orders.addSeparator();
-  const auto requoted = [&requote] { return requote.Displayed(); };
-  command(orders, {QStringLiteral("accept_requote"), QStringLiteral("&Accept requote"), Qt::Key_F7,
-                   QStringLiteral("requote"), [this] { requote_->accept_requote(); }, requoted});
-  command(orders, {QStringLiteral("reject_requote"),
-                   QStringLiteral("&Reject requote"),
-                   Qt::Key_F8,
-                   {},
+  // Answers to what stands before everything else.
+  const auto requoted = [this] { return main_.requote().Displayed(); };
+  command(orders, {u"accept_requote"_s,
+                   u"&Accept requote"_s,
+                   grave,
+                   Qt::Key_F7,
+                   [this] { requote_->accept_requote(); },
+                   {.icon = u"requote"_s, .available = requoted}});
+  command(orders, {u"reject_requote"_s,
+                   u"&Reject requote"_s,
+                   grave,
+                   ctrl_shift | Qt::Key_F8,
                    [this] { requote_->reject_requote(); },
-                   requoted});
+                   {.available = requoted}});
 }
 
-// What is marked is acted on only where it can be seen.
+void FrmMdiNewWindow::add_market_order_commands(QMenu& orders) {
+  const frmorder& form = main_.market_order();
+  const QString pane = u"market_order"_s;
+  command(orders, {u"distribute"_s,
+                   u"&Distribute"_s,
+                   harmless,
+                   Qt::Key_F9,
+                   [this] { market_order_->distribute(); },
+                   {.pane = pane, .icon = u"distribute"_s, .available = [this, &form] {
+                      return trading(0) && form.cmddis.enabled();
+                    }}});
+  command(orders, {u"buy"_s,
+                   u"&Buy"_s,
+                   grave,
+                   ctrl_shift | Qt::Key_B,
+                   [this] { market_order_->buy(); },
+                   {.pane = pane, .icon = u"buy"_s, .available = [this, &form] {
+                      return trading(1) && form.cmdbuy.enabled();
+                    }}});
+  command(orders, {u"sell"_s,
+                   u"&Sell"_s,
+                   grave,
+                   ctrl_shift | Qt::Key_L,
+                   [this] { market_order_->sell(); },
+                   {.pane = pane, .icon = u"sell"_s, .available = [this, &form] {
+                      return trading(2) && form.cmdsell.enabled();
+                    }}});
+  command(orders, {u"tick_all"_s,
+                   u"&Tick all accounts"_s,
+                   harmless,
+                   Qt::CTRL | Qt::Key_T,
+                   [this] { market_order_->tick_all(); },
+                   {.pane = pane, .icon = u"tick-all"_s}});
+}
+
+void FrmMdiNewWindow::add_entry_order_commands(QMenu& orders) {
+  const frmlimitorder& form = main_.entry_order();
+  const QString pane = u"entry_order"_s;
+  command(orders, {u"distribute_entry"_s,
+                   u"Distribute entry order"_s,
+                   harmless,
+                   Qt::SHIFT | Qt::Key_F9,
+                   [this] { entry_order_->distribute(); },
+                   {.pane = pane,
+                    .available = [this, &form] { return trading(0) && form.cmdlimiorderdis.enabled(); }}});
+  command(orders, {u"submit_entry"_s,
+                   u"S&ubmit entry order"_s,
+                   grave,
+                   ctrl_shift | Qt::Key_U,
+                   [this] { entry_order_->submit(); },
+                   {.pane = pane, .icon = u"entry-order"_s, .available = [this, &form] {
+                      return trading(0) && form.cmdsubmitlimiorder.enabled();
+                    }}});
+  command(orders, {u"cancel_entry"_s,
+                   u"Clear entry order"_s,
+                   harmless,
+                   ctrl_shift | Qt::Key_X,
+                   [this] { entry_order_->cancel(); },
+                   {.pane = pane}});
+  command(orders, {u"tick_all_entry"_s,
+                   u"Tick all accounts for entry order"_s,
+                   harmless,
+                   ctrl_shift | Qt::Key_T,
+                   [this] { entry_order_->tick_all(); },
+                   {.pane = pane}});
+}
+
+void FrmMdiNewWindow::add_position_commands(QMenu& orders) {
+  const QString positions = u"trade"_s;
+  const QString pending = u"pending"_s;
+  command(orders,
+          {u"close_selected"_s,
+           u"&Close selected positions"_s,
+           grave,
+           ctrl_shift | Qt::Key_P,
+           [this] { trade_->close_selected(); },
+           {.pane = positions, .icon = u"close-positions"_s, .available = [this] { return trading(3); }}});
+  command(orders,
+          {u"cancel_selected"_s,
+           u"Cancel selected &orders"_s,
+           grave,
+           ctrl_shift | Qt::Key_G,
+           [this] { pending_->cancel_selected(); },
+           {.pane = pending, .icon = u"cancel-orders"_s, .available = [this] { return trading(3); }}});
+  command(orders, {u"edit_stops"_s,
+                   u"Edit SL/TP of position"_s,
+                   harmless,
+                   ctrl_shift | Qt::Key_Return,
+                   [this] {
+                     RowList& list = main_.trade().lvwOpenPos;
+                     if (Row* row = list.current()) list.activate(*row);
+                   },
+                   {.pane = positions,
+                    .available = [this] { return main_.trade().lvwOpenPos.current() != nullptr; }}});
+  command(orders, {u"edit_order"_s,
+                   u"&Edit pending order"_s,
+                   harmless,
+                   Qt::CTRL | Qt::Key_Return,
+                   [this] { pending_->edit_current(); },
+                   {.pane = pending,
+                    .available = [this] { return main_.pending().lvwPending.current() != nullptr; }}});
+}
+
 void FrmMdiNewWindow::add_closing_commands(QMenu& orders) {
-  const frmClosePos& form = main_.close_positions();
-  const auto available = [this, &form] {
-    return form.Displayed() && main_.window().control(StatusDesk::last_trade_control).enabled;
-  };
-  command(orders, {QStringLiteral("close_marked"), QStringLiteral("Close &marked positions"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_K, QStringLiteral("close-positions"),
-                   [this] { close_positions_->close_marked(); }, available});
-  command(orders, {QStringLiteral("mark_all"),
-                   QStringLiteral("Mark all positions"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_A,
-                   {},
+  const QString marks = u"close_positions"_s;
+  command(orders, {u"close_marked"_s,
+                   u"Close &marked positions"_s,
+                   grave,
+                   ctrl_shift | Qt::Key_K,
+                   [this] { close_positions_->close_marked(); },
+                   {.pane = marks, .icon = u"close-positions"_s, .available = [this] {
+                      return main_.window().control(StatusDesk::last_trade_control).enabled;
+                    }}});
+  command(orders, {u"mark_all"_s,
+                   u"Mark all positions"_s,
+                   harmless,
+                   ctrl_shift | Qt::Key_A,
                    [this] { close_positions_->mark_all(); },
-                   [&form] { return form.Displayed(); }});
-  command(orders, {QStringLiteral("close_net"),
-                   QStringLiteral("Close accounts of net position..."),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_N,
-                   {},
+                   {.pane = marks}});
+  // These two send nothing yet, but what they pick is closed next.
+  command(orders, {u"close_net"_s,
+                   u"Close accounts of net position..."_s,
+                   grave,
+                   Qt::SHIFT | Qt::Key_F12,
                    [this] { main_.net_trade().close_accounts.click(); },
-                   [this] { return net_trade_->isVisible() && main_.net_trade().can_close(); }});
-  command(orders, {QStringLiteral("close_block"),
-                   QStringLiteral("Close selected accounts x symbols..."),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_M,
-                   {},
+                   {.pane = u"net_trade"_s, .available = [this] { return main_.net_trade().can_close(); }}});
+  command(orders, {u"close_block"_s,
+                   u"Close selected accounts x symbols..."_s,
+                   grave,
+                   ctrl_shift | Qt::Key_F12,
                    [this] { net_matrix_->close_selected(); },
-                   [this] { return net_matrix_->can_close(); }});
+                   {.pane = u"net_matrix"_s, .available = [this] { return net_matrix_->can_close(); }}});
 }
 
 void FrmMdiNewWindow::make_view_menu() {
-  QMenu& view = menu(QStringLiteral("&View"));
+  QMenu& view = menu(u"&View"_s);
   const std::pair<QString, QString> texts[] = {
-      {QStringLiteral("&Accounts list"), {}},
-      {QStringLiteral("Market &watch"), {}},
-      {QStringLiteral("Market &order"), QStringLiteral("market-order")},
-      {QStringLiteral("&Trade"), {}},
-      {QStringLiteral("&Pending orders"), {}},
-      {QStringLiteral("&Journal"), QStringLiteral("journal")},
-      {QStringLiteral("&Entry order"), QStringLiteral("entry-order")},
-      {QStringLiteral("&Net positions"), {}},
-      {QStringLiteral("Accounts x &symbols"), {}},
-      {QStringLiteral("&Close positions"), QStringLiteral("close-positions")},
+      {u"&Accounts list"_s, {}},
+      {u"Market &watch"_s, {}},
+      {u"Market &order"_s, u"market-order"_s},
+      {u"&Trade"_s, {}},
+      {u"&Pending orders"_s, {}},
+      {u"&Journal"_s, u"journal"_s},
+      {u"&Entry order"_s, u"entry-order"_s},
+      {u"&Net positions"_s, {}},
+      {u"Accounts x &symbols"_s, {}},
+      {u"&Close positions"_s, u"close-positions"_s},
   };
   int number = 0;
   for (const auto& [text, icon] : texts) {
     const QString name = panes_[static_cast<std::size_t>(number)].name;
     ++number;
-    command(view, {name, text, Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number % 10), icon,
-                   [this, name] { bring_up(name); }});
+    command(view, {name,
+                   text,
+                   harmless,
+                   Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number % 10),
+                   [this, name] { bring_up(name); },
+                   {.icon = icon}});
   }
   view.addSeparator();
-  command(view,
-          {QStringLiteral("live_journal"), QStringLiteral("&Live journal"), Qt::CTRL | Qt::Key_L, {}, [this] {
-             journal_->show_live();
-           }});
-  command(view, {QStringLiteral("full_screen"), QStringLiteral("&Full screen"), Qt::Key_F11, {}, [this] {
-                   setWindowState(windowState() ^ Qt::WindowFullScreen);
-                 }});
-  command(view,
-          {QStringLiteral("reset_layout"), QStringLiteral("&Reset layout"), Qt::CTRL | Qt::SHIFT | Qt::Key_R,
-           QStringLiteral("reset-layout"), [this] { reset_layout(); }});
+  command(view, {u"live_journal"_s, u"&Live journal"_s, harmless, Qt::CTRL | Qt::Key_J,
+                 [this] { journal_->show_live(); }});
+  command(view, {u"full_screen"_s, u"&Full screen"_s, harmless, Qt::Key_F11,
+                 [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); }});
+  command(view, {u"reset_layout"_s,
+                 u"&Reset layout"_s,
+                 harmless,
+                 ctrl_shift | Qt::Key_R,
+                 [this] { reset_layout(); },
+                 {.icon = u"reset-layout"_s}});
 }
 
 void FrmMdiNewWindow::make_tools_menu() {
-  QMenu& tools = menu(QStringLiteral("&Tools"));
-  QAction& mute =
-      command(tools, {QStringLiteral("mute"), QStringLiteral("&Mute sounds"), Qt::CTRL | Qt::Key_M,
-                      QStringLiteral("sound-on"), [this] { sound_.set_muted(!sound_.muted()); }});
+  QMenu& tools = menu(u"&Tools"_s);
+  QAction& mute = command(tools, {u"mute"_s,
+                                  u"&Mute sounds"_s,
+                                  harmless,
+                                  Qt::CTRL | Qt::Key_M,
+                                  [this] { sound_.set_muted(!sound_.muted()); },
+                                  {.icon = u"sound-on"_s}});
   mute.setCheckable(true);
   screen_.on_refresh(mute, [this, &mute, shown = false]() mutable {
     if (sound_.muted() == shown) return;
     shown = sound_.muted();
     mute.setChecked(shown);
-    mute.setIcon(svg_icon(shown ? QStringLiteral("sound-off") : QStringLiteral("sound-on")));
+    mute.setIcon(svg_icon(shown ? u"sound-off"_s : u"sound-on"_s));
   });
   const auto waiting = [this] { return main_.messages().current() != nullptr; };
-  command(tools, {QStringLiteral("next_message"),
-                  QStringLiteral("&Next message"),
+  command(tools, {u"next_message"_s,
+                  u"&Next message"_s,
+                  harmless,
                   Qt::CTRL | Qt::Key_Space,
-                  {},
                   [this] { messages_->next(); },
-                  waiting});
-  command(tools, {QStringLiteral("dismiss_all"),
-                  QStringLiteral("&Dismiss all messages"),
-                  Qt::CTRL | Qt::SHIFT | Qt::Key_Space,
-                  {},
+                  {.available = waiting}});
+  command(tools, {u"dismiss_all"_s,
+                  u"&Dismiss all messages"_s,
+                  harmless,
+                  ctrl_shift | Qt::Key_Space,
                   [this] { messages_->dismiss_all(); },
-                  waiting});
+                  {.available = waiting}});
 }
 
 void FrmMdiNewWindow::make_help_menu() {
-  QMenu& help = menu(QStringLiteral("&Help"));
-  command(help, {QStringLiteral("help"), QStringLiteral("&Help"), Qt::Key_F1, QStringLiteral("help"),
-                 [this] { main_.help().open(active_pane().help); }});
-  command(help, {QStringLiteral("keyboard"), QStringLiteral("&Keyboard map"), Qt::SHIFT | Qt::Key_F1,
-                 QStringLiteral("keyboard"), [this] { main_.help().open("keyboard"); }});
+  QMenu& help = menu(u"&Help"_s);
+  command(help, {u"help"_s,
+                 u"&Help"_s,
+                 harmless,
+                 Qt::Key_F1,
+                 [this] { main_.help().open(active_pane().help); },
+                 {.icon = u"help"_s}});
+  command(help, {u"keyboard"_s,
+                 u"&Keyboard map"_s,
+                 harmless,
+                 Qt::SHIFT | Qt::Key_F1,
+                 [this] { main_.help().open("keyboard"); },
+                 {.icon = u"keyboard"_s}});
   help.addSeparator();
-  command(help, {QStringLiteral("about"), QStringLiteral("&About"), Qt::CTRL | Qt::SHIFT | Qt::Key_F1,
-                 QStringLiteral("about"), [this] { main_.accounts().MnuAbout_Click(); }});
+  command(help, {u"about"_s,
+                 u"&About"_s,
+                 harmless,
+                 ctrl_shift | Qt::Key_F1,
+                 [this] { main_.accounts().MnuAbout_Click(); },
+                 {.icon = u"about"_s}});
 }
 
 void FrmMdiNewWindow::add_context_menus() {

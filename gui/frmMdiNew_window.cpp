@@ -7,8 +7,11 @@
 #include <QMenuBar>
 #include <QToolBar>
 #include <QToolButton>
+#include <algorithm>
+#include <cassert>
 
 #include "gui/about_window.h"
+#include "gui/in_sight.h"
 #include "gui/screen.h"
 #include "gui/shell_label.h"
 #include "gui/status_strip.h"
@@ -31,7 +34,9 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
       screen_(screen),
       sound_(sound),
       files_(files),
-      commands_(*this, screen),
+      commands_(*this, screen,
+                {.in_sight = [this](const QString& pane) { return in_sight(*pane_named(pane).widget); },
+                 .bring_up = [this](const QString& pane) { put_in_front(pane); }}),
       layout_(main.general().paths.file("\\manage\\layout.dat")) {
   setObjectName(QStringLiteral("frmMdiNew"));
   const std::string broker = main_.broker().name;
@@ -44,6 +49,8 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   setCorner(Qt::TopLeftCorner, Qt::LeftDockWidgetArea);
   setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
 
+  // Before everything else, so that what a form does as it comes into sight shows in the same frame.
+  screen_.on_refresh(*this, [this] { follow_displayed(); });
   make_panes();
   setStatusBar(new StatusStrip{main_, screen_});
   make_labels();
@@ -61,12 +68,7 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   main_.window().set_command(frmMdiNew::show_accounts, [this] { bring_up(QStringLiteral("accounts")); });
   main_.window().set_command(frmMdiNew::show_journal, [this] { bring_up(QStringLiteral("journal")); });
   main_.entry_order().show = [this] { bring_up(QStringLiteral("entry_order")); };
-  // Not into the symbol's box: one key there would choose another symbol, without the marks.
-  main_.close_positions().show = [this] {
-    bring_up(QStringLiteral("close_positions"));
-    close_positions_->setFocus(Qt::OtherFocusReason);
-  };
-  screen_.on_refresh(*this, [this] { follow_displayed(); });
+  main_.close_positions().show = [this] { put_in_front(QStringLiteral("close_positions")); };
   reset_layout();
 }
 
@@ -110,6 +112,8 @@ void FrmMdiNewWindow::make_panes() {
   close_positions_ = new FrmClosePosWindow{main_.close_positions(), screen_, main_.general().clock};
   add_pane(QStringLiteral("close_positions"), QStringLiteral("Close positions"), "close-positions",
            close_positions_, &close_positions_->list());
+  for (const Pane& pane : panes_)
+    screen_.add_pane(*pane.widget);
 }
 
 void FrmMdiNewWindow::make_labels() {
@@ -183,22 +187,37 @@ void FrmMdiNewWindow::make_tool_bar() {
   }
 }
 
-// The forms go by whether their windows are on screen.
+// The forms go by whether their windows can be seen.
 void FrmMdiNewWindow::follow_displayed() {
-  main_.window().Displayed(isVisible());
-  main_.accounts().Displayed(accounts_->isVisible());
-  main_.market_watch().Displayed(market_watch_->isVisible());
-  // Showing this one is an event of its own.
-  if (main_.entry_order().Displayed() != entry_order_->isVisible()) {
-    main_.entry_order().Displayed(entry_order_->isVisible());
+  main_.window().Displayed(in_sight(*this));
+  main_.accounts().Displayed(in_sight(*accounts_));
+  main_.market_watch().Displayed(in_sight(*market_watch_));
+  // Bringing this one to the front is an event of its own.
+  if (main_.entry_order().Displayed() != in_sight(*entry_order_)) {
+    main_.entry_order().Displayed(in_sight(*entry_order_));
   }
-  main_.open_positions().Displayed(trade_->isVisible());
-  main_.net_positions().Displayed(net_trade_->isVisible() || net_matrix_->isVisible());
-  main_.close_positions().Displayed(close_positions_->isVisible());
-  main_.pending_orders().Displayed(pending_->isVisible());
-  main_.journal().Displayed(journal_->isVisible());
+  main_.open_positions().Displayed(in_sight(*trade_));
+  main_.net_positions().Displayed(in_sight(*net_trade_) || in_sight(*net_matrix_));
+  main_.close_positions().Displayed(in_sight(*close_positions_));
+  main_.pending_orders().Displayed(in_sight(*pending_));
+  main_.journal().Displayed(in_sight(*journal_));
+  keep_keyboard_in_sight();
   for (const Pane& pane : panes_)
     if (pane.dock != nullptr) show_title(*pane.dock);
+}
+
+// A pane that goes behind another keeps the keyboard, and Tab goes on into what stands behind: keys would act
+// on what nobody sees.
+void FrmMdiNewWindow::keep_keyboard_in_sight() {
+  const Pane* pane = pane_of(QApplication::focusWidget());
+  if (pane == nullptr || pane->dock == nullptr) return;
+  if (in_sight(*pane->widget) || !in_sight(*pane->widget->window())) return;
+  const QList<QDockWidget*> beside = tabifiedDockWidgets(pane->dock);
+  const auto in_front = std::find_if(panes_.begin(), panes_.end(), [&beside](const Pane& other) {
+    return beside.contains(other.dock) && in_sight(*other.widget);
+  });
+  const Pane& now = in_front == panes_.end() ? panes_.front() : *in_front;
+  if (now.list != nullptr) now.list->setFocus(Qt::OtherFocusReason);
 }
 
 // A pane among tabs has its title on its tab already.
@@ -210,12 +229,23 @@ void FrmMdiNewWindow::show_title(QDockWidget& dock) {
   delete before;
 }
 
+const Pane* FrmMdiNewWindow::pane_of(const QWidget* widget) const {
+  const auto at = std::find_if(panes_.begin(), panes_.end(), [widget](const Pane& pane) {
+    return widget != nullptr && (pane.widget == widget || pane.widget->isAncestorOf(widget));
+  });
+  return at == panes_.end() ? nullptr : &*at;
+}
+
 const Pane& FrmMdiNewWindow::active_pane() const {
-  const QWidget* focus = QApplication::focusWidget();
-  for (const Pane& pane : panes_) {
-    if (focus != nullptr && (pane.widget == focus || pane.widget->isAncestorOf(focus))) return pane;
-  }
-  return panes_.front();
+  const Pane* pane = pane_of(QApplication::focusWidget());
+  return pane == nullptr ? panes_.front() : *pane;
+}
+
+const Pane& FrmMdiNewWindow::pane_named(const QString& name) const {
+  const auto at =
+      std::find_if(panes_.begin(), panes_.end(), [&name](const Pane& pane) { return pane.name == name; });
+  assert(at != panes_.end());
+  return *at;
 }
 
 RowListView* FrmMdiNewWindow::active_list() const {
@@ -228,20 +258,24 @@ RowListView* FrmMdiNewWindow::active_list() const {
 }
 
 void FrmMdiNewWindow::bring_up(const QString& name) {
-  for (const Pane& pane : panes_) {
-    if (pane.name != name) continue;
-    if (pane.dock != nullptr) {
-      pane.dock->show();
-      pane.dock->raise();
-      if (pane.dock->isFloating()) pane.dock->activateWindow();
-    } else {
-      activateWindow();
-    }
-    if (pane.widget == market_order_) return market_order_->focus_amount();
-    if (pane.widget == entry_order_) return entry_order_->focus_amount();
-    if (pane.widget == close_positions_) return close_positions_->focus_symbol();
-    if (pane.list != nullptr) pane.list->setFocus(Qt::ShortcutFocusReason);
+  const Pane& pane = pane_named(name);
+  if (pane.dock != nullptr) {
+    pane.dock->show();
+    pane.dock->raise();
   }
+  QWidget& window = *pane.widget->window();
+  if (window.isMinimized()) window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+  if (pane.dock == nullptr || &window != this) window.activateWindow();
+  if (pane.widget == market_order_) return market_order_->focus_amount();
+  if (pane.widget == entry_order_) return entry_order_->focus_amount();
+  if (pane.widget == close_positions_) return close_positions_->focus_symbol();
+  if (pane.list != nullptr) pane.list->setFocus(Qt::ShortcutFocusReason);
+}
+
+void FrmMdiNewWindow::put_in_front(const QString& name) {
+  bring_up(name);
+  // Not into the symbol's box: one key there would choose another symbol, without the marks.
+  if (pane_named(name).widget == close_positions_) close_positions_->setFocus(Qt::OtherFocusReason);
 }
 
 void FrmMdiNewWindow::reset_layout() {

@@ -58,8 +58,10 @@ class FrmMdiNewWindow final : public QMainWindow {
   MessageQueueWindow& messages() { return *messages_; }
   HelpWindow& help() { return *help_; }
   void show_about();
-  // Brings a pane to the front, floating ones included, with the keyboard in it.
+  // Brings a pane to the front, floating ones included, with the keyboard where its work begins.
   void bring_up(const QString& pane);
+  // The same, with the keyboard where a key by mistake does least.
+  void put_in_front(const QString& pane);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -68,7 +70,9 @@ class FrmMdiNewWindow final : public QMainWindow {
   Pane& add_pane(const QString& name, const QString& title, const char* help, QWidget* widget,
                  RowListView* list);
   void make_panes();
+  const Pane& pane_named(const QString& name) const;
   void follow_displayed();
+  void keep_keyboard_in_sight();
   void show_title(QDockWidget& dock);
   void make_labels();
   void make_tool_bar();
@@ -78,6 +82,10 @@ class FrmMdiNewWindow final : public QMainWindow {
   void make_file_menu();
   void make_accounts_menu();
   void make_orders_menu();
+  bool trading(int control) const;
+  void add_market_order_commands(QMenu& orders);
+  void add_entry_order_commands(QMenu& orders);
+  void add_position_commands(QMenu& orders);
   void add_closing_commands(QMenu& orders);
   void make_view_menu();
   void make_tools_menu();
@@ -86,6 +94,8 @@ class FrmMdiNewWindow final : public QMainWindow {
 
   QAction& command(QMenu& menu, Commands::Command command) { return commands_.add(menu, std::move(command)); }
   QMenu& menu(const QString& title);
+  // The pane that a widget is in; nullptr when it is in none.
+  const Pane* pane_of(const QWidget* widget) const;
   // The pane that has the keyboard; the accounts list while none has.
   const Pane& active_pane() const;
   // Its list that has the keyboard, or its main one; nullptr when it has none.

@@ -53,9 +53,7 @@ void show_averages(RowListView& list, std::initializer_list<int> columns, int fr
 
 FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, Screen& screen) : form_(form) {
   // Before the lists' own, so that they show it in the same frame.
-  screen.on_refresh(*this, [this] {
-    if (isVisible()) form_.refresh();
-  });
+  screen.on_refresh(*this, [this] { form_.refresh(); });
   parts_ = new QBoxLayout{QBoxLayout::LeftToRight, this};
   parts_->setContentsMargins(0, 0, 0, 0);
   parts_->setSpacing(4);
@@ -68,7 +66,6 @@ FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, Screen& screen) : form_(
   details_->addWidget(make_accounts(screen), 3);
   parts_->addWidget(details, 2);
   screen.on_refresh(*this, [this] {
-    if (!isVisible()) return;
     show_head();
     arrange();
   });

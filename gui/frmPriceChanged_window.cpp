@@ -120,13 +120,16 @@ void FrmPriceChangedWindow::press(Button& button) {
 
 void FrmPriceChangedWindow::keyPressEvent(QKeyEvent* event) {
   // A key that is held down must not answer the next requote as well.
-  if (event->isAutoRepeat() || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return;
+  if (event->isAutoRepeat()) return;
+  const auto with = event->modifiers() & ~Qt::KeypadModifier;
+  if (event->key() == Qt::Key_F8 && with == (Qt::ControlModifier | Qt::ShiftModifier))
+    return reject_requote();
+  if (with != Qt::NoModifier) return;
   switch (event->key()) {
     case Qt::Key_A:
     case Qt::Key_F7:
       return accept_requote();
     case Qt::Key_R:
-    case Qt::Key_F8:
       return reject_requote();
     case Qt::Key_Escape:
       close();

@@ -27,7 +27,7 @@ QString ListCount::part(std::size_t count, std::size_t all) {
 }
 
 void ListCount::refresh() {
-  if (!isVisible() || list_.stamp() == shown_stamp_) return;
+  if (list_.stamp() == shown_stamp_) return;
   shown_stamp_ = list_.stamp();
   set_text(list_.empty() ? QString{} : count_());
 }

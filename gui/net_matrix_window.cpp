@@ -38,9 +38,7 @@ std::string counted(std::size_t count, const std::string& what) {
 
 NetMatrixWindow::NetMatrixWindow(NetMatrix& form, Screen& screen) : form_(form), screen_(screen) {
   // Before the list's own, so that it shows it in the same frame.
-  screen.on_refresh(*this, [this] {
-    if (isVisible()) form_.refresh();
-  });
+  screen.on_refresh(*this, [this] { form_.refresh(); });
   make_list();
   auto* shown = make_combo("shown");
   shown->setFixedWidth(shown_width);
@@ -131,11 +129,10 @@ void NetMatrixWindow::restore_selection() {
 }
 
 bool NetMatrixWindow::can_close() const {
-  return isVisible() && form_.can_close(picked_);
+  return form_.can_close(picked_);
 }
 
 void NetMatrixWindow::follow() {
-  if (!isVisible()) return;
   if (profit_widths_ != form_.shows_profit()) keep_readable();
   if (selection_changed_) take_selection();
   line_->set_text(selection_text());

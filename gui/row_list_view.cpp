@@ -110,7 +110,9 @@ void RowListView::drop_replaced() {
 void RowListView::refresh() {
   settle();
   // What is brought up again is new to the operator.
-  if (!isVisible()) return standing_.clear();
+  if (!isVisible() || screen_.frame() > frame_ + 1) standing_.clear();
+  frame_ = screen_.frame();
+  if (!isVisible()) return;
   const int first = rowAt(0);
   const int last = rowAt(viewport()->height() - 1);
   model_.refresh(first, last < 0 ? model_.rowCount() - 1 : last);
@@ -136,6 +138,7 @@ void RowListView::look_where_rows_stand() {
 
 bool RowListView::just_moved(int place) {
   if (click_guard_ == nullptr) return false;
+  if (screen_.frame() > frame_) standing_.clear();
   look_where_rows_stand();
   const int top = rowViewportPosition(place);
   const auto at =

@@ -139,6 +139,7 @@ class RowListView final : public QTableView {
   bool columns_vary_ = false;
   const Clock* click_guard_ = nullptr;   // nullptr where rows stand is of no matter
   std::vector<Standing> standing_;       // from the top of the viewport on
+  std::uint64_t frame_ = 0;              // of the screen, when the list was refreshed last
   std::uint64_t settled_structure_ = 0;  // of the list when the selection was looked through last
 };
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
+#include <vector>
 
 class QObject;
+class QWidget;
 
 namespace tutti {
 
@@ -11,17 +14,22 @@ namespace tutti {
 //
 // After every change of forms the lists must learn which rows there are, before anything is painted or
 // clicked: `settle`, for whoever delivered events or ran an operator's action. What merely shows values
-// follows once a frame: `refresh`.
+// follows once a frame: `refresh`. Panes that can't be seen are not refreshed; what they missed is made up
+// for with the first refresh after they came into sight again.
 class Screen {
  public:
   // Runs with every settle (refresh) until the owner is destroyed.
   void on_settle(QObject& owner, std::function<void()> step);
   void on_refresh(QObject& owner, std::function<void()> step);
+  // From now on steps whose owner is in this widget are refreshed only while it is in sight.
+  void add_pane(QWidget& pane);
 
   void settle() const;
-  void refresh() const;
+  void refresh();
+  // Counts the refreshes: who was left out of one has not seen its number.
+  std::uint64_t frame() const { return frame_; }
   // After an operator's action: both, so that its effect shows at once.
-  void acted() const {
+  void acted() {
     settle();
     refresh();
   }
@@ -36,6 +44,8 @@ class Screen {
 
   std::deque<Step> settle_;
   std::deque<Step> refresh_;
+  std::vector<const QWidget*> panes_;
+  std::uint64_t frame_ = 0;
 };
 
 }  // namespace tutti

@@ -6,9 +6,11 @@
 #include <QDockWidget>
 #include <QFile>
 #include <QMenuBar>
+#include <QScreen>
 
 #include "gui/elided_label.h"
 #include "gui/frmMdiNew_window.h"
+#include "gui/in_sight.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {
@@ -30,6 +32,39 @@ struct DesktopTest : ::testing::Test {
     rig.run(10ms);
   }
   QDockWidget& dock(const char* name) { return part<QDockWidget>(*window, name); }
+  void trigger(const char* name) { window->commands().find(QString::fromLatin1(name))->trigger(); }
+  void to_front(const char* name) {
+    window->bring_up(QString::fromLatin1(name));
+    rig.run(1ms);
+  }
+  // The forms that say they can be seen, by their first letters; "N" for either net window.
+  std::string displayed() {
+    Main& main = rig.main();
+    const std::pair<char, bool> forms[] = {
+        {'m', main.window().Displayed()},          {'a', main.accounts().Displayed()},
+        {'w', main.market_watch().Displayed()},    {'t', main.open_positions().Displayed()},
+        {'p', main.pending_orders().Displayed()},  {'j', main.journal().Displayed()},
+        {'e', main.entry_order().Displayed()},     {'N', main.net_positions().Displayed()},
+        {'c', main.close_positions().Displayed()},
+    };
+    std::string out;
+    for (const auto& [letter, shown] : forms)
+      if (shown) out += letter;
+    return out;
+  }
+  // All that a command can change without a question.
+  std::string state() {
+    Main& main = rig.main();
+    std::string out = std::to_string(rig.terminal.journal().size()) + " " +
+                      std::to_string(rig.asked().size()) + main.entry_order().mode();
+    for (const auto* list : {&main.market_order().lvwConClients, &main.entry_order().lvwConClients}) {
+      out += "/";
+      for (const Row& row : *list)
+        out += row.checked() ? "x" + row.text(1) : "-";
+    }
+    return out + "/" + std::to_string(main.close_positions().marked_count()) +
+           main.entry_order().txtlimitorderammount.text();
+  }
 
   GuiRig rig;
   DesktopPrompt prompt{rig.screen};
@@ -53,6 +88,162 @@ TEST_F(DesktopTest, EveryCommandHasAKeyOfItsOwnAndStandsInTheKeyboardMap) {
             .arg(QRegularExpression::escape(text), QRegularExpression::escape(key))};
     EXPECT_TRUE(map.contains(line)) << text.toStdString() << " " << key.toStdString();
   }
+}
+
+// Beside each other in a row of the keyboard, with the same keys held down, or one of these more or less.
+bool near(QKeyCombination a, QKeyCombination b) {
+  static const auto place = [](int key) {
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F12) return key - Qt::Key_F1;
+    const std::string_view rows = "`1234567890-=  QWERTYUIOP[]  ASDFGHJKL;'  ZXCVBNM,./";
+    const auto at = key < 128 ? rows.find(static_cast<char>(key)) : std::string_view::npos;
+    return at == std::string_view::npos ? key : 100 + static_cast<int>(at);
+  };
+  if (a.key() == b.key())
+    return qPopulationCount(static_cast<quint32>((a.keyboardModifiers() ^ b.keyboardModifiers()).toInt())) ==
+           1;
+  return a.keyboardModifiers() == b.keyboardModifiers() && std::abs(place(a.key()) - place(b.key())) == 1;
+}
+
+TEST_F(DesktopTest, NoHarmlessKeyIsNextToOneThatSendsClosesOrLogsOut) {
+  EXPECT_TRUE(near(Qt::Key_F5, Qt::Key_F6) && near(Qt::CTRL | Qt::Key_L, Qt::CTRL | Qt::SHIFT | Qt::Key_L) &&
+              near(Qt::CTRL | Qt::Key_9, Qt::CTRL | Qt::Key_0) && !near(Qt::Key_F5, Qt::Key_F7) &&
+              !near(Qt::Key_L, Qt::CTRL | Qt::SHIFT | Qt::Key_L) && !near(Qt::Key_P, Qt::Key_L));
+  std::set<QString> grave;
+  for (const auto& [command, action] : window->commands().all()) {
+    if (command.effect == Commands::Effect::harmless) continue;
+    grave.insert(command.name);
+    for (const auto& [other, its_action] : window->commands().all()) {
+      EXPECT_FALSE(other.effect == Commands::Effect::harmless && near(command.key[0], other.key[0]))
+          << command.name.toStdString() << " " << other.name.toStdString();
+    }
+  }
+  for (const char* name : {"buy", "sell", "submit_entry", "close_selected", "cancel_selected", "close_marked",
+                           "accept_requote", "disconnect", "logout_all", "remove_all", "quit"})
+    EXPECT_TRUE(grave.contains(QString::fromLatin1(name))) << name;
+}
+
+TEST_F(DesktopTest, FormsAreDisplayedWhileTheirPanesCanBeSeen) {
+  struct Case {
+    const char* what;
+    std::function<void()> act;
+    const char* displayed;
+  };
+  const auto tab = [this](const char* name) { return [this, name] { dock(name).raise(); }; };
+  const Case cases[] = {
+      {"first arrangement", [] {}, "mawt"},
+      {"behind a tab", tab("journal"), "mawj"},
+      {"before it", tab("close_positions"), "mawc"},
+      {"one of two nets", tab("net_matrix"), "mawN"},
+      {"floated", [this] { dock("journal").setFloating(true); }, "mawjN"},
+      {"closed", [this] { dock("market_watch").close(); }, "majN"},
+      {"among other tabs", tab("entry_order"), "majeN"},
+      {"main window minimised", [this] { window->showMinimized(); }, "j"},
+      {"and up again", [this] { window->showNormal(); }, "majeN"},
+      {"float put back", [this] { dock("journal").setFloating(false); }, "maeN"},
+      {"hidden", [this] { window->hide(); }, ""},
+  };
+  // Coming to the front is what chooses the first type and symbol, once.
+  EXPECT_EQ(rig.main().entry_order().cblimiordertype.index(), -1);
+  for (const Case& each : cases) {
+    each.act();
+    rig.run(10ms);
+    EXPECT_EQ(displayed(), each.displayed) << each.what;
+  }
+  EXPECT_EQ(rig.main().entry_order().cblimiordertype.index(), 0);
+}
+
+TEST_F(DesktopTest, PanesBehindTabsRestAndCatchUpInFront) {
+  const auto bid = [this] { return part<QLabel>(*window, "lblcondition").text().toStdString(); };
+  to_front("entry_order");
+  const std::string before = bid();
+  ASSERT_FALSE(before.empty());
+  to_front("market_order");
+  rig.buy("12");
+  rig.run(5s);
+  EXPECT_EQ(bid(), before);
+  EXPECT_EQ(rig.main().net_trade().lvwNet.size(), 0U);
+  dock("entry_order").raise();
+  dock("net_trade").raise();
+  rig.screen.refresh();
+  EXPECT_NE(bid(), before);
+  EXPECT_EQ(bid(), rig.main().entry_order().lblcondition.text());
+  EXPECT_EQ(window->net_trade().list().model()->rowCount(), 1);
+}
+
+TEST_F(DesktopTest, TheKeyboardLeavesAPaneThatGoesBehindAnother) {
+  to_front("close_positions");
+  part(window->close_positions(), "LblCheck").setFocus();
+  dock("trade").raise();
+  rig.run(1ms);
+  EXPECT_EQ(QApplication::focusWidget(), &window->trade().list());
+  part(window->close_positions(), "LblCheck").setFocus();  // as Tab does
+  rig.run(1ms);
+  EXPECT_EQ(QApplication::focusWidget(), &window->trade().list());
+}
+
+// Each command once with its pane behind another, then closed, with everything ready for it.
+TEST_F(DesktopTest, CommandsNeedTheirPaneInFront) {
+  rig.main().close_positions().CloseSymbols.choose("EURUSD");
+  rig.buy("12");
+  rig.run(5s);
+  rig.distribute("24");
+  for (const Pane& pane : window->panes()) {
+    to_front(pane.name.toLatin1());
+    pane.list->selectAll();
+  }
+  for (Row& row : rig.main().trade().lvwOpenPos)
+    row.set_checked(true);
+  rig.main().close_positions().check_all();
+  rig.main().entry_order().txtlimitorderammount.type("12");
+  std::set<QString> without;
+  for (const auto& [command, action] : window->commands().all()) {
+    const QString& pane = command.options.pane;
+    if (pane.isEmpty()) {
+      if (command.effect == Commands::Effect::grave) without.insert(command.name);
+      continue;
+    }
+    if (pane == QStringLiteral("accounts")) continue;
+    const bool right = pane == QStringLiteral("market_order") || pane == QStringLiteral("entry_order");
+    const char* other = pane == QStringLiteral("market_order") ? "entry_order"
+                        : right                                ? "market_order"
+                                                               : "journal";
+    for (const bool closed : {false, true}) {
+      to_front(other);
+      if (closed) dock(pane.toLatin1()).close();
+      rig.run(1ms);
+      const std::string before = state();
+      press(static_cast<Qt::Key>(command.key[0].key()), command.key[0].keyboardModifiers());
+      EXPECT_EQ(state(), before) << command.name.toStdString();
+      EXPECT_TRUE(in_sight(dock(pane.toLatin1()))) << command.name.toStdString();
+      const Pane* keyboard = nullptr;
+      for (const Pane& each : window->panes())
+        if (each.widget->isAncestorOf(QApplication::focusWidget())) keyboard = &each;
+      EXPECT_TRUE(keyboard != nullptr && keyboard->name == pane) << command.name.toStdString();
+    }
+  }
+  EXPECT_EQ(without, (std::set<QString>{QStringLiteral("accept_requote"), QStringLiteral("load"),
+                                        QStringLiteral("quit"), QStringLiteral("reject_requote")}));
+  // In front the same keys do their work; marked rows that are scrolled out take part.
+  rig.main().close_positions().check_all();
+  EXPECT_EQ(rig.main().close_positions().marked_count(), 0U);
+  to_front("close_positions");
+  press(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(rig.main().close_positions().marked_count(), 12U);
+  to_front("market_order");
+  press(Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier);
+  rig.run(5s);
+  EXPECT_EQ(rig.main().trade().lvwOpenPos.size(), 24U);
+}
+
+TEST_F(DesktopTest, QuestionsStandInTheMiddleOfTheScreen) {
+  QPoint middle;
+  when_modal([&](QWidget& box) {
+    middle = box.frameGeometry().center();
+    QTest::keyClick(&box, Qt::Key_Escape);
+  });
+  window->move(-500, 300);
+  rig.main().sure().GeneralQuestionMsg("Logout All");
+  EXPECT_LE((middle - window->screen()->availableGeometry().center()).manhattanLength(), 8);
 }
 
 TEST_F(DesktopTest, TheMainJobByKeyboardAlone) {
