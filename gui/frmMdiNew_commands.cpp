@@ -12,6 +12,7 @@
 #include "gui/list_text.h"
 #include "gui/screen.h"
 #include "gui/svg_icon.h"
+#include "shell/holdings.h"
 
 namespace tutti {
 
@@ -22,6 +23,10 @@ namespace {
 constexpr auto harmless = Commands::Effect::harmless;
 constexpr auto grave = Commands::Effect::grave;
 constexpr auto ctrl_shift = Qt::CTRL | Qt::SHIFT;
+
+std::string name_of(const Row& account) {
+  return account.text(frmMain::user_name) + " " + account.text(frmMain::account);
+}
 
 }  // namespace
 
@@ -124,7 +129,7 @@ void FrmMdiNewWindow::make_accounts_menu() {
                      u"&Disconnect"_s,
                      grave,
                      Qt::SHIFT | Qt::Key_F6,
-                     [&form] { form.MnuDisconnecte_Click(); },
+                     [this] { disconnect_selected(); },
                      {.pane = pane, .icon = u"disconnect"_s, .available = selected}});
   command(accounts, {u"logout_all"_s,
                      u"Logout all..."_s,
@@ -434,21 +439,38 @@ void FrmMdiNewWindow::find_account() {
   find_->selectAll();
 }
 
-// Events may select another row while the question stands: removed is what it was asked about.
+// Events may select another row while a question stands: acted on is what it was asked about.
+void FrmMdiNewWindow::disconnect_selected() {
+  frmMain& form = main_.accounts();
+  std::set<std::string> meant;
+  std::set<std::int32_t> numbers;
+  for (const Row* row : form.lvwClients.selected()) {
+    if (!row->reads(frmMain::state, "Connected")) continue;
+    meant.insert(name_of(*row));
+    numbers.insert(static_cast<std::int32_t>(row->cell(frmMain::account).stored_number()));
+  }
+  if (meant.size() <= 1) return form.MnuDisconnecte_Click();
+  if (!confirm("Log out " + std::to_string(meant.size()) + " accounts?",
+               Holdings{main_.trade(), form.sessions(), numbers}.text()))
+    return;
+  std::vector<RowKey> keys;
+  for (const Row& row : form.lvwClients)
+    if (meant.contains(name_of(row)) && row.reads(frmMain::state, "Connected")) keys.push_back(row.key());
+  for (const RowKey key : keys)
+    form.LogoutClient(key);
+}
+
 void FrmMdiNewWindow::remove_selected() {
   RowList& list = main_.accounts().lvwClients;
-  const auto name = [](const Row& row) {
-    return row.text(frmMain::user_name) + " " + row.text(frmMain::account);
-  };
   std::set<std::string> meant;
   for (const Row* row : list.selected())
-    meant.insert(name(*row));
+    meant.insert(name_of(*row));
   if (meant.empty()) return;
   const std::string what = meant.size() == 1 ? "account " + *meant.begin()
                                              : "the " + std::to_string(meant.size()) + " selected accounts";
   if (!confirm("Remove " + what + " from the list?")) return;
   for (Row& row : list)
-    row.set_selected(meant.contains(name(row)));
+    row.set_selected(meant.contains(name_of(row)));
   main_.accounts().mnuRemove_Click();
 }
 

@@ -16,6 +16,7 @@
 #include "gui/shell_label.h"
 #include "gui/status_strip.h"
 #include "gui/svg_icon.h"
+#include "shell/holdings.h"
 
 namespace tutti {
 
@@ -328,18 +329,26 @@ void FrmMdiNewWindow::save_layout() {
   }
 }
 
-bool FrmMdiNewWindow::confirm(const std::string& question) {
-  return main_.general().msg_box.GeneralQuestionMsg(question) == 1;
+bool FrmMdiNewWindow::confirm(const std::string& question, const std::string& details) {
+  return main_.general().msg_box.GeneralQuestionMsg(details.empty() ? question
+                                                                    : question + "\n\n" + details) == 1;
 }
 
 // Orders go on at the dealing server whether anybody sees their answers or not.
 void FrmMdiNewWindow::closeEvent(QCloseEvent* event) {
-  const auto waiting = main_.accounts().sessions().unanswered();
-  if (waiting > 0 &&
-      !confirm(std::to_string(waiting) + (waiting == 1 ? " request has" : " requests have") +
-               " no answer yet. Their outcome will be journaled as unknown. Close all the same?")) {
-    return event->ignore();
+  const Holdings held{main_.trade(), main_.accounts().sessions()};
+  const auto counted = [](int count, const char* one, const char* more) {
+    return std::to_string(count) + (count == 1 ? one : more);
+  };
+  std::string what;
+  if (held.on_their_way() > 0) {
+    what = counted(held.on_their_way(), " request has", " requests have") +
+           " no answer yet. Their outcome will be journaled as unknown. Close all the same?";
+  } else if (held.positions() > 0) {
+    what = counted(held.positions(), " position is", " positions are") +
+           " open. Close the terminal all the same?";
   }
+  if (!what.empty() && !confirm(what, held.text())) return event->ignore();
   save_layout();
   event->accept();
   QApplication::quit();

@@ -102,10 +102,11 @@ class FrmMdiNewWindow final : public QMainWindow {
   RowListView* active_list() const;
   void export_active();
   void find_account();
+  void disconnect_selected();
   void remove_selected();
   void show_history();
   // Asks for yes or no in an operator's action; true on yes.
-  bool confirm(const std::string& question);
+  bool confirm(const std::string& question, const std::string& details = {});
 
   Main& main_;
   Screen& screen_;

@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QScreen>
 
+#include "core/numbers.h"
 #include "gui/elided_label.h"
 #include "gui/frmMdiNew_window.h"
 #include "gui/in_sight.h"
@@ -302,13 +303,72 @@ TEST_F(DesktopTest, StatusBarShowsTotalsConnectionsAndServerTime) {
   EXPECT_EQ(totals.text().toStdString(), rig.main().window().totals_pane());
 }
 
-TEST_F(DesktopTest, ClosingAsksWhileAnswersAreMissing) {
+TEST_F(DesktopTest, LeavingAsksWhileAnythingIsHeldOrOnItsWay) {
+  // No question at all where nothing is held: nobody would answer it here.
+  const auto quits = [this](Qt::Key answer) {
+    if (answer != Qt::Key_unknown) when_modal([answer](QWidget& box) { QTest::keyClick(&box, answer); });
+    return window->close();
+  };
+  const auto told = [this](const char* what) { return rig.asked().back().find(what) != std::string::npos; };
   rig.buy("12");
-  when_modal([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
-  EXPECT_FALSE(window->close());
-  EXPECT_NE(rig.asked().back().find("12 requests have no answer yet"), std::string::npos);
+  EXPECT_FALSE(quits(Qt::Key_Escape));
+  EXPECT_TRUE(told("12 requests have no answer yet")) << rig.asked().back();
   rig.run(1s);
-  EXPECT_TRUE(window->close());
+  EXPECT_FALSE(quits(Qt::Key_N));
+  const std::string profit = fixed_text(rig.main().net_positions().total().floating_total(), 2);
+  const Texts asked = rig.asked();
+  EXPECT_EQ(asked.back(),
+            "12 positions are open. Close the terminal all the same?\n\n12 open positions\n"
+            "EURUSD 12 lots\nFloating P/L " +
+                profit);
+  EXPECT_EQ(asked.size(), 1U);
+  EXPECT_TRUE(quits(Qt::Key_Y));
+  open();
+  rig.main().accounts().logout_all();
+  rig.run(1s);
+  EXPECT_TRUE(quits(Qt::Key_unknown));
+  EXPECT_EQ(rig.asked().size(), 1U);
+}
+
+TEST_F(DesktopTest, LoggingOutSeveralAccountsAsksWithWhatTheyHold) {
+  rig.buy("12");
+  rig.run(1s);
+  const auto connected = [this] { return rig.main().accounts().connections().connected; };
+  const auto disconnect = [this](int first, int last, Qt::Key answer) {
+    to_front("accounts");
+    click_cell(window->accounts().list(), first, 1);
+    click_cell(window->accounts().list(), last, 1, Qt::ShiftModifier);
+    if (answer != Qt::Key_unknown) {
+      when_modal([this, answer](QWidget& box) {
+        // Meanwhile another row gets selected.
+        rig.main().accounts().lvwClients.select(rig.main().accounts().lvwClients.row(11));
+        QTest::keyClick(&box, answer);
+      });
+    }
+    press(Qt::Key_F6, Qt::ShiftModifier);
+    rig.run(1s);
+  };
+  rig.asked();
+  disconnect(0, 0, Qt::Key_unknown);
+  EXPECT_EQ(connected(), 11);
+  EXPECT_EQ(rig.asked().size(), 0U);
+  disconnect(0, 3, Qt::Key_N);
+  EXPECT_EQ(connected(), 11);
+  const Texts asked = rig.asked();
+  ASSERT_EQ(asked.size(), 1U);
+  EXPECT_TRUE(asked[0].starts_with("Log out 3 accounts?\n\n3 open positions\nEURUSD 3 lots\nFloating P/L "))
+      << asked[0];
+  disconnect(0, 3, Qt::Key_Y);
+  EXPECT_EQ(connected(), 8);
+  EXPECT_EQ(rig.main().accounts().lvwClients.row(11).text(frmMain::state), "Connected");
+  // The form itself never asks.
+  rig.asked();
+  for (Row& row : rig.main().accounts().lvwClients)
+    row.set_selected(true);
+  rig.main().accounts().MnuDisconnecte_Click();
+  rig.run(1s);
+  EXPECT_EQ(connected(), 0);
+  EXPECT_EQ(rig.asked().size(), 0U);
 }
 
 TEST_F(DesktopTest, RemovingSelectedAccountsAsksAndLeavesTheRest) {

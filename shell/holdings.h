@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "sessions/CClientAPIManagers.h"
+#include "views/frmTrade.h"
+
+namespace tutti {
+
+// What accounts hold at a moment: their open positions, and their orders and requests that wait for an
+// answer. For the questions that are asked before they are left alone.
+class Holdings {
+ public:
+  // `accounts`: their numbers; nothing for all accounts there are.
+  Holdings(const frmTrade& positions, const CClientAPIManagers& sessions,
+           const std::optional<std::set<std::int32_t>>& accounts = {});
+
+  int positions() const { return positions_; }
+  int on_their_way() const { return on_their_way_; }
+  // A line each: positions, lots per symbol, floating profit, orders on their way.
+  std::string text() const;
+
+ private:
+  std::map<std::string, double> lots_;  // per symbol, both sides alike
+  double floating_ = 0.0;               // account currency
+  int positions_ = 0;
+  int on_their_way_ = 0;
+};
+
+}  // namespace tutti
