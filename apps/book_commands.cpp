@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdio>
+
+#include <nlohmann/json.hpp>
 
 #include "apps/commands.h"
 #include "apps/output.h"
@@ -16,6 +19,26 @@ void print_list(const Terminal& terminal, const char* name, const RowList& list,
                 const NamedColumns& columns) {
   print_rows(terminal.options().form, name, list, columns,
              fmt::format("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name));
+}
+
+// What the dealing server has taken and not brought to its end, in the order in which it falls due.
+nlohmann::json in_flight_json(Terminal& terminal) {
+  nlohmann::json out = nlohmann::json::array();
+  for (const TradeRequest& request : terminal.server().requests()) {
+    nlohmann::json& one = out.emplace_back(nlohmann::json{{"number", request.number},
+                                                          {"account", request.account},
+                                                          {"request", name_of(request.kind)},
+                                                          {"stage", name_of(request.stage)},
+                                                          {"side", request.operation > 0 ? "buy" : "sell"},
+                                                          {"amount", request.amount},
+                                                          {"symbol", request.symbol},
+                                                          {"reference", nullptr},
+                                                          {"price", nullptr}});
+    if (request.reference != 0) one["reference"] = request.reference;
+    if (request.price > 0.0) one["price"] = request.price;
+    one["due"] = terminal.main().general().full_time_text(request.due);
+  }
+  return out;
 }
 
 // A command that ticks rows, presses a button, and waits for what becomes of each row.
@@ -96,16 +119,23 @@ int positions_command(Terminal& terminal) {
 
 int orders_command(Terminal& terminal) {
   terminal.log_in();
-  print_list(terminal, "orders", terminal.main().pending().lvwPending,
-             {{"order", frmPending::order_number},
-              {"account", frmPending::account},
-              {"type", frmPending::type, true},
-              {"amount", frmPending::amount},
-              {"symbol", frmPending::symbol, true},
-              {"price", frmPending::price},
-              {"stop_loss", frmPending::stop_loss},
-              {"take_profit", frmPending::take_profit},
-              {"time", frmPending::time, true}});
+  const RowList& list = terminal.main().pending().lvwPending;
+  const NamedColumns columns = {
+      {"order", frmPending::order_number},  {"account", frmPending::account},
+      {"type", frmPending::type, true},     {"amount", frmPending::amount},
+      {"symbol", frmPending::symbol, true}, {"price", frmPending::price},
+      {"stop_loss", frmPending::stop_loss}, {"take_profit", frmPending::take_profit},
+      {"time", frmPending::time, true}};
+  if (terminal.options().form == OutputForm::json)
+    fmt::print(
+        "{}\n",
+        nlohmann::json{{"orders", rows_json(list, columns)}, {"in_flight", in_flight_json(terminal)}}.dump(
+            2));
+  else
+    print_list(terminal, "orders", list, columns);
+  if (const auto count = terminal.server().requests_in_flight(); count > 0)
+    fmt::print(stderr, "{} requests are still on their way at the dealing server: --json names them\n",
+               count);
   return terminal.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 

@@ -1,6 +1,12 @@
 #include "apps/command_line.h"
 
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cstdio>
+
 #include "core/numbers.h"
+#include "dealer/book_folder.h"
 
 namespace tutti {
 
@@ -27,8 +33,31 @@ void add_terminal_options(CLI::App& app, TerminalOptions& options, const char* p
   app.add_option("--key", options.key_file,
                  "File with the key of the account records, outside the application folder");
   app.add_flag("--fresh", options.fresh, "Start the dealing server's book anew");
+  app.add_flag("--yes", options.yes, "Answer questions with yes");
   app.add_option("--precision", options.precision, "Decimals of shares, for this run")
       ->check(check_precision);
+}
+
+std::string fresh_question(const TerminalOptions& options) {
+  if (!options.fresh || options.yes || !BookFolder::holds_book(options.home)) return {};
+  return fmt::format("--fresh throws away all balances, positions and orders of the dealing server in {}.",
+                     options.home.string());
+}
+
+std::optional<int> ask_for_fresh(const TerminalOptions& options, int input) {
+  const std::string question = fresh_question(options);
+  if (question.empty()) return std::nullopt;
+  if (::isatty(input) == 0) {
+    fmt::print(stderr, "{} Nobody can be asked here: --yes answers yes\n", question);
+    return exit_status::usage;
+  }
+  fmt::print(stderr, "{} Go on? y/N ", question);
+  std::string answer;
+  for (char typed = 0; ::read(input, &typed, 1) == 1 && typed != '\n';)
+    answer += typed;
+  if (answer.starts_with('y') || answer.starts_with('Y')) return std::nullopt;
+  fmt::print(stderr, "Nothing was done\n");
+  return exit_status::some_refused;
 }
 
 }  // namespace tutti

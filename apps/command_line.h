@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -11,6 +12,12 @@ namespace tutti {
 // The options that every program of the terminal takes. `program` is what it was started as; the application
 // folder is the one beside it unless --home names another.
 void add_terminal_options(CLI::App& app, TerminalOptions& options, const char* program);
+
+// Asks on the terminal behind the descriptor, when --fresh has a book to throw away and --yes is not given.
+// Nothing: go on. Else the exit status: nobody could be asked, or the answer was no.
+std::optional<int> ask_for_fresh(const TerminalOptions& options, int input);
+// The question, empty when there is nothing to ask.
+std::string fresh_question(const TerminalOptions& options);
 
 // Checks of option values: the fault in words, empty when there is none. An unset variable of a script must
 // not come to mean everything.

@@ -41,10 +41,8 @@ tl::expected<void, FileError> Terminal::start() {
     config = std::move(*loaded);
   }
   server_ = std::make_unique<DealingServer>(std::move(config), clock_);
-  if (!options_.fresh) {
-    if (auto loaded = server_->load_book(book_file()); !loaded) return loaded;
-  }
-  saved_revision_ = server_->book_revision();
+  const auto notes = server_->keep_book(options_.home, options_.fresh);
+  if (!notes) return tl::unexpected(notes.error());
   if (auto written = write_first_list(); !written) return written;
 
   main_ = std::make_unique<Main>(
@@ -52,7 +50,10 @@ tl::expected<void, FileError> Terminal::start() {
       MachinePorts{clock_, ports_.prompt, ports_.sound, locale_, ports_.file_dialog, options_.key_file},
       ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint});
   if (!options_.precision.empty()) main_->general().hold_amount_precision(options_.precision);
-  return main_->start();
+  if (auto started = main_->start(); !started) return started;
+  for (const std::string& note : *notes)
+    tell_of_book(note);
+  return {};
 }
 
 tl::expected<void, FileError> Terminal::write_first_list() {
@@ -70,6 +71,7 @@ tl::expected<void, FileError> Terminal::write_first_list() {
 std::size_t Terminal::advance(std::size_t limit) {
   server_->advance();
   const std::size_t delivered = main_->deliver_events(limit);
+  watch_book();
   main_->poll_timers();
   return delivered;
 }
@@ -143,11 +145,18 @@ std::size_t Terminal::tell_unconnected(const std::vector<std::int32_t>& accounts
   return missing;
 }
 
-tl::expected<void, FileError> Terminal::save_book() {
-  if (server_->book_revision() == saved_revision_ && !options_.fresh) return {};
-  auto saved = server_->save_book(book_file());
-  if (saved) saved_revision_ = server_->book_revision();
-  return saved;
+void Terminal::tell_of_book(const std::string& text) {
+  main_->general().log(text, -1);
+  main_->messages().post({text, "Warning", "Ok", ""});
+}
+
+void Terminal::watch_book() {
+  const auto& failure = server_->book().failure();
+  if (failure.has_value() == book_failed_) return;
+  book_failed_ = failure.has_value();
+  tell_of_book(book_failed_
+                   ? "The dealing server stands still until it can store what happened: " + failure->text()
+                   : "The dealing server can store what happens again and goes on");
 }
 
 }  // namespace tutti

@@ -27,7 +27,8 @@ struct TerminalOptions {
   std::filesystem::path home;         // application folder
   std::filesystem::path dealer_file;  // empty: the sample market and accounts
   std::filesystem::path key_file;     // key of the account records; empty: where KeyFile looks for it
-  bool fresh = false;                 // start the dealing server's book anew
+  bool fresh = false;                 // start the dealing server's book anew; whoever sets it has asked
+  bool yes = false;                   // answer questions with yes
   int sample_accounts = 12;           // of the sample, while no dealer file is named
   bool demo = false;                  // a busy day on 500 accounts instead of the sample
   std::string precision;              // decimals of shares for this run; empty: as the settings file has it
@@ -84,14 +85,17 @@ class Terminal {
   bool knows(const std::vector<std::int32_t>& accounts) const;
   // How many of these accounts, or of all when none is named, are not connected; says so when there are any.
   std::size_t tell_unconnected(const std::vector<std::int32_t>& accounts) const;
-  // Writes the dealing server's book when it changed.
-  tl::expected<void, FileError> save_book();
+  // Closes the dealing server's book at the end of the program. What a crash leaves is taken up all the same.
+  tl::expected<void, FileError> save_book() { return server_->save_book(); }
 
  private:
   Terminal(TerminalOptions options, OperatorPorts ports);
   tl::expected<void, FileError> start();
   tl::expected<void, FileError> write_first_list();
-  std::filesystem::path book_file() const { return options_.home / "dealer-book.toml"; }
+  // What the operator must know of the dealing server's book: journaled, and a message.
+  void tell_of_book(const std::string& text);
+  // Tells once when the book can't be stored, and once when it can again.
+  void watch_book();
   bool logins_done(std::size_t& done) const;
 
   TerminalOptions options_;
@@ -101,7 +105,7 @@ class Terminal {
   ProcessLocale locale_;
   std::unique_ptr<DealingServer> server_;
   std::unique_ptr<Main> main_;
-  std::uint64_t saved_revision_ = 0;
+  bool book_failed_ = false;  // as the operator was told last
 };
 
 }  // namespace tutti

@@ -26,4 +26,15 @@ struct BookState {
   std::vector<TradeRequest> requests;
 };
 
+// What became different in the book: one line of its log. Whoever has the book and all entries in their order
+// has the state.
+struct BookEntry : BookState {     // 0 and the epoch: as before; of the lists what is new or has changed
+  std::vector<std::int64_t> gone;  // numbers of positions, orders and requests that are no more
+
+  bool empty() const {
+    return next_number == 0 && next_rollover == TimePoint{} && accounts.empty() && requests.empty() &&
+           gone.empty();
+  }
+};
+
 }  // namespace tutti

@@ -4,7 +4,7 @@
 #include <cassert>
 #include <utility>
 
-#include "dealer/book_file.h"
+#include "dealer/configured_orders.h"
 #include "dealer/dealer_client.h"
 #include "dealer/dealer_session.h"
 #include "dealer/random.h"
@@ -62,13 +62,14 @@ DealingServer::DealingServer(DealerConfig config, const Clock& clock)
       rates_(market_),
       watch_(market_),
       faults_(config_.faults, time_),
-      desk_(config_, market_, faults_) {
+      desk_(config_, market_, faults_),
+      book_(config_, market_, accounts_, desk_, next_rollover_) {
   assert(!config_.fault());
   accounts_.reserve(config_.accounts.size());
   for (const AccountConfig& account : config_.accounts) {
     by_number_.emplace(account.number, accounts_.size());
     accounts_.emplace_back(account, market_, rates_, watch_);
-    place_orders(accounts_.back());
+    place_configured_orders(config_, desk_, accounts_.back(), time_);
   }
 }
 
@@ -98,7 +99,7 @@ std::optional<TimePoint> DealingServer::next_moment() const {
 }
 
 std::optional<TimePoint> DealingServer::next_due() const {
-  const auto moment = next_moment();
+  const auto moment = book_.failure() ? book_.next_try() : next_moment();
   if (!moment) return std::nullopt;
   return *moment - lag_;
 }
@@ -107,6 +108,8 @@ void DealingServer::advance() {
   if (delivering_) return;
   // A clock that is set back stops nothing: the server's own time goes on from where it was.
   if (clock_.now() + lag_ < time_) lag_ = time_ - clock_.now();
+  if (book_.failure()) store();
+  if (book_.failure()) return;
   const TimePoint target = clock_.now() + lag_;
   market_.skip_to(target);
   next_second_ = std::max(next_second_, TimePoint{std::chrono::floor<std::chrono::seconds>(target)});
@@ -116,6 +119,7 @@ void DealingServer::advance() {
   faults_.set_time(time_);
   next_rollover_ = std::max(next_rollover_, next_midnight(time_));  // nights without a position
   revalue();
+  store();
 }
 
 void DealingServer::run(TimePoint at) {
@@ -146,12 +150,13 @@ void DealingServer::roll_over() {
   const int nights = nights_at(next_rollover_);
   next_rollover_ += std::chrono::days{1};
   if (nights == 0) return;
-  ++rollovers_;
   for (TradingAccount& account : accounts_) {
+    if (account.positions().empty()) continue;
     account.roll_over(nights);
+    desk_.note_change(account);
     account.revalue();
     DealerSession* session = account.session();
-    if (session == nullptr || account.positions().empty()) continue;
+    if (session == nullptr) continue;
     for (const TradingAccount::Position& position : account.positions())
       session->tell_position(PositionNews::Change::changed, position.record);
     session->tell_summary(true);
@@ -179,7 +184,7 @@ void DealingServer::revalue() {
 bool DealingServer::deliver_next() {
   if (delivering_) return false;
   Event event;
-  while (queue_.pop(event)) {
+  while (may_deliver() && queue_.pop(event)) {
     if (event.session == nullptr) continue;
     delivered_account_ = event.session->number();
     const Flag delivering(delivering_);
@@ -248,25 +253,6 @@ void DealingServer::end_sessions(const FaultScript::Drop& which) {
     drop(account.number);
 }
 
-void DealingServer::place_orders(TradingAccount& account) {
-  for (const EntryOrderConfig& config : config_.entry_orders) {
-    if (config.account != account.config().number) continue;
-    assert(market_.find(config.symbol));
-    PendingOrder order;
-    order.order = desk_.take_number();
-    order.kind = config.ticket > 0 ? "ST" : "LO";
-    order.reference = config.ticket;
-    order.operation = config.operation;
-    order.symbol = config.symbol;
-    order.amount = config.amount;
-    order.price = config.price;
-    order.stop_loss = config.stop_loss;
-    order.take_profit = config.take_profit;
-    order.time = time_;
-    account.add_order(std::move(order));
-  }
-}
-
 bool DealingServer::known_user(const LoginData& data) const {
   return std::any_of(config_.accounts.begin(), config_.accounts.end(), [&](const AccountConfig& account) {
     return same_text(account.user, data.user) && same_text(account.password, data.password.reveal());
@@ -284,63 +270,21 @@ const TradingAccount* DealingServer::find_account(std::int32_t number) const {
   return at == by_number_.end() ? nullptr : &accounts_[at->second];
 }
 
-tl::expected<void, FileError> DealingServer::load_book(const std::filesystem::path& file) {
+tl::expected<std::vector<std::string>, FileError> DealingServer::keep_book(
+    const std::filesystem::path& folder, bool fresh) {
   assert(online_.empty());
-  std::error_code error;
-  if (!std::filesystem::exists(file, error)) return {};
-  auto book = read_book(file);
-  if (!book) return tl::unexpected(book.error());
-  const auto known = [&](std::int32_t account) { return by_number_.contains(account); };
-  const auto complain = [&](std::int32_t account, const std::string& symbol) {
-    return tl::unexpected(FileError{
-        file, "account " + std::to_string(account) + " trades " + symbol + ", which is not in this market"});
-  };
-  for (const BookState::Account& account : book->accounts) {
-    if (!known(account.number)) continue;
-    for (const OpenPosition& position : account.positions)
-      if (!market_.find(position.symbol)) return complain(account.number, position.symbol);
-    for (const PendingOrder& order : account.orders)
-      if (!market_.find(order.symbol)) return complain(account.number, order.symbol);
-  }
-  for (const TradeRequest& request : book->requests)
-    if (known(request.account) && !market_.find(request.symbol))
-      return complain(request.account, request.symbol);
-
-  desk_.set_next_number(std::max(desk_.next_number(), book->next_number));
-  if (book->next_rollover != TimePoint{}) next_rollover_ = book->next_rollover;
-  // What the configuration put on an account gets new numbers where the book doesn't know the account.
-  for (TradingAccount& account : accounts_) {
-    account.restore({account.config().number, account.config().balance, account.config().credit, {}, {}});
-    if (std::none_of(book->accounts.begin(), book->accounts.end(), [&](const BookState::Account& other) {
-          return other.number == account.config().number;
-        }))
-      place_orders(account);
-  }
-  absent_ = {};
-  for (BookState::Account& account : book->accounts) {
-    if (known(account.number))
-      accounts_[by_number_[account.number]].restore(account);
-    else
-      absent_.accounts.push_back(std::move(account));
-  }
-  for (TradeRequest& request : book->requests) {
-    if (known(request.account))
-      desk_.resume(accounts_[by_number_[request.account]], request, now());
-    else
-      absent_.requests.push_back(std::move(request));
-  }
-  return {};
+  return book_.open(folder, fresh, now());
 }
 
-tl::expected<void, FileError> DealingServer::save_book(const std::filesystem::path& file) const {
-  BookState book = absent_;
-  book.next_number = desk_.next_number();
-  book.next_rollover = next_rollover_;
-  for (const TradingAccount& account : accounts_)
-    book.accounts.push_back(account.state());
-  for (TradeRequest& request : desk_.requests())
-    book.requests.push_back(std::move(request));
-  return replace_file(file, book_text(book));
+void DealingServer::store() {
+  if (book_.store(now())) stored_events_ = queue_.pushed();
+  desk_.set_shut(book_.failure().has_value());
+}
+
+bool DealingServer::may_deliver() {
+  if (!book_.is_open() || queue_.popped() < stored_events_) return true;
+  store();
+  return queue_.popped() < stored_events_;
 }
 
 }  // namespace tutti

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -13,7 +14,7 @@
 #include "core/clock.h"
 #include "core/event_source.h"
 #include "core/file_writer.h"
-#include "dealer/book_state.h"
+#include "dealer/book_keeper.h"
 #include "dealer/dealer_config.h"
 #include "dealer/event_queue.h"
 #include "dealer/fault_script.h"
@@ -55,13 +56,19 @@ class DealingServer final : public EventSource {
   // none.
   bool drop(std::int32_t account);
 
-  // Replaces balances, positions and requests by those of a book file. A missing file leaves everything as
-  // configured; a damaged one is an error that names the line, and changes nothing. Before the first login.
-  tl::expected<void, FileError> load_book(const std::filesystem::path& file);
-  // Requests still in flight are kept too and executed after the next load.
-  tl::expected<void, FileError> save_book(const std::filesystem::path& file) const;
-  // Grows with every change that save_book would write.
-  std::uint64_t book_revision() const { return desk_.revision() + rollovers_; }
+  // Keeps balances, positions, orders and requests in a folder from now on, and takes up what an earlier run
+  // left there; `fresh` throws that away, but for the numbers it gave. From then on nobody is told of
+  // anything that is not on the disk. Answers, for the operator, what was damaged and had to be left out.
+  // Anything else that can't be read is an error that names file and line, and changes nothing. Before the
+  // first login.
+  tl::expected<std::vector<std::string>, FileError> keep_book(const std::filesystem::path& folder,
+                                                              bool fresh = false);
+  // Writes the book anew, so that its log is empty. To be called at the end; what a run without it leaves is
+  // taken up all the same.
+  tl::expected<void, FileError> save_book() { return book_.save(); }
+  // While what happened can't be stored, its failure() says why. The server then stands still: it moves
+  // nothing, takes no request, and tells nothing of what is not stored.
+  const BookKeeper& book() const { return book_; }
 
   const DealerConfig& config() const { return config_; }
   const Market& market() const { return market_; }
@@ -70,6 +77,7 @@ class DealingServer final : public EventSource {
   const TradingAccount* find_account(std::int32_t number) const;
   // Requests that are not at their end: on their way, or pending.
   std::size_t requests_in_flight() const { return desk_.in_flight(); }
+  std::vector<TradeRequest> requests() const { return desk_.requests(); }
   // How the requests of this run ended and what prices set off, oldest first; the last 100,000 at least.
   const std::vector<Outcome>& outcomes() const { return desk_.outcomes(); }
 
@@ -101,8 +109,10 @@ class DealingServer final : public EventSource {
   bool known_user(const LoginData& data) const;
   void end_session(DealerSession& session);
   void end_sessions(const FaultScript::Drop& which);
-  // Puts the configured entry orders on an account.
-  void place_orders(TradingAccount& account);
+  // Stores what has happened, and with it lets everybody be told who waits for it.
+  void store();
+  // Whether the oldest event in the queue tells of nothing that is not stored.
+  bool may_deliver();
 
   const DealerConfig config_;
   const Clock& clock_;
@@ -117,11 +127,11 @@ class DealingServer final : public EventSource {
   std::map<std::int32_t, std::size_t> by_number_;
   FaultScript faults_;
   OrderDesk desk_;
+  BookKeeper book_;
   EventQueue queue_;
+  std::uint64_t stored_events_ = 0;  // so many from the first on may be delivered, when there is a book
   std::multimap<TimePoint, PendingLogin> logins_;
   std::vector<DealerSession*> online_;
-  BookState absent_;  // what the book holds of accounts that are not configured in this run
-  std::uint64_t rollovers_ = 0;
   bool stale_ = false;
   bool delivering_ = false;
   std::int32_t delivered_account_ = -1;

@@ -101,6 +101,9 @@ class EventQueue {
   void push(DealerSession& session, News news);
   // Moves the oldest event out; false when none is left.
   bool pop(Event& event);
+  // How many events were ever pushed, and how many of them have been popped.
+  std::uint64_t pushed() const { return popped_ + (events_.size() - head_); }
+  std::uint64_t popped() const { return popped_; }
   // Takes back everything that waits for a session.
   void forget(const DealerSession& session);
   // The same, but for order results, connection states and waiting modes, which outlive a connection.
@@ -109,6 +112,7 @@ class EventQueue {
  private:
   std::vector<Event> events_;
   std::size_t head_ = 0;
+  std::uint64_t popped_ = 0;
 };
 
 }  // namespace tutti

@@ -79,7 +79,13 @@ OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScri
       rules_(config, market),
       execution_(market),
       market_(market),
-      next_number_(config.first_number) {}
+      next_number_(config.first_number),
+      drawn_(config.first_number - 1) {}
+
+void OrderDesk::start_numbers(std::int64_t number) {
+  next_number_ = number;
+  drawn_ = config_.first_number - 1;
+}
 
 std::int32_t OrderDesk::open(TradingAccount& account, std::int32_t side, std::optional<std::size_t> symbol,
                              double amount, TimePoint now) {
@@ -152,24 +158,31 @@ std::int32_t OrderDesk::cancel(TradingAccount& account, TradeKind kind, std::int
 
 std::int32_t OrderDesk::admit(TradingAccount& account, TradeRequest request, std::int32_t code,
                               FaultPoint point, TimePoint now) {
-  const Mishap mishap = faults_.strike(account.config().number, point, now);
-  if (mishap.refuse != 0) code = mishap.refuse;
   request.account = account.config().number;
-  if (code == request::taken) request.number = next_number_++;
-  ++revision_;
-  if (code != request::taken || mishap.swallow) {
+  const Mishap mishap = shut_ ? Mishap{} : faults_.strike(account.config().number, point, now);
+  if (mishap.refuse != 0) code = mishap.refuse;
+  if (shut_) code = request::silent;
+  if (code != request::taken) {
     log(request, {.request = code}, now);
     return code;
   }
-  const TimePoint due = now + latency(request) + mishap.delay;
-  flights_.emplace(due, Flight{.account = &account, .request = std::move(request), .mishap = mishap});
+  request.number = take_number();
+  note_change(account);
+  if (mishap.swallow) {
+    log(request, {.request = code}, now);
+    return code;
+  }
+  const auto wait = draw_latency();
+  flights_.emplace(
+      now + wait + mishap.delay,
+      Flight{.account = &account, .request = std::move(request), .mishap = mishap, .latency = wait});
   return code;
 }
 
-// The number decides, so that what happens to one request doesn't move the others.
-std::chrono::milliseconds OrderDesk::latency(const TradeRequest& request) const {
-  return with_jitter(config_.order_latency,
-                     scatter(config_.seed, static_cast<std::uint64_t>(request.number)));
+// The count of the run decides, so that what happens to one request doesn't move the others, and that a run
+// repeats itself whatever its numbers are.
+std::chrono::milliseconds OrderDesk::draw_latency() const {
+  return with_jitter(config_.order_latency, scatter(config_.seed, static_cast<std::uint64_t>(drawn_)));
 }
 
 void OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) {
@@ -184,21 +197,19 @@ void OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) 
 std::vector<TradeRequest> OrderDesk::requests() const {
   std::vector<TradeRequest> requests;
   for (const auto& [due, flight] : flights_) {
-    requests.push_back(flight.request);
+    TradeRequest& request = requests.emplace_back(flight.request);
+    request.due = due;
+    if (!flight.requoted) continue;
     // A new price doesn't outlive the run in which it was offered.
-    if (flight.requoted) requests.back().stage = Stage::rejected;
+    request.stage = Stage::rejected;
+    request.due = flight.deadline + std::chrono::seconds{1};
   }
   return requests;
 }
 
 void OrderDesk::resume(TradingAccount& account, const TradeRequest& request, TimePoint now) {
-  auto wait = latency(request);
-  if (request.stage == Stage::dealing) {
-    wait = rules_.dealing_time(account, request);
-    account.add_order(TradeExecution::row_of(request, now));
-  }
-  flights_.emplace(now + wait, Flight{.account = &account, .request = request, .mishap = {}});
-  ++revision_;
+  if (request.stage == Stage::dealing) account.add_order(TradeExecution::row_of(request, now));
+  flights_.emplace(std::max(request.due, now), Flight{.account = &account, .request = request, .mishap = {}});
 }
 
 std::optional<TimePoint> OrderDesk::next_due() const {
@@ -212,7 +223,7 @@ void OrderDesk::run(TimePoint at) {
   while (!flights_.empty() && flights_.begin()->first <= at) {
     Flight flight = std::move(flights_.extract(flights_.begin()).mapped());
     flight.account->revalue();
-    ++revision_;
+    note_change(*flight.account);
     switch (flight.request.stage) {
       case Stage::sent:
         arrive(std::move(flight), at);
@@ -299,7 +310,7 @@ void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) 
 // Everything that can be said of a number, about one that is nobody's. News of an opened or changed position
 // are left out: they are what makes a position known.
 void OrderDesk::tell_unknown(TradingAccount& account, OrderReport report, TimePoint at) {
-  report.number = next_number_++;
+  report.number = take_number();
   report.result = result::succeeded;
   report.state = order_state::executed;
   for (const Answer event :

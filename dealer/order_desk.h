@@ -57,14 +57,27 @@ class OrderDesk {
   void run_triggers(std::vector<TradingAccount>& accounts, PriceWatch& watch, TimePoint at);
 
   std::size_t in_flight() const { return flights_.size(); }
+  // In the order in which they fall due.
   std::vector<TradeRequest> requests() const;
-  // Takes a request up again that an earlier run had taken.
+  // Takes a request up again that an earlier run had taken. It keeps its time; if that is over, it is due
+  // now.
   void resume(TradingAccount& account, const TradeRequest& request, TimePoint now);
+  // While it is shut, every request is refused without a text, and so is every answer to a requote.
+  void set_shut(bool shut) { shut_ = shut; }
 
-  std::int64_t take_number() { return next_number_++; }
+  std::int64_t take_number() {
+    ++drawn_;
+    return next_number_++;
+  }
   std::int64_t next_number() const { return next_number_; }
-  void set_next_number(std::int64_t number) { next_number_ = number; }
-  // Grows with every request taken or brought further.
+  // The first number of this run.
+  void start_numbers(std::int64_t number);
+  // Something of this account has changed that the book holds.
+  void note_change(TradingAccount& account) {
+    account.touch();
+    ++revision_;
+  }
+  // Grows with every change and every number given.
   std::uint64_t revision() const { return revision_; }
   const std::vector<Outcome>& outcomes() const { return log_.all(); }
 
@@ -73,6 +86,7 @@ class OrderDesk {
     TradingAccount* account = nullptr;
     TradeRequest request;
     Mishap mishap;
+    std::chrono::milliseconds latency{0};
     // Counts while the request is requoted.
     bool requoted = false;
     double new_price = 0.0;
@@ -84,7 +98,8 @@ class OrderDesk {
   // Refuses the request or sends it on its way.
   std::int32_t admit(TradingAccount& account, TradeRequest request, std::int32_t code, FaultPoint point,
                      TimePoint now);
-  std::chrono::milliseconds latency(const TradeRequest& request) const;
+  // Of the request whose number was given last.
+  std::chrono::milliseconds draw_latency() const;
   // What the request says of itself is filled in.
   void log(const TradeRequest& request, Outcome outcome, TimePoint at);
   // The price agreed on, or else the market's.
@@ -120,7 +135,9 @@ class OrderDesk {
   OutcomeLog log_;
   Flights flights_;
   std::int64_t next_number_;
+  std::int64_t drawn_;  // what the last latency was drawn by
   std::uint64_t revision_ = 0;
+  bool shut_ = false;
 };
 
 }  // namespace tutti

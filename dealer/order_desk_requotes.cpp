@@ -59,6 +59,7 @@ OrderDesk::Flights::iterator OrderDesk::find_requote(const TradingAccount& accou
 }
 
 std::int32_t OrderDesk::accept_requote(TradingAccount& account, std::int64_t order, TimePoint now) {
+  if (shut_) return request::silent;
   const auto at = find_requote(account, order);
   if (at == flights_.end()) return no_requote(account, order);
   if (now >= at->second.deadline) return request::timer_expired;
@@ -68,6 +69,7 @@ std::int32_t OrderDesk::accept_requote(TradingAccount& account, std::int64_t ord
 }
 
 std::int32_t OrderDesk::reject_requote(TradingAccount& account, std::int64_t order, TimePoint now) {
+  if (shut_) return request::silent;
   const auto at = find_requote(account, order);
   if (at == flights_.end()) return no_requote(account, order);
   leave_dealing(at, Stage::rejected, now);
@@ -89,9 +91,9 @@ void OrderDesk::leave_dealing(Flights::iterator at, Stage stage, TimePoint now) 
   flight.requoted = false;
   flight.request.stage = stage;
   TradeExecution::remove_row(*flight.account, flight.request.known_as());
-  const TimePoint due = now + latency(flight.request);
+  note_change(*flight.account);
+  const TimePoint due = now + flight.latency;
   flights_.emplace(due, std::move(flight));
-  ++revision_;
 }
 
 }  // namespace tutti

@@ -87,7 +87,7 @@ void OrderDesk::set_off(TradingAccount& account, std::int64_t number, TimePoint 
   if (!final) return;
   const Mishap mishap = faults_.strike(account.config().number, FaultPoint::trigger, at);
   if (mishap.reject != 0) code = mishap.reject;
-  ++revision_;
+  note_change(account);
 
   OrderReport report;
   report.number = number;

@@ -15,7 +15,7 @@ const toml::node* TableReader::take(std::string_view key) {
 void TableReader::complain(std::string_view key, std::string_view why) {
   if (fault_) return;
   const toml::node* node = table_.get(key);
-  const auto line = (node != nullptr ? node->source() : table_.source()).begin.line;
+  const auto line = (node != nullptr ? node->source() : table_.source()).begin.line + lines_before_;
   fault_ = fmt::format("line {}: {} {}", line, key, why);
 }
 
@@ -116,17 +116,38 @@ std::vector<const toml::table*> TableReader::tables(std::string_view key) {
   return tables;
 }
 
+std::vector<std::int64_t> TableReader::integers(std::string_view key) {
+  std::vector<std::int64_t> values;
+  const toml::node* node = take(key);
+  if (node == nullptr) return values;
+  const toml::array* array = node->as_array();
+  if (array != nullptr)
+    for (const toml::node& element : *array)
+      if (const auto* value = element.as_integer(); value != nullptr && value->get() > 0)
+        values.push_back(value->get());
+  if (array == nullptr || values.size() != array->size()) complain(key, "must be a list of whole numbers");
+  return values;
+}
+
+const toml::table* TableReader::table(std::string_view key) {
+  const toml::node* node = take(key);
+  if (node == nullptr) return nullptr;
+  if (!node->is_table()) complain(key, "must be a table");
+  return node->as_table();
+}
+
 void TableReader::finish() {
   for (const auto& [key, node] : table_)
     if (std::find(taken_.begin(), taken_.end(), key.str()) == taken_.end())
       complain(key.str(), "is not known here");
 }
 
-std::optional<toml::table> parse_toml(std::string_view content, std::optional<std::string>& fault) {
+std::optional<toml::table> parse_toml(std::string_view content, std::optional<std::string>& fault,
+                                      std::size_t lines_before) {
   try {
     return toml::parse(content);
   } catch (const toml::parse_error& error) {
-    fault = fmt::format("line {}: {}", error.source().begin.line, error.description());
+    fault = fmt::format("line {}: {}", error.source().begin.line + lines_before, error.description());
     return std::nullopt;
   }
 }

@@ -25,8 +25,10 @@ struct Word {
 // the first value that does not fit, and a key that nobody asked for, become the fault.
 class TableReader {
  public:
-  // `fault` collects over all tables of one file; once it is set, nothing more is read.
-  TableReader(const toml::table& table, std::optional<std::string>& fault) : table_(table), fault_(fault) {}
+  // `fault` collects over all tables of one file; once it is set, nothing more is read. The table was parsed
+  // from a part of the file with so many lines in front of it.
+  TableReader(const toml::table& table, std::optional<std::string>& fault, std::size_t lines_before = 0)
+      : table_(table), fault_(fault), lines_before_(lines_before) {}
 
   // Any number, infinite ones and nan included.
   void any_number(std::string_view key, double& value);
@@ -39,10 +41,14 @@ class TableReader {
   void texts(std::string_view key, std::vector<std::string>& value);
   // One whole number, or a list of them.
   void integers(std::string_view key, std::vector<std::int32_t>& value, std::int32_t low, std::int32_t high);
+  // A list of whole numbers above 0; empty when the key is missing.
+  std::vector<std::int64_t> integers(std::string_view key);
   // A number of seconds, fractions allowed.
   void seconds(std::string_view key, std::chrono::milliseconds& value, double low, double high);
   // The tables of an array of tables; none when the key is missing.
   std::vector<const toml::table*> tables(std::string_view key);
+  // A table; nullptr when the key is missing.
+  const toml::table* table(std::string_view key);
 
   bool has(std::string_view key) const { return table_.contains(key); }
   // Makes a missing key a fault.
@@ -65,6 +71,7 @@ class TableReader {
 
   const toml::table& table_;
   std::optional<std::string>& fault_;
+  std::size_t lines_before_;
   std::vector<std::string_view> taken_;
 };
 
@@ -88,7 +95,8 @@ inline constexpr Word<std::int32_t> side_words[] = {
     {"sell_stop", operation::sell_stop},
 };
 
-// Parses a file; the error names the line.
-std::optional<toml::table> parse_toml(std::string_view content, std::optional<std::string>& fault);
+// Parses a file, or a part of one with so many lines in front of it; the error names the line.
+std::optional<toml::table> parse_toml(std::string_view content, std::optional<std::string>& fault,
+                                      std::size_t lines_before = 0);
 
 }  // namespace tutti

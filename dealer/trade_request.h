@@ -2,6 +2,9 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+
+#include "core/clock.h"
 
 namespace tutti {
 
@@ -37,10 +40,17 @@ struct TradeRequest {
   double stop_loss = 0.0;  // 0: none, and with a change: none any more
   double take_profit = 0.0;
   Stage stage = Stage::sent;
+  TimePoint due{};  // when the next thing happens to it by itself
 
   // Number by which the client knows it: it speaks of a close or of stops by the ticket, of a change or a
   // cancellation by the order.
   std::int64_t known_as() const { return reference != 0 ? reference : number; }
+
+  bool operator==(const TradeRequest&) const = default;
 };
+
+// As the book names them.
+std::string_view name_of(TradeKind kind);
+std::string_view name_of(TradeRequest::Stage stage);
 
 }  // namespace tutti

@@ -86,6 +86,11 @@ class TradingAccount {
   // False, and nothing changed, when a position or order is in a symbol that does not exist.
   bool restore(const BookState::Account& state);
 
+  // Whether the account may differ from what the book's files hold of it.
+  bool touched() const { return touched_; }
+  void touch() { touched_ = true; }
+  void note_stored() { touched_ = false; }
+
   // The session that is logged in on this account, at most one.
   DealerSession* session() const { return session_; }
   void set_session(DealerSession* session) { session_ = session; }
@@ -107,6 +112,7 @@ class TradingAccount {
   std::vector<Position> positions_;
   std::vector<PendingOrder> orders_;
   DealerSession* session_ = nullptr;
+  bool touched_ = false;
 };
 
 }  // namespace tutti

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <limits>
 
+#include "core/file_writer.h"
 #include "dealer_rig.h"
 
 namespace tutti {
@@ -118,16 +119,21 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
 }
 
 TEST(DealerRequests, EveryCodeIsReachable) {
-  // The books of an account that has a position of half a lot and an entry order.
-  const auto file = std::filesystem::path(::testing::TempDir()) / "dealer_codes.toml";
+  // The account has a position of half a lot and an entry order. What goes wrong does so from the first
+  // second on; where nothing could ever have been opened, a book brings the two.
+  const auto folder = std::filesystem::path(::testing::TempDir()) / "dealer_codes";
+  const auto file = folder / "dealer-book.toml";
+  std::filesystem::remove_all(folder);
+  DealerConfig with_order = still_market();
+  with_order.entry_orders = {{first, buy, "EURUSD", 0.2, 1.07, 0, 0, 0}};
   std::int64_t ticket = 0;
   {
-    DealerConfig config = still_market();
-    config.entry_orders = {{first, buy, "EURUSD", 0.2, 1.07, 0, 0, 0}};
-    DealerRig rig(config);
+    DealerRig rig(with_order);
+    ASSERT_TRUE(rig.server.keep_book(folder));
     ticket = open_half(rig, rig.trader(0), buy);
-    ASSERT_TRUE(rig.server.save_book(file));
+    ASSERT_TRUE(rig.server.save_book());
   }
+  const std::string book = *read_file(file);
   struct Kind {
     FaultPoint point;
     Words answer;  // behind the first word comes the code
@@ -149,13 +155,8 @@ TEST(DealerRequests, EveryCodeIsReachable) {
        {"new stops "},
        [&](const auto& seat) { return seat.client->UpdateSLTP(ticket, stop_prices(1.08, 0)); }},
   };
-  using Change = std::function<void(DealerConfig&)>;
-  const auto ask = [&](const Kind& kind, std::int32_t request, std::int32_t result, const Change& change) {
-    DealerConfig config = still_market();
-    change(config);
-    DealerRig rig(config);
-    ASSERT_TRUE(rig.server.load_book(file));
-    const auto seat = rig.trader(0);
+  const auto check = [&](const Kind& kind, DealerRig& rig, const DealerRig::Seat& seat, std::int32_t request,
+                         std::int32_t result) {
     EXPECT_EQ(kind.send(seat), request);
     rig.run(200);
     Words answer = request == 1 ? kind.answer : Words{};
@@ -167,18 +168,40 @@ TEST(DealerRequests, EveryCodeIsReachable) {
     EXPECT_EQ(seat.client->PendingOrderItem(1)->price, 1.07);
     EXPECT_EQ(seat.client->OpenPositionItem(1)->stop_loss, 0.0);
   };
+  using Change = std::function<void(DealerConfig&)>;
+  const auto ask = [&](const Kind& kind, std::int32_t request, std::int32_t result, const Change& change) {
+    DealerConfig config = still_market();
+    change(config);
+    DealerRig rig(config);
+    std::filesystem::remove_all(folder);
+    ASSERT_TRUE(replace_file(file, book));
+    ASSERT_TRUE(rig.server.keep_book(folder));
+    check(kind, rig, rig.trader(0), request, result);
+  };
+  const auto go_wrong = [&](const Kind& kind, FaultKind wrong, std::int32_t code) {
+    DealerConfig config = with_order;
+    config.faults = {fault(wrong, {kind.point}, code)};
+    config.faults[0].after = std::chrono::seconds{1};
+    DealerRig rig(config);
+    const auto seat = rig.trader(0);
+    EXPECT_EQ(open_half(rig, seat, buy), ticket);
+    rig.run(1'000);
+    *seat.seen = {};
+    const bool refused = wrong == FaultKind::refuse;
+    check(kind, rig, seat, refused ? code : 1, refused ? 0 : code);
+  };
   for (const Kind& kind : kinds) {
     ask(kind, 2, 0, [](DealerConfig& c) { c.accounts[0].privilege = false; });
     ask(kind, 1, 3, [](DealerConfig& c) { c.symbols[0].trading = Trading::closed; });
     ask(kind, 1, 4, [](DealerConfig& c) { c.symbols[0].trading = Trading::halted; });
     for (const std::int32_t code : {4, 5, 6, 7, 8, 10, 21, 99})
-      ask(kind, code, 0, [&](DealerConfig& c) { c.faults = {fault(FaultKind::refuse, {kind.point}, code)}; });
+      go_wrong(kind, FaultKind::refuse, code);
     for (const std::int32_t code : {2, 5, 6, 7, 8, 9, 10, 11, 12, 13, 100})
-      ask(kind, 1, code, [&](DealerConfig& c) { c.faults = {fault(FaultKind::reject, {kind.point}, code)}; });
+      go_wrong(kind, FaultKind::reject, code);
   }
   ask(kinds[0], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_request = 5; });
   ask(kinds[1], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_close_request = 5; });
-  std::filesystem::remove(file);
+  std::filesystem::remove_all(folder);
 }
 
 TEST(DealerRequests, SwapAndCommissionMakeTheBooksAdd) {

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QLocale>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <algorithm>
 #include <clocale>
 #include <optional>
@@ -13,6 +12,7 @@
 #include "apps/command_line.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
+#include "core/frmMsgBox.h"
 #include "gui/desktop_file_dialog.h"
 #include "gui/desktop_prompt.h"
 #include "gui/desktop_sound.h"
@@ -26,7 +26,6 @@ namespace {
 
 using namespace tutti;
 
-constexpr std::chrono::minutes book_interval{1};
 constexpr std::chrono::milliseconds nothing_due{1000};
 
 struct Arguments {
@@ -60,15 +59,6 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
                        [&terminal] { return until_due(terminal); }}};
   heartbeat.start();
 
-  const auto save_book = [&terminal] {
-    if (const auto saved = terminal.save_book(); !saved) {
-      terminal.main().general().log("The dealing server's book was not saved: " + saved.error().text(), -1);
-    }
-  };
-  QTimer book_timer;
-  QObject::connect(&book_timer, &QTimer::timeout, &book_timer, save_book);
-  book_timer.start(book_interval);
-
   std::optional<ScreenshotTour> tour;
   if (!arguments.screenshots.empty()) {
     tour.emplace(window, terminal.main(), screen, arguments.screenshots,
@@ -77,7 +67,8 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
   }
   const int status = QCoreApplication::exec();
   heartbeat.stop();
-  save_book();
+  if (const auto saved = terminal.save_book(); !saved)
+    terminal.main().general().log("The dealing server's book was not saved: " + saved.error().text(), -1);
   return status;
 }
 
@@ -117,6 +108,12 @@ int main(int argc, char** argv) {
   DesktopPrompt prompt{screen};
   DesktopSound sound{arguments.terminal.home};
   DesktopFileDialog files;
+  if (const std::string question = fresh_question(arguments.terminal); !question.empty()) {
+    MessageQueue nothing_waits;
+    constexpr int yes = 1;
+    if (frmMsgBox{prompt, nothing_waits}.GeneralQuestionMsg(question + " Go on?") != yes)
+      return exit_status::some_refused;
+  }
   const auto terminal = Terminal::open(arguments.terminal, {prompt, sound, files});
   if (!terminal) {
     prompt.system_box(terminal.error().text(), "Tutti can't start");

@@ -1,6 +1,7 @@
 // The terminal without a screen, for scripts and servers.
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <charconv>
@@ -88,8 +89,6 @@ int main(int argc, char** argv) {
 
   TerminalOptions options;
   add_terminal_options(app, options, argv[0]);
-  bool yes = false;
-  app.add_flag("--yes", yes, "Answer questions with yes");
   bool json = false;
   bool csv = false;
   app.add_flag("--json", json, "Print for machines");
@@ -185,7 +184,8 @@ int main(int argc, char** argv) {
   if (json) options.form = OutputForm::json;
   if (csv) options.form = OutputForm::csv;
 
-  ConsolePrompt prompt{yes};
+  if (const auto refused = ask_for_fresh(options, STDIN_FILENO)) return *refused;
+  ConsolePrompt prompt{options.yes};
   SilentSound sound;
   NoFileDialog file_dialog;
   const auto terminal = Terminal::open(options, {prompt, sound, file_dialog});
@@ -206,5 +206,6 @@ int main(int argc, char** argv) {
   if (cancel->parsed()) status = cancel_command(**terminal, rows);
   if (verify->parsed()) status = verify_command(**terminal);
   if (journal->parsed()) status = journal_command(**terminal, journal_account);
+  show_messages(**terminal, prompt);
   return finish(**terminal, status);
 }

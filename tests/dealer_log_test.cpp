@@ -1,0 +1,323 @@
+// What outlives a program that ends in the middle: the server is dropped without its end, and another one
+// starts in the folder.
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <csignal>
+#include <optional>
+
+#include "core/file_writer.h"
+#include "dealer_rig.h"
+#include "tests/support/test_terminal.h"
+
+namespace tutti {
+namespace {
+
+using std::chrono::seconds;
+using testing::TemporaryFolder;
+
+const TimePoint noon = std::chrono::sys_days{std::chrono::year{2026} / 3 / 4} + std::chrono::hours{12};
+
+// What the server has of all accounts, as a text.
+std::string books(const DealingServer& server) {
+  std::string text;
+  for (const TradingAccount& account : server.accounts()) {
+    const BookState::Account state = account.state();
+    text += std::to_string(state.number) + " " + number_text(state.balance);
+    for (const OpenPosition& one : state.positions)
+      text += " #" + std::to_string(one.ticket) + (one.side > 0 ? "+" : "-") + number_text(one.amount) + "@" +
+              number_text(one.open_price) + "/" + number_text(one.interest);
+    for (const PendingOrder& one : state.orders)
+      text += " " + one.kind + std::to_string(one.order) + ":" + number_text(one.price) + "," +
+              number_text(one.stop_loss) + "," + number_text(one.take_profit);
+    text += "\n";
+  }
+  return text;
+}
+
+struct KeptRig : DealerRig {
+  KeptRig(const TemporaryFolder& home, DealerConfig config, TimePoint start = noon, bool fresh = false)
+      : DealerRig(std::move(config), start), kept(server.keep_book(home.path(), fresh)) {}
+  std::string fault() const { return kept ? "" : kept.error().text(); }
+
+  tl::expected<Words, FileError> kept;
+};
+
+DealerConfig prices(std::vector<Tick> ticks, int accounts = 2) {
+  DealerConfig config = still_market(accounts);
+  config.ticks = std::move(ticks);
+  return config;
+}
+
+TEST(DealerLog, EveryKindOfChangeIsThereAfterACrash) {
+  const TemporaryFolder home;
+  DealerConfig config =
+      prices({{seconds{20}, "EURUSD", 1.0700, 1.0702}, {seconds{40}, "EURUSD", 1.0600, 1.0602}});
+  config.symbols[0].commission = 3;
+  config.entry_orders = {{first + 1, buy, "EURUSD", 0.4, 1.0650, 1.05, 0, 0}};
+  KeptRig rig(home, config);
+  const auto one = rig.trader(0), two = rig.trader(1);
+  const auto expect_kept = [&](int at) {
+    KeptRig next(home, config, rig.clock.now());
+    ASSERT_TRUE(next.kept) << next.fault();
+    EXPECT_EQ(*next.kept, Words{}) << at;
+    EXPECT_EQ(books(next.server), books(rig.server)) << at;
+  };
+  const std::int64_t ticket = open_half(rig, one, buy);
+  expect_kept(1);
+  one.client->UpdateSLTP(ticket, stop_prices(1.0750, 1.2));
+  one.client->ClosePosition(std::to_string(ticket), "0.1", "");
+  rig.run(500);
+  expect_kept(2);
+  EntryOrder order;
+  order.side = buy;
+  order.symbol_id = two.client->FindSymbol("GBPUSD")->id;
+  order.amount = 0.3;
+  order.price = 1.1;
+  two.client->NewEntryOrder(order);
+  rig.run(500);
+  const std::int64_t waiting = two.client->PendingOrderItem(2)->order;
+  two.client->UpdateEntryOrder(waiting, 1.2, {});
+  rig.run(500);
+  expect_kept(3);
+  two.client->DeleteEntryOrder(waiting);
+  rig.run(20'000);  // the stop loss goes with its position
+  EXPECT_EQ(one.client->OpenPositionCount() + one.client->PendingOrderCount(), 0);
+  expect_kept(4);
+  rig.run(20'000);  // the entry order becomes a position with a stop loss
+  EXPECT_EQ(two.client->OpenPositionCount(), 1);
+  expect_kept(5);
+  rig.run(12 * 3'600'000);  // midnight
+  EXPECT_NE(two.client->OpenPositionItem(1)->interest, 0.0);
+  expect_kept(6);
+}
+
+// Whatever was told is there; what stood in the piece that is lost never was told.
+TEST(DealerLog, ATornLastLineIsCutAndReportedDamageElsewhereEndsTheStart) {
+  const TemporaryFolder home;
+  Words at_line;  // the books after so many lines of the log
+  {
+    KeptRig rig(home, still_market(1));
+    const auto seat = rig.trader(0);
+    for (int i = 0; i < 3; ++i) {
+      DealerRig::send(seat, buy, "EURUSD", 0.1 * (i + 1));
+      rig.run(0);
+      ASSERT_TRUE(i > 0 || rig.server.save_book());
+      at_line.push_back(books(rig.server));
+      rig.run(200);
+      at_line.push_back(books(rig.server));
+    }
+  }
+  const std::string log = home.read("dealer-book.log");
+  const std::string book = home.read("dealer-book.toml");
+  Words lines;
+  for (std::size_t at = 0; at < log.size(); at = log.find('\n', at) + 1)
+    lines.push_back(log.substr(at, log.find('\n', at) + 1 - at));
+  ASSERT_EQ(lines.size(), at_line.size()) << log;  // with the head in front, and the first one in the book
+  const auto start = [&](const std::string& changed_log, const std::string& changed_book) {
+    home.write("dealer-book.log", changed_log);
+    home.write("dealer-book.toml", changed_book);
+    KeptRig rig(home, still_market(1), noon);
+    if (!rig.kept) return rig.fault();
+    std::string found = books(rig.server);
+    for (const std::string& note : *rig.kept)
+      found += note.substr(note.find("dealer-book"));
+    return found;
+  };
+  std::string whole;
+  for (std::size_t line = 0; line < lines.size(); ++line) {
+    for (std::size_t kept = 0; kept <= lines[line].size(); kept += kept < 3 ? 1 : 17) {
+      const bool torn = (line == 0 || kept > 0) && kept + 1 < lines[line].size();
+      const std::string note = "dealer-book.log: line " + std::to_string(line + 1) +
+                               " was damaged and is left out; the file as it was is dealer-book.log.damaged";
+      EXPECT_EQ(start(whole + lines[line].substr(0, kept), book),
+                at_line[line == 0 ? 0 : line - 1] + (torn ? note : ""))
+          << line << ' ' << kept;
+    }
+    whole += lines[line];
+  }
+  EXPECT_EQ(start(log, book), at_line.back());
+  {
+    KeptRig rig(home, still_market(1), noon + seconds{5});
+    DealerRig::send(rig.trader(0), buy, "EURUSD", 0.5);
+    rig.run(200);
+    ASSERT_TRUE(rig.server.save_book());
+    const std::string found = books(rig.server);
+    EXPECT_EQ(start(log, home.read("dealer-book.toml")), found) << "the book holds what is still in its log";
+  }
+  // One figure that became another one.
+  for (std::size_t line = 0; line + 1 < lines.size(); ++line) {
+    std::string changed = log;
+    const std::size_t place = log.find(lines[line]) + lines[line].find_first_of("0123456789");
+    changed[place] = changed[place] == '1' ? '2' : '1';
+    EXPECT_NE(start(changed, book).find("dealer-book.log: line " + std::to_string(line + 1) + ": "),
+              std::string::npos)
+        << start(changed, book);
+  }
+  struct Case {
+    const char* what;
+    std::string log, book, found;
+  };
+  const std::string first_log = lines[0];
+  const auto last_line = book.rfind('\n', book.size() - 2) + 1;
+  const auto before = book.rfind('\n', last_line - 2) + 1;
+  const std::string left_out = " was damaged and is left out; the file as it was is dealer-book.toml.damaged";
+  const Case cases[] = {
+      {"a log that was never made", "", book, at_line[0] + "dealer-book.log: line 1 was damaged"},
+      {"an older book put back", lines[0] + lines[1], "# x\nversion = 1\nnext_number = 5\n",
+       "line 1: goes with another book"},
+      {"the book's end torn", first_log, book.substr(0, book.size() - 9),
+       at_line[0] + "dealer-book.toml: line 7" + left_out},
+      {"the book's end missing", first_log, book.substr(0, last_line),
+       at_line[0] + "dealer-book.toml: line 7" + left_out},
+      {"an entry of the book torn", first_log, book.substr(0, last_line - 5),
+       "dealer-book.toml: line 6: 2 of 4 entries are there"},
+      {"an entry of the book missing", first_log, book.substr(0, before),
+       "dealer-book.toml: line 6: 2 of 4 entries are there"},
+      {"an entry changed by hand", first_log, book.substr(0, before - 20) + book.substr(before - 1),
+       at_line[0]},
+  };
+  for (const Case& one : cases)
+    EXPECT_NE(start(one.log, one.book).find(one.found), std::string::npos) << one.what << '\n'
+                                                                           << start(one.log, one.book);
+}
+
+TEST(DealerLog, RequestsKeepTheirDueTime) {
+  const TemporaryFolder home;
+  DealerConfig config = still_market(3);
+  config.accounts[1].dealing = seconds{60};
+  config.faults = {fault(FaultKind::delay, {FaultPoint::open}, 0, seconds{30}, {first}),
+                   fault(FaultKind::requote, {FaultPoint::open}, 0, seconds{20}, {first + 2})};
+  std::vector<TradeRequest> left;
+  {
+    KeptRig rig(home, config);
+    for (std::size_t account = 0; account < 3; ++account)
+      DealerRig::send(rig.trader(account), buy, "EURUSD", 0.1);
+    rig.run(5'000);
+    left = rig.server.requests();
+    ASSERT_EQ(left.size(), 3U);
+  }
+  KeptRig rig(home, config, noon + seconds{10});
+  EXPECT_EQ(rig.server.requests(), left);
+  // The requote runs out, the delayed one arrives, the dealer decides; each at its time and only once.
+  for (const TradeRequest& request : left) {
+    rig.run((request.due - rig.clock.now()).count() - 1);
+    const auto before = rig.server.outcomes().size();
+    rig.run(1);
+    ASSERT_EQ(rig.server.outcomes().size(), before + 1);
+    EXPECT_EQ(rig.server.outcomes().back().account, request.account);
+    EXPECT_EQ(rig.server.outcomes().back().result, request.account == first + 2 ? 0 : 1);
+  }
+  KeptRig last(home, config, noon + seconds{300});
+  last.run(1'000);
+  EXPECT_EQ(books(last.server), books(rig.server));
+  EXPECT_TRUE(last.server.outcomes().empty());
+}
+
+TEST(DealerLog, AGroupIsStoredAtOnceAndTheBookIsWrittenWhenTheLogHasGrown) {
+  const TemporaryFolder home;
+  DealerConfig config = still_market(500);
+  KeptRig rig(home, config);
+  std::vector<DealerRig::Seat> seats;
+  for (const AccountConfig& account : config.accounts)
+    seats.push_back(rig.seat({account.user, account.password, account.number, {}}));
+  rig.run(1'000);
+  std::size_t longest = 0;
+  for (int round = 0; round < 4; ++round) {
+    const auto stores = rig.server.book().stores();
+    for (const auto& seat : seats)
+      DealerRig::send(seat, buy, "EURUSD", 0.1);
+    rig.run(0);
+    EXPECT_EQ(rig.server.book().stores(), stores + 1);
+    rig.run(500);
+    EXPECT_EQ(rig.server.book().stores(), stores + 2);
+    longest = std::max(longest, home.read("dealer-book.log").size());
+  }
+  EXPECT_GT(longest, 256U * 1024);
+  EXPECT_LT(longest, 1024U * 1024);
+  EXPECT_GT(home.read("dealer-book.toml").size(), 200'000U);
+  KeptRig next(home, config, rig.clock.now());
+  EXPECT_EQ(books(next.server), books(rig.server));
+  ASSERT_TRUE(rig.server.save_book());
+  EXPECT_LT(home.read("dealer-book.log").size(), 100U);
+}
+
+TEST(DealerLog, NothingIsToldThatCanNotBeStored) {
+  const TemporaryFolder home;
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const auto full_disk = [&](std::optional<rlim_t> size) {
+    const rlimit limit{size.value_or(before.rlim_cur), before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  };
+  const auto old_handler = std::signal(SIGXFSZ, SIG_IGN);
+  KeptRig rig(home, still_market(2));
+  const auto seat = rig.trader(0);
+  open_half(rig, seat, buy);
+  const auto stored = books(rig.server);
+  DealerRig::send(seat, buy, "EURUSD", 0.1);
+  rig.run(0);
+  const std::size_t size = home.read("dealer-book.log").size();
+  full_disk(size + 40);
+  EXPECT_EQ(rig.heard(seat, 200), Words{});
+  const auto& failure = rig.server.book().failure();
+  EXPECT_TRUE(failure && failure->file == home.path() / "dealer-book.log");
+  EXPECT_EQ(home.read("dealer-book.log").size(), size);
+  EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.2), request::silent);
+  EXPECT_EQ(rig.heard(seat, 5'000), Words{});
+  {
+    full_disk(std::nullopt);  // what the next program would find
+    KeptRig next(home, still_market(2), noon);
+    EXPECT_EQ(books(next.server), stored);
+    EXPECT_EQ(next.server.requests_in_flight(), 1U);
+  }
+  EXPECT_EQ(rig.heard(seat, 1'000), (Words{"order 1", "opened", "summary"}));
+  EXPECT_FALSE(failure);
+  EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.2), request::taken);
+  rig.run(200);
+  KeptRig next(home, still_market(2), rig.clock.now());
+  EXPECT_EQ(books(next.server), books(rig.server));
+  EXPECT_EQ(next.server.accounts()[0].positions().size(), 3U);
+  std::signal(SIGXFSZ, old_handler);
+}
+
+TEST(DealerLog, NumbersAreNeverGivenTwiceAndSeedsRepeat) {
+  const TemporaryFolder home;
+  DealerConfig config = still_market(1);
+  config.entry_orders = {{first, buy, "EURUSD", 0.2, 1.07, 0, 0, 0}};
+  std::int64_t last = 0;
+  std::optional<Words> course;
+  enum class End { saved, killed, deleted };
+  for (const End end : {End::saved, End::killed, End::deleted, End::killed, End::saved}) {
+    KeptRig rig(home, config, noon, true);
+    ASSERT_TRUE(rig.kept) << rig.fault();
+    const auto seat = rig.trader(0);
+    EXPECT_EQ(seat.client->OpenPositionCount(), 0);
+    EXPECT_GT(seat.client->PendingOrderItem(1)->order, last);
+    Words heard;
+    for (int i = 0; i < 40; ++i) {
+      if (i < 5) DealerRig::send(seat, buy, "EURUSD", 0.1);
+      for (const std::string& word : rig.heard(seat, 10))
+        heard.push_back(std::to_string(i) + word);
+    }
+    EXPECT_EQ(course.value_or(heard), heard);
+    course = heard;
+    EXPECT_GT(seat.seen->reports.front().number, last);
+    last = seat.seen->reports.back().number;
+    EXPECT_TRUE(end != End::saved || rig.server.save_book());
+    if (end != End::deleted) continue;
+    for (const char* name : {"dealer-book.toml", "dealer-book.log"})
+      std::filesystem::remove(home.path() / name);
+  }
+  EXPECT_TRUE(
+      home.read("dealer-numbers.toml").ends_with("\nnext_number = " + std::to_string(last + 1) + "\n"));
+  home.write("dealer-numbers.toml", "next_number = none\n");
+  EXPECT_NE(KeptRig(home, config, noon, true).fault().find("dealer-numbers.toml: line 1: "),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace tutti
