@@ -3,10 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-
 #include <algorithm>
-#include <csignal>
 #include <optional>
 
 #include "core/file_writer.h"
@@ -247,13 +244,6 @@ TEST(DealerLog, AGroupIsStoredAtOnceAndTheBookIsWrittenWhenTheLogHasGrown) {
 
 TEST(DealerLog, NothingIsToldThatCanNotBeStored) {
   const TemporaryFolder home;
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  const auto full_disk = [&](std::optional<rlim_t> size) {
-    const rlimit limit{size.value_or(before.rlim_cur), before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-  };
-  const auto old_handler = std::signal(SIGXFSZ, SIG_IGN);
   KeptRig rig(home, still_market(2));
   const auto seat = rig.trader(0);
   open_half(rig, seat, buy);
@@ -261,7 +251,7 @@ TEST(DealerLog, NothingIsToldThatCanNotBeStored) {
   DealerRig::send(seat, buy, "EURUSD", 0.1);
   rig.run(0);
   const std::size_t size = home.read("dealer-book.log").size();
-  full_disk(size + 40);
+  auto full = std::make_optional<testing::FullDisk>(size + 40);
   EXPECT_EQ(rig.heard(seat, 200), Words{});
   const auto& failure = rig.server.book().failure();
   EXPECT_TRUE(failure && failure->file == home.path() / "dealer-book.log");
@@ -269,11 +259,11 @@ TEST(DealerLog, NothingIsToldThatCanNotBeStored) {
   EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.2), request::silent);
   EXPECT_EQ(rig.heard(seat, 5'000), Words{});
   {
-    full_disk(std::nullopt);  // what the next program would find
-    KeptRig next(home, still_market(2), noon);
+    KeptRig next(home, still_market(2), noon);  // what the next program would find
     EXPECT_EQ(books(next.server), stored);
     EXPECT_EQ(next.server.requests_in_flight(), 1U);
   }
+  full.reset();
   EXPECT_EQ(rig.heard(seat, 1'000), (Words{"order 1", "opened", "summary"}));
   EXPECT_FALSE(failure);
   EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.2), request::taken);
@@ -281,7 +271,6 @@ TEST(DealerLog, NothingIsToldThatCanNotBeStored) {
   KeptRig next(home, still_market(2), rig.clock.now());
   EXPECT_EQ(books(next.server), books(rig.server));
   EXPECT_EQ(next.server.accounts()[0].positions().size(), 3U);
-  std::signal(SIGXFSZ, old_handler);
 }
 
 TEST(DealerLog, NumbersAreNeverGivenTwiceAndSeedsRepeat) {

@@ -1,5 +1,7 @@
 // What keeps the home folder's files whole and to the operator.
 
+#include <fcntl.h>
+#include <fmt/chrono.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -9,11 +11,18 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
+
+#include <nlohmann/json.hpp>
 
 #include "accounts/saved_lists.h"
+#include "apps/command_line.h"
+#include "apps/commands.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
+#include "core/descriptor.h"
 #include "core/home_lock.h"
+#include "dealer_rig.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
@@ -42,14 +51,10 @@ TEST(SavedLists, AreThereForTheOperatorOnly) {
 TEST(FileWriter, AnAppendThatFindsNoRoomLeavesNoHalfLine) {
   const TemporaryFolder folder;
   folder.write("list", "one\n");
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  ::signal(SIGXFSZ, SIG_IGN);
-  const rlimit tight{10, before.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &tight);
-  const auto appended = append_file(folder.path() / "list", "a line of more than ten bytes\n");
-  ::setrlimit(RLIMIT_FSIZE, &before);
-  ::signal(SIGXFSZ, SIG_DFL);
+  const auto appended = [&] {
+    const FullDisk full{10};
+    return append_file(folder.path() / "list", "a line of more than ten bytes\n");
+  }();
   EXPECT_FALSE(appended);
   EXPECT_EQ(folder.read("list"), "one\n");
 }
@@ -107,6 +112,87 @@ TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
   main.accounts().Message("read me");
   EXPECT_EQ(dialog.titles, std::vector<std::string>{"Load File"});
   EXPECT_EQ(prompt.take_texts(), std::vector<std::string>{"read me"});
+}
+
+TEST(Home, FreshAsksBeforeABookIsThrownAway) {
+  const TemporaryFolder folder;
+  struct Case {
+    const char* typed;  // nullptr: there is no terminal
+    bool fresh, yes, book;
+    int status;  // 0: goes on
+  };
+  for (const Case& one : {Case{nullptr, true, false, true, exit_status::usage},
+                          {"n\n", true, false, true, exit_status::some_refused},
+                          {"\n", true, false, true, exit_status::some_refused},
+                          {"yes\n", true, false, true, 0},
+                          {nullptr, true, true, true, 0},
+                          {nullptr, true, false, false, 0},
+                          {nullptr, false, false, true, 0}}) {
+    TerminalOptions options;
+    options.home = folder.path();
+    options.fresh = one.fresh;
+    options.yes = one.yes;
+    fs::remove(folder.path() / "dealer-book.toml");
+    if (one.book) folder.write("dealer-book.toml", "");
+    const Descriptor keyboard{::posix_openpt(O_RDWR | O_NOCTTY)};
+    ASSERT_TRUE(::grantpt(keyboard.get()) == 0 && ::unlockpt(keyboard.get()) == 0);
+    const Descriptor input{::open(one.typed != nullptr ? ::ptsname(keyboard.get()) : "/dev/null", O_RDWR)};
+    ASSERT_TRUE(one.typed == nullptr || keyboard.write(one.typed));
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(ask_for_fresh(options, input.get()).value_or(0), one.status);
+    const std::string said = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(said.empty(), one.status == 0 && one.typed == nullptr) << said;
+  }
+}
+
+TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
+  const TemporaryFolder folder;
+  DealerConfig config = DealerConfig::sample(1);
+  config.faults.emplace_back();
+  config.faults[0].kind = FaultKind::delay;
+  config.faults[0].on = {FaultPoint::open};
+  config.faults[0].wait = std::chrono::hours{1};
+  std::int64_t due = 0;
+  {
+    DealerRig rig(config, SystemClock{}.now());
+    ASSERT_TRUE(rig.server.keep_book(folder.path()));
+    const auto seat = rig.trader(0);
+    for (int sent = 0; sent < 2; ++sent) {
+      DealerRig::send(seat, operation::sell, "EURUSD", 0.5);
+      rig.run(0);
+    }
+    due = rig.server.requests().front().due.time_since_epoch().count() / 1000;
+  }
+  folder.write("dealer-book.log", folder.read("dealer-book.log") + "entry = {next_num");
+  folder.write("dealer.toml", "sample_accounts = 1\nlogin_latency_ms = 0\n");
+  RecordingPrompt prompt;
+  RecordingSound sound;
+  FakeFileDialog dialog;
+  TerminalOptions options;
+  options.home = folder.path();
+  options.dealer_file = folder.path() / "dealer.toml";
+  options.form = OutputForm::json;
+  const auto terminal = Terminal::open(options, {prompt, sound, dialog});
+  ASSERT_TRUE(terminal) << terminal.error().text();
+  const std::string note = folder.path().string() +
+                           "/dealer-book.log: line 3 was damaged and is left out; the file as it was is "
+                           "dealer-book.log.damaged";
+  ASSERT_NE((*terminal)->main().messages().current(), nullptr);
+  EXPECT_EQ((*terminal)->main().messages().current()->text, note);
+  EXPECT_EQ((*terminal)->main().messages().behind(), 0u);
+  EXPECT_NE(folder.read("History/JN-1.his").find(note), std::string::npos);
+  ::testing::internal::CaptureStdout();
+  EXPECT_EQ(orders_command(**terminal), exit_status::all_accepted);
+  const auto printed = nlohmann::json::parse(::testing::internal::GetCapturedStdout());
+  EXPECT_TRUE(printed["orders"].empty());
+  ASSERT_EQ(printed["in_flight"].size(), 2u);
+  const nlohmann::json expected = {
+      {"number", 10'000'001}, {"account", 500'100},
+      {"request", "open"},    {"stage", "sent"},
+      {"side", "sell"},       {"amount", 0.5},
+      {"symbol", "EURUSD"},   {"reference", nullptr},
+      {"price", nullptr},     {"due", fmt::format("{:%F %T}", fmt::gmtime(due))}};
+  EXPECT_EQ(printed["in_flight"][0], expected);
 }
 
 TEST(BrokerCard, HoldsWhatTheFilesHold) {

@@ -3,6 +3,7 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <csignal>
 #include <stdexcept>
 
 #include "core/file_writer.h"
@@ -43,6 +44,18 @@ void TemporaryFolder::write(const std::string& name, const std::string& content)
 
 std::string TemporaryFolder::read(const std::string& name) const {
   return read_file(path_ / name).value_or("");
+}
+
+FullDisk::FullDisk(std::size_t size) {
+  ::getrlimit(RLIMIT_FSIZE, &before_);
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit tight{size, before_.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &tight);
+}
+
+FullDisk::~FullDisk() {
+  ::setrlimit(RLIMIT_FSIZE, &before_);
+  std::signal(SIGXFSZ, SIG_DFL);
 }
 
 TestTerminal::TestTerminal(DealerConfig config)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/resource.h>
+
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -37,6 +39,18 @@ class TemporaryFolder {
 
  private:
   std::filesystem::path path_;
+};
+
+// While it lives, no file of this process grows beyond so many bytes.
+class FullDisk {
+ public:
+  explicit FullDisk(std::size_t size);
+  ~FullDisk();
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+
+ private:
+  rlimit before_{};
 };
 
 // The whole terminal against the embedded dealing server, under a clock that stands still until it is moved.
