@@ -3,8 +3,44 @@
 #include <utility>
 
 #include "dealer/dealer_session.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
+
+AnswerNews::Event answer_to(const TradeRequest& request, bool succeeded) {
+  using Answer = AnswerNews::Event;
+  if (request.stage != TradeRequest::Stage::sent) return succeeded ? Answer::accepted : Answer::rejected;
+  switch (request.kind) {
+    case TradeKind::open:
+      break;
+    case TradeKind::close:
+      return Answer::close;
+    case TradeKind::entry:
+      return Answer::entry;
+    case TradeKind::update_entry:
+      return Answer::update_entry;
+    case TradeKind::set_stops:
+      return Answer::new_stops;
+    case TradeKind::cancel_entry:
+      return Answer::cancel_entry;
+    case TradeKind::cancel_stops:
+      return Answer::cancel_stops;
+  }
+  return Answer::order;
+}
+
+OrderReport report_on(const TradeRequest& request, std::int32_t result, double price) {
+  OrderReport report;
+  report.number = request.known_as();
+  report.account = request.account;
+  report.result = result;
+  report.request_kind = request.kind == TradeKind::close ? request_kind::close : request_kind::open;
+  report.operation = request.operation;
+  report.amount = request.amount;
+  report.symbol = request.symbol;
+  report.price = price;
+  return report;
+}
 
 bool AnswerDesk::tell(TradingAccount& account, const Mishap& mishap, const AnswerNews& answer,
                       TimePoint now) {

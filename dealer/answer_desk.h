@@ -1,15 +1,21 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 
 #include "core/clock.h"
 #include "dealer/event_queue.h"
 #include "dealer/mishap.h"
+#include "dealer/trade_request.h"
 #include "dealer/trading_account.h"
 
 namespace tutti {
+
+// The event that ends a request, or makes it pending.
+AnswerNews::Event answer_to(const TradeRequest& request, bool succeeded);
+OrderReport report_on(const TradeRequest& request, std::int32_t result, double price);
 
 // Hands answers to the session that is logged in on an account, as the fault script will have it: never,
 // twice, or late.

@@ -64,7 +64,7 @@ tl::expected<std::vector<std::string>, FileError> BookKeeper::open(const std::fi
   restore(found->state.value_or(BookState{}), found->next_number, now);
   folder_.emplace(std::move(files));
   // Numbers of configured orders are given, too.
-  if (!found->settled || desk_.next_number() != stored_number_)
+  if (!found->settled || desk_.numbers().next() != stored_number_)
     if (auto written = replace(); !written) return tl::unexpected(written.error());
   return std::move(found->notes);
 }
@@ -87,8 +87,8 @@ std::optional<std::string> BookKeeper::misfit(const BookState& state) const {
 }
 
 void BookKeeper::restore(BookState state, std::int64_t next_number, TimePoint now) {
-  desk_.start_numbers(std::max(next_number, config_.first_number));
-  stored_number_ = desk_.next_number();
+  desk_.numbers().start(std::max(next_number, config_.first_number));
+  stored_number_ = desk_.numbers().next();
   if (state.next_rollover != TimePoint{}) next_rollover_ = state.next_rollover;
   stored_rollover_ = state.next_rollover;
   stored_accounts_.assign(accounts_.size(), {});
@@ -172,9 +172,9 @@ std::vector<BookEntry> BookKeeper::changes() const {
     out = {std::move(all)};
   }
   // In front of everything that has one of the numbers.
-  if (desk_.next_number() != stored_number_) {
+  if (desk_.numbers().next() != stored_number_) {
     if (out.empty()) out.emplace_back();
-    out.front().next_number = desk_.next_number();
+    out.front().next_number = desk_.numbers().next();
   }
   return out;
 }
@@ -185,7 +185,7 @@ tl::expected<void, FileError> BookKeeper::append() {
     std::string lines;
     for (const BookEntry& entry : entries)
       lines += book_text::entry(entry);
-    if (auto reserved = folder_->reserve(desk_.next_number()); !reserved) return reserved;
+    if (auto reserved = folder_->reserve(desk_.numbers().next()); !reserved) return reserved;
     if (auto written = folder_->append(lines); !written) return written;
     ++stores_;
     logged_ = true;
@@ -195,9 +195,9 @@ tl::expected<void, FileError> BookKeeper::append() {
 }
 
 tl::expected<void, FileError> BookKeeper::replace() {
-  if (auto reserved = folder_->reserve(desk_.next_number()); !reserved) return reserved;
+  if (auto reserved = folder_->reserve(desk_.numbers().next()); !reserved) return reserved;
   BookState book = absent_;
-  book.next_number = desk_.next_number();
+  book.next_number = desk_.numbers().next();
   book.next_rollover = next_rollover_;
   for (const TradingAccount& account : accounts_)
     book.accounts.push_back(account.state());
@@ -222,7 +222,7 @@ void BookKeeper::note_stored() {
   stored_requests_.clear();
   for (TradeRequest& request : desk_.requests())
     stored_requests_.emplace(request.number, std::move(request));
-  stored_number_ = desk_.next_number();
+  stored_number_ = desk_.numbers().next();
   stored_rollover_ = next_rollover_;
   stored_revision_ = desk_.revision();
 }
@@ -231,7 +231,7 @@ tl::expected<void, FileError> BookKeeper::save() {
   if (!folder_) return {};
   const bool behind = failure_ || logged_ || desk_.revision() != stored_revision_;
   if (!behind && stores_ == 0) return {};
-  if (auto exact = folder_->reserve(desk_.next_number(), true); !exact) return exact;
+  if (auto exact = folder_->reserve(desk_.numbers().next(), true); !exact) return exact;
   if (!behind) return {};
   auto written = replace();
   if (written) failure_.reset();

@@ -9,7 +9,7 @@ void place_configured_orders(const DealerConfig& config, OrderDesk& desk, Tradin
   for (const EntryOrderConfig& configured : config.entry_orders) {
     if (configured.account != account.config().number) continue;
     PendingOrder order;
-    order.order = desk.take_number();
+    order.order = desk.numbers().take();
     order.kind = configured.ticket > 0 ? "ST" : "LO";
     order.reference = configured.ticket;
     order.operation = configured.operation;

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "dealer/dealer_session.h"
-#include "dealer/random.h"
 #include "sessions/contract/codes.h"
 
 namespace tutti {
@@ -15,27 +14,6 @@ using Answer = AnswerNews::Event;
 
 bool is_market(TradeKind kind) {
   return kind == TradeKind::open || kind == TradeKind::close;
-}
-
-Answer answer_to(const TradeRequest& request, bool succeeded) {
-  if (request.stage != Stage::sent) return succeeded ? Answer::accepted : Answer::rejected;
-  switch (request.kind) {
-    case TradeKind::open:
-      break;
-    case TradeKind::close:
-      return Answer::close;
-    case TradeKind::entry:
-      return Answer::entry;
-    case TradeKind::update_entry:
-      return Answer::update_entry;
-    case TradeKind::set_stops:
-      return Answer::new_stops;
-    case TradeKind::cancel_entry:
-      return Answer::cancel_entry;
-    case TradeKind::cancel_stops:
-      return Answer::cancel_stops;
-  }
-  return Answer::order;
 }
 
 // A request that changes or cancels an order.
@@ -58,19 +36,6 @@ void set_prices(TradeRequest& request, const Stops& stops) {
   request.take_profit = stops.has_take_profit ? stops.take_profit : 0.0;
 }
 
-OrderReport report_on(const TradeRequest& request, std::int32_t result, double price) {
-  OrderReport report;
-  report.number = request.known_as();
-  report.account = request.account;
-  report.result = result;
-  report.request_kind = request.kind == TradeKind::close ? request_kind::close : request_kind::open;
-  report.operation = request.operation;
-  report.amount = request.amount;
-  report.symbol = request.symbol;
-  report.price = price;
-  return report;
-}
-
 }  // namespace
 
 OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults)
@@ -79,13 +44,7 @@ OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScri
       rules_(config, market),
       execution_(market),
       market_(market),
-      next_number_(config.first_number),
-      drawn_(config.first_number - 1) {}
-
-void OrderDesk::start_numbers(std::int64_t number) {
-  next_number_ = number;
-  drawn_ = config_.first_number - 1;
-}
+      numbers_(config) {}
 
 std::int32_t OrderDesk::open(TradingAccount& account, std::int32_t side, std::optional<std::size_t> symbol,
                              double amount, TimePoint now) {
@@ -166,23 +125,17 @@ std::int32_t OrderDesk::admit(TradingAccount& account, TradeRequest request, std
     log(request, {.request = code}, now);
     return code;
   }
-  request.number = take_number();
+  request.number = numbers_.take();
   note_change(account);
   if (mishap.swallow) {
     log(request, {.request = code}, now);
     return code;
   }
-  const auto wait = draw_latency();
+  const auto wait = numbers_.draw_latency();
   flights_.emplace(
       now + wait + mishap.delay,
       Flight{.account = &account, .request = std::move(request), .mishap = mishap, .latency = wait});
   return code;
-}
-
-// The count of the run decides, so that what happens to one request doesn't move the others, and that a run
-// repeats itself whatever its numbers are.
-std::chrono::milliseconds OrderDesk::draw_latency() const {
-  return with_jitter(config_.order_latency, scatter(config_.seed, static_cast<std::uint64_t>(drawn_)));
 }
 
 void OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) {
@@ -310,7 +263,7 @@ void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) 
 // Everything that can be said of a number, about one that is nobody's. News of an opened or changed position
 // are left out: they are what makes a position known.
 void OrderDesk::tell_unknown(TradingAccount& account, OrderReport report, TimePoint at) {
-  report.number = take_number();
+  report.number = numbers_.take();
   report.result = result::succeeded;
   report.state = order_state::executed;
   for (const Answer event :

@@ -12,6 +12,7 @@
 #include "dealer/dealer_config.h"
 #include "dealer/fault_script.h"
 #include "dealer/market.h"
+#include "dealer/order_numbers.h"
 #include "dealer/outcome_log.h"
 #include "dealer/price_watch.h"
 #include "dealer/trade_execution.h"
@@ -65,13 +66,7 @@ class OrderDesk {
   // While it is shut, every request is refused without a text, and so is every answer to a requote.
   void set_shut(bool shut) { shut_ = shut; }
 
-  std::int64_t take_number() {
-    ++drawn_;
-    return next_number_++;
-  }
-  std::int64_t next_number() const { return next_number_; }
-  // The first number of this run.
-  void start_numbers(std::int64_t number);
+  OrderNumbers& numbers() { return numbers_; }
   // Something of this account has changed that the book holds.
   void note_change(TradingAccount& account) {
     account.touch();
@@ -98,8 +93,6 @@ class OrderDesk {
   // Refuses the request or sends it on its way.
   std::int32_t admit(TradingAccount& account, TradeRequest request, std::int32_t code, FaultPoint point,
                      TimePoint now);
-  // Of the request whose number was given last.
-  std::chrono::milliseconds draw_latency() const;
   // What the request says of itself is filled in.
   void log(const TradeRequest& request, Outcome outcome, TimePoint at);
   // The price agreed on, or else the market's.
@@ -134,8 +127,7 @@ class OrderDesk {
   AnswerDesk answers_;
   OutcomeLog log_;
   Flights flights_;
-  std::int64_t next_number_;
-  std::int64_t drawn_;  // what the last latency was drawn by
+  OrderNumbers numbers_;
   std::uint64_t revision_ = 0;
   bool shut_ = false;
 };

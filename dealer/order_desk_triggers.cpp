@@ -123,7 +123,7 @@ void OrderDesk::carry_out(TradingAccount& account, const PendingOrder& order, co
     execution_.execute(request, account, report.price, at);
     if (request.kind == TradeKind::open && (order.stop_loss > 0.0 || order.take_profit > 0.0)) {
       other.kind = TradeKind::set_stops;
-      other.number = take_number();
+      other.number = numbers_.take();
       other.reference = request.number;
       other.stop_loss = order.stop_loss;
       other.take_profit = order.take_profit;
