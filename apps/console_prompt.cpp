@@ -6,6 +6,7 @@
 
 #include "core/frmMsgBox.h"
 #include "core/frmSure.h"
+#include "core/texts.h"
 
 namespace tutti {
 
@@ -13,6 +14,8 @@ void ConsolePrompt::run(frmMsgBox& box) {
   const bool question = box.cmd2.visible();
   fmt::print(stderr, "{}: {}{}\n", box.caption(), box.label.text(),
              question ? (yes_ ? " Yes" : " No (--yes answers yes)") : "");
+  for (const std::string_view line : split(box.label2.text(), "\n"))
+    if (!line.empty()) fmt::print(stderr, "  {}\n", line);
   if (question && !yes_) {
     box.cmd2_Click();
   } else {

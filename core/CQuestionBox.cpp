@@ -12,8 +12,11 @@ void CQuestionBox::Show(std::int32_t questionType, Value value1, Value value2, V
                         Value value5) {
   type_ = questionType;
   values_ = {std::move(value1), std::move(value2), std::move(value3), std::move(value4), std::move(value5)};
-  const auto* text = std::get_if<std::string>(&values_[0]);
-  box_.GeneralQuestionMsg(text != nullptr ? *text : "");
+  const auto text = [this](std::size_t number) {
+    const auto* held = std::get_if<std::string>(&value(number));
+    return held != nullptr ? *held : std::string{};
+  };
+  box_.GeneralQuestionMsg(text(1), text(2));
 }
 
 void CQuestionBox::Hide() {

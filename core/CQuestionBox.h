@@ -17,7 +17,8 @@ class CQuestionBox {
 
   CQuestionBox(Prompt& prompt, MessageQueue& queue);
 
-  // Asks value1, which is the question's text, and stores all five values for the follow-up.
+  // Asks value1, which is the question's text, and tells value2, when that is a text, in the second label.
+  // Stores all five values for the follow-up.
   void Show(std::int32_t questionType, Value value1, Value value2 = {}, Value value3 = {}, Value value4 = {},
             Value value5 = {});
   void Hide();

@@ -19,8 +19,8 @@ int frmMsgBox::GeneralNoteMsg(std::string_view text) {
   return MessageBox({std::string{text}, "Note", "Ok", ""}, Icon::note);
 }
 
-int frmMsgBox::GeneralQuestionMsg(std::string_view text) {
-  return MessageBox({std::string{text}, "Alert", "Yes", "No"}, Icon::question);
+int frmMsgBox::GeneralQuestionMsg(std::string_view text, std::string_view details) {
+  return MessageBox({std::string{text}, "Alert", "Yes", "No", std::string{details}}, Icon::question);
 }
 
 int frmMsgBox::MessageBox(const Message& message, Icon icon) {
@@ -30,6 +30,7 @@ int frmMsgBox::MessageBox(const Message& message, Icon icon) {
     return question ? no : 0;
   }
   label.set_text(message.text);
+  label2.set_text(message.details);
   caption_ = message.caption;
   icon_ = icon;
   cmd1.set_caption(message.button1);

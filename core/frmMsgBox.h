@@ -23,13 +23,15 @@ class frmMsgBox {
   frmMsgBox(Prompt& prompt, MessageQueue& queue);
 
   Label label;
+  // What the text is about, such as what a yes would close. Lines of plain text, empty for most boxes.
+  Label label2;
   Button cmd1{"Ok"};
   Button cmd2{""};
 
   // 1 or 2 as pressed, 0 when queued. A question that no one could be asked is answered 2 (no).
   int GeneralStopMsg(std::string_view text);
   int GeneralNoteMsg(std::string_view text);
-  int GeneralQuestionMsg(std::string_view text);
+  int GeneralQuestionMsg(std::string_view text, std::string_view details = {});
   int MessageBox(const Message& message, Icon icon = Icon::none);
   // Asks the window to stand in the middle of the screen.
   void CentralizeForm() { centred_ = true; }

@@ -10,6 +10,9 @@ struct Message {
   std::string caption;
   std::string button1;
   std::string button2;
+  std::string details = {};  // below the text: what it is about
+
+  bool operator==(const Message&) const = default;
 };
 
 }  // namespace tutti

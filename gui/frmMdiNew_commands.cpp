@@ -255,7 +255,7 @@ void FrmMdiNewWindow::add_position_commands(QMenu& orders) {
   const QString pending = u"pending"_s;
   command(orders,
           {u"close_selected"_s,
-           u"&Close selected positions"_s,
+           u"&Close ticked positions"_s,
            grave,
            ctrl_shift | Qt::Key_P,
            [this] { trade_->close_selected(); },
@@ -421,7 +421,7 @@ void FrmMdiNewWindow::add_context_menus() {
   fill(trade_->list(), {"edit_stops", "close_selected"});
   fill(pending_->list(), {"edit_order", "cancel_selected"});
   fill(journal_->list(), {"live_journal"});
-  fill(market_watch_->list(), {"market_order"});
+  fill(market_watch_->list(), {});
   fill(close_positions_->list(), {"mark_all", "close_marked"});
   fill(net_trade_->list(), {"close_net"});
   fill(net_trade_->accounts(), {"close_net"});

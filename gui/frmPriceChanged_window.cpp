@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "gui/primary_look.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
 
@@ -80,8 +81,8 @@ FrmPriceChangedWindow::FrmPriceChangedWindow(frmPriceChanged& form, Screen& scre
     return widget;
   };
   accept_ = add_button("cmdAccept", form_.cmdAccept);
-  accept_->setProperty("role", QStringLiteral("primary"));
   reject_ = add_button("cmdReject", form_.cmdReject);
+  new PrimaryLook{{accept_, reject_}, *reject_, this};
   column->addWidget(answers_);
   binder_.show([this] { follow(); });
 }

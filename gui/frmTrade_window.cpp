@@ -1,5 +1,6 @@
 #include "gui/frmTrade_window.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -61,6 +62,15 @@ FrmTradeWindow::FrmTradeWindow(frmTrade& form, Screen& screen)
   foot->addWidget(make_summaries());
   column->addLayout(foot);
   setFocusProxy(list_);
+  // In the row's menu alone: on a key it would not be seen which row it is for.
+  auto* close_this = new QAction{QStringLiteral("Close this position..."), list_};
+  close_this->setObjectName(QStringLiteral("close_this"));
+  connect(close_this, &QAction::triggered, this, [this] {
+    screen_.settle();
+    if (const Row* row = form_.lvwOpenPos.current()) form_.close_one(*row);
+    screen_.acted();
+  });
+  list_->addAction(close_this);
 }
 
 QWidget* FrmTradeWindow::make_summaries() {

@@ -10,7 +10,7 @@ class RowListView;
 class Screen;
 
 // Open positions window: the positions of all accounts with live prices and profit, and the closing of those
-// that are ticked.
+// that are ticked, or of one by its row's menu.
 class FrmTradeWindow final : public QWidget {
  public:
   FrmTradeWindow(frmTrade& form, Screen& screen);

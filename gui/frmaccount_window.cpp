@@ -93,7 +93,6 @@ FrmaccountWindow::FrmaccountWindow(frmaccount& form, Screen& screen, QWidget* pa
   buttons->setSpacing(8);
   buttons->addStretch();
   QPushButton* accept = make_button("cmdLoginAA", binder, form.cmdLoginAA);
-  accept->setProperty("role", QStringLiteral("primary"));
   accept->setDefault(true);
   buttons->addWidget(accept);
   buttons->addWidget(make_button("cmdcancel", binder, form.cmdcancel));

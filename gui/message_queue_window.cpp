@@ -32,8 +32,7 @@ MessageQueueWindow::MessageQueueWindow(MessageQueue& queue, Screen& screen, cons
                             .pressed =
                                 [this] {
                                   if (!just_appeared()) next();
-                                },
-                            .primary = true}},
+                                }}},
                .focus = ok_button,
                .escape = ok_button},
               &parent) {
@@ -65,7 +64,7 @@ void MessageQueueWindow::follow() {
   const bool opens = !window_.isVisible();
   // Under a modal box nobody could answer it; nothing is lost, since the message waits.
   if (opens && QApplication::activeModalWidget() != nullptr) return;
-  if (opens || message->text != shown_.text || message->caption != shown_.caption) {
+  if (opens || *message != shown_) {
     show_current();
     appeared_ = clock_.now();
   }
@@ -89,7 +88,7 @@ void MessageQueueWindow::show_current() {
   QPushButton& ok = window_.button(ok_button);
   const QPoint before = ok.mapToGlobal(QPoint{});
   window_.setWindowTitle(QString::fromStdString(shown_.caption));
-  window_.set_text(QString::fromStdString(shown_.text));
+  window_.set_text(QString::fromStdString(shown_.text), QString::fromStdString(shown_.details));
   // Ok stays under the pointer whatever the text's size.
   window_.layout()->activate();
   window_.move(window_.pos() + before - ok.mapToGlobal(QPoint{}));

@@ -15,6 +15,7 @@
 #include <cmath>
 #include <utility>
 
+#include "gui/primary_look.h"
 #include "gui/svg_icon.h"
 #include "gui/theme.h"
 
@@ -41,18 +42,43 @@ QIcon message_icon(frmMsgBox::Icon icon) {
   return {};
 }
 
+QTextEdit* make_text(const QString& name) {
+  auto* text = new QTextEdit;
+  text->setObjectName(name);
+  text->setReadOnly(true);
+  text->setFocusPolicy(Qt::ClickFocus);
+  text->setFrameShape(QFrame::NoFrame);
+  text->viewport()->setAutoFillBackground(false);
+  text->document()->setDocumentMargin(0);
+  return text;
+}
+
+// As large as its text, up to where it is scrolled.
+void fit(QTextEdit& edit, const QString& content) {
+  edit.setPlainText(content);
+  QTextDocument& document = *edit.document();
+  document.setTextWidth(max_text_width);
+  const int width =
+      std::clamp(static_cast<int>(std::ceil(document.idealWidth())) + 1, min_text_width, max_text_width);
+  document.setTextWidth(width);
+  const int height = std::min(static_cast<int>(std::ceil(document.size().height())), max_text_height);
+  edit.setVerticalScrollBarPolicy(height == max_text_height ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+  edit.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  edit.setFixedSize(width, height);
+}
+
 }  // namespace
 
 MessageWindow::MessageWindow(Content content, QWidget* parent)
-    : QDialog(parent), content_(std::move(content)), text_(new QTextEdit), footer_(new QLabel) {
+    : QDialog(parent),
+      content_(std::move(content)),
+      text_(make_text(QStringLiteral("label"))),
+      details_(make_text(QStringLiteral("label2"))),
+      footer_(new QLabel) {
   setWindowTitle(content_.caption);
-
-  text_->setObjectName(QStringLiteral("label"));
-  text_->setReadOnly(true);
-  text_->setFocusPolicy(Qt::ClickFocus);
-  text_->setFrameShape(QFrame::NoFrame);
-  text_->viewport()->setAutoFillBackground(false);
-  text_->document()->setDocumentMargin(0);
+  QPalette muted = details_->palette();
+  muted.setColor(QPalette::Text, QColor{theme::muted});
+  details_->setPalette(muted);
 
   footer_->setObjectName(QStringLiteral("footer"));
   footer_->setTextFormat(Qt::PlainText);
@@ -72,7 +98,13 @@ MessageWindow::MessageWindow(Content content, QWidget* parent)
     picture->setPixmap(icon.pixmap(QSize{icon_size, icon_size}, devicePixelRatioF()));
     top->addWidget(picture, 0, Qt::AlignTop);
   }
-  top->addWidget(text_, 1, Qt::AlignVCenter);
+  auto* texts = new QVBoxLayout;
+  texts->setSpacing(8);
+  texts->addStretch();
+  texts->addWidget(text_);
+  texts->addWidget(details_);
+  texts->addStretch();
+  top->addLayout(texts, 1);
 
   auto* all = new QVBoxLayout{this};
   all->setContentsMargins(16, 16, 16, 12);
@@ -82,9 +114,10 @@ MessageWindow::MessageWindow(Content content, QWidget* parent)
   all->addLayout(buttons);
   all->setSizeConstraint(QLayout::SetFixedSize);
 
-  set_text(content_.text);
+  set_text(content_.text, content_.details);
   set_footer(content_.footer);
-  buttons_[content_.focus]->setFocus();
+  primary_ = new PrimaryLook{buttons_, *buttons_[content_.focus], this};
+  primary_->button().setFocus();
 }
 
 QPushButton* MessageWindow::make_button(std::size_t index) {
@@ -92,9 +125,8 @@ QPushButton* MessageWindow::make_button(std::size_t index) {
   auto* button = new QPushButton{with_letter(made.caption)};
   button->setObjectName(QStringLiteral("cmd%1").arg(index + 1));
   button->setMinimumWidth(88);
-  // Enter is for the button with the focus alone, and none but the primary one looks like it.
+  // None but the primary one looks like it.
   button->setAutoDefault(false);
-  if (made.primary) button->setProperty("role", QStringLiteral("primary"));
   button->installEventFilter(this);
   connect(button, &QPushButton::clicked, this, [this, index] { press(index); });
   buttons_.push_back(button);
@@ -113,19 +145,12 @@ QString MessageWindow::with_letter(const QString& caption) {
          text.mid(place).replace(QLatin1Char{'&'}, QStringLiteral("&&"));
 }
 
-void MessageWindow::set_text(const QString& text) {
+void MessageWindow::set_text(const QString& text, const QString& details) {
   content_.text = text;
-  text_->setPlainText(text);
-  QTextDocument& document = *text_->document();
-  document.setTextWidth(max_text_width);
-  const int width =
-      std::clamp(static_cast<int>(std::ceil(document.idealWidth())) + 1, min_text_width, max_text_width);
-  document.setTextWidth(width);
-  const int height = std::min(static_cast<int>(std::ceil(document.size().height())), max_text_height);
-  text_->setVerticalScrollBarPolicy(height == max_text_height ? Qt::ScrollBarAlwaysOn
-                                                              : Qt::ScrollBarAlwaysOff);
-  text_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  text_->setFixedSize(width, height);
+  content_.details = details;
+  fit(*text_, text);
+  fit(*details_, details);
+  details_->setVisible(!details.isEmpty());
 }
 
 void MessageWindow::set_footer(const QString& footer) {
@@ -171,11 +196,11 @@ bool MessageWindow::eventFilter(QObject* watched, QEvent* event) {
 void MessageWindow::keyPressEvent(QKeyEvent* event) {
   // A key that is held down must not answer what comes next.
   if (event->isAutoRepeat()) return;
-  if (event->matches(QKeySequence::Copy)) return QApplication::clipboard()->setText(content_.text);
-  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-    if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();
-    return;
+  if (event->matches(QKeySequence::Copy)) {
+    const QString below = content_.details.isEmpty() ? QString{} : QLatin1Char{'\n'} + content_.details;
+    return QApplication::clipboard()->setText(content_.text + below);
   }
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) return primary_->button().click();
   const bool bare = !(event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
   if (bare && event->text().size() == 1 && event->text().front().isLetter()) {
     const auto index = letters_.indexOf(event->text().front().toUpper());

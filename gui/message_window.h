@@ -15,18 +15,21 @@ class QTextEdit;
 
 namespace tutti {
 
-// The one look of all messages and questions. Buttons answer to Enter while they have the focus, to Alt and
-// their underlined letter, and to the bare letter; Ctrl+C copies the text.
+class PrimaryLook;
+
+// The one look of all messages and questions. Buttons answer to Alt and their underlined letter, and to the
+// bare letter; Enter presses the one that looks primary, which is the one that had the focus last. Ctrl+C
+// copies the texts.
 class MessageWindow final : public QDialog {
  public:
   struct ButtonContent {
     QString caption;
     // Empty: the press closes the window and is what ask() answers.
     std::function<void()> pressed = {};
-    bool primary = false;
   };
   struct Content {
-    QString text = {};  // plain, blanks and line breaks kept
+    QString text = {};     // plain, blanks and line breaks kept
+    QString details = {};  // the same, muted, below the text
     QString caption = {};
     frmMsgBox::Icon icon = frmMsgBox::Icon::none;
     std::vector<ButtonContent> buttons = {};
@@ -43,7 +46,7 @@ class MessageWindow final : public QDialog {
   // closed from elsewhere, by done(0) or by the program's end.
   std::optional<std::size_t> ask();
 
-  void set_text(const QString& text);
+  void set_text(const QString& text, const QString& details = {});
   void set_footer(const QString& footer);
   QPushButton& button(std::size_t index) { return *buttons_[index]; }
   // In the middle of the screen that the main window is on, of the first one while there is none.
@@ -65,8 +68,10 @@ class MessageWindow final : public QDialog {
 
   Content content_;
   QTextEdit* text_;
+  QTextEdit* details_;
   QLabel* footer_;
   std::vector<QPushButton*> buttons_;
+  PrimaryLook* primary_ = nullptr;
   bool clicked_into_ = false;  // a button was pressed with the mouse since the window was made
   QString letters_;            // of the buttons, in upper case; a blank for one without
 };

@@ -136,7 +136,7 @@ void frmClosePos::add_row(const Row& open) {
   write_position(*row, open);
 }
 
-void frmClosePos::write_position(Row& row, const Row& open) const {
+void frmClosePos::write_position(Row& row, const Row& open) {
   const std::string text = position_text(open);
   const auto has = [&text](const char* word) { return text.find(word) != std::string::npos; };
   const bool is_new = row.cell(Column::status).empty();
@@ -147,7 +147,13 @@ void frmClosePos::write_position(Row& row, const Row& open) const {
   row.set_text(Column::action, no_price_text);
   write_price(row);
   // A request that is still on its way is to be seen as such.
-  if (answer_of(row) == OrderAnswer::waiting) row.set_text(Column::action, waiting_text);
+  if (answer_of(row) == OrderAnswer::waiting) write_action(row, waiting_text);
+}
+
+// Of a request, until the next price.
+void frmClosePos::write_action(Row& row, std::string_view text) {
+  row.set_text(Column::action, text);
+  overwritten_ = true;
 }
 
 void frmClosePos::write_price(Row& row) const {
@@ -160,6 +166,7 @@ void frmClosePos::write_price(Row& row) const {
 void frmClosePos::RefreshPrice(double ask, double bid) {
   ask_ = ask;
   bid_ = bid;
+  overwritten_ = false;
   for (Row& row : MSH)
     write_price(row);
 }
@@ -167,7 +174,7 @@ void frmClosePos::RefreshPrice(double ask, double bid) {
 void frmClosePos::prices(SymbolHandle handle, const Symbol& symbol) {
   if (!displayed_ || handle != symbol_) return;
   // Every account of the symbol tells of the same price, which is no change after the first of them.
-  if (symbol.ask != ask_ || symbol.bid != bid_) RefreshPrice(symbol.ask, symbol.bid);
+  if (symbol.ask != ask_ || symbol.bid != bid_ || overwritten_) RefreshPrice(symbol.ask, symbol.bid);
 }
 
 void frmClosePos::position_closed(std::int64_t ticket) {
@@ -229,7 +236,7 @@ void frmClosePos::refresh_symbols() {
 
 void frmClosePos::result(std::int64_t ticket, std::string_view text) {
   answers_[ticket] = text;
-  if (Row* row = searchpos(ticket)) row->set_text(Column::action, text);
+  if (Row* row = searchpos(ticket)) write_action(*row, text);
 }
 
 }  // namespace tutti

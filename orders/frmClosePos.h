@@ -122,8 +122,9 @@ class frmClosePos final : public ClosePositionsDesk {
   // frmClosePos.cpp
   void rebuild();
   bool connected(std::int32_t account) const;
-  void write_position(Row& row, const Row& open) const;
+  void write_position(Row& row, const Row& open);
   void write_price(Row& row) const;
+  void write_action(Row& row, std::string_view text);
   void add_row(const Row& open);
   void remove_if_empty(Row& account);
 
@@ -149,6 +150,7 @@ class frmClosePos final : public ClosePositionsDesk {
   SymbolHandle symbol_ = no_symbol;  // the one the grid is of
   double ask_ = 0.0;                 // that came since the grid is of it, 0 until one does
   double bid_ = 0.0;
+  bool overwritten_ = false;                           // something else stands where the price did
   std::uint64_t names_stamp_ = ~std::uint64_t{0};      // of the symbols that are offered
   std::deque<PositionBlock> blocks_;                   // that wait
   std::vector<frmTrade::Close> sent_;                  // with the last close and not settled yet

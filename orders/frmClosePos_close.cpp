@@ -94,10 +94,12 @@ std::vector<frmTrade::Close> frmClosePos::marked_positions() const {
 
 void frmClosePos::close_postions() {
   if (CloseSymbols.text().empty()) return general_.message_box("No symbol is selected");
-  if (marked_positions().empty()) return general_.message_box(nothing_marked);
+  const std::vector<frmTrade::Close> positions = marked_positions();
+  if (positions.empty()) return general_.message_box(nothing_marked);
   question_box_.Show(
       marked_question,
-      std::string{"Are you sure you want to close selected postion(s) at current market price(s)?"});
+      std::string{"Are you sure you want to close selected postion(s) at current market price(s)?"},
+      trade_.about(positions));
 }
 
 void frmClosePos::closepos() {
@@ -107,15 +109,16 @@ void frmClosePos::closepos() {
 }
 
 void frmClosePos::close_single(const Row& row) {
+  const frmTrade::Close position{ticket_of(row), row.cell(Column::amount).number(), account_above(row)};
   question_box_.Show(single_question,
                      std::string{"Are you sure you want to close selected postion at current market price?"},
-                     ticket_of(row), std::int64_t{account_above(row)});
+                     trade_.about({position}), position.ticket, std::int64_t{position.account});
 }
 
 void frmClosePos::closepos1() {
   // Events went on while the question stood.
-  const auto* ticket = std::get_if<std::int64_t>(&question_box_.value(2));
-  const auto* number = std::get_if<std::int64_t>(&question_box_.value(3));
+  const auto* ticket = std::get_if<std::int64_t>(&question_box_.value(3));
+  const auto* number = std::get_if<std::int64_t>(&question_box_.value(4));
   Row* row = ticket == nullptr || number == nullptr ? nullptr : searchpos(*ticket);
   if (row == nullptr || account_above(*row) != *number) return general_.message_box(nothing_marked);
   mark(*row, true);
@@ -128,7 +131,7 @@ void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
   for (const frmTrade::Close& position : positions) {
     answers_.erase(position.ticket);
     if (close_helper) close_helper(position);
-    if (Row* row = searchpos(position.ticket)) row->set_text(Column::action, waiting_text);
+    if (Row* row = searchpos(position.ticket)) write_action(*row, waiting_text);
   }
 }
 

@@ -149,18 +149,68 @@ TEST(ClosePositions, ClickDependsOnTheCell) {
   desk.prompt.answers = {2, RecordingPrompt::escape, 1};
   for (int i = 0; i < 3; ++i)
     desk.click(11, frmClosePos::action);
+  EXPECT_EQ(desk.prompt.shown[0].details, "#11 of account 1\n1 position\nEURUSD 0.5 lots\nFloating P/L 0.00");
   EXPECT_EQ(desk.prompt.take_texts(), Texts(3, sure_of_one));
   EXPECT_EQ(desk.sent(), Texts{"1 close 11 0.5"});
   EXPECT_EQ(form.searchpos(11)->text(frmClosePos::action), " Waiting.....");
   EXPECT_EQ(marks(), "***");
   desk.click(11, frmClosePos::action);
   EXPECT_EQ(marks(), "*-*");
+  const auto action = [&] { return form.searchpos(11)->text(frmClosePos::action); };
   desk.price(1, 1.08, 1.081);
-  EXPECT_EQ(form.searchpos(11)->text(frmClosePos::action), "Close At 1.081");
+  EXPECT_EQ(action(), "Close At 1.081");
   desk.click(11, frmClosePos::action);
   EXPECT_EQ(desk.prompt.take_texts(), Texts{});
   EXPECT_EQ(desk.sent(), Texts{});
   EXPECT_EQ(marks(), "***");
+
+  // The next price goes over what stands there, be it the one that is known already.
+  form.LblCheck.click();
+  EXPECT_EQ(action(), " Waiting.....");
+  desk.price(2, 1.08, 1.081);
+  EXPECT_EQ(action(), "Close At 1.081");
+}
+
+TEST(ClosePositions, QuestionsTellWhatTheyAreAbout) {
+  Closing desk;
+  desk.open(1, 11, operation::buy, "GBPUSD", 0.1);
+  for (const std::int64_t ticket : {21, 22})
+    desk.open(2, ticket, operation::sell, "EURUSD", 0.2);
+  frmTrade& trade = desk.main->trade();
+  for (const auto& [ticket, profit] : {std::pair{11, -20.5}, {21, 3.25}, {22, 4.0}}) {
+    OpenPosition moved = desk.client(ticket / 10).positions[ticket == 22 ? 1 : 0];
+    moved.floating_pl = profit;
+    trade.floating_changed(moved);
+  }
+  trade.chkAll.click();
+  trade.lvwOpenPos.tick(trade.lvwOpenPos.row(2), false);
+  trade.lbbClose.click();
+  desk.form().CloseSymbols.choose("EURUSD");
+  desk.form().chkAllClients.click();
+  desk.form().LblCheck.click();
+  EXPECT_EQ(desk.prompt.take_details(),
+            (Texts{"2 positions\nEURUSD 0.2 lots, GBPUSD 0.1 lots\nFloating P/L -17.25",
+                   "2 positions\nEURUSD 0.4 lots\nFloating P/L 7.25"}));
+  EXPECT_EQ(desk.sent().size(), 4u);
+
+  // One of the list by its row, whatever is ticked; what is gone by the answer is not closed.
+  desk.prompt.answers = {2, 1, 1};
+  trade.close_one(trade.lvwOpenPos.row(2));
+  trade.close_one(trade.lvwOpenPos.row(2));
+  EXPECT_EQ(desk.sent(), Texts{"2 close 22 0.2"});
+  desk.prompt.while_open = [&] {
+    if (trade.lvwOpenPos.size() == 3) desk.close(2, 22);
+  };
+  trade.close_one(trade.lvwOpenPos.row(2));
+  EXPECT_EQ(desk.sent(), Texts{});
+  EXPECT_EQ(desk.prompt.take_texts(),
+            (Texts{sure_of_one, sure_of_one, sure_of_one, "Position 22 is no longer open"}));
+
+  desk.client(1).sink->NewPendingOrder({40, 1, "LO", 0, operation::buy, 71, "EURUSD", 0.5, 1.2});
+  frmPending& pending = desk.main->pending();
+  pending.lvwPending.tick(pending.lvwPending.row(0), true);
+  pending.lbbCancel.click();
+  EXPECT_EQ(desk.prompt.take_details(), Texts{"1 order\nEURUSD 0.5 lots"});
 }
 
 TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {

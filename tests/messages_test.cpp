@@ -23,14 +23,15 @@ TEST(MessageForm, CaptionsButtonsAndAnswers) {
   EXPECT_EQ(b.box.GeneralStopMsg("stop"), 1);
   EXPECT_EQ(b.box.GeneralNoteMsg("note"), 1);
   b.prompt.answers = {1, 2, RecordingPrompt::escape};
-  EXPECT_EQ(b.box.GeneralQuestionMsg("really?"), 1);
+  EXPECT_EQ(b.box.GeneralQuestionMsg("really?", "2 positions"), 1);
   EXPECT_EQ(b.box.GeneralQuestionMsg("really?"), 2);
   EXPECT_EQ(b.box.GeneralQuestionMsg("really?"), 2);
   EXPECT_EQ(pressed, (std::vector<int>{1, 1, 1, 2, 2}));
-  const char* expected[] = {"stop Warning Ok", "note Note Ok", "really? Alert Yes|No"};
-  for (std::size_t i = 0; i < 3; ++i) {
+  const char* expected[] = {"stop Warning Ok", "note Note Ok", "really? Alert Yes|No2 positions",
+                            "really? Alert Yes|No"};
+  for (std::size_t i = 0; i < 4; ++i) {
     const auto& box = b.prompt.shown[i];
-    EXPECT_EQ(box.text + " " + box.caption + " " + box.buttons, expected[i]);
+    EXPECT_EQ(box.text + " " + box.caption + " " + box.buttons + box.details, expected[i]);
   }
   EXPECT_FALSE(b.box.Displayed());
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/texts.h"
+#include "views/lot_sums.h"
 
 namespace tutti {
 
@@ -150,7 +151,11 @@ std::int32_t frmPending::send(const Cancel& cancel) {
 void frmPending::CloseIoID() {
   if (ticked().empty()) return general_.message_box("No selected orders");
   constexpr int yes = 1;
-  if (general_.msg_box.GeneralQuestionMsg("Are you sure you want to cancel selected order(s)?") != yes)
+  LotSums sums{"order"};
+  for (const Row& row : lvwPending)
+    if (row.checked()) sums.add(row.text(Column::symbol), row.cell(Column::amount).number());
+  if (general_.msg_box.GeneralQuestionMsg("Are you sure you want to cancel selected order(s)?",
+                                          sums.text()) != yes)
     return;
   int refused = 0;
   // Read again after the question, and whole before the first request, since events go on.

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "views/lot_sums.h"
+
 namespace tutti {
 namespace {
 
@@ -66,14 +68,37 @@ void frmTrade::chkAll_Click() {
     row.set_checked(chkAll.checked());
 }
 
+frmTrade::Close frmTrade::close_of(const Row& row) {
+  return {row.key().number(), row.cell(Column::amount).number(),
+          static_cast<std::int32_t>(row.cell(Column::account).stored_number())};
+}
+
+const Row* frmTrade::row_of(const Close& position) const {
+  const Row* row = lvwOpenPos.find(ticket_key(position.ticket));
+  return row != nullptr && row->cell(Column::account).stored_number() == position.account ? row : nullptr;
+}
+
 std::vector<frmTrade::Close> frmTrade::ticked() const {
   std::vector<Close> out;
-  for (const Row& row : lvwOpenPos) {
-    if (!row.checked()) continue;
-    out.push_back({row.key().number(), row.cell(Column::amount).number(),
-                   static_cast<std::int32_t>(row.cell(Column::account).stored_number())});
-  }
+  for (const Row& row : lvwOpenPos)
+    if (row.checked()) out.push_back(close_of(row));
   return out;
+}
+
+std::string frmTrade::about(const std::vector<Close>& positions) const {
+  LotSums sums{"position"};
+  for (const Close& position : positions) {
+    const Row* row = row_of(position);
+    if (row == nullptr) continue;
+    sums.add(row->text(Column::symbol), position.amount);
+    sums.add_profit(row->cell(Column::profit).stored_number());
+  }
+  std::string which;
+  if (positions.size() == 1) {
+    which = "#" + std::to_string(positions[0].ticket) + " of account " +
+            std::to_string(positions[0].account) + "\n";
+  }
+  return which + sums.text();
 }
 
 void frmTrade::edit(const Row& row) const {
@@ -94,7 +119,22 @@ void frmTrade::lbbClose_Click() {
   if (ticked().empty()) return general_.message_box("No selected positions");
   question_box_.Show(
       close_question,
-      std::string{"Are you sure you want to close selected postion(s) at current market price(s)?"});
+      std::string{"Are you sure you want to close selected postion(s) at current market price(s)?"},
+      about(ticked()));
+}
+
+void frmTrade::close_one(const Row& row) {
+  const Close meant = close_of(row);
+  constexpr int yes = 1;
+  if (general_.msg_box.GeneralQuestionMsg(
+          "Are you sure you want to close selected postion at current market price?", about({meant})) != yes)
+    return;
+  // Events went on while the question stood.
+  const Row* now = row_of(meant);
+  if (now == nullptr) {
+    return general_.message_box("Position " + std::to_string(meant.ticket) + " is no longer open");
+  }
+  close_helper(close_of(*now));
 }
 
 void frmTrade::closeAllse() {

@@ -64,6 +64,10 @@ class frmTrade final : public PositionBook {
   void RemovePosition(std::int64_t ticket);
   // All positions of an account that is no longer connected.
   void RemovePending(std::int32_t account);
+  // Asks whether this one is to be closed, ticked or not, and closes no other.
+  void close_one(const Row& row);
+  // What these positions are in all, for the question whether to close them. One that is gone is not told.
+  std::string about(const std::vector<Close>& positions) const;
   // Closes what is ticked now, without asking. Rows are collected before the first request is sent.
   void closeAllse();
   // Sends one close request and reports an immediate refusal; set by start-up.
@@ -82,6 +86,8 @@ class frmTrade final : public PositionBook {
  private:
   void lbbClose_Click();
   void chkAll_Click();
+  static Close close_of(const Row& row);
+  const Row* row_of(const Close& position) const;
   std::vector<Close> ticked() const;
 
   MGeneral& general_;

@@ -16,6 +16,15 @@ std::string text_of(const QWidget& box) {
   return box.findChild<QTextEdit*>()->toPlainText().toStdString();
 }
 
+// The buttons that look as if Enter pressed them.
+std::string primary(const QWidget& box) {
+  std::string out;
+  for (const QPushButton* each : box.findChildren<QPushButton*>())
+    if (each->property("role").toString() == QStringLiteral("primary"))
+      out += each->objectName().toStdString();
+  return out;
+}
+
 struct MessagesTest : ::testing::Test {
   MessagesTest() {
     prompt.set_parent(&window);
@@ -51,8 +60,9 @@ TEST_F(MessagesTest, AQuestionIsAnsweredByKeysAndClicks) {
       {"Y", [](QWidget&) { press(Qt::Key_Y); }, true},
       {"Alt+Y", [](QWidget&) { press(Qt::Key_Y, Qt::AltModifier); }, true},
       {"Enter on Yes",
-       [](QWidget&) {
+       [](QWidget& box) {
          press(Qt::Key_Backtab);
+         EXPECT_EQ(primary(box), "cmd1");
          press(Qt::Key_Enter);
        },
        true},
@@ -71,8 +81,12 @@ TEST_F(MessagesTest, AQuestionIsAnsweredByKeysAndClicks) {
   for (const auto& each : cases) {
     SCOPED_TRACE(each.name);
     followed = 0;
-    when_modal(each.act);
-    question.Show(1, "  Close all?\nTwo lines");
+    when_modal([&](QWidget& box) {
+      EXPECT_EQ(part<QTextEdit>(box, "label2").toPlainText().toStdString(), "2 positions");
+      EXPECT_EQ(primary(box), "cmd2");
+      each.act(box);
+    });
+    question.Show(1, "  Close all?\nTwo lines", "2 positions");
     EXPECT_EQ(followed, each.yes ? 1 : 0);
     EXPECT_FALSE(question.box().Displayed());
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);

@@ -48,9 +48,19 @@ TEST_F(TradeTest, TickedPositionsAreClosed) {
   rig.run(2s);
   EXPECT_EQ(shown(list.rows(), frmTrade::ticket), (Texts{tickets[0], tickets[3]}));
 
+  // The row that was clicked on, not those that are ticked.
+  click_tick(list, 0);
+  click_cell(list, 1, frmTrade::symbol);
+  list.findChild<QAction*>(QStringLiteral("close_this"))->trigger();
+  rig.run(2s);
+  EXPECT_EQ(shown(list.rows(), frmTrade::ticket), Texts{tickets[0]});
+  rig.buy("3");
+  rig.run(2s);
+  click_tick(list, 0);
+
   QTest::mouseClick(&part(window, "chkAll"), Qt::LeftButton, {}, {8, 8});
   rig.terminal.prompt.answers = {2, 1};
-  for (const std::size_t left : {2u, 0u}) {
+  for (const std::size_t left : {5u, 0u}) {
     window.close_selected();
     rig.run(2s);
     EXPECT_EQ(form.lvwOpenPos.size(), left);

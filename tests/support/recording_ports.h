@@ -20,11 +20,13 @@ class RecordingPrompt final : public Prompt {
     std::string caption;
     std::string
         buttons;  // captions of the visible buttons with "|" between them; "system" for the system box
+    std::string details = {};
   };
 
   void run(frmMsgBox& box) override {
     shown.push_back({box.label.text(), box.caption(),
-                     box.cmd1.caption() + (box.cmd2.visible() ? "|" + box.cmd2.caption() : "")});
+                     box.cmd1.caption() + (box.cmd2.visible() ? "|" + box.cmd2.caption() : ""),
+                     box.label2.text()});
     if (screen != nullptr) return screen->run(box);
     if (while_open) while_open();
     const int button = next_answer();
@@ -40,6 +42,14 @@ class RecordingPrompt final : public Prompt {
   void system_box(std::string_view text, std::string_view caption) override {
     shown.push_back({std::string{text}, std::string{caption}, "system"});
     if (screen != nullptr) screen->system_box(text, caption);
+  }
+
+  // What the boxes told in their second label since the last call; forgets them.
+  std::vector<std::string> take_details() {
+    std::vector<std::string> out;
+    for (const Shown& box : std::exchange(shown, {}))
+      out.push_back(box.details);
+    return out;
   }
 
   // Texts shown since the last call.
