@@ -1,6 +1,8 @@
 #include "accounts/distribution.h"
 
+#include <cmath>
 #include <string>
+#include <utility>
 
 #include "core/numbers.h"
 
@@ -24,6 +26,13 @@ bool Distribution::summary_of(Row& row, AccountSummary& out) const {
   const SummaryAnswer answer = sessions_.summary_of(account_of(row));
   if (answer.result != result::succeeded) {
     refuse(row, CClientAPIManager::ResultDescription(answer.result));
+    return false;
+  }
+  // What is no number would make the shares of all others none.
+  for (const auto& [value, name] :
+       {std::pair{answer.values.equity, "Equity"}, {answer.values.free_margin, "Free margin"}}) {
+    if (std::isfinite(value)) continue;
+    refuse(row, name + std::string{" is not a finite number"});
     return false;
   }
   out = answer.values;
@@ -66,7 +75,12 @@ void Distribution::write_shares(double amount, DistributionRule rule, std::strin
       share = rule == DistributionRule::margin ? amount * summary.free_margin / sums.free_margin
                                                : amount * summary.equity / sums.equity;
     }
-    window_.updateAmount(account, round_half_even(share, decimals), row.key());
+    share = round_half_even(share, decimals);
+    if (std::isfinite(share)) {
+      window_.updateAmount(account, share, row.key());
+    } else {
+      refuse(row, "The share is not a finite number");
+    }
   }
 }
 
@@ -81,9 +95,11 @@ void Distribution::run(double amount, std::int16_t type, std::string_view symbol
   }
   const auto rule = static_cast<DistributionRule>(type);
   const bool margin = rule == DistributionRule::margin;
-  if ((margin && sums.free_margin == 0.0) || (rule == DistributionRule::equity && sums.equity == 0.0)) {
+  const double sum = margin ? sums.free_margin : sums.equity;
+  if ((margin || rule == DistributionRule::equity) && (sum == 0.0 || !std::isfinite(sum))) {
     return general_.message_box(std::string{"The "} + (margin ? "free margin" : "equity") +
-                                " of the ticked accounts adds up to 0, so nothing can be split by it");
+                                " of the ticked accounts adds up to " +
+                                (sum == 0.0 ? "0" : "no finite number") + ", so nothing can be split by it");
   }
   if (rule == DistributionRule::none) {
     general_.message_box("Please select distribution type");

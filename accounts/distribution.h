@@ -14,7 +14,8 @@ enum class DistributionRule : std::int16_t { none = -1, equal = 0, margin = 1, e
 
 // Splits `amount` lots of a symbol over the ticked rows of an order window.
 //
-// First weeds out rows that can't take the order (symbol not visible, equity below zero), then writes each
+// First weeds out rows that can't take the order (symbol not visible, equity below zero, a summary that is no
+// number), then writes each
 // share, rounded half to even to the amount precision. Shares need not add up to the total, and a share may
 // be 0: nothing is corrected. Refusals go into the rows, input errors into message boxes.
 class Distribution {

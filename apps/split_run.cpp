@@ -113,7 +113,7 @@ void SplitRun::print(const std::vector<Line>& lines) const {
   fmt::print("{} {} lots, {}\n{}", title(), arguments_.amount,
              controls_.rule.items()[static_cast<std::size_t>(arguments_.rule)], table.text());
   fmt::print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
-             number_text(round_half_even(shares_.sum, 8)), arguments_.amount, shares_.zero_or_below,
+             number_text(round_half_even(shares_.sum, 8)), arguments_.amount, shares_.zero + shares_.negative,
              shares_.below_minimum, number_text(main_.general().minimum_lot));
   if (arguments_.dry_run) return;
   fmt::print("{} of {} accepted\n{}\n\n{}", accepted, lines.size(), main_.window().totals_pane(),

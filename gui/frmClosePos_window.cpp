@@ -1,7 +1,6 @@
 #include "gui/frmClosePos_window.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -15,6 +14,7 @@
 #include "gui/list_count.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
+#include "gui/symbol_box.h"
 #include "gui/window_parts.h"
 
 namespace tutti {
@@ -71,9 +71,8 @@ QBoxLayout* FrmClosePosWindow::make_head() {
   auto* label = named(new QLabel, "Label2");
   label->setProperty("muted", true);
   binder.bind(*label, form_.Label2);
-  symbols_ = make_combo("CloseSymbols");
+  symbols_ = named(new SymbolBox{form_.CloseSymbols, screen_}, "CloseSymbols");
   symbols_->setMaximumWidth(widest_symbols);
-  binder.bind(*symbols_, form_.CloseSymbols);
   auto* all = named(new QCheckBox{QStringLiteral("All")}, "chkAllClients");
   binder.bind(*all, form_.chkAllClients);
   marked_only_ = named(new QCheckBox{QStringLiteral("Marked only")}, "marked_only");

@@ -10,7 +10,6 @@
 
 class QBoxLayout;
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QPushButton;
 
@@ -19,6 +18,7 @@ namespace tutti {
 class AnswersLine;
 class RowListView;
 class Screen;
+class SymbolBox;
 
 // Close positions window: the positions of one symbol over all accounts, marked with a click or Space, and
 // the closing of those that are marked.
@@ -52,7 +52,7 @@ class FrmClosePosWindow final : public QWidget {
   Screen& screen_;
   CloseRowLook look_;
   RowListView* list_;
-  QComboBox* symbols_ = nullptr;
+  SymbolBox* symbols_ = nullptr;
   QCheckBox* marked_only_ = nullptr;
   QPushButton* next_ = nullptr;
   QBoxLayout* act_ = nullptr;  // what is done with what is shown, and the way to the next symbol

@@ -1,12 +1,15 @@
 #include "gui/frmMW_window.h"
 
+#include <QAction>
 #include <QVBoxLayout>
 
 #include "gui/row_list_view.h"
+#include "gui/screen.h"
+#include "gui/window_parts.h"
 
 namespace tutti {
 
-FrmMWWindow::FrmMWWindow(frmMW& form, Screen& screen) {
+FrmMWWindow::FrmMWWindow(frmMW& form, Screen& screen) : form_(form), screen_(screen) {
   using Column = frmMW::Column;
   symbols_ =
       new RowListView{form.lvwMW,
@@ -18,6 +21,20 @@ FrmMWWindow::FrmMWWindow(frmMW& form, Screen& screen) {
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);
   column->addWidget(symbols_);
+  add_action("to_market_order", QStringLiteral("Market order"), form.to_market_order);
+  add_action("to_entry_order", QStringLiteral("Entry order"), form.to_entry_order);
+}
+
+void FrmMWWindow::add_action(const char* name, const QString& text,
+                             const std::function<void(std::string_view)>& take) {
+  auto* action = named(new QAction{text, symbols_}, name);
+  connect(action, &QAction::triggered, this, [this, &take] {
+    screen_.settle();
+    const Row* row = form_.lvwMW.current();
+    if (row != nullptr && take) take(form_.symbol_of(*row));
+    screen_.acted();
+  });
+  symbols_->addAction(action);
 }
 
 }  // namespace tutti

@@ -9,8 +9,8 @@ namespace tutti {
 class RowListView;
 class Screen;
 
-// Market watch: the symbols with their live prices. A double-click or Enter takes the symbol over into the
-// market order window.
+// Market watch: the symbols with their live prices. A double-click or Enter hands the symbol over to the
+// market order window, the row's menu to either order window.
 class FrmMWWindow final : public QWidget {
  public:
   FrmMWWindow(frmMW& form, Screen& screen);
@@ -18,7 +18,11 @@ class FrmMWWindow final : public QWidget {
   RowListView& list() { return *symbols_; }
 
  private:
-  RowListView* symbols_;
+  void add_action(const char* name, const QString& text, const std::function<void(std::string_view)>& take);
+
+  frmMW& form_;
+  Screen& screen_;
+  RowListView* symbols_ = nullptr;
 };
 
 }  // namespace tutti

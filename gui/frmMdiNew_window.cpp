@@ -68,6 +68,7 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   main_.accounts().show_about = [this] { show_about(); };
   main_.window().set_command(frmMdiNew::show_accounts, [this] { bring_up(QStringLiteral("accounts")); });
   main_.window().set_command(frmMdiNew::show_journal, [this] { bring_up(QStringLiteral("journal")); });
+  main_.market_order().show = [this] { bring_up(QStringLiteral("market_order")); };
   main_.entry_order().show = [this] { bring_up(QStringLiteral("entry_order")); };
   main_.close_positions().show = [this] { put_in_front(QStringLiteral("close_positions")); };
   reset_layout();

@@ -16,6 +16,7 @@
 #include "gui/quote_panel.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
+#include "gui/symbol_box.h"
 #include "gui/theme.h"
 #include "gui/window_parts.h"
 
@@ -107,8 +108,7 @@ QWidget* FrmlimitorderWindow::make_entry(const SymbolCollection& symbols) {
   grid->setSpacing(6);
   grid->setColumnStretch(1, 1);
 
-  auto* symbol = make_combo("cblimitordersymbols");
-  binder_.bind(*symbol, form_.cblimitordersymbols);
+  auto* symbol = named(new SymbolBox{form_.cblimitordersymbols, screen_}, "cblimitordersymbols");
   grid->addWidget(make_label(QStringLiteral("Symbol"), symbol), 0, 0);
   grid->addWidget(symbol, 0, 1, 1, 3);
   const auto chosen = [this]() -> std::string_view { return form_.cblimitordersymbols.text(); };
@@ -325,7 +325,7 @@ void FrmlimitorderWindow::cancel() {
 }
 
 void FrmlimitorderWindow::tick_all() {
-  form_.chkAllClients.click();
+  form_.tick_all();
   screen_.acted();
 }
 

@@ -31,7 +31,7 @@ class FrmlimitorderWindow final : public QWidget {
   void distribute();
   void submit();
   void cancel();
-  // Presses the all-accounts box: ticks all accounts, or unticks them while the box is ticked.
+  // Ticks all accounts, or unticks them while the all-accounts box is ticked and any of them is.
   void tick_all();
 
   RowListView& list();

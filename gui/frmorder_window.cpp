@@ -12,6 +12,7 @@
 #include "gui/quote_panel.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
+#include "gui/symbol_box.h"
 #include "gui/window_parts.h"
 
 namespace tutti {
@@ -69,9 +70,7 @@ QWidget* FrmorderWindow::make_entry(const SymbolCollection& symbols) {
   add_label(2, "amount_label", form_.amount_label);
   add_label(3, "distribute_label", form_.distribute_label);
 
-  auto* cbsymbols = make_combo("cbsymbols");
-  binder_.bind(*cbsymbols, form_.cbsymbols);
-  grid->addWidget(cbsymbols, 0, 1, 1, 2);
+  grid->addWidget(named(new SymbolBox{form_.cbsymbols, screen_}, "cbsymbols"), 0, 1, 1, 2);
 
   quote_ = named(new QuotePanel{symbols, screen_, [this] { return form_.symbol(); }}, "quote");
   grid->addWidget(quote_, 1, 0, 1, 3);
@@ -169,7 +168,7 @@ void FrmorderWindow::send(Button& button) {
 }
 
 void FrmorderWindow::tick_all() {
-  form_.chkAllClients.click();
+  form_.tick_all();
   screen_.acted();
 }
 

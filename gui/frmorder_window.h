@@ -28,7 +28,7 @@ class FrmorderWindow final : public QWidget {
   void distribute();
   void buy() { send(form_.cmdbuy); }
   void sell() { send(form_.cmdsell); }
-  // Presses the all-accounts box: ticks all accounts, or unticks them while the box is ticked.
+  // Ticks all accounts, or unticks them while the all-accounts box is ticked and any of them is.
   void tick_all();
 
   RowListView& list();

@@ -14,6 +14,7 @@
 #include "gui/round_panel.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
+#include "gui/theme.h"
 #include "gui/window_parts.h"
 
 namespace tutti {
@@ -21,6 +22,24 @@ namespace tutti {
 namespace {
 
 constexpr int one_line_head = 380;  // from this width on the filter stands beside the all-accounts box
+
+QColor colour_of(ShareFault fault) {
+  if (fault == ShareFault::none) return {};
+  return fault == ShareFault::zero_or_below ? theme::colour(Ink::red) : QColor{theme::amber};
+}
+
+std::string_view text_of(ShareFault fault) {
+  switch (fault) {
+    case ShareFault::zero_or_below:
+      return "The share is zero or negative";
+    case ShareFault::below_minimum:
+      return "The share is below the smallest lot";
+    case ShareFault::above_maximum:
+      return "The share is above the largest lot";
+    default:
+      return {};
+  }
+}
 
 }  // namespace
 
@@ -30,7 +49,13 @@ OrderAccounts::OrderAccounts(OrderForm form, Screen& screen)
       list_(named(new RowListView{form_.accounts, screen, {AccountRows::amount}, true}, "lvwConClients")),
       head_(new QBoxLayout{QBoxLayout::TopToBottom}) {
   list_->set_ink([this](const Row& row, std::size_t at) {
-    return at == AccountRows::result_text ? AnswerFilter::colour(form_.answer_of(row)) : QColor{};
+    if (at == AccountRows::result_text) return AnswerFilter::colour(form_.answer_of(row));
+    return at == AccountRows::amount ? colour_of(form_.share_fault(row)) : QColor{};
+  });
+  list_->set_tip([this](const Row& row) {
+    const std::string fault{text_of(form_.share_fault(row))};
+    const std::string result = row.text(AccountRows::result_text);
+    return fault.empty() || result.empty() ? fault : fault + "\n" + result;
   });
   head_->setSpacing(6);
   head_->addWidget(make_all_accounts());

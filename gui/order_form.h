@@ -30,7 +30,10 @@ struct OrderForm {
   std::function<OrderAnswer(const Row& row)> answer_of;
   std::function<OrderAnswers()> answers;
   std::function<Shares()> shares;
+  std::function<ShareFault(const Row& row)> share_fault;
+  // Of one order, in lots; 0 while it is not known.
   std::function<double()> minimum_lot;
+  std::function<double()> maximum_lot;
 };
 
 // The accounts side of either order window's form, which have it under the same names.
@@ -49,7 +52,9 @@ OrderForm order_form_of(Form& form, const TextBox& total, TextBox& share_editor,
           .answer_of = [&form](const Row& row) { return form.answer_of(row); },
           .answers = [&form] { return form.answers(); },
           .shares = [&form] { return form.shares(); },
-          .minimum_lot = [&form] { return form.minimum_lot(); }};
+          .share_fault = [&form](const Row& row) { return form.share_fault(row); },
+          .minimum_lot = [&form] { return form.minimum_lot(); },
+          .maximum_lot = [&form] { return form.maximum_lot(); }};
 }
 
 }  // namespace tutti

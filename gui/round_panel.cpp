@@ -1,5 +1,6 @@
 #include "gui/round_panel.h"
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -24,8 +25,15 @@ RoundPanel::RoundPanel(const OrderForm& form, std::function<int()> hidden, Scree
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(4);
   shares_ = make_line("shares_line");
+  limits_ = named(new QLabel, "lot_limits");
+  limits_->setProperty("muted", true);
+  limits_->setToolTip(QStringLiteral("Smallest and largest lot of one order"));
   answers_ = new AnswersLine{"Nothing sent in this round"};
-  column->addWidget(shares_);
+  auto* line = new QHBoxLayout;
+  line->setSpacing(12);
+  line->addWidget(shares_, 1);
+  line->addWidget(limits_, 0, Qt::AlignTop);
+  column->addLayout(line);
   column->addWidget(answers_);
   follow();
   screen.on_refresh(*this, [this] { follow(); });
@@ -33,7 +41,15 @@ RoundPanel::RoundPanel(const OrderForm& form, std::function<int()> hidden, Scree
 
 void RoundPanel::follow() {
   show_shares();
+  show_limits();
   show_answers();
+}
+
+void RoundPanel::show_limits() {
+  const double minimum = form_.minimum_lot();
+  const double maximum = form_.maximum_lot();
+  if (minimum <= 0.0 || maximum <= 0.0) return show_line(*limits_, "", false);
+  show_line(*limits_, lots(minimum) + " to " + lots(maximum) + " lots", false);
 }
 
 void RoundPanel::show_shares() {
@@ -44,8 +60,11 @@ void RoundPanel::show_shares() {
   const auto add_fault = [&faults](int count, const std::string& what) {
     if (count > 0) faults += (faults.empty() ? "; " : ", ") + std::to_string(count) + what;
   };
-  add_fault(shares.zero_or_below, " zero");
+  add_fault(shares.zero, " zero");
+  add_fault(shares.negative, " negative");
+  add_fault(shares.without, " without a share");
   add_fault(shares.below_minimum, " below the smallest lot " + lots(form_.minimum_lot()));
+  add_fault(shares.above_maximum, " above the largest lot " + lots(form_.maximum_lot()));
   double difference = 0.0;
   if (!form_.total.text().empty()) {
     const double typed = read_number(form_.total.text());

@@ -13,8 +13,8 @@ namespace tutti {
 class AnswersLine;
 class Screen;
 
-// Under the accounts of an order window: the shares against the total typed, and what became of the
-// orders.
+// Under the accounts of an order window: the shares against the total typed and what is wrong with them,
+// what one order may be of, and what became of the orders.
 class RoundPanel final : public QWidget {
  public:
   // `form` must live as long as the panel.
@@ -24,11 +24,13 @@ class RoundPanel final : public QWidget {
  private:
   void follow();
   void show_shares();
+  void show_limits();
   void show_answers();
 
   const OrderForm& form_;
   std::function<int()> hidden_;
   QLabel* shares_;
+  QLabel* limits_;
   AnswersLine* answers_;
 };
 

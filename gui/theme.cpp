@@ -95,11 +95,14 @@ QListWidget { background: #12161c; border: none; outline: none; }
 QListWidget::item { padding: 5px 10px; border-left: 3px solid transparent; }
 QListWidget::item:selected { background: #102533; color: #eef1f5; border-left-color: #4db5d2; }
 QListWidget::item:hover { color: #4db5d2; }
+QListWidget#found_symbols { background: #1d242d; border: 1px solid #323b47; }
 QLineEdit, QComboBox, QPlainTextEdit { background: #0f1318; border: 1px solid #323b47; border-radius: 3px;
   padding: 3px 7px; min-height: 18px; selection-background-color: #1f6f8f; }
 QLineEdit:focus, QComboBox:focus { border-color: #4db5d2; }
 QLineEdit:disabled, QComboBox:disabled { color: #5d6875; background: #151a21; border-color: #27303b; }
 QLineEdit[readOnly="true"] { background: #151a21; }
+QLineEdit[search="not_taken"], QLineEdit[search="not_taken"]:focus { color: #e0a04a; border-color: #e0a04a; }
+QLineEdit[search="nothing"], QLineEdit[search="nothing"]:focus { color: #e58b8b; border-color: #e58b8b; }
 QComboBox::drop-down { border: none; border-left: 1px solid #323b47; width: 20px; }
 QComboBox::down-arrow { image: url(:/icons/chevron-down.svg); width: 12px; height: 12px; }
 QComboBox QAbstractItemView { background: #1d242d; border: 1px solid #323b47; outline: none;

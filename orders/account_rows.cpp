@@ -9,6 +9,7 @@ Row* AccountRows::add(std::int32_t number, std::string_view share) {
   if (row == nullptr) return nullptr;
   row->set_number(Column::account, number);
   row->set_text(Column::amount, share);
+  if (ticked_when_gone_.erase(number) > 0) row->set_text(Column::result_text, came_back_text);
   return row;
 }
 
@@ -21,22 +22,48 @@ void AccountRows::update_amount(RowKey key, double share) {
 }
 
 void AccountRows::remove(std::int32_t number) {
-  if (Row* row = find(number)) list_.remove(*row);
+  Row* row = find(number);
+  if (row == nullptr) return;
+  if (row->checked()) ticked_when_gone_.insert(number);
+  list_.remove(*row);
+}
+
+void AccountRows::remove_if(const std::function<bool(const Row&)>& gone) {
+  for (const Row& row : list_)
+    if (row.checked() && gone(row)) ticked_when_gone_.insert(static_cast<std::int32_t>(row.key().number()));
+  list_.remove_if(gone);
+}
+
+void AccountRows::ticked(Row& row) {
+  if (came_back(row)) row.set_text(Column::result_text, "");
+}
+
+ShareFault AccountRows::fault_of(const Row& row) const {
+  const Cell& cell = row.cell(Column::amount);
+  if (!row.checked() || cell.empty()) return ShareFault::none;
+  const double share = cell.number();
+  if (share <= 0.0) return ShareFault::zero_or_below;
+  if (share < general_.minimum_lot) return ShareFault::below_minimum;
+  return general_.maximum_lot > 0.0 && share > general_.maximum_lot ? ShareFault::above_maximum
+                                                                    : ShareFault::none;
 }
 
 Shares AccountRows::shares() const {
   Shares out;
   for (const Row& row : list_) {
+    if (!row.checked()) continue;
     const Cell& cell = row.cell(Column::amount);
-    if (!row.checked() || cell.empty()) continue;
+    if (cell.empty()) {
+      ++out.without;
+      continue;
+    }
     const double share = cell.number();
     out.sum += share;
     ++out.counted;
-    if (share <= 0.0) {
-      ++out.zero_or_below;
-    } else if (share < general_.minimum_lot) {
-      ++out.below_minimum;
-    }
+    const ShareFault fault = fault_of(row);
+    if (fault == ShareFault::zero_or_below) ++(share < 0.0 ? out.negative : out.zero);
+    if (fault == ShareFault::below_minimum) ++out.below_minimum;
+    if (fault == ShareFault::above_maximum) ++out.above_maximum;
   }
   return out;
 }

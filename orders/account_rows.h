@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <set>
 #include <string_view>
 
 #include "core/MGeneral.h"
@@ -9,12 +11,19 @@
 
 namespace tutti {
 
+// What is wrong with the share of a ticked row. The limits count as soon as they are known.
+enum class ShareFault { none, zero_or_below, below_minimum, above_maximum };
+
 // Shares of the ticked rows that have one.
 struct Shares {
-  double sum = 0.0;       // lots
-  int counted = 0;        // shares in the sum
-  int zero_or_below = 0;  // of them
-  int below_minimum = 0;  // of them, above 0 and below the smallest lot; 0 while that is not known
+  double sum = 0.0;  // lots
+  int counted = 0;   // shares in the sum
+  int without = 0;   // ticked rows that have none, which goes out as 0
+  // Of those in the sum.
+  int zero = 0;
+  int negative = 0;
+  int below_minimum = 0;
+  int above_maximum = 0;
 };
 
 // The account list of an order window, keyed "C" and the account number, and the in-place editor of its
@@ -28,12 +37,20 @@ class AccountRows {
     editor_.set_visible(false);
   }
 
-  // nullptr when the account has a row already (has none).
+  // nullptr when the account has a row already (has none). The new row of an account whose row was ticked
+  // when it went says so in its Result, and is not ticked by itself.
   Row* add(std::int32_t account, std::string_view amount);
+  static bool came_back(const Row& row) { return row.reads(Column::result_text, came_back_text); }
   Row* find(std::int32_t account) const { return list_.find(client_key(account)); }
   void update_result(RowKey key, std::string_view text);
   void update_amount(RowKey key, double amount);
   void remove(std::int32_t account);
+  void remove_if(const std::function<bool(const Row&)>& gone);
+  // The operator ticked or unticked a row: what it said of an earlier tick is settled.
+  void ticked(Row& row);
+  // No row was ticked when it went.
+  void forget_ticks() { ticked_when_gone_.clear(); }
+  ShareFault fault_of(const Row& row) const;
   Shares shares() const;
 
   // Committing writes the trimmed text. False when the cell can't be edited or the row has gone.
@@ -47,11 +64,14 @@ class AccountRows {
   std::size_t editor_column() const { return editor_column_; }
 
  private:
+  static constexpr std::string_view came_back_text = "Was ticked before it was disconnected";
+
   MGeneral& general_;
   RowList& list_;
   TextBox& editor_;
   RowKey editor_row_;
   std::size_t editor_column_ = 0;
+  std::set<std::int32_t> ticked_when_gone_;
 };
 
 }  // namespace tutti

@@ -5,6 +5,7 @@
 #include "accounts/distribution.h"
 #include "core/numbers.h"
 #include "core/texts.h"
+#include "orders/symbol_choice.h"
 
 namespace tutti {
 
@@ -25,7 +26,7 @@ frmlimitorder::frmlimitorder(MGeneral& general, frmMain& accounts_list, SymbolCo
   };
   cblimitordersymbols.on_choose = [this] { cblimitordersymbols_Click(); };
   cblimiordertype.on_choose = [this] { cblimiordertype_Click(); };
-  lvwConClients.on_tick = [](Row& row) { row.data<RowData>().wanted = row.checked(); };
+  lvwConClients.on_tick = [this](Row& row) { ticked(row); };
   chkAllClients.on_click = [this] { chkAllClients_Click(); };
   LblCheck.on_click = [this] { LblCheck_Click(); };
   cmdlimiorderdis.on_click = [this] { Distribute(); };
@@ -49,7 +50,10 @@ void frmlimitorder::Displayed(bool displayed) {
 }
 
 void frmlimitorder::Add(std::int32_t number) {
-  if (rows_.add(number, "") != nullptr) offsets_stale_ = true;
+  Row* row = rows_.add(number, "");
+  if (row == nullptr) return;
+  row->data<RowData>().wanted = rows_.came_back(*row);
+  offsets_stale_ = true;
 }
 
 void frmlimitorder::remove_account(std::int32_t number) {
@@ -67,6 +71,7 @@ void frmlimitorder::uncheckall() {
     row.set_checked(false);
     row.data<RowData>().wanted = false;
   }
+  rows_.forget_ticks();
 }
 
 void frmlimitorder::symbols_changed() {
@@ -87,8 +92,7 @@ bool frmlimitorder::connected(std::int32_t number) const {
 }
 
 void frmlimitorder::cblimitordersymbols_Click() {
-  lvwConClients.remove_if(
-      [&](const Row& row) { return !connected(static_cast<std::int32_t>(row.key().number())); });
+  rows_.remove_if([&](const Row& row) { return !connected(static_cast<std::int32_t>(row.key().number())); });
   symbol_ = symbols_.find(cblimitordersymbols.text());
   offsets_stale_ = true;
   limitorderpricechange();
@@ -106,8 +110,18 @@ void frmlimitorder::chkAllClients_Click() {
   if (!checked) return uncheckall();
   for (Row& row : lvwConClients) {
     row.set_checked(true);
-    row.data<RowData>().wanted = true;
+    ticked(row);
   }
+}
+
+void frmlimitorder::ticked(Row& row) {
+  row.data<RowData>().wanted = row.checked();
+  rows_.ticked(row);
+}
+
+void frmlimitorder::tick_all() {
+  if (chkAllClients.checked() && lvwConClients.checked_count() == 0) return chkAllClients_Click();
+  chkAllClients.click();
 }
 
 void frmlimitorder::LblCheck_Click() {
@@ -178,15 +192,13 @@ void frmlimitorder::sltpprice() {
 }
 
 void frmlimitorder::Distribute() {
+  if (!symbol_taken(general_, cblimitordersymbols)) return;
   begin_round();
-  const double total = number(txtlimitorderammount);
-  for (Row& row : lvwConClients) {
+  for (Row& row : lvwConClients)
     row.data<RowData>().wanted = row.checked();
-    // A share of an earlier distribution must not go out with those of this one.
-    if (total != 0.0) row.set_text(Column::amount, "");
-  }
   Distribution{general_, accounts_list_.sessions(), *this}.run(
-      total, static_cast<std::int16_t>(CBlimitorderdis.index()), cblimitordersymbols.text());
+      number(txtlimitorderammount), static_cast<std::int16_t>(CBlimitorderdis.index()),
+      cblimitordersymbols.text());
 }
 
 void frmlimitorder::set_edit_controls(bool editing) {
@@ -254,6 +266,16 @@ void frmlimitorder::EdirMode(const EditRequest& request) {
   limitorderpricechange();
   sltpprice();
   if (show) show();
+}
+
+void frmlimitorder::take_symbol(std::string_view name) {
+  if (show) show();
+  if (editing_) {
+    return general_.message_box(std::string{"An order or position of "} + edit_.symbol +
+                                " is being edited. Submit or cancel it before you choose " +
+                                std::string{name});
+  }
+  hand_over(general_, cblimitordersymbols, name);
 }
 
 PriceSketch frmlimitorder::sketch() const {

@@ -79,7 +79,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   // symbol looked up anew.
   using Displayable::Displayed;
   void Displayed(bool displayed);
-  // Brings the window up, for an order to be edited; set by who has a screen.
+  // Brings the window up, for an order to be edited or a symbol that is handed over; set by who has a screen.
   std::function<void()> show;
 
   // Rows. Adding one twice and removing a missing one are ignored.
@@ -90,6 +90,12 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   void addNote(Row& row, std::string_view text) { row.set_text(Column::result_text, text); }
   void clearresult();
   void uncheckall();
+  // The operator's command: as a click on the all-accounts box, but where the box is checked while nobody is
+  // ticked, everybody is ticked again.
+  void tick_all();
+  // Another window hands a symbol over. The one that is chosen already is not chosen again, and nothing is
+  // chosen while something is edited.
+  void take_symbol(std::string_view name);
   const std::string& ColumnWidthsPer() const { return column_widths_; }
   void ColumnWidthsPer(std::string widths);
   // The widths of a narrow and of a wide window.
@@ -128,7 +134,9 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   // What the window shows beside the controls.
   PriceSketch sketch() const;
   Shares shares() const { return rows_.shares(); }
+  ShareFault share_fault(const Row& row) const { return rows_.fault_of(row); }
   double minimum_lot() const { return general_.minimum_lot; }
+  double maximum_lot() const { return general_.maximum_lot; }
   // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
   OrderAnswer answer_of(const Row& row) const;
   OrderAnswers answers() const;
@@ -176,6 +184,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   void chkAllClients_Click();
   void LblCheck_Click();
   void cmdsubmitlimiorder_Click();
+  void ticked(Row& row);
 
   EntryType type() const { return static_cast<EntryType>(cblimiordertype.index()); }
   double number(const TextBox& box) const { return general_.locale->StringToNumber(box.text()); }

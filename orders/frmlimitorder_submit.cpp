@@ -5,10 +5,12 @@
 #include "core/numbers.h"
 #include "core/texts.h"
 #include "orders/frmlimitorder.h"
+#include "orders/symbol_choice.h"
 
 namespace tutti {
 
 void frmlimitorder::cmdsubmitlimiorder_Click() {
+  if (!symbol_taken(general_, cblimitordersymbols)) return;
   cancel_editor();
   clearresult();
   if (!editing_ && !required_fields_filled()) return clearFrmlimit();
@@ -144,10 +146,10 @@ void frmlimitorder::send(Row& row, std::string_view kind, const std::string& des
   answers_[number] = code == request::taken ? OrderAnswer::waiting : OrderAnswer::refused;
   // SL/TP that are taken are journaled when they are carried out.
   if (code == request::taken && kind == edit_stops) return;
-  std::string text =
+  const std::string text =
       accounts_list_.Result(code, number, kind, description, price, data.stop_loss, data.take_profit);
-  if (code == request::taken) return;
-  if (text.empty()) text = "Request code " + std::to_string(code);
+  // A refusal without a text is counted and nothing more.
+  if (code == request::taken || text.empty()) return;
   addNote(row, text);
   general_.log("Request " + std::string{trim(kind)} + " " + description + " at " + number_text(price) +
                    " was not taken: " + text,

@@ -4,6 +4,8 @@
 #include <span>
 #include <utility>
 
+#include "orders/symbol_choice.h"
+
 namespace tutti {
 namespace {
 
@@ -44,7 +46,10 @@ frmorder::frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& 
   txtLvw.on_key = txtammount.on_key;
   cbsymbols.on_choose = [this] { cbsymbols_Click(); };
   CBdis.on_choose = [this] { CBdis_Click(); };
-  lvwConClients.on_tick = [](Row& row) { row.data<RowData>().wanted = row.checked(); };
+  lvwConClients.on_tick = [this](Row& row) {
+    row.data<RowData>().wanted = row.checked();
+    rows_.ticked(row);
+  };
   chkAllClients.on_click = [this] { chkAllClients_Click(); };
   LblCheck.on_click = [this] { LblCheck_Click(); };
   cmddis.on_click = [this] { cmddis_Click(); };
@@ -60,7 +65,9 @@ void frmorder::ColumnWidthsPer(std::string widths) {
 
 void frmorder::Add(std::int32_t number, std::string_view share, double result) {
   Row* row = rows_.add(number, share);
-  if (row != nullptr && result != 0.0) row->set_number(Column::result_text, result);
+  if (row == nullptr) return;
+  row->data<RowData>().wanted = rows_.came_back(*row);
+  if (result != 0.0) row->set_number(Column::result_text, result);
 }
 
 void frmorder::UpdateResult(std::string_view text, std::int32_t number) {
@@ -113,6 +120,7 @@ void frmorder::set_all_accounts_box(bool checked) {
 void frmorder::chkAllClients_Click() {
   set_price_box_off();
   set_all_accounts_box(chkAllClients.checked());
+  if (!chkAllClients.checked()) rows_.forget_ticks();
   for (Row& row : lvwConClients) {
     row.data<RowData>().wanted = chkAllClients.checked();
     if (!chkAllClients.checked()) {
@@ -124,9 +132,15 @@ void frmorder::chkAllClients_Click() {
         accounts_list_.sessions().summary_of(static_cast<std::int32_t>(row.key().number()));
     const bool known = answer.result == result::succeeded;
     row.set_checked(known && answer.values.equity > 0.0);
+    rows_.ticked(row);
     if (row.checked()) continue;
     addNote(row, known ? "No Balance" : CClientAPIManager::ResultDescription(answer.result));
   }
+}
+
+void frmorder::tick_all() {
+  if (chkAllClients.checked() && lvwConClients.checked_count() == 0) return chkAllClients_Click();
+  chkAllClients.click();
 }
 
 void frmorder::LblCheck_Click() {
@@ -139,6 +153,7 @@ void frmorder::cmddis_Click() {
   if (txtammount.text().empty() || cbsymbols.text().empty()) {
     return general_.message_box("Please fill the required fields");
   }
+  if (!symbol_taken(general_, cbsymbols)) return;
   const SymbolHandle chosen = symbols_.find(cbsymbols.text());
   symbol_ = chosen == no_symbol ? SymbolCollection::Entry{} : symbols_.entry(chosen);
   sent_ = false;
@@ -162,6 +177,7 @@ void frmorder::cmdsell_Click() {
 
 void frmorder::send(void (CClientAPIManagers::*function)()) {
   if (cbsymbols.text().empty()) return general_.message_box("Please fill the required fields");
+  if (!symbol_taken(general_, cbsymbols)) return;
   set_price_box_off();
   // Before anything is sent, so that each distribution goes out once.
   Enableds(true);
@@ -201,9 +217,8 @@ frmorder::Answers frmorder::answers() const {
 }
 
 void frmorder::take_symbol(std::string_view name) {
-  // Choosing empties amounts and shares, even for the symbol that is chosen already.
-  if (name == cbsymbols.text() || cbsymbols.find(name) < 0) return;
-  cbsymbols.choose(name);
+  if (show) show();
+  hand_over(general_, cbsymbols, name);
 }
 
 }  // namespace tutti

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -69,6 +70,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   // What the window shows beside the list.
   using Shares = tutti::Shares;
   Shares shares() const { return rows_.shares(); }
+  ShareFault share_fault(const Row& row) const { return rows_.fault_of(row); }
   double minimum_lot() const { return general_.minimum_lot; }
   double maximum_lot() const { return general_.maximum_lot; }
 
@@ -97,9 +99,15 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   Answers answers() const;
   static std::string answers_text(const Answers& answers) { return answers.text(); }
 
-  // Another window hands a symbol over. The one that is chosen already, or one that can't be chosen, changes
-  // nothing.
+  // The operator's command: as a click on the all-accounts box, but where the box is checked while nobody is
+  // ticked, as after connections were lost, everybody is ticked again.
+  void tick_all();
+
+  // Another window hands a symbol over. The one that is chosen already is not chosen again, since choosing
+  // empties amounts and shares.
   void take_symbol(std::string_view name);
+  // Brings the window up for that; set by who has a screen.
+  std::function<void()> show;
 
   // OrderWindow
   RowList& account_rows() override { return lvwConClients; }

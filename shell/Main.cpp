@@ -66,7 +66,8 @@ tl::expected<void, FileError> Main::show_main_window() {
   entry_order_ = std::make_unique<frmlimitorder>(general_, *accounts_, symbols_);
   desk_.entry_order = entry_order_.get();
   market_watch_ = std::make_unique<frmMW>(general_, symbols_);
-  market_watch_->take_symbol = [this](std::string_view symbol) { market_order_->take_symbol(symbol); };
+  market_watch_->to_market_order = [this](std::string_view symbol) { market_order_->take_symbol(symbol); };
+  market_watch_->to_entry_order = [this](std::string_view symbol) { entry_order_->take_symbol(symbol); };
   desk_.market_watch = market_watch_.get();
   trade_ = std::make_unique<frmTrade>(general_, *question_box_, desk_, symbols_);
   desk_.positions = trade_.get();

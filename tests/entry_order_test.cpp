@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "tests/support/scripted_terminal.h"
 
 namespace tutti::testing {
@@ -281,6 +283,119 @@ TEST(EntryOrder, DistributeRefusesInItsOwnWords) {
   form.cmdlimiorderdis.click();
   EXPECT_EQ(desk.boxes(), (Texts{"Alert: Please fill the required fields",
                                  "Alert: Please select distribution type", "Alert: No account selected"}));
+}
+
+TEST(EntryOrder, ARefusedRowKeepsItsShareAndIsNotSent) {
+  EntryTerminal desk;
+  desk.distribute("3");
+  desk.client(2).summary.values.equity = -1;
+  desk.client(3).summary.values.free_margin = std::numeric_limits<double>::infinity();
+  desk.fill_in(buy_limit, "1.3");
+  desk.distribute("0");
+  EXPECT_EQ(desk.rows(), "x1|x1|x1|");
+  desk.distribute("5");
+  EXPECT_EQ(desk.rows(), "x5|-1  no Balance  |-1 Free margin is not a finite number|");
+  desk.boxes();
+  desk.form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(desk.sent(1).size(), 1u);
+  EXPECT_EQ(desk.sent(2).size() + desk.sent(3).size(), 0u);
+  EXPECT_EQ(desk.boxes(), Texts{});
+}
+
+TEST(EntryOrder, ARefusalWithoutATextIsCountedAndLeavesTheResultAlone) {
+  EntryTerminal desk;
+  desk.client(1).request_code = request::silent;
+  desk.client(2).request_code = 99;
+  desk.fill_in(buy_limit, "1.3");
+  desk.distribute("3");
+  desk.form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(desk.rows() + desk.answers(), "-|-|-|2 refused, 1 waiting");
+  EXPECT_FALSE(desk.journaled("was not taken"));
+}
+
+// Both order windows: connections are lost and come back while the all-accounts box is checked.
+TEST(EntryOrder, WhoWasTickedSaysSoAndIsTickedAgainOnCommand) {
+  EntryTerminal desk;
+  const auto drop_all = [&] {
+    for (ScriptedClient* client : desk.clients)
+      client->sink->ConnectionState(false);
+    for (ScriptedClient* client : desk.clients) {
+      client->sink->ConnectionState(true);
+      client->sink->AllDataAreLoaded();
+    }
+  };
+  const auto check = [&](auto& form) {
+    const auto rows = [&] {
+      return shares(form.lvwConClients) + (form.chkAllClients.checked() ? "all" : "");
+    };
+    form.tick_all();
+    form.lvwConClients.tick(form.lvwConClients.row(2), false);
+    drop_all();
+    const std::string came_back = "- Was ticked before it was disconnected|";
+    EXPECT_EQ(rows(), came_back + came_back + "-|all");
+    EXPECT_EQ(form.answer_of(form.lvwConClients.row(0)), OrderAnswer::left_out);
+    form.lvwConClients.tick(form.lvwConClients.row(1), true);
+    form.lvwConClients.tick(form.lvwConClients.row(1), false);
+    EXPECT_EQ(rows(), came_back + "-|-|all");
+    form.tick_all();
+    EXPECT_EQ(rows(), "x|x|x|all");
+    form.tick_all();
+    drop_all();
+    EXPECT_EQ(rows(), "-|-|-|");
+  };
+  check(desk.form);
+  check(desk.main->market_order());
+}
+
+TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
+  EntryTerminal desk;
+  frmlimitorder& entry = desk.form;
+  frmorder& market = desk.main->market_order();
+  frmMW& watch = desk.main->market_watch();
+  int shown = 0;
+  market.show = entry.show = [&] { ++shown; };
+  watch.to_entry_order("GBPUSD");
+  watch.lvwMW.activate(watch.lvwMW.row(1));
+  market.txtammount.type("3");
+  watch.lvwMW.activate(watch.lvwMW.row(1));
+  EXPECT_EQ(entry.cblimitordersymbols.text() + market.cbsymbols.text() + market.txtammount.text(),
+            "GBPUSDGBPUSD3");
+  EXPECT_EQ(shown, 3);
+  watch.to_market_order("XAUUSD");
+  EXPECT_EQ(market.cbsymbols.text(), "GBPUSD");
+  entry.EdirMode({.mode = "Limit Orders", .type_text = "Buy limit", .symbol = "EURUSD", .account = 1});
+  watch.to_entry_order("GBPUSD");
+  EXPECT_EQ(entry.cblimitordersymbols.text() + " " + entry.mode(), "EURUSD Limit Orders");
+  EXPECT_EQ(desk.boxes(),
+            (Texts{"Alert: XAUUSD is not visible for any of the connected accounts",
+                   "Alert: An order or position of EURUSD is being edited. Submit or cancel it before you "
+                   "choose GBPUSD"}));
+  entry.cmdcancel.click();
+
+  // While a text stands in the symbol's box that was not taken, nothing goes out for another symbol.
+  const auto boxes = [&] { return std::exchange(desk.prompt.shown, {}).size(); };
+  market.cbsymbols.choose("EURUSD");
+  market.txtammount.type("3");
+  market.CBdis.choose(0);
+  market.tick_all();
+  market.cbsymbols.search("gbp");
+  market.cmddis.click();
+  EXPECT_EQ(desk.boxes(), Texts{"Alert: \"gbp\" was typed as symbol and not taken. Enter takes one, Esc goes "
+                                "back to EURUSD"});
+  market.cbsymbols.end_search();
+  market.cmddis.click();
+  EXPECT_EQ(shares(market.lvwConClients), "x1|x1|x1|");
+  market.cbsymbols.search("gbp");
+  market.cmdbuy.click();
+  EXPECT_EQ(desk.sent(1), Texts{});
+  EXPECT_TRUE(market.cmdbuy.enabled());
+  market.cbsymbols.search("EURUSD");
+  market.cmdbuy.click();
+  EXPECT_EQ(desk.sent(1), Texts{"1 70 1.000000"});
+  entry.cblimitordersymbols.search("x");
+  entry.cmdlimiorderdis.click();
+  entry.cmdsubmitlimiorder.click();
+  EXPECT_EQ(boxes(), 3u);
 }
 
 TEST(EntryOrder, WaitingDisablesSubmit) {

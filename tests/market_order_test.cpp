@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "core/numbers.h"
 #include "tests/support/scripted_terminal.h"
 
 namespace tutti::testing {
@@ -38,11 +39,14 @@ TEST(DistributionTest, SharesByEveryRule) {
     int rule;
     const char* precision;
     Summaries summaries;
-    const char* state;
+    std::string state;
     std::string message;
   };
   const std::string nobody = "No account selected", fill = "Please fill the required fields",
-                    zero = " of the ticked accounts adds up to 0, so nothing can be split by it";
+                    zero = " of the ticked accounts adds up to 0, so nothing can be split by it",
+                    no = " is not a finite number|";
+  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity(),
+               huge = std::numeric_limits<double>::max();
   const Case cases[] = {
       {"1", 0, "1", {{5, 5}, {6, 6}, {7, 7}}, "x0.3|x0.3|x0.3|BS", ""},
       {"1", 0, "3", {{5, 5}, {6, 6}, {7, 7}}, "x0.333|x0.333|x0.333|BS", ""},
@@ -58,6 +62,14 @@ TEST(DistributionTest, SharesByEveryRule) {
       {"2", 1, "1", {{9, -100}, {9, 300}}, "x-1|x3|BS", ""},
       {"1", 1, "1", {{9, -50}, {9, 50}}, "x|x|D", "The free margin" + zero},
       {"1", 2, "1", {{0, 5}}, "x|D", "The equity" + zero},
+      {"1", 0, "1", {{nan, 5}, {5, inf}, {5, 5}}, "- Equity" + no + "- Free margin" + no + "x1|BS", ""},
+      {"1",
+       2,
+       "1",
+       {{huge, 5}, {huge, 5}},
+       "x|x|D",
+       "The equity of the ticked accounts adds up to no finite number, so nothing can be split by it"},
+      {"10", 1, "1", {{5, -huge}, {5, huge}, {5, 1}}, "- The share" + no + "- The share" + no + "x10|BS", ""},
       {"1", -1, "1", {{9, 9}, {-1, 0}}, "x|- No Balance|BS", "Please select distribution type"},
       {"0", 0, "1", {{-1, 0}}, "x|D", fill},
       {".", 0, "1", {{-1, 0}}, "x|D", fill},
@@ -253,20 +265,29 @@ TEST(MarketOrder, EveryAccountOfTheLastRoundIsCounted) {
 TEST(MarketOrder, SharesAreSummedOverTheTickedRows) {
   MarketTerminal desk{{{5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}}};
   frmorder& form = desk.main->market_order();
-  const char* const amounts[] = {"0.5", "0.004", "0", "-0.5", "7"};
+  const char* const amounts[] = {"500.5", "0.004", "0", "-500.5", "7"};
   for (int i = 0; i < 5; ++i)
     form.lvwConClients.row(static_cast<std::size_t>(i)).set_text(frmorder::amount, amounts[i]);
   form.Add(77, "", 0.0);
   desk.tick_all();
   form.lvwConClients.row(4).set_checked(false);
-  desk.main->general().minimum_lot = 0.0;  // nobody told the smallest lot yet
-  EXPECT_EQ(form.shares().below_minimum, 0);
+  // "sum; counted and without; zero, negative, too small, too large; the fault of each row".
+  const auto told = [&] {
+    const frmorder::Shares all = form.shares();
+    std::string out = number_text(lots_of_sum(all.sum)) + ";";
+    for (const int count :
+         {all.counted, all.without, all.zero, all.negative, all.below_minimum, all.above_maximum})
+      out += " " + std::to_string(count);
+    out += "; ";
+    for (const Row& row : form.lvwConClients)
+      out += "-0<>"[static_cast<int>(form.share_fault(row))];
+    return out;
+  };
+  desk.main->general().minimum_lot = desk.main->general().maximum_lot = 0.0;  // nobody told them yet
+  EXPECT_EQ(told(), "0.004; 4 1 1 1 0 0; --00--");
   desk.main->general().minimum_lot = 0.01;
-  const frmorder::Shares shares = form.shares();
-  EXPECT_DOUBLE_EQ(shares.sum, 0.004);
-  EXPECT_EQ(shares.counted, 4);
-  EXPECT_EQ(shares.zero_or_below, 2);
-  EXPECT_EQ(shares.below_minimum, 1);
+  desk.main->general().maximum_lot = 100.0;
+  EXPECT_EQ(told(), "0.004; 4 1 1 1 1 1; ><00--");
 }
 
 TEST(MarketWatch, ARowIsTouchedOnlyByWhatItShows) {
@@ -318,6 +339,32 @@ TEST(MarketWatch, ADoubleClickChoosesTheSymbolOfTheOrder) {
   form.symbols_changed();
   list.activate(list.row(0));
   EXPECT_EQ(form.cbsymbols.text(), "GBPUSD");
+}
+
+TEST(SymbolSearch, FindsByTheBeginningThenByAnyPart) {
+  ComboBox box;
+  int chosen = 0;
+  box.on_choose = [&] { ++chosen; };
+  box.set_items({"US500", "AUDUSD", "EURUSD.m", "EURUSD", "USDJPY", "GBPUSD"});
+  const std::pair<const char*, Texts> cases[] = {
+      {"us", {"US500", "USDJPY", "AUDUSD", "EURUSD.m", "EURUSD", "GBPUSD"}},
+      {"eurusd", {"EURUSD", "EURUSD.m"}},
+      {"Jp", {"USDJPY"}},
+      {"x", {}},
+      {"", {"US500", "AUDUSD", "EURUSD.m", "EURUSD", "USDJPY", "GBPUSD"}}};
+  for (const auto& [typed, found] : cases)
+    EXPECT_EQ(box.found_by(typed), found) << typed;
+  // Typing chooses nothing; what chooses ends it, other items don't.
+  box.choose("GBPUSD");
+  box.search("E");
+  box.set_items({"EURUSD", "GBPUSD"});
+  EXPECT_EQ(box.searched().value_or("-") + " " + box.text(), "E GBPUSD");
+  box.search("GBPUSD");
+  EXPECT_FALSE(box.searched());
+  box.search("E");
+  box.choose("EURUSD");
+  EXPECT_FALSE(box.searched());
+  EXPECT_EQ(chosen, 2);
 }
 
 TEST(MarketOrder, DecimalsOfTheSettingsFile) {

@@ -31,7 +31,7 @@ frmMW::frmMW(MGeneral& general, const SymbolCollection& symbols) : general_(gene
   ColumnWidthsPer("18,15,15,10,15,15,12");
   lvwMW.set_column_tip(Column::time, server_time_tip);
   lvwMW.on_activate = [this](Row& row) {
-    if (take_symbol) take_symbol(symbols_.entry(static_cast<SymbolHandle>(row.key().number())).name);
+    if (to_market_order) to_market_order(symbol_of(row));
   };
 }
 

@@ -28,8 +28,13 @@ class frmMW final : public MarketWatchDesk, public Displayable {
   const std::string& ColumnWidthsPer() const { return column_widths_; }
   void ColumnWidthsPer(std::string widths);
 
-  // Runs with the symbol of the row that the operator double-clicks; set by start-up.
-  std::function<void(std::string_view symbol)> take_symbol;
+  // Hand a symbol over to the order windows; set by start-up. A double-click on a row is for the market
+  // order.
+  std::function<void(std::string_view symbol)> to_market_order;
+  std::function<void(std::string_view symbol)> to_entry_order;
+  const std::string& symbol_of(const Row& row) const {
+    return symbols_.entry(static_cast<SymbolHandle>(row.key().number())).name;
+  }
 
   // MarketWatchDesk. The values shown are those of the symbol collection, which has sorted out what is no
   // price.

@@ -46,6 +46,7 @@ struct ClosingRig : GuiRig {
     // As the operator types it.
     window.focus_symbol();
     keys("EURU");
+    key(Qt::Key_Return);
     run(50ms);
     form.RefreshPrice(1.0852, 1.085);
   }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
+#include <QListWidget>
+#include <QWheelEvent>
 
 #include "core/numbers.h"
 #include "gui/frmMW_window.h"
@@ -29,6 +31,7 @@ struct OrderWindowRig : GuiRig {
   void enter(const char* text) {
     find("cbsymbols").setFocus();
     keys("EURU");
+    key(Qt::Key_Return);
     QTest::keyClick(&find("CBdis"), Qt::Key_Down);
     QTest::keyClicks(&amount(), QString::fromLatin1(text));
   }
@@ -82,6 +85,7 @@ TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {
   rig.key(Qt::Key_Return);
   EXPECT_EQ(rig.available(), "-SB");
   EXPECT_EQ(rig.line("shares_line"), "Shares 1.2 of 1.2 lots");
+  EXPECT_EQ(rig.line("lot_limits"), "0.01 to 100 lots");
   rig.key(Qt::Key_Return);
   EXPECT_EQ(rig.available(), "-SB");
 
@@ -187,6 +191,8 @@ TEST(MarketOrderWindow, PricesFollowTheSymbol) {
 
   FrmMWWindow watch{rig.main().market_watch(), rig.screen};
   show(watch, {420, 300});
+  int shown = 0;
+  rig.form.show = rig.main().entry_order().show = [&] { ++shown; };
   double_click_cell(watch.list(), 0, 0);
   EXPECT_EQ(rig.form.symbol(), watch.list().rows().row_at(0)->text(0));
   const SymbolHandle handle = rig.main().symbols().find(rig.form.symbol());
@@ -209,6 +215,91 @@ TEST(MarketOrderWindow, PricesFollowTheSymbol) {
   QTest::keyClick(&watch.list(), Qt::Key_Return);
   EXPECT_EQ(rig.form.symbol(), watch.list().rows().row_at(1)->text(0));
   EXPECT_EQ(bid.ink(), Ink::plain);
+
+  // Either order window, from the row's menu.
+  click_cell(watch.list(), 2, 0);
+  for (QAction* action : watch.list().actions())
+    action->trigger();
+  const std::string third = watch.list().rows().row_at(2)->text(0);
+  EXPECT_EQ(rig.form.cbsymbols.text() + rig.main().entry_order().cblimitordersymbols.text(), third + third);
+  EXPECT_EQ(shown, 4);
+}
+
+TEST(MarketOrderWindow, ASymbolIsFoundHoweverSlowlyAndOnlyTakenOnPurpose) {
+  OrderWindowRig rig{1};
+  auto& box = rig.find<QLineEdit>("cbsymbols");
+  auto& list = rig.find<QListWidget>("found_symbols");
+  ComboBox& symbols = rig.form.cbsymbols;
+  symbols.set_items({"US500", "AUDUSD", "EURUSD", "EURGBP", "GBPUSD"});
+  int chosen = 0;
+  const auto handler = symbols.on_choose;
+  symbols.on_choose = [&] {
+    ++chosen;
+    handler();
+  };
+  symbols.choose("GBPUSD");
+  rig.screen.acted();
+  // "text in the box, how it is marked, highlighted line, chosen symbol and how often one was chosen"
+  const auto state = [&] {
+    const QListWidgetItem* item = list.isVisible() ? list.currentItem() : nullptr;
+    return (box.text() + QLatin1Char{' '} + box.property("search").toString() + QLatin1Char{' '} +
+            (item == nullptr ? QString{} : item->text()))
+               .toStdString() +
+           " " + symbols.text() + std::to_string(chosen);
+  };
+  const auto type = [&](const char* text) {
+    box.setFocus();
+    box.selectAll();
+    for (const char* at = text; *at != '\0'; ++at) {
+      rig.keys(std::string{*at});
+      rig.run(1s);
+    }
+  };
+  type("eur");
+  EXPECT_EQ(state(), "eur not_taken EURUSD GBPUSD1");
+  rig.key(Qt::Key_Down);
+  EXPECT_EQ(state(), "eur not_taken EURGBP GBPUSD1");
+  rig.key(Qt::Key_Return);
+  EXPECT_EQ(state(), "EURGBP   EURGBP2");
+  // Arrows and the wheel choose nothing, nor does Enter on what is chosen.
+  rig.key(Qt::Key_Up);
+  rig.key(Qt::Key_Up);
+  EXPECT_EQ(state(), "EURGBP  EURUSD EURGBP2");
+  rig.key(Qt::Key_Escape);
+  QWheelEvent wheel{{5, 5}, box.mapToGlobal(QPointF{5, 5}), {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false};
+  QCoreApplication::sendEvent(&box, &wheel);
+  rig.key(Qt::Key_Return);
+  rig.key(Qt::Key_Down);
+  rig.key(Qt::Key_Return);
+  rig.key(Qt::Key_Down);
+  rig.key(Qt::Key_Tab);
+  EXPECT_EQ(state(), "EURGBP   EURGBP2");
+  // What is no symbol is marked and takes nothing, what is left alone stays marked.
+  type("xy");
+  rig.key(Qt::Key_Return);
+  EXPECT_EQ(state(), "xy nothing  EURGBP2");
+  EXPECT_FALSE(box.toolTip().isEmpty());
+  type("5");
+  QTest::mouseClick(&list, Qt::LeftButton, {}, {5, -80});
+  rig.amount().setFocus();
+  rig.run(1s);
+  EXPECT_EQ(state(), "5 not_taken  EURGBP2");
+  box.setFocus();
+  rig.key(Qt::Key_Escape);
+  EXPECT_EQ(state(), "EURGBP   EURGBP2");
+  // Emptied, it means none of those that are listed.
+  type("a");
+  rig.key(Qt::Key_Backspace);
+  rig.key(Qt::Key_Return);
+  EXPECT_EQ(state(), " not_taken  EURGBP2");
+  // A part of the name, taken by Tab, and a click.
+  type("0");
+  rig.key(Qt::Key_Tab);
+  EXPECT_EQ(state(), "US500   US5003");
+  EXPECT_EQ(rig.window.focusWidget(), &rig.amount());
+  type("usd");
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(list.item(1)).center());
+  EXPECT_EQ(state(), "EURUSD   EURUSD4");
 }
 
 }  // namespace
