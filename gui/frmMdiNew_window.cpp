@@ -331,8 +331,7 @@ void FrmMdiNewWindow::save_layout() {
 }
 
 bool FrmMdiNewWindow::confirm(const std::string& question, const std::string& details) {
-  return main_.general().msg_box.GeneralQuestionMsg(details.empty() ? question
-                                                                    : question + "\n\n" + details) == 1;
+  return main_.general().msg_box.GeneralQuestionMsg(question, details) == 1;
 }
 
 // Orders go on at the dealing server whether anybody sees their answers or not.

@@ -1,13 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
 
 #include "sessions/CClientAPIManagers.h"
 #include "views/frmTrade.h"
+#include "views/lot_sums.h"
 
 namespace tutti {
 
@@ -19,15 +19,13 @@ class Holdings {
   Holdings(const frmTrade& positions, const CClientAPIManagers& sessions,
            const std::optional<std::set<std::int32_t>>& accounts = {});
 
-  int positions() const { return positions_; }
+  int positions() const { return sums_.count(); }
   int on_their_way() const { return on_their_way_; }
   // A line each: positions, lots per symbol, floating profit, orders on their way.
   std::string text() const;
 
  private:
-  std::map<std::string, double> lots_;  // per symbol, both sides alike
-  double floating_ = 0.0;               // account currency
-  int positions_ = 0;
+  LotSums sums_{"open position"};
   int on_their_way_ = 0;
 };
 

@@ -19,6 +19,7 @@ class LotSums {
   // In account currency.
   void add_profit(double profit) { profit_ = profit_.value_or(0.0) + profit; }
 
+  int count() const { return count_; }
   // A line each: "2 positions", "EURUSD 1.5 lots, GBPUSD 0.5 lots", "Floating P/L -12.50".
   std::string text() const;
 

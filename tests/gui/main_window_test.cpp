@@ -262,6 +262,28 @@ TEST_F(DesktopTest, TheMainJobByKeyboardAlone) {
   EXPECT_EQ(rig.main().trade().lvwOpenPos.size(), 12U);
 }
 
+TEST_F(DesktopTest, TheMarketWatchHandsItsSymbolOver) {
+  RowListView& watch = window->market_watch().list();
+  const auto name = [&](int place) { return watch.rows().row_at(place)->text(frmMW::symbol_name); };
+  const auto keyboard = [&] {
+    rig.run(10ms);
+    return QApplication::focusWidget()->objectName().toStdString();
+  };
+  frmorder& market = rig.main().market_order();
+  to_front("entry_order");
+  double_click_cell(watch, 1, 1);
+  EXPECT_EQ(keyboard() + " " + market.cbsymbols.text(), "txtammount " + name(1));
+  type("7");
+  click_cell(watch, 1, 1);
+  QTest::keyClick(&watch, Qt::Key_Return);
+  EXPECT_EQ(keyboard() + " " + market.txtammount.text(), "txtammount 7");
+  click_cell(watch, 0, 1);
+  watch.findChild<QAction*>(QStringLiteral("to_entry_order"))->trigger();
+  EXPECT_EQ(keyboard() + " " + rig.main().entry_order().cblimitordersymbols.text(),
+            "txtlimitorderammount " + name(0));
+  EXPECT_EQ(market.txtammount.text(), "7");
+}
+
 TEST_F(DesktopTest, LayoutIsKeptAndADamagedOneIsReplacedByTheStandard) {
   dock("journal").setFloating(true);
   dock("market_watch").close();
@@ -316,12 +338,9 @@ TEST_F(DesktopTest, LeavingAsksWhileAnythingIsHeldOrOnItsWay) {
   rig.run(1s);
   EXPECT_FALSE(quits(Qt::Key_N));
   const std::string profit = fixed_text(rig.main().net_positions().total().floating_total(), 2);
-  const Texts asked = rig.asked();
-  EXPECT_EQ(asked.back(),
-            "12 positions are open. Close the terminal all the same?\n\n12 open positions\n"
-            "EURUSD 12 lots\nFloating P/L " +
-                profit);
-  EXPECT_EQ(asked.size(), 1U);
+  EXPECT_EQ(rig.terminal.prompt.shown.back().details,
+            "12 open positions\nEURUSD 12 lots\nFloating P/L " + profit);
+  EXPECT_EQ(rig.asked(), Texts{"12 positions are open. Close the terminal all the same?"});
   EXPECT_TRUE(quits(Qt::Key_Y));
   open();
   rig.main().accounts().logout_all();
@@ -354,10 +373,9 @@ TEST_F(DesktopTest, LoggingOutSeveralAccountsAsksWithWhatTheyHold) {
   EXPECT_EQ(rig.asked().size(), 0U);
   disconnect(0, 3, Qt::Key_N);
   EXPECT_EQ(connected(), 11);
-  const Texts asked = rig.asked();
-  ASSERT_EQ(asked.size(), 1U);
-  EXPECT_TRUE(asked[0].starts_with("Log out 3 accounts?\n\n3 open positions\nEURUSD 3 lots\nFloating P/L "))
-      << asked[0];
+  const std::string held = rig.terminal.prompt.shown.back().details;
+  EXPECT_TRUE(held.starts_with("3 open positions\nEURUSD 3 lots\nFloating P/L ")) << held;
+  EXPECT_EQ(rig.asked(), Texts{"Log out 3 accounts?"});
   disconnect(0, 3, Qt::Key_Y);
   EXPECT_EQ(connected(), 8);
   EXPECT_EQ(rig.main().accounts().lvwClients.row(11).text(frmMain::state), "Connected");
