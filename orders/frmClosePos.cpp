@@ -48,7 +48,7 @@ void frmClosePos::prepare(const std::vector<std::string>& headers, std::string_v
 void frmClosePos::Displayed(bool displayed) {
   if (displayed_ == displayed) return;
   displayed_ = displayed;
-  if (!displayed) return;
+  if (!displayed || renew()) return;
   const std::vector<frmTrade::Close> marks = marked_positions();
   rebuild();
   for (const frmTrade::Close& position : marks) {
@@ -71,8 +71,37 @@ void frmClosePos::rebuild() {
   symbol_name_ = CloseSymbols.text();
   symbol_ = symbols_.find(symbol_name_);
   ask_ = bid_ = 0.0;
-  if (symbol_name_.empty()) return;
+  for (const Wanted& each : wanted()) {
+    if (each.open == nullptr) {
+      add_client(static_cast<std::int32_t>(each.key.number()));
+    } else {
+      write_position(*MSH.add(each.key), *each.open);
+    }
+  }
+}
 
+// Rows that are made anew lose the operator's place among them.
+bool frmClosePos::renew() {
+  const std::vector<Wanted> rows = wanted();
+  const auto same = [](const Row& row, const Wanted& each) { return row.key() == each.key; };
+  if (!std::equal(MSH.begin(), MSH.end(), rows.begin(), rows.end(), same)) return false;
+  symbol_ = symbols_.find(symbol_name_);
+  ask_ = bid_ = 0.0;
+  for (std::size_t at = 0; at < rows.size(); ++at) {
+    Row& row = MSH.row(at);
+    if (rows[at].open == nullptr) {
+      row.set_text(Column::status, connected_state);
+    } else {
+      write_position(row, *rows[at].open);
+      write_no_price(row);
+    }
+  }
+  return true;
+}
+
+std::vector<frmClosePos::Wanted> frmClosePos::wanted() const {
+  std::vector<Wanted> out;
+  if (symbol_name_.empty()) return out;
   // Grouped first, since rows in the middle of a grid are dear.
   struct Group {
     std::int32_t account;
@@ -89,10 +118,11 @@ void frmClosePos::rebuild() {
   }
   for (const Group& group : groups) {
     if (!connected(group.account)) continue;
-    add_client(group.account);
+    out.push_back({client_key(group.account), nullptr});
     for (auto open = group.positions.rbegin(); open != group.positions.rend(); ++open)
-      write_position(*MSH.add((*open)->key()), **open);
+      out.push_back({(*open)->key(), *open});
   }
+  return out;
 }
 
 bool frmClosePos::connected(std::int32_t number) const {
@@ -143,7 +173,10 @@ void frmClosePos::write_position(Row& row, const Row& open) {
   row.set_text(Column::status, text);
   row.set_number(Column::amount, open.cell(frmTrade::amount).stored_number());
   row.data<Kind>() = has("Sell") ? Kind::sell : has("Buy") ? Kind::buy : Kind::other;
-  if (!is_new) return;
+  if (is_new) write_no_price(row);
+}
+
+void frmClosePos::write_no_price(Row& row) {
   row.set_text(Column::action, no_price_text);
   write_price(row);
   // A request that is still on its way is to be seen as such.

@@ -120,9 +120,18 @@ class frmClosePos final : public ClosePositionsDesk {
   enum class Kind : std::uint8_t { account, buy, sell, other };
 
   // frmClosePos.cpp
+  // A row of the grid as it should be now: a position that is open, or an account, which has no `open`.
+  struct Wanted {
+    RowKey key;
+    const Row* open = nullptr;
+  };
   void rebuild();
+  // Brings the rows up to date when they are the ones that there should be; false when others should be.
+  bool renew();
+  std::vector<Wanted> wanted() const;
   bool connected(std::int32_t account) const;
   void write_position(Row& row, const Row& open);
+  void write_no_price(Row& row);
   void write_price(Row& row) const;
   void write_action(Row& row, std::string_view text);
   void add_row(const Row& open);

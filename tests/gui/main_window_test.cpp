@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QMenuBar>
 #include <QScreen>
+#include <QScrollBar>
 
 #include "core/numbers.h"
 #include "gui/elided_label.h"
@@ -180,6 +181,33 @@ TEST_F(DesktopTest, TheKeyboardLeavesAPaneThatGoesBehindAnother) {
   part(window->close_positions(), "LblCheck").setFocus();  // as Tab does
   rig.run(1ms);
   EXPECT_EQ(QApplication::focusWidget(), &window->trade().list());
+}
+
+TEST_F(DesktopTest, AGlanceAtAnotherTabLosesNoPlaceAndNoMark) {
+  rig.buy("12");
+  rig.run(5s);
+  frmClosePos& form = rig.main().close_positions();
+  to_front("close_positions");
+  form.CloseSymbols.choose("EURUSD");
+  rig.run(1s);
+  RowListView& grid = window->close_positions().list();
+  QScrollBar& bar = *grid.verticalScrollBar();
+  bar.setValue(bar.maximum());
+  for (int i = 0; i < 2; ++i)
+    rig.run(1s);
+  const int bottom = bar.value();
+  ASSERT_GT(bottom, 0);
+  click_cell(grid, 23, frmClosePos::account);
+  ASSERT_NE(form.MSH.current(), nullptr);
+  const RowKey current = form.MSH.current()->key();
+  dock("trade").raise();
+  rig.run(1s);
+  dock("close_positions").raise();
+  rig.run(1s);
+  EXPECT_EQ(bar.value(), bottom);
+  ASSERT_NE(form.MSH.current(), nullptr);
+  EXPECT_EQ(form.MSH.current()->key(), current);
+  EXPECT_EQ(form.marked_count(), 1U);
 }
 
 // Each command once with its pane behind another, then closed, with everything ready for it.
