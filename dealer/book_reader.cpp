@@ -208,8 +208,9 @@ void BookReader::read_position(const toml::table& table) {
   reader.number("interest", position.interest, -most_money, most_money);
   read_time(reader, "open_time_ms", position.open_time);
   reader.finish();
-  if (give(reader, "ticket", position.ticket, {Thing::position, position.account}))
-    put(account(position.account).positions, std::move(position), &OpenPosition::ticket);
+  if (!give(reader, "ticket", position.ticket, {Thing::position, position.account})) return;
+  auto& positions = account(position.account).positions;
+  put(positions, std::move(position), &OpenPosition::ticket);
 }
 
 void BookReader::read_pending(const toml::table& table) {
@@ -226,8 +227,9 @@ void BookReader::read_pending(const toml::table& table) {
   read_time(reader, "time_ms", order.time);
   reader.finish();
   check_waiting(reader, order);
-  if (give(reader, "number", order.order, {Thing::order, order.account}))
-    put(account(order.account).orders, std::move(order), &PendingOrder::order);
+  if (!give(reader, "number", order.order, {Thing::order, order.account})) return;
+  auto& orders = account(order.account).orders;
+  put(orders, std::move(order), &PendingOrder::order);
 }
 
 void BookReader::read_request(const toml::table& table) {
