@@ -5,7 +5,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dealer/toml_nesting.h"
+
 namespace tutti {
+
+namespace {
+// The parser goes as deep as a text is nested, and so does whoever takes its tables apart.
+constexpr int deepest_nesting = 100;
+}  // namespace
 
 const toml::node* TableReader::take(std::string_view key) {
   taken_.push_back(key);
@@ -144,6 +151,11 @@ void TableReader::finish() {
 
 std::optional<toml::table> parse_toml(std::string_view content, std::optional<std::string>& fault,
                                       std::size_t lines_before) {
+  if (const auto line = line_nested_deeper(content, deepest_nesting)) {
+    fault = fmt::format("line {}: is nested over {} levels", lines_before + static_cast<std::size_t>(*line),
+                        deepest_nesting);
+    return std::nullopt;
+  }
   try {
     return toml::parse(content);
   } catch (const toml::parse_error& error) {

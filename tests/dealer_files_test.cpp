@@ -29,7 +29,24 @@ class DealerFiles : public ::testing::Test {
 TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
   put("late.csv", "2,EURUSD,1,1.1\n1,EURUSD,1,1.1\n");
   put("mixed.csv", "1,EURUSD,1,1.1\n2026-03-01 10:00:00,EURUSD,1,1.1\n");
-  const std::pair<const char*, const char*> cases[] = {
+  const auto repeated = [](int count, const std::string& piece) {
+    std::string out;
+    for (int i = 0; i < count; ++i)
+      out += piece;
+    return out;
+  };
+  const auto nested = [&](int levels) { return repeated(levels, "[") + repeated(levels, "]") + "\n"; };
+  const std::string strings = "# [[[\nseed = 1\nx = [\"[[[\\\"\", '[[[', \"\"\"\n[[[\"\"\"\"]\n";
+  const std::pair<std::string, const char*> cases[] = {
+      {"x = " + nested(100), "line 1: x is not known"},
+      {"\nx = " + nested(101), "line 2: is nested over 100 levels"},
+      {"x = " + nested(100'000), "line 1: is nested over 100 levels"},
+      {strings + "y = " + nested(101), "line 5: is nested over 100 levels"},
+      {"seed = 1\n" + repeated(100'000, "x.") + "x = 1\n", "line 2: is nested over 100 levels"},
+      {"x = " + repeated(40, "{a.b.c = ") + "1" + repeated(40, "}"), "line 1: is nested over 100 levels"},
+      {"[" + repeated(60, "x.") + "x]\n" + repeated(60, "y.") + "y = 1\n",
+       "line 2: is nested over 100 levels"},
+      {"[x]\ny = [" + repeated(300, "1.5, ") + "1.5]\n[z]\n", "x is not known"},
       {"seed = 1\nsed = 2\n", "line 2: sed"},
       {"\nminimum_lot = \"1\"\n", "line 2: minimum_lot"},
       {"endpoint = \"here\"\n", "line 1: endpoint"},
