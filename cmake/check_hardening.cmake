@@ -1,0 +1,28 @@
+# Configures a release, without building it, and looks at how the command line program would be compiled and
+# linked. Told SOURCE, the project, and FOLDER, where to configure.
+execute_process(COMMAND ${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER} -G Ninja -DCMAKE_BUILD_TYPE=Release
+                        -DTUTTI_TESTS=OFF COMMAND_ERROR_IS_FATAL ANY OUTPUT_QUIET)
+execute_process(COMMAND ninja -C ${FOLDER} -t commands bin/tuttictl COMMAND_ERROR_IS_FATAL ANY
+                OUTPUT_VARIABLE commands)
+string(REGEX REPLACE "\n" ";" commands "${commands}")
+set(compiled 0)
+set(linked 0)
+foreach(command IN LISTS commands)
+  if(command MATCHES " -c [^ ]*\\.cpp")
+    math(EXPR compiled "${compiled} + 1")
+    set(wanted " -D_FORTIFY_SOURCE=[23] " " -fstack-protector-strong " " -fstack-clash-protection " " -O[123] ")
+  elseif(command MATCHES " -o bin/tuttictl ")
+    math(EXPR linked "${linked} + 1")
+    set(wanted "-z,relro" "-z,now")
+  else()
+    continue()
+  endif()
+  foreach(flag IN LISTS wanted)
+    if(NOT command MATCHES "${flag}")
+      message(FATAL_ERROR "Not hardened by${flag}: ${command}")
+    endif()
+  endforeach()
+endforeach()
+if(compiled LESS 50 OR NOT linked EQUAL 1)
+  message(FATAL_ERROR "${compiled} sources and ${linked} programs were looked at")
+endif()
