@@ -2,7 +2,7 @@
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
-build_packages=(cmake ninja-build ccache g++ pkg-config libfmt-dev libexpected-dev robin-map-dev libsodium-dev
+build_packages=(cmake ninja-build ccache g++ pkg-config libfmt-dev libexpected-dev robin-map-dev libsodium-dev libicu-dev
   libtomlplusplus-dev libcli11-dev nlohmann-json3-dev qt6-base-dev qt6-multimedia-dev qt6-svg-dev fonts-liberation)
 
 # What was compiled once, in whatever clone of the project, is not compiled again: paths count from the clone.

@@ -25,11 +25,11 @@ fs::path Paths::child(const fs::path& folder, std::string_view name) const {
   // Folders are always looked up among their neighbours, so that "Manage" and "manage" side by side still
   // mean one of the two; a file that is there as written needs no search.
   if (file_name && fs::exists(exact, error)) return exact;
-  const std::string wanted = lower(name);
+  const std::string wanted = folded(name);
   fs::path best;
   for (const auto& entry : fs::directory_iterator(folder, error)) {
     const fs::path& candidate = entry.path();
-    if (lower(candidate.filename().string()) == wanted && (best.empty() || candidate > best))
+    if (folded(candidate.filename().string()) == wanted && (best.empty() || candidate > best))
       best = candidate;
   }
   return best.empty() ? exact : best;

@@ -4,6 +4,7 @@
 #include <cassert>
 #include <utility>
 
+#include "core/texts.h"
 #include "dealer/configured_orders.h"
 #include "dealer/dealer_client.h"
 #include "dealer/dealer_session.h"
@@ -24,14 +25,8 @@ class Flag {
   bool& flag_;
 };
 
-// Without case, and without a copy of what may be a password.
-bool same_text(std::string_view a, std::string_view b) {
-  const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  return std::ranges::equal(a, b, {}, small, small);
-}
-
 bool reaches(const Endpoint& wanted, const Endpoint& own) {
-  return wanted.address.empty() || (same_text(wanted.address, own.address) && wanted.port == own.port);
+  return wanted.address.empty() || (same_letters(wanted.address, own.address) && wanted.port == own.port);
 }
 
 TimePoint next_whole_second(TimePoint at) {
@@ -255,13 +250,13 @@ void DealingServer::end_sessions(const FaultScript::Drop& which) {
 
 bool DealingServer::known_user(const LoginData& data) const {
   return std::any_of(config_.accounts.begin(), config_.accounts.end(), [&](const AccountConfig& account) {
-    return same_text(account.user, data.user) && same_text(account.password, data.password.reveal());
+    return same_letters(account.user, data.user) && same_letters(account.password, data.password.reveal());
   });
 }
 
 TradingAccount* DealingServer::owned_account(std::string_view user, std::int32_t number) {
   const auto at = by_number_.find(number);
-  if (at == by_number_.end() || !same_text(accounts_[at->second].config().user, user)) return nullptr;
+  if (at == by_number_.end() || !same_letters(accounts_[at->second].config().user, user)) return nullptr;
   return &accounts_[at->second];
 }
 

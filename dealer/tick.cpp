@@ -83,7 +83,7 @@ tl::expected<std::vector<Tick>, FileError> load_ticks(const std::filesystem::pat
     ++number;
     if (line.ends_with('\r')) line.remove_suffix(1);
     line = trim(line);
-    if (line.empty() || line.starts_with('#') || (number == 1 && lower(line).starts_with("time"))) continue;
+    if (line.empty() || line.starts_with('#') || (number == 1 && folded(line).starts_with("time"))) continue;
     if (const auto why = reader.take(line); !why.empty())
       return tl::unexpected(FileError{file, fmt::format("line {}: {}", number, why)});
   }

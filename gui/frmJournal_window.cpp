@@ -43,16 +43,6 @@ QLabel* make_label(const char* name) {
   return label;
 }
 
-char lower_letter(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Without regard to the case of ASCII letters.
-bool contains(std::string_view text, std::string_view lower_part) {
-  return std::search(text.begin(), text.end(), lower_part.begin(), lower_part.end(),
-                     [](char a, char b) { return lower_letter(a) == b; }) != text.end();
-}
-
 QString grouped(std::size_t count) {
   return QLocale::c().toString(static_cast<qulonglong>(count));
 }
@@ -149,13 +139,13 @@ void FrmJournalWindow::resizeEvent(QResizeEvent* event) {
 // Rows of a history name no account: theirs is the one whose history it is.
 void FrmJournalWindow::filter() {
   const std::string account = form_.live() ? account_->text().toStdString() : std::string{};
-  const std::string text = tutti::lower(text_->text().toStdString());
+  const std::string text = tutti::folded(text_->text().toStdString());
   if (account.empty() && text.empty()) {
     list_->rows().set_filter({});
   } else {
     list_->rows().set_filter([account, text](const Row& row) {
-      return (account.empty() || contains(row.text(account_column), account)) &&
-             (text.empty() || contains(row.text(message_column), text));
+      return (account.empty() || contains_letters(row.text(account_column), account)) &&
+             (text.empty() || contains_letters(row.text(message_column), text));
     });
   }
   screen_.acted();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "accounts/frmMain.h"
+#include "core/texts.h"
 #include "gui/binder.h"
 #include "gui/cell_editor.h"
 #include "gui/elided_label.h"
@@ -90,10 +91,9 @@ void FrmMainWindow::find(const QString& text) {
   if (text.isEmpty()) {
     rows.set_filter({});
   } else {
-    rows.set_filter([text](const Row& row) {
-      return std::any_of(searched.begin(), searched.end(), [&](std::size_t column) {
-        return QString::fromStdString(row.text(column)).contains(text, Qt::CaseInsensitive);
-      });
+    rows.set_filter([wanted = folded(text.toStdString())](const Row& row) {
+      return std::any_of(searched.begin(), searched.end(),
+                         [&](std::size_t column) { return contains_letters(row.text(column), wanted); });
     });
   }
   screen_.acted();

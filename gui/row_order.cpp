@@ -23,7 +23,7 @@ struct SortKey {
 SortKey key_of(Row& row, std::size_t column) {
   const Cell& cell = row.cell(column);
   if (cell.is_number()) return {SortKey::Kind::number, cell.stored_number(), {}, &row};
-  std::string text = lower(cell.text());
+  std::string text = folded(cell.text());
   if (text.empty()) return {SortKey::Kind::empty, 0.0, {}, &row};
   if (const auto number = parse_number(text)) return {SortKey::Kind::number, *number, {}, &row};
   return {SortKey::Kind::text, 0.0, std::move(text), &row};
