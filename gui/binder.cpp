@@ -134,7 +134,11 @@ void Binder::bind(QComboBox& widget, ComboBox& box) {
   QObject::connect(&widget, &QComboBox::activated, &window_,
                    [this_screen = &screen_, &widget, &box](int index) {
                      // By what the operator read: the form's items may have changed while the list was open.
-                     box.choose(widget.itemText(index).toStdString());
+                     // Of items that read alike it is the one that was picked.
+                     const std::string read = widget.itemText(index).toStdString();
+                     const auto at = static_cast<std::size_t>(index);
+                     const bool stands = at < box.items().size() && box.items()[at] == read;
+                     box.choose(stands ? index : box.find(read));
                      this_screen->acted();
                    });
   if (widget.isEditable()) {

@@ -88,6 +88,22 @@ TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
             "ASPEN500101Connected");
 }
 
+TEST_F(AccountsWindowTest, OfServersThatReadAlikeThePickedOneIsTaken) {
+  FrmaccountWindow dialog{form.account_dialog(), rig.screen, &window};
+  rig.terminal.home->write("manage/SERVER.BUF", "Main&&h&&1&&Main&&h&&2&&Other&&h&&3\nh:1\n0\n\n");
+  ASSERT_TRUE(form.login_options().InitializeFromFile());
+  form.add_account();
+  rig.run(10ms);
+  auto& box = *dialog.findChild<QComboBox*>();
+  for (const int expected : {1, 2}) {
+    QTest::keyClick(&box, Qt::Key_Down);
+    rig.run(10ms);
+    EXPECT_EQ(box.currentIndex(), expected);
+    ASSERT_TRUE(form.login_options().Servers(form.account_dialog().CBServer));
+    EXPECT_EQ(form.login_options().CurrentServerPort(), expected + 1);
+  }
+}
+
 TEST_F(AccountsWindowTest, TheAccountDialogIsLeftByEsc) {
   FrmaccountWindow dialog{form.account_dialog(), rig.screen, &window};
   click_cell(view, 2, frmMain::account);
@@ -148,6 +164,7 @@ TEST_F(AccountsWindowTest, NotesFollowTheirRowAndEndWithIt) {
 }
 
 TEST_F(AccountsWindowTest, FindKeepsTheSelectionOnWhatIsShown) {
+  form.lvwClients.row(1).set_text(frmMain::notes, "k\xC3\xB6ln");
   form.lvwClients.row(4).set_text(frmMain::notes, "family Birch");
   click_cell(view, 4, frmMain::account);
   const struct {
@@ -156,6 +173,7 @@ TEST_F(AccountsWindowTest, FindKeepsTheSelectionOnWhatIsShown) {
   } cases[] = {
       {"birch", {"BIRCH", "CEDAR"}, {"CEDAR"}},
       {"500102", {"BEECH"}, {"BEECH"}},
+      {"K\xF6LN", {"ASPEN"}, {"ASPEN"}},
       {"nobody", {}, {}},
       {"a", {"ALDER", "ASPEN", "CEDAR", "HAZEL"}, {"ALDER"}},
       {"", {"ALDER", "ASPEN", "BEECH", "BIRCH", "CEDAR", "HAZEL"}, {"ALDER"}},
