@@ -146,8 +146,7 @@ class frmMain final : public AccountsDesk, public Displayable {
   bool has_account(std::string_view account_key) const override;
   Row* selected_client() const override;
   void record_connected(const CClientAPIManager& session) override;
-  void forget_account(std::string_view user, std::int32_t account) override;
-  void save_account(const CClientAPIManager& session) override;
+  void replace_account(std::string_view key, const CClientAPIManager& session) override;
 
  private:
   struct RowData {

@@ -20,10 +20,9 @@ tl::expected<void, FileError> frmMain::LoadAccounts() {
     if (added == frmaccount::Added::yes) LoginClient(client_key(sessions_->Count()));
   }
   if (!content->skipped_lines.empty()) {
-    general_.log("Saved accounts: skipped what is no user name, password and account number in lines " +
-                     number_list(content->skipped_lines) + " of " +
-                     general_.paths.file(lists_.all()).filename().string(),
-                 no_account);
+    general_.log_skipped(
+        "Saved accounts: skipped what is no user name, password and account number in lines " +
+        number_list(content->skipped_lines) + " of " + general_.paths.file(lists_.all()).filename().string());
   }
   loaded_ = true;
   return {};
@@ -45,8 +44,9 @@ void frmMain::record_connected(const CClientAPIManager& session) {
   saveConnected(session.user(), session.password().reveal(), session.account());
 }
 
-void frmMain::save_account(const CClientAPIManager& session) {
-  savedListViw(session.user(), session.password().reveal(), session.account());
+void frmMain::replace_account(std::string_view key, const CClientAPIManager& session) {
+  report(lists_.replace(key, {session.user(), session.password().copy(), session.account()}),
+         session.account());
 }
 
 void frmMain::forget(const std::vector<std::string>& keys) {
@@ -54,19 +54,12 @@ void frmMain::forget(const std::vector<std::string>& keys) {
   report(options_->records().remove(keys), no_account);
 }
 
-void frmMain::forget_account(std::string_view user, std::int32_t account) {
-  forget({account_key(user, account)});
-}
-
 void frmMain::mnuload_Click() {
   const std::string chosen =
       CommonDialog1.open_file("Load File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*");
   if (chosen.empty()) return;
-  // The chosen file may be one of the two lists, so it is read before they change.
-  const auto content = read_file(general_.paths.file(chosen));
-  if (!content) return Message("The list was not loaded, nothing is changed: " + content.error().text());
-  if (const auto written = replace_file(general_.paths.file(lists_.all()), *content); !written) {
-    return Message("The list was not loaded, nothing is changed: " + written.error().text());
+  if (const auto taken = lists_.load(chosen); !taken) {
+    return Message("The list was not loaded, nothing is changed: " + taken.error().text());
   }
   report(general_.files.remove(lists_.connected()), no_account);
   sessions_->Clear();
@@ -165,6 +158,7 @@ void frmMain::mnuRemove_Click() {
 void frmMain::mnuclear_Click() {
   logout_all();
   remove_rows(all_rows());
+  report(lists_.forget_old(), no_account);
 }
 
 void frmMain::remove_rows(const std::vector<Row*>& rows) {

@@ -11,8 +11,8 @@
 namespace tutti {
 namespace {
 
-std::string line_of(const SavedLists::Record& record) {
-  return record.user + "," + std::string{record.password.reveal()} + "," + std::to_string(record.account);
+Secret line_of(const SavedLists::Record& record) {
+  return Secret::joined({record.user, ",", record.password.reveal(), ",", std::to_string(record.account)});
 }
 
 std::optional<SavedLists::Record> read_line(std::string_view line) {
@@ -28,21 +28,13 @@ std::string key_of(std::string_view line) {
   return record ? account_key(record->user, record->account) : std::string{};
 }
 
-}  // namespace
-
-SavedLists::SavedLists(const TextFile& files, const Paths& paths)
-    : files_(files),
-      all_(paths.full("\\manage") + "\\savelvinfo.buf"),
-      connected_(paths.full("\\manage") + "/saveconnected.buf") {}
-
-tl::expected<SavedLists::Content, FileError> SavedLists::read_all() const {
-  const auto lines = files_.lines(all_);
-  if (!lines) return tl::unexpected(lines.error());
-  Content content;
-  LastByKey<Record> records;
-  for (std::size_t i = 0; i < lines->size(); ++i) {
-    if ((*lines)[i].empty()) continue;
-    if (auto record = read_line((*lines)[i])) {
+SavedLists::Content read_text(std::string_view text) {
+  SavedLists::Content content;
+  LastByKey<SavedLists::Record> records;
+  const auto lines = TextFile::lines_of(text);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (lines[i].empty()) continue;
+    if (auto record = read_line(lines[i])) {
       std::string key = account_key(record->user, record->account);
       records.add(std::move(key), std::move(*record));
     } else {
@@ -53,58 +45,119 @@ tl::expected<SavedLists::Content, FileError> SavedLists::read_all() const {
   return content;
 }
 
+}  // namespace
+
+SavedLists::SavedLists(const TextFile& files, const Paths& paths)
+    : files_(files),
+      all_(paths.full("\\manage") + "\\savelvinfo.buf"),
+      connected_(paths.full("\\manage") + "/saveconnected.buf") {}
+
+tl::expected<SavedLists::Content, FileError> SavedLists::read_all() const {
+  const auto text = files_.content(all_);
+  if (!text) return tl::unexpected(text.error());
+  return read_text(text->reveal());
+}
+
 tl::expected<void, FileError> SavedLists::write_all(const std::vector<Record>& records) const {
-  std::vector<std::string> lines;
+  std::vector<Secret> lines;
   for (const Record& record : records)
     lines.push_back(line_of(record));
-  return write_lines(all_, lines);
+  std::vector<std::string_view> texts;
+  for (const Secret& line : lines)
+    texts.push_back(line.reveal());
+  return write_lines(all_, texts);
+}
+
+tl::expected<void, FileError> SavedLists::load(std::string_view chosen) const {
+  // The chosen file may be one of the two lists, so it is read before they change.
+  const auto text = files_.read(chosen);
+  if (!text) return tl::unexpected(text.error());
+  if (read_text(text->reveal()).records.empty()) {
+    return tl::unexpected(FileError{chosen, "has no line with user name, password and account number"});
+  }
+  const auto before = files_.content(all_);
+  if (!before) return tl::unexpected(before.error());
+  if (!before->empty()) {
+    if (auto kept = files_.write(old_list(), before->reveal()); !kept) return kept;
+  }
+  const auto written = files_.write(all_, text->reveal());
+  if (written) files_.keep_private(all_);
+  return written;
 }
 
 tl::expected<void, FileError> SavedLists::append(const std::string& list, const Record& record) const {
   if (record.user.empty() || record.password.empty()) return {};
-  const auto lines = files_.lines(list);
-  if (!lines) return tl::unexpected(lines.error());
-  const std::string line = line_of(record);
-  if (std::find(lines->begin(), lines->end(), line) != lines->end()) return {};
-  return append_line(list, line);
+  const auto text = files_.content(list);
+  if (!text) return tl::unexpected(text.error());
+  const auto lines = TextFile::lines_of(text->reveal());
+  const Secret line = line_of(record);
+  if (std::find(lines.begin(), lines.end(), line.reveal()) != lines.end()) return {};
+  return append_line(list, line.reveal());
 }
 
 tl::expected<void, FileError> SavedLists::update(const std::string& list, const Record& record) const {
   if (record.user.empty() || record.password.empty()) return {};
-  auto lines = files_.lines(list);
-  if (!lines) return tl::unexpected(lines.error());
-  const std::string line = line_of(record);
-  if (std::find(lines->begin(), lines->end(), line) != lines->end()) return {};
+  const auto text = files_.content(list);
+  if (!text) return tl::unexpected(text.error());
+  auto lines = TextFile::lines_of(text->reveal());
+  const Secret line = line_of(record);
+  if (std::find(lines.begin(), lines.end(), line.reveal()) != lines.end()) return {};
   const std::string key = account_key(record.user, record.account);
-  const auto at = std::find_if(lines->begin(), lines->end(),
-                               [&](const std::string& other) { return key_of(other) == key; });
-  if (at == lines->end()) return append_line(list, line);
-  *at = line;
-  return write_lines(list, *lines);
+  const auto at =
+      std::find_if(lines.begin(), lines.end(), [&](std::string_view other) { return key_of(other) == key; });
+  if (at == lines.end()) return append_line(list, line.reveal());
+  *at = line.reveal();
+  return write_lines(list, lines);
 }
 
-tl::expected<void, FileError> SavedLists::forget(const std::vector<std::string>& keys) const {
+tl::expected<void, FileError> SavedLists::replace(std::string_view key, const Record& record) const {
+  const Secret line = line_of(record);
+  const std::string own_key = account_key(record.user, record.account);
   for (const std::string* list : {&all_, &connected_}) {
-    auto lines = files_.lines(*list);
-    if (!lines) return tl::unexpected(lines.error());
-    const auto removed = std::erase_if(*lines, [&](const std::string& line) {
-      return std::find(keys.begin(), keys.end(), key_of(line)) != keys.end();
-    });
-    if (removed == 0) continue;
-    if (auto written = write_lines(*list, *lines); !written) return written;
+    const auto text = files_.content(*list);
+    if (!text) return tl::unexpected(text.error());
+    auto lines = TextFile::lines_of(text->reveal());
+    const auto at = std::find_if(lines.begin(), lines.end(),
+                                 [&](std::string_view other) { return key_of(other) == key; });
+    if (at == lines.end()) {
+      if (list != &all_) continue;
+      if (auto added = update(all_, record); !added) return added;
+      continue;
+    }
+    *at = line.reveal();
+    lines.erase(std::remove_if(std::next(at), lines.end(),
+                               [&](std::string_view other) {
+                                 const std::string each = key_of(other);
+                                 return each == key || each == own_key;
+                               }),
+                lines.end());
+    if (auto written = write_lines(*list, lines); !written) return written;
   }
   return {};
 }
 
-tl::expected<void, FileError> SavedLists::append_line(const std::string& list,
-                                                      const std::string& line) const {
+tl::expected<void, FileError> SavedLists::forget(const std::vector<std::string>& keys) const {
+  for (const std::string* list : {&all_, &connected_}) {
+    const auto text = files_.content(*list);
+    if (!text) return tl::unexpected(text.error());
+    auto lines = TextFile::lines_of(text->reveal());
+    const auto removed = std::erase_if(lines, [&](std::string_view line) {
+      return std::find(keys.begin(), keys.end(), key_of(line)) != keys.end();
+    });
+    if (removed == 0) continue;
+    if (auto written = write_lines(*list, lines); !written) return written;
+  }
+  return {};
+}
+
+tl::expected<void, FileError> SavedLists::append_line(const std::string& list, std::string_view line) const {
   const auto written = files_.write_line(list, line, TextFile::Mode::append);
   if (written) files_.keep_private(list);
   return written;
 }
 
 tl::expected<void, FileError> SavedLists::write_lines(const std::string& list,
-                                                      const std::vector<std::string>& lines) const {
+                                                      const std::vector<std::string_view>& lines) const {
   const auto written = files_.write_lines(list, lines);
   if (written) files_.keep_private(list);
   return written;

@@ -34,7 +34,7 @@ int accounts_command(Terminal& terminal) {
   }
   const bool all = std::all_of(list.begin(), list.end(),
                                [](const Row& row) { return row.reads(frmMain::state, "Connected"); });
-  return all ? exit_status::all_accepted : exit_status::some_refused;
+  return all && !main.general().lines_skipped() ? exit_status::all_accepted : exit_status::some_refused;
 }
 
 }  // namespace tutti

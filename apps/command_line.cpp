@@ -29,6 +29,7 @@ void add_terminal_options(CLI::App& app, TerminalOptions& options, const char* p
   if (error) options.home = std::filesystem::absolute(program).parent_path();
   app.add_option("--home", options.home, "Application folder, with the folders manage, History and sounds")
       ->check(check_filled);
+  app.add_flag("--create", options.create, "Make the application folder where there is none");
   app.add_option("--dealer", options.dealer_file, "Configuration of the dealing server (TOML)");
   app.add_option("--key", options.key_file,
                  "File with the key of the account records, outside the application folder");

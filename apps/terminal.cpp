@@ -49,6 +49,7 @@ tl::expected<void, FileError> Terminal::start() {
       options_.home,
       MachinePorts{clock_, ports_.prompt, ports_.sound, locale_, ports_.file_dialog, options_.key_file},
       ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint});
+  main_->general().outside = [](std::string_view text) { fmt::print(stderr, "{}\n", text); };
   if (!options_.precision.empty()) main_->general().hold_amount_precision(options_.precision);
   if (auto started = main_->start(); !started) return started;
   for (const std::string& note : *notes)
@@ -60,7 +61,11 @@ tl::expected<void, FileError> Terminal::write_first_list() {
   const Paths paths{options_.home};
   const TextFile files{paths};
   const SavedLists lists{files, paths};
-  if (files.exists(lists.all()) || files.exists("\\Manage\\Acountinfo.buf")) return {};
+  for (const std::string& name : {lists.all(), std::string{"\\Manage\\Acountinfo.buf"}}) {
+    const auto there = files.exists(name);
+    if (!there) return tl::unexpected(there.error());
+    if (*there) return {};
+  }
   std::vector<SavedLists::Record> records;
   for (const AccountConfig& account : server_->config().accounts) {
     records.push_back({account.user, account.password, account.number});

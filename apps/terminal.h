@@ -27,6 +27,7 @@ struct TerminalOptions {
   std::filesystem::path home;         // application folder
   std::filesystem::path dealer_file;  // empty: the sample market and accounts
   std::filesystem::path key_file;     // key of the account records; empty: where KeyFile looks for it
+  bool create = false;                // make the home folder where there is none; it is made in any case
   bool fresh = false;                 // start the dealing server's book anew; whoever sets it has asked
   bool yes = false;                   // answer questions with yes
   int sample_accounts = 12;           // of the sample, while no dealer file is named

@@ -32,6 +32,25 @@ int MGeneral::amount_decimals() const {
   return static_cast<int>(std::clamp(round_half_even(read_number(amount_precision_), 0), 0.0, 15.0));
 }
 
+void MGeneral::read_settings() {
+  const auto lines = files.lines(paths.full("\\manage\\settings.buf"));
+  const std::string fault = lines ? "" : lines.error().text();
+  if (fault != settings_fault_ && !fault.empty()) {
+    log("Settings not read, shares keep " + std::to_string(amount_decimals()) + " decimals: " + fault,
+        no_account);
+  }
+  settings_fault_ = fault;
+  if (!lines) return;
+  const std::string_view value = lines->empty() ? std::string_view{} : trim(lines->front());
+  set_amount_precision(parse_number(value) ? value : "1");
+}
+
+void MGeneral::log_skipped(std::string_view text) {
+  lines_skipped_ = true;
+  log(text, no_account);
+  tell_outside(text);
+}
+
 void MGeneral::play_sound(std::string_view name) {
   play_sound_file(paths.full(name));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -43,6 +44,7 @@ class MGeneral {
   std::string workstation_file;  // full path; nothing reads or writes the file
   CLocalSettings* locale = nullptr;
   Journal* journal = nullptr;
+  std::function<void(std::string_view text)> outside;  // standard error of the program; may be empty
 
   Totals totals;             // sum over the connected sessions; only sessions change it
   std::string last_message;  // text of the last result message
@@ -59,6 +61,8 @@ class MGeneral {
     amount_precision_ = text;
     precision_held_ = true;
   }
+  // Takes them over from the settings file. One that can't be read changes nothing and is journaled once.
+  void read_settings();
   // The number of decimals: rounded half to even, held to 0..15.
   int amount_decimals() const;
 
@@ -84,6 +88,13 @@ class MGeneral {
   void log(std::string_view message, std::int32_t account) {
     if (journal != nullptr) journal->log(message, account);
   }
+  // Says something where it is seen even though nobody reads the journal.
+  void tell_outside(std::string_view text) {
+    if (outside) outside(text);
+  }
+  // Journals that lines of a data file were skipped, and tells it outside.
+  void log_skipped(std::string_view text);
+  bool lines_skipped() const { return lines_skipped_; }
   // The summary row of a list: found by its label in column 0, made at the end when missing.
   Row& total_row(RowList& list) const;
   // True for a position that was opened from this terminal, by the side text in `column`.
@@ -93,6 +104,8 @@ class MGeneral {
   MessageQueue& messages_;
   std::string amount_precision_ = "1";
   bool precision_held_ = false;
+  bool lines_skipped_ = false;
+  std::string settings_fault_;
 };
 
 }  // namespace tutti

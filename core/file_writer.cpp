@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <fstream>
-#include <iterator>
+#include <optional>
+#include <utility>
 
 #include "core/descriptor.h"
 
@@ -17,6 +17,36 @@ namespace fs = std::filesystem;
 
 constexpr mode_t private_file = 0600;
 constexpr mode_t private_folder = 0700;
+constexpr mode_t rights_of_others = 0077;
+
+void take_from_others(const fs::path& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0 || (status.st_mode & rights_of_others) == 0) return;
+  (void)::chmod(path.c_str(), status.st_mode & 07777 & ~rights_of_others);
+}
+
+// The mode that a file gets when it is replaced.
+tl::expected<mode_t, FileError> mode_after(const fs::path& file) {
+  struct stat status {};
+  if (::stat(file.c_str(), &status) != 0) {
+    if (errno == ENOENT) return private_file;
+    return tl::unexpected(system_failure(file, errno));
+  }
+  if (!S_ISREG(status.st_mode)) return tl::unexpected(no_regular_file(file));
+  return status.st_mode & private_folder;
+}
+
+// Opens a file for appending. A new one is the operator's whatever the mask of the process.
+Descriptor open_to_append(const fs::path& file) {
+  constexpr int how = O_RDWR | O_APPEND | O_CLOEXEC | O_NONBLOCK;
+  for (;;) {
+    const int there = ::open(file.c_str(), how);
+    if (there >= 0 || errno != ENOENT) return Descriptor{there};
+    const int made = ::open(file.c_str(), how | O_CREAT | O_EXCL, private_file);
+    if (made >= 0) (void)::fchmod(made, private_file);
+    if (made >= 0 || errno != EEXIST) return Descriptor{made};
+  }
+}
 
 // True when what is appended would go on with the last line of a file of `size` bytes.
 bool ends_within_a_line(const Descriptor& file, off_t size) {
@@ -39,21 +69,23 @@ tl::expected<void, FileError> make_private_folder(const fs::path& folder) {
 }
 
 void keep_private(const fs::path& file) {
-  (void)::chmod(file.c_str(), private_file);
-  (void)::chmod(file.parent_path().c_str(), private_folder);
+  take_from_others(file);
+  take_from_others(file.parent_path());
 }
 
 tl::expected<void, FileError> replace_file(const fs::path& file, std::string_view content) {
   const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path{"."};
   if (auto made = make_private_folder(folder); !made) return made;
+  const auto mode = mode_after(file);
+  if (!mode) return tl::unexpected(mode.error());
   fs::path temporary = file;
   temporary += ".new";
-  Descriptor out{
-      ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, private_file)};
+  Descriptor out{::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
+                        private_file)};
   if (!out.open()) return tl::unexpected(system_failure(temporary, errno));
   // A temporary file left behind by a crash may carry another mode.
-  if (::fchmod(out.get(), private_file) != 0 || !out.write(content) || ::fsync(out.get()) != 0 ||
-      !out.close() || ::rename(temporary.c_str(), file.c_str()) != 0) {
+  if (::fchmod(out.get(), *mode) != 0 || !out.write(content) || ::fsync(out.get()) != 0 || !out.close() ||
+      ::rename(temporary.c_str(), file.c_str()) != 0) {
     const int code = errno;
     ::unlink(temporary.c_str());
     return tl::unexpected(system_failure(file, code));
@@ -64,29 +96,52 @@ tl::expected<void, FileError> replace_file(const fs::path& file, std::string_vie
 
 tl::expected<void, FileError> append_file(const fs::path& file, std::string_view content) {
   if (auto made = make_private_folder(file.parent_path()); !made) return made;
-  Descriptor out{::open(file.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, private_file)};
+  Descriptor out = open_to_append(file);
   struct stat before {};
   if (!out.open() || ::fstat(out.get(), &before) != 0) return tl::unexpected(system_failure(file, errno));
-  if (before.st_size == 0) (void)::fchmod(out.get(), private_file);  // new: whatever the mask of the process
-  const bool written =
-      ends_within_a_line(out, before.st_size) ? out.write("\n" + std::string{content}) : out.write(content);
+  if (!S_ISREG(before.st_mode)) return tl::unexpected(no_regular_file(file));
+  const bool written = ends_within_a_line(out, before.st_size)
+                           ? out.write(Secret::joined({"\n", content}).reveal())
+                           : out.write(content);
   if (!written) {
     const int code = errno;
-    (void)::ftruncate(out.get(), before.st_size);
+    (void)!::ftruncate(out.get(), before.st_size);
     return tl::unexpected(system_failure(file, code));
   }
   if (!out.close()) return tl::unexpected(system_failure(file, errno));
   return {};
 }
 
+tl::expected<bool, FileError> file_exists(const fs::path& file) {
+  struct stat status {};
+  if (::stat(file.c_str(), &status) == 0) return true;
+  if (errno != ENOENT) return tl::unexpected(system_failure(file, errno));
+  if (::lstat(file.c_str(), &status) == 0)
+    return tl::unexpected(FileError{file, "is a link that leads nowhere"});
+  return false;
+}
+
+tl::expected<Secret, FileError> read_secret_file(const fs::path& file) {
+  const auto in = Descriptor::open_to_read(file);
+  if (!in) return tl::unexpected(in.error());
+  struct stat status {};
+  if (::fstat(in->get(), &status) != 0) return tl::unexpected(system_failure(file, errno));
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size > largest_file) {
+    return tl::unexpected(FileError{file, "holds more than " + std::to_string(largest_file >> 20) + " MB"});
+  }
+  std::optional<std::size_t> taken;
+  Secret content = Secret::filled(size, [&](char* out) { taken = in->read(out, size); });
+  if (!taken) return tl::unexpected(system_failure(file, errno));
+  std::string_view text = content.reveal().substr(0, *taken);
+  if (text.starts_with(byte_order_mark)) text.remove_prefix(byte_order_mark.size());
+  return text.size() == size ? std::move(content) : Secret{text};
+}
+
 tl::expected<std::string, FileError> read_file(const fs::path& file) {
-  std::error_code error;
-  if (fs::is_directory(file, error)) return tl::unexpected(system_failure(file, EISDIR));
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return tl::unexpected(system_failure(file, errno != 0 ? errno : ENOENT));
-  std::string content{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (in.bad()) return tl::unexpected(system_failure(file, EIO));
-  return content;
+  auto content = read_secret_file(file);
+  if (!content) return tl::unexpected(content.error());
+  return std::string{content->reveal()};
 }
 
 }  // namespace tutti

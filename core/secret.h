@@ -2,7 +2,9 @@
 
 #include <concepts>
 #include <cstddef>
+#include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -39,6 +41,12 @@ class Secret {
     made.size_ = size;
     fill(made.bytes_.get());
     return made;
+  }
+
+  // Pieces one behind the other.
+  static Secret joined(std::span<const std::string_view> pieces);
+  static Secret joined(std::initializer_list<std::string_view> pieces) {
+    return joined(std::span{pieces.begin(), pieces.size()});
   }
 
   Secret copy() const { return {reveal(), 0}; }

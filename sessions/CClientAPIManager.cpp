@@ -190,12 +190,7 @@ void CClientAPIManager::AllDataAreLoaded() {
       general_.play_sound("\\sounds\\Connect.wav");
     }
   }
-  read_settings();
-}
-
-void CClientAPIManager::read_settings() {
-  const std::string value{trim(general_.files.line(general_.paths.full("\\manage\\settings.buf"), 1))};
-  general_.set_amount_precision(parse_number(value) ? value : "1");
+  general_.read_settings();
 }
 
 void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {
@@ -219,7 +214,8 @@ void CClientAPIManager::ServerTime(TimePoint time) {
 }
 
 void CClientAPIManager::ServerRouted(std::string_view address, std::string_view port) {
-  options_.RoutServer(address, read_integer(port));
+  if (options_.RoutServer(address, read_integer(port))) return;
+  log("The server's new address was refused: it holds a character that no address has");
 }
 
 void CClientAPIManager::refuse(const std::string& what) {

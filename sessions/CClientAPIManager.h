@@ -161,7 +161,6 @@ class CClientAPIManager final : public CLAPICLASS {
   void log_order(std::int64_t order, std::string_view text);
   bool row_connected() const { return row_ != nullptr && row_->reads(2, "Connected"); }
   SymbolHandle handle_of(const Symbol& symbol) const;
-  void read_settings();
   void refresh_pending(std::int64_t order);
   void refresh_position(std::int64_t ticket);
   // New orders: the last one sent, behind those that are not settled; oldest first.

@@ -1,5 +1,7 @@
 #include "sessions/CLoginOptions.h"
 
+#include <algorithm>
+
 #include "core/numbers.h"
 #include "core/texts.h"
 
@@ -10,6 +12,11 @@ constexpr std::string_view field_separator = "&&";
 
 std::string endpoint_text(const Endpoint& endpoint) {
   return endpoint.address + ":" + std::to_string(endpoint.port);
+}
+
+// The file has one line per value, "&&" between fields and ":" before a port.
+bool breaks_the_server_file(char c) {
+  return c == '&' || c == ':' || static_cast<unsigned char>(c) < ' ' || c == '\x7F';
 }
 
 // Address as it stands before the first ":", port as the integer behind it; nothing without a ":".
@@ -25,7 +32,7 @@ CLoginOptions::CLoginOptions(MGeneral& general, Endpoint own_server)
     : general_(general),
       records_(general),
       file_name_(general.paths.full("\\manage\\SERVER.BUF")),
-      current_(std::move(own_server)) {
+      own_server_(std::move(own_server)) {
   general_.account_file = general_.paths.full("\\Manage\\Acountinfo.buf");
 }
 
@@ -63,21 +70,23 @@ std::string CLoginOptions::AllServers() const {
   return out;
 }
 
-void CLoginOptions::RoutServer(std::string_view address, std::int32_t port) {
+std::string CLoginOptions::own_server() const {
+  return endpoint_text(own_server_);
+}
+
+bool CLoginOptions::RoutServer(std::string_view address, std::int32_t port) {
+  if (std::any_of(address.begin(), address.end(), breaks_the_server_file)) return false;
   const Endpoint routed{std::string{address}, port};
   for (ServerEntry& entry : table_) {
     if (entry.endpoint == current_) entry.endpoint = routed;
   }
   current_ = routed;
+  return true;
 }
 
 tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
   const auto lines = general_.files.lines(file_name_);
   if (!lines) return tl::unexpected(lines.error());
-  if (lines->empty()) {
-    table_.clear();
-    return {};
-  }
   const auto line = [&](std::size_t number) {
     return number <= lines->size() ? (*lines)[number - 1] : std::string{};
   };
@@ -95,10 +104,9 @@ tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
     }
   }
   table_ = std::move(table);
-  if (const auto endpoint = read_endpoint(line(2))) {
-    CurrentServerIP(std::string{trim(endpoint->address)});
-    CurrentServerPort(endpoint->port);
-  }
+  const Endpoint current = read_endpoint(line(2)).value_or(Endpoint{});
+  CurrentServerIP(std::string{trim(current.address)});
+  CurrentServerPort(current.port);
   ParentDemoAccounts(read_integer(line(3)));
   LoginUnderwlIDs(line(4));
   return {};
@@ -126,10 +134,15 @@ bool CLoginOptions::Servers(const ComboBox& box) {
 
 tl::expected<void, FileError> CLoginOptions::SetData(std::string_view user, std::string_view password,
                                                      std::int32_t account, bool autoLogin) {
+  return saveAccount(record_of(user, password, account, autoLogin));
+}
+
+AccountRecord CLoginOptions::record_of(std::string_view user, std::string_view password, std::int32_t account,
+                                       bool autoLogin) {
   std::string text = upper(password);
-  const AccountRecord record{upper(user), text, account, autoLogin};
+  AccountRecord record{upper(user), text, account, autoLogin};
   wipe(text);
-  return saveAccount(record);
+  return record;
 }
 
 }  // namespace tutti

@@ -18,7 +18,7 @@ namespace tutti {
 // Server indices run from 1.
 class CLoginOptions {
  public:
-  // Sets the path of the account information file. `own_server` is current while no server file names one.
+  // Sets the path of the account information file. `own_server` is offered while no server is current.
   CLoginOptions(MGeneral& general, Endpoint own_server);
 
   const std::string& ServerFileName() const { return file_name_; }
@@ -37,7 +37,9 @@ class CLoginOptions {
   void CurrentServerIP(std::string address) { current_.address = std::move(address); }
   std::int32_t CurrentServerPort() const { return current_.port; }
   void CurrentServerPort(std::int32_t port) { current_.port = port; }
+  // Empty when the server file names none; logins then go to the server the terminal brings along.
   const Endpoint& current() const { return current_; }
+  std::string own_server() const;
   std::int32_t ParentDemoAccounts() const { return parent_demo_accounts_; }
   void ParentDemoAccounts(std::int32_t value) { parent_demo_accounts_ = value; }
   const std::string& LoginUnderwlIDs() const { return login_under_ids_; }
@@ -47,10 +49,11 @@ class CLoginOptions {
   std::int16_t ServerCount() const { return static_cast<std::int16_t>(table_.size()); }
 
   // The server routed its clients elsewhere: every entry of the current server and the current server itself
-  // get the new endpoint. Written with the next Save.
-  void RoutServer(std::string_view address, std::int32_t port);
-  // Reads the server file. A missing file leaves the table empty; a line 1 whose fields do not come in threes
-  // is an error that names file and line.
+  // get the new endpoint. Written with the next Save. False for an address that the server file can't hold;
+  // then nothing changes.
+  bool RoutServer(std::string_view address, std::int32_t port);
+  // Reads the server file. A missing or short one leaves empty what it does not tell: table, current server,
+  // options. A line 1 whose fields do not come in threes is an error that names file and line.
   tl::expected<void, FileError> InitializeFromFile();
   tl::expected<void, FileError> Save() const;
   // Makes the server chosen in the box the current one and saves; a text that is no entry is read as
@@ -59,6 +62,8 @@ class CLoginOptions {
   // Appends a record to the account information file; names are upper-cased.
   tl::expected<void, FileError> SetData(std::string_view user, std::string_view password,
                                         std::int32_t account, bool autoLogin);
+  static AccountRecord record_of(std::string_view user, std::string_view password, std::int32_t account,
+                                 bool autoLogin);
   tl::expected<void, FileError> saveAccount(const AccountRecord& record) { return records_.append(record); }
   AccountRecords& records() { return records_; }
 
@@ -73,6 +78,7 @@ class CLoginOptions {
   MGeneral& general_;
   AccountRecords records_;
   std::string file_name_;
+  Endpoint own_server_;
   std::vector<ServerEntry> table_;
   Endpoint current_;
   std::int32_t parent_demo_accounts_ = 0;

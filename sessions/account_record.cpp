@@ -110,7 +110,7 @@ std::optional<Secret> decode_field(std::string_view field, const std::string& bo
 }  // namespace
 
 std::string account_key(std::string_view user, std::int32_t account) {
-  return upper(trim(user)) + std::to_string(account);
+  return upper(trim(user)) + "," + std::to_string(account);
 }
 
 std::string encode_record(const AccountRecord& record, const Secret& key) {

@@ -17,7 +17,8 @@ struct AccountRecord {
   bool auto_login = false;
 };
 
-// What tells accounts apart everywhere: the trimmed, upper-cased user name and the account number.
+// What tells accounts apart everywhere: the trimmed, upper-cased user name and the account number, with a ","
+// between them.
 std::string account_key(std::string_view user, std::int32_t account);
 
 // One line of the file: user name, password and account number, each encoded, and True or False, with ","

@@ -62,10 +62,33 @@ tl::expected<void, FileError> AccountRecords::append(const AccountRecord& record
   if (key && *key == nullptr) key = general_.key.find_or_create();
   if (!key) return tl::unexpected(key.error());
   const std::string& name = general_.account_file;
-  if (!general_.files.exists(name)) {
+  const auto there = general_.files.exists(name);
+  if (!there) return tl::unexpected(there.error());
+  if (!*there) {
     if (auto made = general_.files.write_line(name, "", TextFile::Mode::create); !made) return made;
   }
   return general_.files.write_line(name, encode_record(record, **key), TextFile::Mode::append);
+}
+
+tl::expected<void, FileError> AccountRecords::replace(std::string_view account_key,
+                                                      const AccountRecord& record) {
+  auto all = lines();
+  if (!all) return tl::unexpected(all.error());
+  const auto key = key_for(*all);
+  if (!key) return tl::unexpected(key.error());
+  const std::string own_key = key_of(record);
+  std::vector<std::string> kept;
+  bool placed = false;
+  for (std::string& line : *all) {
+    const auto other = decode(line, *key);
+    const std::string other_key = other ? key_of(*other) : std::string{};
+    if (!other || (other_key != account_key && other_key != own_key)) {
+      kept.push_back(std::move(line));
+    } else if (!std::exchange(placed, true)) {
+      kept.push_back(encode_record(record, **key));
+    }
+  }
+  return placed ? write(kept) : append(record);
 }
 
 tl::expected<void, FileError> AccountRecords::remove(const std::vector<std::string>& account_keys) {
@@ -83,7 +106,7 @@ tl::expected<void, FileError> AccountRecords::remove(const std::vector<std::stri
     if (!record && !line.empty()) unreadable.push_back(kept.size());
   }
   if (kept.size() != all->size()) {
-    if (auto written = general_.files.write_lines(general_.account_file, kept); !written) return written;
+    if (auto written = write(kept); !written) return written;
   }
   tell_unreadable(unreadable);
   return {};
@@ -101,13 +124,16 @@ tl::expected<std::optional<AccountRecord>, FileError> AccountRecords::find(std::
   return std::nullopt;
 }
 
+tl::expected<void, FileError> AccountRecords::write(const std::vector<std::string>& lines) const {
+  return general_.files.write_lines(general_.account_file, {lines.begin(), lines.end()});
+}
+
 void AccountRecords::tell_unreadable(const std::vector<std::size_t>& lines) {
   if (lines.empty()) return;
-  general_.log("Account information: skipped unreadable records in lines " + number_list(lines) + " of " +
-                   general_.paths.file(general_.account_file).filename().string() +
-                   ". They stay in the file. They are damaged, or of another key than " +
-                   general_.key.path().string(),
-               no_account);
+  general_.log_skipped("Account information: skipped unreadable records in lines " + number_list(lines) +
+                       " of " + general_.paths.file(general_.account_file).filename().string() +
+                       ". They stay in the file. They are damaged, or of another key than " +
+                       general_.key.path().string());
 }
 
 }  // namespace tutti

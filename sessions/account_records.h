@@ -24,6 +24,9 @@ class AccountRecords {
   // Every record. Of several with one account key the last counts, in the place of the first.
   tl::expected<std::vector<AccountRecord>, FileError> read_all();
   tl::expected<void, FileError> append(const AccountRecord& record);
+  // Puts the record in the place of that with another account key, in one step; appends it when there is
+  // none.
+  tl::expected<void, FileError> replace(std::string_view account_key, const AccountRecord& record);
   // Takes the records with these account keys out of the file. Nothing is written when none has.
   tl::expected<void, FileError> remove(const std::vector<std::string>& account_keys);
   // The last record with the account key; nothing when none has it.
@@ -32,6 +35,7 @@ class AccountRecords {
  private:
   tl::expected<std::vector<std::string>, FileError> lines() const;
   tl::expected<const Secret*, FileError> key_for(const std::vector<std::string>& lines);
+  tl::expected<void, FileError> write(const std::vector<std::string>& lines) const;
   void tell_unreadable(const std::vector<std::size_t>& lines);
 
   MGeneral& general_;

@@ -42,10 +42,8 @@ class AccountsDesk {
   virtual Row* selected_client() const { return nullptr; }
   // The account's data are complete: its line of the full list is updated, the connected list gets it.
   virtual void record_connected(const CClientAPIManager&) {}
-  // Takes an account's lines out of both saved lists and the account information file.
-  virtual void forget_account(std::string_view /*user*/, std::int32_t /*account*/) {}
-  // Writes an account into the full list, unless an equal line is there.
-  virtual void save_account(const CClientAPIManager&) {}
+  // Puts an account into the saved lists in the place of the one with this duplicate key.
+  virtual void replace_account(std::string_view /*account_key*/, const CClientAPIManager&) {}
   // Symbol for which Limit_Offset and Stop_Offset ask an account's visibility; empty when none is supplied.
   virtual std::string visibility_symbol() const { return {}; }
 };

@@ -6,10 +6,15 @@
 namespace tutti {
 namespace {
 
+// Fields are one line of a file together, with commas between them.
+bool breaks_a_line(std::string_view text) {
+  return text.find_first_of(",\r\n") != std::string_view::npos;
+}
+
 // "IP:PORT": something before the one ":", a port behind it.
 bool is_endpoint(std::string_view text) {
   const auto pieces = split(text, ":");
-  if (pieces.size() != 2 || trim(pieces[0]).empty()) return false;
+  if (pieces.size() != 2 || trim(pieces[0]).empty() || breaks_a_line(text)) return false;
   const auto port = parse_int32(pieces[1]);
   return port && *port >= 1 && *port <= 65'535;
 }
@@ -33,7 +38,8 @@ void frmaccount::FillServers() {
   if (current > 0) {
     CBServer.set_index(current - 1);
   } else {
-    CBServer.set_text(options_.CurrentServerDesc());
+    CBServer.set_text(options_.current().address.empty() ? options_.own_server()
+                                                         : options_.CurrentServerDesc());
   }
 }
 
@@ -41,7 +47,7 @@ void frmaccount::open_add() {
   editing_ = false;
   txtaccount.set_text("");
   txtusername.set_text("");
-  txtpassword.set_text("");
+  txtpassword.wipe_text();
   chkSave.set_checked(false);
   chkAutoLogin.set_checked(false);
   FillServers();
@@ -103,26 +109,29 @@ void frmaccount::cmdLoginAA_Click() {
                                 " already exists");
   }
 
-  std::string old_user;
-  std::int32_t old_account = 0;
-  if (edited != nullptr) {
-    old_user = edited->user();
-    old_account = edited->account();
-    sessions_.Remove(client_key(edited->key()).text());
+  if (breaks_a_line(txtusername.text()) || breaks_a_line(txtpassword.text())) {
+    return general_.message_box("User name and password must not contain a comma or a line end");
   }
-  CClientAPIManager* added = add_session(*account);
+
+  if (edited != nullptr) sessions_.Remove(client_key(edited->key()).text());
+  const CClientAPIManager* added = add_session(*account);
   if (added == nullptr) return;
-  if (edited != nullptr) {
-    desk_.accounts->forget_account(old_user, old_account);
-    desk_.accounts->save_account(*added);
-  }
-  if (chkSave.checked()) {
-    const auto saved =
-        options_.SetData(txtusername.text(), txtpassword.text(), *account, chkAutoLogin.checked());
-    if (!saved) general_.log("Account not saved: " + saved.error().text(), *account);
+  if (edited != nullptr) desk_.accounts->replace_account(edited_key_, *added);
+  if (const auto saved = save_record(*account, edited != nullptr); !saved) {
+    general_.log("Account not saved: " + saved.error().text(), *account);
   }
   if (chkAutoLogin.checked()) sessions_.Item(sessions_.Count())->ClientAPIF().Login();
   close();
+}
+
+// An edit changes the record in its place, so that a crash leaves either the old one or the new one.
+tl::expected<void, FileError> frmaccount::save_record(std::int32_t account, bool edited) {
+  if (!chkSave.checked()) {
+    return edited ? options_.records().remove({edited_key_}) : tl::expected<void, FileError>{};
+  }
+  const AccountRecord record =
+      CLoginOptions::record_of(txtusername.text(), txtpassword.text(), account, chkAutoLogin.checked());
+  return edited ? options_.records().replace(edited_key_, record) : options_.saveAccount(record);
 }
 
 // No password stays behind in a box that is not on screen.

@@ -51,6 +51,7 @@ class frmaccount : public Displayable {
   bool any_field_empty() const;
   Added add_unless_listed();
   void close();
+  tl::expected<void, FileError> save_record(std::int32_t account, bool edited);
   CClientAPIManager* add_session(std::int32_t account);
 
   MGeneral& general_;

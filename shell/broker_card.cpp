@@ -13,7 +13,7 @@ BrokerCard BrokerCard::read(const Paths& paths) {
   card.name = trim(files.line(texts, 1));
   card.web = trim(files.line(texts, 2));
   card.email = trim(files.line(texts, 3));
-  if (files.exists(picture)) card.logo = paths.file(picture);
+  if (files.exists(picture).value_or(false)) card.logo = paths.file(picture);
   return card;
 }
 

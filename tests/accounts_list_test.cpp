@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "core/texts.h"
 #include "sessions/account_record.h"
@@ -7,6 +9,7 @@
 namespace tutti::testing {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 constexpr const char* all_list = "manage/savelvinfo.buf";
@@ -195,9 +198,18 @@ TEST(SavedAccounts, LoadReplacesTheWholeList) {
   terminal.file_dialog.answer = (terminal.home->path() / "missing.buf").string();
   list.mnuload_Click();
   EXPECT_EQ(terminal.prompt.shown.size(), 1u);
-  EXPECT_EQ(everything(), before);
-
   const TemporaryFolder elsewhere;
+  elsewhere.write("no.buf", "user,password\n,,\nann,pw,number\n");
+  terminal.file_dialog.answer = (elsewhere.path() / "no.buf").string();
+  list.mnuload_Click();
+  ASSERT_EQ(terminal.prompt.shown.size(), 2u);
+  EXPECT_EQ(terminal.prompt.shown[1].text,
+            "The list was not loaded, nothing is changed: " + terminal.file_dialog.answer +
+                ": has no line with user name, password and account number");
+  EXPECT_EQ(everything(), before);
+  const fs::path kept = terminal.home->path() / "manage/savelvinfo.buf.old";
+  EXPECT_FALSE(fs::exists(kept));
+
   elsewhere.write("other.buf", "BEECH,BEECH03,500102\nASPEN,ASPEN02,500101");
   terminal.file_dialog.answer = (elsewhere.path() / "other.buf").string();
   list.mnuload_Click();
@@ -206,6 +218,8 @@ TEST(SavedAccounts, LoadReplacesTheWholeList) {
   EXPECT_TRUE(terminal.main->market_order().lvwConClients.empty());
   EXPECT_EQ(terminal.main->general().totals.balance, 0.0);
   EXPECT_EQ(terminal.home->read(connected_list), "");
+  EXPECT_EQ(terminal.home->read("manage/savelvinfo.buf.old"), before[before.size() - 3]);
+  EXPECT_EQ(static_cast<unsigned>(fs::status(kept).permissions()), 0600u);
   // Then one of the two lists, which are discarded on the way.
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(everything()[1], "C2 02 ASPEN 500101 Connected green");
@@ -215,7 +229,47 @@ TEST(SavedAccounts, LoadReplacesTheWholeList) {
     terminal.file_dialog.answer = (terminal.home->path() / all_list).string();
     list.mnuload_Click();
   }
-  EXPECT_EQ(terminal.file_dialog.titles, Texts(5, "Load File"));
+  EXPECT_EQ(terminal.file_dialog.titles, Texts(6, "Load File"));
+  EXPECT_TRUE(fs::exists(kept));
+  list.mnuclear_Click();
+  EXPECT_FALSE(fs::exists(kept));
+}
+
+TEST(SavedAccounts, AnEditLeavesTheOldOrTheNewLineAtEveryMoment) {
+  TestTerminal terminal{DealerConfig::sample(2)};
+  terminal.start_logged_in();
+  const auto edit = [&terminal](const char* password) {
+    frmMain& list = terminal.main->accounts();
+    list.lvwClients.select(terminal.client(500'100));
+    list.edit_account();
+    list.account_dialog().txtpassword.set_text(password);
+    list.account_dialog().chkSave.set_checked(true);
+    list.account_dialog().cmdLoginAA.click();
+  };
+  edit("new");
+  const Texts others = {terminal.home->read(all_list), terminal.home->read(connected_list)};
+  ASSERT_EQ(others[0], "ALDER,new,500100\nASPEN,ASPEN02,500101\n");
+  const pid_t child = ::fork();
+  if (child == 0) {
+    for (int i = 0; i < 40; ++i)
+      edit(i % 2 == 0 ? "old" : "new");
+    ::_exit(0);
+  }
+  KeyFile key{terminal.home->key_file()};
+  const Secret& secret = **key.find();
+  int looks = 0;
+  for (; ::waitpid(child, nullptr, WNOHANG) == 0; ++looks) {
+    for (const char* file : {all_list, connected_list}) {
+      const Texts lines = sorted_lines(terminal.home->read(file));
+      ASSERT_EQ(lines.size(), 2u) << file;
+      ASSERT_TRUE(lines[0] == "ALDER,new,500100" || lines[0] == "ALDER,old,500100") << lines[0];
+    }
+    const Texts lines = sorted_lines(terminal.home->read(records));
+    ASSERT_EQ(lines.size(), 1u);
+    ASSERT_TRUE(decode_record(lines[0], secret));
+  }
+  EXPECT_GT(looks, 10);
+  EXPECT_EQ(Texts({terminal.home->read(all_list), terminal.home->read(connected_list)}), others);
 }
 
 TEST(SavedAccounts, EqualLinesAreWrittenOnceAndSaveAsCopiesTheConnected) {

@@ -7,10 +7,12 @@
 #include <optional>
 
 #include "core/CLocalSettings.h"
+#include "core/line_reader.h"
 #include "core/numbers.h"
 #include "core/row_list.h"
 #include "core/text_box.h"
 #include "core/text_file.h"
+#include "core/texts.h"
 #include "core/timer.h"
 #include "tests/support/test_terminal.h"
 
@@ -58,6 +60,22 @@ TEST(Numbers, WriterGivesFifteenDigitsAndSummariesTwoDecimals) {
   EXPECT_EQ(summary_text(1234567.891) + summary_text(-1e15), "1234567.89-1000000000000000");
   for (const auto& [text, value] : summary)
     EXPECT_EQ(summary_text(value), text) << value;
+}
+
+TEST(Texts, LetterCaseOfEveryLetter) {
+  const std::pair<const char*, const char*> cases[] = {{"m\xC3\xBCller", "M\xC3\x9CLLER"},  // u umlaut
+                                                       {"\xC3\xBF", "\xC5\xB8"},            // y diaeresis
+                                                       {"\xC9\x90", "\xE2\xB1\xAF"},        // longer in bytes
+                                                       {"\xD0\xBF\xD1\x80i", "\xD0\x9F\xD0\xA0I"},
+                                                       {"\xFC\x80 a", "\xFC\x80 A"},  // no UTF-8
+                                                       {"a\xC3", "A\xC3"}};
+  for (const auto& [small, large] : cases) {
+    EXPECT_EQ(upper(small), large);
+    EXPECT_EQ(folded(large), folded(small)) << large;
+    EXPECT_TRUE(same_letters(small, large) && !same_letters(small, std::string{large} + "x")) << large;
+    EXPECT_TRUE(contains_letters(std::string{"x"} + large + "x", folded(small))) << large;
+  }
+  EXPECT_FALSE(same_letters("\xC3\xBC", "u"));
 }
 
 TEST(LocaleSettings, ForceTheSeparatorsAndReadTypedNumbers) {
@@ -170,8 +188,57 @@ TEST(TextFiles, LinesHoweverTheyEnd) {
   ASSERT_TRUE(files.write_line(name, "alone", TextFile::Mode::create));
   EXPECT_EQ(folder.read("manage/x.buf"), "alone\n");
   EXPECT_TRUE(files.lines("\\manage\\missing.buf").value().empty());
-  fs::create_directory(folder.path() / "manage" / "folder.buf");
-  EXPECT_FALSE(files.lines("\\manage\\folder.buf"));
+  folder.write("manage/x.buf",
+               "\xEF\xBB\xBF"
+               "a\n\xEF\xBB\xBF"
+               "b");
+  EXPECT_EQ(files.lines(name).value(), (Lines{"a",
+                                              "\xEF\xBB\xBF"
+                                              "b"}));
+}
+
+TEST(TextFiles, OnlyWhatIsNotThereIsMissing) {
+  const TemporaryFolder folder;
+  const Paths paths{folder.path()};
+  const TextFile files{paths};
+  const fs::path manage = folder.path() / "manage";
+  folder.write("manage/large.buf", "");
+  fs::create_directory(manage / "folder.buf");
+  ASSERT_EQ(::mkfifo((manage / "pipe.buf").c_str(), 0600), 0);
+  fs::create_symlink(manage / "loop.buf", manage / "loop.buf");
+  fs::create_symlink(folder.path() / "unmounted/list.buf", manage / "nowhere.buf");
+  fs::resize_file(manage / "large.buf", largest_file + 1);
+  fs::create_symlink(folder.path() / "looped", folder.path() / "looped");
+  for (const char* name : {"manage/folder.buf", "manage/pipe.buf", "manage/loop.buf", "manage/nowhere.buf",
+                           "manage/large.buf", "looped/x.buf", "manage/large.buf/x.buf"}) {
+    const auto lines = files.lines(name);
+    ASSERT_FALSE(lines) << name;
+    const std::string place = *name == 'l' ? "looped" : name;
+    EXPECT_NE(lines.error().text().find(place), std::string::npos) << lines.error().text();
+  }
+  EXPECT_EQ(files.exists("manage/none.buf").value(), false);
+  for (const char* name : {"manage/folder.buf", "manage/pipe.buf"}) {
+    EXPECT_FALSE(files.write_line(name, "x", TextFile::Mode::create)) << name;
+    EXPECT_FALSE(files.write_line(name, "x", TextFile::Mode::append)) << name;
+  }
+}
+
+TEST(LineReader, GivesEveryLineOfAnyLength) {
+  const TemporaryFolder folder;
+  std::string content = "\xEF\xBB\xBF";
+  std::vector<std::string> lines;
+  for (const std::size_t length : {0u, 65'535u, 65'536u, 1u, 65'531u, 200'000u, 3u}) {
+    lines.push_back(std::string(length, 'x'));
+    content += lines.back() + (length % 2 == 0 ? "\r\n" : "\n");
+  }
+  for (const char* last : {"", "open", "open\r"}) {
+    folder.write("x", content + last);
+    std::vector<std::string> read;
+    ASSERT_TRUE(read_lines(folder.path() / "x", [&](std::string_view line) { read.emplace_back(line); }));
+    auto expected = lines;
+    if (*last != '\0') expected.emplace_back("open");
+    EXPECT_EQ(read, expected) << last;
+  }
 }
 
 TEST(PathsTest, EitherSlashAndAnyCaseMeanOneFile) {
@@ -210,6 +277,24 @@ TEST(FileWriter, FilesAndFoldersArePrivateWhateverTheUmask) {
     EXPECT_EQ(read_file(file).value(), "1\n2\n");
     EXPECT_EQ(std::distance(fs::directory_iterator{file.parent_path()}, {}), 1);
   }
+}
+
+TEST(FileWriter, NobodyGainsRights) {
+  const TemporaryFolder folder;
+  folder.write("a/x.buf", "1");
+  const fs::path file = folder.path() / "a/x.buf";
+  const std::pair<unsigned, unsigned> modes[] = {{0644, 0600}, {0400, 0400}, {0600, 0600}, {0777, 0700}};
+  for (const auto& [before, after] : modes) {
+    fs::permissions(file, fs::perms{before});
+    fs::permissions(folder.path() / "a", fs::perms{0755});
+    ASSERT_TRUE(replace_file(file, "2"));
+    EXPECT_EQ(static_cast<unsigned>(fs::status(file).permissions()), after);
+    EXPECT_EQ(static_cast<unsigned>(fs::status(file.parent_path()).permissions()), 0755u);
+  }
+  fs::permissions(file.parent_path(), fs::perms{0550});
+  keep_private(file);
+  EXPECT_EQ(static_cast<unsigned>(fs::status(file.parent_path()).permissions()), 0500u);
+  fs::permissions(file.parent_path(), fs::perms{0700});
 }
 
 TEST(Clocks, TheMachinesTellsItsOwnZone) {

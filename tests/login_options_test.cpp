@@ -42,10 +42,14 @@ TEST(LoginOptions, MissingShortAndMalformedServerFiles) {
     int servers;          // -1: an error
     const char* current;
   };
-  const Case cases[] = {{nullptr, 0, "10.0.0.9:443"},   {"", 0, "10.0.0.9:443"}, {"\nh:1\n", 0, "h:1"},
-                        {"A&&h&&1", 1, "10.0.0.9:443"}, {"A&&h", -1, ""},        {"A&&h&&1&&", -1, ""}};
+  const Case cases[] = {{nullptr, 0, ":0"},   {"", 0, ":0"},           {"\nh:1\n", 0, "h:1"},
+                        {"A&&h&&1", 1, ":0"}, {"A&&h&&1\nh", 1, ":0"}, {"A&&h", -1, ""},
+                        {"A&&h&&1&&", -1, ""}};
   for (const Case& one : cases) {
     SessionRig rig;
+    rig.home.write(server_file, "B&&g&&2\ng:2\n5\nold\n");
+    ASSERT_TRUE(rig.options.InitializeFromFile());
+    std::filesystem::remove(rig.home.path() / server_file);
     if (one.content != nullptr) rig.home.write(server_file, one.content);
     const auto read = rig.options.InitializeFromFile();
     ASSERT_EQ(read.has_value(), one.servers >= 0);
@@ -56,6 +60,10 @@ TEST(LoginOptions, MissingShortAndMalformedServerFiles) {
     }
     EXPECT_EQ(rig.options.ServerCount(), one.servers);
     EXPECT_EQ(rig.options.CurrentServer(), one.current);
+    EXPECT_EQ(std::to_string(rig.options.ParentDemoAccounts()) + rig.options.LoginUnderwlIDs(), "0");
+    frmaccount dialog{rig.general, rig.windows.desk, rig.options, rig.sessions};
+    dialog.open_add();
+    EXPECT_EQ(dialog.CBServer.text(), one.current[0] == ':' ? "10.0.0.9:443" : one.current);
   }
 }
 
@@ -65,7 +73,10 @@ TEST(LoginOptions, RoutingAndChoosingServers) {
   const std::string before = "A&&h&&1&&B&&h&&2&&C&&h&&1\nh:1\n0\n\n";
   rig.home.write(server_file, before);
   ASSERT_TRUE(options.InitializeFromFile());
-  options.RoutServer("new", 9);
+  for (const char* address : {"a&b", "a:1", "a\nb", "a\tb", "a\x7F", "&&"})
+    EXPECT_FALSE(options.RoutServer(address, 9)) << address;
+  EXPECT_EQ(options.AllServers() + options.CurrentServer(), "A&&h&&1&&B&&h&&2&&C&&h&&1h:1");
+  EXPECT_TRUE(options.RoutServer("new", 9));
   EXPECT_EQ(options.AllServers(), "A&&new&&9&&B&&h&&2&&C&&new&&9");
   EXPECT_EQ(options.CurrentServer(), "new:9");
   EXPECT_EQ(rig.home.read(server_file), before) << "written with the next save";
@@ -84,7 +95,7 @@ class AccountDialog : public ::testing::Test {
   AccountDialog() {
     rig.home.write(server_file, "Main&&10.0.0.1&&443\n10.0.0.1:443\n0\n\n");
     EXPECT_TRUE(rig.options.InitializeFromFile());
-    rig.windows.accounts.taken_keys = {"BOB123"};
+    rig.windows.accounts.taken_keys = {"BOB,123"};
   }
   void fill(const char* account, const char* user, const char* password, const char* server) {
     dialog.txtaccount.set_text(account);
@@ -101,6 +112,7 @@ class AccountDialog : public ::testing::Test {
 TEST_F(AccountDialog, TheFirstStepThatFailsIsToldAndChangesNothing) {
   const std::string wrong = "Wrong server.\nServer must be of the (IP:PORT) format\ni.e\n";
   const std::string fields = "Please fill all account information";
+  const std::string comma = "User name and password must not contain a comma or a line end";
   const std::string number = "Please enter a valid  account ID";
   struct Case {
     const char *account, *user, *password, *server;
@@ -118,6 +130,12 @@ TEST_F(AccountDialog, TheFirstStepThatFailsIsToldAndChangesNothing) {
       {"12a", "ann", "p", "10.1.1.1:78", number, "10.1.1.1:78"},
       {"1.5", "ann", "p", "Main", number, "10.0.0.1:443"},
       {"2147483648", "ann", "p", "Main", number, "10.0.0.1:443"},
+      {"12", "ann", "p", "10.1.1.1,2:77", wrong, "10.0.0.1:443"},
+      {"12", "ann", "p", "10.1.1.1\n:77", wrong, "10.0.0.1:443"},
+      {"12", "an,n", "p", "Main", comma, "10.0.0.1:443"},
+      {"12", "ann", "p\n", "Main", comma, "10.0.0.1:443"},
+      {"12", "ann", "p,", "Main", comma, "10.0.0.1:443"},
+      {"12", "an\rn", "p", "Main", comma, "10.0.0.1:443"},
       {"123", " bob ", "p", "Main", "Account 123 for client  bob  already exists", "10.0.0.1:443"},
   };
   dialog.open_add();
@@ -199,8 +217,7 @@ TEST_F(AccountDialog, AnEditReplacesTheSelectedAccount) {
   EXPECT_EQ(rig.sessions.Item(1)->account(), 124);
   EXPECT_EQ(rig.sessions.Item(2)->password(), "new");
   const Heard heard = rig.take();
-  for (const char* line : {"accounts forgets BOB123", "accounts saves BOB123"})
-    EXPECT_EQ(std::count(heard.begin(), heard.end(), line), 1) << line;
+  EXPECT_EQ(std::count(heard.begin(), heard.end(), "accounts replaces BOB,123 by BOB,123"), 1);
   EXPECT_EQ(rig.client(*rig.sessions.Item(2)).logins, 0);
   EXPECT_TRUE(saved());
 }

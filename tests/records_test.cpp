@@ -5,10 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 
 #include "core/texts.h"
 #include "sessions/account_records.h"
+#include "tests/support/scripted_terminal.h"
 #include "tests/support/session_rig.h"
 
 namespace tutti::testing {
@@ -154,7 +157,7 @@ TEST(AccountFile, AMissingKeyStopsEverythingAndAnotherKeyLosesNothing) {
   const fs::path key_path = rig.home.key_file();
   const auto starts_anew = [&] { rig.general.key = KeyFile{key_path}; };
   rig.home.write(name, "damaged\n");
-  EXPECT_TRUE(rig.options.records().remove({"BOB81"}));
+  EXPECT_TRUE(rig.options.records().remove({"BOB,81"}));
   EXPECT_FALSE(fs::exists(key_path)) << "nothing here needs a key";
   ASSERT_TRUE(rig.options.SetData("bob", "secret", 81, true));
   ASSERT_TRUE(rig.options.SetData("ann", "secret", 82, false));
@@ -170,8 +173,8 @@ TEST(AccountFile, AMissingKeyStopsEverythingAndAnotherKeyLosesNothing) {
            answer.error().text().find(key_path.string()) != std::string::npos;
   };
   EXPECT_TRUE(refused(rig.options.records().read_all()));
-  EXPECT_TRUE(refused(rig.options.records().find("BOB81")));
-  EXPECT_TRUE(refused(rig.options.records().remove({"BOB81"})));
+  EXPECT_TRUE(refused(rig.options.records().find("BOB,81")));
+  EXPECT_TRUE(refused(rig.options.records().remove({"BOB,81"})));
   EXPECT_TRUE(refused(rig.options.SetData("eve", "secret", 83, true)));
   EXPECT_FALSE(fs::exists(key_path));
   EXPECT_EQ(rig.home.read(name), before);
@@ -184,7 +187,7 @@ TEST(AccountFile, AMissingKeyStopsEverythingAndAnotherKeyLosesNothing) {
   ASSERT_EQ(heard.size(), 1u);
   EXPECT_NE(heard[0].find("lines 1, 2, 3, 4 of Acountinfo.buf"), std::string::npos) << heard[0];
   EXPECT_NE(heard[0].find(key_path.string()), std::string::npos);
-  ASSERT_TRUE(rig.options.records().remove({"BOB81", "ANN82"}));
+  ASSERT_TRUE(rig.options.records().remove({"BOB,81", "ANN,82"}));
   EXPECT_EQ(rig.home.read(name), before);
   ASSERT_TRUE(rig.options.SetData("eve", "secret", 83, true));
   EXPECT_TRUE(rig.home.read(name).starts_with(before));
@@ -194,10 +197,70 @@ TEST(AccountFile, AMissingKeyStopsEverythingAndAnotherKeyLosesNothing) {
   const auto records = rig.options.records().read_all().value();
   ASSERT_EQ(records.size(), 2u);
   EXPECT_TRUE(records[0].user == "BOB" && records[0].password == "NEW" && !records[0].auto_login);
-  ASSERT_TRUE(rig.options.records().remove({"BOB81"}));
+  ASSERT_TRUE(rig.options.records().replace("ANN,82", {"\xC3\x9C", "P", 7, true}));
+  ASSERT_TRUE(rig.options.records().replace(account_key("\xC3\xBC", 7), {"ANN", "P", 82, true}));
+  ASSERT_TRUE(rig.options.records().remove({"BOB,81"}));
+  EXPECT_NE(account_key("bob1", 23), account_key("BOB", 123));
   const auto kept = rig.general.files.lines(rig.general.account_file).value();
   ASSERT_EQ(kept.size(), 3u);
-  EXPECT_EQ(kept[0] + "\n" + kept[1], "damaged\n" + std::string{split(before, "\n")[2]});
+  EXPECT_EQ(kept[0], "damaged");
+  EXPECT_EQ(rig.options.records().find("ANN,82").value()->password, "P");
+}
+
+// Occurrences of a text, given inverted so that it does not find itself, in all memory that can be written.
+__attribute__((no_sanitize("address"))) int copies_in_memory(const std::string& inverted) {
+  constexpr std::uintptr_t reserved = std::uintptr_t{1} << 30;  // such ranges are no heap
+  int found = 0;
+  std::ifstream maps{"/proc/self/maps"};
+  for (std::string line; std::getline(maps, line);) {
+    std::uintptr_t at = 0;
+    std::uintptr_t end = 0;
+    char rights[5] = {};
+    if (std::sscanf(line.c_str(), "%zx-%zx %4s", &at, &end, rights) != 3 || rights[0] != 'r') continue;
+    if (rights[1] != 'w' || end - at > reserved) continue;
+    for (end -= inverted.size(); at <= end; ++at) {
+      std::size_t same = 0;
+      while (same < inverted.size() && reinterpret_cast<const char*>(at)[same] == ~inverted[same])
+        ++same;
+      found += same == inverted.size() ? 1 : 0;
+    }
+  }
+  return found;
+}
+
+TEST(AccountFile, RemovedAccountsLeaveNoPasswordInMemory) {
+  const std::string inverted = "\xA8\x96\x8F\x9A\xD2\x92\x9A";  // "Wipe-me"
+  ScriptedTerminal terminal{Summaries(6)};
+  frmMain& list = terminal.main->accounts();
+  terminal.main->general().key = KeyFile{terminal.home->key_file()};
+  for (std::int32_t account = 1; account <= 6; ++account) {
+    list.lvwClients.select(list.lvwClients.row(0));
+    list.edit_account();
+    const auto size = static_cast<std::size_t>(10 * account);  // short ones stand in no buffer of their own
+    const Secret password = Secret::filled(size, [&](char* out) {
+      std::fill(out, out + size, 'x');
+      for (std::size_t i = 0; i < inverted.size(); ++i)
+        out[i] = static_cast<char>(~inverted[i]);
+    });
+    frmaccount& dialog = list.account_dialog();
+    dialog.txtpassword.set_text(password.reveal());
+    dialog.CBServer.type("h:1");
+    dialog.chkSave.set_checked(account % 2 == 0);
+    dialog.cmdLoginAA.click();
+    ASSERT_FALSE(dialog.Displayed());
+    CLAPICLASS& sink = *terminal.clients.back()->sink;
+    sink.AllDataAreLoaded();
+    sink.ConnectionState(true);
+    sink.AllDataAreLoaded();
+  }
+  terminal.file_dialog.answer = (terminal.home->path() / "manage/mine.buf").string();
+  list.mnusaveas_Click();
+  terminal.file_dialog.answer = (terminal.home->path() / "manage/savelvinfo.buf").string();
+  list.mnuload_Click();
+  EXPECT_EQ(list.lvwClients.size(), 6u);
+  EXPECT_GE(copies_in_memory(inverted), 6);
+  list.mnuclear_Click();
+  EXPECT_EQ(copies_in_memory(inverted), 0);
 }
 
 TEST(AccountFile, PasswordsStandNowhereButInThePlainLists) {

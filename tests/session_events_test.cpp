@@ -255,6 +255,8 @@ TEST_F(SessionEvents, OtherEventsReachTheirWindows) {
   writes([&] { sink.ServerTime(rig.clock.now() + 9h + 5min + 7s); }, {"status time 2026-01-01 09:05:07"});
   writes([&] { sink.ServerRouted("10.0.0.2", "444"); }, {});
   EXPECT_EQ(rig.options.CurrentServer(), "10.0.0.2:444");
+  writes([&] { sink.ServerRouted("10.0.0.3:1", "444"); },
+         {"journal 81: The server's new address was refused: it holds a character that no address has"});
   writes([&] { sink.WaitingMode(2); }, {"entry submit off"});
   writes([&] { sink.WaitingMode(1); },
          {"status 100025 reads Waiting", "status 100026 reads Connected", "entry submit off"});
@@ -385,7 +387,7 @@ TEST_F(SessionEvents, LoadedDataOfAKnownAccountReachTheOrderWindows) {
   during([&] { sink.ConnectionState(true); });
   rig.windows.market_order.asks_lots = false;
   Heard connected{known.begin() + 1, known.end()};
-  connected.insert(connected.end(), {"accounts records BOB81", "sound Connect.wav"});
+  connected.insert(connected.end(), {"accounts records BOB,81", "sound Connect.wav"});
   EXPECT_EQ(during([&] { sink.AllDataAreLoaded(); }), sorted(connected));
 }
 

@@ -94,10 +94,9 @@ class RecordingDesk {
     void record_connected(const CClientAPIManager& session) override {
       say("records", session.duplicate_key());
     }
-    void forget_account(std::string_view user, std::int32_t account) override {
-      say("forgets", account_key(user, account));
+    void replace_account(std::string_view key, const CClientAPIManager& session) override {
+      say("replaces", std::string{key} + " by " + session.duplicate_key());
     }
-    void save_account(const CClientAPIManager& session) override { say("saves", session.duplicate_key()); }
     bool has_account(std::string_view key) const override {
       return std::find(taken_keys.begin(), taken_keys.end(), key) != taken_keys.end();
     }
