@@ -54,7 +54,8 @@ int accounts_command(Terminal& terminal);
 int order_command(Terminal& terminal, const OrderArguments& arguments);
 int entry_command(Terminal& terminal, const EntryArguments& arguments);
 int modify_command(Terminal& terminal, const ModifyArguments& arguments);
-int journal_command(Terminal& terminal, std::int32_t account);
+// Oldest first, without holding it: a history may be of any size.
+int journal_command(Terminal& terminal, OutputForm form, std::int32_t account);
 int positions_command(Terminal& terminal);
 int orders_command(Terminal& terminal);
 // Per symbol over all accounts, or per account and symbol.

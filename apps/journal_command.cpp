@@ -1,25 +1,80 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "apps/commands.h"
-#include "apps/output.h"
 
 namespace tutti {
 
-int journal_command(Terminal& terminal, std::int32_t account) {
-  Main& main = terminal.main();
-  main.journal().vID(account);
-  if (terminal.options().form == OutputForm::json) {
-    fmt::print("{}\n", nlohmann::json{{"journal", journal_json(main, account)}}.dump(2));
-  } else if (main.journal_window().lvwJournal.empty()) {
-    fmt::print("The journal has no entries of account {}\n", account);
+namespace {
+
+// A text as JSON has it. Most need no second look.
+void append_json(fmt::memory_buffer& out, std::string_view text) {
+  const auto plain = [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; };
+  if (std::all_of(text.begin(), text.end(), plain)) {
+    fmt::format_to(std::back_inserter(out), "\"{}\"", text);
   } else {
-    for (const auto& entry : journal_json(main, account)) {
-      fmt::print("{}  {}\n", entry["time"].get<std::string>(), entry["message"].get<std::string>());
-    }
+    out.append(nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
   }
-  return exit_status::all_accepted;
+}
+
+// Prints entries one by one, so that a history of any size takes no more room than a short one.
+class JournalPrinter {
+ public:
+  JournalPrinter(OutputForm form, std::int32_t account)
+      : json_(form == OutputForm::json), account_(account) {}
+
+  void print(std::string_view time, std::string_view message) {
+    if (json_) {
+      fmt::format_to(std::back_inserter(out_), "{}\n    {{\n      \"account\": {},\n      \"message\": ",
+                     any_ ? "," : "{\n  \"journal\": [", account_);
+      append_json(out_, message);
+      fmt::format_to(std::back_inserter(out_), ",\n      \"time\": ");
+      append_json(out_, time);
+      fmt::format_to(std::back_inserter(out_), "\n    }}");
+    } else {
+      fmt::format_to(std::back_inserter(out_), "{}  {}\n", time, message);
+    }
+    any_ = true;
+    if (out_.size() >= flushed_at) flush();
+  }
+  void finish() {
+    if (json_) {
+      out_.append(std::string_view{any_ ? "\n  ]\n}\n" : "{\n  \"journal\": []\n}\n"});
+    } else if (!any_) {
+      fmt::format_to(std::back_inserter(out_), "The journal has no entries of account {}\n", account_);
+    }
+    flush();
+  }
+
+ private:
+  static constexpr std::size_t flushed_at = 64u << 10;  // bytes
+
+  void flush() {
+    std::fwrite(out_.data(), 1, out_.size(), stdout);
+    out_.clear();
+  }
+
+  bool json_;
+  std::int32_t account_;
+  bool any_ = false;
+  fmt::memory_buffer out_;
+};
+
+}  // namespace
+
+int journal_command(Terminal& terminal, OutputForm form, std::int32_t account) {
+  JournalPrinter printer{form, account};
+  const auto read = terminal.main().journal().read(
+      account, [&printer](std::string_view time, std::string_view message) { printer.print(time, message); });
+  if (read) {
+    printer.finish();
+    return exit_status::all_accepted;
+  }
+  fmt::print(stderr, "The history was not read whole: {}\n", read.error().text());
+  return exit_status::unreadable_data;
 }
 
 }  // namespace tutti

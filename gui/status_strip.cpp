@@ -34,6 +34,8 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   totals_ = new ElidedLabel{this};
   totals_->setObjectName(QStringLiteral("totals"));
   addWidget(totals_, 1);
+  warning_ = add_label(*this, QStringLiteral("warning"));
+  warning_->setProperty("warn", true);
   waiting_ = add_label(*this, QStringLiteral("waiting"));
   waiting_->setProperty("warn", true);
   connected_control_ = add_label(*this, QStringLiteral("connected_control"));
@@ -54,6 +56,9 @@ void StatusStrip::refresh() {
   if (form.stamp() == shown_) return;
   shown_ = form.stamp();
   totals_->set_text(QString::fromStdString(form.totals_pane()));
+  const QString warning = QString::fromStdString(form.warning_pane());
+  show_text(*warning_, warning.isEmpty() ? warning : tr("Journal not complete"));
+  warning_->setToolTip(warning);
   show_text(*waiting_, QString::fromStdString(form.control(StatusDesk::waiting_control).text));
   show_text(*connected_control_, QString::fromStdString(form.control(StatusDesk::connected_control).text));
   show_text(*server_time_, QString::fromStdString(form.server_time_pane()));

@@ -13,7 +13,7 @@ class Main;
 class Screen;
 
 // Status bar of the main window: totals of all accounts, what the command-bar controls of the connection say,
-// how many accounts are connected, and the server's time.
+// how many accounts are connected, the server's time, and what must not be overlooked.
 class StatusStrip final : public QStatusBar {
  public:
   StatusStrip(Main& main, Screen& screen);
@@ -25,6 +25,7 @@ class StatusStrip final : public QStatusBar {
   Main& main_;
   std::uint64_t shown_ = ~std::uint64_t{0};  // stamp of the main window's state on show
   ElidedLabel* totals_;
+  QLabel* warning_;
   QLabel* waiting_;
   QLabel* connected_control_;
   QProgressBar* progress_;

@@ -57,6 +57,7 @@ void Main::create_objects() {
 tl::expected<void, FileError> Main::show_main_window() {
   window_ = std::make_unique<frmMdiNew>(general_);
   desk_.status = window_.get();
+  journal_->on_incomplete = [this](std::string_view text) { window_->warn(text); };
   accounts_ = std::make_unique<frmMain>(general_, desk_, symbols_, ports_.file_dialog, server_.make_client,
                                         server_.endpoint);
   desk_.accounts = accounts_.get();

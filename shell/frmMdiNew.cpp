@@ -28,6 +28,11 @@ void frmMdiNew::server_time(std::string_view text) {
   ++stamp_;
 }
 
+void frmMdiNew::warn(std::string_view text) {
+  warning_ = text;
+  ++stamp_;
+}
+
 void frmMdiNew::control_text(int id, std::string_view text) {
   const auto at = controls_.find(id);
   if (at == controls_.end()) return;

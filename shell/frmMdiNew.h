@@ -29,6 +29,9 @@ class frmMdiNew final : public StatusDesk, public Displayable {
   // The totals line, in the form of the event that changed it last. Made when asked for.
   std::string totals_pane() const { return totals_text(general_.totals, totals_form_); }
   const std::string& server_time_pane() const { return server_time_; }
+  // What the operator must not overlook for as long as the program runs; empty while there is nothing.
+  const std::string& warning_pane() const { return warning_; }
+  void warn(std::string_view text);
   // A control that does not exist is empty and not available.
   Control control(int id) const;
 
@@ -52,6 +55,7 @@ class frmMdiNew final : public StatusDesk, public Displayable {
   const MGeneral& general_;
   TotalsForm totals_form_ = TotalsForm::summaries_changed;
   std::string server_time_;
+  std::string warning_;
   std::map<int, Control> controls_;
   std::map<int, std::function<void()>> commands_;
   std::uint64_t stamp_ = 0;

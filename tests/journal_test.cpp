@@ -70,7 +70,25 @@ TEST_F(JournalTest, AMessageIsOneLineWhateverItHolds) {
   EXPECT_EQ(window->lvwJournal.row(0).text(2), "wrong\nserver*,%$tail");
   log("next", 7);
   journal->vID(7);
-  EXPECT_EQ(terminal.journal(), (Texts{" wrong server", " next"}));
+  EXPECT_EQ(terminal.journal(), (Texts{" wrong server*, %$tail", " next"}));
+  terminal.clock.advance(1s);
+  log("*,%$*,%$", 7);
+  EXPECT_TRUE(terminal.home->read("History/JN7.his").ends_with("00:00:01*,%$*, %$*, %$\n"));
+}
+
+TEST_F(JournalTest, LinesThatCannotBeWrittenAreToldOnce) {
+  Texts told;
+  terminal.main->general().outside = [&](std::string_view text) { told.emplace_back(text); };
+  std::filesystem::create_directories(terminal.home->path() / "History/JN7.his");
+  const frmMdiNew& status = terminal.main->window();
+  log("one", 8);
+  EXPECT_TRUE(told.empty() && status.warning_pane().empty());
+  for (int i = 0; i < 3; ++i)
+    log("two", 7);
+  ASSERT_EQ(told.size(), 1u);
+  EXPECT_NE(told[0].find("JN7.his"), std::string::npos) << told[0];
+  EXPECT_EQ(status.warning_pane(), told[0]);
+  EXPECT_EQ(terminal.journal().size(), 4u);
 }
 
 TEST_F(JournalTest, ClearFileForgetsTheHistoryOnShow) {

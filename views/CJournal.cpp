@@ -1,10 +1,15 @@
 #include "views/CJournal.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "core/texts.h"
+#include "core/line_reader.h"
 
 namespace tutti {
+
+namespace {
+constexpr std::string_view separator = "*,%$";
+}
 
 CJournal::CJournal(MGeneral& general, frmJournal& window)
     : general_(general), window_(window), files_(general.paths) {}
@@ -32,11 +37,35 @@ void CJournal::addToListView(std::string_view time, std::string_view message, st
 }
 
 void CJournal::append(std::string_view time, std::string_view message, std::int32_t id) {
-  // One entry is one line of the file.
-  std::string line = std::string{time} + separator_ + std::string{message};
+  std::string line{time};
+  line += separator;
+  const std::size_t behind_time = line.size();
+  line += message;
+  // One entry is one line of the file, and has one separator.
   std::replace(line.begin(), line.end(), '\n', ' ');
-  // Where even the journal can't be written, the row on the screen is what remains.
-  (void)files_.write_line(history_file(id), line, TextFile::Mode::append);
+  for (auto at = line.find(separator, behind_time); at != std::string::npos; at = line.find(separator, at))
+    line.insert(at + 2, 1, ' ');
+  const auto written = files_.write_line(history_file(id), line, TextFile::Mode::append);
+  if (written || std::exchange(incomplete_, true)) return;
+  // The rows on the screen are what remains.
+  const std::string text =
+      "The journal is not complete, its lines can't be written: " + written.error().text();
+  general_.tell_outside(text);
+  if (on_incomplete) on_incomplete(text);
+}
+
+tl::expected<void, FileError> CJournal::read(std::int32_t id, const Take& take) const {
+  const std::string name = FileName(id);
+  const auto there = files_.exists(name);
+  if (!there) return tl::unexpected(there.error());
+  if (!*there) return {};
+  return read_lines(general_.paths.file(name), [&take](std::string_view line) {
+    if (line.empty()) return;
+    const auto end = line.find(separator);
+    if (end == std::string_view::npos) return take(line, "");
+    const std::string_view rest = line.substr(end + separator.size());
+    take(line.substr(0, end), rest.substr(0, rest.find(separator)));
+  });
 }
 
 void CJournal::vID(std::int32_t id) {
@@ -51,13 +80,9 @@ void CJournal::vID(std::int32_t id) {
 
 void CJournal::reload() {
   ClearList();
-  const auto lines = files_.lines(FileName(id_));
-  if (!lines) return;
-  for (const std::string& line : *lines) {
-    if (line.empty()) continue;
-    const auto parts = split(line, separator_);
-    addToListView(parts[0], parts.size() > 1 ? parts[1] : "", id_);
-  }
+  const auto all = read(
+      id_, [this](std::string_view time, std::string_view message) { addToListView(time, message, id_); });
+  if (!all) addToListView(general_.now_text(), "The history can't be read: " + all.error().text(), id_);
 }
 
 void CJournal::ClearFile() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,12 @@ class CJournal final : public Journal, public Displayable {
   // Line of `id` with the time of this moment, and a row when it is the one on show.
   void Add(std::string_view message, std::int32_t id);
   void addToListView(std::string_view time, std::string_view message, std::int32_t id);
+  // The entries of a history, oldest first, whatever is on show; none when there is no file. A message that
+  // holds the separator is cut there.
+  using Take = std::function<void(std::string_view time, std::string_view message)>;
+  tl::expected<void, FileError> read(std::int32_t id, const Take& take) const;
+  // Runs when a line can't be written for the first time: from then on the files are not complete.
+  std::function<void(std::string_view text)> on_incomplete;
   // Identifier whose history is shown; -1 while live rows are.
   std::int32_t vID() const { return id_; }
   void vID(std::int32_t id);
@@ -42,7 +49,7 @@ class CJournal final : public Journal, public Displayable {
   frmJournal& window_;
   std::int32_t id_ = -1;
   TextFile files_;
-  std::string separator_ = "*,%$";
+  bool incomplete_ = false;
 };
 
 }  // namespace tutti

@@ -205,7 +205,7 @@ int main(int argc, char** argv) {
   if (close->parsed()) status = close_command(**terminal, rows);
   if (cancel->parsed()) status = cancel_command(**terminal, rows);
   if (verify->parsed()) status = verify_command(**terminal);
-  if (journal->parsed()) status = journal_command(**terminal, journal_account);
+  if (journal->parsed()) status = journal_command(**terminal, options.form, journal_account);
   show_messages(**terminal, prompt);
   return finish(**terminal, status);
 }
