@@ -17,31 +17,43 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr const char* lock_name = "tutti.lock";
+
 // What the holder wrote: its process number. Empty in the moment between its lock and its text.
 std::string holder_of(const fs::path& lock) {
   const auto text = read_file(lock);
   return text ? std::string{split(*text, "\n")[0]} : std::string{};
 }
 
+// Locks one of the two. A file system that can't lock a folder, as over a network, leaves it to the file.
+tl::expected<void, FileError> take_one(const Descriptor& what, const fs::path& home, bool is_folder) {
+  if (::flock(what.get(), LOCK_EX | LOCK_NB) == 0) return {};
+  const fs::path lock = home / lock_name;
+  if (errno != EWOULDBLOCK) {
+    if (is_folder) return {};
+    return tl::unexpected(system_failure(lock, errno));
+  }
+  const std::string holder = holder_of(lock);
+  return tl::unexpected(FileError{home, "another terminal is using this folder: process " +
+                                            (holder.empty() ? std::string{"unknown"} : holder)});
+}
+
 }  // namespace
 
 tl::expected<HomeLock, FileError> HomeLock::take(const fs::path& home) {
   if (auto made = make_private_folder(home); !made) return tl::unexpected(made.error());
-  const fs::path lock = home / "tutti.lock";
-  Descriptor file{::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)};
+  Descriptor folder{::open(home.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+  if (!folder.open()) return tl::unexpected(system_failure(home, errno));
+  if (auto taken = take_one(folder, home, true); !taken) return tl::unexpected(taken.error());
+  const fs::path lock = home / lock_name;
+  Descriptor file{::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)};
   if (!file.open()) return tl::unexpected(system_failure(lock, errno));
-  if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno != EWOULDBLOCK) return tl::unexpected(system_failure(lock, errno));
-    const std::string holder = holder_of(lock);
-    return tl::unexpected(
-        FileError{home, "another terminal is using this folder: process " +
-                            (holder.empty() ? std::string{"unknown, it is just starting"} : holder)});
-  }
+  if (auto taken = take_one(file, home, false); !taken) return tl::unexpected(taken.error());
   const std::string text = std::to_string(::getpid()) + "\n";
   if (::fchmod(file.get(), 0600) != 0 || ::ftruncate(file.get(), 0) != 0 || !file.write(text)) {
     return tl::unexpected(system_failure(lock, errno));
   }
-  return HomeLock{std::move(file)};
+  return HomeLock{std::move(folder), std::move(file)};
 }
 
 }  // namespace tutti

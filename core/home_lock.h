@@ -10,16 +10,18 @@
 namespace tutti {
 
 // Keeps a second terminal off an application folder while this object lives. Two on one folder would
-// overwrite each other's files. The operating system lets go of the lock when the process ends, however it
-// ends; the lock's file, which tells the process number, stays.
+// overwrite each other's files. The folder itself is locked, so that it does not matter what becomes of the
+// lock's file, which only tells the process number and stays. The operating system lets go of the lock when
+// the process ends, however it ends.
 class HomeLock {
  public:
   // Makes the folder when it is missing. The error names the process that has the folder.
   static tl::expected<HomeLock, FileError> take(const std::filesystem::path& home);
 
  private:
-  explicit HomeLock(Descriptor file) : file_(std::move(file)) {}
+  HomeLock(Descriptor folder, Descriptor file) : folder_(std::move(folder)), file_(std::move(file)) {}
 
+  Descriptor folder_;
   Descriptor file_;
 };
 

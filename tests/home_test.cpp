@@ -22,6 +22,7 @@
 #include "core/core_dumps.h"
 #include "core/descriptor.h"
 #include "core/home_lock.h"
+#include "core/standard_streams.h"
 #include "dealer_rig.h"
 #include "tests/support/test_terminal.h"
 
@@ -70,6 +71,9 @@ TEST(Home, HasOneTerminalAtATime) {
     const auto mine = HomeLock::take(home);
     ASSERT_TRUE(mine) << mine.error().text();
     EXPECT_TRUE(refusal().ends_with("process " + std::to_string(::getpid()))) << refusal();
+    fs::remove(home / "tutti.lock");
+    EXPECT_TRUE(refusal().ends_with("process unknown")) << refusal();
+    EXPECT_FALSE(fs::exists(home / "tutti.lock"));
   }
   EXPECT_EQ(refusal(), "");
 
@@ -193,6 +197,112 @@ TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
       {"symbol", "EURUSD"},   {"reference", nullptr},
       {"price", nullptr},     {"due", fmt::format("{:%F %T}", fmt::gmtime(due))}};
   EXPECT_EQ(printed["in_flight"][0], expected);
+}
+
+// What a start on a folder says on standard error; the terminal itself, or why there is none.
+struct Start {
+  explicit Start(const TemporaryFolder& folder, const char* accounts = "0") {
+    options.home = folder.path();
+    options.dealer_file = folder.path() / "dealer.toml";
+    folder.write("dealer.toml", std::string{"login_latency_ms = 0\nsample_accounts = "} + accounts + "\n");
+    ::testing::internal::CaptureStderr();
+    auto opened = Terminal::open(options, {prompt, sound, dialog});
+    said = ::testing::internal::GetCapturedStderr();
+    if (opened) terminal = std::move(*opened);
+    if (!opened) said = opened.error().text();
+  }
+  RecordingPrompt prompt;
+  RecordingSound sound;
+  FakeFileDialog dialog;
+  TerminalOptions options;
+  std::unique_ptr<Terminal> terminal;
+  std::string said;
+};
+
+TEST(Home, AListThatCannotBeLookedAtIsNotTakenForMissing) {
+  for (const char* list : {"savelvinfo.buf", "Acountinfo.buf"}) {
+    const TemporaryFolder folder;
+    folder.write("manage/other.buf", "");
+    fs::create_symlink(list, folder.path() / "manage" / list);
+    const Start start{folder};
+    EXPECT_FALSE(start.terminal);
+    EXPECT_NE(start.said.find(list), std::string::npos) << start.said;
+    EXPECT_TRUE(fs::is_symlink(folder.path() / "manage" / list));
+    EXPECT_EQ(std::distance(fs::directory_iterator{folder.path() / "manage"}, {}), 2);
+  }
+}
+
+TEST(Home, SkippedLinesAreToldAndCount) {
+  for (const bool skipped : {false, true}) {
+    const TemporaryFolder folder;
+    folder.write("manage/savelvinfo.buf",
+                 std::string{"ALDER,ALDER01,500100\n"} + (skipped ? "short,line\n" : ""));
+    const Start start{folder, "1"};
+    ASSERT_TRUE(start.terminal) << start.said;
+    EXPECT_EQ(start.said.find("lines 2 of savelvinfo.buf") != std::string::npos, skipped) << start.said;
+    for (const auto command : {&accounts_command, &verify_command}) {
+      ::testing::internal::CaptureStdout();
+      const int status = command(*start.terminal);
+      const std::string printed = ::testing::internal::GetCapturedStdout();
+      EXPECT_EQ(status, skipped ? exit_status::some_refused : exit_status::all_accepted) << printed;
+    }
+  }
+}
+
+TEST(Home, AHistoryIsPrintedAsItStands) {
+  const TemporaryFolder folder;
+  folder.write("History/JN5.his", "t1*,%$one \"x\"\nt2*,%$\xC3\xBC\xFF*,%$cut\n");
+  fs::create_directory(folder.path() / "History/JN7.his");
+  const Start start{folder};
+  ASSERT_TRUE(start.terminal) << start.said;
+  const std::string json = R"({
+  "journal": [
+    {
+      "account": 5,
+      "message": "one \"x\"",
+      "time": "t1"
+    },
+    {
+      "account": 5,
+      "message": ")"
+                           "\xC3\xBC\xEF\xBF\xBD"
+                           R"(",
+      "time": "t2"
+    }
+  ]
+}
+)";
+  const struct {
+    OutputForm form;
+    std::int32_t account;
+    int status;
+    std::string printed;
+  } cases[] = {{OutputForm::text, 5, 0, "t1  one \"x\"\nt2  \xC3\xBC\xFF\n"},
+               {OutputForm::text, 6, 0, "The journal has no entries of account 6\n"},
+               {OutputForm::text, 7, 3, ""},
+               {OutputForm::json, 5, 0, json},
+               {OutputForm::json, 6, 0, "{\n  \"journal\": []\n}\n"}};
+  for (const auto& [form, account, status, printed] : cases) {
+    ::testing::internal::CaptureStdout();
+    const int answered = journal_command(*start.terminal, form, account);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), printed);
+    EXPECT_EQ(answered, status);
+  }
+}
+
+TEST(StandardStreams, AreOpenBeforeAnyFile) {
+  const auto opens_well = [] {
+    const int all[] = {0, 1, 2};
+    for (const int fd : all)
+      ::close(fd);
+    open_standard_streams();
+    bool open = true;
+    for (const int fd : all)
+      open = open && ::fcntl(fd, F_GETFD) != -1;
+    const int next = ::open("/dev/null", O_RDONLY);
+    ::_exit(open && next > 2 && ::write(1, "x", 1) == 1 ? 0 : 1);
+  };
+  EXPECT_EXIT(opens_well(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(BrokerCard, HoldsWhatTheFilesHold) {

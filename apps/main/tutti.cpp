@@ -13,6 +13,7 @@
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/frmMsgBox.h"
+#include "core/standard_streams.h"
 #include "gui/desktop_file_dialog.h"
 #include "gui/desktop_prompt.h"
 #include "gui/desktop_sound.h"
@@ -75,6 +76,7 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
 }  // namespace
 
 int main(int argc, char** argv) {
+  open_standard_streams();
 #ifdef NDEBUG
   forbid_core_dumps();
 #endif

@@ -14,6 +14,7 @@
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/numbers.h"
+#include "core/standard_streams.h"
 #include "core/texts.h"
 
 namespace {
@@ -80,6 +81,7 @@ int finish(Terminal& terminal, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  open_standard_streams();
 #ifdef NDEBUG
   forbid_core_dumps();
 #endif
