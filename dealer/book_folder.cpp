@@ -22,13 +22,11 @@ constexpr std::uint64_t short_log = 256 * 1024;
 constexpr std::int64_t numbers_ahead = 1000;
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 
-// Nothing when there is no such file; whatever else keeps it from being read is an error.
+// Nothing when there is no such file.
 tl::expected<std::optional<std::string>, FileError> read_if_there(const fs::path& file) {
-  std::error_code error;
-  const bool there = fs::exists(fs::symlink_status(file, error));
-  if (error && error != std::errc::no_such_file_or_directory)
-    return tl::unexpected(FileError{file, error.message()});
-  if (!there) return std::nullopt;
+  const auto there = file_exists(file);
+  if (!there) return tl::unexpected(there.error());
+  if (!*there) return std::nullopt;
   auto content = read_file(file);
   if (!content) return tl::unexpected(content.error());
   return std::move(*content);
