@@ -84,7 +84,7 @@ Row* frmMain::mainClientListItem() const {
 }
 
 CClientAPIManager* frmMain::session_of(const Row& row) const {
-  return sessions_->Item(static_cast<int>(row.key().number()));
+  return sessions_->Item(row.key().number());
 }
 
 void frmMain::refreshsummery_Click(Row& row) {

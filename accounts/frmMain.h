@@ -81,6 +81,8 @@ class frmMain final : public AccountsDesk, public Displayable {
   Row* addToListView(std::string_view user, std::int32_t account, bool connected, std::string_view notes,
                      std::int32_t index);
   void refreshsummery_Click(Row& row);
+  // The same for the selected rows that are connected.
+  void refresh_summaries();
   // The row the operator stands on, else the selected one; nullptr when there is none.
   Row* mainClientListItem() const;
   // Refills the market watch from the current session.

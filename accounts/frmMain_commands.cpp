@@ -116,13 +116,14 @@ void frmMain::end_sessions() {
 void frmMain::LogoutClient(RowKey key) {
   Row* row = lvwClients.find(key);
   if (row == nullptr) return;
-  const auto number = static_cast<std::int32_t>(row->cell(Column::account).stored_number());
-  desk_.pending->remove_account(number);
-  if (CClientAPIManager* session = session_of(*row)) session->ClientAPIF().Logout();
+  CClientAPIManager* session = session_of(*row);
+  if (session == nullptr) return;
+  sessions_->windows().leave_pending(*session);
+  session->ClientAPIF().Logout();
   general_.play_sound("\\sounds\\Disconnect.wav");
   recolour(*row);
   row->clear_cells(Column::notes, Column::free_margin);
-  desk_.market_order->remove_account(number);
+  sessions_->windows().leave_market_order(*session);
   desk_.close_positions->refresh_symbols();
 }
 
@@ -134,6 +135,12 @@ void frmMain::MnuConnecte_Click() {
 void frmMain::MnuDisconnecte_Click() {
   for (Row* row : lvwClients.selected()) {
     if (row->reads(Column::state, "Connected")) LogoutClient(row->key());
+  }
+}
+
+void frmMain::refresh_summaries() {
+  for (Row* row : lvwClients.selected()) {
+    if (row->reads(Column::state, "Connected")) refreshsummery_Click(*row);
   }
 }
 
@@ -170,7 +177,7 @@ void frmMain::remove_rows(const std::vector<Row*>& rows) {
     if (session == nullptr) continue;
     gone.push_back(session);
     keys.push_back(session->duplicate_key());
-    desk_.pending->remove_account(session->account());
+    sessions_->windows().leave_pending(*session);
   }
   // From the last one up, so that few sessions stand behind the removed one.
   std::sort(gone.begin(), gone.end(), [](const auto* a, const auto* b) { return a->key() > b->key(); });

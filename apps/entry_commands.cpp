@@ -49,18 +49,17 @@ void retype(TextBox& box, const std::optional<std::string>& price) {
   if (*price != "none") box.type(*price);
 }
 
-// Opens the order or position in the entry order window, as a double-click on its row does; false when there
-// is none.
-bool open(Main& main, std::int64_t number) {
-  RowList& orders = main.pending().lvwPending;
-  RowList& positions = main.trade().lvwOpenPos;
-  if (Row* order = orders.find(order_key(number))) {
-    orders.activate(*order);
-    return true;
+// Opens the order or position in the entry order window, as a double-click on its row does. Answers how many
+// have the number; it opens none of several.
+std::size_t open(Main& main, std::int64_t number) {
+  for (RowList* list : {&main.pending().lvwPending, &main.trade().lvwOpenPos}) {
+    std::vector<Row*> rows;
+    for (Row& row : *list)
+      if (row.key().number() == number) rows.push_back(&row);
+    if (rows.size() == 1) list->activate(*rows.front());
+    if (!rows.empty()) return rows.size();
   }
-  Row* position = positions.find(ticket_key(number));
-  if (position != nullptr) positions.activate(*position);
-  return position != nullptr;
+  return 0;
 }
 
 }  // namespace
@@ -72,8 +71,9 @@ int entry_command(Terminal& terminal, const EntryArguments& arguments) {
 int modify_command(Terminal& terminal, const ModifyArguments& arguments) {
   terminal.log_in();
   frmlimitorder& form = terminal.main().entry_order();
-  if (!open(terminal.main(), arguments.number)) {
-    fmt::print(stderr, "No connected account has the order or ticket {}\n", arguments.number);
+  if (const std::size_t found = open(terminal.main(), arguments.number); found != 1) {
+    fmt::print(stderr, "{} has the order or ticket {}; nothing is changed\n",
+               found == 0 ? "No connected account" : "More than one account", arguments.number);
     return exit_status::usage;
   }
   const bool stops = form.mode() == frmlimitorder::edit_stops;

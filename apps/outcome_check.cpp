@@ -32,14 +32,13 @@ constexpr std::pair<std::string_view, std::string_view> told_outcomes[] = {
     {"Order number #", " Canceled successfully"},
     {"Updating SL/TP order #", "Succeeded"},
     {"Delete SLTP Order #", "Succeeded"},
+    {"Request SL/TP for #", ""},
     {"Entry Order ", " has been executed"},
     {"SL/TP request #", ""},
 };
 
 bool tells_an_outcome(const std::string& text) {
   if (text == "Succeeded") return true;
-  // A refusal goes on behind the number.
-  if (text.starts_with("Request SL/TP for #")) return text.find(' ', text.find('#')) == std::string::npos;
   return std::any_of(std::begin(told_outcomes), std::end(told_outcomes), [&](const auto& line) {
     return text.starts_with(line.first) && text.ends_with(line.second);
   });
@@ -87,6 +86,11 @@ void OutcomeCheck::expect(const Outcome& outcome) {
   } else if (outcome.kind != TradeKind::close && (outcome.told || outcome.result == result::succeeded)) {
     if (const std::string text = entry_answer(outcome, number); !text.empty())
       expect_line(outcome.account, {text});
+    // The answer to new stops tells a refusal's reason in a line of its own.
+    if (outcome.kind == TradeKind::set_stops && !outcome.updated) {
+      if (const auto text = result_texts::new_stops(outcome.result); !text.empty())
+        expect_line(outcome.account, {std::string{text}});
+    }
   }
 }
 
@@ -114,11 +118,10 @@ std::string OutcomeCheck::entry_answer(const Outcome& outcome, const std::string
       return std::string{result_texts::new_entry(code)};
     case TradeKind::update_entry:
       return result_texts::update_entry_line(outcome.number, code);
-    case TradeKind::set_stops: {
+    case TradeKind::set_stops:
       if (outcome.updated)
         return behind("Updating SL/TP order #" + number + " result #", result_texts::general(code));
-      return result_texts::new_stops_line(outcome.number, code);
-    }
+      return result_texts::new_stops_line(outcome.number);
     case TradeKind::cancel_entry:
       return behind("Order number #" + number, result_texts::delete_entry(code));
     case TradeKind::cancel_stops:

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <set>
@@ -61,9 +62,11 @@ void Verification::compare(std::int32_t account, const std::string& what, double
 }
 
 const TradingAccount* Verification::connected(std::int32_t account) const {
-  const CClientAPIManager* session = main_.accounts().sessions().by_account(account);
-  if (session == nullptr || session->ClientListItem() == nullptr) return nullptr;
-  const bool there = session->ClientListItem()->reads(frmMain::state, "Connected");
+  // One number may stand in several rows, under different user names.
+  const RowList& list = main_.accounts().lvwClients;
+  const bool there = std::any_of(list.begin(), list.end(), [&](const Row& row) {
+    return row.cell(frmMain::account).stored_number() == account && row.reads(frmMain::state, "Connected");
+  });
   return there ? server_.find_account(account) : nullptr;
 }
 
@@ -86,8 +89,9 @@ void Verification::check_totals() {
   Totals booked;
   int accounts = 0;
   for (const Row& row : main_.accounts().lvwClients) {
+    if (!row.reads(frmMain::state, "Connected")) continue;
     const auto number = static_cast<std::int32_t>(row.cell(frmMain::account).stored_number());
-    const TradingAccount* account = connected(number);
+    const TradingAccount* account = server_.find_account(number);
     if (account == nullptr) continue;
     check_account(row, *account);
     const AccountSummary s = account->summary();
@@ -108,20 +112,20 @@ void Verification::check_totals() {
 
 void Verification::check_positions() {
   const RowList& list = main_.trade().lvwOpenPos;
-  std::set<std::int64_t> booked_tickets;
+  tsl::robin_set<RowKey, RowKey::Hash> booked_keys;
   for (const TradingAccount& account : server_.accounts()) {
     const std::int32_t number = account.config().number;
     if (connected(number) == nullptr) continue;
     for (const auto& position : account.positions()) {
       const OpenPosition& booked = position.record;
-      booked_tickets.insert(booked.ticket);
+      const RowKey key = ticket_key(booked.ticket, number);
+      booked_keys.insert(key);
       const std::string what = fmt::format("position #{}", booked.ticket);
-      const Row* row = list.find(ticket_key(booked.ticket));
+      const Row* row = list.find(key);
       if (row == nullptr) {
         differ(number, what + " is not listed");
         continue;
       }
-      compare(number, what + " account", row->cell(frmTrade::account).stored_number(), number, 0.0);
       compare(number, what + " amount", row->cell(frmTrade::amount).stored_number(), booked.amount, 1e-9);
       compare(number, what + " open price", row->cell(frmTrade::open_price).stored_number(),
               booked.open_price, 1e-9);
@@ -139,7 +143,7 @@ void Verification::check_positions() {
     }
   }
   for (const Row& row : list) {
-    if (booked_tickets.contains(row.key().number())) continue;
+    if (booked_keys.contains(row.key())) continue;
     differ(static_cast<std::int32_t>(row.cell(frmTrade::account).stored_number()),
            fmt::format("position #{} is listed, but the server has none", row.key().number()));
   }
@@ -201,14 +205,15 @@ void Verification::compare_net(std::int32_t account, const std::string& of, cons
 
 void Verification::check_orders() {
   const RowList& list = main_.pending().lvwPending;
-  std::set<std::int64_t> booked_orders;
+  tsl::robin_set<RowKey, RowKey::Hash> booked_keys;
   for (const TradingAccount& account : server_.accounts()) {
     const std::int32_t number = account.config().number;
     if (connected(number) == nullptr) continue;
     for (const PendingOrder& booked : account.orders()) {
-      booked_orders.insert(booked.order);
+      const RowKey key = order_key(booked.order, number);
+      booked_keys.insert(key);
       const std::string what = fmt::format("order #{}", booked.order);
-      const Row* row = list.find(order_key(booked.order));
+      const Row* row = list.find(key);
       if (row == nullptr) {
         differ(number, what + " is not listed");
         continue;
@@ -226,7 +231,7 @@ void Verification::check_orders() {
     }
   }
   for (const Row& row : list) {
-    if (booked_orders.contains(row.key().number())) continue;
+    if (booked_keys.contains(row.key())) continue;
     differ(static_cast<std::int32_t>(row.cell(frmPending::account).stored_number()),
            fmt::format("order #{} is listed, but the server has none", row.key().number()));
   }

@@ -82,7 +82,7 @@ double OrderDriver::fan_out_floor() {
 }
 
 void OrderDriver::answer_orders() {
-  OrderReport report{.number = 1,
+  OrderReport report{.number = ++answered_,
                      .result = result::succeeded,
                      .state = order_state::executed,
                      .operation = operation::buy,

@@ -35,6 +35,7 @@ class OrderDriver {
   std::string symbol_;
   BenchTerminal terminal_;
   OrderFloor floor_;
+  std::int64_t answered_ = 0;  // number of the last order that was answered
 };
 
 }  // namespace tutti::bench

@@ -15,15 +15,16 @@ struct Totals {
   double margin_level = 0.0;
   double free_margin = 0.0;
 
-  // One value out, another in: what one account contributed to a sum over accounts.
+  // What one account contributed to a sum over accounts: the old values go out, then the new ones come in. In
+  // this order a large value that goes does not take the decimals of the one that comes with it.
   void replace(const Totals& old_part, const Totals& new_part) {
-    balance += new_part.balance - old_part.balance;
-    floating_pl += new_part.floating_pl - old_part.floating_pl;
-    credit += new_part.credit - old_part.credit;
-    equity += new_part.equity - old_part.equity;
-    used_margin += new_part.used_margin - old_part.used_margin;
-    margin_level += new_part.margin_level - old_part.margin_level;
-    free_margin += new_part.free_margin - old_part.free_margin;
+    balance = balance - old_part.balance + new_part.balance;
+    floating_pl = floating_pl - old_part.floating_pl + new_part.floating_pl;
+    credit = credit - old_part.credit + new_part.credit;
+    equity = equity - old_part.equity + new_part.equity;
+    used_margin = used_margin - old_part.used_margin + new_part.used_margin;
+    margin_level = margin_level - old_part.margin_level + new_part.margin_level;
+    free_margin = free_margin - old_part.free_margin + new_part.free_margin;
   }
 };
 

@@ -33,7 +33,8 @@ void DealerClient::Logout() {
 }
 
 bool DealerClient::LoggedIn() const {
-  return session_.link() == DealerSession::Link::on;
+  // A user may log in without owning the account number; he can't trade with it.
+  return session_.link() == DealerSession::Link::on && session_.account() != nullptr;
 }
 
 int DealerClient::SymbolCount() const {

@@ -137,6 +137,12 @@ void FrmMdiNewWindow::make_accounts_menu() {
                      ctrl_shift | Qt::Key_F6,
                      [this] { main_.sure().GeneralQuestionMsg("Logout All"); },
                      {.pane = pane, .available = any}});
+  command(accounts, {u"refresh_summaries"_s,
+                     u"Refresh &summaries"_s,
+                     harmless,
+                     Qt::CTRL | Qt::Key_R,
+                     [&form] { form.refresh_summaries(); },
+                     {.pane = pane, .available = selected}});
   accounts.addSeparator();
   command(accounts, {u"find_account"_s,
                      u"&Find account"_s,
@@ -415,7 +421,8 @@ void FrmMdiNewWindow::add_context_menus() {
     for (const QString& name : {QStringLiteral("copy"), QStringLiteral("export")})
       list.addAction(commands_.find(name));
   };
-  fill(accounts_->list(), {"connect", "connect_all", "disconnect", "edit", "notes", "remove", "history"});
+  fill(accounts_->list(),
+       {"connect", "connect_all", "disconnect", "refresh_summaries", "edit", "notes", "remove", "history"});
   fill(market_order_->list(), {"tick_all", "distribute"});
   fill(entry_order_->list(), {"tick_all_entry", "distribute_entry"});
   fill(trade_->list(), {"edit_stops", "close_selected"});

@@ -1,13 +1,33 @@
 #include "orders/close_helper.h"
 
+#include "accounts/frmMain.h"
 #include "core/numbers.h"
 
 namespace tutti {
+namespace {
+
+// "row 01 BOB"
+std::string row_name(const CClientAPIManager& session) {
+  const Row* row = session.ClientListItem();
+  return row == nullptr ? session.user()
+                        : "row " + row->text(frmMain::index) + " " + row->text(frmMain::user_name);
+}
+
+}  // namespace
 
 void CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account) {
   CClientAPIManager* session = sessions_.by_account(account);
   if (session == nullptr) return;
   const std::string position = "Unable to close position #" + std::to_string(ticket);
+  if (!session->ClientAPIF().LoggedIn()) {
+    if (const CClientAPIManager* other = sessions_.logged_in(account)) {
+      return report(position + ", account " + std::to_string(account) + ": " + row_name(*session) +
+                        " of the accounts list is not logged in, only " + row_name(*other) +
+                        " is. Closes go by the first row of an account number: log that one in or remove "
+                        "it, then close again",
+                    account);
+    }
+  }
   switch (session->close_position(ticket, amount)) {
     case request::no_privilege:
       report(position + ", account " + std::to_string(account) + " does not have privilege", account);

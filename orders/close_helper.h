@@ -16,7 +16,9 @@ class CloseHelper {
  public:
   CloseHelper(MGeneral& general, CClientAPIManagers& sessions) : general_(general), sessions_(sessions) {}
 
-  // `amount` in lots. Nothing happens when no session has the account.
+  // `amount` in lots. The first session of the account number sends it. When that one is not logged in while
+  // another one of the number is, nothing is sent, and the operator is told which row to log in. Nothing
+  // happens when no session has the account.
   void close(std::int64_t ticket, double amount, std::int32_t account);
 
  private:

@@ -52,8 +52,7 @@ void frmClosePos::Displayed(bool displayed) {
   const std::vector<frmTrade::Close> marks = marked_positions();
   rebuild();
   for (const frmTrade::Close& position : marks) {
-    Row* row = searchpos(position.ticket);
-    if (row != nullptr && account_above(*row) == position.account) mark(*row, true);
+    if (Row* row = searchpos(position.ticket, position.account)) mark(*row, true);
   }
   // Positions that came meanwhile are not marked.
   const auto positions = std::count_if(MSH.begin(), MSH.end(), is_position);
@@ -111,7 +110,7 @@ std::vector<frmClosePos::Wanted> frmClosePos::wanted() const {
   tsl::robin_map<std::int32_t, std::size_t> group_of;
   for (const Row& open : trade_.lvwOpenPos) {
     if (!open.reads(frmTrade::symbol, symbol_name_)) continue;
-    const auto number = static_cast<std::int32_t>(open.cell(frmTrade::account).stored_number());
+    const std::int32_t number = open.key().account();
     const auto [at, is_new] = group_of.emplace(number, groups.size());
     if (is_new) groups.push_back({number, {}});
     groups[at->second].positions.push_back(&open);
@@ -147,17 +146,13 @@ Row& frmClosePos::add_client(std::int32_t number) {
 
 void frmClosePos::Add(const OpenPosition& position) {
   if (!displayed_ || position.symbol != symbol_name_) return;
-  if (const Row* open = trade_.lvwOpenPos.find(ticket_key(position.ticket))) add_row(*open);
+  const Row* open = trade_.lvwOpenPos.find(ticket_key(position.ticket, position.account));
+  if (open != nullptr) add_row(*open);
 }
 
 void frmClosePos::add_row(const Row& open) {
-  const auto number = static_cast<std::int32_t>(open.cell(frmTrade::account).stored_number());
+  const std::int32_t number = open.key().account();
   Row* row = MSH.find(open.key());
-  if (row != nullptr && account_above(*row) != number) {
-    // The list has taken this ticket over for another account, and would close it there.
-    Remove(ticket_of(*row));
-    row = nullptr;
-  }
   if (row == nullptr) {
     if (!connected(number)) return;
     row = MSH.insert(MSH.index_of(add_client(number)) + 1, open.key());
@@ -210,15 +205,15 @@ void frmClosePos::prices(SymbolHandle handle, const Symbol& symbol) {
   if (symbol.ask != ask_ || symbol.bid != bid_ || overwritten_) RefreshPrice(symbol.ask, symbol.bid);
 }
 
-void frmClosePos::position_closed(std::int64_t ticket) {
-  answers_.erase(ticket);
-  if (displayed_) Remove(ticket);
+void frmClosePos::position_closed(std::int64_t ticket, std::int32_t number) {
+  answers_.erase(ticket_key(ticket, number));
+  if (displayed_) Remove(ticket, number);
 }
 
-void frmClosePos::Remove(std::int64_t ticket) {
-  Row* row = searchpos(ticket);
+void frmClosePos::Remove(std::int64_t ticket, std::int32_t number) {
+  Row* row = searchpos(ticket, number);
   if (row == nullptr) return;
-  Row* above = get_index(account_above(*row));
+  Row* above = get_index(number);
   MSH.remove(*row);
   if (above != nullptr) remove_if_empty(*above);
 }
@@ -231,8 +226,7 @@ void frmClosePos::remove_if_empty(Row& above) {
 void frmClosePos::add_account(std::int32_t number) {
   if (!displayed_ || symbol_name_.empty()) return;
   for (const Row& open : trade_.lvwOpenPos) {
-    if (open.cell(frmTrade::account).stored_number() == number && open.reads(frmTrade::symbol, symbol_name_))
-      add_row(open);
+    if (open.key().account() == number && open.reads(frmTrade::symbol, symbol_name_)) add_row(open);
   }
   if (Row* row = get_index(number)) remove_if_empty(*row);
 }
@@ -240,11 +234,20 @@ void frmClosePos::add_account(std::int32_t number) {
 void frmClosePos::remove_account(std::int32_t number) {
   Row* above = displayed_ ? get_index(number) : nullptr;
   if (above == nullptr) return;
-  for (Row* position : positions_of(*above))
-    MSH.remove(*position);
+  for (Row* position : positions_of(*above)) {
+    if (trade_.lvwOpenPos.find(position->key()) == nullptr) MSH.remove(*position);
+  }
+  // Another session may have the account connected.
+  if (connected(number)) return remove_if_empty(*above);
   above->set_text(Column::status, logged_out_state_);
   // One that has left the accounts list leaves this one, too.
-  if (accounts_list_.sessions().by_account(number) == nullptr) MSH.remove(*above);
+  if (accounts_list_.sessions().by_account(number) == nullptr) take_out(*above);
+}
+
+void frmClosePos::take_out(Row& above) {
+  for (Row* position : positions_of(above))
+    MSH.remove(*position);
+  MSH.remove(above);
 }
 
 void frmClosePos::account_state(std::int32_t number, std::string_view state) {
@@ -252,8 +255,7 @@ void frmClosePos::account_state(std::int32_t number, std::string_view state) {
   // Another session may have the account connected.
   if (row == nullptr || (state != connected_state && connected(number))) return;
   if (state == invalid_state) {
-    remove_account(number);
-    if (Row* left = get_index(number)) MSH.remove(*left);
+    take_out(*row);
   } else {
     row->set_text(Column::status, state);
   }
@@ -267,9 +269,9 @@ void frmClosePos::refresh_symbols() {
   if (chosen && CloseSymbols.text().empty()) CloseSymbols_Click();
 }
 
-void frmClosePos::result(std::int64_t ticket, std::string_view text) {
-  answers_[ticket] = text;
-  if (Row* row = searchpos(ticket)) write_action(*row, text);
+void frmClosePos::result(std::int64_t ticket, std::int32_t number, std::string_view text) {
+  answers_[ticket_key(ticket, number)] = text;
+  if (Row* row = searchpos(ticket, number)) write_action(*row, text);
 }
 
 }  // namespace tutti

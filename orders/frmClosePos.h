@@ -28,8 +28,8 @@ namespace tutti {
 // closes them at the market, each one whole, on its own account's connection.
 //
 // The grid has two kinds of rows: an account, keyed "C" and its number, and right below it its positions,
-// keyed "T" and the ticket, the one that came last on top. While the window is hidden the grid stands still;
-// showing it brings it up to date, and the marks of the positions that are still there stay.
+// keyed "T", the ticket and the account, the one that came last on top. While the window is hidden the grid
+// stands still; showing it brings it up to date, and the marks of the positions that are still there stay.
 class frmClosePos final : public ClosePositionsDesk {
  public:
   enum Column : std::size_t { account, status, amount, action };
@@ -63,10 +63,12 @@ class frmClosePos final : public ClosePositionsDesk {
   // Row of a connected account, made at the end of the grid when it has none.
   Row& add_client(std::int32_t account);
   // Takes a position out, and its account's row when that has none left.
-  void Remove(std::int64_t ticket);
+  void Remove(std::int64_t ticket, std::int32_t account);
   // nullptr when the grid has no such row.
   Row* get_index(std::int32_t account) const { return MSH.find(client_key(account)); }
-  Row* searchpos(std::int64_t ticket) const { return MSH.find(ticket_key(ticket)); }
+  Row* searchpos(std::int64_t ticket, std::int32_t account) const {
+    return MSH.find(ticket_key(ticket, account));
+  }
   // Each position shows the price of its own side: a Buy the ask, a Sell the bid.
   void RefreshPrice(double ask, double bid);
 
@@ -93,7 +95,7 @@ class frmClosePos final : public ClosePositionsDesk {
   std::function<void()> show;
   std::function<void(const Row&)> reveal;
 
-  static bool is_position(const Row& row) { return row.key().prefix() == ticket_key(0).prefix(); }
+  static bool is_position(const Row& row) { return row.key().prefix() == ticket_key(0, 0).prefix(); }
   static bool marked(const Row& row) { return row.cell(Column::status).ground() == marked_ground; }
   std::size_t marked_count() const;
   // What became of the last close request for a row's position, and what the server said of one that was
@@ -111,9 +113,9 @@ class frmClosePos final : public ClosePositionsDesk {
   void account_state(std::int32_t account, std::string_view state) override;
   void refresh_symbols() override;
   void position_opened(const OpenPosition& position) override { Add(position); }
-  void position_closed(std::int64_t ticket) override;
+  void position_closed(std::int64_t ticket, std::int32_t account) override;
   void prices(SymbolHandle handle, const Symbol& symbol) override;
-  void result(std::int64_t ticket, std::string_view text) override;
+  void result(std::int64_t ticket, std::int32_t account, std::string_view text) override;
 
  private:
   // What a row is, by its texts; kept in the row so that a price need not read them.
@@ -136,15 +138,15 @@ class frmClosePos final : public ClosePositionsDesk {
   void write_action(Row& row, std::string_view text);
   void add_row(const Row& open);
   void remove_if_empty(Row& account);
+  void take_out(Row& account);
 
   // frmClosePos_close.cpp
   std::vector<Row*> positions_of(const Row& account);
   static void mark(Row& row, bool marked);
   std::vector<frmTrade::Close> marked_positions() const;
   static std::int64_t ticket_of(const Row& row);
-  std::int32_t account_above(const Row& row) const;
   void send(const std::vector<frmTrade::Close>& positions);
-  const SentOrder* close_request(std::int64_t ticket, std::int32_t account) const;
+  const SentOrder* close_request(RowKey position) const;
   void take_block();
 
   MGeneral& general_;
@@ -159,12 +161,12 @@ class frmClosePos final : public ClosePositionsDesk {
   SymbolHandle symbol_ = no_symbol;  // the one the grid is of
   double ask_ = 0.0;                 // that came since the grid is of it, 0 until one does
   double bid_ = 0.0;
-  bool overwritten_ = false;                           // something else stands where the price did
-  std::uint64_t names_stamp_ = ~std::uint64_t{0};      // of the symbols that are offered
-  std::deque<PositionBlock> blocks_;                   // that wait
-  std::vector<frmTrade::Close> sent_;                  // with the last close and not settled yet
-  OrderAnswers settled_;                               // the others of the last close
-  tsl::robin_map<std::int64_t, std::string> answers_;  // last results of closes, by ticket
+  bool overwritten_ = false;                                   // something else stands where the price did
+  std::uint64_t names_stamp_ = ~std::uint64_t{0};              // of the symbols that are offered
+  std::deque<PositionBlock> blocks_;                           // that wait
+  std::vector<frmTrade::Close> sent_;                          // with the last close and not settled yet
+  OrderAnswers settled_;                                       // the others of the last close
+  tsl::robin_map<RowKey, std::string, RowKey::Hash> answers_;  // last results of closes, by position
 };
 
 }  // namespace tutti

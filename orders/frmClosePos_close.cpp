@@ -27,13 +27,6 @@ std::vector<Row*> frmClosePos::positions_of(const Row& above) {
   return out;
 }
 
-std::int32_t frmClosePos::account_above(const Row& row) const {
-  std::size_t at = MSH.index_of(row);
-  while (at > 0 && is_position(MSH.row(at)))
-    --at;
-  return static_cast<std::int32_t>(MSH.row(at).key().number());
-}
-
 void frmClosePos::click(Row& row, std::size_t column) {
   if (is_position(row) && row.reads(column, "Close")) return close_single(row);
   toggle({&row});
@@ -109,7 +102,7 @@ void frmClosePos::closepos() {
 }
 
 void frmClosePos::close_single(const Row& row) {
-  const frmTrade::Close position{ticket_of(row), row.cell(Column::amount).number(), account_above(row)};
+  const frmTrade::Close position{ticket_of(row), row.cell(Column::amount).number(), row.key().account()};
   question_box_.Show(single_question,
                      std::string{"Are you sure you want to close selected postion at current market price?"},
                      trade_.about({position}), position.ticket, std::int64_t{position.account});
@@ -119,48 +112,49 @@ void frmClosePos::closepos1() {
   // Events went on while the question stood.
   const auto* ticket = std::get_if<std::int64_t>(&question_box_.value(3));
   const auto* number = std::get_if<std::int64_t>(&question_box_.value(4));
-  Row* row = ticket == nullptr || number == nullptr ? nullptr : searchpos(*ticket);
-  if (row == nullptr || account_above(*row) != *number) return general_.message_box(nothing_marked);
+  Row* row = ticket == nullptr || number == nullptr ? nullptr
+                                                    : searchpos(*ticket, static_cast<std::int32_t>(*number));
+  if (row == nullptr) return general_.message_box(nothing_marked);
   mark(*row, true);
-  send({{*ticket, row->cell(Column::amount).number(), account_above(*row)}});
+  send({{*ticket, row->cell(Column::amount).number(), row->key().account()}});
 }
 
 void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
   sent_ = positions;
   settled_ = {};
   for (const frmTrade::Close& position : positions) {
-    answers_.erase(position.ticket);
+    answers_.erase(ticket_key(position.ticket, position.account));
     if (close_helper) close_helper(position);
-    if (Row* row = searchpos(position.ticket)) write_action(*row, waiting_text);
+    if (Row* row = searchpos(position.ticket, position.account)) write_action(*row, waiting_text);
   }
 }
 
-const SentOrder* frmClosePos::close_request(std::int64_t ticket, std::int32_t number) const {
-  const CClientAPIManager* session = accounts_list_.sessions().by_account(number);
-  return session == nullptr ? nullptr : session->sent_request(RequestKind::close, ticket);
+const SentOrder* frmClosePos::close_request(RowKey position) const {
+  const CClientAPIManager* session = accounts_list_.sessions().by_account(position.account());
+  return session == nullptr ? nullptr : session->sent_request(RequestKind::close, position.number());
 }
 
 OrderAnswer frmClosePos::answer_of(const Row& row) const {
   if (!is_position(row)) return OrderAnswer::none;
-  const SentOrder* sent = close_request(row.key().number(), account_above(row));
+  const SentOrder* sent = close_request(row.key());
   return sent == nullptr ? OrderAnswer::none : answer_from(sent->outcome);
 }
 
 std::string_view frmClosePos::answer_text(const Row& row) const {
   if (!is_position(row)) return {};
-  const SentOrder* sent = close_request(row.key().number(), account_above(row));
+  const SentOrder* sent = close_request(row.key());
   if (sent == nullptr) return {};
   const OrderAnswer answer = answer_from(sent->outcome);
   if (answer != OrderAnswer::refused && answer != OrderAnswer::waiting) return {};
   if (sent->request_code != request::taken) return request::text(sent->request_code);
-  const auto at = answers_.find(row.key().number());
+  const auto at = answers_.find(row.key());
   return at == answers_.end() ? std::string_view{} : at->second;
 }
 
 OrderAnswers frmClosePos::answers() {
   OrderAnswers open;
   std::erase_if(sent_, [&](const frmTrade::Close& position) {
-    const SentOrder* sent = close_request(position.ticket, position.account);
+    const SentOrder* sent = close_request(ticket_key(position.ticket, position.account));
     const OrderAnswer answer = sent == nullptr ? OrderAnswer::unknown : answer_from(sent->outcome);
     const bool settled = answer == OrderAnswer::accepted || answer == OrderAnswer::refused;
     (settled ? settled_ : open).count(answer);

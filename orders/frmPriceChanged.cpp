@@ -6,6 +6,13 @@ namespace tutti {
 namespace {
 constexpr std::string_view accepted_word = " Accepted";
 constexpr std::string_view rejected_word = " rejected";
+
+// A row of the pending orders view that is of a new market order, not of a close.
+bool is_new_order(const Row& row) {
+  const std::string type = row.text(frmPending::type);
+  return type == "Buy" || type == "Sell" || type == "New";
+}
+
 }  // namespace
 
 frmPriceChanged::frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending)
@@ -15,7 +22,7 @@ frmPriceChanged::frmPriceChanged(MGeneral& general, frmorder& market_order, frmP
 }
 
 void frmPriceChanged::tick(CClientAPIManager& session, const Requote& requote) {
-  SetData(session, requote.order, requote.account, requote.operation, requote.amount, requote.symbol,
+  SetData(session, requote.order, session.account(), requote.operation, requote.amount, requote.symbol,
           requote.price, requote.new_price, requote.seconds_left, requote.seconds_all);
 }
 
@@ -38,6 +45,11 @@ void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, st
     Displayed(true);
   }
   caption_ = std::to_string(seconds_left) + " / " + std::to_string(seconds_all);
+  const Row* pending_row = pending_.lvwPending.find(order_key(order, account));
+  if (pending_row != nullptr && is_new_order(*pending_row)) {
+    market_order_.show_requote(
+        account, "Requote " + number_text(new_price) + ", " + std::to_string(seconds_left) + " s");
+  }
   if (first_tick) general_.play_sound("\\sounds\\PriceChanged.wav");
   if (seconds_left > 0) return;
 
@@ -86,33 +98,37 @@ void frmPriceChanged::hide() {
 }
 
 bool frmPriceChanged::settle(std::int64_t order, std::int32_t account, std::string_view word) {
-  Row* pending_row = pending_.lvwPending.find(order_key(order));
+  market_order_.end_requote(account);
+  Row* pending_row = pending_.lvwPending.find(order_key(order, account));
   if (pending_row == nullptr) return false;
-  const std::string type = pending_row->text(frmPending::type);
+  const bool new_order = is_new_order(*pending_row);
   pending_.Remove(*pending_row);
-  if (type != "Buy" && type != "Sell" && type != "New") return false;
+  if (!new_order) return false;
   const Row* row = market_order_.account_row(account);
   if (row == nullptr || !row->checked()) return false;
   market_order_.UpdateResult("Order number " + std::to_string(order) + std::string{word}, account);
   return true;
 }
 
-void frmPriceChanged::forget_if_held(std::int64_t order) {
-  if (order == order_) hide();
+void frmPriceChanged::forget_if_held(std::int64_t order, std::int32_t account) {
+  if (order == order_ && account == account_) hide();
+  // It may have counted down behind the one on show.
+  market_order_.end_requote(account);
 }
 
-void frmPriceChanged::API_MarketOrderAccepted(const OrderReport& report) {
-  forget_if_held(report.number);
-  pending_.MarketOrderAccepted(report.number);
+void frmPriceChanged::API_MarketOrderAccepted(std::int64_t order, std::int32_t account) {
+  forget_if_held(order, account);
+  pending_.MarketOrderAccepted(order, account);
 }
 
-void frmPriceChanged::API_MarketOrderRejected(const OrderReport& report) {
-  forget_if_held(report.number);
-  pending_.MarketOrderRejected(report.number);
+void frmPriceChanged::API_MarketOrderRejected(std::int64_t order, std::int32_t account) {
+  forget_if_held(order, account);
+  pending_.MarketOrderRejected(order, account);
 }
 
 void frmPriceChanged::session_gone(const CClientAPIManager& session) {
   if (&session == session_) hide();
+  market_order_.end_requote(session.account());
   std::erase_if(answered_, [&](const Id& id) { return id.first == &session; });
 }
 

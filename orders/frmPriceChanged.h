@@ -53,13 +53,17 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   bool buttons_dead() const;
 
   // The session's events, passed on to the pending orders view.
-  void API_MarketOrderAccepted(const OrderReport& report);
-  void API_MarketOrderRejected(const OrderReport& report);
+  void API_MarketOrderAccepted(std::int64_t order, std::int32_t account);
+  void API_MarketOrderRejected(std::int64_t order, std::int32_t account);
 
   // RequoteDesk
   void tick(CClientAPIManager& session, const Requote& requote) override;
-  void order_accepted(const OrderReport& report) override { API_MarketOrderAccepted(report); }
-  void order_rejected(const OrderReport& report) override { API_MarketOrderRejected(report); }
+  void order_accepted(std::int64_t order, std::int32_t account) override {
+    API_MarketOrderAccepted(order, account);
+  }
+  void order_rejected(std::int64_t order, std::int32_t account) override {
+    API_MarketOrderRejected(order, account);
+  }
   void session_gone(const CClientAPIManager& session) override;
 
  private:
@@ -69,7 +73,7 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   // Settles the order's rows; true when the account's row in the market order window was written.
   bool settle(std::int64_t order, std::int32_t account, std::string_view word);
   void hide();
-  void forget_if_held(std::int64_t order);
+  void forget_if_held(std::int64_t order, std::int32_t account);
 
   MGeneral& general_;
   frmorder& market_order_;

@@ -6,6 +6,7 @@
 #include "core/texts.h"
 #include "orders/frmlimitorder.h"
 #include "orders/symbol_choice.h"
+#include "sessions/result_texts.h"
 
 namespace tutti {
 
@@ -161,6 +162,10 @@ void frmlimitorder::request_settled(const SentOrder& order, std::int32_t number)
   if (order.round == round_ && at != answers_.end()) at->second = answer_from(order.outcome);
   Row* row = rows_.find(number);
   if (row == nullptr) return;
+  // Of an update some refusals say nothing.
+  if (order.kind == RequestKind::update && order.outcome == SentOrder::Outcome::refused &&
+      result_texts::update_entry(order.result_code).empty())
+    return addNote(*row, "");
   // Handlers that have a text of their own write it over this one.
   addNote(*row, order.outcome == SentOrder::Outcome::unknown
                     ? "unknown"

@@ -49,6 +49,7 @@ frmorder::frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& 
   lvwConClients.on_tick = [this](Row& row) {
     row.data<RowData>().wanted = row.checked();
     rows_.ticked(row);
+    if (!row.checked()) put_back(row);
   };
   chkAllClients.on_click = [this] { chkAllClients_Click(); };
   LblCheck.on_click = [this] { LblCheck_Click(); };
@@ -84,6 +85,28 @@ void frmorder::Remove(std::int32_t number) {
 
 void frmorder::addNote(Row& row, std::string_view text) {
   row.set_text(Column::result_text, text);
+}
+
+void frmorder::show_requote(std::int32_t number, std::string_view text) {
+  Row* row = rows_.find(number);
+  if (row == nullptr) return;
+  if (!row->checked()) return put_back(*row);
+  auto& data = row->data<RowData>();
+  if (data.requote.empty() || !row->reads(Column::result_text, data.requote))
+    data.before_requote = row->text(Column::result_text);
+  data.requote = text;
+  addNote(*row, text);
+}
+
+void frmorder::end_requote(std::int32_t number) {
+  if (Row* row = rows_.find(number)) put_back(*row);
+}
+
+void frmorder::put_back(Row& row) {
+  auto& data = row.data<RowData>();
+  if (data.requote.empty()) return;
+  if (row.reads(Column::result_text, data.requote)) row.set_text(Column::result_text, data.before_requote);
+  data.requote.clear();
 }
 
 void frmorder::Enableds(bool distribute) {

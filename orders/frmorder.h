@@ -50,6 +50,10 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   void updateAmount(std::int32_t account, double amount, RowKey key) override;
   void Remove(std::int32_t account);
   void addNote(Row& row, std::string_view text);
+  // A requote of the account's order counts down: its text stands in the Result of the ticked row, until an
+  // outcome is written there. When it ends without one, what stood there before comes back.
+  void show_requote(std::int32_t account, std::string_view text);
+  void end_requote(std::int32_t account);
   const std::string& ColumnWidthsPer() const { return column_widths_; }
   void ColumnWidthsPer(std::string widths);
 
@@ -130,7 +134,11 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
     // The operator ticked the row, or pressed a button with it ticked. If it is not ticked all the same, the
     // account was refused.
     bool wanted = false;
+    // Text of a requote, and what it stands in for.
+    std::string requote;
+    std::string before_requote;
   };
+  static void put_back(Row& row);
 
   MGeneral& general_;
   frmMain& accounts_list_;

@@ -41,11 +41,12 @@ void carry_on(MGeneral& general, std::int32_t account, Statement&& statement) {
 }  // namespace
 
 CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const LoginData& login,
-                                     MGeneral& general, Desk& desk, SymbolCollection& symbols,
-                                     CLoginOptions& options)
+                                     MGeneral& general, Desk& desk, const AccountWindows& windows,
+                                     SymbolCollection& symbols, CLoginOptions& options)
     : client_(std::move(client)),
       general_(general),
       desk_(desk),
+      windows_(windows),
       symbols_(symbols),
       options_(options),
       account_(login.account),
@@ -114,7 +115,8 @@ void CClientAPIManager::ConnectionState(bool connected) {
   carry_on(general_, account_, [&] { release_totals(); });
   carry_on(general_, account_, [&] { journal_unanswered(); });
   carry_on(general_, account_, [&] {
-    if (std::exchange(lists_account_, false)) desk_.remove_account(account_);
+    if (lists_account_) windows_.leave(*this);
+    lists_account_ = false;
     desk_.close_positions->account_state(account_, "Disconnected");
   });
   carry_on(general_, account_, [&] { desk_.requote->session_gone(*this); });
@@ -171,7 +173,7 @@ void CClientAPIManager::AllDataAreLoaded() {
       row_->set_text(column_state, "Invalid account", Ink::red);
     }
     desk_.close_positions->account_state(account_, "Invalid account");
-    desk_.pending->remove_account(account_);
+    windows_.leave_pending(*this);
     log(std::to_string(account_) + " is invalid account");
     DisInvalidAcc(std::to_string(key_));
   } else {

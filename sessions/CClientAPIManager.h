@@ -10,10 +10,12 @@
 
 #include "core/MGeneral.h"
 #include "sessions/CLoginOptions.h"
+#include "sessions/account_windows.h"
 #include "sessions/contract/ClientAPI.h"
 #include "sessions/desk.h"
 #include "sessions/sent_order.h"
 #include "sessions/symbol_collection.h"
+#include "sessions/symbol_ids.h"
 
 namespace tutti {
 
@@ -24,7 +26,7 @@ namespace tutti {
 class CClientAPIManager final : public CLAPICLASS {
  public:
   CClientAPIManager(std::unique_ptr<ClientAPI> client, const LoginData& login, MGeneral& general, Desk& desk,
-                    SymbolCollection& symbols, CLoginOptions& options);
+                    const AccountWindows& windows, SymbolCollection& symbols, CLoginOptions& options);
   ~CClientAPIManager() override;
   CClientAPIManager(const CClientAPIManager&) = delete;
   CClientAPIManager& operator=(const CClientAPIManager&) = delete;
@@ -66,10 +68,7 @@ class CClientAPIManager final : public CLAPICLASS {
 
   // Identifier of a symbol for this account's order calls; 0 when the account does not carry it.
   std::int32_t GetIDByName(std::string_view symbol) const { return symbol_id(symbols_.find(symbol)); }
-  std::int32_t symbol_id(SymbolHandle symbol) const {
-    const auto at = static_cast<std::size_t>(symbol);
-    return symbol >= 0 && at < ids_.size() ? ids_[at] : 0;
-  }
+  std::int32_t symbol_id(SymbolHandle symbol) const { return symbol_ids_.id_of(symbol); }
   // Refills the market watch from this account's symbols.
   void LoadMWPprices();
   // Takes one symbol out of the application's symbol collection.
@@ -155,52 +154,60 @@ class CClientAPIManager final : public CLAPICLASS {
   void log(std::string_view text) { general_.log(text, account_); }
   // Journals that a record of the library is ignored for the values in it, once while the connection stands.
   void refuse(const std::string& what);
+  void refuse_symbol(const Symbol& symbol);
   // Keeps the text as the application's last message and shows it under the default caption.
   void tell(const std::string& text);
   // The same text to the journal and to the pending orders view.
   void log_order(std::int64_t order, std::string_view text);
   bool row_connected() const { return row_ != nullptr && row_->reads(2, "Connected"); }
-  SymbolHandle handle_of(const Symbol& symbol) const;
   void refresh_pending(std::int64_t order);
   void refresh_position(std::int64_t ticket);
   // New orders: the last one sent, behind those that are not settled; oldest first.
   using NewOrders = std::vector<SentOrder>;
   static void note_new(NewOrders& orders, const SentOrder& order);
   static const SentOrder& last_of(const NewOrders& orders);
-  // What became of the order that is meant: the one with the number, else the oldest that was sent so.
-  void settle_order(const OrderReport& report, SentOrder::Outcome outcome);
-  void settle_entry(std::int64_t order, std::int32_t result);
-  void settle_placed(std::int64_t order);
+  // What became of the order or request that is meant. Each answers false when none is: it was not sent from
+  // here, or it is settled. Such an answer is journaled, and what the account has is read again.
+  bool settle_order(const OrderReport& report, SentOrder::Outcome outcome);
+  // The same for the first answer to an order, which tells its number.
+  bool settle_new_order(const OrderReport& report, SentOrder::Outcome outcome);
+  bool settle_entry(std::int64_t order, std::int32_t result);
+  bool settle_placed(std::int64_t order);
   // The answer to stops names their order, which is a new one when the position had none before.
-  void settle_stops(std::int64_t order, std::int32_t result);
-  void settle_request(RequestKind kind, std::int64_t number, std::int32_t result, SentOrder::Outcome outcome);
+  bool settle_stops(std::int64_t order, std::int32_t result);
+  bool settle_request(RequestKind kind, std::int64_t number, std::int32_t result, SentOrder::Outcome outcome);
+  bool settle_open(NewOrders::iterator order, const OrderReport& report, SentOrder::Outcome outcome);
+  void read_again_unless(bool meant) {
+    if (!meant) windows_.read_again(*this);
+  }
   void settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome);
   std::int32_t note_request(SentOrder request, std::int32_t request_code);
   // As the library has them; nullptr when it has none with this number.
   const PendingOrder* pending_order(std::int64_t order) const;
   const OpenPosition* open_position(std::int64_t ticket) const;
   void journal_unknown(const std::string& what);
-  void close_refused(std::int64_t ticket, const std::string& text, const std::string& row_text,
-                     const std::string& message);
+  // Journal, messages, and the position's row in the close positions window when the close is `ours`.
+  void tell_close(const OrderReport& report, bool ours);
 
   std::unique_ptr<ClientAPI> client_;
   MGeneral& general_;
   Desk& desk_;
+  const AccountWindows& windows_;
   SymbolCollection& symbols_;
   CLoginOptions& options_;
   Row* row_ = nullptr;
   std::int32_t account_;
   std::int16_t key_ = 0;
-  // The rows of the account's positions, orders and windows are this session's. The same account number may
-  // stand under another user name, whose rows nobody else may take away.
+  // The rows of the account's positions, orders and windows are this session's, and perhaps those of another
+  // user name of the account number as well.
   bool lists_account_ = false;
   Totals summary_;
 
-  std::vector<std::int32_t> ids_;      // symbol identifier by handle, 0 when not carried
-  std::vector<SymbolHandle> handles_;  // handle by symbol identifier
-  NewOrders orders_;                   // at the market
+  SymbolIds symbol_ids_;
+  NewOrders orders_;  // at the market
   NewOrders entries_;
-  std::set<std::int64_t> answered_entries_;  // numbers of the answers to entry orders that came
+  // Numbers of market orders whose outcome is known, and of all answers to entry orders.
+  std::set<std::int64_t> answered_;
   // Refusals of which nobody knows yet which open entry order they are for: number and result code.
   std::vector<std::pair<std::int64_t, std::int32_t>> refused_entries_;
   bool waiting_ = false;  // for the server, as it says

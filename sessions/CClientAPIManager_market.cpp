@@ -9,9 +9,6 @@
 namespace tutti {
 namespace {
 
-// Identifiers are small; a server that sends others is not served rather than trusted with memory.
-constexpr std::int32_t largest_symbol_id = 65'535;
-
 // What lies beyond is no trade of any account, but a damaged record.
 constexpr double largest_lots = 1e6;
 constexpr double largest_price = 1e9;
@@ -39,24 +36,22 @@ bool usable(const PendingOrder& o) {
 
 void CClientAPIManager::SymbolsLoaded() {
   const std::uint64_t names_before = symbols_.names_stamp();
-  ids_.clear();
-  handles_.clear();
+  symbol_ids_.clear();
   const int count = client_->SymbolCount();
   for (int index = 1; index <= count; ++index) {
     const Symbol* symbol = client_->SymbolItem(index);
-    if (symbol == nullptr || symbol->id <= 0 || symbol->id > largest_symbol_id) continue;
+    if (symbol == nullptr) continue;
+    if (!symbol_ids_.usable(symbols_.find(symbol->name), symbol->id)) {
+      refuse_symbol(*symbol);
+      continue;
+    }
     Symbol shown = *symbol;
     if (!std::isfinite(shown.bid + shown.ask + shown.high + shown.low)) {
       refuse("The prices of " + shown.name);
       shown.bid = shown.ask = shown.high = shown.low = 0.0;
     }
     const SymbolHandle handle = symbols_.add(shown);
-    const auto at = static_cast<std::size_t>(handle);
-    const auto id = static_cast<std::size_t>(symbol->id);
-    ids_.resize(std::max(ids_.size(), at + 1), 0);
-    handles_.resize(std::max(handles_.size(), id + 1), no_symbol);
-    ids_[at] = symbol->id;
-    handles_[id] = handle;
+    symbol_ids_.add(handle, symbol->id);
     desk_.market_watch->symbol(handle, shown, general_.short_time_text(shown.quote_time));
   }
   if (symbols_.names_stamp() == names_before) return;
@@ -74,31 +69,33 @@ void CClientAPIManager::LoadMWPprices() {
   }
 }
 
-SymbolHandle CClientAPIManager::handle_of(const Symbol& symbol) const {
-  const auto id = static_cast<std::size_t>(symbol.id);
-  return id < handles_.size() ? handles_[id] : no_symbol;
+void CClientAPIManager::refuse_symbol(const Symbol& symbol) {
+  const std::string what = symbol.name + " came with the identifier " + std::to_string(symbol.id);
+  if (!refused_.insert(what).second) return;
+  log(what + ", which can't be used; the account does not trade it");
 }
 
 void CClientAPIManager::SymbolPricesChanged(const Symbol& symbol) {
-  const SymbolHandle handle = handle_of(symbol);
+  const SymbolHandle handle = symbol_ids_.symbol_of(symbol.id);
   if (handle == no_symbol) return;
   // The last good price stays.
   if (!has_good_prices(symbol)) return refuse("A price of " + symbol.name);
   symbols_.set_prices(handle, symbol);
-  desk_.market_watch->prices(handle, symbol);
   if (!row_connected()) return;
+  desk_.market_watch->prices(handle, symbol);
   desk_.entry_order->prices(handle, symbol);
   desk_.close_positions->prices(handle, symbol);
 }
 
 void CClientAPIManager::SymbolHighLowChanged(const Symbol& symbol) {
-  const SymbolHandle handle = handle_of(symbol);
+  const SymbolHandle handle = symbol_ids_.symbol_of(symbol.id);
   if (handle == no_symbol) return;
   if (!std::isfinite(symbol.high) || !std::isfinite(symbol.low))
     return refuse("A day's range of " + symbol.name);
   symbols_.set_high_low(handle, symbol);
+  if (!row_connected()) return;
   desk_.market_watch->prices(handle, symbol);
-  if (!row_connected() || !has_good_prices(symbol)) return;
+  if (!has_good_prices(symbol)) return;
   desk_.entry_order->prices(handle, symbol);
   desk_.close_positions->prices(handle, symbol);
 }
@@ -121,8 +118,8 @@ void CClientAPIManager::UpdateOpenPosition(const OpenPosition& position) {
 }
 
 void CClientAPIManager::DeleteOpenPosition(const OpenPosition& position) {
-  desk_.positions->remove_position(position.ticket);
-  desk_.close_positions->position_closed(position.ticket);
+  desk_.positions->remove_position(position.ticket, position.account);
+  desk_.close_positions->position_closed(position.ticket, position.account);
 }
 
 const OpenPosition* CClientAPIManager::open_position(std::int64_t ticket) const {
@@ -135,8 +132,8 @@ const OpenPosition* CClientAPIManager::open_position(std::int64_t ticket) const 
 
 void CClientAPIManager::refresh_position(std::int64_t ticket) {
   if (const OpenPosition* position = open_position(ticket)) return NewOpenPosition(*position);
-  desk_.positions->remove_position(ticket);
-  desk_.close_positions->position_closed(ticket);
+  desk_.positions->remove_position(ticket, account_);
+  desk_.close_positions->position_closed(ticket, account_);
 }
 
 void CClientAPIManager::PosFloatingPLChanged(const OpenPosition& position) {
@@ -162,7 +159,7 @@ void CClientAPIManager::NewPendingOrder(const PendingOrder& order) {
 }
 
 void CClientAPIManager::DeletePendingOrder(const PendingOrder& order) {
-  desk_.pending->remove_order(order.order);
+  desk_.pending->remove_order(order.order, order.account);
 }
 
 const PendingOrder* CClientAPIManager::pending_order(std::int64_t order) const {

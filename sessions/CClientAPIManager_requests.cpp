@@ -10,10 +10,6 @@ namespace {
 
 using Outcome = SentOrder::Outcome;
 
-Outcome outcome_of(std::int32_t result_code) {
-  return result_code == result::succeeded ? Outcome::accepted : Outcome::refused;
-}
-
 Outcome outcome_of_request(std::int32_t code) {
   return code == request::taken ? Outcome::waiting : Outcome::refused;
 }
@@ -107,38 +103,52 @@ void CClientAPIManager::settle(SentOrder& order, std::int32_t code, Outcome outc
   if (of_entry_window) desk_.entry_order->request_settled(order, account_);
 }
 
-void CClientAPIManager::settle_order(const OrderReport& report, Outcome outcome) {
-  auto at = std::find_if(orders_.begin(), orders_.end(), [&](const SentOrder& o) {
-    return !o.settled() && o.number != 0 && o.number == report.number;
-  });
-  if (at == orders_.end()) {
-    const SymbolHandle symbol = symbols_.find(report.symbol);
-    at = std::find_if(orders_.begin(), orders_.end(), [&](const SentOrder& o) {
-      return !o.settled() && o.number == 0 && o.symbol == symbol && o.amount == report.amount &&
-             (o.side > 0) == (report.operation > 0);
-    });
-  }
-  if (at == orders_.end()) return;
+bool CClientAPIManager::settle_order(const OrderReport& report, Outcome outcome) {
+  // Waiting for it may have been given up when the connection was lost, and now it comes after all.
+  const auto meant = [&](const SentOrder& o) {
+    return (!o.settled() || o.outcome == Outcome::unknown) && o.number != 0 && o.number == report.number;
+  };
+  return settle_open(std::find_if(orders_.begin(), orders_.end(), meant), report, outcome);
+}
+
+bool CClientAPIManager::settle_new_order(const OrderReport& report, Outcome outcome) {
+  if (settle_order(report, outcome)) return true;
+  // A second answer must not settle the next order that was sent in the same way.
+  if (answered_.contains(report.number)) return false;
+  const SymbolHandle symbol = symbols_.find(report.symbol);
+  const auto meant = [&](const SentOrder& o) {
+    return !o.settled() && o.number == 0 && o.symbol == symbol && o.amount == report.amount &&
+           (o.side > 0) == (report.operation > 0);
+  };
+  return settle_open(std::find_if(orders_.begin(), orders_.end(), meant), report, outcome);
+}
+
+bool CClientAPIManager::settle_open(NewOrders::iterator at, const OrderReport& report, Outcome outcome) {
+  if (at == orders_.end()) return false;
   at->number = report.number;
   settle(*at, report.result, outcome);
-  if (at->settled() && at + 1 != orders_.end()) orders_.erase(at);
+  if (!at->settled()) return true;
+  if (report.number != 0) answered_.insert(report.number);
+  if (at + 1 != orders_.end()) orders_.erase(at);
+  return true;
 }
 
 // The answer names no more than a number. That of a success is known to the server, as an order or as the
 // position it has become; which request was meant is read from there. A number that nobody knows, and one
 // that was answered before, settle nothing: better a request that stays open than one that is taken for done.
 // Of several open requests nobody knows which one was refused, until as many are refused as are open.
-void CClientAPIManager::settle_entry(std::int64_t order, std::int32_t code) {
-  if (order != 0 && !answered_entries_.insert(order).second) return;
+bool CClientAPIManager::settle_entry(std::int64_t order, std::int32_t code) {
+  if (order != 0 && !answered_.insert(order).second) return false;
   const auto open = [&] {
     return std::count_if(entries_.begin(), entries_.end(), [](const SentOrder& o) { return !o.settled(); });
   };
+  bool meant = open() > 0;
   if (code == result::succeeded) {
-    settle_placed(order);
-  } else {
+    meant = settle_placed(order);
+  } else if (meant) {
     refused_entries_.push_back({order, code});
   }
-  if (open() == 0 || open() > static_cast<std::ptrdiff_t>(refused_entries_.size())) return;
+  if (open() == 0 || open() > static_cast<std::ptrdiff_t>(refused_entries_.size())) return meant;
   for (SentOrder& each : entries_) {
     if (each.settled()) continue;
     const auto [number, reason] = refused_entries_.front();
@@ -148,9 +158,10 @@ void CClientAPIManager::settle_entry(std::int64_t order, std::int32_t code) {
   }
   refused_entries_.clear();
   if (entries_.size() > 1) entries_.erase(entries_.begin(), entries_.end() - 1);
+  return meant;
 }
 
-void CClientAPIManager::settle_placed(std::int64_t order) {
+bool CClientAPIManager::settle_placed(std::int64_t order) {
   const auto oldest = [&](auto&& meant) {
     return std::find_if(entries_.begin(), entries_.end(),
                         [&](const SentOrder& o) { return !o.settled() && meant(o); });
@@ -169,14 +180,15 @@ void CClientAPIManager::settle_placed(std::int64_t order) {
       return o.symbol == symbol && (o.side > 0) == (executed->side > 0) && o.amount == executed->amount;
     });
   }
-  if (at == entries_.end()) return;
+  if (at == entries_.end()) return false;
   at->number = order;
   settle(*at, result::succeeded, Outcome::accepted);
   if (at + 1 != entries_.end()) entries_.erase(at);
+  return true;
 }
 
 // An SL/TP order that was there when the request was sent may be gone when it is refused.
-void CClientAPIManager::settle_stops(std::int64_t order, std::int32_t code) {
+bool CClientAPIManager::settle_stops(std::int64_t order, std::int32_t code) {
   const auto oldest = [&](auto&& meant) {
     return std::find_if(requests_.begin(), requests_.end(), [&](const SentOrder& o) {
       return o.kind == RequestKind::stops && !o.settled() && meant(o);
@@ -194,10 +206,11 @@ void CClientAPIManager::settle_stops(std::int64_t order, std::int32_t code) {
       if (std::count_if(requests_.begin(), requests_.end(), meant) == 1) at = oldest(meant);
     }
   }
-  if (at != requests_.end()) settle_request(RequestKind::stops, at->number, code, outcome_of(code));
+  return at != requests_.end() &&
+         settle_request(RequestKind::stops, at->number, code, SentOrder::outcome_of(code));
 }
 
-void CClientAPIManager::settle_request(RequestKind kind, std::int64_t number, std::int32_t code,
+bool CClientAPIManager::settle_request(RequestKind kind, std::int64_t number, std::int32_t code,
                                        Outcome outcome) {
   const auto same = [&](const SentOrder& o) { return o.kind == kind && o.number == number; };
   const auto at = std::find_if(requests_.begin(), requests_.end(),
@@ -205,11 +218,13 @@ void CClientAPIManager::settle_request(RequestKind kind, std::int64_t number, st
   if (at == requests_.end()) {
     // Waiting for it was given up, and now it comes after all.
     const auto last = std::find_if(requests_.rbegin(), requests_.rend(), same);
-    if (last != requests_.rend()) settle(*last, code, outcome);
-    return;
+    if (last == requests_.rend() || last->outcome != Outcome::unknown) return false;
+    settle(*last, code, outcome);
+    return true;
   }
   settle(*at, code, outcome);
   if (at->settled() && std::any_of(at + 1, requests_.end(), same)) requests_.erase(at);
+  return true;
 }
 
 int CClientAPIManager::unanswered() const {

@@ -24,8 +24,8 @@ CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_v
     general_.prompt.system_box("Maximum account number exceeded", "Alert");
     return nullptr;
   }
-  sessions_.push_back(
-      std::make_unique<CClientAPIManager>(make_client_(), login, general_, desk_, symbols_, options_));
+  sessions_.push_back(std::make_unique<CClientAPIManager>(make_client_(), login, general_, desk_, windows_,
+                                                          symbols_, options_));
   CClientAPIManager& session = *sessions_.back();
   session.key(static_cast<std::int16_t>(sessions_.size()));
   by_account_.emplace(session.account(), &session);
@@ -38,7 +38,7 @@ CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_v
 CClientAPIManager* CClientAPIManagers::Item(std::string_view key) const {
   const auto parsed = RowKey::parse(key);
   if (!parsed || parsed->prefix() != 'C') return nullptr;
-  return Item(static_cast<int>(parsed->number()));
+  return Item(parsed->number());
 }
 
 CClientAPIManager* CClientAPIManagers::logged_in(std::int32_t account) const {
@@ -83,17 +83,12 @@ void CClientAPIManagers::RClear(int number) {
     if (order.session == session) order = {order.account, nullptr, order.outcome()};
   }
   if (current_ == session) current_ = nullptr;
-  const std::int32_t account = session->account();
   // A handler that removes its own account goes on in the session that it belongs to.
   retired_.push_back(std::move(sessions_[static_cast<std::size_t>(number) - 1]));
   sessions_.erase(sessions_.begin() + (number - 1));
-  if (!general_.in_handler()) retired_.clear();
   index_accounts();
-  // What the lists show may be another user name's.
-  const bool listed = std::any_of(sessions_.begin(), sessions_.end(), [&](const auto& other) {
-    return other->account() == account && other->lists_account();
-  });
-  if (!listed) desk_.remove_account(account);
+  windows_.leave(*session);
+  if (!general_.in_handler()) retired_.clear();
   if (current_ == nullptr && !sessions_.empty()) current_ = sessions_.front().get();
 }
 
@@ -199,7 +194,7 @@ int CClientAPIManagers::unanswered() const {
 void CClientAPIManagers::Result(std::int32_t code, std::int32_t account, RowKey row_key) {
   // A request that was taken has nothing to report, whatever the account's row says.
   if (code == request::taken) return;
-  const CClientAPIManager* session = Item(static_cast<int>(row_key.number()));
+  const CClientAPIManager* session = Item(row_key.number());
   const Row* row = session == nullptr ? nullptr : session->ClientListItem();
   if (row != nullptr && row->reads(4, "Invalid account ID")) return;
   // Codes without a text of their own are "other"; nothing is written for them.

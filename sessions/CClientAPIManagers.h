@@ -10,6 +10,7 @@
 #include <tsl/robin_map.h>
 
 #include "sessions/CClientAPIManager.h"
+#include "sessions/account_windows.h"
 
 namespace tutti {
 
@@ -31,7 +32,7 @@ class CClientAPIManagers {
   std::span<const std::unique_ptr<CClientAPIManager>> Children() const { return sessions_; }
   // By key ("C7") or by number from 1; nullptr when there is none.
   CClientAPIManager* Item(std::string_view key) const;
-  CClientAPIManager* Item(int number) const {
+  CClientAPIManager* Item(std::int64_t number) const {
     if (number < 1 || number > Count()) return nullptr;
     return sessions_[static_cast<std::size_t>(number) - 1].get();
   }
@@ -47,6 +48,8 @@ class CClientAPIManagers {
   SummaryAnswer summary_of(std::int32_t account) const;
   // The application's current session: the first that was made and still is.
   CClientAPIManager* current() const { return current_; }
+
+  const AccountWindows& windows() const { return windows_; }
 
   // Gives a session its row in the accounts list.
   void AddToListView2(CClientAPIManager& session, std::string_view notes, bool connected);
@@ -97,6 +100,7 @@ class CClientAPIManagers {
   Desk& desk_;
   SymbolCollection& symbols_;
   CLoginOptions& options_;
+  AccountWindows windows_{desk_, *this};
   std::size_t capacity_;
   std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
   std::vector<std::unique_ptr<CClientAPIManager>>

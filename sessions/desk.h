@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include <tsl/robin_set.h>
+
 #include "core/row_list.h"
 #include "core/totals.h"
 #include "sessions/contract/open_position.h"
@@ -21,6 +23,9 @@
 namespace tutti {
 
 class CClientAPIManager;
+
+// Numbers of positions or orders of one account.
+using Numbers = tsl::robin_set<std::int64_t>;
 
 // The accounts list. Rows are keyed by session number.
 class AccountsDesk {
@@ -71,7 +76,6 @@ class MarketOrderDesk : public OrderRowsDesk {
   virtual void request_ended(std::int32_t /*account*/, std::int32_t /*request_code*/) {}
   // The fan-out found nobody to send for.
   virtual void nothing_sent() {}
-  virtual void requote_tick(const Requote&) {}
 };
 
 class EntryOrderDesk : public OrderRowsDesk {
@@ -92,22 +96,25 @@ class ClosePositionsDesk {
   // Headers of the grid, and the state an account shows while it is not logged in.
   virtual void prepare(const std::vector<std::string>& /*headers*/, std::string_view /*state*/) {}
   virtual void add_account(std::int32_t /*account*/) {}
+  // Takes out the account's positions that the open positions view has no more, and shows what the account is
+  // when no session of it is connected.
   virtual void remove_account(std::int32_t /*account*/) {}
   // What the accounts list shows as the account's state now.
   virtual void account_state(std::int32_t /*account*/, std::string_view /*state*/) {}
   virtual void refresh_symbols() {}
   virtual void position_opened(const OpenPosition&) {}
-  virtual void position_closed(std::int64_t /*ticket*/) {}
+  virtual void position_closed(std::int64_t /*ticket*/, std::int32_t /*account*/) {}
   virtual void prices(SymbolHandle, const Symbol&) {}
-  virtual void result(std::int64_t /*ticket*/, std::string_view /*text*/) {}
+  virtual void result(std::int64_t /*ticket*/, std::int32_t /*account*/, std::string_view /*text*/) {}
 };
 
 class PositionBook {
  public:
   virtual ~PositionBook() = default;
   virtual void position(const OpenPosition&) {}
-  virtual void remove_position(std::int64_t /*ticket*/) {}
-  virtual void remove_account(std::int32_t /*account*/) {}
+  virtual void remove_position(std::int64_t /*ticket*/, std::int32_t /*account*/) {}
+  // All of the account but those.
+  virtual void remove_account(std::int32_t /*account*/, const Numbers& /*kept*/) {}
   virtual void floating_changed(const OpenPosition&) {}
 };
 
@@ -115,8 +122,9 @@ class PendingBook {
  public:
   virtual ~PendingBook() = default;
   virtual void order(const PendingOrder&) {}
-  virtual void remove_order(std::int64_t /*order*/) {}
-  virtual void remove_account(std::int32_t /*account*/) {}
+  virtual void remove_order(std::int64_t /*order*/, std::int32_t /*account*/) {}
+  // All of the account but those.
+  virtual void remove_account(std::int32_t /*account*/, const Numbers& /*kept*/) {}
   // A text about an order: what became of a request for it.
   virtual void order_text(std::int64_t /*order*/, std::int32_t /*account*/, std::string_view /*text*/) {}
 };
@@ -127,8 +135,9 @@ class NetDesk {
   virtual ~NetDesk() = default;
   // A position that is new, or that has other values than before.
   virtual void position_added(const OpenPosition&) {}
-  virtual void remove_position(std::int64_t /*ticket*/) {}
-  virtual void remove_account(std::int32_t /*account*/) {}
+  virtual void remove_position(std::int64_t /*ticket*/, std::int32_t /*account*/) {}
+  // All of the account but those.
+  virtual void remove_account(std::int32_t /*account*/, const Numbers& /*kept*/) {}
   // The profit as text, with the decimal separator in force.
   virtual void floating_changed(const OpenPosition&, std::string_view /*profit*/) {}
 };
@@ -147,8 +156,8 @@ class RequoteDesk {
   virtual ~RequoteDesk() = default;
   virtual void tick(CClientAPIManager&, const Requote&) {}
   // A market request was accepted or rejected by the dealer.
-  virtual void order_accepted(const OrderReport&) {}
-  virtual void order_rejected(const OrderReport&) {}
+  virtual void order_accepted(std::int64_t /*order*/, std::int32_t /*account*/) {}
+  virtual void order_rejected(std::int64_t /*order*/, std::int32_t /*account*/) {}
   // The session is disconnected or removed: nobody counts its requotes down any more.
   virtual void session_gone(const CClientAPIManager&) {}
 };
@@ -199,9 +208,6 @@ struct Desk {
   MarketWatchDesk* market_watch = &no_market_watch_;
   RequoteDesk* requote = &no_requote_;
   StatusDesk* status = &no_status_;
-
-  // Takes an account out of everything that lists connected accounts or what they hold.
-  void remove_account(std::int32_t account);
 };
 
 }  // namespace tutti

@@ -193,27 +193,13 @@ std::string_view type_word(std::int32_t operation) {
   }
 }
 
-namespace {
-
-// Text of a refusal that the handler has no text of its own for; empty for codes that have none at all.
-std::string_view other_refusal(std::int32_t code) {
-  const std::string_view text = general(code);
-  return code == result::succeeded || text == general(result::position_pending) ? std::string_view{} : text;
-}
-
-}  // namespace
-
 std::string update_entry_line(std::int64_t order, std::int32_t code) {
-  const std::string_view own = update_entry(code);
-  const std::string_view other = other_refusal(code);
-  if (own.empty() && other.empty()) return {};
-  return "Order #" + std::to_string(order) + (own.empty() ? " " + std::string{other} : std::string{own});
+  const std::string_view text = update_entry(code);
+  return text.empty() ? std::string{} : "Order #" + std::to_string(order) + std::string{text};
 }
 
-std::string new_stops_line(std::int64_t order, std::int32_t code) {
-  const std::string_view own = new_stops(code);
-  const std::string_view text = own.empty() ? other_refusal(code) : own;
-  return "Request SL/TP for #" + std::to_string(order) + (text.empty() ? "" : " ") + std::string{text};
+std::string new_stops_line(std::int64_t order) {
+  return "Request SL/TP for #" + std::to_string(order);
 }
 
 }  // namespace tutti::result_texts

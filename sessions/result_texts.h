@@ -15,10 +15,10 @@ std::string_view delete_entry(std::int32_t code);
 std::string_view new_entry(std::int32_t code);
 std::string_view update_entry(std::int32_t code);
 std::string_view new_stops(std::int32_t code);
-// Journal lines of the last two. A refusal whose code has no text of its own takes the general one, so that
-// it is neither silent nor reads like a success. The first is empty for codes without any text.
+// Journal line of an update; empty for codes without a text.
 std::string update_entry_line(std::int64_t order, std::int32_t code);
-std::string new_stops_line(std::int64_t order, std::int32_t code);
+// First journal line of the answer to stops; the text of the code is a line of its own.
+std::string new_stops_line(std::int64_t order);
 // " Buy ", " Sell ", " Buy Stop " or " Sell Stop ", blanks included; " " for any other operation.
 std::string_view type_word(std::int32_t operation);
 

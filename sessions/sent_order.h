@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "sessions/contract/codes.h"
 #include "sessions/symbol_collection.h"
 
 namespace tutti {
@@ -40,6 +41,11 @@ struct SentOrder {
 
   // Nothing more is to come of it.
   bool settled() const { return outcome != Outcome::waiting && outcome != Outcome::pending; }
+
+  // What a result code says.
+  static Outcome outcome_of(std::int32_t result_code) {
+    return result_code == result::succeeded ? Outcome::accepted : Outcome::refused;
+  }
 };
 
 }  // namespace tutti

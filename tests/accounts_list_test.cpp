@@ -82,6 +82,19 @@ TEST(AccountsList, OnlyDisconnectedRowsLogInAndSummariesAreFormatted) {
   EXPECT_EQ(rows(terminal), Texts{"C1 01 USER 1 Connected green"});
 }
 
+TEST(AccountsList, SummariesAreRefreshedWhereSelectedAndConnected) {
+  ScriptedTerminal terminal;
+  frmMain& list = terminal.main->accounts();
+  for (std::int32_t account : {1, 2, 3})
+    terminal.client(account).summary.values.balance = account;
+  for (const std::size_t at : {0u, 1u})
+    list.lvwClients.row(at).set_selected(true);
+  list.lvwClients.row(1).set_text(frmMain::state, "Connecting");
+  list.refresh_summaries();
+  const auto balance = [&](std::size_t at) { return list.lvwClients.row(at).text(frmMain::balance); };
+  EXPECT_EQ((Texts{balance(0), balance(1), balance(2)}), (Texts{"1", "", ""}));
+}
+
 TEST(AccountsList, LogoutEmptiesTheRowAndLoginComesBack) {
   TestTerminal terminal{DealerConfig::sample(3)};
   terminal.start_logged_in();

@@ -41,7 +41,7 @@ struct Closing : ScriptedTerminal {
     client(account).sink->NewOpenPosition(position);
   }
   void close(std::int32_t account, std::int64_t ticket) {
-    client(account).sink->DeleteOpenPosition({.ticket = ticket, .symbol = ""});
+    client(account).sink->DeleteOpenPosition({.ticket = ticket, .account = account, .symbol = ""});
   }
   void price(std::int32_t account, double bid, double ask) {
     Symbol symbol = client(account).symbols.front();
@@ -49,7 +49,13 @@ struct Closing : ScriptedTerminal {
     symbol.ask = ask;
     client(account).sink->SymbolPricesChanged(symbol);
   }
-  void click(std::int64_t ticket, std::size_t column) { form().click(*form().searchpos(ticket), column); }
+  // Of the first account that has the ticket.
+  Row* at(std::int64_t ticket) {
+    for (const std::int32_t account : {1, 2, 3})
+      if (Row* row = form().searchpos(ticket, account)) return row;
+    return nullptr;
+  }
+  void click(std::int64_t ticket, std::size_t column) { form().click(*at(ticket), column); }
   // "account close ticket amount", in the order in which they were sent.
   Texts sent() { return std::exchange(log, {}); }
 
@@ -78,7 +84,7 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
                                row(21, "Buy", "Close At 1.084"), "1|Connected||", big + "Close At 1.08421"}));
 
   // What comes and goes while the window is shown; marks stay where they are.
-  form.click(*form.searchpos(21), frmClosePos::status);
+  form.click(*desk.at(21), frmClosePos::status);
   desk.open(3, 31);
   desk.open(2, 23);
   desk.open(2, 24, operation::buy, "GBPUSD");
@@ -92,8 +98,8 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   OpenPosition grown = desk.client(2).positions.front();
   grown.amount = 0.75;
   desk.client(2).sink->UpdateOpenPosition(grown);
-  EXPECT_EQ(form.searchpos(21)->text(frmClosePos::amount), "0.75");
-  EXPECT_TRUE(form.marked(*form.searchpos(21)));
+  EXPECT_EQ(desk.at(21)->text(frmClosePos::amount), "0.75");
+  EXPECT_TRUE(form.marked(*desk.at(21)));
   desk.client(2).sink->UpdateOpenPosition(desk.client(2).positions.front());
   // A price of another symbol.
   Symbol other = desk.client(1).symbols.back();
@@ -140,9 +146,9 @@ TEST(ClosePositions, ClickDependsOnTheCell) {
   EXPECT_EQ(marks(), "**-");
   form.click(*form.get_index(1), frmClosePos::account);
   EXPECT_EQ(marks(), "---");
-  form.toggle({form.get_index(1), form.searchpos(21), form.searchpos(12)});
+  form.toggle({form.get_index(1), desk.at(21), desk.at(12)});
   EXPECT_EQ(marks(), "***");
-  form.toggle({form.searchpos(11)});
+  form.toggle({desk.at(11)});
   EXPECT_EQ(desk.prompt.take_texts(), Texts{});
 
   // Only "Close" itself closes, and only that position.
@@ -152,11 +158,11 @@ TEST(ClosePositions, ClickDependsOnTheCell) {
   EXPECT_EQ(desk.prompt.shown[0].details, "#11 of account 1\n1 position\nEURUSD 0.5 lots\nFloating P/L 0.00");
   EXPECT_EQ(desk.prompt.take_texts(), Texts(3, sure_of_one));
   EXPECT_EQ(desk.sent(), Texts{"1 close 11 0.5"});
-  EXPECT_EQ(form.searchpos(11)->text(frmClosePos::action), " Waiting.....");
+  EXPECT_EQ(desk.at(11)->text(frmClosePos::action), " Waiting.....");
   EXPECT_EQ(marks(), "***");
   desk.click(11, frmClosePos::action);
   EXPECT_EQ(marks(), "*-*");
-  const auto action = [&] { return form.searchpos(11)->text(frmClosePos::action); };
+  const auto action = [&] { return desk.at(11)->text(frmClosePos::action); };
   desk.price(1, 1.08, 1.081);
   EXPECT_EQ(action(), "Close At 1.081");
   desk.click(11, frmClosePos::action);
@@ -225,7 +231,7 @@ TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {
   form.LblCheck.click();
   EXPECT_EQ(desk.prompt.take_texts(), (Texts{"No symbol is selected", nothing_marked, nothing_marked}));
   // A ground that only looks like the mark is none.
-  form.searchpos(11)->set_ground(frmClosePos::status, {255, 254, 255});
+  desk.at(11)->set_ground(frmClosePos::status, {255, 254, 255});
   form.LblCheck.click();
   EXPECT_EQ(desk.prompt.take_texts(), Texts{nothing_marked});
 
@@ -248,7 +254,7 @@ TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {
   };
   form.LblCheck.click();
   EXPECT_EQ(desk.prompt.take_texts(), (Texts{sure_of_marked, nothing_marked}));
-  form.searchpos(12)->set_text(frmClosePos::action, "Close");
+  desk.at(12)->set_text(frmClosePos::action, "Close");
   desk.prompt.while_open = [&] {
     if (desk.prompt.shown.size() == 1) desk.close(1, 12);
   };
@@ -307,36 +313,36 @@ TEST(ClosePositions, AccountsLoseTheirRowsWithTheConnection) {
   EXPECT_EQ(states(), Texts{});
 }
 
-TEST(ClosePositions, ATicketIsClosedWhereItIsNow) {
+TEST(ClosePositions, EqualTicketsOfTwoAccountsAreTwoPositions) {
   Closing desk;
   frmClosePos& form = desk.form();
   form.CloseSymbols.choose("EURUSD");
   desk.open(1, 7);
   form.chkAllClients.click();
   desk.open(2, 7, operation::sell, "EURUSD", 0.25);
-  EXPECT_EQ(form.marked_count(), 0u);
-  form.click(*form.get_index(2), frmClosePos::account);
+  EXPECT_TRUE(form.marked(*form.searchpos(7, 1)));
+  EXPECT_FALSE(form.marked(*form.searchpos(7, 2)));
+  form.Displayed(false);
+  form.Displayed(true);
+  EXPECT_EQ(form.marked_count(), 1u);
+  form.toggle({form.searchpos(7, 1), form.searchpos(7, 2)});
   form.LblCheck.click();
-  EXPECT_EQ(desk.sent(), Texts{"2 close 7 0.25"});
+  EXPECT_EQ(desk.sent(), (Texts{"1 close 7 0.5", "2 close 7 0.25"}));
   // The answer comes while another symbol is on show.
   form.CloseSymbols.choose("GBPUSD");
   desk.client(2).sink->CloseOrderResult(
       {.number = 7, .account = 2, .result = result::trading_closed, .symbol = ""});
   form.CloseSymbols.choose("EURUSD");
-  EXPECT_EQ(form.answer_text(*form.searchpos(7)), " Trading is closed");
-  EXPECT_EQ(form.answers().text(), "1 refused");
+  EXPECT_EQ(form.answer_text(*form.searchpos(7, 1)), "");
+  EXPECT_EQ(form.answer_text(*form.searchpos(7, 2)), " Trading is closed");
+  EXPECT_EQ(form.answers().text(), "1 refused, 1 waiting");
   desk.prompt.take_texts();
-
-  // It goes to another account while the window is hidden, and while the question stands.
-  form.click(*form.get_index(2), frmClosePos::account);
-  form.Displayed(false);
-  desk.open(1, 7);
-  form.Displayed(true);
-  EXPECT_EQ(form.marked_count(), 0u);
-  desk.prompt.while_open = [&] { desk.open(2, 7); };
-  desk.click(7, frmClosePos::action);
+  form.searchpos(7, 2)->set_text(frmClosePos::action, "Close");
+  desk.prompt.while_open = [&] { desk.close(2, 7); };
+  form.click(*form.searchpos(7, 2), frmClosePos::action);
   EXPECT_EQ(desk.prompt.take_texts(), (Texts{sure_of_one, nothing_marked}));
   EXPECT_EQ(desk.sent(), Texts{});
+  EXPECT_NE(form.searchpos(7, 1), nullptr);
 }
 
 TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {

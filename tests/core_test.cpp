@@ -105,18 +105,25 @@ TEST(RowLists, KeepKeysAndPlacesThroughEveryChange) {
   RowList list{{"A", "B"}};
   Row* one = list.add(client_key(1));
   Row* three = list.add(client_key(3));
-  list.insert(0, ticket_key(9));
-  list.insert(2, order_key(-2));
+  list.insert(0, ticket_key(9, 81));
+  list.insert(2, order_key(-2, 81));
   list.insert(1);
   EXPECT_EQ(keys_of(list), "T9 - C1 P-2 C3 ");
   EXPECT_EQ(list.add(client_key(3)), nullptr);
+  // The same number of another account is another row, though its key reads the same.
+  EXPECT_EQ(list.find(ticket_key(9, 82)), nullptr);
+  Row* other = list.add(ticket_key(9, 82));
+  EXPECT_EQ(keys_of(list), "T9 - C1 P-2 C3 T9 ");
+  EXPECT_EQ(list.find(ticket_key(9, 82)), other);
+  EXPECT_EQ(list.find(ticket_key(9, 81)), &list.row(0));
+  list.remove(*other);
   expect_places(list);
 
   list.set_current(one);
   list.remove(*one);
   EXPECT_EQ(list.current(), nullptr);
   EXPECT_EQ(list.find(client_key(1)), nullptr);
-  EXPECT_FALSE(list.rekey(*three, order_key(-2)));
+  EXPECT_FALSE(list.rekey(*three, order_key(-2, 81)));
   EXPECT_TRUE(list.rekey(*three, client_key(1)));
   EXPECT_EQ(list.find(client_key(1)), three);
   list.remove(list.row(0));
@@ -126,7 +133,7 @@ TEST(RowLists, KeepKeysAndPlacesThroughEveryChange) {
   auto aside = list.take_all();
   EXPECT_TRUE(list.empty());
   EXPECT_EQ(list.find(client_key(1)), nullptr);
-  list.add(ticket_key(4));
+  list.add(ticket_key(4, 81));
   list.put_back(std::move(aside));
   EXPECT_EQ(keys_of(list), "- P-2 C1 T4 ");
   EXPECT_EQ(list.find(client_key(1)), three);

@@ -13,26 +13,25 @@ TEST(Dealer, LoginsEndAsTheirDataDeserve) {
     LoginData data;
     int after;  // milliseconds
     Words words;
-    bool logged_in;
-    bool found;
+    bool found;  // and may trade
   };
   const Words refused = {"waiting 2", "invalid", "waiting 0"};
   const Words lost = {"waiting 2", "disconnected", "waiting 0"};
   const Words not_owned = {"waiting 2", "connected", "symbols", "positions", "orders", "waiting 0", "all"};
   const Case cases[] = {
-      {{"ALDER", "ALDER01", 500100, {}}, 300, login_words, true, true},
-      {{"alder", "alder01", 500100, {"127.0.0.1", 4950}}, 300, login_words, true, true},
-      {{"ALDER", "ASPEN02", 500100, {}}, 300, refused, false, false},
-      {{"ALDER", "ALDER01", 500101, {}}, 300, not_owned, true, false},
-      {{"ALDER", "ALDER01", 500100, {"127.0.0.1", 4951}}, 29'999, {"waiting 2"}, false, false},
-      {{"ALDER", "ALDER01", 500100, {"10.0.0.1", 4950}}, 30'000, lost, false, false},
+      {{"ALDER", "ALDER01", 500100, {}}, 300, login_words, true},
+      {{"alder", "alder01", 500100, {"127.0.0.1", 4950}}, 300, login_words, true},
+      {{"ALDER", "ASPEN02", 500100, {}}, 300, refused, false},
+      {{"ALDER", "ALDER01", 500101, {}}, 300, not_owned, false},
+      {{"ALDER", "ALDER01", 500100, {"127.0.0.1", 4951}}, 29'999, {"waiting 2"}, false},
+      {{"ALDER", "ALDER01", 500100, {"10.0.0.1", 4950}}, 30'000, lost, false},
   };
   for (const Case& one : cases) {
     DealerRig rig(still_market());
     const auto seat = rig.seat(one.data);
     seat.client->Login();  // a second call does nothing
     EXPECT_EQ(rig.heard(seat, one.after), one.words) << one.data.user << ' ' << one.data.account;
-    EXPECT_EQ(seat.client->LoggedIn(), one.logged_in);
+    EXPECT_EQ(seat.client->LoggedIn(), one.found);
     EXPECT_EQ(seat.client->FindAccount(one.data.account).has_value(), one.found);
     EXPECT_EQ(seat.client->SymbolCount(), one.found ? 21 : 0);
     if (!one.found) {

@@ -476,7 +476,7 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   EXPECT_TRUE(desk.journaled("3 Request SLTP #50 Buy EURUSD at 1.45 was not taken: Invalid Price"));
   // An SL/TP order edits its position.
   desk.client(3).sink->NewPendingOrder({61, 3, "ST", 50, operation::sell, 72, "EURUSD", 2});
-  orders.activate(*orders.find(order_key(61)));
+  orders.activate(*orders.find(order_key(61, 3)));
   EXPECT_EQ(form.edited(), 50);
   EXPECT_EQ(shown, 5);
   form.EdirMode({.mode = "Limit Orders", .type_text = "Limit/Stop", .symbol = "EURUSD", .account = 2});

@@ -74,8 +74,8 @@ TEST(NetPositions, ListsShowSumsAveragesAndTotals) {
   symbols.select(symbols.row(0));
   EXPECT_EQ(rows(desk.net().lvwNetAccounts), (Texts{"3|0||1.5|1.08400|-1.5|7.00"}));
 
-  for (const std::int64_t ticket : {11, 12, 31})
-    desk.client(1).sink->DeleteOpenPosition({.ticket = ticket, .symbol = ""});
+  for (const auto& [ticket, account] : {std::pair{11, 1}, {12, 1}, {31, 3}})
+    desk.client(account).sink->DeleteOpenPosition({.ticket = ticket, .account = account, .symbol = ""});
   EXPECT_TRUE(desk.net().lvwNet.empty());
   EXPECT_TRUE(desk.net().lvwNetAccounts.empty());
   EXPECT_TRUE(desk.matrix().lvwNetMatrix.empty());

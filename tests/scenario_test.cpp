@@ -138,9 +138,10 @@ TEST(Scenario, ARequoteEndsInEveryWay) {
     const std::string number = desk.orders().row(0).text(0);
     EXPECT_TRUE(desk.journaled("500100 Order " + number + " in Pending mode"));
     EXPECT_EQ(desk.orders().row(0).text(frmPending::type), "New");
-    EXPECT_EQ(desk.result(first), "Order in Pending mode");
+    EXPECT_EQ(desk.result(first), "Requote 1.08482, 10 s");
     desk.run(1s);
     EXPECT_EQ(form.caption(), "9 / 10");
+    EXPECT_EQ(desk.result(first), "Requote 1.08482, 9 s");
     EXPECT_EQ(std::count(desk.sound.played.begin(), desk.sound.played.end(), "PriceChanged.wav"), 1);
     const bool here = way != dropped && way != removed;  // the account is
     const bool settled = here && way != unticked, taken = way == accept || way == unticked;

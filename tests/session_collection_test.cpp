@@ -53,7 +53,7 @@ TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
     EXPECT_EQ(rig.windows.accounts.list.find(client_key(number)), session->ClientListItem());
     EXPECT_EQ(session->ClientListItem()->text(4), "note " + std::to_string(account));
   }
-  for (const char* missing : {"C0", "C4", "S1", "C", ""})
+  for (const char* missing : {"C0", "C4", "S1", "C", "", "C65537", "C4294967297"})
     EXPECT_EQ(rig.sessions.Item(missing), nullptr) << missing;
   rig.sessions.Remove("C4");
   EXPECT_EQ(rig.sessions.Count(), 3);

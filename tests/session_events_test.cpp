@@ -24,16 +24,44 @@ Heard both(const std::string& text, Heard more = {}) {
   return more;
 }
 
-class SessionEvents : public ::testing::Test {
- protected:
-  SessionEvents() {
-    client.orders = {{.order = 12, .account = 81, .kind = "LO", .symbol = "EURUSD"}};
+// What is read again from the client after an answer that matches nothing.
+const Heard lists_again{"positions has 13",     "close opened 13",    "pending has LO 12 81",
+                        "positions removes 81", "pending removes 81", "close removes 81"};
+
+// An answer that matches nothing: all that is written but the rows of orders.
+Heard stray(Heard lines) {
+  std::erase_if(lines, [](const std::string& line) {
+    return line.starts_with("market ") || line.starts_with("entry ") || line.starts_with("close ") ||
+           line.starts_with("pending has");
+  });
+  lines.insert(lines.end(), lists_again.begin(), lists_again.end());
+  return lines;
+}
+
+struct OneSession {
+  OneSession() {
+    client.orders = {{.order = 12,
+                      .account = 81,
+                      .kind = "LO",
+                      .reference = 13,
+                      .operation = 1,
+                      .symbol = "EURUSD",
+                      .amount = 0.5}};
     client.positions = {{.ticket = 13, .account = 81, .symbol = "EURUSD", .floating_pl = -12.5}};
   }
 
   Heard during(const std::function<void()>& step) { return rig.during(step); }
   void writes(const std::function<void()>& step, const Heard& lines) {
     EXPECT_EQ(during(step), sorted(lines));
+  }
+  // The second time it is settled already.
+  void writes_once(const std::function<void()>& step, const Heard& lines) {
+    writes(step, lines);
+    writes(step, stray(lines));
+  }
+  void send(std::int32_t side = 1) {
+    session.note_sent(
+        {.amount = 0.5, .side = side, .request_code = 1, .outcome = SentOrder::Outcome::waiting});
   }
   static OrderReport report(std::int32_t result, std::int32_t state, std::int32_t operation = 1) {
     return {.number = 12,
@@ -53,6 +81,8 @@ class SessionEvents : public ::testing::Test {
   ScriptedClient& client = rig.client(session);
   CLAPICLASS& sink = *client.sink;
 };
+
+class SessionEvents : public ::testing::Test, protected OneSession {};
 
 // Texts by code from 1 on, and that of 100; an empty one is none.
 struct Texts {
@@ -75,6 +105,7 @@ const Texts general_texts{
 // written where.
 struct Family {
   void (CLAPICLASS::*fire)(std::int64_t, std::int32_t);
+  std::function<void(CClientAPIManager&)> send;  // what it answers
   Texts texts;
   std::optional<std::string> other;
   std::function<Heard(std::int32_t, const std::string&)> written;
@@ -82,6 +113,7 @@ struct Family {
 
 const Family families[] = {
     {&CLAPICLASS::NewLimitOrderResult,
+     [](auto& session) { session.place_entry({.side = 1, .amount = 0.5}, no_symbol, 1); },
      {{"Succeeded", "Not Enough Money", "Trading Is Closed", "Unable MarketConditions",
        "Unable Bad Connection", "Position Is Closed", "Position Is Pending", "Position Has Pending Orders",
        "Invalid Amount", "Not Found", "Order 12 :All Lots Are Managed"},
@@ -96,10 +128,10 @@ const Family families[] = {
        return out;
      }},
     {&CLAPICLASS::UpdateLimitOrderResult,
-     {{"has been updated", " Not Enough Money ", " Trading Is Closed ", " Failed - Market conditions",
-       " Unable Bad Connection", " Position Is Closed ", " Position Is Pending ",
-       " Position Has Pending Orders ", " Invalid Amount ", " Not Found ", " All Amount Are Managed ",
-       " Unable to do operation", " Hedging Not Allowed "},
+     [](auto& session) { session.update_entry(12, 1.1, {}, 1); },
+     {{"has been updated", " Not Enough Money ", " Trading Is Closed ", "", " Unable Bad Connection",
+       " Position Is Closed ", " Position Is Pending ", " Position Has Pending Orders ", " Invalid Amount ",
+       " Not Found ", " All Amount Are Managed ", "", " Hedging Not Allowed "},
       " Failed Result "},
      std::nullopt,
      [](std::int32_t code, const std::string& text) {
@@ -107,6 +139,7 @@ const Family families[] = {
        return both(line, {code == 1 ? "pending has LO 12 81" : in_entry + line});
      }},
     {&CLAPICLASS::DeleteLimitOrderResult,
+     [](auto& session) { session.cancel_order(12, false); },
      {{" Canceled successfully", " Not Enough Money", " Trading Is Closed",
        " Unable to get  quote on this symbol due to market conditions", " Unable Bad Connection",
        " Position Is Closed ", " Position Is Pending", " Position Has Pending Orders", " Invalid Amount",
@@ -118,20 +151,24 @@ const Family families[] = {
        return both(line, code == 1 ? Heard{} : Heard{box + line});
      }},
     {&CLAPICLASS::NewSLTPOrderResult,
-     {{"", " NotEnoughMoney", " Trading Is Closed",
-       " Unable to get  quote on this symbol due to market conditions",
-       " Unable to get  quote due to a bad connection, Please try again", " Position Is Closed ",
-       " Position Is Pending", " Position Has Pending Orders", " InvalidAmount", " NotFound",
-       " All Amount Are Managed", " Unable ToDo Operation", " Hedging not allowed"},
-      " Failed"},
+     [](auto& session) { session.set_stops(13, {}, 1); },
+     {{"", "NotEnoughMoney", "Trading Is Closed",
+       "Unable to get  quote on this symbol due to market conditions",
+       "Unable to get  quote due to a bad connection, Please try again", "Position Is Closed ",
+       "Position Is Pending", "Position Has Pending Orders", "InvalidAmount", "NotFound",
+       "All Amount Are Managed", "Unable ToDo Operation"},
+      ""},
      "",
      [](std::int32_t code, const std::string& text) {
-       return both("Request SL/TP for #12" + text,
-                   code == 1 ? Heard{"pending has LO 12 81", "entry stops 12"} : Heard{});
+       return both("Request SL/TP for #12", code == 1      ? Heard{"pending has LO 12 81", "entry stops 12"}
+                                            : text.empty() ? Heard{}
+                                                           : both(text));
      }},
-    {&CLAPICLASS::DeleteSLTPOrderResult, general_texts, "UNDEFINED RESULT",
+    {&CLAPICLASS::DeleteSLTPOrderResult, [](auto& session) { session.cancel_order(12, true); }, general_texts,
+     "UNDEFINED RESULT",
      [](std::int32_t, const std::string& text) { return both("Delete SLTP Order #12 " + text); }},
-    {&CLAPICLASS::UpdateSLTPOrderResult, general_texts, "UNDEFINED RESULT",
+    {&CLAPICLASS::UpdateSLTPOrderResult, [](auto& session) { session.set_stops(13, {}, 1); }, general_texts,
+     "UNDEFINED RESULT",
      [](std::int32_t code, const std::string& text) {
        Heard out{in_journal + "Updating SL/TP order #12 result #" + text};
        if (code == 1) out.push_back("entry stops 12");
@@ -139,19 +176,21 @@ const Family families[] = {
      }},
 };
 
-TEST_F(SessionEvents, EveryResultCodeHasItsTextsInItsWindows) {
+TEST(SessionAnswers, EveryResultCodeHasItsTextsInItsWindows) {
   for (const Family& family : families) {
     for (const std::int32_t code : codes) {
       const std::string own = family.texts.of(code);
       const auto text = own.empty() ? family.other : own;
-      EXPECT_EQ(during([&] { (sink.*family.fire)(12, code); }),
-                text ? sorted(family.written(code, *text)) : Heard{})
-          << &family - families << ' ' << code;
+      SCOPED_TRACE(std::to_string(&family - families) + " " + std::to_string(code));
+      OneSession one;
+      family.send(one.session);
+      one.writes_once([&] { (one.sink.*family.fire)(12, code); },
+                      text ? family.written(code, *text) : Heard{});
     }
   }
 }
 
-TEST_F(SessionEvents, MarketOrdersThatAreRefused) {
+TEST(SessionAnswers, MarketOrdersThatAreRefused) {
   const Texts texts{{"", "Not enough money", "Trading Is Closed", "Not Taken According to market Connditions",
                      "Bad Connection", "Position Is Closed", "Position in peniding Order",
                      "Position Has Pending Orders", "", "", "", "", "Heddging Not Allowed"},
@@ -160,8 +199,10 @@ TEST_F(SessionEvents, MarketOrdersThatAreRefused) {
     if (code == result::succeeded) continue;
     const std::string text = texts.of(code);
     const std::string sound = code == 13 ? "sound Alert.wav" : "sound NoEquity.wav";
-    writes([&] { sink.NewOrderResult(report(code, 0)); },
-           text.empty() ? Heard{} : Heard{in_journal + text, in_market + text, sound});
+    OneSession one;
+    one.send();
+    one.writes_once([&] { one.sink.NewOrderResult(one.report(code, 0)); },
+                    text.empty() ? Heard{} : Heard{in_journal + text, in_market + text, sound});
   }
 }
 
@@ -185,8 +226,9 @@ TEST_F(SessionEvents, CloseResultsDifferInJournalRowAndMessage) {
       {8, has_orders, has_orders, has_orders},
   };
   for (const Case& one : cases) {
-    writes([&] { sink.CloseOrderResult(report(one.code, 0)); },
-           {in_journal + one.line, in_close + one.row, box + one.message});
+    session.close_position(12, 0.5);
+    writes_once([&] { sink.CloseOrderResult(report(one.code, 0)); },
+                {in_journal + one.line, in_close + one.row, box + one.message});
     EXPECT_EQ(rig.general.last_message, one.message);
   }
   EXPECT_TRUE(rig.prompt.shown.empty()) << "a handler never waits";
@@ -194,12 +236,13 @@ TEST_F(SessionEvents, CloseResultsDifferInJournalRowAndMessage) {
   for (const std::int32_t operation : {-2, -1, 1, 2}) {
     const std::string request =
         std::string{"Request close ticket #12"} + types[operation + 2] + "0.5EURUSD at 1.0845";
-    writes([&] { sink.CloseOrderResult(report(1, order_state::executed, operation)); },
-           {in_journal + request, in_journal + "Postion 12 is closed successfuly",
-            "close 12: Postion 12 is closed successfuly"});
+    session.close_position(12, 0.5);
     writes([&] { sink.CloseOrderResult(report(1, order_state::pending, operation)); },
            {in_journal + request, in_journal + "Position in pending mode", "pending has CP 12 81",
             "close 12: Position in pending mode"});
+    writes_once([&] { sink.CloseOrderResult(report(1, order_state::executed, operation)); },
+                {in_journal + request, in_journal + "Postion 12 is closed successfuly",
+                 "close 12: Postion 12 is closed successfuly"});
   }
 }
 
@@ -210,23 +253,48 @@ TEST_F(SessionEvents, OrdersThatAreExecutedOrGoThroughDealing) {
   const std::string no_money = "Limit Order:12 cancelled because there is no money for account number #81";
   OrderReport close = report(1, 1);
   close.request_kind = request_kind::close;
-  writes([&] { sink.NewOrderResult(report(1, 1)); },
-         {in_journal + bought, in_market + "Market Order Accepted"});
-  writes([&] { sink.NewOrderResult(report(1, 1, -1)); },
-         {in_journal + sold, in_market + "Market Order Accepted"});
-  writes(
-      [&] { sink.NewOrderResult(report(1, 2)); },
-      {"pending has OP 12 81", in_journal + "Order 12 in Pending mode", in_market + "Order in Pending mode"});
-  writes([&] { sink.MarketOrderAccepted(report(1, 1, -1)); },
-         both(sold, {"requote accepted 12", in_market + "Market Order Accepted"}));
-  writes([&] { sink.MarketOrderRejected(report(1, 1)); },
-         both("Order 12 has been rejected", {"requote rejected 12", in_market + "order has been rejected"}));
+  for (const std::int32_t side : {1, -1}) {
+    const std::string& done = side > 0 ? bought : sold;
+    for (const bool accepted : {true, false}) {
+      OneSession executed, dealt;
+      for (OneSession* one : {&executed, &dealt})
+        one->send(side);
+      executed.writes_once([&] { executed.sink.NewOrderResult(report(1, 1, side)); },
+                           {in_journal + done, in_market + "Market Order Accepted"});
+      dealt.writes([&] { dealt.sink.NewOrderResult(report(1, 2, side)); },
+                   {"pending has OP 12 81", in_journal + "Order 12 in Pending mode",
+                    in_market + "Order in Pending mode"});
+      const auto confirmed = [&](OneSession& one, bool yes) {
+        return [&one, yes, side] {
+          yes ? one.sink.MarketOrderAccepted(report(1, 1, side))
+              : one.sink.MarketOrderRejected(report(1, 1, side));
+        };
+      };
+      const Heard yes = both(done, {"requote accepted 12", in_market + "Market Order Accepted"});
+      const Heard no =
+          both("Order 12 has been rejected", {"requote rejected 12", in_market + "order has been rejected"});
+      dealt.writes_once(confirmed(dealt, accepted), accepted ? yes : no);
+      // What is settled stays so, whatever comes for its number.
+      executed.writes(confirmed(executed, accepted), stray(accepted ? yes : no));
+      dealt.writes(confirmed(dealt, !accepted), stray(accepted ? no : yes));
+      EXPECT_EQ(executed.session.last_order().outcome, SentOrder::Outcome::accepted);
+      // It is not taken for the answer to the next order either, though that one looks the same.
+      executed.send(side);
+      executed.during([&] { executed.sink.NewOrderResult(report(2, 0, side)); });
+      executed.during(confirmed(executed, accepted));
+      EXPECT_EQ(executed.session.unanswered(), 1);
+    }
+  }
+  session.close_position(12, 0.5);
+  writes_once(
+      [&] { sink.MarketOrderRejected(close); },
+      both("Closing has been rejected", {"requote rejected 12", "close 12: Closing has been rejected"}));
+  session.close_position(12, 0.5);
   writes([&] { sink.MarketOrderAccepted(close); },
          both("Ticket #12 has been closed successfully",
               {"requote accepted 12", "positions drops 12", "close closed 12"}));
-  writes([&] { sink.MarketOrderRejected(close); },
-         both("Closing has been rejected", {"requote rejected 12", "close 12: Closing has been rejected"}));
   client.positions[0].ticket = 12;  // a part of it is left
+  session.close_position(12, 0.5);
   writes([&] { sink.MarketOrderAccepted(close); },
          both("Ticket #12 has been closed successfully",
               {"requote accepted 12", "positions has 12", "close opened 12"}));
@@ -238,8 +306,7 @@ TEST_F(SessionEvents, OrdersThatAreExecutedOrGoThroughDealing) {
   writes([&] { sink.LimitOrderCanceledNoMoney(12, 81); }, {in_pending + no_money, box + no_money});
   writes([&] { sink.SlTpOrderAccepted(12); }, both("SL/TP request #12 is accepted"));
   writes([&] { sink.SlTpOrderCanceledNoMoney(12); }, both("SL/TP request #12 is canceled - no money"));
-  writes([&] { sink.OrderTimer({.order = 12, .account = 81, .symbol = "EURUSD"}); },
-         {"requote 12 of 81", "market requote 12"});
+  writes([&] { sink.OrderTimer({.order = 12, .account = 81, .symbol = "EURUSD"}); }, {"requote 12 of 81"});
 }
 
 TEST_F(SessionEvents, OtherEventsReachTheirWindows) {
@@ -327,6 +394,10 @@ TEST_F(SessionEvents, TotalsFollowSummariesAndDisconnections) {
   EXPECT_EQ(session.summary().balance, 0.0);
   during([&] { sink.ConnectionState(false); });
   EXPECT_EQ(rig.totals(), first_alone);
+  // What is large goes before what is small comes, so that nothing of the small is rounded off.
+  during([&] { other.SummariesChanged({.balance = 1e14}); });
+  during([&] { other.SummariesChanged({.balance = 0.3}); });
+  EXPECT_EQ(rig.general.totals.balance, 1000.5 + 1e14 - 1e14 + 0.3);
   EXPECT_EQ(session.SummaryDesc(1.256, -0.001, 2.5), "Balance: 1.26  Equity: 0  EffMargin: 2.5");
 }
 
@@ -410,7 +481,7 @@ TEST_F(SessionEvents, SymbolsAndPricesGoWhereTheyAreShown) {
   const auto moves = {std::function<void()>{[&] { sink.SymbolPricesChanged(symbol); }},
                       std::function<void()>{[&] { sink.SymbolHighLowChanged(symbol); }}};
   for (const auto& move : moves)
-    EXPECT_EQ(during(move), Heard{"watch prices EURUSD"}) << "not connected";
+    EXPECT_EQ(during(move), Heard{}) << "not connected";
   during([&] { sink.ConnectionState(true); });
   for (const auto& move : moves)
     EXPECT_EQ(during(move), sorted({"watch prices EURUSD", "entry prices EURUSD", "close prices EURUSD"}));
@@ -418,6 +489,35 @@ TEST_F(SessionEvents, SymbolsAndPricesGoWhereTheyAreShown) {
   for (const auto& move : moves)
     EXPECT_TRUE(during(move).at(0).starts_with("journal 81: "));
   EXPECT_EQ(rig.symbols.entry(rig.symbols.find("EURUSD")).bid, 1.09);
+}
+
+TEST_F(SessionEvents, EverySymbolWithAnIdentifierOfItsOwnIsServed) {
+  constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
+  client.symbols = {{.id = 65'535, .name = "A"}, {.id = 65'536, .name = "B"}, {.id = largest, .name = "C"},
+                    {.id = 0, .name = "D"},      {.id = -7, .name = "E"},     {.id = 65'536, .name = "F"},
+                    {.id = 1, .name = "A"},      {.id = largest, .name = "C"}};
+  const auto refused = [](const char* name, const char* id) {
+    return in_journal + name + " came with the identifier " + id +
+           ", which can't be used; the account does not trade it";
+  };
+  const Heard names{"market symbols", "entry symbols"},
+      watched{"watch A 00:00", "watch B 00:00", "watch C 00:00", "watch C 00:00"};
+  Heard lines{refused("D", "0"), refused("E", "-7"), refused("F", "65536"), refused("A", "1")};
+  for (const Heard* more : {&names, &watched})
+    lines.insert(lines.end(), more->begin(), more->end());
+  writes([&] { sink.SymbolsLoaded(); }, lines);
+  writes([&] { sink.SymbolsLoaded(); }, watched);
+  const std::pair<const char*, std::int32_t> served[]{{"A", 65'535}, {"B", 65'536}, {"C", largest}, {"D", 0}};
+  for (const auto& [name, id] : served)
+    EXPECT_EQ(session.GetIDByName(name), id) << name;
+  during([&] { sink.ConnectionState(true); });
+  for (std::size_t at = 0; at < 3; ++at) {
+    const std::string prices = "prices " + client.symbols[at].name;
+    writes([&] { sink.SymbolPricesChanged(client.symbols[at]); },
+           {"watch " + prices, "entry " + prices, "close " + prices});
+  }
+  for (const std::int32_t id : {-7, 0, 1, 65'534, 65'537, largest - 1})
+    writes([&] { sink.SymbolPricesChanged({.id = id, .name = "X"}); }, {});
 }
 
 TEST_F(SessionEvents, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {

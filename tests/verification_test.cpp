@@ -45,7 +45,7 @@ TEST(Verification, FindsEveryWrongNetSum) {
         expected.push_back(place + value);
     }
     EXPECT_EQ(found, expected);
-    net.remove_position(wrong.ticket);
+    net.remove_position(wrong.ticket, wrong.account);
     net.position_added(right);
     EXPECT_EQ(desk.differences(), Texts{});
   }
@@ -53,10 +53,10 @@ TEST(Verification, FindsEveryWrongNetSum) {
   const Texts more_than_booked = names(desk.differences());
   for (const char* const place : {"account 500101: GBPUSD long", "GBPUSD accounts", "GBPUSD profit"})
     EXPECT_EQ(std::count(more_than_booked.begin(), more_than_booked.end(), place), 1) << place;
-  net.remove_position(unknown.ticket);
+  net.remove_position(unknown.ticket, unknown.account);
 
   for (const std::int32_t account : {first, first + 1})
-    net.remove_account(account);
+    net.remove_account(account, {});
   const Texts missing = desk.differences();
   for (const char* const difference : {"EURUSD has positions, but is not among the net positions",
                                        "account 500100: net positions long shows 0, the server has 1",

@@ -63,7 +63,7 @@ void CNetPos::position_added(const OpenPosition& position) {
                  position.amount,
                  position.open_price,
                  position.floating_pl};
-  const auto [at, is_new] = held_.emplace(position.ticket, now);
+  const auto [at, is_new] = held_.emplace(ticket_key(position.ticket, position.account), now);
   if (!is_new) {
     take(at->second);
     at.value() = now;
@@ -71,18 +71,18 @@ void CNetPos::position_added(const OpenPosition& position) {
   put(now);
 }
 
-void CNetPos::remove_position(std::int64_t ticket) {
-  const auto at = held_.find(ticket);
+void CNetPos::remove_position(std::int64_t ticket, std::int32_t account) {
+  const auto at = held_.find(ticket_key(ticket, account));
   if (at == held_.end()) return;
   take(at->second);
   held_.erase(at);
 }
 
-void CNetPos::remove_account(std::int32_t number) {
+void CNetPos::remove_account(std::int32_t number, const Numbers& kept) {
   const auto place = place_of_account_.find(number);
   if (place == place_of_account_.end() || accounts_[place->second].sum.positions() == 0) return;
   for (auto at = held_.begin(); at != held_.end();) {
-    if (at->second.account != place->second) {
+    if (at->first.account() != number || kept.contains(at->first.number())) {
       ++at;
     } else {
       take(at->second);
@@ -92,7 +92,7 @@ void CNetPos::remove_account(std::int32_t number) {
 }
 
 void CNetPos::floating_changed(const OpenPosition& position, std::string_view profit) {
-  const auto at = held_.find(position.ticket);
+  const auto at = held_.find(ticket_key(position.ticket, position.account));
   if (at == held_.end()) return;
   Held& held = at.value();
   const double now =

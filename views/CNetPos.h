@@ -49,8 +49,8 @@ class CNetPos final : public NetDesk, public Displayable {
 
   // NetDesk
   void position_added(const OpenPosition& position) override;
-  void remove_position(std::int64_t ticket) override;
-  void remove_account(std::int32_t account) override;
+  void remove_position(std::int64_t ticket, std::int32_t account) override;
+  void remove_account(std::int32_t account, const Numbers& kept) override;
   void floating_changed(const OpenPosition& position, std::string_view profit) override;
 
  private:
@@ -70,7 +70,7 @@ class CNetPos final : public NetDesk, public Displayable {
   void touch(const Held& held);
 
   const MGeneral& general_;
-  tsl::robin_map<std::int64_t, Held> held_;  // by ticket
+  tsl::robin_map<RowKey, Held, RowKey::Hash> held_;  // by ticket and account
   tsl::robin_map<std::int32_t, std::uint32_t> place_of_account_;
   std::vector<OfSymbol> symbols_;
   std::vector<OfAccount> accounts_;

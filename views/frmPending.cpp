@@ -26,14 +26,15 @@ std::int32_t frmPending::account_of(const Row& row) {
 }
 
 int frmPending::digits(std::int32_t number, std::string_view name) const {
-  const CClientAPIManager* session = sessions_.by_account(number);
+  const CClientAPIManager* session = sessions_.logged_in(number);
   const Symbol* record = session == nullptr ? nullptr : session->ClientAPIF().SymbolRecord(name);
   return record == nullptr ? 5 : record->digits;
 }
 
 Row& frmPending::Add(std::int64_t number, std::int32_t account_number) {
-  Row* row = lvwPending.find(order_key(number));
-  if (row == nullptr) row = lvwPending.add(order_key(number));
+  const RowKey key = order_key(number, account_number);
+  Row* row = lvwPending.find(key);
+  if (row == nullptr) row = lvwPending.add(key);
   row->set_whole(Column::order_number, number);
   Updateaccount(*row, account_number);
   return *row;
@@ -63,16 +64,17 @@ void frmPending::AddOrder(const PendingOrder& order) {
   data.reference = order.reference;
 }
 
-void frmPending::Removeorder(std::int64_t number) {
-  if (Row* row = lvwPending.find(order_key(number))) Remove(*row);
+void frmPending::Removeorder(std::int64_t number, std::int32_t of_account) {
+  if (Row* row = lvwPending.find(order_key(number, of_account))) Remove(*row);
 }
 
-void frmPending::removeClientinfo(std::int32_t number) {
-  lvwPending.remove_if([&](const Row& row) { return account_of(row) == number; });
+void frmPending::removeClientinfo(std::int32_t number, const Numbers& kept) {
+  lvwPending.remove_if(
+      [&](const Row& row) { return row.key().account() == number && !kept.contains(row.key().number()); });
 }
 
-void frmPending::order_text(std::int64_t number, std::int32_t, std::string_view text) {
-  if (Row* row = lvwPending.find(order_key(number))) row->data<RowData>().note = text;
+void frmPending::order_text(std::int64_t number, std::int32_t of_account, std::string_view text) {
+  if (Row* row = lvwPending.find(order_key(number, of_account))) row->data<RowData>().note = text;
 }
 
 std::string frmPending::note(const Row& row) {

@@ -15,7 +15,7 @@
 namespace tutti {
 
 // Pending orders window: market orders in dealing, entry orders, and the SL/TP orders of positions, of all
-// logged-in accounts. Rows are keyed "P" and the order number.
+// logged-in accounts. Rows are keyed "P", the order number and the account.
 class frmPending final : public PendingBook {
  public:
   enum Column : std::size_t {
@@ -59,12 +59,12 @@ class frmPending final : public PendingBook {
   void Updateaccount(Row& row, std::int32_t account);
   void UpdateSlTp(Row& row, double stop_loss, double take_profit, int decimals);
   void Remove(Row& row) { lvwPending.remove(row); }
-  void Removeorder(std::int64_t order);
-  // Every row of an account that was refused, removed or disconnected.
-  void removeClientinfo(std::int32_t account);
+  void Removeorder(std::int64_t order, std::int32_t account);
+  // Every row of an account that was refused, removed or disconnected, but those.
+  void removeClientinfo(std::int32_t account, const Numbers& kept = {});
   // A request in dealing was settled: its row goes.
-  void MarketOrderAccepted(std::int64_t order) { Removeorder(order); }
-  void MarketOrderRejected(std::int64_t order) { Removeorder(order); }
+  void MarketOrderAccepted(std::int64_t order, std::int32_t account) { Removeorder(order, account); }
+  void MarketOrderRejected(std::int64_t order, std::int32_t account) { Removeorder(order, account); }
 
   // Type column of an order from its kind code and the ticket it belongs to.
   static std::string TypeDesc(std::string_view kind, std::int64_t reference);
@@ -83,8 +83,8 @@ class frmPending final : public PendingBook {
 
   // PendingBook
   void order(const PendingOrder& order) override { AddOrder(order); }
-  void remove_order(std::int64_t order) override { Removeorder(order); }
-  void remove_account(std::int32_t account) override { removeClientinfo(account); }
+  void remove_order(std::int64_t order, std::int32_t account) override { Removeorder(order, account); }
+  void remove_account(std::int32_t account, const Numbers& kept) override { removeClientinfo(account, kept); }
   void order_text(std::int64_t order, std::int32_t account, std::string_view text) override;
 
  private:

@@ -26,8 +26,9 @@ void frmTrade::ColumnWidthsPer(std::string widths) {
 }
 
 void frmTrade::AddPosition(const OpenPosition& position) {
-  Row* row = lvwOpenPos.find(ticket_key(position.ticket));
-  if (row == nullptr) row = lvwOpenPos.add(ticket_key(position.ticket));
+  const RowKey key = ticket_key(position.ticket, position.account);
+  Row* row = lvwOpenPos.find(key);
+  if (row == nullptr) row = lvwOpenPos.add(key);
   const int decimals = symbols_.digits(position.symbol);
   row->set_whole(Column::ticket, position.ticket);
   row->set_number(Column::account, position.account);
@@ -44,7 +45,7 @@ void frmTrade::AddPosition(const OpenPosition& position) {
 }
 
 void frmTrade::floating_changed(const OpenPosition& position) {
-  Row* row = lvwOpenPos.find(ticket_key(position.ticket));
+  Row* row = lvwOpenPos.find(ticket_key(position.ticket, position.account));
   if (row == nullptr) return;
   Cell* cells = row->edit_from(0, row->columns());
   cells[Column::current_price].set_number(position.current_price, NumberFormat::fixed);
@@ -53,14 +54,15 @@ void frmTrade::floating_changed(const OpenPosition& position) {
   cells[Column::profit].set_fixed(position.floating_pl, money_decimals);
 }
 
-void frmTrade::RemovePosition(std::int64_t number) {
-  if (Row* row = lvwOpenPos.find(ticket_key(number))) lvwOpenPos.remove(*row);
-  desk_.net->remove_position(number);
+void frmTrade::RemovePosition(std::int64_t number, std::int32_t of_account) {
+  if (Row* row = lvwOpenPos.find(ticket_key(number, of_account))) lvwOpenPos.remove(*row);
+  desk_.net->remove_position(number, of_account);
 }
 
-void frmTrade::RemovePending(std::int32_t number) {
-  lvwOpenPos.remove_if([&](const Row& row) { return row.cell(Column::account).stored_number() == number; });
-  desk_.net->remove_account(number);
+void frmTrade::RemovePending(std::int32_t number, const Numbers& kept) {
+  lvwOpenPos.remove_if(
+      [&](const Row& row) { return row.key().account() == number && !kept.contains(row.key().number()); });
+  desk_.net->remove_account(number, kept);
 }
 
 void frmTrade::chkAll_Click() {
@@ -74,8 +76,7 @@ frmTrade::Close frmTrade::close_of(const Row& row) {
 }
 
 const Row* frmTrade::row_of(const Close& position) const {
-  const Row* row = lvwOpenPos.find(ticket_key(position.ticket));
-  return row != nullptr && row->cell(Column::account).stored_number() == position.account ? row : nullptr;
+  return lvwOpenPos.find(ticket_key(position.ticket, position.account));
 }
 
 std::vector<frmTrade::Close> frmTrade::ticked() const {

@@ -17,8 +17,8 @@
 
 namespace tutti {
 
-// Open positions window ("Trade"): one row per open position of any logged-in account, keyed "T" and the
-// ticket, with live price and profit. Closes the ticked ones.
+// Open positions window ("Trade"): one row per open position of any logged-in account, keyed "T", the ticket
+// and the account, with live price and profit. Closes the ticked ones.
 class frmTrade final : public PositionBook {
  public:
   enum Column : std::size_t {
@@ -61,9 +61,9 @@ class frmTrade final : public PositionBook {
   void ColumnWidthsPer(std::string widths);
 
   void AddPosition(const OpenPosition& position);
-  void RemovePosition(std::int64_t ticket);
-  // All positions of an account that is no longer connected.
-  void RemovePending(std::int32_t account);
+  void RemovePosition(std::int64_t ticket, std::int32_t account);
+  // All positions of an account that is no longer connected, but those.
+  void RemovePending(std::int32_t account, const Numbers& kept = {});
   // Asks whether this one is to be closed, ticked or not, and closes no other.
   void close_one(const Row& row);
   // What these positions are in all, for the question whether to close them. One that is gone is not told.
@@ -79,8 +79,10 @@ class frmTrade final : public PositionBook {
 
   // PositionBook
   void position(const OpenPosition& position) override { AddPosition(position); }
-  void remove_position(std::int64_t ticket) override { RemovePosition(ticket); }
-  void remove_account(std::int32_t account) override { RemovePending(account); }
+  void remove_position(std::int64_t ticket, std::int32_t account) override {
+    RemovePosition(ticket, account);
+  }
+  void remove_account(std::int32_t account, const Numbers& kept) override { RemovePending(account, kept); }
   void floating_changed(const OpenPosition& position) override;
 
  private:

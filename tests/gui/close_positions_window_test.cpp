@@ -75,10 +75,8 @@ struct ClosingRig : GuiRig {
   // As before its first price.
   void forget_price(int place) { list.rows().row_at(place)->set_text(frmClosePos::action, "Close"); }
   std::int64_t ticket(int place) { return list.rows().row_at(place)->key().number(); }
-  std::int32_t account(int place) {
-    const Row& row = *main().trade().lvwOpenPos.find(ticket_key(ticket(place)));
-    return static_cast<std::int32_t>(row.cell(frmTrade::account).stored_number());
-  }
+  std::int32_t account(int place) { return list.rows().row_at(place)->key().account(); }
+  void remove(int place) { form.Remove(ticket(place), account(place)); }
   std::string counted() { return find<ElidedLabel>("marked_count").text().toStdString(); }
   std::size_t positions() { return main().trade().lvwOpenPos.size(); }
 
@@ -141,11 +139,11 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   rig.run(1s);
   // While the button is down its row is freed, and one of the same account is made in its place.
   const OpenPosition other{.ticket = rig.ticket(3), .account = rig.account(3), .symbol = "EURUSD"};
-  rig.form.Remove(other.ticket);
+  rig.remove(3);
   rig.run(0ms);
   const QPoint pressed = cell_point(list, 1, status);
   QTest::mousePress(list.viewport(), Qt::LeftButton, {}, pressed);
-  rig.form.Remove(rig.ticket(1));
+  rig.remove(1);
   rig.form.Add(other);
   rig.screen.acted();
   EXPECT_EQ(rig.ticket(1), other.ticket);
@@ -155,7 +153,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   const std::int64_t below = rig.ticket(3);
   click_cell(list, 1, status);
   EXPECT_EQ(rig.marked(), Places{});
-  rig.form.Remove(rig.ticket(2));
+  rig.remove(2);
   rig.screen.acted();
   ASSERT_EQ(rig.ticket(2), below);
   click_cell(list, 2, status);
@@ -182,7 +180,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   const auto value = [&list] { return list.verticalScrollBar()->value(); };
   const int end = value();
   const QPoint last = cell_point(list, list.rows().rowCount() - 2, status);
-  rig.form.Remove(rig.ticket(list.rows().rowCount() - 1));
+  rig.remove(list.rows().rowCount() - 1);
   rig.screen.acted();
   QCoreApplication::processEvents();
   ASSERT_LT(value(), end);
@@ -193,7 +191,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   list.verticalScrollBar()->setValue(value() / 2 + 60);
   rig.run(0ms);
   const int before = value();
-  rig.form.Remove(rig.ticket(1));
+  rig.remove(1);
   rig.screen.acted();
   EXPECT_EQ(value(), before);
   rig.window.resize(1000, 500);
@@ -212,7 +210,7 @@ TEST(ClosePositionsWindow, AClickOnCloseAsksAndClosesThatOne) {
   RowListView& list = rig.list;
   DesktopPrompt boxes{rig.screen};
   rig.terminal.prompt.screen = &boxes;
-  const std::int64_t ticket = rig.ticket(4);
+  const RowKey position = list.rows().row_at(4)->key();
   rig.forget_price(4);
   when_modal([](QWidget& box) { QTest::keyClick(&box, Qt::Key_N); });
   click_cell(list, 4, action);
@@ -232,7 +230,7 @@ TEST(ClosePositionsWindow, AClickOnCloseAsksAndClosesThatOne) {
   rig.run(1s);
   EXPECT_EQ(rig.asked(), Texts{sure_of_one});
   EXPECT_EQ(rig.positions(), 7U);
-  EXPECT_EQ(rig.form.searchpos(ticket), nullptr);
+  EXPECT_EQ(rig.form.MSH.find(position), nullptr);
   EXPECT_EQ(rig.line("answers_line"), "1 accepted");
 }
 

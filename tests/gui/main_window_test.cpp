@@ -124,6 +124,16 @@ TEST_F(DesktopTest, NoHarmlessKeyIsNextToOneThatSendsClosesOrLogsOut) {
     EXPECT_TRUE(grave.contains(QString::fromLatin1(name))) << name;
 }
 
+TEST_F(DesktopTest, SummariesOfTheSelectedAccountsAreAskedForAnew) {
+  RowList& list = rig.main().accounts().lvwClients;
+  for (Row& row : list)
+    row.set_text(frmMain::balance, "old");
+  list.select(list.row(1));
+  trigger("refresh_summaries");
+  EXPECT_EQ(list.row(0).text(frmMain::balance), "old");
+  EXPECT_NE(list.row(1).text(frmMain::balance), "old");
+}
+
 TEST_F(DesktopTest, FormsAreDisplayedWhileTheirPanesCanBeSeen) {
   struct Case {
     const char* what;

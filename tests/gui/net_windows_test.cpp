@@ -258,7 +258,7 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   // What stands selected is the same cells, of the accounts that are left.
   drag(at(0, gbp), at(2, gbp));
   EXPECT_EQ(line(), before);
-  book.remove_account(3);
+  book.remove_account(3, {});
   hold(1, "AUDUSD", 1.0, 0.0);
   rig.screen.acted();
   EXPECT_EQ(line(), "1 account, 1 symbol, -1.5 lots net");

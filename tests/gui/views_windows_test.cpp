@@ -92,9 +92,9 @@ TEST_F(TradeTest, TenThousandPositionsComeAndGo) {
   EXPECT_EQ(form.lvwOpenPos.checked_count(), 5u);
   const std::int64_t first = list.rows().row_at(2)->key().number();
   const std::int64_t last = list.rows().row_at(6)->key().number();
-  form.RemovePosition(first);
+  form.RemovePosition(first, 0);
   for (std::int64_t i = 1; i <= count; i += 2)
-    if (i != last) form.RemovePosition(i);
+    if (i != last) form.RemovePosition(i, 0);
   rig.screen.acted();
   EXPECT_EQ(form.lvwOpenPos.selected().size(), form.lvwOpenPos.checked_count());
   for (const Row* row : form.lvwOpenPos.selected())
@@ -127,7 +127,7 @@ TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
   EXPECT_EQ(note(), "");
   click_cell(list, 1, frmPending::symbol);
   EXPECT_EQ(note(), "Order 7002: Order 7002 in Pending mode");
-  form.Removeorder(7002);
+  form.Removeorder(7002, 500102);
   rig.run(50ms);
   EXPECT_EQ(note(), "");
 }
@@ -241,7 +241,7 @@ TEST(RowListModelTest, FollowsItsListWhateverHappens) {
     const std::size_t what = below(12);
     if (what < 5 || list.empty()) {
       for (std::size_t n = below(4); n < 4; ++n) {
-        Row* row = list.insert(what == 0 ? 0 : below(list.size() + 1), ticket_key(next++));
+        Row* row = list.insert(what == 0 ? 0 : below(list.size() + 1), ticket_key(next++, 1));
         row->set_whole(0, row->key().number());
         row->set_number(1, static_cast<double>(below(100)));
       }

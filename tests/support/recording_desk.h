@@ -111,7 +111,6 @@ class RecordingDesk {
     bool wants_lot_limits() const override { return asks_lots; }
     void lot_limits(double low, double high) override { say("lots", low, high); }
     void request_ended(std::int32_t account, std::int32_t code) override { say("ended", account, code); }
-    void requote_tick(const Requote& requote) override { say("requote", requote.order); }
   } market_order{"market", heard};
 
   class EntryOrders final : public RecordingOrderRows<EntryOrderDesk> {
@@ -132,25 +131,27 @@ class RecordingDesk {
     void remove_account(std::int32_t account) override { say("removes", account); }
     void refresh_symbols() override { say("symbols"); }
     void position_opened(const OpenPosition& position) override { say("opened", position.ticket); }
-    void position_closed(std::int64_t ticket) override { say("closed", ticket); }
+    void position_closed(std::int64_t ticket, std::int32_t) override { say("closed", ticket); }
     void prices(SymbolHandle, const Symbol& symbol) override { say("prices", symbol.name); }
-    void result(std::int64_t ticket, std::string_view text) override { say(word(ticket) + ":", text); }
+    void result(std::int64_t ticket, std::int32_t, std::string_view text) override {
+      say(word(ticket) + ":", text);
+    }
   } close_positions{"close", heard};
 
   class Positions final : public PositionBook, Voice {
    public:
     using Voice::Voice;
     void position(const OpenPosition& position) override { say("has", position.ticket); }
-    void remove_position(std::int64_t ticket) override { say("drops", ticket); }
-    void remove_account(std::int32_t account) override { say("removes", account); }
+    void remove_position(std::int64_t ticket, std::int32_t) override { say("drops", ticket); }
+    void remove_account(std::int32_t account, const Numbers&) override { say("removes", account); }
   } positions{"positions", heard};
 
   class Pending final : public PendingBook, Voice {
    public:
     using Voice::Voice;
     void order(const PendingOrder& order) override { say("has", order.kind, order.order, order.account); }
-    void remove_order(std::int64_t order) override { say("drops", order); }
-    void remove_account(std::int32_t account) override { say("removes", account); }
+    void remove_order(std::int64_t order, std::int32_t) override { say("drops", order); }
+    void remove_account(std::int32_t account, const Numbers&) override { say("removes", account); }
     void order_text(std::int64_t order, std::int32_t, std::string_view text) override {
       say(word(order) + ":", text);
     }
@@ -179,8 +180,8 @@ class RecordingDesk {
     void tick(CClientAPIManager& session, const Requote& requote) override {
       say(requote.order, "of", session.account());
     }
-    void order_accepted(const OrderReport& report) override { say("accepted", report.number); }
-    void order_rejected(const OrderReport& report) override { say("rejected", report.number); }
+    void order_accepted(std::int64_t order, std::int32_t) override { say("accepted", order); }
+    void order_rejected(std::int64_t order, std::int32_t) override { say("rejected", order); }
     void session_gone(const CClientAPIManager& session) override { say("gone", session.account()); }
   } requote{"requote", heard};
 

@@ -36,17 +36,24 @@ struct ScriptedTerminal : TestTerminal {
     main = std::make_unique<Main>(home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
                                   ServerSide{make_client, server, {}});
     if (!start() || clients.size() != summaries.size()) throw std::runtime_error("not started");
-    for (std::size_t i = 0; i < clients.size(); ++i) {
-      ScriptedClient& client = *clients[i];
-      client.symbols = {{.id = 70 + static_cast<std::int32_t>(i), .name = "EURUSD"},
-                        {.id = 90, .name = "GBPUSD"}};
-      client.summary.values.equity = summaries[i].first;
-      client.summary.values.free_margin = summaries[i].second;
-      client.info = AccountInfo{};
-      client.sink->SymbolsLoaded();
-      client.sink->AllDataAreLoaded();
-      client.sink->ConnectionState(true);
-    }
+    for (std::size_t i = 0; i < clients.size(); ++i)
+      connect(*clients[i], summaries[i].first, summaries[i].second);
+  }
+  // The account number once more, under another user name, connected.
+  ScriptedClient& add_row(const std::string& user, std::int32_t account) {
+    main->accounts().account_dialog().accept_quietly(user, "secret", std::to_string(account));
+    connect(*clients.back(), 100, 100);
+    return *clients.back();
+  }
+  void connect(ScriptedClient& client, double equity, double free_margin) {
+    const auto id = 69 + client.login_data.account;
+    client.symbols = {{.id = id, .name = "EURUSD"}, {.id = 90, .name = "GBPUSD"}};
+    client.summary.values.equity = equity;
+    client.summary.values.free_margin = free_margin;
+    client.info = AccountInfo{};
+    client.sink->SymbolsLoaded();
+    client.sink->AllDataAreLoaded();
+    client.sink->ConnectionState(true);
   }
   ScriptedClient& client(std::int32_t account) { return *clients[static_cast<std::size_t>(account) - 1]; }
 
