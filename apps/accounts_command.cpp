@@ -1,5 +1,3 @@
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
@@ -8,9 +6,8 @@
 
 namespace tutti {
 
-int accounts_command(Terminal& terminal) {
-  terminal.log_in();
-  Main& main = terminal.main();
+int accounts_command(CommandContext& context) {
+  Main& main = context.main();
   const RowList& list = main.accounts().lvwClients;
   const NamedColumns columns = {
       {"account", frmMain::account},         {"user", frmMain::user_name, true},
@@ -19,17 +16,17 @@ int accounts_command(Terminal& terminal) {
       {"credit", frmMain::credit},           {"equity", frmMain::equity},
       {"used_margin", frmMain::used_margin}, {"margin_level", frmMain::margin_level},
       {"free_margin", frmMain::free_margin}};
-  switch (terminal.options().form) {
+  Console& console = context.console();
+  switch (context.form()) {
     case OutputForm::json:
-      fmt::print(
-          "{}\n",
-          nlohmann::json{{"accounts", rows_json(list, columns)}, {"totals", totals_json(main)}}.dump(2));
+      console.print(
+          json_text(nlohmann::json{{"accounts", rows_json(list, columns)}, {"totals", totals_json(main)}}));
       break;
     case OutputForm::csv:
-      fmt::print("{}", rows_csv(list, columns));
+      console.print(rows_csv(list, columns));
       break;
     case OutputForm::text:
-      fmt::print("{}{}\n", rows_text(list), main.window().totals_pane());
+      console.print("{}{}\n", rows_text(list), main.window().totals_pane());
       break;
   }
   const bool all = std::all_of(list.begin(), list.end(),

@@ -3,8 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
-
 #include <nlohmann/json.hpp>
 
 #include "apps/commands.h"
@@ -15,16 +13,17 @@
 namespace tutti {
 namespace {
 
-void print_list(const Terminal& terminal, const char* name, const RowList& list,
+void print_list(const CommandContext& context, const char* name, const RowList& list,
                 const NamedColumns& columns) {
-  print_rows(terminal.options().form, name, list, columns,
-             fmt::format("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name));
+  context.console().print(
+      rows_report(context.form(), name, list, columns,
+                  fmt::format("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name)));
 }
 
 // What the dealing server has taken and not brought to its end, in the order in which it falls due.
-nlohmann::json in_flight_json(Terminal& terminal) {
+nlohmann::json in_flight_json(CommandContext& context) {
   nlohmann::json out = nlohmann::json::array();
-  for (const TradeRequest& request : terminal.server().requests()) {
+  for (const TradeRequest& request : context.server().requests()) {
     nlohmann::json& one = out.emplace_back(nlohmann::json{{"number", request.number},
                                                           {"account", request.account},
                                                           {"request", name_of(request.kind)},
@@ -36,7 +35,7 @@ nlohmann::json in_flight_json(Terminal& terminal) {
                                                           {"price", nullptr}});
     if (request.reference != 0) one["reference"] = request.reference;
     if (request.price > 0.0) one["price"] = request.price;
-    one["due"] = terminal.main().general().full_time_text(request.due);
+    one["due"] = context.main().general().full_time_text(request.due);
   }
   return out;
 }
@@ -44,8 +43,9 @@ nlohmann::json in_flight_json(Terminal& terminal) {
 // A command that ticks rows, presses a button, and waits for what becomes of each row.
 class RowsRun {
  public:
-  RowsRun(Terminal& terminal, const RowsArguments& arguments, RowList& list, const RequestsReport& report)
-      : terminal_(terminal), arguments_(arguments), list_(list), report_(report) {}
+  RowsRun(CommandContext& context, const RowsArguments& arguments, RowList& list,
+          const RequestsReport& report)
+      : context_(context), arguments_(arguments), list_(list), report_(report) {}
 
   int run(std::size_t account_column, std::size_t symbol_column, Label& button);
 
@@ -54,7 +54,7 @@ class RowsRun {
 
   bool wanted(const Asked& asked, std::string_view symbol) const;
 
-  Terminal& terminal_;
+  CommandContext& context_;
   const RowsArguments& arguments_;
   RowList& list_;
   const RequestsReport& report_;
@@ -69,9 +69,8 @@ bool RowsRun::wanted(const Asked& asked, std::string_view symbol) const {
 }
 
 int RowsRun::run(std::size_t account_column, std::size_t symbol_column, Label& button) {
-  terminal_.log_in();
-  if (!terminal_.knows(arguments_.accounts)) return exit_status::usage;
-  const bool everybody = terminal_.tell_unconnected(arguments_.accounts) == 0;
+  if (!context_.knows(arguments_.accounts)) return exit_status::usage;
+  const bool everybody = context_.tell_unconnected(arguments_.accounts) == 0;
   std::vector<Asked> all;
   for (Row& row : list_) {
     const Asked asked{row.key().number(),
@@ -82,15 +81,15 @@ int RowsRun::run(std::size_t account_column, std::size_t symbol_column, Label& b
   }
   for (const std::int64_t number : arguments_.numbers) {
     if (std::none_of(all.begin(), all.end(), [&](const Asked& a) { return a.number == number; })) {
-      fmt::print(stderr, "No connected account has {} {}\n", report_.number_name(), number);
+      context_.console().tell("No connected account has {} {}\n", report_.number_name(), number);
       return exit_status::usage;
     }
   }
   button.click();
-  run_answering(terminal_, arguments_.requote, [&] {
+  run_answering(context_, arguments_.requote, [&] {
     return std::all_of(all.begin(), all.end(), [&](const Asked& a) { return report_.answered(a); });
   });
-  terminal_.journal_unanswered();
+  context_.journal_unanswered();
   report_.print(all);
   const bool done = std::all_of(all.begin(), all.end(), [&](const Asked& a) { return report_.accepted(a); });
   return done && everybody && !all.empty() ? exit_status::all_accepted : exit_status::some_refused;
@@ -98,9 +97,8 @@ int RowsRun::run(std::size_t account_column, std::size_t symbol_column, Label& b
 
 }  // namespace
 
-int positions_command(Terminal& terminal) {
-  terminal.log_in();
-  print_list(terminal, "positions", terminal.main().trade().lvwOpenPos,
+int positions_command(CommandContext& context) {
+  print_list(context, "positions", context.main().trade().lvwOpenPos,
              {{"ticket", frmTrade::ticket},
               {"account", frmTrade::account},
               {"time", frmTrade::time, true},
@@ -114,43 +112,42 @@ int positions_command(Terminal& terminal) {
               {"commission", frmTrade::commission},
               {"interest", frmTrade::interest},
               {"profit", frmTrade::profit}});
-  return terminal.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
+  return context.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 
-int orders_command(Terminal& terminal) {
-  terminal.log_in();
-  const RowList& list = terminal.main().pending().lvwPending;
+int orders_command(CommandContext& context) {
+  const RowList& list = context.main().pending().lvwPending;
   const NamedColumns columns = {
       {"order", frmPending::order_number},  {"account", frmPending::account},
       {"type", frmPending::type, true},     {"amount", frmPending::amount},
       {"symbol", frmPending::symbol, true}, {"price", frmPending::price},
       {"stop_loss", frmPending::stop_loss}, {"take_profit", frmPending::take_profit},
       {"time", frmPending::time, true}};
-  if (terminal.options().form == OutputForm::json)
-    fmt::print(
-        "{}\n",
-        nlohmann::json{{"orders", rows_json(list, columns)}, {"in_flight", in_flight_json(terminal)}}.dump(
-            2));
-  else
-    print_list(terminal, "orders", list, columns);
-  if (const auto count = terminal.server().requests_in_flight(); count > 0)
-    fmt::print(stderr, "{} requests are still on their way at the dealing server: --json names them\n",
-               count);
-  return terminal.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
+  if (context.form() == OutputForm::json) {
+    context.console().print(json_text(
+        nlohmann::json{{"orders", rows_json(list, columns)}, {"in_flight", in_flight_json(context)}}));
+  } else {
+    print_list(context, "orders", list, columns);
+  }
+  if (const auto count = context.server().requests_in_flight(); count > 0) {
+    context.console().tell("{} requests are still on their way at the dealing server: --json names them\n",
+                           count);
+  }
+  return context.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 
-int close_command(Terminal& terminal, const RowsArguments& arguments) {
-  frmTrade& form = terminal.main().trade();
-  const RequestsReport report{terminal, RequestKind::close, "ticket", "positions"};
-  return RowsRun{terminal, arguments, form.lvwOpenPos, report}.run(frmTrade::account, frmTrade::symbol,
-                                                                   form.lbbClose);
+int close_command(CommandContext& context, const RowsArguments& arguments) {
+  frmTrade& form = context.main().trade();
+  const RequestsReport report{context, RequestKind::close, "ticket", "positions"};
+  return RowsRun{context, arguments, form.lvwOpenPos, report}.run(frmTrade::account, frmTrade::symbol,
+                                                                  form.lbbClose);
 }
 
-int cancel_command(Terminal& terminal, const RowsArguments& arguments) {
-  frmPending& form = terminal.main().pending();
-  const RequestsReport report{terminal, RequestKind::cancel, "order", "orders"};
-  return RowsRun{terminal, arguments, form.lvwPending, report}.run(frmPending::account, frmPending::symbol,
-                                                                   form.lbbCancel);
+int cancel_command(CommandContext& context, const RowsArguments& arguments) {
+  frmPending& form = context.main().pending();
+  const RequestsReport report{context, RequestKind::cancel, "order", "orders"};
+  return RowsRun{context, arguments, form.lvwPending, report}.run(frmPending::account, frmPending::symbol,
+                                                                  form.lbbCancel);
 }
 
 }  // namespace tutti

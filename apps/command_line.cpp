@@ -1,9 +1,6 @@
 #include "apps/command_line.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
-
-#include <cstdio>
 
 #include "core/numbers.h"
 #include "dealer/book_folder.h"
@@ -45,19 +42,16 @@ std::string fresh_question(const TerminalOptions& options) {
                      options.home.string());
 }
 
-std::optional<int> ask_for_fresh(const TerminalOptions& options, int input) {
+std::optional<int> ask_for_fresh(const TerminalOptions& options, Console& console) {
   const std::string question = fresh_question(options);
   if (question.empty()) return std::nullopt;
-  if (::isatty(input) == 0) {
-    fmt::print(stderr, "{} Nobody can be asked here: --yes answers yes\n", question);
+  if (!console.answered()) {
+    console.tell("{} Nobody can be asked here: --yes answers yes\n", question);
     return exit_status::usage;
   }
-  fmt::print(stderr, "{} Go on? y/N ", question);
-  std::string answer;
-  for (char typed = 0; ::read(input, &typed, 1) == 1 && typed != '\n';)
-    answer += typed;
+  const std::string answer = console.ask(question + " Go on? y/N ");
   if (answer.starts_with('y') || answer.starts_with('Y')) return std::nullopt;
-  fmt::print(stderr, "Nothing was done\n");
+  console.tell("Nothing was done\n");
   return exit_status::some_refused;
 }
 

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "apps/console.h"
 #include "apps/terminal.h"
 
 namespace tutti {
@@ -13,9 +14,9 @@ namespace tutti {
 // folder is the one beside it unless --home names another.
 void add_terminal_options(CLI::App& app, TerminalOptions& options, const char* program);
 
-// Asks on the terminal behind the descriptor, when --fresh has a book to throw away and --yes is not given.
-// Nothing: go on. Else the exit status: nobody could be asked, or the answer was no.
-std::optional<int> ask_for_fresh(const TerminalOptions& options, int input);
+// Asks, when --fresh has a book to throw away and --yes is not given. Nothing: go on. Else the exit status:
+// nobody could be asked, or the answer was no.
+std::optional<int> ask_for_fresh(const TerminalOptions& options, Console& console);
 // The question, empty when there is nothing to ask.
 std::string fresh_question(const TerminalOptions& options);
 

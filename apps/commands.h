@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/terminal.h"
+#include "apps/command_context.h"
 
 // The commands of the command line. Each prints to standard output and answers the exit status.
 namespace tutti {
@@ -50,19 +50,19 @@ struct RowsArguments {
   RequoteReply requote = RequoteReply::reject;
 };
 
-int accounts_command(Terminal& terminal);
-int order_command(Terminal& terminal, const OrderArguments& arguments);
-int entry_command(Terminal& terminal, const EntryArguments& arguments);
-int modify_command(Terminal& terminal, const ModifyArguments& arguments);
+int accounts_command(CommandContext& context);
+int order_command(CommandContext& context, const OrderArguments& arguments);
+int entry_command(CommandContext& context, const EntryArguments& arguments);
+int modify_command(CommandContext& context, const ModifyArguments& arguments);
 // Oldest first, without holding it: a history may be of any size.
-int journal_command(Terminal& terminal, OutputForm form, std::int32_t account);
-int positions_command(Terminal& terminal);
-int orders_command(Terminal& terminal);
+int journal_command(CommandContext& context, std::int32_t account);
+int positions_command(CommandContext& context);
+int orders_command(CommandContext& context);
 // Per symbol over all accounts, or per account and symbol.
-int net_command(Terminal& terminal, bool by_account);
-int close_command(Terminal& terminal, const RowsArguments& arguments);
-int cancel_command(Terminal& terminal, const RowsArguments& arguments);
+int net_command(CommandContext& context, bool by_account);
+int close_command(CommandContext& context, const RowsArguments& arguments);
+int cancel_command(CommandContext& context, const RowsArguments& arguments);
 // Prints every difference between what the terminal shows and the dealing server's own books.
-int verify_command(Terminal& terminal);
+int verify_command(CommandContext& context);
 
 }  // namespace tutti

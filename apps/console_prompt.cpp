@@ -1,9 +1,5 @@
 #include "apps/console_prompt.h"
 
-#include <fmt/format.h>
-
-#include <cstdio>
-
 #include "core/frmMsgBox.h"
 #include "core/frmSure.h"
 #include "core/texts.h"
@@ -12,10 +8,10 @@ namespace tutti {
 
 void ConsolePrompt::run(frmMsgBox& box) {
   const bool question = box.cmd2.visible();
-  fmt::print(stderr, "{}: {}{}\n", box.caption(), box.label.text(),
-             question ? (yes_ ? " Yes" : " No (--yes answers yes)") : "");
+  console_.tell("{}: {}{}\n", box.caption(), box.label.text(),
+                question ? (yes_ ? " Yes" : " No (--yes answers yes)") : "");
   for (const std::string_view line : split(box.label2.text(), "\n"))
-    if (!line.empty()) fmt::print(stderr, "  {}\n", line);
+    if (!line.empty()) console_.tell("  {}\n", line);
   if (question && !yes_) {
     box.cmd2_Click();
   } else {
@@ -24,7 +20,7 @@ void ConsolePrompt::run(frmMsgBox& box) {
 }
 
 void ConsolePrompt::run(frmSure& box) {
-  fmt::print(stderr, "{} {}\n", box.label.text(), yes_ ? "Yes" : "No (--yes answers yes)");
+  console_.tell("{} {}\n", box.label.text(), yes_ ? "Yes" : "No (--yes answers yes)");
   if (yes_) {
     box.cmd1_Click();
   } else {
@@ -33,7 +29,7 @@ void ConsolePrompt::run(frmSure& box) {
 }
 
 void ConsolePrompt::system_box(std::string_view text, std::string_view caption) {
-  fmt::print(stderr, "{}: {}\n", caption, text);
+  console_.tell("{}: {}\n", caption, text);
 }
 
 }  // namespace tutti

@@ -3,24 +3,26 @@
 #include <string>
 #include <string_view>
 
+#include "apps/console.h"
 #include "core/file_dialog.h"
 #include "core/prompt.h"
 #include "core/sound_port.h"
 
 namespace tutti {
 
-// Messages and questions on a terminal without a screen: texts go to standard error, questions are answered
-// at once, and nothing waits for anybody.
+// Messages and questions on a terminal without a screen: texts go to the console's messages, questions are
+// answered at once, and nothing waits for anybody.
 class ConsolePrompt final : public Prompt {
  public:
   // `yes` answers every question with yes, otherwise with no.
-  explicit ConsolePrompt(bool yes) : yes_(yes) {}
+  ConsolePrompt(Console& console, bool yes) : console_(console), yes_(yes) {}
 
   void run(frmMsgBox& box) override;
   void run(frmSure& box) override;
   void system_box(std::string_view text, std::string_view caption) override;
 
  private:
+  Console& console_;
   bool yes_;
 };
 

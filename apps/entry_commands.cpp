@@ -10,8 +10,8 @@ namespace {
 
 class EntryRun final : public SplitRun {
  public:
-  EntryRun(Terminal& terminal, const EntryArguments& arguments, frmlimitorder& form)
-      : SplitRun(terminal, arguments,
+  EntryRun(CommandContext& context, const EntryArguments& arguments, frmlimitorder& form)
+      : SplitRun(context, arguments,
                  {form.lvwConClients, form.cblimitordersymbols, form.CBlimitorderdis,
                   form.txtlimitorderammount, form.chkAllClients, form.cmdlimiorderdis}),
         form_(form),
@@ -35,7 +35,7 @@ class EntryRun final : public SplitRun {
     if (form_.lvwConClients.checked_count() == 0) return false;
     form_.cmdsubmitlimiorder.click();
     if (!form_.submitted()) return false;
-    terminal_.run_until([this] { return form_.answers().waiting == 0; });
+    context_.run_until([this] { return form_.answers().waiting == 0; });
     return true;
   }
 
@@ -64,25 +64,24 @@ std::size_t open(Main& main, std::int64_t number) {
 
 }  // namespace
 
-int entry_command(Terminal& terminal, const EntryArguments& arguments) {
-  return EntryRun{terminal, arguments, terminal.main().entry_order()}.run();
+int entry_command(CommandContext& context, const EntryArguments& arguments) {
+  return EntryRun{context, arguments, context.main().entry_order()}.run();
 }
 
-int modify_command(Terminal& terminal, const ModifyArguments& arguments) {
-  terminal.log_in();
-  frmlimitorder& form = terminal.main().entry_order();
-  if (const std::size_t found = open(terminal.main(), arguments.number); found != 1) {
-    fmt::print(stderr, "{} has the order or ticket {}; nothing is changed\n",
-               found == 0 ? "No connected account" : "More than one account", arguments.number);
+int modify_command(CommandContext& context, const ModifyArguments& arguments) {
+  frmlimitorder& form = context.main().entry_order();
+  if (const std::size_t found = open(context.main(), arguments.number); found != 1) {
+    context.console().tell("{} has the order or ticket {}; nothing is changed\n",
+                           found == 0 ? "No connected account" : "More than one account", arguments.number);
     return exit_status::usage;
   }
   const bool stops = form.mode() == frmlimitorder::edit_stops;
   if (form.mode().empty()) {
-    fmt::print(stderr, "The prices of {} can't be changed\n", arguments.number);
+    context.console().tell("The prices of {} can't be changed\n", arguments.number);
     return exit_status::some_refused;
   }
   if (stops && arguments.price) {
-    fmt::print(stderr, "--at goes with entry orders, and {} is none\n", arguments.number);
+    context.console().tell("--at goes with entry orders, and {} is none\n", arguments.number);
     return exit_status::usage;
   }
   const RequestsReport::Asked asked{form.edited(), form.edited_account()};
@@ -90,10 +89,10 @@ int modify_command(Terminal& terminal, const ModifyArguments& arguments) {
   retype(form.txtsl, arguments.stop_loss);
   retype(form.txttp, arguments.take_profit);
   form.cmdsubmitlimiorder.click();
-  const RequestsReport report = stops ? RequestsReport{terminal, RequestKind::stops, "ticket", "positions"}
-                                      : RequestsReport{terminal, RequestKind::update, "order", "orders"};
-  terminal.run_until([&] { return report.answered(asked); });
-  terminal.journal_unanswered();
+  const RequestsReport report = stops ? RequestsReport{context, RequestKind::stops, "ticket", "positions"}
+                                      : RequestsReport{context, RequestKind::update, "order", "orders"};
+  context.run_until([&] { return report.answered(asked); });
+  context.journal_unanswered();
   report.print({asked});
   return report.accepted(asked) ? exit_status::all_accepted : exit_status::some_refused;
 }

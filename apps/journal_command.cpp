@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "apps/commands.h"
@@ -23,8 +22,8 @@ void append_json(fmt::memory_buffer& out, std::string_view text) {
 // Prints entries one by one, so that a history of any size takes no more room than a short one.
 class JournalPrinter {
  public:
-  JournalPrinter(OutputForm form, std::int32_t account)
-      : json_(form == OutputForm::json), account_(account) {}
+  JournalPrinter(Console& console, OutputForm form, std::int32_t account)
+      : console_(console), json_(form == OutputForm::json), account_(account) {}
 
   void print(std::string_view time, std::string_view message) {
     if (json_) {
@@ -53,10 +52,12 @@ class JournalPrinter {
   static constexpr std::size_t flushed_at = 64u << 10;  // bytes
 
   void flush() {
-    std::fwrite(out_.data(), 1, out_.size(), stdout);
+    console_.print(std::string_view{out_.data(), out_.size()});
+    console_.flush();
     out_.clear();
   }
 
+  Console& console_;
   bool json_;
   std::int32_t account_;
   bool any_ = false;
@@ -65,15 +66,15 @@ class JournalPrinter {
 
 }  // namespace
 
-int journal_command(Terminal& terminal, OutputForm form, std::int32_t account) {
-  JournalPrinter printer{form, account};
-  const auto read = terminal.main().journal().read(
+int journal_command(CommandContext& context, std::int32_t account) {
+  JournalPrinter printer{context.console(), context.form(), account};
+  const auto read = context.main().journal().read(
       account, [&printer](std::string_view time, std::string_view message) { printer.print(time, message); });
   if (read) {
     printer.finish();
     return exit_status::all_accepted;
   }
-  fmt::print(stderr, "The history was not read whole: {}\n", read.error().text());
+  context.console().tell("The history was not read whole: {}\n", read.error().text());
   return exit_status::unreadable_data;
 }
 

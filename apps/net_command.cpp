@@ -29,24 +29,25 @@ std::vector<std::size_t> places_by(const Items& items, Key key) {
   return out;
 }
 
-void print(const Terminal& terminal, const RowList& list, const NamedColumns& columns, const RowList& table) {
-  print_rows(terminal.options().form, "net", list, columns,
-             table.empty() ? "0 positions\n" : rows_text(table));
+void print(const CommandContext& context, const RowList& list, const NamedColumns& columns,
+           const RowList& table) {
+  context.console().print(
+      rows_report(context.form(), "net", list, columns, table.empty() ? "0 positions\n" : rows_text(table)));
 }
 
-void print_symbols(Terminal& terminal) {
+void print_symbols(CommandContext& context) {
   enum Column : std::size_t { symbol, bought, sold, net, floating, accounts };
   RowList list{{"Symbol", "Long", "Short", "Net", "P/L", "Accounts"}};
-  const auto& symbols = terminal.main().net_positions().symbols();
+  const auto& symbols = context.main().net_positions().symbols();
   for (const std::size_t place : places_by(symbols, &CNetPos::OfSymbol::name)) {
     Row& row = *list.add();
     row.set_text(symbol, symbols[place].name);
     write_sum(row, bought, symbols[place].sum);
     row.set_number(accounts, symbols[place].accounts);
   }
-  frmNetTrade& form = terminal.main().net_trade();
+  frmNetTrade& form = context.main().net_trade();
   form.refresh();
-  print(terminal, list,
+  print(context, list,
         {{"symbol", symbol, true},
          {"long", bought},
          {"short", sold},
@@ -56,10 +57,10 @@ void print_symbols(Terminal& terminal) {
         form.lvwNet);
 }
 
-void print_accounts(Terminal& terminal) {
+void print_accounts(CommandContext& context) {
   enum Column : std::size_t { account, symbol, bought, sold, net, floating };
   RowList list{{"Account", "Symbol", "Long", "Short", "Net", "P/L"}};
-  const CNetPos& book = terminal.main().net_positions();
+  const CNetPos& book = context.main().net_positions();
   const auto symbols = places_by(book.symbols(), &CNetPos::OfSymbol::name);
   for (const std::size_t at : places_by(book.accounts(), &CNetPos::OfAccount::number)) {
     const CNetPos::OfAccount& of_account = book.accounts()[at];
@@ -72,9 +73,9 @@ void print_accounts(Terminal& terminal) {
       write_sum(row, bought, sum);
     }
   }
-  if (terminal.options().form == OutputForm::text && !list.empty())
-    write_sum(terminal.main().general().total_row(list), bought, book.total());
-  print(terminal, list,
+  if (context.form() == OutputForm::text && !list.empty())
+    write_sum(context.main().general().total_row(list), bought, book.total());
+  print(context, list,
         {{"account", account},
          {"symbol", symbol, true},
          {"long", bought},
@@ -86,14 +87,13 @@ void print_accounts(Terminal& terminal) {
 
 }  // namespace
 
-int net_command(Terminal& terminal, bool by_account) {
-  terminal.log_in();
+int net_command(CommandContext& context, bool by_account) {
   if (by_account) {
-    print_accounts(terminal);
+    print_accounts(context);
   } else {
-    print_symbols(terminal);
+    print_symbols(context);
   }
-  return terminal.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
+  return context.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 
 }  // namespace tutti

@@ -6,8 +6,8 @@ namespace {
 
 class OrderRun final : public SplitRun {
  public:
-  OrderRun(Terminal& terminal, const OrderArguments& arguments, frmorder& form)
-      : SplitRun(terminal, arguments,
+  OrderRun(CommandContext& context, const OrderArguments& arguments, frmorder& form)
+      : SplitRun(context, arguments,
                  {form.lvwConClients, form.cbsymbols, form.CBdis, form.txtammount, form.chkAllClients,
                   form.cmddis}),
         form_(form),
@@ -22,7 +22,7 @@ class OrderRun final : public SplitRun {
     // Not available unless shares were written.
     if (!button.enabled()) return false;
     button.click();
-    run_answering(terminal_, order_.requote, [this] { return form_.answers().waiting == 0; });
+    run_answering(context_, order_.requote, [this] { return form_.answers().waiting == 0; });
     return true;
   }
 
@@ -32,8 +32,8 @@ class OrderRun final : public SplitRun {
 
 }  // namespace
 
-int order_command(Terminal& terminal, const OrderArguments& arguments) {
-  return OrderRun{terminal, arguments, terminal.main().market_order()}.run();
+int order_command(CommandContext& context, const OrderArguments& arguments) {
+  return OrderRun{context, arguments, context.main().market_order()}.run();
 }
 
 }  // namespace tutti

@@ -88,19 +88,21 @@ std::string rows_csv(const RowList& list, const NamedColumns& columns) {
   return out;
 }
 
-void print_rows(OutputForm form, const std::string& name, const RowList& list, const NamedColumns& columns,
-                const std::string& text) {
+std::string json_text(const nlohmann::json& document) {
+  return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+std::string rows_report(OutputForm form, const std::string& name, const RowList& list,
+                        const NamedColumns& columns, const std::string& text) {
   switch (form) {
     case OutputForm::json:
-      fmt::print("{}\n", nlohmann::json{{name, rows_json(list, columns)}}.dump(2));
-      break;
+      return json_text(nlohmann::json{{name, rows_json(list, columns)}});
     case OutputForm::csv:
-      fmt::print("{}", rows_csv(list, columns));
-      break;
+      return rows_csv(list, columns);
     case OutputForm::text:
-      fmt::print("{}", text);
       break;
   }
+  return text;
 }
 
 std::string rows_text(const RowList& list) {

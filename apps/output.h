@@ -43,9 +43,11 @@ using NamedColumns = std::vector<NamedColumn>;
 // The rows as objects: numbers as numbers; an empty cell of a column of numbers is null.
 nlohmann::json rows_json(const RowList& list, const NamedColumns& columns);
 std::string rows_csv(const RowList& list, const NamedColumns& columns);
-// Prints either of them, the objects as a member `name` of one document, or `text`, as the operator asked.
-void print_rows(OutputForm form, const std::string& name, const RowList& list, const NamedColumns& columns,
-                const std::string& text);
+// Either of them, the objects as a member `name` of one document, or `text`, as the operator asked.
+std::string rows_report(OutputForm form, const std::string& name, const RowList& list,
+                        const NamedColumns& columns, const std::string& text);
+// The document, with a line end. Bytes that are no UTF-8 become the replacement character.
+std::string json_text(const nlohmann::json& document);
 // All columns under the list's own headers.
 std::string rows_text(const RowList& list);
 

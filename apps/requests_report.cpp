@@ -10,7 +10,7 @@
 namespace tutti {
 
 const SentOrder* RequestsReport::sent(const Asked& asked) const {
-  const CClientAPIManager* session = terminal_.main().accounts().sessions().by_account(asked.account);
+  const CClientAPIManager* session = context_.main().accounts().sessions().by_account(asked.account);
   return session == nullptr ? nullptr : session->sent_request(kind_, asked.number);
 }
 
@@ -46,8 +46,9 @@ std::string RequestsReport::result(const Asked& asked) const {
 }
 
 void RequestsReport::print(const std::vector<Asked>& all) const {
-  Main& main = terminal_.main();
-  if (terminal_.options().form == OutputForm::json) {
+  Main& main = context_.main();
+  Console& console = context_.console();
+  if (context_.form() == OutputForm::json) {
     nlohmann::json lines = nlohmann::json::array();
     for (const Asked& asked : all) {
       const SentOrder* request = sent(asked);
@@ -57,23 +58,21 @@ void RequestsReport::print(const std::vector<Asked>& all) const {
                        {"accepted", accepted(asked)},
                        {"result", result(asked)}});
     }
-    fmt::print("{}\n", nlohmann::json{{list_name_, lines},
-                                      {"totals", totals_json(main)},
-                                      {"journal", journal_json(main, no_account)}}
-                           .dump(2));
+    console.print(json_text(nlohmann::json{
+        {list_name_, lines}, {"totals", totals_json(main)}, {"journal", journal_json(main, no_account)}}));
     return;
   }
-  if (terminal_.options().form == OutputForm::csv) {
-    fmt::print("{},account,result\n", name_);
+  if (context_.form() == OutputForm::csv) {
+    console.print("{},account,result\n", name_);
     for (const Asked& asked : all)
-      fmt::print("{},{},{}\n", asked.number, asked.account, result(asked));
+      console.print("{},{},{}\n", asked.number, asked.account, result(asked));
     return;
   }
   TextTable table{{{name_, true}, {"account", true}, {"result"}}};
   for (const Asked& asked : all) {
     table.add({std::to_string(asked.number), std::to_string(asked.account), result(asked)});
   }
-  fmt::print("{}{}\n\n{}", table.text(), main.window().totals_pane(), journal_text(main));
+  console.print("{}{}\n\n{}", table.text(), main.window().totals_pane(), journal_text(main));
 }
 
 }  // namespace tutti

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/terminal.h"
+#include "apps/command_context.h"
 
 namespace tutti {
 
@@ -17,8 +17,8 @@ class RequestsReport {
   };
 
   // `number_name` is "ticket" or "order", `list_name` their plural.
-  RequestsReport(Terminal& terminal, RequestKind kind, const char* number_name, const char* list_name)
-      : terminal_(terminal), kind_(kind), name_(number_name), list_name_(list_name) {}
+  RequestsReport(CommandContext& context, RequestKind kind, const char* number_name, const char* list_name)
+      : context_(context), kind_(kind), name_(number_name), list_name_(list_name) {}
 
   const char* number_name() const { return name_; }
   // nullptr when nothing was sent.
@@ -31,7 +31,7 @@ class RequestsReport {
  private:
   std::string result(const Asked& asked) const;
 
-  Terminal& terminal_;
+  CommandContext& context_;
   RequestKind kind_;
   const char* name_;
   const char* list_name_;

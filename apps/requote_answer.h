@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <string>
 
 #include "apps/commands.h"
 #include "orders/frmPriceChanged.h"
@@ -13,22 +12,20 @@ namespace tutti {
 // The countdown goes on while nobody has typed.
 class RequoteAnswer {
  public:
-  RequoteAnswer(frmPriceChanged& form, RequoteReply how) : form_(form), how_(how) {}
+  RequoteAnswer(frmPriceChanged& form, Console& console, RequoteReply how)
+      : form_(form), console_(console), how_(how) {}
 
-  // To be called with every step of the terminal.
+  // To be called with every step of the context.
   void step();
 
  private:
-  // The next typed line, empty when none is complete.
-  std::string typed_line();
-
   frmPriceChanged& form_;
+  Console& console_;
   RequoteReply how_;
   std::int64_t asked_ = 0;  // the order that was asked about last
-  std::string typed_;
 };
 
 // Runs the terminal until the condition holds or the time is over, and answers the requotes meanwhile.
-void run_answering(Terminal& terminal, RequoteReply how, const std::function<bool()>& done);
+void run_answering(CommandContext& context, RequoteReply how, const std::function<bool()>& done);
 
 }  // namespace tutti

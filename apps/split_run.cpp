@@ -16,15 +16,15 @@ bool SplitRun::chosen(std::int32_t account) const {
 }
 
 bool SplitRun::known_arguments() const {
-  if (!terminal_.knows(arguments_.accounts)) return false;
+  if (!context_.knows(arguments_.accounts)) return false;
   // Where nobody is connected no symbol is known, which is no wrong usage: every account's line says why.
   const auto& names = controls_.symbol.items();
   if (!names.empty() && controls_.symbol.find(arguments_.symbol) < 0) {
     std::string known;
     for (const std::string& name : names)
       known += " " + name;
-    fmt::print(stderr, "Symbol {} is not carried by any connected account. There are:{}\n", arguments_.symbol,
-               known);
+    context_.console().tell("Symbol {} is not carried by any connected account. There are:{}\n",
+                            arguments_.symbol, known);
     return false;
   }
   return true;
@@ -105,19 +105,21 @@ std::vector<SplitRun::Line> SplitRun::lines() const {
 void SplitRun::print(const std::vector<Line>& lines) const {
   TextTable table{{{"Account", true}, {"User"}, {"Share", true}, {"Result"}}};
   int accepted = 0;
+  Console& console = context_.console();
   for (const Line& line : lines) {
     table.add(
         {std::to_string(line.account), line.user, line.share ? number_text(*line.share) : "", line.result});
     accepted += line.accepted ? 1 : 0;
   }
-  fmt::print("{} {} lots, {}\n{}", title(), arguments_.amount,
-             controls_.rule.items()[static_cast<std::size_t>(arguments_.rule)], table.text());
-  fmt::print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
-             number_text(round_half_even(shares_.sum, 8)), arguments_.amount, shares_.zero + shares_.negative,
-             shares_.below_minimum, number_text(main_.general().minimum_lot));
+  console.print("{} {} lots, {}\n{}", title(), arguments_.amount,
+                controls_.rule.items()[static_cast<std::size_t>(arguments_.rule)], table.text());
+  console.print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
+                number_text(round_half_even(shares_.sum, 8)), arguments_.amount,
+                shares_.zero + shares_.negative, shares_.below_minimum,
+                number_text(main_.general().minimum_lot));
   if (arguments_.dry_run) return;
-  fmt::print("{} of {} accepted\n{}\n\n{}", accepted, lines.size(), main_.window().totals_pane(),
-             journal_text(main_));
+  console.print("{} of {} accepted\n{}\n\n{}", accepted, lines.size(), main_.window().totals_pane(),
+                journal_text(main_));
 }
 
 void SplitRun::print_json(const std::vector<Line>& lines) const {
@@ -131,14 +133,11 @@ void SplitRun::print_json(const std::vector<Line>& lines) const {
          {"accepted", line.accepted},
          {"result", line.result}});
   }
-  fmt::print("{}\n", nlohmann::json{{"accounts", accounts},
-                                    {"totals", totals_json(main_)},
-                                    {"journal", journal_json(main_, no_account)}}
-                         .dump(2));
+  context_.console().print(json_text(nlohmann::json{
+      {"accounts", accounts}, {"totals", totals_json(main_)}, {"journal", journal_json(main_, no_account)}}));
 }
 
 int SplitRun::run() {
-  terminal_.log_in();
   if (!known_arguments()) return exit_status::usage;
   controls_.rule.choose(arguments_.rule);
   controls_.symbol.choose(arguments_.symbol);
@@ -152,8 +151,8 @@ int SplitRun::run() {
   if (!arguments_.dry_run) sent_ = send();
 
   const std::vector<Line> all = lines();
-  terminal_.journal_unanswered();
-  if (terminal_.options().form == OutputForm::json) {
+  context_.journal_unanswered();
+  if (context_.form() == OutputForm::json) {
     print_json(all);
   } else {
     print(all);

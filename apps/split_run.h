@@ -32,10 +32,10 @@ class SplitRun {
     Button& distribute;
   };
 
-  SplitRun(Terminal& terminal, const SplitArguments& arguments, Controls controls)
-      : terminal_(terminal), main_(terminal.main()), arguments_(arguments), controls_(controls) {}
+  SplitRun(CommandContext& context, const SplitArguments& arguments, Controls controls)
+      : context_(context), main_(context.main()), arguments_(arguments), controls_(controls) {}
 
-  Terminal& terminal_;
+  CommandContext& context_;
   Main& main_;
   const SplitArguments& arguments_;
   Controls controls_;

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -10,7 +8,6 @@
 
 #include <tl/expected.hpp>
 
-#include "apps/output.h"
 #include "core/clock.h"
 #include "core/file_dialog.h"
 #include "core/home_lock.h"
@@ -33,15 +30,14 @@ struct TerminalOptions {
   int sample_accounts = 12;           // of the sample, while no dealer file is named
   bool demo = false;                  // a busy day on 500 accounts instead of the sample
   std::string precision;              // decimals of shares for this run; empty: as the settings file has it
-  OutputForm form = OutputForm::text;
-  double timeout = 40.0;  // seconds to wait for logins, and again for answers
 };
 
-// The operator's eyes, ears and hands. They outlive the terminal.
+// The operator's eyes, ears and hands, and the time. They outlive the terminal.
 struct OperatorPorts {
   Prompt& prompt;
   SoundPort& sound;
   FileDialog& file_dialog;
+  const Clock& clock;
 };
 
 // Exit statuses of the command line.
@@ -50,6 +46,7 @@ inline constexpr int all_accepted = 0;
 inline constexpr int some_refused = 1;
 inline constexpr int usage = 2;
 inline constexpr int unreadable_data = 3;
+inline constexpr int signalled = 128;  // more by the number of the signal that ended the program
 }  // namespace exit_status
 
 // A whole terminal: the embedded dealing server in real time, and the program on top of it. Whoever opens it
@@ -74,18 +71,6 @@ class Terminal {
   // change that.
   std::optional<TimePoint> next_due() const { return server_->next_due(); }
 
-  // Runs until the condition holds or the time is over; true when it held.
-  bool run_until(const std::function<bool()>& done);
-  // Runs with every step of run_until, after events were delivered.
-  std::function<void()> on_step;
-  // Waits until no account is on its way any more; shows how far it is when standard error is a terminal.
-  void log_in();
-  // Gives up waiting for results; the journal then names what stays unknown.
-  void journal_unanswered();
-  // False, after a message, when one of these accounts is not in the accounts list.
-  bool knows(const std::vector<std::int32_t>& accounts) const;
-  // How many of these accounts, or of all when none is named, are not connected; says so when there are any.
-  std::size_t tell_unconnected(const std::vector<std::int32_t>& accounts) const;
   // Closes the dealing server's book at the end of the program. What a crash leaves is taken up all the same.
   tl::expected<void, FileError> save_book() { return server_->save_book(); }
 
@@ -97,11 +82,9 @@ class Terminal {
   void tell_of_book(const std::string& text);
   // Tells once when the book can't be stored, and once when it can again.
   void watch_book();
-  bool logins_done(std::size_t& done) const;
 
   TerminalOptions options_;
   std::optional<HomeLock> lock_;  // let go last
-  SystemClock clock_;
   OperatorPorts ports_;
   ProcessLocale locale_;
   std::unique_ptr<DealingServer> server_;

@@ -1,5 +1,3 @@
-#include <fmt/format.h>
-
 #include <nlohmann/json.hpp>
 
 #include "apps/commands.h"
@@ -7,18 +5,18 @@
 
 namespace tutti {
 
-int verify_command(Terminal& terminal) {
-  terminal.log_in();
-  const auto differences = Verification{terminal.main(), terminal.server()}.run();
-  if (terminal.options().form == OutputForm::json) {
-    fmt::print("{}\n", nlohmann::json{{"differences", differences}}.dump(2));
+int verify_command(CommandContext& context) {
+  Console& console = context.console();
+  const auto differences = Verification{context.main(), context.server()}.run();
+  if (context.form() == OutputForm::json) {
+    console.print(json_text(nlohmann::json{{"differences", differences}}));
   } else {
     for (const std::string& difference : differences)
-      fmt::print("{}\n", difference);
-    fmt::print("{} differences\n", differences.size());
+      console.print("{}\n", difference);
+    console.print("{} differences\n", differences.size());
   }
-  return differences.empty() && !terminal.main().general().lines_skipped() ? exit_status::all_accepted
-                                                                           : exit_status::some_refused;
+  return differences.empty() && !context.main().general().lines_skipped() ? exit_status::all_accepted
+                                                                          : exit_status::some_refused;
 }
 
 }  // namespace tutti

@@ -21,4 +21,9 @@ std::chrono::seconds SystemClock::utc_offset(TimePoint moment) const {
   return wall.time_since_epoch() - std::chrono::floor<std::chrono::seconds>(moment).time_since_epoch();
 }
 
+std::chrono::milliseconds SystemClock::elapsed() const {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now().time_since_epoch());
+}
+
 }  // namespace tutti

@@ -14,6 +14,9 @@ class Clock {
   virtual TimePoint now() const = 0;
   // What to add to a UTC moment for the operator's wall clock.
   virtual std::chrono::seconds utc_offset(TimePoint moment) const = 0;
+  // Time gone by since a moment of the clock's own choosing: for how long to wait. It never steps, while
+  // `now` does when the machine's clock is set.
+  virtual std::chrono::milliseconds elapsed() const = 0;
 };
 
 // The machine's own clock and time zone.
@@ -21,6 +24,7 @@ class SystemClock final : public Clock {
  public:
   TimePoint now() const override;
   std::chrono::seconds utc_offset(TimePoint moment) const override;
+  std::chrono::milliseconds elapsed() const override;
 };
 
 // Stands still until it is moved. Wall clock is UTC unless it is told a zone.
@@ -30,11 +34,19 @@ class ManualClock final : public Clock {
   TimePoint now() const override { return now_; }
   std::chrono::seconds utc_offset(TimePoint) const override { return utc_offset_; }
   void set_utc_offset(std::chrono::seconds offset) { utc_offset_ = offset; }
-  void advance(std::chrono::milliseconds step) { now_ += step; }
+  std::chrono::milliseconds elapsed() const override { return elapsed_; }
+  // Lets time go by.
+  void advance(std::chrono::milliseconds step) {
+    now_ += step;
+    elapsed_ += step;
+  }
+  // Sets the clock, forward or back, without any time going by.
+  void set_by(std::chrono::milliseconds step) { now_ += step; }
 
  private:
   TimePoint now_;
   std::chrono::seconds utc_offset_{0};
+  std::chrono::milliseconds elapsed_{0};
 };
 
 }  // namespace tutti

@@ -24,7 +24,7 @@
 #include "core/home_lock.h"
 #include "core/standard_streams.h"
 #include "dealer_rig.h"
-#include "tests/support/test_terminal.h"
+#include "tests/support/command_line_rig.h"
 
 namespace tutti::testing {
 namespace {
@@ -102,10 +102,11 @@ TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
   RecordingSound sound;
   FakeFileDialog dialog;
   TerminalOptions options;
+  const ManualClock clock;
   options.home = folder.path() / "home";
   options.fresh = true;
   options.sample_accounts = 3;
-  const auto terminal = Terminal::open(options, {prompt, sound, dialog});
+  const auto terminal = Terminal::open(options, {prompt, sound, dialog, clock});
   ASSERT_TRUE(terminal) << terminal.error().text();
   Main& main = (*terminal)->main();
   const frmMain::Connections at_start = main.accounts().connections();
@@ -142,15 +143,17 @@ TEST(Home, FreshAsksBeforeABookIsThrownAway) {
     ASSERT_TRUE(::grantpt(keyboard.get()) == 0 && ::unlockpt(keyboard.get()) == 0);
     const Descriptor input{::open(one.typed != nullptr ? ::ptsname(keyboard.get()) : "/dev/null", O_RDWR)};
     ASSERT_TRUE(one.typed == nullptr || keyboard.write(one.typed));
+    Console console{input.get(), STDOUT_FILENO, STDERR_FILENO, [] { return false; }};
     ::testing::internal::CaptureStderr();
-    EXPECT_EQ(ask_for_fresh(options, input.get()).value_or(0), one.status);
+    EXPECT_EQ(ask_for_fresh(options, console).value_or(0), one.status);
     const std::string said = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(said.empty(), one.status == 0 && one.typed == nullptr) << said;
   }
 }
 
 TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
-  const TemporaryFolder folder;
+  CommandLineRig desk{"sample_accounts = 1\nlogin_latency_ms = 0\n"};
+  const TemporaryFolder& folder = desk.home;
   DealerConfig config = DealerConfig::sample(1);
   config.faults.emplace_back();
   config.faults[0].kind = FaultKind::delay;
@@ -158,7 +161,7 @@ TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
   config.faults[0].wait = std::chrono::hours{1};
   std::int64_t due = 0;
   {
-    DealerRig rig(config, SystemClock{}.now());
+    DealerRig rig(config, desk.clock.now());
     ASSERT_TRUE(rig.server.keep_book(folder.path()));
     const auto seat = rig.trader(0);
     for (int sent = 0; sent < 2; ++sent) {
@@ -168,26 +171,14 @@ TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
     due = rig.server.requests().front().due.time_since_epoch().count() / 1000;
   }
   folder.write("dealer-book.log", folder.read("dealer-book.log") + "entry = {next_num");
-  folder.write("dealer.toml", "sample_accounts = 1\nlogin_latency_ms = 0\n");
-  RecordingPrompt prompt;
-  RecordingSound sound;
-  FakeFileDialog dialog;
-  TerminalOptions options;
-  options.home = folder.path();
-  options.dealer_file = folder.path() / "dealer.toml";
-  options.form = OutputForm::json;
-  const auto terminal = Terminal::open(options, {prompt, sound, dialog});
-  ASSERT_TRUE(terminal) << terminal.error().text();
   const std::string note = folder.path().string() +
                            "/dealer-book.log: line 3 was damaged and is left out; the file as it was is "
                            "dealer-book.log.damaged";
-  ASSERT_NE((*terminal)->main().messages().current(), nullptr);
-  EXPECT_EQ((*terminal)->main().messages().current()->text, note);
-  EXPECT_EQ((*terminal)->main().messages().behind(), 0u);
+  EXPECT_EQ(desk.run("--json orders"), 0);
+  EXPECT_EQ(desk.err, "Warning: " + note +
+                          "\n2 requests are still on their way at the dealing server: --json names them\n");
   EXPECT_NE(folder.read("History/JN-1.his").find(note), std::string::npos);
-  ::testing::internal::CaptureStdout();
-  EXPECT_EQ(orders_command(**terminal), exit_status::all_accepted);
-  const auto printed = nlohmann::json::parse(::testing::internal::GetCapturedStdout());
+  const auto printed = nlohmann::json::parse(desk.out);
   EXPECT_TRUE(printed["orders"].empty());
   ASSERT_EQ(printed["in_flight"].size(), 2u);
   const nlohmann::json expected = {
@@ -206,14 +197,26 @@ struct Start {
     options.dealer_file = folder.path() / "dealer.toml";
     folder.write("dealer.toml", std::string{"login_latency_ms = 0\nsample_accounts = "} + accounts + "\n");
     ::testing::internal::CaptureStderr();
-    auto opened = Terminal::open(options, {prompt, sound, dialog});
+    auto opened = Terminal::open(options, {prompt, sound, dialog, clock});
     said = ::testing::internal::GetCapturedStderr();
     if (opened) terminal = std::move(*opened);
     if (!opened) said = opened.error().text();
   }
+  // What a command prints there, and its exit status.
+  std::pair<std::string, int> run(OutputForm form, const std::function<int(CommandContext&)>& command) {
+    CommandContext context{*terminal, ports, {.form = form}};
+    ::testing::internal::CaptureStdout();
+    const int status = context.log_in() ? command(context) : -1;
+    console.flush();
+    return {::testing::internal::GetCapturedStdout(), status};
+  }
+
   RecordingPrompt prompt;
   RecordingSound sound;
   FakeFileDialog dialog;
+  SystemClock clock;
+  Console console{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO, [] { return false; }};
+  CommandPorts ports{console, clock, [](auto) {}, [] { return 0; }};
   TerminalOptions options;
   std::unique_ptr<Terminal> terminal;
   std::string said;
@@ -237,13 +240,11 @@ TEST(Home, SkippedLinesAreToldAndCount) {
     const TemporaryFolder folder;
     folder.write("manage/savelvinfo.buf",
                  std::string{"ALDER,ALDER01,500100\n"} + (skipped ? "short,line\n" : ""));
-    const Start start{folder, "1"};
+    Start start{folder, "1"};
     ASSERT_TRUE(start.terminal) << start.said;
     EXPECT_EQ(start.said.find("lines 2 of savelvinfo.buf") != std::string::npos, skipped) << start.said;
     for (const auto command : {&accounts_command, &verify_command}) {
-      ::testing::internal::CaptureStdout();
-      const int status = command(*start.terminal);
-      const std::string printed = ::testing::internal::GetCapturedStdout();
+      const auto [printed, status] = start.run(OutputForm::text, command);
       EXPECT_EQ(status, skipped ? exit_status::some_refused : exit_status::all_accepted) << printed;
     }
   }
@@ -253,7 +254,7 @@ TEST(Home, AHistoryIsPrintedAsItStands) {
   const TemporaryFolder folder;
   folder.write("History/JN5.his", "t1*,%$one \"x\"\nt2*,%$\xC3\xBC\xFF*,%$cut\n");
   fs::create_directory(folder.path() / "History/JN7.his");
-  const Start start{folder};
+  Start start{folder};
   ASSERT_TRUE(start.terminal) << start.said;
   const std::string json = R"({
   "journal": [
@@ -283,10 +284,10 @@ TEST(Home, AHistoryIsPrintedAsItStands) {
                {OutputForm::json, 5, 0, json},
                {OutputForm::json, 6, 0, "{\n  \"journal\": []\n}\n"}};
   for (const auto& [form, account, status, printed] : cases) {
-    ::testing::internal::CaptureStdout();
-    const int answered = journal_command(*start.terminal, form, account);
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), printed);
-    EXPECT_EQ(answered, status);
+    const auto journal = [number = account](CommandContext& context) {
+      return journal_command(context, number);
+    };
+    EXPECT_EQ(start.run(form, journal), (std::pair{printed, status}));
   }
 }
 

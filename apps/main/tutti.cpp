@@ -2,9 +2,12 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QSocketNotifier>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <clocale>
+#include <cstdio>
+#include <exception>
 #include <optional>
 
 #include <CLI/CLI.hpp>
@@ -14,6 +17,7 @@
 #include "core/core_dumps.h"
 #include "core/frmMsgBox.h"
 #include "core/standard_streams.h"
+#include "core/stop_signals.h"
 #include "gui/desktop_file_dialog.h"
 #include "gui/desktop_prompt.h"
 #include "gui/desktop_sound.h"
@@ -41,9 +45,25 @@ std::chrono::milliseconds until_due(const Terminal& terminal) {
   return due ? std::max(*due - SystemClock{}.now(), std::chrono::milliseconds{0}) : nothing_due;
 }
 
+// Ends the program, with its book saved, when something is thrown while an event is handled.
+class Application final : public QApplication {
+ public:
+  using QApplication::QApplication;
+
+  bool notify(QObject* receiver, QEvent* event) override {
+    try {
+      return QApplication::notify(receiver, event);
+    } catch (const std::exception& error) {
+      std::fprintf(stderr, "Tutti ends: %s\n", error.what());
+      exit(exit_status::unreadable_data);
+      return false;
+    }
+  }
+};
+
 // Answers the exit status once the operator has left.
 int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopFileDialog& files,
-        Screen& screen, const Arguments& arguments) {
+        Screen& screen, const StopSignals& signals, const Arguments& arguments) {
   FrmMdiNewWindow window{terminal.main(), screen, prompt, sound, files};
   files.set_parent(&window);
   window.restore_layout();
@@ -66,11 +86,46 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
                  [](bool all_kept) { QCoreApplication::exit(all_kept ? 0 : exit_status::unreadable_data); });
     tour->start();
   }
-  const int status = QCoreApplication::exec();
+  // A signal that came while a question stood in front of the start has ended nothing but the question.
+  const int status = signals.caught() == 0 ? QCoreApplication::exec() : 0;
   heartbeat.stop();
-  if (const auto saved = terminal.save_book(); !saved)
+  if (signals.caught() != 0) window.save_layout();
+  if (const auto saved = terminal.save_book(); !saved) {
     terminal.main().general().log("The dealing server's book was not saved: " + saved.error().text(), -1);
+    return exit_status::unreadable_data;
+  }
   return status;
+}
+
+int open_and_run(const StopSignals& signals, Arguments& arguments) {
+  const QTemporaryDir demo_home;
+  if (arguments.demo) {
+    arguments.terminal.demo = true;
+    arguments.terminal.home = demo_home.path().toStdString();
+  }
+  const SystemClock clock;
+  Screen screen;
+  DesktopPrompt prompt{screen};
+  DesktopSound sound{arguments.terminal.home};
+  DesktopFileDialog files;
+  // Past every question, and out of a box that is open.
+  QSocketNotifier stop{signals.descriptor(), QSocketNotifier::Read};
+  QObject::connect(&stop, &QSocketNotifier::activated, &stop, [&stop] {
+    stop.setEnabled(false);
+    QCoreApplication::exit();
+  });
+  if (const std::string question = fresh_question(arguments.terminal); !question.empty()) {
+    MessageQueue nothing_waits;
+    constexpr int yes = 1;
+    if (frmMsgBox{prompt, nothing_waits}.GeneralQuestionMsg(question + " Go on?") != yes)
+      return exit_status::some_refused;
+  }
+  const auto terminal = Terminal::open(arguments.terminal, {prompt, sound, files, clock});
+  if (!terminal) {
+    prompt.system_box(terminal.error().text(), "Tutti can't start");
+    return exit_status::unreadable_data;
+  }
+  return run(**terminal, prompt, sound, files, screen, signals, arguments);
 }
 
 }  // namespace
@@ -94,32 +149,19 @@ int main(int argc, char** argv) {
   app.add_option("--size", arguments.size, "Width and height of the main window")->expected(2);
   CLI11_PARSE(app, argc, argv);
 
-  QApplication application{argc, argv};
+  Application application{argc, argv};
   QApplication::setApplicationName(QStringLiteral("tutti"));
   // The toolkit takes the environment's number format over; the terminal's is its own.
   std::setlocale(LC_NUMERIC, "C");
   QLocale::setDefault(QLocale::c());
   theme::apply(application);
 
-  const QTemporaryDir demo_home;
-  if (arguments.demo) {
-    arguments.terminal.demo = true;
-    arguments.terminal.home = demo_home.path().toStdString();
+  const StopSignals signals;
+  int status = exit_status::unreadable_data;
+  try {
+    status = open_and_run(signals, arguments);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
   }
-  Screen screen;
-  DesktopPrompt prompt{screen};
-  DesktopSound sound{arguments.terminal.home};
-  DesktopFileDialog files;
-  if (const std::string question = fresh_question(arguments.terminal); !question.empty()) {
-    MessageQueue nothing_waits;
-    constexpr int yes = 1;
-    if (frmMsgBox{prompt, nothing_waits}.GeneralQuestionMsg(question + " Go on?") != yes)
-      return exit_status::some_refused;
-  }
-  const auto terminal = Terminal::open(arguments.terminal, {prompt, sound, files});
-  if (!terminal) {
-    prompt.system_box(terminal.error().text(), "Tutti can't start");
-    return exit_status::unreadable_data;
-  }
-  return run(**terminal, prompt, sound, files, screen, arguments);
+  return signals.caught() == 0 ? status : exit_status::signalled + signals.caught();
 }

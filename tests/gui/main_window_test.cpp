@@ -129,6 +129,7 @@ TEST_F(DesktopTest, SummariesOfTheSelectedAccountsAreAskedForAnew) {
   for (Row& row : list)
     row.set_text(frmMain::balance, "old");
   list.select(list.row(1));
+  to_front("accounts");
   trigger("refresh_summaries");
   EXPECT_EQ(list.row(0).text(frmMain::balance), "old");
   EXPECT_NE(list.row(1).text(frmMain::balance), "old");

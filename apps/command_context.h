@@ -1,0 +1,65 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "apps/console.h"
+#include "apps/output.h"
+#include "apps/terminal.h"
+#include "core/clock.h"
+
+namespace tutti {
+
+// What the command line has of the machine. It outlives every command.
+struct CommandPorts {
+  Console& console;
+  const Clock& clock;
+  std::function<void(std::chrono::milliseconds)> pause;  // lets time go by; a signal may cut it short
+  std::function<int()> signal;                           // that asks the program to end; 0: none
+};
+
+struct CommandOptions {
+  OutputForm form = OutputForm::text;
+  std::chrono::milliseconds timeout{40'000};  // for the logins, and again for the answers
+};
+
+// What a command works with: the terminal, the console it prints to, and the time that goes by while it
+// waits.
+class CommandContext {
+ public:
+  CommandContext(Terminal& terminal, const CommandPorts& ports, const CommandOptions& options)
+      : terminal_(terminal), ports_(ports), options_(options) {}
+
+  Main& main() const { return terminal_.main(); }
+  const DealingServer& server() const { return terminal_.server(); }
+  Console& console() const { return ports_.console; }
+  OutputForm form() const { return options_.form; }
+  // The program was asked to end: nothing more is to be sent.
+  bool stopped() const { return ports_.signal() != 0; }
+
+  // Runs until the condition holds, the time is over or the program is to end; true when it held.
+  bool run_until(const std::function<bool()>& done);
+  // Runs with every step of run_until, after events were delivered.
+  std::function<void()> on_step;
+  // Waits until no account is on its way any more; shows how far it is when somebody watches. False when the
+  // program is to end.
+  [[nodiscard]] bool log_in();
+  // Gives up waiting for results; the journal then names what stays unknown.
+  void journal_unanswered();
+  // False, after a message, when one of these accounts is not in the accounts list.
+  bool knows(const std::vector<std::int32_t>& accounts) const;
+  // How many of these accounts, or of all when none is named, are not connected; says so when there are any.
+  std::size_t tell_unconnected(const std::vector<std::int32_t>& accounts) const;
+
+ private:
+  bool logins_done(std::size_t& done) const;
+
+  Terminal& terminal_;
+  const CommandPorts& ports_;
+  CommandOptions options_;
+};
+
+}  // namespace tutti
