@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "core/version.h"
 #include "gui/svg_icon.h"
 #include "gui/theme.h"
 
@@ -57,6 +58,9 @@ QVBoxLayout* make_program() {
   font.setPixelSize(title_pixels);
   name->setFont(font);
   column->addWidget(name);
+  QLabel* version = make_text(QString::fromStdString(std::string{program_version()}));
+  version->setObjectName(QStringLiteral("version"));
+  column->addWidget(version);
   column->addWidget(make_muted(QStringLiteral("One order for many accounts")));
   return column;
 }

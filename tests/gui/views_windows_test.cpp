@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <random>
 
+#include "core/version.h"
 #include "gui/about_window.h"
 #include "gui/csv_export.h"
 #include "gui/elided_label.h"
@@ -364,6 +365,7 @@ TEST(AboutTest, MissingPartsTakeNoRoom) {
   EXPECT_LT(broken.height(), full.height());
   EXPECT_EQ(part<QLabel>(full, "broker").textFormat(), Qt::PlainText);
   EXPECT_LE(part(full, "logo").width(), 320);
+  EXPECT_EQ(part<QLabel>(bare, "version").text().toStdString(), program_version());
 }
 
 }  // namespace
