@@ -65,6 +65,8 @@ void OutcomeCheck::expect_line(std::int32_t account, std::vector<std::string> te
 }
 
 void OutcomeCheck::expect(const Outcome& outcome) {
+  // The run that sent it has journaled it as unknown, and nobody was there for the answer.
+  if (outcome.resumed && !outcome.told) return;
   const std::string number = std::to_string(outcome.number);
   if (outcome.request > request::taken) {
     const std::string_view text = request::text(outcome.request);

@@ -2,6 +2,9 @@
 
 #include <cstdio>
 #include <utility>
+#include <vector>
+
+#include "apps/earlier_request.h"
 
 namespace tutti {
 
@@ -68,6 +71,7 @@ tl::expected<void, FileError> Terminal::write_first_list() {
 
 std::size_t Terminal::advance(std::size_t limit) {
   server_->advance();
+  tell_of_earlier_requests();
   const std::size_t delivered = main_->deliver_events(limit);
   watch_book();
   main_->poll_timers();
@@ -76,6 +80,18 @@ std::size_t Terminal::advance(std::size_t limit) {
 
 void Terminal::tell_of_book(const std::string& text) {
   main_->general().log(text, -1);
+  main_->messages().post({text, "Warning", "Ok", ""});
+}
+
+void Terminal::tell_of_earlier_requests() {
+  const std::vector<Outcome> ended = server_->take_untold();
+  for (const Outcome& outcome : ended)
+    main_->general().log(earlier_request_text(outcome), outcome.account);
+  if (ended.empty()) return;
+  const std::string text =
+      ended.size() == 1
+          ? earlier_request_text(ended.front())
+          : std::to_string(ended.size()) + " requests from the earlier run have ended; the journal says how";
   main_->messages().post({text, "Warning", "Ok", ""});
 }
 

@@ -80,6 +80,8 @@ class Terminal {
   tl::expected<void, FileError> write_first_list();
   // What the operator must know of the dealing server's book: journaled, and a message.
   void tell_of_book(const std::string& text);
+  // Journals what came of requests whose outcome was unknown when the earlier run ended, and says so.
+  void tell_of_earlier_requests();
   // Tells once when the book can't be stored, and once when it can again.
   void watch_book();
 

@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <system_error>
 #include <utility>
 
-#include "dealer/book_reader.h"
 #include "dealer/book_text.h"
 #include "dealer/table_reader.h"
 
@@ -63,7 +63,14 @@ tl::expected<BookFolder::Content, FileError> BookFolder::clear() {
   content.settled = false;
   content.next_number = reserved_;
   // The numbers of a book from before they had a file of their own.
-  if (const auto old = read_book_and_log()) content.next_number = old->next_number;
+  if (const auto old = read_book_and_log()) {
+    content.next_number = old->next_number;
+  } else if (reserved_ == 1) {
+    content.next_number = number_beyond_texts();
+    content.notes.push_back(fmt::format(
+        "{}. The fresh book gives numbers from {} on, above all that can be made out in the old one",
+        old.error().text(), content.next_number));
+  }
   if (auto kept = reserve(content.next_number); !kept) return tl::unexpected(kept.error());
   // The log first: a book without one is whole.
   for (const fs::path& file : {log_file(), book_file()}) {
@@ -74,6 +81,22 @@ tl::expected<BookFolder::Content, FileError> BookFolder::clear() {
   log_.reset();
   generation_ = 0;
   return content;
+}
+
+std::int64_t BookFolder::number_beyond_texts() const {
+  std::int64_t highest = 0;
+  for (const fs::path& file : {book_file(), log_file()}) {
+    const std::string text = read_file(file).value_or("");
+    for (const std::string_view key : {"number = ", "ticket = "}) {
+      for (std::size_t at = text.find(key); at != std::string::npos; at = text.find(key, at)) {
+        at += key.size();
+        std::int64_t number = 0;
+        std::from_chars(text.data() + at, text.data() + text.size(), number);
+        if (number <= largest / 2) highest = std::max(highest, number);
+      }
+    }
+  }
+  return highest + 1 + numbers_ahead;
 }
 
 tl::expected<void, FileError> BookFolder::read_numbers() {
@@ -106,7 +129,7 @@ tl::expected<BookFolder::Content, FileError> BookFolder::read_book_and_log() {
     generation_ = found.generation;
     book_size_ = (*book)->size();
     if (found.cut != 0)
-      if (auto kept = keep_damaged(book_file(), found.cut, **book, content); !kept)
+      if (auto kept = keep_damaged(book_file(), found, **book, content); !kept)
         return tl::unexpected(kept.error());
   }
   if (!*book) {
@@ -120,7 +143,7 @@ tl::expected<BookFolder::Content, FileError> BookFolder::read_book_and_log() {
     const auto found = reader.read_log(**log, generation_);
     if (found.fault) return tl::unexpected(FileError{log_file(), *found.fault});
     if (found.cut != 0)
-      if (auto kept = keep_damaged(log_file(), found.cut, **log, content); !kept)
+      if (auto kept = keep_damaged(log_file(), found, **log, content); !kept)
         return tl::unexpected(kept.error());
     fresh_log = found.generation == generation_ && found.entries == 0 && content.settled;
   }
@@ -130,17 +153,22 @@ tl::expected<BookFolder::Content, FileError> BookFolder::read_book_and_log() {
     auto opened = SyncedLog::open(log_file());
     if (!opened) return tl::unexpected(opened.error());
     log_.emplace(std::move(*opened));
+    pieces_ = 0;
   }
   return content;
 }
 
-tl::expected<void, FileError> BookFolder::keep_damaged(const fs::path& file, std::size_t line,
+tl::expected<void, FileError> BookFolder::keep_damaged(const fs::path& file, const BookReader::Outcome& found,
                                                        std::string_view text, Content& content) {
   fs::path copy = file;
   copy += ".damaged";
   content.settled = false;
-  content.notes.push_back(fmt::format("{}: line {} was damaged and is left out; the file as it was is {}",
-                                      file.string(), line, copy.filename().string()));
+  const std::string lines =
+      found.cut == found.cut_end
+          ? fmt::format("line {} was damaged and is", found.cut)
+          : fmt::format("lines {} to {} were not written whole and are", found.cut, found.cut_end);
+  content.notes.push_back(fmt::format("{}: {} left out; the file as it was is {}", file.string(), lines,
+                                      copy.filename().string()));
   return replace_file(copy, text);
 }
 
@@ -154,11 +182,20 @@ tl::expected<void, FileError> BookFolder::replace(const BookState& state) {
   auto opened = SyncedLog::open(log_file());
   if (!opened) return tl::unexpected(opened.error());
   log_.emplace(std::move(*opened));
+  pieces_ = 0;
   return {};
 }
 
-tl::expected<void, FileError> BookFolder::append(const std::string& lines) {
-  return log_->append(lines);
+tl::expected<void, FileError> BookFolder::append(const std::vector<BookEntry>& entries) {
+  std::string lines;
+  BookPiece piece{pieces_ + 1, 0, static_cast<std::int64_t>(entries.size())};
+  for (const BookEntry& entry : entries) {
+    ++piece.line;
+    lines += book_text::entry(entry, piece);
+  }
+  auto written = log_->append(lines);
+  if (written) ++pieces_;
+  return written;
 }
 
 bool BookFolder::wants_replacing() const {

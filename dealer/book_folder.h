@@ -10,7 +10,7 @@
 
 #include "core/file_writer.h"
 #include "core/synced_log.h"
-#include "dealer/book_state.h"
+#include "dealer/book_reader.h"
 
 namespace tutti {
 
@@ -41,8 +41,8 @@ class BookFolder {
 
   // Writes a new book, and a new log behind it.
   tl::expected<void, FileError> replace(const BookState& state);
-  // Adds lines to the log.
-  tl::expected<void, FileError> append(const std::string& lines);
+  // Adds entries to the log, in one piece.
+  tl::expected<void, FileError> append(const std::vector<BookEntry>& entries);
   // True when the book has to be replaced before the next append: there is none, its log can't be written any
   // more, or has become longer than is good.
   bool wants_replacing() const;
@@ -54,15 +54,19 @@ class BookFolder {
   std::filesystem::path log_file() const;
   std::filesystem::path numbers_file() const;
   tl::expected<void, FileError> read_numbers();
+  // Above every number that stands in book and log, whether they can be read or not.
+  std::int64_t number_beyond_texts() const;
   tl::expected<Content, FileError> read_book_and_log();
-  // Notes that a file was damaged from a line on, and keeps what it was.
-  static tl::expected<void, FileError> keep_damaged(const std::filesystem::path& file, std::size_t line,
-                                                    std::string_view text, Content& content);
+  // Notes which lines of a file were damaged, and keeps what it was.
+  static tl::expected<void, FileError> keep_damaged(const std::filesystem::path& file,
+                                                    const BookReader::Outcome& found, std::string_view text,
+                                                    Content& content);
 
   std::filesystem::path folder_;
   std::optional<SyncedLog> log_;
   std::int64_t generation_ = 0;  // of the book in the folder; 0: none, or one without a log
   std::uint64_t book_size_ = 0;
+  std::int64_t pieces_ = 0;    // in the log
   std::int64_t reserved_ = 1;  // as the file has it
 };
 

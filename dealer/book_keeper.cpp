@@ -5,7 +5,6 @@
 #include <tuple>
 #include <utility>
 
-#include "dealer/book_text.h"
 #include "dealer/configured_orders.h"
 
 namespace tutti {
@@ -182,11 +181,8 @@ std::vector<BookEntry> BookKeeper::changes() const {
 tl::expected<void, FileError> BookKeeper::append() {
   const std::vector<BookEntry> entries = changes();
   if (!entries.empty()) {
-    std::string lines;
-    for (const BookEntry& entry : entries)
-      lines += book_text::entry(entry);
     if (auto reserved = folder_->reserve(desk_.numbers().next()); !reserved) return reserved;
-    if (auto written = folder_->append(lines); !written) return written;
+    if (auto written = folder_->append(entries); !written) return written;
     ++stores_;
     logged_ = true;
   }

@@ -7,9 +7,9 @@
 #include <limits>
 #include <utility>
 
-#include "core/checksum.h"
-#include "dealer/book_text.h"
+#include "dealer/book_lines.h"
 #include "dealer/book_words.h"
+#include "dealer/bounds.h"
 #include "sessions/contract/codes.h"
 
 namespace tutti {
@@ -17,10 +17,8 @@ namespace {
 
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 constexpr std::int32_t largest_account = std::numeric_limits<std::int32_t>::max();
-// Bounds that no honest book comes near, and within which sums stay finite.
-constexpr double most_money = 1e15;
-constexpr double most_lots = 1e9;
-constexpr double highest_price = 1e9;
+using bounds::highest_price;
+using bounds::most_money;
 
 void read_prices(TableReader& reader, double& price, double& stop_loss, double& take_profit) {
   reader.number("price", price, 0.0, highest_price);
@@ -32,16 +30,6 @@ void read_time(TableReader& reader, std::string_view key, TimePoint& time) {
   std::int64_t count = time.time_since_epoch().count();
   reader.integer(key, count, 0, 253'402'300'799'999);  // end of the year 9999
   time = TimePoint{std::chrono::milliseconds{count}};
-}
-
-// Whether a line was written to its end and is still what was written. A line that somebody changed by hand
-// has no checksum; a part of a line has no end.
-bool undamaged(std::string_view line, bool ended) {
-  const auto mark = line.rfind(book_text::checksum_mark);
-  const bool marked = mark != std::string_view::npos &&
-                      line.size() == mark + book_text::checksum_mark.size() + book_text::checksum_size;
-  return marked ? line.substr(mark + book_text::checksum_mark.size()) == checksum(line.substr(0, mark))
-                : ended;
 }
 
 template <class Record>
@@ -80,56 +68,51 @@ BookReader::Outcome BookReader::read_lines(std::string_view content, std::string
                                            std::int64_t generation) {
   Outcome outcome;
   std::int64_t expected = -1;
-  bool headed = false;
-  lines_before_ = 0;
-  for (std::size_t at = 0, number = 1; at < content.size() && !fault_; ++number) {
-    const auto end = content.find('\n', at);
-    const bool ended = end != std::string_view::npos;
-    const std::string_view line = content.substr(at, ended ? end - at : end);
-    at = ended ? end + 1 : content.size();
-    lines_before_ = number - 1;
-    if (ended && (line.empty() || line.front() == '#')) continue;
-    std::optional<std::string> unreadable;
-    std::optional<toml::table> table;
-    if (undamaged(line, ended)) table = parse_toml(line, unreadable, lines_before_);
-    if (!table) {
-      if (content.find_first_not_of("\r\n", at) == std::string_view::npos) {
-        outcome.cut = number;
-        break;
-      }
-      fault_ = unreadable ? *unreadable : fmt::format("line {}: is damaged", number);
-    } else if (!headed) {
-      read_head(*table, head, outcome, expected);
-      headed = true;
-      outcome.stale = outcome.generation < generation;
-      if (outcome.stale) break;
-      if (!fault_ && head == "log" && outcome.generation > generation)
-        fault_ = fmt::format("line {}: goes with another book than the one in this folder", number);
-    } else {
-      TableReader reader(*table, fault_, lines_before_);
-      const toml::table* entry = reader.table("entry");
-      reader.require("entry");
-      reader.finish();
-      if (entry != nullptr) {
-        TableReader values(*entry, fault_, lines_before_);
-        read_entry(values);
-        values.finish();
-      }
-      ++outcome.entries;
-    }
+  const std::vector<BookLine> lines = book_lines(content);
+  const bool headed = !lines.empty() && lines.front().table;
+  if (headed) {
+    lines_before_ = lines.front().number - 1;
+    read_head(*lines.front().table, head, outcome, expected);
+    outcome.stale = outcome.generation < generation;
+    if (!fault_ && head == "log" && outcome.generation > generation)
+      fault_ =
+          fmt::format("line {}: goes with another book than the one in this folder", lines.front().number);
+  }
+  const std::size_t last = lines.empty() ? 0 : lines.back().number;
+  const auto whole = lines_that_count(lines);
+  if (!fault_ && !outcome.stale && !whole) fault_ = whole.error();
+  for (std::size_t i = 1; whole && i < *whole && !fault_ && !outcome.stale; ++i) {
+    read_line(lines[i]);
+    ++outcome.entries;
+  }
+  if (whole && *whole < lines.size() && !outcome.stale) {
+    outcome.cut = lines[*whole].number;
+    outcome.cut_end = last;
   }
   // A log without its head holds nothing; of a book nothing but its last line can be spared.
-  if (!headed && outcome.cut == 0 && head == "log") outcome.cut = 1;
+  if (lines.empty() && head == "log") outcome.cut = outcome.cut_end = 1;
   const auto found = static_cast<std::int64_t>(outcome.entries);
-  if (!fault_ && !headed && head == "book")
-    fault_ = fmt::format("line {}: {} is missing", lines_before_ + 1, head);
+  if (!fault_ && !headed && head == "book") fault_ = fmt::format("line {}: {} is missing", last, head);
   if (!fault_ && head == "book" && found != expected) {
-    if (outcome.cut == 0) outcome.cut = lines_before_ + 2;
+    if (outcome.cut == 0) outcome.cut = outcome.cut_end = last + 1;
     if (found + 1 != expected)
       fault_ = fmt::format("line {}: {} of {} entries are there", outcome.cut, found, expected);
   }
   outcome.fault = fault_;
   return outcome;
+}
+
+void BookReader::read_line(const BookLine& line) {
+  lines_before_ = line.number - 1;
+  TableReader reader(*line.table, fault_, lines_before_);
+  const toml::table* entry = reader.table("entry");
+  reader.require("entry");
+  reader.finish();
+  if (entry == nullptr) return;
+  TableReader values(*entry, fault_, lines_before_);
+  values.integers("piece");  // which one it is counts where lines are damaged only
+  read_entry(values);
+  values.finish();
 }
 
 void BookReader::read_head(const toml::table& table, std::string_view key, Outcome& outcome,
@@ -259,7 +242,7 @@ void BookReader::read_order(TableReader& reader, std::int32_t& account, std::int
   reader.integer("account", account, 1, largest_account);
   side = read_word(reader, "side", side_words, operation::buy);
   reader.text("symbol", symbol);
-  reader.number("amount", amount, 1e-8, most_lots);
+  reader.number("amount", amount, bounds::smallest_lots, bounds::most_lots);
   if (!accounts_.contains(account)) reader.complain("account", "has no [[account]] in this file");
 }
 

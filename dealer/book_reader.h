@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "dealer/book_lines.h"
 #include "dealer/book_state.h"
 #include "dealer/table_reader.h"
 
@@ -17,11 +18,12 @@ namespace tutti {
 // to judge.
 class BookReader {
  public:
-  // What a file that was read came to. Either it is whole, or it was damaged in its last line and everything
-  // in front of that counts, or there is a fault and nothing counts.
+  // What a file that was read came to. Either it is whole, or the last line or the last piece was damaged and
+  // everything in front of that counts, or there is a fault and nothing counts.
   struct Outcome {
     std::optional<std::string> fault;
-    std::size_t cut = 0;  // number of the damaged last line; 0: the file is whole
+    std::size_t cut = 0;      // number of the first line that is left out; 0: the file is whole
+    std::size_t cut_end = 0;  // and of the last one
     std::int64_t generation = 0;
     bool stale = false;  // a log of an earlier book than the one that was read: nothing of it counts
     std::size_t entries = 0;
@@ -42,9 +44,10 @@ class BookReader {
 
   // A file as one table with everything, from before there was a log; it has no checksums.
   void read_whole(const toml::table& root);
-  // Reads lines up to the end or the damaged one. `head` is the key of the first line.
+  // Reads the lines that count. `head` is the key of the first one.
   Outcome read_lines(std::string_view content, std::string_view head, std::int64_t generation);
   void read_head(const toml::table& table, std::string_view key, Outcome& outcome, std::int64_t& entries);
+  void read_line(const BookLine& line);
   void read_entry(TableReader& reader);
   void read_account(const toml::table& table);
   void read_position(const toml::table& table);

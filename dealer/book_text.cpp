@@ -95,7 +95,7 @@ std::string log_head(std::int64_t generation) {
   return line(fmt::format("log = {{version = {}, generation = {}}}", version, generation));
 }
 
-std::string entry(const BookEntry& entry) {
+std::string entry(const BookEntry& entry, const BookPiece& piece) {
   Parts accounts, positions, orders, requests, gone, all;
   for (const BookState::Account& account : entry.accounts) {
     accounts.add_table(fields(account));
@@ -108,6 +108,7 @@ std::string entry(const BookEntry& entry) {
     requests.add_table(fields(request));
   for (const std::int64_t number : entry.gone)
     gone.add(std::to_string(number));
+  if (piece.number != 0) all.add(fmt::format("piece = [{}, {}, {}]", piece.number, piece.line, piece.lines));
   if (entry.next_number != 0) all.add(fmt::format("next_number = {}", entry.next_number));
   if (entry.next_rollover != TimePoint{})
     all.add(fmt::format("next_rollover_ms = {}", milliseconds(entry.next_rollover)));

@@ -5,6 +5,7 @@
 
 #include "core/numbers.h"
 #include "core/texts.h"
+#include "dealer/bounds.h"
 #include "dealer/dealer_config.h"
 #include "dealer/fault_reader.h"
 #include "dealer/table_reader.h"
@@ -12,12 +13,13 @@
 namespace tutti {
 namespace {
 
+using bounds::highest_price;
+using bounds::lowest_price;
+using bounds::smallest_lots;
 constexpr std::int64_t longest_wait = 3'600'000;  // milliseconds
 constexpr std::int64_t most_accounts = 100'000;
 constexpr double most_lots = 1e6;
 constexpr double most_money = 1e12;
-constexpr double lowest_price = 1e-8;
-constexpr double highest_price = 1e9;
 constexpr double most_points = 1e9;
 constexpr std::int32_t largest_number = std::numeric_limits<std::int32_t>::max();
 constexpr double longest_dealing = 3'600.0;  // seconds
@@ -64,8 +66,8 @@ class ConfigReader {
     auto seed = static_cast<std::int64_t>(config_.seed);
     reader.integer("seed", seed, 0, std::numeric_limits<std::int64_t>::max());
     config_.seed = static_cast<std::uint64_t>(seed);
-    reader.number("minimum_lot", config_.min_lot, 1e-8, most_lots);
-    reader.number("maximum_lot", config_.max_lot, 1e-8, most_lots);
+    reader.number("minimum_lot", config_.min_lot, smallest_lots, most_lots);
+    reader.number("maximum_lot", config_.max_lot, smallest_lots, most_lots);
     reader.number("lot_step", config_.lot_step, 0.0, most_lots);
     reader.integer("first_number", config_.first_number, 1, std::numeric_limits<std::int64_t>::max() / 2);
     read_wait(reader, "login_latency_ms", config_.login_latency, 0);
@@ -179,7 +181,7 @@ class ConfigReader {
     reader.integer("account", read.account, 1, largest_number);
     read.operation = read_word(reader, "side", side_words, operation::buy);
     reader.text("symbol", read.symbol);
-    reader.number("amount", read.amount, 1e-8, most_lots);
+    reader.number("amount", read.amount, smallest_lots, most_lots);
     reader.integer("ticket", read.ticket, 1, std::numeric_limits<std::int64_t>::max());
     if (read.ticket == 0) reader.require("price");
     reader.number("price", read.price, read.ticket == 0 ? lowest_price : 0.0, highest_price);

@@ -271,6 +271,10 @@ tl::expected<std::vector<std::string>, FileError> DealingServer::keep_book(
   return book_.open(folder, fresh, now());
 }
 
+std::vector<Outcome> DealingServer::take_untold() {
+  return book_.failure() ? std::vector<Outcome>{} : desk_.take_untold();
+}
+
 void DealingServer::store() {
   if (book_.store(now())) stored_events_ = queue_.pushed();
   desk_.set_shut(book_.failure().has_value());

@@ -81,6 +81,10 @@ class DealingServer final : public EventSource {
   // How the requests of this run ended and what prices set off, oldest first; the last 100,000 at least.
   const std::vector<Outcome>& outcomes() const { return desk_.outcomes(); }
 
+  // How requests of an earlier run ended of which no session was told, as nobody was logged in: each once,
+  // and none before it is stored.
+  std::vector<Outcome> take_untold();
+
   // Below: for the trading client only.
 
   void login(DealerSession& session, const LoginData& data);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/numbers.h"
+#include "dealer/bounds.h"
 #include "dealer/random.h"
 
 namespace tutti {
@@ -91,9 +92,9 @@ void Market::set_price(std::size_t symbol, double bid, double ask, TimePoint at)
   const double point = std::pow(10.0, -config.digits);
   Quote& quote = quotes_[symbol];
   const Quote before = quote;
-  quote.bid = std::max(round_half_even(bid, config.digits), point);
-  quote.ask = std::max(round_half_even(ask > 0.0 ? ask : quote.bid + config.spread * point, config.digits),
-                       quote.bid);
+  quote.bid = std::clamp(round_half_even(bid, config.digits), point, bounds::highest_price);
+  quote.ask = std::clamp(round_half_even(ask > 0.0 ? ask : quote.bid + config.spread * point, config.digits),
+                         quote.bid, bounds::highest_price);
   quote.time = at;
   const bool new_day =
       std::chrono::floor<std::chrono::days>(at) != std::chrono::floor<std::chrono::days>(before.time);

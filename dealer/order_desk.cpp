@@ -138,13 +138,14 @@ std::int32_t OrderDesk::admit(TradingAccount& account, TradeRequest request, std
   return code;
 }
 
-void OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) {
+const Outcome& OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) {
   outcome.time = at;
   outcome.account = request.account;
   outcome.kind = request.kind;
   if (outcome.number == 0) outcome.number = request.known_as();
   outcome.dealt = request.stage != Stage::sent;
   log_.add(outcome);
+  return log_.all().back();
 }
 
 std::vector<TradeRequest> OrderDesk::requests() const {
@@ -162,7 +163,8 @@ std::vector<TradeRequest> OrderDesk::requests() const {
 
 void OrderDesk::resume(TradingAccount& account, const TradeRequest& request, TimePoint now) {
   if (request.stage == Stage::dealing) account.add_order(TradeExecution::row_of(request, now));
-  flights_.emplace(std::max(request.due, now), Flight{.account = &account, .request = request, .mishap = {}});
+  flights_.emplace(std::max(request.due, now),
+                   Flight{.account = &account, .request = request, .mishap = {}, .resumed = true});
 }
 
 std::optional<TimePoint> OrderDesk::next_due() const {
@@ -175,6 +177,10 @@ std::optional<TimePoint> OrderDesk::next_due() const {
 void OrderDesk::run(TimePoint at) {
   while (!flights_.empty() && flights_.begin()->first <= at) {
     Flight flight = std::move(flights_.extract(flights_.begin()).mapped());
+    if (const auto later = next_price(flight); later && *later > at) {
+      flights_.emplace(*later, std::move(flight));
+      continue;
+    }
     flight.account->revalue();
     note_change(*flight.account);
     switch (flight.request.stage) {
@@ -193,6 +199,12 @@ void OrderDesk::run(TimePoint at) {
     }
   }
   answers_.run(at);
+}
+
+std::optional<TimePoint> OrderDesk::next_price(const Flight& flight) const {
+  const bool waits =
+      flight.resumed && !config_.ticks.empty() && rules_.lacks_price(*flight.account, flight.request);
+  return waits ? market_.next_due() : std::nullopt;
 }
 
 double OrderDesk::price(const TradeRequest& request) const {
@@ -245,14 +257,16 @@ void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) 
     answer.report.number = stops != nullptr ? stops->order : request.number;
   if (stops != nullptr) answer.event = Answer::update_stops;
   const bool told = answers_.tell(account, flight.mishap, answer, at);
-  log(request,
-      {.number = answer.report.number,
-       .request = request::taken,
-       .result = result,
-       .updated = stops != nullptr,
-       .expired = flight.requoted,
-       .told = told},
-      at);
+  const Outcome& outcome = log(request,
+                               {.number = answer.report.number,
+                                .request = request::taken,
+                                .result = result,
+                                .updated = stops != nullptr,
+                                .expired = flight.requoted,
+                                .told = told,
+                                .resumed = flight.resumed},
+                               at);
+  if (flight.resumed && !told) untold_.push_back(outcome);
   if (request.stage == Stage::dealing) TradeExecution::remove_row(account, request.known_as());
   if (done) execution_.execute(request, account, done_at, at);
   DealerSession* session = account.session();

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/clock.h"
@@ -61,7 +62,7 @@ class OrderDesk {
   // In the order in which they fall due.
   std::vector<TradeRequest> requests() const;
   // Takes a request up again that an earlier run had taken. It keeps its time; if that is over, it is due
-  // now.
+  // now, or once the replay has brought what it lacks a price for.
   void resume(TradingAccount& account, const TradeRequest& request, TimePoint now);
   // While it is shut, every request is refused without a text, and so is every answer to a requote.
   void set_shut(bool shut) { shut_ = shut; }
@@ -75,6 +76,8 @@ class OrderDesk {
   // Grows with every change and every number given.
   std::uint64_t revision() const { return revision_; }
   const std::vector<Outcome>& outcomes() const { return log_.all(); }
+  // As DealingServer::take_untold.
+  std::vector<Outcome> take_untold() { return std::exchange(untold_, {}); }
 
  private:
   struct Flight {
@@ -82,6 +85,7 @@ class OrderDesk {
     TradeRequest request;
     Mishap mishap;
     std::chrono::milliseconds latency{0};
+    bool resumed = false;  // sent in an earlier run
     // Counts while the request is requoted.
     bool requoted = false;
     double new_price = 0.0;
@@ -94,7 +98,9 @@ class OrderDesk {
   std::int32_t admit(TradingAccount& account, TradeRequest request, std::int32_t code, FaultPoint point,
                      TimePoint now);
   // What the request says of itself is filled in.
-  void log(const TradeRequest& request, Outcome outcome, TimePoint at);
+  const Outcome& log(const TradeRequest& request, Outcome outcome, TimePoint at);
+  // When a request that lacks a price is looked at again: nothing where none can come, or it must not wait.
+  std::optional<TimePoint> next_price(const Flight& flight) const;
   // The price agreed on, or else the market's.
   double price(const TradeRequest& request) const;
   // The dealer's last word.
@@ -126,6 +132,7 @@ class OrderDesk {
   const Market& market_;
   AnswerDesk answers_;
   OutcomeLog log_;
+  std::vector<Outcome> untold_;
   Flights flights_;
   OrderNumbers numbers_;
   std::uint64_t revision_ = 0;

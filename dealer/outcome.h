@@ -25,6 +25,7 @@ struct Outcome {
   bool dealt = false;    // was pending first
   bool expired = false;  // a requote that nobody answered in time
   bool told = false;     // an answer was sent to a session
+  bool resumed = false;  // the request was sent in an earlier run
 };
 
 }  // namespace tutti

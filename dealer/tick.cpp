@@ -9,11 +9,11 @@
 #include "core/clock.h"
 #include "core/numbers.h"
 #include "core/texts.h"
+#include "dealer/bounds.h"
 
 namespace tutti {
 namespace {
 
-constexpr double highest_price = 1e9;
 constexpr double longest_replay = 1e9;  // seconds
 
 // "yyyy-mm-dd hh:nn:ss" with or without decimals of the second.
@@ -55,7 +55,7 @@ class TickReader {
       return "has a time that is neither seconds nor a moment like those before";
     }
     const auto bid = parse_number(fields[2]), ask = parse_number(fields[3]);
-    if (!bid || !ask || *bid <= 0.0 || *ask < *bid || *ask > highest_price)
+    if (!bid || !ask || *bid <= 0.0 || *ask < *bid || *ask > bounds::highest_price)
       return "must have a bid above 0 and an ask not below it";
     tick.symbol = trim(fields[1]);
     tick.bid = *bid;

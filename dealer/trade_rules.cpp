@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/numbers.h"
+#include "dealer/bounds.h"
 #include "sessions/contract/codes.h"
 
 namespace tutti {
@@ -16,7 +17,7 @@ constexpr double tolerance = 1e-9;
 bool fits(const EntryOrder& order) {
   const double side = order.side;
   const auto away = [&](bool given, double price, double direction) {
-    return !given || (std::isfinite(price) && price > 0.0 && (price - order.price) * side * direction > 0.0);
+    return !given || (bounds::is_price(price) && (price - order.price) * side * direction > 0.0);
   };
   return away(order.has_stop_loss, order.stop_loss, -1.0) &&
          away(order.has_take_profit, order.take_profit, 1.0);
@@ -34,9 +35,7 @@ std::int32_t TradeRules::admit_open(const TradingAccount& account, std::int32_t 
   if (!account.config().privilege) return request::no_privilege;
   if (!is_side(side)) return request::silent;
   if (!orderable(amount)) return request::invalid_lots;
-  if (!symbol || !market_.quote(*symbol).known() || !account.rates_known(*symbol))
-    return request::invalid_price;
-  return request::taken;
+  return symbol && priced(account, *symbol) ? request::taken : request::invalid_price;
 }
 
 std::int32_t TradeRules::admit_close(const TradingAccount& account, std::int64_t ticket,
@@ -45,7 +44,7 @@ std::int32_t TradeRules::admit_close(const TradingAccount& account, std::int64_t
   if (!account.config().privilege) return request::no_privilege;
   const TradingAccount::Position* position = account.find_position(ticket);
   if (position == nullptr) return request::invalid_ticket;
-  const bool within = std::isfinite(amount) && amount > 0.0 && amount <= position->record.amount + tolerance;
+  const bool within = amount >= bounds::smallest_lots && amount <= position->record.amount + tolerance;
   return within ? request::taken : request::invalid_lots;
 }
 
@@ -79,7 +78,7 @@ std::int32_t TradeRules::admit_update(const TradingAccount& account, std::int64_
 bool TradeRules::well_priced(const TradingAccount& account, const EntryOrder& order,
                              std::size_t symbol) const {
   const Quote& quote = market_.quote(symbol);
-  if (!quote.known() || !std::isfinite(order.price) || order.price <= 0.0 || !fits(order)) return false;
+  if (!quote.known() || !bounds::is_price(order.price) || !fits(order)) return false;
   // A buy limit and a sell stop lie below the market, the other two above it.
   const bool limit = order.kind == EntryKind::limit;
   const double market = order.side == operation::buy ? quote.ask : quote.bid;
@@ -101,7 +100,7 @@ std::int32_t TradeRules::admit_stops(const TradingAccount& account, std::int64_t
   const auto far = [&](bool given, double price, double direction, double points) {
     if (!given) return true;
     const double gap = (price - market) * side * direction;
-    return std::isfinite(price) && price > 0.0 && gap > 0.0 && gap >= scaled(symbol, points) - tolerance;
+    return bounds::is_price(price) && gap > 0.0 && gap >= scaled(symbol, points) - tolerance;
   };
   const bool fit = far(stops.has_stop_loss, stops.stop_loss, -1.0, account.stop_distance(symbol)) &&
                    far(stops.has_take_profit, stops.take_profit, 1.0, account.limit_distance(symbol));
@@ -183,8 +182,12 @@ std::int32_t TradeRules::judge_symbol(const TradingAccount& account, std::size_t
       break;
   }
   // A request from an earlier run may come due before its symbol has a price in this one.
-  const bool priced = market_.quote(symbol).known() && account.rates_known(symbol);
-  return priced ? result::succeeded : result::market_conditions;
+  return priced(account, symbol) ? result::succeeded : result::market_conditions;
+}
+
+bool TradeRules::lacks_price(const TradingAccount& account, const TradeRequest& request) const {
+  const bool cancels = request.kind == TradeKind::cancel_entry || request.kind == TradeKind::cancel_stops;
+  return !cancels && request.stage != TradeRequest::Stage::rejected && !priced(account, place(request));
 }
 
 std::int32_t TradeRules::configured_result(const TradingAccount& account, TradeKind kind) {
@@ -207,7 +210,8 @@ double TradeRules::price(const TradeRequest& request) const {
 double TradeRules::worse_price(const TradeRequest& request, double price, double points) const {
   const std::int32_t digits = market_.symbol(place(request)).digits;
   const double point = std::pow(10.0, -digits);
-  return std::max(round_half_even(price + (buys(request) ? points : -points) * point, digits), point);
+  const double worse = round_half_even(price + (buys(request) ? points : -points) * point, digits);
+  return std::clamp(worse, point, bounds::highest_price);
 }
 
 std::chrono::milliseconds TradeRules::dealing_time(const TradingAccount& account,
@@ -220,7 +224,8 @@ double TradeRules::scaled(std::size_t symbol, double points) const {
 }
 
 bool TradeRules::orderable(double amount) const {
-  return std::isfinite(amount) && amount > 0.0 && amount <= config_.max_lot + tolerance;
+  return amount >= bounds::smallest_lots &&
+         amount <= std::min(config_.max_lot + tolerance, bounds::most_lots);
 }
 
 bool TradeRules::tradable(double amount) const {

@@ -36,6 +36,9 @@ class TradeRules {
   // The result code an account is configured to end such a request with; 0 when none.
   static std::int32_t configured_result(const TradingAccount& account, TradeKind kind);
 
+  // Whether it can't be done only because its symbol, or a rate for it, has no price yet.
+  bool lacks_price(const TradingAccount& account, const TradeRequest& request) const;
+
   // Price at which a market order or close is done now; 0 while the symbol has none.
   double price(const TradeRequest& request) const;
   // The price made worse for the client by so many points.
@@ -53,8 +56,11 @@ class TradeRules {
   // Whether an entry order's prices are on their sides, and the order far enough from the market.
   bool well_priced(const TradingAccount& account, const EntryOrder& order, std::size_t symbol) const;
   double scaled(std::size_t symbol, double points) const;  // as a price difference
-  bool orderable(double amount) const;                     // a number above 0 and within the largest lot
-  bool tradable(double amount) const;  // not below the smallest lot, and a multiple of the step
+  bool priced(const TradingAccount& account, std::size_t symbol) const {
+    return market_.quote(symbol).known() && account.rates_known(symbol);
+  }
+  bool orderable(double amount) const;  // what the book can hold, and within the largest lot
+  bool tradable(double amount) const;   // not below the smallest lot, and a multiple of the step
   std::size_t place(const TradeRequest& request) const { return *market_.find(request.symbol); }
   // Whether a market order or close buys.
   static bool buys(const TradeRequest& request);

@@ -182,6 +182,165 @@ TEST(DealerLog, ATornLastLineIsCutAndReportedDamageElsewhereEndsTheStart) {
                                                                            << start(one.log, one.book);
 }
 
+// The blocks of a piece reach the disk in any order, so that any part of the last one may be missing.
+TEST(DealerLog, AnUnfinishedLastPieceIsCutWhole) {
+  const TemporaryFolder home;
+  const auto found_in = [](const DealingServer& server) {
+    return books(server) + std::to_string(server.requests_in_flight()) + " on their way";
+  };
+  std::string sent, log, book;
+  {
+    KeptRig rig(home, still_market(3));
+    std::vector<DealerRig::Seat> seats;
+    for (std::size_t account = 0; account < 3; ++account)
+      seats.push_back(rig.trader(account));
+    for (const auto amount : {0.1, 0.2}) {
+      for (const auto& seat : seats)
+        DealerRig::send(seat, buy, "EURUSD", amount);
+      rig.run(0);
+      sent = found_in(rig.server);
+      rig.run(500);
+      ASSERT_TRUE(amount > 0.1 || rig.server.save_book());
+    }
+    log = home.read("dealer-book.log");
+    book = home.read("dealer-book.toml");
+  }
+  std::vector<std::size_t> begins{0};  // of lines: the head, two pieces of three, the end
+  for (std::size_t at = 0; (at = log.find('\n', at) + 1) != 0;)
+    begins.push_back(at);
+  ASSERT_EQ(begins.size(), 8U) << log;
+  enum How { changed, zeroed, ended };  // zeroed with its end, ended in front of it
+  struct Case {
+    How how;
+    std::vector<std::size_t> lines;
+    std::string note;
+  };
+  const std::string broken = "is damaged";
+  const Case cases[] = {{changed, {5}, "lines 5 to 7 were"},
+                        {changed, {6}, "lines 5 to 7 were"},
+                        {changed, {7}, "lines 5 to 7 were"},
+                        {changed, {5, 6}, "lines 5 to 7 were"},
+                        {zeroed, {5}, "lines 5 to 6 were"},
+                        {zeroed, {5, 6}, "line 5 was"},
+                        {zeroed, {6, 7}, "lines 5 to 6 were"},
+                        {ended, {7}, "lines 5 to 6 were"},
+                        {ended, {6}, "line 5 was"},
+                        {changed, {4}, broken},
+                        {changed, {3, 7}, broken},
+                        {zeroed, {4, 5}, broken},
+                        {changed, {4, 5, 6, 7}, broken},
+                        {changed, {1, 5}, broken}};
+  for (const Case& one : cases) {
+    std::string text = log;
+    for (const std::size_t line : one.lines) {
+      if (one.how == changed) text[begins[line - 1] + 20] ^= 0x40;
+      if (one.how == zeroed)
+        text.replace(begins[line - 1], begins[line] - begins[line - 1], begins[line] - begins[line - 1],
+                     '\0');
+      if (one.how == ended) text.resize(begins[line - 1]);
+    }
+    home.write("dealer-book.log", text);
+    home.write("dealer-book.toml", book);
+    const KeptRig rig(home, still_market(3));
+    const bool cut = one.note != broken;
+    ASSERT_EQ(rig.kept.has_value(), cut) << rig.fault();
+    EXPECT_NE((cut ? rig.kept->at(0) : rig.fault()).find(one.note), std::string::npos)
+        << one.note << ": " << (cut ? rig.kept->at(0) : rig.fault());
+    if (!cut) continue;
+    EXPECT_EQ(found_in(rig.server), sent);
+    EXPECT_EQ(home.read("dealer-book.log.damaged"), text);
+  }
+}
+
+TEST(DealerLog, WhatTheBookCanNotHoldIsRefusedAtOnce) {
+  const TemporaryFolder home;
+  DealerConfig config = still_market(1);
+  SymbolConfig& gold = config.symbols[15];
+  gold.bid = gold.spread = 1e9;
+  gold.digits = 0;
+  gold.contract_size = 1e-6;
+  config.entry_orders = {{first, buy, "EURUSD", 0.4, 1.0, 0, 0, 0}};
+  KeptRig rig(home, config);
+  const auto seat = rig.trader(0);
+  const std::int64_t ticket = open_half(rig, seat, buy);
+  const std::int64_t waiting = seat.client->PendingOrderItem(1)->order;
+  const auto close = [&](const char* amount) {
+    return seat.client->ClosePosition(std::to_string(ticket), amount, "");
+  };
+  const auto enter = [&](EntryKind kind, double amount, double price, double take_profit) {
+    EntryOrder order;
+    order.side = buy;
+    order.kind = kind;
+    order.symbol_id = seat.client->FindSymbol("EURUSD")->id;
+    order.amount = amount;
+    order.price = price;
+    order.take_profit = take_profit;
+    order.has_take_profit = take_profit != 0.0;
+    return seat.client->NewEntryOrder(order);
+  };
+  const auto change = [&](double price, double stop_loss, double take_profit) {
+    return seat.client->UpdateEntryOrder(waiting, price, stop_prices(stop_loss, take_profit));
+  };
+  const auto stops = [&](double stop_loss, double take_profit) {
+    return seat.client->UpdateSLTP(ticket, stop_prices(stop_loss, take_profit));
+  };
+  const auto limit = EntryKind::limit, stop = EntryKind::stop;
+  const auto taken = request::taken, lots = request::invalid_lots, price = request::invalid_price;
+  const std::pair<std::function<std::int32_t()>, std::int32_t> cases[] = {
+      {[&] { return DealerRig::send(seat, buy, "EURUSD", 1e-9); }, lots},
+      {[&] { return DealerRig::send(seat, buy, "EURUSD", 1e-8); }, taken},
+      {[&] { return DealerRig::send(seat, buy, "XAUUSD", 0.1); }, taken},
+      {[&] { return close("0.000000009"); }, lots},
+      {[&] { return close("0.00000001"); }, taken},
+      {[&] { return enter(limit, 9e-9, 1.0, 0); }, lots},
+      {[&] { return enter(limit, 0.1, 9e-9, 0); }, price},
+      {[&] { return enter(limit, 1e-8, 1e-8, 0); }, taken},
+      {[&] { return enter(stop, 0.1, 2e9, 0); }, price},
+      {[&] { return enter(stop, 0.1, 1.2, 1.1e9); }, price},
+      {[&] { return enter(stop, 0.1, 9e8, 1e9); }, taken},
+      {[&] { return change(1.0, 1e-300, 0); }, price},
+      {[&] { return change(1.0, 0, 1.1e9); }, price},
+      {[&] { return change(1.0, 1e-8, 1e9); }, taken},
+      {[&] { return stops(1e-9, 0); }, price},
+      {[&] { return stops(0, 1.1e9); }, price},
+      {[&] { return stops(1e-8, 1e9); }, taken},
+  };
+  for (const auto& [ask, code] : cases) {
+    const auto at = &ask - &cases[0].first;
+    EXPECT_EQ(ask(), code) << at;
+    for (const int wait : {0, 500}) {
+      rig.run(wait);
+      const KeptRig next(home, config, rig.clock.now());
+      ASSERT_TRUE(next.kept) << at << ": " << next.fault();
+      EXPECT_EQ(books(next.server), books(rig.server));
+      EXPECT_EQ(next.server.requests(), rig.server.requests());
+    }
+  }
+  EXPECT_EQ(seat.client->OpenPositionItem(2)->open_price, 1e9);
+}
+
+// A replay may bring the first price of a symbol later than the requests of the run before.
+TEST(DealerLog, ResumedRequestsWaitForTheFirstPrice) {
+  const TemporaryFolder home;
+  DealerConfig config = prices({{seconds{1}, "EURUSD", 1.0700, 1.0702}}, 1);
+  config.symbols[0].bid = 0;
+  config.faults = {fault(FaultKind::delay, {FaultPoint::open}, 0, seconds{30})};
+  {
+    KeptRig rig(home, config);
+    const auto seat = rig.trader(0);
+    rig.run(2'000);
+    ASSERT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.1), request::taken);
+    rig.run(0);
+  }
+  {
+    KeptRig rig(home, config, noon + seconds{60});
+    rig.run(999);
+    EXPECT_EQ(rig.server.requests_in_flight(), 1U);
+    rig.run(1);
+    EXPECT_EQ(rig.server.accounts()[0].positions().at(0).record.open_price, 1.0702);
+  }
+}
+
 TEST(DealerLog, RequestsKeepTheirDueTime) {
   const TemporaryFolder home;
   DealerConfig config = still_market(3);
@@ -279,10 +438,13 @@ TEST(DealerLog, NumbersAreNeverGivenTwiceAndSeedsRepeat) {
   config.entry_orders = {{first, buy, "EURUSD", 0.2, 1.07, 0, 0, 0}};
   std::int64_t last = 0;
   std::optional<Words> course;
-  enum class End { saved, killed, deleted };
-  for (const End end : {End::saved, End::killed, End::deleted, End::killed, End::saved}) {
+  enum class End { saved, killed, deleted, damaged };
+  bool damaged = false;
+  for (const End end : {End::saved, End::killed, End::deleted, End::damaged, End::killed, End::saved}) {
     KeptRig rig(home, config, noon, true);
     ASSERT_TRUE(rig.kept) << rig.fault();
+    EXPECT_EQ(rig.kept->size(), damaged ? 1U : 0U);
+    damaged = end == End::damaged;
     const auto seat = rig.trader(0);
     EXPECT_EQ(seat.client->OpenPositionCount(), 0);
     EXPECT_GT(seat.client->PendingOrderItem(1)->order, last);
@@ -297,6 +459,10 @@ TEST(DealerLog, NumbersAreNeverGivenTwiceAndSeedsRepeat) {
     EXPECT_GT(seat.seen->reports.front().number, last);
     last = seat.seen->reports.back().number;
     EXPECT_TRUE(end != End::saved || rig.server.save_book());
+    if (damaged) {  // and the numbers of their own are gone
+      home.write("dealer-book.toml", "book = 1\n" + home.read("dealer-book.toml"));
+      std::filesystem::remove(home.path() / "dealer-numbers.toml");
+    }
     if (end != End::deleted) continue;
     for (const char* name : {"dealer-book.toml", "dealer-book.log"})
       std::filesystem::remove(home.path() / name);
