@@ -6,12 +6,19 @@
 #include <string>
 #include <vector>
 
+#include "core/secret.h"
+
 namespace tutti {
 
 // One client account as configured. Balance and credit are where it starts; the book goes on from there.
 struct AccountConfig {
+  AccountConfig() = default;
+  AccountConfig(const AccountConfig&) = default;
+  AccountConfig& operator=(const AccountConfig&) = default;
+  ~AccountConfig() { wipe(password); }
+
   std::string user;      // compared without case; one user may own several accounts
-  std::string password;  // compared without case
+  std::string password;  // compared without case; its bytes are overwritten in the end
   std::int32_t number = 0;
   std::string name;  // holder
   std::string currency = "USD";

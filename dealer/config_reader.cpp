@@ -208,16 +208,26 @@ class ConfigReader {
   std::set<std::int32_t> numbers_;
 };
 
+void wipe_passwords(toml::table& root) {
+  toml::array* accounts = root["account"].as_array();
+  if (accounts == nullptr) return;
+  for (toml::node& account : *accounts) {
+    if (toml::table* table = account.as_table())
+      if (auto* password = (*table)["password"].as_string()) wipe(password->get());
+  }
+}
+
 }  // namespace
 
 tl::expected<DealerConfig, FileError> DealerConfig::load(const std::filesystem::path& file) {
-  const auto content = read_file(file);
+  const auto content = read_secret_file(file);
   if (!content) return tl::unexpected(content.error());
   std::optional<std::string> fault;
-  const auto root = parse_toml(*content, fault);
+  auto root = parse_toml(content->reveal(), fault);
   if (!root) return tl::unexpected(FileError{file, *fault});
   std::string replay;
   auto config = ConfigReader(*root).read(replay);
+  wipe_passwords(*root);
   if (!config) return tl::unexpected(FileError{file, config.error()});
   if (!replay.empty()) {
     auto ticks = load_ticks(file.parent_path() / replay);

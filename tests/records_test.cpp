@@ -263,6 +263,33 @@ TEST(AccountFile, RemovedAccountsLeaveNoPasswordInMemory) {
   EXPECT_EQ(copies_in_memory(inverted), 0);
 }
 
+// As what comes next does: the parser leaves there what it has put together last.
+__attribute__((noinline)) void overwrite_stack() {
+  volatile char room[100'000];
+  for (volatile char& byte : room)
+    byte = 0;
+}
+
+TEST(AccountFile, ADealerFileLeavesNoPasswordInMemory) {
+  const std::string inverted = "\xA8\x96\x8F\x9A\xD2\x92\x9A";
+  const TemporaryFolder home;
+  {
+    std::string text = "# " + std::string(50'000, 'x') + "\n[[account]]\nnumber = 9\nuser = \"U\"\n";
+    text.reserve(2 * text.size());
+    text += "password = \"xxxx";
+    for (const char c : inverted)
+      text += static_cast<char>(~c);
+    home.write("dealer.toml", text += "\"\n");
+    wipe(text);
+  }
+  {
+    const auto config = DealerConfig::load(home.path() / "dealer.toml");
+    overwrite_stack();
+    EXPECT_TRUE(config && copies_in_memory(inverted) == 1);
+  }
+  EXPECT_EQ(copies_in_memory(inverted), 0);
+}
+
 TEST(AccountFile, PasswordsStandNowhereButInThePlainLists) {
   DealerConfig config = DealerConfig::sample(2);
   for (AccountConfig& account : config.accounts)
