@@ -42,7 +42,7 @@ tl::expected<void, FileError> Terminal::start() {
   main_ = std::make_unique<Main>(
       options_.home,
       MachinePorts{ports_.clock, ports_.prompt, ports_.sound, locale_, ports_.file_dialog, options_.key_file},
-      ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint});
+      ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint, true});
   main_->general().outside = [](std::string_view text) {
     std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
   };

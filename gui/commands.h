@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <utility>
+#include <vector>
 
 class QMenu;
 class QWidget;
@@ -28,7 +29,8 @@ class Commands {
   struct Options {
     QString pane = {};  // that it acts on; empty when it needs none
     QString icon = {};
-    std::function<bool()> available = {};  // asked with every refresh; always when not set
+    // Why it can't be used now, nullptr while it can; asked with every refresh. Always usable when not set.
+    std::function<const char*()> off = {};
   };
 
   struct Command {
@@ -52,16 +54,21 @@ class Commands {
   QAction& add(QMenu& menu, Command command);
   // nullptr when there is none.
   QAction* find(const QString& name) const;
+  // A button of a window that does the same tells the same while the mouse rests on it.
+  void explain(QWidget& button, const QString& name) const;
   const std::deque<std::pair<Command, QAction*>>& all() const { return commands_; }
 
  private:
   bool needs_pane(const Command& command) const;
+  const char* why_off(const Command& command) const;
+  void refresh();
   void run(const Command& command);
 
   QWidget& window_;
   Screen& screen_;
   Panes panes_;
   std::deque<std::pair<Command, QAction*>> commands_;
+  std::vector<const char*> told_;  // why each is off, as its tool tip says
 };
 
 }  // namespace tutti

@@ -8,6 +8,7 @@
 
 #include "gui/price_label.h"
 #include "gui/screen.h"
+#include "gui/simulation_badge.h"
 
 namespace tutti {
 
@@ -39,7 +40,10 @@ QuotePanel::QuotePanel(const SymbolCollection& symbols, Screen& screen,
   age_->setObjectName(QStringLiteral("quote_age"));
   age_->setTextFormat(Qt::PlainText);
   age_->setProperty("muted", true);
-  row->addWidget(age_, 0, Qt::AlignBottom);
+  auto* right = new QVBoxLayout;
+  right->addStretch(1);
+  right->addWidget(age_, 0, Qt::AlignRight);
+  row->addLayout(right);
   follow();
   screen.on_refresh(*this, [this] { follow(); });
 }
@@ -62,6 +66,11 @@ void QuotePanel::show_also(PriceLabel& bid, PriceLabel& ask) {
   asks_.push_back(&ask);
   shown_.clear();
   follow();
+}
+
+void QuotePanel::show_simulation() {
+  auto* right = static_cast<QVBoxLayout*>(layout()->itemAt(layout()->count() - 1)->layout());
+  right->insertWidget(0, new SimulationBadge, 0, Qt::AlignRight);
 }
 
 std::chrono::milliseconds QuotePanel::age_of(const SymbolCollection::Entry& entry) {

@@ -25,6 +25,8 @@ class QuotePanel final : public QWidget {
 
   // Other places that show the same prices; they must live as long as the panel.
   void show_also(PriceLabel& bid, PriceLabel& ask);
+  // Says beside the prices that they are made up; called once where they are.
+  void show_simulation();
 
  private:
   PriceLabel* add_price(const QString& caption, const char* name);

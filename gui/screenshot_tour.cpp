@@ -99,11 +99,11 @@ void ScreenshotTour::plan_orders() {
            order.cbsymbols.choose(symbol);
            order.txtammount.type(lots);
            order.CBdis.choose(2);
-           if (!order.chkAllClients.checked()) window_.market_order().tick_all();
-           window_.market_order().distribute();
+           if (!order.chkAllClients.checked()) window_.panes().market_order().tick_all();
+           window_.panes().market_order().distribute();
          });
     then([] { return true; },
-         [this, buy] { buy ? window_.market_order().buy() : window_.market_order().sell(); });
+         [this, buy] { buy ? window_.panes().market_order().buy() : window_.panes().market_order().sell(); });
     then([&order] { return order.answers().waiting <= 6; }, [] {});
   };
   round("USDJPY", "80", false);
@@ -113,27 +113,27 @@ void ScreenshotTour::plan_orders() {
   picture("requote", [this] { return &window_.requote(); });
   then([] { return true; },
        [this] {
-         window_.bring_up(QStringLiteral("trade"));
-         window_.accounts().list().selectRow(3);
-         window_.trade().list().selectRow(2);
+         window_.panes().bring_up(QStringLiteral("trade"));
+         window_.panes().accounts().list().selectRow(3);
+         window_.panes().trade().list().selectRow(2);
          RowList& positions = main_.trade().lvwOpenPos;
          for (std::size_t row = 0; row < std::min<std::size_t>(positions.size(), 3); ++row)
            positions.tick(positions.row(row), true);
-         window_.pending().list().selectRow(0);
+         window_.panes().pending().list().selectRow(0);
          main_.net_trade().refresh();
          screen_.settle();
-         window_.net_trade().list().selectRow(0);
+         window_.panes().net_trade().list().selectRow(0);
        });
   picture("desktop", [this] { return &window_; });
   then([] { return true; },
        [this] {
-         window_.bring_up(QStringLiteral("entry_order"));
+         window_.panes().bring_up(QStringLiteral("entry_order"));
          fill_entry_order();
        });
   picture("desktop_entry_order", [this] { return &window_; });
-  for (const Pane& pane : window_.panes()) {
-    then([] { return true; }, [this, name = pane.name] { window_.bring_up(name); });
-    if (pane.widget == &window_.close_positions()) {
+  for (const Pane& pane : window_.panes().all()) {
+    then([] { return true; }, [this, name = pane.name] { window_.panes().bring_up(name); });
+    if (pane.widget == &window_.panes().close_positions()) {
       then([] { return true; }, [this] { mark_positions(); });
       const RowList& grid = main_.close_positions().MSH;
       then([&grid] { return grid.size() < 2 || !grid.row(1).reads(frmClosePos::action, "Close"); }, [] {});
@@ -141,9 +141,11 @@ void ScreenshotTour::plan_orders() {
     picture(pane.name.toStdString().c_str(), [widget = pane.widget] { return widget; });
   }
   then([] { return true; },
-       [this] { window_.journal().show_history(main_.accounts().sessions().Children().front()->account()); });
-  picture("journal_history", [this] { return &window_.journal(); });
-  then([] { return true; }, [this] { window_.journal().show_live(); });
+       [this] {
+         window_.panes().journal().show_history(main_.accounts().sessions().Children().front()->account());
+       });
+  picture("journal_history", [this] { return &window_.panes().journal(); });
+  then([] { return true; }, [this] { window_.panes().journal().show_live(); });
 }
 
 void ScreenshotTour::mark_positions() {
@@ -167,12 +169,12 @@ void ScreenshotTour::fill_entry_order() {
   entry.txtatprice.type(at(0.998));
   entry.txtsl.type(at(0.995));
   entry.txttp.type(at(1.002));
-  if (!entry.chkAllClients.checked()) window_.entry_order().tick_all();
-  window_.entry_order().distribute();
+  if (!entry.chkAllClients.checked()) window_.panes().entry_order().tick_all();
+  window_.panes().entry_order().distribute();
 }
 
 void ScreenshotTour::plan_boxes() {
-  picture_of_box("question", [this] { window_.trade().close_selected(); });
+  picture_of_box("question", [this] { window_.panes().trade().close_selected(); });
   picture_of_box("sure", [this] { main_.sure().GeneralQuestionMsg("Logout All"); });
   picture_of_box("about", [this] { window_.show_about(); });
   then([] { return true; }, [this] { main_.accounts().add_account(); });

@@ -52,6 +52,7 @@ struct ServerSide {
   ClientFactory make_client;
   EventSource& events;
   Endpoint endpoint;
+  bool simulated = false;  // it is the server within the program, with made-up prices and money
 };
 
 // Start-up, and owner of every global object: the one place that sees all rooms and creates everything in its
@@ -97,6 +98,8 @@ class Main {
   COpenPos& open_positions() { return *open_positions_; }
   CPendingOrds& pending_orders() { return *pending_orders_; }
   CNetPos& net_positions() { return *net_positions_; }
+  // Whether orders go to the server within the program, which the operator must never take for the market.
+  bool simulated() const { return server_.simulated; }
   // Read from its files with every call.
   BrokerCard broker() const { return BrokerCard::read(paths_); }
 

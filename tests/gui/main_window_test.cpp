@@ -36,7 +36,7 @@ struct DesktopTest : ::testing::Test {
   QDockWidget& dock(const char* name) { return part<QDockWidget>(*window, name); }
   void trigger(const char* name) { window->commands().find(QString::fromLatin1(name))->trigger(); }
   void to_front(const char* name) {
-    window->bring_up(QString::fromLatin1(name));
+    window->panes().bring_up(QString::fromLatin1(name));
     rig.run(1ms);
   }
   // The forms that say they can be seen, by their first letters; "N" for either net window.
@@ -180,18 +180,18 @@ TEST_F(DesktopTest, PanesBehindTabsRestAndCatchUpInFront) {
   rig.screen.refresh();
   EXPECT_NE(bid(), before);
   EXPECT_EQ(bid(), rig.main().entry_order().lblcondition.text());
-  EXPECT_EQ(window->net_trade().list().model()->rowCount(), 1);
+  EXPECT_EQ(window->panes().net_trade().list().model()->rowCount(), 1);
 }
 
 TEST_F(DesktopTest, TheKeyboardLeavesAPaneThatGoesBehindAnother) {
   to_front("close_positions");
-  part(window->close_positions(), "LblCheck").setFocus();
+  part(window->panes().close_positions(), "LblCheck").setFocus();
   dock("trade").raise();
   rig.run(1ms);
-  EXPECT_EQ(QApplication::focusWidget(), &window->trade().list());
-  part(window->close_positions(), "LblCheck").setFocus();  // as Tab does
+  EXPECT_EQ(QApplication::focusWidget(), &window->panes().trade().list());
+  part(window->panes().close_positions(), "LblCheck").setFocus();  // as Tab does
   rig.run(1ms);
-  EXPECT_EQ(QApplication::focusWidget(), &window->trade().list());
+  EXPECT_EQ(QApplication::focusWidget(), &window->panes().trade().list());
 }
 
 TEST_F(DesktopTest, AGlanceAtAnotherTabLosesNoPlaceAndNoMark) {
@@ -201,7 +201,7 @@ TEST_F(DesktopTest, AGlanceAtAnotherTabLosesNoPlaceAndNoMark) {
   to_front("close_positions");
   form.CloseSymbols.choose("EURUSD");
   rig.run(1s);
-  RowListView& grid = window->close_positions().list();
+  RowListView& grid = window->panes().close_positions().list();
   QScrollBar& bar = *grid.verticalScrollBar();
   bar.setValue(bar.maximum());
   for (int i = 0; i < 2; ++i)
@@ -227,7 +227,7 @@ TEST_F(DesktopTest, CommandsNeedTheirPaneInFront) {
   rig.buy("12");
   rig.run(5s);
   rig.distribute("24");
-  for (const Pane& pane : window->panes()) {
+  for (const Pane& pane : window->panes().all()) {
     to_front(pane.name.toLatin1());
     pane.list->selectAll();
   }
@@ -256,7 +256,7 @@ TEST_F(DesktopTest, CommandsNeedTheirPaneInFront) {
       EXPECT_EQ(state(), before) << command.name.toStdString();
       EXPECT_TRUE(in_sight(dock(pane.toLatin1()))) << command.name.toStdString();
       const Pane* keyboard = nullptr;
-      for (const Pane& each : window->panes())
+      for (const Pane& each : window->panes().all())
         if (each.widget->isAncestorOf(QApplication::focusWidget())) keyboard = &each;
       EXPECT_TRUE(keyboard != nullptr && keyboard->name == pane) << command.name.toStdString();
     }
@@ -302,7 +302,7 @@ TEST_F(DesktopTest, TheMainJobByKeyboardAlone) {
 }
 
 TEST_F(DesktopTest, TheMarketWatchHandsItsSymbolOver) {
-  RowListView& watch = window->market_watch().list();
+  RowListView& watch = window->panes().market_watch().list();
   const auto name = [&](int place) { return watch.rows().row_at(place)->text(frmMW::symbol_name); };
   const auto keyboard = [&] {
     rig.run(10ms);
@@ -326,12 +326,12 @@ TEST_F(DesktopTest, TheMarketWatchHandsItsSymbolOver) {
 TEST_F(DesktopTest, LayoutIsKeptAndADamagedOneIsReplacedByTheStandard) {
   dock("journal").setFloating(true);
   dock("market_watch").close();
-  window->journal().list().setColumnWidth(2, 333);
+  window->panes().journal().list().setColumnWidth(2, 333);
   window->close();
   open();
   EXPECT_TRUE(dock("journal").isFloating());
   EXPECT_TRUE(dock("market_watch").isHidden());
-  EXPECT_EQ(window->journal().list().columnWidth(2), 333);
+  EXPECT_EQ(window->panes().journal().list().columnWidth(2), 333);
   // A closed pane's form knows, and its key brings it back.
   EXPECT_FALSE(rig.main().market_watch().Displayed());
   press(Qt::Key_2, Qt::ControlModifier);
@@ -345,7 +345,7 @@ TEST_F(DesktopTest, LayoutIsKeptAndADamagedOneIsReplacedByTheStandard) {
     open();
     EXPECT_FALSE(dock("journal").isFloating()) << damaged;
     EXPECT_FALSE(dock("market_watch").isHidden()) << damaged;
-    EXPECT_FALSE(window->journal().list().widths_dragged()) << damaged;
+    EXPECT_FALSE(window->panes().journal().list().widths_dragged()) << damaged;
   }
 }
 
@@ -394,8 +394,8 @@ TEST_F(DesktopTest, LoggingOutSeveralAccountsAsksWithWhatTheyHold) {
   const auto connected = [this] { return rig.main().accounts().connections().connected; };
   const auto disconnect = [this](int first, int last, Qt::Key answer) {
     to_front("accounts");
-    click_cell(window->accounts().list(), first, 1);
-    click_cell(window->accounts().list(), last, 1, Qt::ShiftModifier);
+    click_cell(window->panes().accounts().list(), first, 1);
+    click_cell(window->panes().accounts().list(), last, 1, Qt::ShiftModifier);
     if (answer != Qt::Key_unknown) {
       when_modal([this, answer](QWidget& box) {
         // Meanwhile another row gets selected.
@@ -429,8 +429,8 @@ TEST_F(DesktopTest, LoggingOutSeveralAccountsAsksWithWhatTheyHold) {
 }
 
 TEST_F(DesktopTest, RemovingSelectedAccountsAsksAndLeavesTheRest) {
-  click_cell(window->accounts().list(), 1, 1);
-  click_cell(window->accounts().list(), 3, 1, Qt::ShiftModifier);
+  click_cell(window->panes().accounts().list(), 1, 1);
+  click_cell(window->panes().accounts().list(), 3, 1, Qt::ShiftModifier);
   when_modal([](QWidget& box) { QTest::keyClick(&box, Qt::Key_N); });
   press(Qt::Key_Delete, Qt::ControlModifier);
   EXPECT_EQ(rig.main().accounts().lvwClients.size(), 12U);
@@ -454,11 +454,11 @@ TEST_F(DesktopTest, CopyAndCloseTakeTheListThatHasTheKeyboard) {
   rig.run(10ms);
   QAction& close = *window->commands().find(QStringLiteral("close_net"));
   EXPECT_FALSE(close.isEnabled());
-  click_cell(window->net_trade().list(), 0, frmNetTrade::net);
+  click_cell(window->panes().net_trade().list(), 0, frmNetTrade::net);
   rig.screen.acted();
   EXPECT_TRUE(close.isEnabled());
 
-  RowListView& accounts = window->net_trade().accounts();
+  RowListView& accounts = window->panes().net_trade().accounts();
   click_cell(accounts, 2, frmNetTrade::account);
   window->commands().find(QStringLiteral("copy"))->trigger();
   EXPECT_EQ(QGuiApplication::clipboard()->text().section(QLatin1Char{'\t'}, 0, 0).toStdString(),
@@ -471,7 +471,7 @@ TEST_F(DesktopTest, CopyAndCloseTakeTheListThatHasTheKeyboard) {
   close.trigger();
   rig.run(10ms);
   EXPECT_EQ(rig.main().close_positions().marked_count(), 1U);
-  EXPECT_EQ(QApplication::focusWidget(), &window->close_positions().list());
+  EXPECT_EQ(QApplication::focusWidget(), &window->panes().close_positions().list());
   press(Qt::Key_0, Qt::ControlModifier);
   EXPECT_EQ(QApplication::focusWidget()->objectName(), QStringLiteral("CloseSymbols"));
 }

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QMainWindow>
+#include <filesystem>
+
+#include "gui/panes.h"
+#include "gui/saved_layout.h"
+
+namespace tutti {
+
+// Where the main window and its panes stand, as the operator left them or as they stand at first.
+class PaneLayout {
+ public:
+  PaneLayout(QMainWindow& window, Panes& panes, std::filesystem::path file);
+
+  // The arrangement that was saved last, the standard one when there is none that fits.
+  void restore();
+  void reset();
+  tl::expected<void, FileError> save();
+
+ private:
+  void arrange();
+  void share_room();
+  QDockWidget* dock(std::size_t pane) const { return panes_.all()[pane].dock; }
+
+  QMainWindow& window_;
+  Panes& panes_;
+  SavedLayout layout_;
+};
+
+}  // namespace tutti

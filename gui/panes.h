@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QMainWindow>
+#include <deque>
+
+#include "gui/frmClosePos_window.h"
+#include "gui/frmJournal_window.h"
+#include "gui/frmMW_window.h"
+#include "gui/frmMain_window.h"
+#include "gui/frmNetTrade_window.h"
+#include "gui/frmPending_window.h"
+#include "gui/frmTrade_window.h"
+#include "gui/frmlimitorder_window.h"
+#include "gui/frmorder_window.h"
+#include "gui/net_matrix_window.h"
+#include "gui/pane.h"
+
+namespace tutti {
+
+class Main;
+class Screen;
+
+// The windows within the main window: the accounts list in its middle, and everything else as a pane that
+// docks, tabs and floats. Knows which is which, which of them the operator sees and works in, and tells the
+// forms.
+class Panes {
+ public:
+  // Makes all of them, in the order of the keys that bring them up. Where they stand is PaneLayout's
+  // business.
+  Panes(QMainWindow& window, Main& main, Screen& screen);
+
+  const std::deque<Pane>& all() const { return panes_; }
+  // Asserts that there is one.
+  const Pane& named(const QString& name) const;
+  // The pane that has the keyboard; the accounts list while none has.
+  const Pane& active() const;
+  // Its list that has the keyboard, or its main one; nullptr when it has none.
+  RowListView* active_list() const;
+  // Brings a pane to the front, floating ones included, with the keyboard where its work begins.
+  void bring_up(const QString& name);
+  // The same, with the keyboard where a key by mistake does least.
+  void put_in_front(const QString& name);
+  // What floats stands before the main window, and on a screen that is there. To be called when the main
+  // window has just been shown.
+  void raise_floats();
+
+  FrmMainWindow& accounts() { return *accounts_; }
+  FrmorderWindow& market_order() { return *market_order_; }
+  FrmlimitorderWindow& entry_order() { return *entry_order_; }
+  FrmMWWindow& market_watch() { return *market_watch_; }
+  FrmTradeWindow& trade() { return *trade_; }
+  FrmPendingWindow& pending() { return *pending_; }
+  FrmClosePosWindow& close_positions() { return *close_positions_; }
+  FrmNetTradeWindow& net_trade() { return *net_trade_; }
+  NetMatrixWindow& net_matrix() { return *net_matrix_; }
+  FrmJournalWindow& journal() { return *journal_; }
+
+ private:
+  void make_panes(Screen& screen);
+  void add(const char* name, const QString& title, const char* help, QWidget* widget, RowListView* list);
+  // The pane that a widget is in; nullptr when it is in none.
+  const Pane* pane_of(const QWidget* widget) const;
+  void follow_displayed();
+  void keep_keyboard_in_sight();
+  void show_title(QDockWidget& dock);
+
+  QMainWindow& window_;
+  Main& main_;
+  std::deque<Pane> panes_;
+  FrmMainWindow* accounts_ = nullptr;
+  FrmorderWindow* market_order_ = nullptr;
+  FrmlimitorderWindow* entry_order_ = nullptr;
+  FrmMWWindow* market_watch_ = nullptr;
+  FrmTradeWindow* trade_ = nullptr;
+  FrmPendingWindow* pending_ = nullptr;
+  FrmClosePosWindow* close_positions_ = nullptr;
+  FrmNetTradeWindow* net_trade_ = nullptr;
+  NetMatrixWindow* net_matrix_ = nullptr;
+  FrmJournalWindow* journal_ = nullptr;
+};
+
+}  // namespace tutti

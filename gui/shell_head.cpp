@@ -1,0 +1,38 @@
+#include "gui/shell_head.h"
+
+#include <QHBoxLayout>
+#include <QMenuBar>
+
+#include "gui/screen.h"
+#include "gui/shell_label.h"
+#include "gui/simulation_badge.h"
+#include "shell/Main.h"
+
+namespace tutti {
+
+ShellHead::ShellHead(Main& main, Screen& screen, QMenuBar& bar) : QWidget(&bar) {
+  auto* row = new QHBoxLayout{this};
+  row->setContentsMargins(0, 3, 10, 3);
+  row->setSpacing(8);
+  auto* accounts = new ShellLabel{main.colours(), this};
+  auto* ticked = new ShellLabel{main.colours(), this};
+  ticked->setObjectName(QStringLiteral("ticked"));
+  auto* server = new ShellLabel{main.colours(), this};
+  if (main.simulated()) row->addWidget(new SimulationBadge);
+  for (QWidget* label : {accounts, ticked, server})
+    row->addWidget(label);
+  bar.setCornerWidget(this);
+  screen.on_refresh(*this, [this, &main, &bar, accounts, ticked, server] {
+    const std::size_t chosen = main.market_order().lvwConClients.checked_count();
+    accounts->show_text(QStringLiteral("Accounts %1").arg(main.accounts().lvwClients.size()), false);
+    ticked->show_text(QStringLiteral("Ticked %1").arg(chosen), chosen > 0);
+    server->show_text(QString::fromStdString(main.accounts().login_options().CurrentServerDesc()), false);
+    // The menu bar looks at the size of its corner only when it is given one.
+    if (sizeHint() == size()) return;
+    adjustSize();
+    bar.setCornerWidget(this);
+    show();
+  });
+}
+
+}  // namespace tutti
