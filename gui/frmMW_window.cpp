@@ -17,6 +17,7 @@ FrmMWWindow::FrmMWWindow(frmMW& form, Screen& screen) : form_(form), screen_(scr
                       {Column::bid, Column::ask, Column::spread, Column::high, Column::low, Column::time}};
   symbols_->setObjectName(QStringLiteral("lvwMW"));
   symbols_->keep_readable({"NZDCAD.m", "00000.00", "00000.00", "0000", "00000.00", "00000.00", "00:00"});
+  symbols_->set_first_to_go({Column::high, Column::low});
   symbols_->setSelectionMode(QAbstractItemView::SingleSelection);
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);

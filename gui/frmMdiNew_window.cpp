@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QStringList>
+#include <QTimer>
 
 #include "gui/about_window.h"
 #include "gui/screen.h"
@@ -38,13 +39,9 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   setWindowIcon(svg_icon(QStringLiteral("tutti")));
   setDockOptions(AllowNestedDocks | AllowTabbedDocks | GroupedDragging);
   setTabPosition(Qt::AllDockWidgetAreas, QTabWidget::North);
-  setCorner(Qt::TopRightCorner, Qt::RightDockWidgetArea);
-  setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-  setCorner(Qt::TopLeftCorner, Qt::LeftDockWidgetArea);
-  setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
 
   setStatusBar(new StatusStrip{main_, screen});
-  new ShellHead{main_, screen, *menuBar()};
+  new ShellHead{main_, panes_, screen, *menuBar()};
   prompt.set_parent(this);
   account_dialog_ = new FrmaccountWindow{main_.accounts().account_dialog(), screen, this};
   requote_ = new FrmPriceChangedWindow{main_.requote(), screen, this};
@@ -112,7 +109,8 @@ void FrmMdiNewWindow::closeEvent(QCloseEvent* event) {
 
 void FrmMdiNewWindow::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
-  panes_.raise_floats();
+  // It is on the screen only after this.
+  if (!event->spontaneous()) QTimer::singleShot(0, this, [this] { panes_.raise_floats(); });
 }
 
 void FrmMdiNewWindow::show_about() {

@@ -278,8 +278,11 @@ void MainCommands::make_view_menu() {
       [this] { to_.panes.journal().show_live(); });
   add("full_screen", "&Full screen", harmless, Qt::Key_F11,
       [this] { to_.window.setWindowState(to_.window.windowState() ^ Qt::WindowFullScreen); });
-  add("reset_layout", "&Reset layout", harmless, ctrl_shift | Qt::Key_R, to_.reset_layout,
-      {.icon = "reset-layout"});
+  const auto reset = [this] {
+    to_.reset_layout();
+    to_.panes.bring_up(QStringLiteral("accounts"));
+  };
+  add("reset_layout", "&Reset layout", harmless, ctrl_shift | Qt::Key_R, reset, {.icon = "reset-layout"});
 }
 
 void MainCommands::make_tools_menu() {

@@ -19,6 +19,10 @@ class PaneLayout {
   tl::expected<void, FileError> save();
 
  private:
+  void restore_panes();
+  // What a window may take of its screen within its frame.
+  QSize room() const;
+  bool has_room(const QSize& size) const;
   void arrange();
   void share_room();
   QDockWidget* dock(std::size_t pane) const { return panes_.all()[pane].dock; }

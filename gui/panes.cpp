@@ -17,7 +17,7 @@ Panes::Panes(QMainWindow& window, Main& main, Screen& screen) : window_(window),
   make_panes(screen);
   for (const Pane& pane : panes_) {
     screen.add_pane(*pane.widget);
-    auto* quote = main.simulated() ? pane.widget->findChild<QuotePanel*>() : nullptr;
+    auto* quote = main.simulated() ? pane.widget->findChild<QuotePanel*>(QStringLiteral("quote")) : nullptr;
     if (quote != nullptr) quote->show_simulation();
   }
 }
@@ -99,6 +99,14 @@ void Panes::show_title(QDockWidget& dock) {
   delete before;
 }
 
+const RowList& Panes::order_list_in_front() {
+  const QWidget* now = active().widget;
+  if (now == market_order_ || now == entry_order_) entry_in_front_ = now == entry_order_;
+  const bool entry = in_sight(*entry_order_);
+  if (entry != in_sight(*market_order_)) entry_in_front_ = entry;
+  return entry_in_front_ ? main_.entry_order().lvwConClients : main_.market_order().lvwConClients;
+}
+
 const Pane* Panes::pane_of(const QWidget* widget) const {
   const auto at = std::find_if(panes_.begin(), panes_.end(), [widget](const Pane& pane) {
     return widget != nullptr && (pane.widget == widget || pane.widget->isAncestorOf(widget));
@@ -148,9 +156,12 @@ void Panes::put_in_front(const QString& name) {
   if (named(name).widget == close_positions_) close_positions_->setFocus(Qt::OtherFocusReason);
 }
 
+// A float that came onto the screen before its main window stands behind it, whoever it belongs to.
 void Panes::raise_floats() {
   for (const Pane& pane : panes_) {
     if (pane.dock == nullptr || !pane.dock->isFloating() || !pane.dock->isVisible()) continue;
+    pane.dock->hide();
+    pane.dock->show();
     pane.dock->raise();
   }
 }

@@ -36,12 +36,13 @@ class Panes {
   const Pane& active() const;
   // Its list that has the keyboard, or its main one; nullptr when it has none.
   RowListView* active_list() const;
+  // The accounts list of the order window in front; of both in sight, the one worked in last.
+  const RowList& order_list_in_front();
   // Brings a pane to the front, floating ones included, with the keyboard where its work begins.
   void bring_up(const QString& name);
   // The same, with the keyboard where a key by mistake does least.
   void put_in_front(const QString& name);
-  // What floats stands before the main window, and on a screen that is there. To be called when the main
-  // window has just been shown.
+  // Puts what floats before the main window, which has just come onto the screen.
   void raise_floats();
 
   FrmMainWindow& accounts() { return *accounts_; }
@@ -77,6 +78,7 @@ class Panes {
   FrmNetTradeWindow* net_trade_ = nullptr;
   NetMatrixWindow* net_matrix_ = nullptr;
   FrmJournalWindow* journal_ = nullptr;
+  bool entry_in_front_ = false;
 };
 
 }  // namespace tutti

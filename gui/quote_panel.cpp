@@ -40,10 +40,10 @@ QuotePanel::QuotePanel(const SymbolCollection& symbols, Screen& screen,
   age_->setObjectName(QStringLiteral("quote_age"));
   age_->setTextFormat(Qt::PlainText);
   age_->setProperty("muted", true);
-  auto* right = new QVBoxLayout;
-  right->addStretch(1);
-  right->addWidget(age_, 0, Qt::AlignRight);
-  row->addLayout(right);
+  right_ = new QVBoxLayout;
+  right_->addStretch(1);
+  right_->addWidget(age_, 0, Qt::AlignRight);
+  row->addLayout(right_);
   follow();
   screen.on_refresh(*this, [this] { follow(); });
 }
@@ -69,8 +69,7 @@ void QuotePanel::show_also(PriceLabel& bid, PriceLabel& ask) {
 }
 
 void QuotePanel::show_simulation() {
-  auto* right = static_cast<QVBoxLayout*>(layout()->itemAt(layout()->count() - 1)->layout());
-  right->insertWidget(0, new SimulationBadge, 0, Qt::AlignRight);
+  right_->insertWidget(0, new SimulationBadge, 0, Qt::AlignRight);
 }
 
 std::chrono::milliseconds QuotePanel::age_of(const SymbolCollection::Entry& entry) {

@@ -38,6 +38,7 @@ class QuotePanel final : public QWidget {
   std::function<std::string_view()> chosen_;
   std::vector<PriceLabel*> bids_;
   std::vector<PriceLabel*> asks_;
+  QVBoxLayout* right_;
   QLabel* age_;
   std::string shown_;  // the symbol whose prices are shown
   // Ages go by the server's own times, since its clock is not ours: the newest quote of all symbols, and how

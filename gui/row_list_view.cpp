@@ -266,7 +266,33 @@ void RowListView::paintEvent(QPaintEvent* event) {
 
 void RowListView::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);
+  drop_columns();
   if (!dragged_) spread();
+}
+
+void RowListView::set_first_to_go(std::vector<std::size_t> columns) {
+  first_to_go_ = std::move(columns);
+  drop_columns();
+  if (!dragged_) spread();
+}
+
+void RowListView::drop_columns() {
+  if (first_to_go_.empty()) return;
+  int least = 0;
+  for (std::size_t column = 0; column < model_.list().columns().size(); ++column)
+    least += least_width(column);
+  spreading_ = true;
+  for (const std::size_t column : first_to_go_)
+    setColumnHidden(static_cast<int>(column), least > viewport()->width());
+  spreading_ = false;
+}
+
+// Of a column that has room for its header and for what it always has to show.
+int RowListView::least_width(std::size_t column) const {
+  const int tick = column == 0 && model_.ticks() ? RowDelegate::tick_width : 0;
+  const int header = delegate_.text_width(model_.list().columns()[column].header);
+  const int text = delegate_.text_width(column < readable_.size() ? readable_[column] : further_readable_);
+  return std::max(header, text) + tick;
 }
 
 void RowListView::keep_readable(std::vector<std::string> texts) {
@@ -294,10 +320,7 @@ void RowListView::spread(int from) {
       shares.push_back({});
       continue;
     }
-    const int tick = i == 0 && model_.ticks() ? RowDelegate::tick_width : 0;
-    const int header = delegate_.text_width(columns[i].header);
-    const int text = delegate_.text_width(i < readable_.size() ? readable_[i] : further_readable_);
-    shares.push_back({columns[i].width, std::max(header, text) + tick});
+    shares.push_back({columns[i].width, least_width(i)});
   }
   const std::vector<int> widths = spread_columns(shares, viewport()->width());
   spreading_ = true;
@@ -327,6 +350,7 @@ bool RowListView::restore_columns(const QByteArray& saved) {
   // The header draws an arrow of its own.
   horizontalHeader()->setSortIndicatorShown(false);
   horizontalHeader()->setSectionsClickable(sortable_);
+  drop_columns();
   dragged_ = restored && dragged;
   if (!dragged_) spread();
   return restored;

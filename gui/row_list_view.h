@@ -36,6 +36,8 @@ class RowListView final : public QTableView {
   // A text for each column that it always has room for, for lists whose numbers must never be cut; where the
   // view is too narrow for all of them, it scrolls.
   void keep_readable(std::vector<std::string> texts);
+  // Columns that are hidden while the view is too narrow for what all have to have room for.
+  void set_first_to_go(std::vector<std::size_t> columns);
   // Whether the operator has set widths of his own, and back to the percentages.
   bool widths_dragged() const { return dragged_; }
   void follow_percentages();
@@ -114,6 +116,8 @@ class RowListView final : public QTableView {
   void header_clicked(int column);
   // Widths by the percentages, of the columns from one on.
   void spread(int from = 0);
+  int least_width(std::size_t column) const;
+  void drop_columns();
   // The operator's selection into the list, and the list's own into the view.
   void take_selection();
   void follow_selection();
@@ -127,6 +131,7 @@ class RowListView final : public QTableView {
   Screen& screen_;
   std::vector<std::string> readable_;
   std::string further_readable_;  // of the columns behind those
+  std::vector<std::size_t> first_to_go_;
   bool dragged_ = false;
   bool spreading_ = false;
   bool following_ = false;        // the view takes the list's selection over, not the other way round

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QMenuBar>
 
+#include "gui/panes.h"
 #include "gui/screen.h"
 #include "gui/shell_label.h"
 #include "gui/simulation_badge.h"
@@ -10,7 +11,7 @@
 
 namespace tutti {
 
-ShellHead::ShellHead(Main& main, Screen& screen, QMenuBar& bar) : QWidget(&bar) {
+ShellHead::ShellHead(Main& main, Panes& panes, Screen& screen, QMenuBar& bar) : QWidget(&bar) {
   auto* row = new QHBoxLayout{this};
   row->setContentsMargins(0, 3, 10, 3);
   row->setSpacing(8);
@@ -22,11 +23,13 @@ ShellHead::ShellHead(Main& main, Screen& screen, QMenuBar& bar) : QWidget(&bar) 
   for (QWidget* label : {accounts, ticked, server})
     row->addWidget(label);
   bar.setCornerWidget(this);
-  screen.on_refresh(*this, [this, &main, &bar, accounts, ticked, server] {
-    const std::size_t chosen = main.market_order().lvwConClients.checked_count();
+  screen.on_refresh(*this, [this, &main, &panes, &bar, accounts, ticked, server] {
+    const std::size_t chosen = panes.order_list_in_front().checked_count();
     accounts->show_text(QStringLiteral("Accounts %1").arg(main.accounts().lvwClients.size()), false);
     ticked->show_text(QStringLiteral("Ticked %1").arg(chosen), chosen > 0);
-    server->show_text(QString::fromStdString(main.accounts().login_options().CurrentServerDesc()), false);
+    const CLoginOptions& options = main.accounts().login_options();
+    server->show_text(QString::fromStdString(options.CurrentServerDesc()), false);
+    server->setHidden(options.CurrentServerIP().empty());
     // The menu bar looks at the size of its corner only when it is given one.
     if (sizeHint() == size()) return;
     adjustSize();

@@ -68,6 +68,7 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
   files.set_parent(&window);
   window.restore_layout();
   if (!arguments.size.empty()) {
+    window.setWindowState(Qt::WindowNoState);
     window.resize(arguments.size[0], arguments.size[1]);
     window.reset_layout();
   }

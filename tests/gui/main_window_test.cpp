@@ -8,6 +8,8 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QScrollBar>
+#include <QSignalSpy>
+#include <QToolBar>
 
 #include "core/numbers.h"
 #include "gui/elided_label.h"
@@ -275,6 +277,48 @@ TEST_F(DesktopTest, CommandsNeedTheirPaneInFront) {
   EXPECT_EQ(rig.main().trade().lvwOpenPos.size(), 24U);
 }
 
+// What a window manager leaves of a laptop's screen, of a scaled one, and of a large one.
+TEST_F(DesktopTest, TheFirstWindowHasRoomForADealersDay) {
+  for (const QSize size : {QSize{1358, 728}, QSize{1272, 680}, QSize{1600, 900}}) {
+    window->setFixedSize(size);
+    window->reset_layout();
+    rig.run(10ms);
+    const std::string what = std::to_string(size.width());
+    for (const char* name : {"cmdbuy", "cmdsell", "find", "totals", "connected", "server_time"}) {
+      const auto& each = part(*window, name);
+      const QRect place{each.mapTo(window.get(), QPoint{}), each.size()};
+      EXPECT_TRUE(each.isVisible() && window->rect().contains(place)) << what << " " << name;
+    }
+    const auto& tools = part<QToolBar>(*window, "tool_bar");
+    for (const QAction* action : tools.actions())
+      EXPECT_TRUE(tools.widgetForAction(const_cast<QAction*>(action))->isVisible()) << what;
+    RowListView& watch = window->panes().market_watch().list();
+    const QRect time = watch.visualRect(watch.model()->index(5, frmMW::time));
+    EXPECT_TRUE(watch.viewport()->rect().contains(time)) << what;
+  }
+  EXPECT_EQ(window->windowTitle(), QStringLiteral("Tutti - SIMULATION"));
+  std::string badges;
+  for (const Pane& pane : window->panes().all())
+    if (pane.widget->findChild<QLabel*>(QStringLiteral("simulation")) != nullptr)
+      badges += pane.name.toStdString() + " ";
+  EXPECT_EQ(badges, "market_order entry_order ");
+  EXPECT_TRUE(part(*window->menuBar()->cornerWidget(), "simulation").isVisible());
+}
+
+TEST_F(DesktopTest, ResettingTheLayoutBringsBackWhatFloats) {
+  for (const Pane& pane : window->panes().all()) {
+    if (pane.dock == nullptr) continue;
+    pane.dock->setFloating(true);
+    pane.dock->setVisible(pane.name != QStringLiteral("trade"));
+  }
+  press(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
+  for (const Pane& pane : window->panes().all())
+    EXPECT_TRUE(pane.dock == nullptr || (!pane.dock->isFloating() && pane.dock->isVisibleTo(window.get())))
+        << pane.name.toStdString();
+  rig.run(1ms);
+  EXPECT_EQ(QApplication::focusWidget(), &window->panes().accounts().list());
+}
+
 TEST_F(DesktopTest, QuestionsStandInTheMiddleOfTheScreen) {
   QPoint middle;
   when_modal([&](QWidget& box) {
@@ -330,6 +374,13 @@ TEST_F(DesktopTest, LayoutIsKeptAndADamagedOneIsReplacedByTheStandard) {
   window->close();
   open();
   EXPECT_TRUE(dock("journal").isFloating());
+  // What was on the screen before its main window comes up once more, before that.
+  QSignalSpy came{&dock("journal"), &QDockWidget::visibilityChanged};
+  window->hide();
+  window->show();
+  rig.run(1ms);
+  ASSERT_FALSE(came.isEmpty());
+  EXPECT_TRUE(came.last().first().toBool());
   EXPECT_TRUE(dock("market_watch").isHidden());
   EXPECT_EQ(window->panes().journal().list().columnWidth(2), 333);
   // A closed pane's form knows, and its key brings it back.

@@ -65,7 +65,7 @@ TestTerminal::TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder>
     : home(std::move(folder)), server(std::move(config), clock) {
   main = std::make_unique<Main>(
       home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog, home->key_file()},
-      ServerSide{[this] { return server.make_client(); }, server, server.config().endpoint});
+      ServerSide{[this] { return server.make_client(); }, server, server.config().endpoint, true});
 }
 
 void TestTerminal::save_accounts() {
