@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/csv.h"
 #include "gui/row_list_view.h"
 
 namespace tutti {
@@ -25,31 +26,22 @@ std::vector<std::size_t> columns_of(const RowListView& view) {
   return out;
 }
 
-std::string quoted(std::string text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string out = "\"";
-  for (const char c : text) {
-    if (c == '"') out += '"';
-    out += c;
-  }
-  return out + '"';
-}
-
 }  // namespace
 
 std::string list_csv(const RowListView& view) {
   const RowListModel& model = view.rows();
-  std::string out;
   const std::vector<std::size_t> columns = columns_of(view);
-  for (const std::size_t column : columns)
-    out += (column == columns.front() ? "" : ",") + quoted(model.list().columns()[column].header);
-  out += '\n';
+  const auto line = [&](const auto& text_of) {
+    std::vector<std::string> fields;
+    for (const std::size_t column : columns)
+      fields.push_back(text_of(column));
+    return csv_line(fields);
+  };
+  std::string out = line([&](std::size_t column) { return model.list().columns()[column].header; });
   for (int place = 0; place < model.rowCount(); ++place) {
     const Row* row = model.row_at(place);
     if (row == nullptr) continue;
-    for (const std::size_t column : columns)
-      out += (column == columns.front() ? "" : ",") + quoted(view.delegate().shown_text(*row, column));
-    out += '\n';
+    out += line([&](std::size_t column) { return view.delegate().shown_text(*row, column); });
   }
   return out;
 }
