@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "apps/commands.h"
 #include "apps/output.h"
@@ -9,26 +8,20 @@ namespace tutti {
 int accounts_command(CommandContext& context) {
   Main& main = context.main();
   const RowList& list = main.accounts().lvwClients;
-  const NamedColumns columns = {
-      {"account", frmMain::account},         {"user", frmMain::user_name, true},
-      {"state", frmMain::state, true},       {"notes", frmMain::notes, true},
-      {"balance", frmMain::balance},         {"floating", frmMain::floating},
-      {"credit", frmMain::credit},           {"equity", frmMain::equity},
-      {"used_margin", frmMain::used_margin}, {"margin_level", frmMain::margin_level},
-      {"free_margin", frmMain::free_margin}};
-  Console& console = context.console();
-  switch (context.form()) {
-    case OutputForm::json:
-      console.print(
-          json_text(nlohmann::json{{"accounts", rows_json(list, columns)}, {"totals", totals_json(main)}}));
-      break;
-    case OutputForm::csv:
-      console.print(rows_csv(list, columns));
-      break;
-    case OutputForm::text:
-      console.print("{}{}\n", rows_text(list), main.window().totals_pane());
-      break;
-  }
+  Records records = rows_records(list, {{"account", frmMain::account},
+                                        {"user", frmMain::user_name, Holds::words},
+                                        {"state", frmMain::state, Holds::words},
+                                        {"notes", frmMain::notes, Holds::words},
+                                        {"balance", frmMain::balance, Holds::money},
+                                        {"floating", frmMain::floating, Holds::money},
+                                        {"credit", frmMain::credit, Holds::money},
+                                        {"equity", frmMain::equity, Holds::money},
+                                        {"used_margin", frmMain::used_margin, Holds::money},
+                                        {"margin_level", frmMain::margin_level},
+                                        {"free_margin", frmMain::free_margin, Holds::money}});
+  records.sort_by("account");
+  context.print("accounts", records, {{"totals", totals_json(main)}},
+                [&] { return rows_text(list) + main.window().totals_pane() + "\n"; });
   const bool all = std::all_of(list.begin(), list.end(),
                                [](const Row& row) { return row.reads(frmMain::state, "Connected"); });
   return all && !main.general().lines_skipped() ? exit_status::all_accepted : exit_status::some_refused;

@@ -3,41 +3,57 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
+#include <utility>
 
 #include "apps/commands.h"
 #include "apps/output.h"
 #include "apps/requests_report.h"
 #include "apps/requote_answer.h"
+#include "apps/times.h"
 
 namespace tutti {
 namespace {
 
-void print_list(const CommandContext& context, const char* name, const RowList& list,
-                const NamedColumns& columns) {
-  context.console().print(
-      rows_report(context.form(), name, list, columns,
-                  fmt::format("{}{} {}\n", list.empty() ? "" : rows_text(list), list.size(), name)));
+// The session of a row's account; nullptr when it has gone.
+const CClientAPIManager* session_of(Main& main, const Row& row) {
+  return main.accounts().sessions().logged_in(row.key().account());
+}
+
+const char* side_text(std::int32_t operation) {
+  return operation > 0 ? "buy" : "sell";
 }
 
 // What the dealing server has taken and not brought to its end, in the order in which it falls due.
-nlohmann::json in_flight_json(CommandContext& context) {
-  nlohmann::json out = nlohmann::json::array();
+Json in_flight_json(const CommandContext& context) {
+  Records out{
+      {"number", "account", "request", "stage", "side", "amount", "symbol", "reference", "price", "due"}};
   for (const TradeRequest& request : context.server().requests()) {
-    nlohmann::json& one = out.emplace_back(nlohmann::json{{"number", request.number},
-                                                          {"account", request.account},
-                                                          {"request", name_of(request.kind)},
-                                                          {"stage", name_of(request.stage)},
-                                                          {"side", request.operation > 0 ? "buy" : "sell"},
-                                                          {"amount", request.amount},
-                                                          {"symbol", request.symbol},
-                                                          {"reference", nullptr},
-                                                          {"price", nullptr}});
-    if (request.reference != 0) one["reference"] = request.reference;
-    if (request.price > 0.0) one["price"] = request.price;
-    one["due"] = context.main().general().full_time_text(request.due);
+    out.add({request.number, request.account, name_of(request.kind), name_of(request.stage),
+             side_text(request.operation), json_number(request.amount), request.symbol,
+             request.reference != 0 ? Json(request.reference) : Json{},
+             request.price > 0.0 ? json_number(request.price) : Json{}, utc_text(request.due)});
   }
+  return out.json();
+}
+
+// By account, then by number.
+std::vector<const Row*> rows_by_account(const RowList& list) {
+  std::vector<const Row*> out;
+  for (const Row& row : list)
+    out.push_back(&row);
+  std::sort(out.begin(), out.end(), [](const Row* a, const Row* b) {
+    return std::pair{a->key().account(), a->key().number()} <
+           std::pair{b->key().account(), b->key().number()};
+  });
   return out;
+}
+
+int print_list(const CommandContext& context, const char* name, const RowList& list,
+               const std::vector<const Row*>& rows, const Records& records, const Json& more) {
+  context.print(name, records, more, [&] {
+    return fmt::format("{}{} {}\n", rows.empty() ? "" : rows_text(list, rows), rows.size(), name);
+  });
+  return context.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 
 // A command that ticks rows, presses a button, and waits for what becomes of each row.
@@ -70,6 +86,8 @@ bool RowsRun::wanted(const Asked& asked, std::string_view symbol) const {
 
 int RowsRun::run(std::size_t account_column, std::size_t symbol_column, Label& button) {
   if (!context_.knows(arguments_.accounts)) return exit_status::usage;
+  if (arguments_.require_connected && !context_.all_connected(arguments_.accounts))
+    return exit_status::some_refused;
   const bool everybody = context_.tell_unconnected(arguments_.accounts) == 0;
   std::vector<Asked> all;
   for (Row& row : list_) {
@@ -81,7 +99,7 @@ int RowsRun::run(std::size_t account_column, std::size_t symbol_column, Label& b
   }
   for (const std::int64_t number : arguments_.numbers) {
     if (std::none_of(all.begin(), all.end(), [&](const Asked& a) { return a.number == number; })) {
-      context_.console().tell("No connected account has {} {}\n", report_.number_name(), number);
+      context_.console().fail("No connected account has {} {}", report_.number_name(), number);
       return exit_status::usage;
     }
   }
@@ -91,49 +109,62 @@ int RowsRun::run(std::size_t account_column, std::size_t symbol_column, Label& b
   });
   context_.journal_unanswered();
   report_.print(all);
-  const bool done = std::all_of(all.begin(), all.end(), [&](const Asked& a) { return report_.accepted(a); });
-  return done && everybody && !all.empty() ? exit_status::all_accepted : exit_status::some_refused;
+  const int status = report_.status(all);
+  return status == exit_status::all_accepted && !everybody ? exit_status::some_refused : status;
 }
 
 }  // namespace
 
 int positions_command(CommandContext& context) {
-  print_list(context, "positions", context.main().trade().lvwOpenPos,
-             {{"ticket", frmTrade::ticket},
-              {"account", frmTrade::account},
-              {"time", frmTrade::time, true},
-              {"type", frmTrade::type, true},
-              {"amount", frmTrade::amount},
-              {"symbol", frmTrade::symbol, true},
-              {"open_price", frmTrade::open_price},
-              {"current_price", frmTrade::current_price},
-              {"stop_loss", frmTrade::stop_loss},
-              {"take_profit", frmTrade::take_profit},
-              {"commission", frmTrade::commission},
-              {"interest", frmTrade::interest},
-              {"profit", frmTrade::profit}});
-  return context.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
+  Main& main = context.main();
+  const RowList& list = main.trade().lvwOpenPos;
+  Records records{{"ticket", "account", "time", "side", "amount", "symbol", "open_price", "current_price",
+                   "stop_loss", "take_profit", "commission", "interest", "profit"}};
+  const auto rows = rows_by_account(list);
+  for (const Row* row : rows) {
+    const auto value = [row](std::size_t column, Holds holds = Holds::numbers) {
+      return cell_value(row->cell(column), holds);
+    };
+    const CClientAPIManager* session = session_of(main, *row);
+    const OpenPosition* position = session == nullptr ? nullptr : session->open_position(row->key().number());
+    records.add({value(frmTrade::ticket), value(frmTrade::account),
+                 position == nullptr ? Json{} : Json(utc_text(position->open_time)),
+                 position == nullptr ? Json{} : Json(side_text(position->side)), value(frmTrade::amount),
+                 value(frmTrade::symbol, Holds::words), value(frmTrade::open_price),
+                 value(frmTrade::current_price), value(frmTrade::stop_loss), value(frmTrade::take_profit),
+                 value(frmTrade::commission, Holds::money), value(frmTrade::interest, Holds::money),
+                 value(frmTrade::profit, Holds::money)});
+  }
+  return print_list(context, "positions", list, rows, records, Json::object());
 }
 
 int orders_command(CommandContext& context) {
-  const RowList& list = context.main().pending().lvwPending;
-  const NamedColumns columns = {
-      {"order", frmPending::order_number},  {"account", frmPending::account},
-      {"type", frmPending::type, true},     {"amount", frmPending::amount},
-      {"symbol", frmPending::symbol, true}, {"price", frmPending::price},
-      {"stop_loss", frmPending::stop_loss}, {"take_profit", frmPending::take_profit},
-      {"time", frmPending::time, true}};
-  if (context.form() == OutputForm::json) {
-    context.console().print(json_text(
-        nlohmann::json{{"orders", rows_json(list, columns)}, {"in_flight", in_flight_json(context)}}));
-  } else {
-    print_list(context, "orders", list, columns);
+  Main& main = context.main();
+  const RowList& list = main.pending().lvwPending;
+  Records records{{"order", "account", "type", "side", "ticket", "amount", "symbol", "price", "stop_loss",
+                   "take_profit", "time"}};
+  const auto rows = rows_by_account(list);
+  for (const Row* row : rows) {
+    const auto value = [row](std::size_t column, Holds holds = Holds::numbers) {
+      return cell_value(row->cell(column), holds);
+    };
+    const CClientAPIManager* session = session_of(main, *row);
+    const PendingOrder* order = session == nullptr ? nullptr : session->pending_order(row->key().number());
+    const bool of_position = order != nullptr && order->reference != 0;
+    records.add(
+        {value(frmPending::order_number), value(frmPending::account), value(frmPending::type, Holds::words),
+         order == nullptr ? Json{} : Json(side_text(order->operation)),
+         of_position ? Json(order->reference) : Json{}, value(frmPending::amount),
+         value(frmPending::symbol, Holds::words), value(frmPending::price), value(frmPending::stop_loss),
+         value(frmPending::take_profit), order == nullptr ? Json{} : Json(utc_text(order->time))});
   }
+  const int status =
+      print_list(context, "orders", list, rows, records, {{"in_flight", in_flight_json(context)}});
   if (const auto count = context.server().requests_in_flight(); count > 0) {
-    context.console().tell("{} requests are still on their way at the dealing server: --json names them\n",
+    context.console().tell("{} requests are still on their way at the dealing server: --json names them",
                            count);
   }
-  return context.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
+  return status;
 }
 
 int close_command(CommandContext& context, const RowsArguments& arguments) {

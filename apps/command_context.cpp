@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/texts.h"
+
 namespace tutti {
 
 namespace {
@@ -37,15 +39,14 @@ bool CommandContext::logins_done(std::size_t& done) const {
 }
 
 bool CommandContext::log_in() {
-  const bool show = console().watched();
   const std::size_t all = main().accounts().lvwClients.size();
   run_until([&] {
     std::size_t done = 0;
     const bool over = logins_done(done);
-    if (show) console().tell("\rLogging in {}/{}", done, all);
+    console().progress(fmt::format("Logging in {}/{}", done, all));
     return over;
   });
-  if (show) console().tell("\r\x1b[K");
+  console().progress("");
   return !stopped();
 }
 
@@ -57,24 +58,38 @@ void CommandContext::journal_unanswered() {
 bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {
   for (const std::int32_t account : accounts) {
     if (main().accounts().sessions().by_account(account) != nullptr) continue;
-    console().tell("Account {} is not in the accounts list\n", account);
+    console().fail("Account {} is not in the accounts list", account);
     return false;
   }
   return true;
 }
 
-std::size_t CommandContext::tell_unconnected(const std::vector<std::int32_t>& accounts) const {
-  std::size_t missing = 0;
-  for (const Row& row : main().accounts().lvwClients) {
-    const auto number = static_cast<std::int32_t>(row.cell(frmMain::account).stored_number());
+std::vector<std::size_t> CommandContext::unconnected(const std::vector<std::int32_t>& accounts) const {
+  std::vector<std::size_t> out;
+  const CClientAPIManagers& sessions = main().accounts().sessions();
+  for (const auto& session : sessions.Children()) {
+    const std::int32_t number = session->account();
     const bool asked =
         accounts.empty() || std::find(accounts.begin(), accounts.end(), number) != accounts.end();
-    if (asked && !row.reads(frmMain::state, "Connected")) ++missing;
+    // A number may stand in two rows: any of them will do, and it counts once.
+    const bool counted = sessions.by_account(number) != session.get();
+    if (asked && !counted && sessions.logged_in(number) == nullptr)
+      out.push_back(static_cast<std::size_t>(number));
   }
-  if (missing > 0) {
-    console().tell("{} accounts are not connected and not in this result: see tuttictl accounts\n", missing);
-  }
+  return out;
+}
+
+std::size_t CommandContext::tell_unconnected(const std::vector<std::int32_t>& accounts) const {
+  const std::size_t missing = unconnected(accounts).size();
+  if (missing > 0)
+    console().fail("{} accounts are not connected and not in this result: see tuttictl accounts", missing);
   return missing;
+}
+
+bool CommandContext::all_connected(const std::vector<std::int32_t>& accounts) const {
+  const auto missing = unconnected(accounts);
+  if (!missing.empty()) console().fail("Nothing was sent; not connected: {}", number_list(missing));
+  return missing.empty();
 }
 
 }  // namespace tutti

@@ -36,9 +36,20 @@ class CommandContext {
   Main& main() const { return terminal_.main(); }
   const DealingServer& server() const { return terminal_.server(); }
   Console& console() const { return ports_.console; }
+  const Clock& clock() const { return ports_.clock; }
   OutputForm form() const { return options_.form; }
   // The program was asked to end: nothing more is to be sent.
   bool stopped() const { return ports_.signal() != 0; }
+
+  // Prints a report in the form that was asked for; see report_text.
+  void print(const std::string& name, const Records& records, const Json& more,
+             const std::function<std::string()>& text) const {
+    console().print(report_text(form(), name, records, more, text));
+  }
+  // What a command that sends tells beside its records.
+  Json totals_and_journal() const {
+    return {{"totals", totals_json(main())}, {"journal", journal_json(main(), clock())}};
+  }
 
   // Runs until the condition holds, the time is over or the program is to end; true when it held.
   bool run_until(const std::function<bool()>& done);
@@ -53,9 +64,12 @@ class CommandContext {
   bool knows(const std::vector<std::int32_t>& accounts) const;
   // How many of these accounts, or of all when none is named, are not connected; says so when there are any.
   std::size_t tell_unconnected(const std::vector<std::int32_t>& accounts) const;
+  // False, after a message that names them, when there are any: then nothing is to be sent.
+  bool all_connected(const std::vector<std::int32_t>& accounts) const;
 
  private:
   bool logins_done(std::size_t& done) const;
+  std::vector<std::size_t> unconnected(const std::vector<std::int32_t>& accounts) const;
 
   Terminal& terminal_;
   const CommandPorts& ports_;

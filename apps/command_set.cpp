@@ -1,9 +1,11 @@
 #include "apps/command_set.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <numeric>
 #include <string>
 #include <utility>
 
@@ -40,12 +42,14 @@ CLI::Option* add_numbers(CLI::App& command, const std::string& name, std::vector
       ->type_name("N,N,...");
 }
 
-void add_accounts(CLI::App& command, std::vector<std::int32_t>& out) {
+void add_accounts(CLI::App& command, AccountArguments& out) {
+  command.add_flag("--require-connected", out.require_connected,
+                   "Send nothing unless all these accounts are connected");
   command
       .add_option_function<std::string>(
           "--accounts",
           [&out](const std::string& text) {
-            if (text != "all") read_numbers("--accounts", text, out);
+            if (text != "all") read_numbers("--accounts", text, out.accounts);
           },
           "all, or account numbers with commas between them")
       ->type_name("all|N,N,...");
@@ -102,14 +106,31 @@ void add_split_options(CLI::App& command, SplitArguments& arguments) {
   add_choice<int>(command, "--rule", arguments.rule, {{"equal", 0}, {"margin", 1}, {"equity", 2}},
                   "Equal parts, by free margin, or by equity")
       ->required();
-  add_accounts(command, arguments.accounts);
-  command.add_flag("--dry-run", arguments.dry_run, "Stop after the shares");
+  add_accounts(command, arguments);
+  command.add_flag("--dry-run", arguments.dry_run,
+                   "Stop after the shares, and say which are sure to be refused");
+}
+
+constexpr auto shows_accounts = "0 all accounts are connected, 1 some are not, or a list has skipped lines";
+constexpr auto sends_requests =
+    "0 all accepted, 1 some refused or left out, 4 the outcome of some is unknown";
+
+// What the help of a command ends with.
+void explain(CLI::App& command, const std::string& example, const std::string& statuses) {
+  command.footer("Example: " + example + "\n\nExit status: " + statuses +
+                 ";\n  2 wrong usage, 3 data that can't be read or written, 128 + N ended by signal N");
 }
 
 template <class Arguments>
 std::function<int(CommandContext&)> with(int (*command)(CommandContext&, const Arguments&),
                                          std::shared_ptr<Arguments> arguments) {
   return [=](CommandContext& context) { return command(context, *arguments); };
+}
+
+Command add_plain(CLI::App& app, const char* name, const char* help, int (*run)(CommandContext&)) {
+  Command out{.app = app.add_subcommand(name, help), .run = run};
+  explain(*out.app, std::string{"tuttictl --csv "} + name, shows_accounts);
+  return out;
 }
 
 Command add_order(CLI::App& app) {
@@ -127,6 +148,8 @@ Command add_order(CLI::App& app) {
   side.require_option(1);
   add_split_options(command, *arguments);
   add_requote(command, arguments->requote);
+  explain(command, "tuttictl order --buy EURUSD --amount 12.5 --rule equity --requote accept",
+          sends_requests);
   return {.app = &command, .effect = Effect::sends, .run = with(order_command, arguments)};
 }
 
@@ -142,6 +165,8 @@ Command add_entry(CLI::App& app) {
   command.add_option("--sl", arguments->stop_loss, "Stop loss")->check(check_price);
   command.add_option("--tp", arguments->take_profit, "Take profit")->check(check_price);
   add_split_options(command, *arguments);
+  explain(command, "tuttictl entry EURUSD --type buy-limit --amount 10 --at 1.0800 --sl 1.0750 --rule equal",
+          sends_requests);
   return {.app = &command, .effect = Effect::sends, .run = with(entry_command, arguments)};
 }
 
@@ -155,7 +180,8 @@ Command add_modify(CLI::App& app) {
   prices.add_option("--sl", arguments->stop_loss, "Stop loss, or none")->check(check_new_price);
   prices.add_option("--tp", arguments->take_profit, "Take profit, or none")->check(check_new_price);
   prices.require_option(1, 3);
-  return {.app = &command, .effect = Effect::sends, .csv = true, .run = with(modify_command, arguments)};
+  explain(command, "tuttictl modify 10000012 --at 1.0790 --tp none", sends_requests);
+  return {.app = &command, .effect = Effect::sends, .run = with(modify_command, arguments)};
 }
 
 // Positions or pending orders, all of a symbol or by their numbers.
@@ -166,7 +192,7 @@ std::shared_ptr<RowsArguments> add_rows_options(CLI::App& command, const std::st
   which.add_option("--symbol", arguments->symbol, all_of)->check(check_filled);
   add_numbers(which, numbers, arguments->numbers, these);
   which.require_option(1);
-  add_accounts(command, arguments->accounts);
+  add_accounts(command, *arguments);
   return arguments;
 }
 
@@ -175,53 +201,82 @@ Command add_close(CLI::App& app) {
   const auto arguments =
       add_rows_options(command, "--ticket", "All positions of a symbol", "Tickets with commas between them");
   add_requote(command, arguments->requote);
-  return {.app = &command, .effect = Effect::sends, .csv = true, .run = with(close_command, arguments)};
+  explain(command, "tuttictl --yes close --symbol EURUSD --accounts 500100,500102", sends_requests);
+  return {.app = &command, .effect = Effect::sends, .run = with(close_command, arguments)};
 }
 
 Command add_cancel(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("cancel", "Cancel pending orders");
   const auto arguments = add_rows_options(command, "--order", "All pending orders of a symbol",
                                           "Order numbers with commas between them");
-  return {.app = &command, .effect = Effect::sends, .csv = true, .run = with(cancel_command, arguments)};
+  explain(command, "tuttictl --yes cancel --order 10000012,10000013", sends_requests);
+  return {.app = &command, .effect = Effect::sends, .run = with(cancel_command, arguments)};
 }
 
 Command add_net(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("net", "Show the net positions of all accounts, per symbol");
   auto by_account = std::make_shared<bool>(false);
   add_choice<bool>(command, "--by", *by_account, {{"account", true}}, "Per account and symbol");
-  return {.app = &command, .csv = true, .run = [by_account](CommandContext& context) {
-            return net_command(context, *by_account);
-          }};
+  explain(command, "tuttictl --json net --by account", shows_accounts);
+  return {.app = &command,
+          .run = [by_account](CommandContext& context) { return net_command(context, *by_account); }};
 }
 
 Command add_journal(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("journal", "Show the history of one account");
   auto account = std::make_shared<std::int32_t>(0);
   command.add_option("account", *account, "Account number")->required();
+  explain(command, "tuttictl --json journal 500102", "0 also when it is empty, 2 no such account");
   return {.app = &command, .logs_in = false, .run = [account](CommandContext& context) {
             return journal_command(context, *account);
           }};
 }
 
+Command add_verify(CLI::App& app) {
+  Command out =
+      add_plain(app, "verify", "Compare the terminal with the dealing server's own books", verify_command);
+  explain(*out.app, "tuttictl verify", "0 no difference, 1 differences, or skipped lines in a list");
+  return out;
+}
+
+// How many letters have to be put in, taken out or changed to make one word of the other.
+std::size_t letters_apart(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t changed = diagonal + (a[i] == b[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({row[j] + 1, row[j + 1] + 1, changed});
+    }
+  }
+  return row.back();
+}
+
 }  // namespace
 
-std::vector<Command> add_commands(CLI::App& app) {
-  const auto plain = [&app](const char* name, const char* help, int (*run)(CommandContext&),
-                            bool csv = true) {
-    return Command{.app = app.add_subcommand(name, help), .csv = csv, .run = run};
+std::string nearest_command(const std::vector<Command>& commands, std::string_view typed) {
+  const auto apart = [typed](const Command& command) {
+    return letters_apart(command.app->get_name(), typed);
   };
+  return std::min_element(commands.begin(), commands.end(),
+                          [&](const Command& a, const Command& b) { return apart(a) < apart(b); })
+      ->app->get_name();
+}
+
+std::vector<Command> add_commands(CLI::App& app) {
   std::vector<Command> out;
-  out.push_back(plain("accounts", "Log all accounts in and show them", accounts_command));
+  out.push_back(add_plain(app, "accounts", "Log all accounts in and show them", accounts_command));
   out.push_back(add_order(app));
   out.push_back(add_entry(app));
   out.push_back(add_modify(app));
-  out.push_back(plain("positions", "Show the open positions of all accounts", positions_command));
-  out.push_back(plain("orders", "Show the pending orders of all accounts", orders_command));
+  out.push_back(add_plain(app, "positions", "Show the open positions of all accounts", positions_command));
+  out.push_back(add_plain(app, "orders", "Show the pending orders of all accounts", orders_command));
   out.push_back(add_net(app));
   out.push_back(add_close(app));
   out.push_back(add_cancel(app));
-  out.push_back(
-      plain("verify", "Compare the terminal with the dealing server's own books", verify_command, false));
+  out.push_back(add_verify(app));
   out.push_back(add_journal(app));
   return out;
 }

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -14,14 +16,15 @@ namespace tutti {
 struct Command {
   enum class Effect : std::uint8_t { reads, sends };
 
-  const CLI::App* app = nullptr;
+  CLI::App* app = nullptr;
   Effect effect = Effect::reads;  // sends: it may have changed something at the dealing server
-  bool csv = false;               // prints a list
   bool logs_in = true;
   std::function<int(CommandContext&)> run;  // once the command line is parsed; answers the exit status
 };
 
 // Adds all commands. What they parse into lives in the commands.
 std::vector<Command> add_commands(CLI::App& app);
+// The command that is spelled most like what was typed.
+std::string nearest_command(const std::vector<Command>& commands, std::string_view typed);
 
 }  // namespace tutti

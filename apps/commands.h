@@ -13,13 +13,18 @@ namespace tutti {
 // What to answer when the dealer offers another price.
 enum class RequoteReply { accept, reject, ask };
 
-// An amount that is split over accounts.
-struct SplitArguments {
-  std::string symbol;
-  std::string amount;                  // lots, as typed
-  int rule = 0;                        // index of the rule list: 0 equal, 1 margin, 2 equity
+// Which accounts are meant.
+struct AccountArguments {
   std::vector<std::int32_t> accounts;  // empty: all
-  bool dry_run = false;                // stop after the shares
+  bool require_connected = false;      // send nothing unless all of them are connected
+};
+
+// An amount that is split over accounts.
+struct SplitArguments : AccountArguments {
+  std::string symbol;
+  std::string amount;    // lots, as typed
+  int rule = 0;          // index of the rule list: 0 equal, 1 margin, 2 equity
+  bool dry_run = false;  // stop after the shares
 };
 
 struct OrderArguments : SplitArguments {
@@ -43,10 +48,9 @@ struct ModifyArguments {
 };
 
 // Which rows of a list are meant; what is empty does not narrow.
-struct RowsArguments {
+struct RowsArguments : AccountArguments {
   std::string symbol;
   std::vector<std::int64_t> numbers;  // tickets or order numbers
-  std::vector<std::int32_t> accounts;
   RequoteReply requote = RequoteReply::reject;
 };
 

@@ -9,6 +9,8 @@
 #include <climits>
 #include <cstddef>
 
+#include "apps/records.h"
+
 namespace tutti {
 
 namespace {
@@ -40,8 +42,14 @@ bool Console::flush() {
   return fault_ == 0;
 }
 
-bool Console::watched() const {
-  return isatty(err_) != 0;
+void Console::say(std::string_view kind, std::string_view text) const {
+  // One write each, so that the lines of two programs don't mix.
+  write(err_, json_ ? fmt::format("{{\"{}\": {}}}\n", kind, json_quoted(text)) : fmt::format("{}\n", text));
+}
+
+void Console::progress(std::string_view text) {
+  if (json_ || isatty(err_) == 0) return;
+  write(err_, fmt::format("\r\x1b[K{}", text));
 }
 
 bool Console::answered() const {
@@ -49,7 +57,7 @@ bool Console::answered() const {
 }
 
 std::string Console::ask(std::string_view question) {
-  tell(question);
+  write(err_, question);
   std::string answer;
   for (char typed = 0; ::read(in_, &typed, 1) == 1 && typed != '\n';)
     answer += typed;

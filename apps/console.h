@@ -28,14 +28,22 @@ class Console {
   // Why it could not, as an error number of the system; 0 while it could.
   int fault() const { return fault_; }
 
-  // Writes a message.
-  void tell(std::string_view text) { write(err_, text); }
+  // Writes a message, in a line of its own.
+  void tell(std::string_view text) { say("message", text); }
   template <class... Values>
   void tell(fmt::format_string<Values...> form, Values&&... values) {
     tell(std::string_view{fmt::format(form, std::forward<Values>(values)...)});
   }
-  // Somebody watches the messages, so that a line may be written over.
-  bool watched() const;
+  // The same for what keeps the command from being carried out whole.
+  void fail(std::string_view text) { say("error", text); }
+  template <class... Values>
+  void fail(fmt::format_string<Values...> form, Values&&... values) {
+    fail(std::string_view{fmt::format(form, std::forward<Values>(values)...)});
+  }
+  // From now on a message is a line with a JSON object, {"message": ...} or {"error": ...}.
+  void speak_json() { json_ = true; }
+  // Writes over the line that was written so last, while somebody watches.
+  void progress(std::string_view text);
 
   // Somebody is there to answer a question.
   bool answered() const;
@@ -47,6 +55,7 @@ class Console {
   void forget_typed();
 
  private:
+  void say(std::string_view kind, std::string_view text) const;
   // The error number, 0 when all was written.
   int write(int descriptor, std::string_view text) const;
 
@@ -57,6 +66,7 @@ class Console {
   std::string report_;
   std::string typed_;
   int fault_ = 0;
+  bool json_ = false;
 };
 
 }  // namespace tutti

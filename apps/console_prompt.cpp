@@ -8,10 +8,10 @@ namespace tutti {
 
 void ConsolePrompt::run(frmMsgBox& box) {
   const bool question = box.cmd2.visible();
-  console_.tell("{}: {}{}\n", box.caption(), box.label.text(),
+  console_.tell("{}: {}{}", box.caption(), box.label.text(),
                 question ? (yes_ ? " Yes" : " No (--yes answers yes)") : "");
   for (const std::string_view line : split(box.label2.text(), "\n"))
-    if (!line.empty()) console_.tell("  {}\n", line);
+    if (!line.empty()) console_.tell("  {}", line);
   if (question && !yes_) {
     box.cmd2_Click();
   } else {
@@ -20,7 +20,7 @@ void ConsolePrompt::run(frmMsgBox& box) {
 }
 
 void ConsolePrompt::run(frmSure& box) {
-  console_.tell("{} {}\n", box.label.text(), yes_ ? "Yes" : "No (--yes answers yes)");
+  console_.tell("{} {}", box.label.text(), yes_ ? "Yes" : "No (--yes answers yes)");
   if (yes_) {
     box.cmd1_Click();
   } else {
@@ -29,7 +29,7 @@ void ConsolePrompt::run(frmSure& box) {
 }
 
 void ConsolePrompt::system_box(std::string_view text, std::string_view caption) {
-  console_.tell("{}: {}\n", caption, text);
+  console_.tell("{}: {}", caption, text);
 }
 
 }  // namespace tutti

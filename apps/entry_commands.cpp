@@ -2,8 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <tuple>
+
 #include "apps/requests_report.h"
 #include "apps/split_run.h"
+#include "core/numbers.h"
 
 namespace tutti {
 namespace {
@@ -25,6 +28,8 @@ class EntryRun final : public SplitRun {
     form_.txttp.type(order_.take_profit);
   }
   Shares shares() const override { return form_.shares(); }
+  ShareFault share_fault(const Row& row) const override { return form_.share_fault(row); }
+  std::string price_fault(const CClientAPIManager& session) const override;
   const SentOrder& sent_by(const CClientAPIManager& session) const override { return session.last_entry(); }
   std::string title() const override {
     return form_.cblimiordertype.items()[static_cast<std::size_t>(order_.type)] + " " + order_.symbol +
@@ -42,6 +47,37 @@ class EntryRun final : public SplitRun {
   frmlimitorder& form_;
   const EntryArguments& order_;
 };
+
+std::string EntryRun::price_fault(const CClientAPIManager& session) const {
+  if (!form_.stops_accepted())
+    return "stop loss or take profit would not be sent: as texts they lie on the wrong side of the price";
+  const ClientAPI& client = session.ClientAPIF();
+  const Symbol* symbol = client.FindSymbol(order_.symbol);
+  if (symbol == nullptr) return {};
+  const MarketDistances market{
+      .bid = symbol->bid,
+      .ask = symbol->ask,
+      .limit_offset = symbol->ScaleDistance(client.SymbolLimitDistance(order_.symbol)),
+      .stop_offset = symbol->ScaleDistance(client.SymbolStopDistance(order_.symbol))};
+  const auto told = entry_conditions(static_cast<EntryType>(order_.type), market, std::nullopt);
+  if (!told) return {};
+  // `sign` is the side on which the price must lie. What stands on the bound itself is not sure to be
+  // refused.
+  const auto wrong = [](double price, std::string_view sign, double bound) {
+    constexpr double tolerance = 1e-9;
+    return sign == "<" ? price > bound + tolerance : price < bound - tolerance;
+  };
+  const double price = read_number(order_.price);
+  if (wrong(price, told->price_sign, told->price_limit))
+    return fmt::format("the price must be at {} {} at the moment", told->price_sign == "<" ? "most" : "least",
+                       fixed_text(told->price_limit, symbol->digits));
+  for (const auto& [name, text, sign] :
+       {std::tuple{"stop loss", order_.stop_loss, told->stop_loss_sign},
+        std::tuple{"take profit", order_.take_profit, told->take_profit_sign}})
+    if (!text.empty() && wrong(read_number(text), sign, price))
+      return fmt::format("the {} must be {} {}", name, sign == "<" ? "below" : "above", order_.price);
+  return {};
+}
 
 void retype(TextBox& box, const std::optional<std::string>& price) {
   if (!price) return;
@@ -71,17 +107,17 @@ int entry_command(CommandContext& context, const EntryArguments& arguments) {
 int modify_command(CommandContext& context, const ModifyArguments& arguments) {
   frmlimitorder& form = context.main().entry_order();
   if (const std::size_t found = open(context.main(), arguments.number); found != 1) {
-    context.console().tell("{} has the order or ticket {}; nothing is changed\n",
+    context.console().fail("{} has the order or ticket {}; nothing is changed",
                            found == 0 ? "No connected account" : "More than one account", arguments.number);
     return exit_status::usage;
   }
   const bool stops = form.mode() == frmlimitorder::edit_stops;
   if (form.mode().empty()) {
-    context.console().tell("The prices of {} can't be changed\n", arguments.number);
+    context.console().fail("The prices of {} can't be changed", arguments.number);
     return exit_status::some_refused;
   }
   if (stops && arguments.price) {
-    context.console().tell("--at goes with entry orders, and {} is none\n", arguments.number);
+    context.console().fail("--at goes with entry orders, and {} is none", arguments.number);
     return exit_status::usage;
   }
   const RequestsReport::Asked asked{form.edited(), form.edited_account()};
@@ -94,7 +130,7 @@ int modify_command(CommandContext& context, const ModifyArguments& arguments) {
   context.run_until([&] { return report.answered(asked); });
   context.journal_unanswered();
   report.print({asked});
-  return report.accepted(asked) ? exit_status::all_accepted : exit_status::some_refused;
+  return report.status({asked});
 }
 
 }  // namespace tutti

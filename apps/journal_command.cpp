@@ -1,81 +1,96 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <nlohmann/json.hpp>
+#include <iterator>
+#include <utility>
 
 #include "apps/commands.h"
+#include "apps/times.h"
+#include "core/csv.h"
 
 namespace tutti {
 
 namespace {
 
-// A text as JSON has it. Most need no second look.
-void append_json(fmt::memory_buffer& out, std::string_view text) {
-  const auto plain = [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; };
-  if (std::all_of(text.begin(), text.end(), plain)) {
-    fmt::format_to(std::back_inserter(out), "\"{}\"", text);
-  } else {
-    out.append(nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
-  }
-}
-
 // Prints entries one by one, so that a history of any size takes no more room than a short one.
 class JournalPrinter {
  public:
-  JournalPrinter(Console& console, OutputForm form, std::int32_t account)
-      : console_(console), json_(form == OutputForm::json), account_(account) {}
+  JournalPrinter(const CommandContext& context, std::int32_t account)
+      : console_(context.console()),
+        form_(context.form()),
+        account_(std::to_string(account)),
+        times_(context.clock()) {}
 
-  void print(std::string_view time, std::string_view message) {
-    if (json_) {
-      fmt::format_to(std::back_inserter(out_), "{}\n    {{\n      \"account\": {},\n      \"message\": ",
-                     any_ ? "," : "{\n  \"journal\": [", account_);
-      append_json(out_, message);
-      fmt::format_to(std::back_inserter(out_), ",\n      \"time\": ");
-      append_json(out_, time);
-      fmt::format_to(std::back_inserter(out_), "\n    }}");
-    } else {
-      fmt::format_to(std::back_inserter(out_), "{}  {}\n", time, message);
-    }
-    any_ = true;
-    if (out_.size() >= flushed_at) flush();
-  }
-  void finish() {
-    if (json_) {
-      out_.append(std::string_view{any_ ? "\n  ]\n}\n" : "{\n  \"journal\": []\n}\n"});
-    } else if (!any_) {
-      fmt::format_to(std::back_inserter(out_), "The journal has no entries of account {}\n", account_);
-    }
-    flush();
-  }
+  bool any() const { return any_; }
+  void print(std::string_view time, std::string_view message);
+  void finish();
 
  private:
   static constexpr std::size_t flushed_at = 64u << 10;  // bytes
 
-  void flush() {
-    console_.print(std::string_view{out_.data(), out_.size()});
-    console_.flush();
-    out_.clear();
-  }
+  void begin();
+  void flush();
 
   Console& console_;
-  bool json_;
-  std::int32_t account_;
+  OutputForm form_;
+  std::string account_;
+  LocalTimes times_;
   bool any_ = false;
-  fmt::memory_buffer out_;
+  std::string out_;
 };
+
+void JournalPrinter::begin() {
+  if (std::exchange(any_, true)) return;
+  if (form_ == OutputForm::json) out_ += "{\n  \"journal\": [";
+  if (form_ == OutputForm::csv) out_ += "time,account,message\n";
+}
+
+void JournalPrinter::print(std::string_view time, std::string_view message) {
+  const bool first = !any_;
+  begin();
+  switch (form_) {
+    case OutputForm::json:
+      fmt::format_to(std::back_inserter(out_),
+                     "{}\n    {{\n      \"time\": {},\n      \"account\": {},\n      \"message\": {}\n    }}",
+                     first ? "" : ",", json_quoted(times_.text(time)), account_, json_quoted(message));
+      break;
+    case OutputForm::csv:
+      append_csv_line(out_, {times_.text(time), account_, message});
+      break;
+    case OutputForm::text:
+      fmt::format_to(std::back_inserter(out_), "{}  {}\n", time, message);
+      break;
+  }
+  if (out_.size() >= flushed_at) flush();
+}
+
+void JournalPrinter::finish() {
+  const bool none = !any_;
+  begin();
+  if (form_ == OutputForm::json) out_ += none ? "]\n}\n" : "\n  ]\n}\n";
+  if (form_ == OutputForm::text && none) out_ += "The journal has no entries of account " + account_ + "\n";
+  flush();
+}
+
+void JournalPrinter::flush() {
+  console_.print(std::string_view{out_});
+  console_.flush();
+  out_.clear();
+}
 
 }  // namespace
 
 int journal_command(CommandContext& context, std::int32_t account) {
-  JournalPrinter printer{context.console(), context.form(), account};
+  JournalPrinter printer{context, account};
   const auto read = context.main().journal().read(
       account, [&printer](std::string_view time, std::string_view message) { printer.print(time, message); });
-  if (read) {
-    printer.finish();
-    return exit_status::all_accepted;
+  if (!read) {
+    context.console().fail("The history was not read whole: {}", read.error().text());
+    return exit_status::unreadable_data;
   }
-  context.console().tell("The history was not read whole: {}\n", read.error().text());
-  return exit_status::unreadable_data;
+  // An account that was removed still has its history.
+  if (!printer.any() && !context.knows({account})) return exit_status::usage;
+  printer.finish();
+  return exit_status::all_accepted;
 }
 
 }  // namespace tutti

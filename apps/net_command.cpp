@@ -31,8 +31,8 @@ std::vector<std::size_t> places_by(const Items& items, Key key) {
 
 void print(const CommandContext& context, const RowList& list, const NamedColumns& columns,
            const RowList& table) {
-  context.console().print(
-      rows_report(context.form(), "net", list, columns, table.empty() ? "0 positions\n" : rows_text(table)));
+  context.print("net", rows_records(list, columns), Json::object(),
+                [&] { return table.empty() ? std::string{"0 positions\n"} : rows_text(table); });
 }
 
 void print_symbols(CommandContext& context) {
@@ -48,11 +48,11 @@ void print_symbols(CommandContext& context) {
   frmNetTrade& form = context.main().net_trade();
   form.refresh();
   print(context, list,
-        {{"symbol", symbol, true},
+        {{"symbol", symbol, Holds::words},
          {"long", bought},
          {"short", sold},
          {"net", net},
-         {"floating", floating},
+         {"floating", floating, Holds::money},
          {"accounts", accounts}},
         form.lvwNet);
 }
@@ -77,11 +77,11 @@ void print_accounts(CommandContext& context) {
     write_sum(context.main().general().total_row(list), bought, book.total());
   print(context, list,
         {{"account", account},
-         {"symbol", symbol, true},
+         {"symbol", symbol, Holds::words},
          {"long", bought},
          {"short", sold},
          {"net", net},
-         {"floating", floating}},
+         {"floating", floating, Holds::money}},
         list);
 }
 

@@ -15,6 +15,7 @@ class OrderRun final : public SplitRun {
 
  private:
   Shares shares() const override { return form_.shares(); }
+  ShareFault share_fault(const Row& row) const override { return form_.share_fault(row); }
   const SentOrder& sent_by(const CClientAPIManager& session) const override { return session.last_order(); }
   std::string title() const override { return (order_.buy ? "Buy " : "Sell ") + order_.symbol; }
   bool send() override {

@@ -3,23 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <nlohmann/json.hpp>
+
+#include "apps/times.h"
+#include "core/numbers.h"
+#include "core/texts.h"
 
 namespace tutti {
 namespace {
 
 bool holds_numbers(const RowList& list, std::size_t column) {
   return std::any_of(list.begin(), list.end(), [&](const Row& row) { return row.cell(column).is_number(); });
-}
-
-// Quoted where a reader would otherwise split it.
-std::string csv_field(const std::string& text) {
-  if (text.find_first_of(",\"\n") == std::string::npos) return text;
-  std::string out = "\"";
-  for (const char c : text)
-    out += c == '"' ? std::string{"\"\""} : std::string(1, c);
-  return out + "\"";
 }
 
 }  // namespace
@@ -48,97 +41,87 @@ std::string TextTable::text() const {
   return out;
 }
 
-nlohmann::json rows_json(const RowList& list, const NamedColumns& columns) {
-  nlohmann::json out = nlohmann::json::array();
-  for (const Row& row : list) {
-    nlohmann::json object = nlohmann::json::object();
-    for (const NamedColumn& column : columns) {
-      const Cell& cell = row.cell(column.column);
-      const double value = cell.stored_number();
-      nlohmann::json& field = object[column.name];
-      constexpr double largest_exact = 9007199254740992.0;  // beyond it doubles skip whole numbers
-      if (const auto whole = cell.whole()) {
-        field = *whole;
-      } else if (cell.is_number() && std::fabs(value) <= largest_exact && value == std::trunc(value)) {
-        field = static_cast<std::int64_t>(value);
-      } else if (cell.is_number()) {
-        field = value;
-      } else if (!cell.empty() || column.words) {
-        field = cell.text();
-      }
-    }
-    out.push_back(std::move(object));
-  }
-  return out;
+Json json_money(double value) {
+  return json_number(round_half_even(value, 2));
 }
 
-std::string rows_csv(const RowList& list, const NamedColumns& columns) {
-  std::string out;
+Json cell_value(const Cell& cell, Holds holds) {
+  if (const auto whole = cell.whole()) return *whole;
+  if (cell.is_number()) return holds == Holds::money ? json_money(cell.number()) : json_number(cell.number());
+  if (cell.empty() && holds != Holds::words) return {};
+  return std::string{trim(cell.text())};
+}
+
+Records rows_records(const RowList& list, const NamedColumns& columns) {
+  std::vector<std::string> fields;
   for (const NamedColumn& column : columns)
-    out += (out.empty() ? "" : ",") + column.name;
-  out += "\n";
+    fields.push_back(column.name);
+  Records out{std::move(fields)};
   for (const Row& row : list) {
-    std::string line;
-    for (const NamedColumn& column : columns) {
-      if (&column != &columns.front()) line += ",";
-      line += csv_field(row.text(column.column));
-    }
-    out += line + "\n";
+    std::vector<Json> values;
+    for (const NamedColumn& column : columns)
+      values.push_back(cell_value(row.cell(column.column), column.holds));
+    out.add(std::move(values));
   }
   return out;
 }
 
-std::string json_text(const nlohmann::json& document) {
-  return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
-}
-
-std::string rows_report(OutputForm form, const std::string& name, const RowList& list,
-                        const NamedColumns& columns, const std::string& text) {
+std::string report_text(OutputForm form, const std::string& name, const Records& records, const Json& more,
+                        const std::function<std::string()>& text) {
   switch (form) {
-    case OutputForm::json:
-      return json_text(nlohmann::json{{name, rows_json(list, columns)}});
+    case OutputForm::json: {
+      Json document{{name, records.json()}};
+      document.update(more);
+      return json_text(document);
+    }
     case OutputForm::csv:
-      return rows_csv(list, columns);
+      return records.csv();
     case OutputForm::text:
       break;
   }
-  return text;
+  return text();
 }
 
-std::string rows_text(const RowList& list) {
+std::string rows_text(const RowList& list, const std::vector<const Row*>& rows) {
   std::vector<TextTable::Head> heads;
   for (std::size_t column = 0; column < list.columns().size(); ++column) {
     heads.push_back({list.columns()[column].header, holds_numbers(list, column)});
   }
   TextTable table{std::move(heads)};
-  for (const Row& row : list) {
+  for (const Row* row : rows) {
     std::vector<std::string> cells;
-    for (std::size_t column = 0; column < row.columns(); ++column)
-      cells.push_back(row.text(column));
+    for (std::size_t column = 0; column < row->columns(); ++column)
+      cells.push_back(row->text(column));
     table.add(std::move(cells));
   }
   return table.text();
 }
 
-nlohmann::json totals_json(Main& main) {
-  const Totals& totals = main.general().totals;
-  return {{"balance", totals.balance},         {"floating", totals.floating_pl},
-          {"credit", totals.credit},           {"equity", totals.equity},
-          {"used_margin", totals.used_margin}, {"margin_level", totals.margin_level},
-          {"free_margin", totals.free_margin}, {"line", main.window().totals_pane()}};
+std::string rows_text(const RowList& list) {
+  std::vector<const Row*> rows;
+  for (const Row& row : list)
+    rows.push_back(&row);
+  return rows_text(list, rows);
 }
 
-nlohmann::json journal_json(Main& main, std::int32_t account) {
-  nlohmann::json out = nlohmann::json::array();
+Json totals_json(Main& main) {
+  const Totals& totals = main.general().totals;
+  return {{"balance", json_money(totals.balance)},         {"floating", json_money(totals.floating_pl)},
+          {"credit", json_money(totals.credit)},           {"equity", json_money(totals.equity)},
+          {"used_margin", json_money(totals.used_margin)}, {"margin_level", json_money(totals.margin_level)},
+          {"free_margin", json_money(totals.free_margin)}, {"line", main.window().totals_pane()}};
+}
+
+Json journal_json(Main& main, const Clock& clock) {
+  Records out{{"time", "account", "message"}};
+  LocalTimes times{clock};
   const RowList& list = main.journal_window().lvwJournal;
   for (std::size_t i = list.size(); i-- > 0;) {
     const Row& row = list.row(i);
-    const Cell& number = row.cell(1);
-    out.push_back({{"time", row.text(0)},
-                   {"account", number.empty() ? account : static_cast<std::int32_t>(number.stored_number())},
-                   {"message", row.text(2)}});
+    out.add({times.text(row.text(0)),
+             row.cell(1).empty() ? Json(no_account) : cell_value(row.cell(1), Holds::numbers), row.text(2)});
   }
-  return out;
+  return out.json();
 }
 
 std::string journal_text(Main& main) {

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include <nlohmann/json_fwd.hpp>
-
+#include "apps/records.h"
 #include "core/row_list.h"
 #include "shell/Main.h"
 
@@ -33,28 +32,33 @@ class TextTable {
 };
 
 // Columns of a list by the names machines know them by.
+enum class Holds { numbers, money, words };
 struct NamedColumn {
   std::string name;
   std::size_t column = 0;
-  bool words = false;  // holds texts, not numbers
+  Holds holds = Holds::numbers;
 };
 using NamedColumns = std::vector<NamedColumn>;
 
-// The rows as objects: numbers as numbers; an empty cell of a column of numbers is null.
-nlohmann::json rows_json(const RowList& list, const NamedColumns& columns);
-std::string rows_csv(const RowList& list, const NamedColumns& columns);
-// Either of them, the objects as a member `name` of one document, or `text`, as the operator asked.
-std::string rows_report(OutputForm form, const std::string& name, const RowList& list,
-                        const NamedColumns& columns, const std::string& text);
-// The document, with a line end. Bytes that are no UTF-8 become the replacement character.
-std::string json_text(const nlohmann::json& document);
-// All columns under the list's own headers.
+// The value of a cell: a number with the digits that the operator reads, money to cents, its "%" left away; a
+// text trimmed; null where a column of numbers is empty.
+Json cell_value(const Cell& cell, Holds holds);
+// Money for machines, to cents.
+Json json_money(double value);
+Records rows_records(const RowList& list, const NamedColumns& columns);
+// All columns of these rows, or of all, under the list's own headers.
+std::string rows_text(const RowList& list, const std::vector<const Row*>& rows);
 std::string rows_text(const RowList& list);
 
-// The seven totals as numbers, and the line that shows them.
-nlohmann::json totals_json(Main& main);
-// Rows of the journal's list, oldest first; `account` stands where a row names none.
-nlohmann::json journal_json(Main& main, std::int32_t account);
+// A report in the form that was asked for: as JSON the records as a member `name` of one document with the
+// members of `more` behind it, as CSV the records alone.
+std::string report_text(OutputForm form, const std::string& name, const Records& records, const Json& more,
+                        const std::function<std::string()>& text);
+
+// The seven totals, and the line that shows them.
+Json totals_json(Main& main);
+// Rows of the journal's list, oldest first.
+Json journal_json(Main& main, const Clock& clock);
 std::string journal_text(Main& main);
 
 }  // namespace tutti

@@ -2,7 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
+#include <algorithm>
+#include <utility>
 
 #include "apps/output.h"
 #include "core/texts.h"
@@ -10,8 +11,12 @@
 namespace tutti {
 
 const SentOrder* RequestsReport::sent(const Asked& asked) const {
-  const CClientAPIManager* session = context_.main().accounts().sessions().by_account(asked.account);
-  return session == nullptr ? nullptr : session->sent_request(kind_, asked.number);
+  // Where a number stands in two rows either session may have sent it.
+  for (const auto& session : context_.main().accounts().sessions().Children()) {
+    if (session->account() != asked.account) continue;
+    if (const SentOrder* request = session->sent_request(kind_, asked.number)) return request;
+  }
+  return nullptr;
 }
 
 bool RequestsReport::answered(const Asked& asked) const {
@@ -36,7 +41,7 @@ std::string RequestsReport::result(const Asked& asked) const {
       return "unknown";
   }
   if (request->result_code != 0 && request->result_code != tutti::result::succeeded) {
-    return std::string{CClientAPIManager::ResultDescription(request->result_code)};
+    return std::string{trim(CClientAPIManager::ResultDescription(request->result_code))};
   }
   const std::string_view text = trim(request::text(request->request_code));
   if (!text.empty()) return std::string{text};
@@ -45,34 +50,33 @@ std::string RequestsReport::result(const Asked& asked) const {
              : fmt::format("refused, request code {}", request->request_code);
 }
 
-void RequestsReport::print(const std::vector<Asked>& all) const {
-  Main& main = context_.main();
-  Console& console = context_.console();
-  if (context_.form() == OutputForm::json) {
-    nlohmann::json lines = nlohmann::json::array();
-    for (const Asked& asked : all) {
-      const SentOrder* request = sent(asked);
-      lines.push_back({{name_, asked.number},
-                       {"account", asked.account},
-                       {"request_code", request ? nlohmann::json(request->request_code) : nlohmann::json{}},
-                       {"accepted", accepted(asked)},
-                       {"result", result(asked)}});
-    }
-    console.print(json_text(nlohmann::json{
-        {list_name_, lines}, {"totals", totals_json(main)}, {"journal", journal_json(main, no_account)}}));
-    return;
-  }
-  if (context_.form() == OutputForm::csv) {
-    console.print("{},account,result\n", name_);
-    for (const Asked& asked : all)
-      console.print("{},{},{}\n", asked.number, asked.account, result(asked));
-    return;
-  }
+int RequestsReport::status(const std::vector<Asked>& all) const {
+  const auto is_unknown = [this](const Asked& asked) {
+    const SentOrder* request = sent(asked);
+    return request != nullptr && (!request->settled() || request->outcome == SentOrder::Outcome::unknown);
+  };
+  if (std::any_of(all.begin(), all.end(), is_unknown)) return exit_status::some_unknown;
+  const bool done =
+      std::all_of(all.begin(), all.end(), [this](const Asked& asked) { return accepted(asked); });
+  return done && !all.empty() ? exit_status::all_accepted : exit_status::some_refused;
+}
+
+void RequestsReport::print(std::vector<Asked> all) const {
+  std::sort(all.begin(), all.end(), [](const Asked& a, const Asked& b) {
+    return std::pair{a.account, a.number} < std::pair{b.account, b.number};
+  });
+  Records records{{name_, "account", "request_code", "accepted", "result"}};
   TextTable table{{{name_, true}, {"account", true}, {"result"}}};
   for (const Asked& asked : all) {
+    const SentOrder* request = sent(asked);
+    records.add({asked.number, asked.account, request ? Json(request->request_code) : Json{}, accepted(asked),
+                 result(asked)});
     table.add({std::to_string(asked.number), std::to_string(asked.account), result(asked)});
   }
-  console.print("{}{}\n\n{}", table.text(), main.window().totals_pane(), journal_text(main));
+  context_.print(list_name_, records, context_.totals_and_journal(), [&] {
+    Main& main = context_.main();
+    return fmt::format("{}{}\n\n{}", table.text(), main.window().totals_pane(), journal_text(main));
+  });
 }
 
 }  // namespace tutti

@@ -26,7 +26,10 @@ class RequestsReport {
   // Nothing more is to come, be it that nothing was sent.
   bool answered(const Asked& asked) const;
   bool accepted(const Asked& asked) const;
-  void print(const std::vector<Asked>& all) const;
+  // What the command comes to.
+  int status(const std::vector<Asked>& all) const;
+  // By account, then by number.
+  void print(std::vector<Asked> all) const;
 
  private:
   std::string result(const Asked& asked) const;

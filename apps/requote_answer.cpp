@@ -1,36 +1,86 @@
 #include "apps/requote_answer.h"
 
+#include <algorithm>
 #include <string>
+
+#include "core/numbers.h"
 
 namespace tutti {
 
-void RequoteAnswer::step() {
-  if (!form_.Displayed()) {
-    asked_ = 0;
-    return;
+RequoteAnswer::RequoteAnswer(frmPriceChanged& form, CommandContext& context, RequoteReply how)
+    : form_(form), context_(context), how_(how) {
+  form_.take_over = [this](CClientAPIManager& session, const Requote& requote) {
+    return take(session, requote);
+  };
+}
+
+RequoteAnswer::~RequoteAnswer() {
+  form_.take_over = nullptr;
+}
+
+void RequoteAnswer::tell(const Requote& requote, std::string_view question) const {
+  context_.console().tell("Requote of order {}, account {}: {} {} {} at {}, new price {}{}", requote.order,
+                          requote.account, requote.operation == operation::buy ? "Buy" : "Sell",
+                          number_text(requote.amount), requote.symbol, number_text(requote.price),
+                          number_text(requote.new_price), question);
+}
+
+bool RequoteAnswer::take(CClientAPIManager& session, const Requote& requote) {
+  if (how_ != RequoteReply::ask) {
+    tell(requote, "");
+    form_.answer(session, requote.order, session.account(), how_ == RequoteReply::accept);
+    return true;
   }
-  if (form_.order() != asked_) {
-    asked_ = form_.order();
-    // What was typed before this order came on show was not meant for it.
-    console_.forget_typed();
-    console_.tell("Requote of order {}, account {}: {}, new price {}{}\n", asked_, form_.account(),
-                  form_.lblOrder.text(), form_.lblNewPrice.text(),
-                  how_ == RequoteReply::ask ? ". Accept? (y/n)" : "");
+  const auto at = std::find_if(waiting_.begin(), waiting_.end(), [&](const Requote& one) {
+    return one.order == requote.order && one.account == requote.account;
+  });
+  if (requote.seconds_left <= 0) {
+    // Its time is over: the form rejects it and says so.
+    if (at == waiting_.begin()) asked_at_.reset();
+    if (at != waiting_.end()) waiting_.erase(at);
+    return false;
   }
-  if (form_.buttons_dead()) return;
-  if (how_ == RequoteReply::accept) return form_.cmdAccept.click();
-  if (how_ == RequoteReply::reject) return form_.cmdReject.click();
-  const std::string line = console_.typed_line();
-  if (line.empty()) return;
-  if (line.front() == 'y' || line.front() == 'Y') {
-    form_.cmdAccept.click();
+  if (at == waiting_.end()) {
+    waiting_.push_back(requote);
   } else {
-    form_.cmdReject.click();
+    *at = requote;
   }
+  return true;
+}
+
+CClientAPIManager* RequoteAnswer::session_of(const Requote& requote) const {
+  Main& main = context_.main();
+  const bool dealing = main.pending().lvwPending.find(order_key(requote.order, requote.account)) != nullptr;
+  return dealing ? main.accounts().sessions().logged_in(requote.account) : nullptr;
+}
+
+void RequoteAnswer::step() {
+  CClientAPIManager* session = nullptr;
+  while (!waiting_.empty() && (session = session_of(waiting_.front())) == nullptr) {
+    waiting_.pop_front();
+    asked_at_.reset();
+  }
+  if (session == nullptr) return;
+  Console& console = context_.console();
+  const auto now = context_.clock().elapsed();
+  if (!asked_at_) {
+    // What was typed before this one was asked about was not meant for it.
+    console.forget_typed();
+    tell(waiting_.front(), ". Accept? (y/n)");
+    asked_at_ = now;
+  }
+  // Nor what follows at once.
+  if (now - *asked_at_ < frmPriceChanged::dead_time) return;
+  const std::string line = console.typed_line();
+  if (line.empty()) return;
+  const Requote requote = waiting_.front();
+  waiting_.pop_front();
+  asked_at_.reset();
+  form_.answer(*session, requote.order, requote.account, line.front() == 'y' || line.front() == 'Y');
 }
 
 void run_answering(CommandContext& context, RequoteReply how, const std::function<bool()>& done) {
-  RequoteAnswer answer{context.main().requote(), context.console(), how};
+  RequoteAnswer answer{context.main().requote(), context, how};
   context.run_until([&] {
     answer.step();
     return done();

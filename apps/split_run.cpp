@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "apps/output.h"
 #include "core/numbers.h"
+#include "core/texts.h"
 
 namespace tutti {
 
@@ -23,7 +23,7 @@ bool SplitRun::known_arguments() const {
     std::string known;
     for (const std::string& name : names)
       known += " " + name;
-    context_.console().tell("Symbol {} is not carried by any connected account. There are:{}\n",
+    context_.console().fail("Symbol {} is not carried by any connected account. There are:{}",
                             arguments_.symbol, known);
     return false;
   }
@@ -51,9 +51,11 @@ void SplitRun::describe_sent(const SentOrder& order, Line& line) {
   switch (order.outcome) {
     case SentOrder::Outcome::waiting:
     case SentOrder::Outcome::unknown:
+      line.unknown = true;
       line.result = "unknown";
       break;
     case SentOrder::Outcome::pending:
+      line.unknown = true;
       line.result = "unknown, " + line.result;
       break;
     case SentOrder::Outcome::accepted:
@@ -72,14 +74,33 @@ void SplitRun::describe_sent(const SentOrder& order, Line& line) {
   }
 }
 
+std::string SplitRun::sure_refusal(const CClientAPIManager& session, const Row& row) const {
+  switch (share_fault(row)) {
+    case ShareFault::zero_or_below:
+      return "the share is not above 0";
+    case ShareFault::below_minimum:
+      return "below the smallest lot of " + number_text(main_.general().minimum_lot);
+    case ShareFault::above_maximum:
+      return "above the largest lot of " + number_text(main_.general().maximum_lot);
+    case ShareFault::none:
+      break;
+  }
+  return price_fault(session);
+}
+
 void SplitRun::describe(const CClientAPIManager& session, Line& line) const {
-  const Row* row = controls_.rows.find(client_key(session.account()));
+  // The row is that of the session that is logged in, where a number stands in two.
+  const CClientAPIManager* trading = main_.accounts().sessions().logged_in(session.account());
+  const Row* row = trading == nullptr || trading == &session
+                       ? controls_.rows.find(client_key(session.account()))
+                       : nullptr;
   if (row != nullptr) {
     line.result = row->text(AccountRows::result_text);
     const auto reason = reasons_.find(session.account());
     if (line.result.empty() && reason != reasons_.end()) line.result = reason->second;
     const Cell& amount = row->cell(AccountRows::amount);
     if (row->checked() && !amount.empty()) line.share = amount.number();
+    if (arguments_.dry_run && line.share && line.result.empty()) line.result = sure_refusal(session, *row);
   } else if (const Row* listed = session.ClientListItem()) {
     const std::string notes = listed->text(frmMain::notes);
     line.result = notes.empty() ? "not connected: " + listed->text(frmMain::state) : notes;
@@ -97,48 +118,56 @@ std::vector<SplitRun::Line> SplitRun::lines() const {
     line.account = session->account();
     line.user = session->ClientListItem()->text(frmMain::user_name);
     describe(*session, line);
+    line.result = trim(line.result);
     out.push_back(std::move(line));
   }
+  std::stable_sort(out.begin(), out.end(),
+                   [](const Line& a, const Line& b) { return a.account < b.account; });
   return out;
 }
 
-void SplitRun::print(const std::vector<Line>& lines) const {
+std::string SplitRun::text(const std::vector<Line>& lines) const {
   TextTable table{{{"Account", true}, {"User"}, {"Share", true}, {"Result"}}};
-  int accepted = 0;
-  Console& console = context_.console();
-  for (const Line& line : lines) {
+  for (const Line& line : lines)
     table.add(
         {std::to_string(line.account), line.user, line.share ? number_text(*line.share) : "", line.result});
-    accepted += line.accepted ? 1 : 0;
-  }
-  console.print("{} {} lots, {}\n{}", title(), arguments_.amount,
-                controls_.rule.items()[static_cast<std::size_t>(arguments_.rule)], table.text());
-  console.print("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
-                number_text(round_half_even(shares_.sum, 8)), arguments_.amount,
-                shares_.zero + shares_.negative, shares_.below_minimum,
-                number_text(main_.general().minimum_lot));
-  if (arguments_.dry_run) return;
-  console.print("{} of {} accepted\n{}\n\n{}", accepted, lines.size(), main_.window().totals_pane(),
-                journal_text(main_));
+  std::string out =
+      fmt::format("{} {} lots, {}\n{}", title(), arguments_.amount,
+                  controls_.rule.items()[static_cast<std::size_t>(arguments_.rule)], table.text());
+  out +=
+      fmt::format("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
+                  number_text(lots_of_sum(shares_.sum)), arguments_.amount, shares_.zero + shares_.negative,
+                  shares_.below_minimum, number_text(main_.general().minimum_lot));
+  if (arguments_.dry_run) return out;
+  const auto accepted =
+      std::count_if(lines.begin(), lines.end(), [](const Line& line) { return line.accepted; });
+  return out + fmt::format("{} of {} accepted\n{}\n\n{}", accepted, lines.size(),
+                           main_.window().totals_pane(), journal_text(main_));
 }
 
-void SplitRun::print_json(const std::vector<Line>& lines) const {
-  nlohmann::json accounts = nlohmann::json::array();
+void SplitRun::print(const std::vector<Line>& lines) const {
+  Records records{{"account", "user", "share", "request_code", "accepted", "result"}};
   for (const Line& line : lines) {
-    accounts.push_back(
-        {{"account", line.account},
-         {"user", line.user},
-         {"share", line.share ? nlohmann::json(*line.share) : nlohmann::json{}},
-         {"request_code", line.request_code ? nlohmann::json(*line.request_code) : nlohmann::json{}},
-         {"accepted", line.accepted},
-         {"result", line.result}});
+    records.add({line.account, line.user, line.share ? json_number(*line.share) : Json{},
+                 line.request_code ? Json(*line.request_code) : Json{}, line.accepted, line.result});
   }
-  context_.console().print(json_text(nlohmann::json{
-      {"accounts", accounts}, {"totals", totals_json(main_)}, {"journal", journal_json(main_, no_account)}}));
+  context_.print("accounts", records, context_.totals_and_journal(), [&] { return text(lines); });
+}
+
+int SplitRun::status(const std::vector<Line>& lines) const {
+  const auto unknown = [](const Line& line) { return line.unknown; };
+  if (std::any_of(lines.begin(), lines.end(), unknown)) return exit_status::some_unknown;
+  const auto good = [&](const Line& line) {
+    return arguments_.dry_run ? line.share && line.result.empty() : line.accepted;
+  };
+  return !lines.empty() && std::all_of(lines.begin(), lines.end(), good) ? exit_status::all_accepted
+                                                                         : exit_status::some_refused;
 }
 
 int SplitRun::run() {
   if (!known_arguments()) return exit_status::usage;
+  if (arguments_.require_connected && !context_.all_connected(arguments_.accounts))
+    return exit_status::some_refused;
   controls_.rule.choose(arguments_.rule);
   controls_.symbol.choose(arguments_.symbol);
   controls_.amount.type(arguments_.amount);
@@ -152,16 +181,8 @@ int SplitRun::run() {
 
   const std::vector<Line> all = lines();
   context_.journal_unanswered();
-  if (context_.form() == OutputForm::json) {
-    print_json(all);
-  } else {
-    print(all);
-  }
-  const auto good = [&](const Line& line) {
-    return arguments_.dry_run ? line.share.has_value() : line.accepted;
-  };
-  return !all.empty() && std::all_of(all.begin(), all.end(), good) ? exit_status::all_accepted
-                                                                   : exit_status::some_refused;
+  print(all);
+  return status(all);
 }
 
 }  // namespace tutti

@@ -48,12 +48,16 @@ class SplitRun {
     std::optional<double> share;
     std::optional<std::int32_t> request_code;
     bool accepted = false;
+    bool unknown = false;  // no answer came
     std::string result;
   };
 
   // Fills in what the window has beside amount, rule and symbol.
   virtual void fill_in() {}
   virtual Shares shares() const = 0;
+  virtual ShareFault share_fault(const Row& row) const = 0;
+  // Why the dealing server is sure to refuse the prices on an account; empty when they are good for now.
+  virtual std::string price_fault(const CClientAPIManager&) const { return {}; }
   // Sends and waits for the answers; false when nothing was sent.
   virtual bool send() = 0;
   virtual const SentOrder& sent_by(const CClientAPIManager& session) const = 0;
@@ -66,9 +70,12 @@ class SplitRun {
   bool chosen(std::int32_t account) const;
   std::vector<Line> lines() const;
   void describe(const CClientAPIManager& session, Line& line) const;
+  // Why an order with this row's share is sure to be refused; empty when it isn't.
+  std::string sure_refusal(const CClientAPIManager& session, const Row& row) const;
   static void describe_sent(const SentOrder& order, Line& line);
   void print(const std::vector<Line>& lines) const;
-  void print_json(const std::vector<Line>& lines) const;
+  std::string text(const std::vector<Line>& lines) const;
+  int status(const std::vector<Line>& lines) const;
 
   std::map<std::int32_t, std::string> reasons_;  // why an account is not ticked
   Shares shares_;                                // as they were when the order was sent

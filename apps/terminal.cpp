@@ -1,10 +1,14 @@
 #include "apps/terminal.h"
 
-#include <cstdio>
+#include <fmt/format.h>
+
 #include <utility>
 #include <vector>
 
 #include "apps/earlier_request.h"
+
+#include "core/file_writer.h"
+#include "core/texts.h"
 
 namespace tutti {
 
@@ -21,7 +25,7 @@ tl::expected<std::unique_ptr<Terminal>, FileError> Terminal::open(const Terminal
 }
 
 tl::expected<void, FileError> Terminal::start() {
-  auto lock = HomeLock::take(options_.home);
+  auto lock = HomeLock::take(options_.home, ports_.try_again);
   if (!lock) return tl::unexpected(lock.error());
   lock_.emplace(std::move(*lock));
   if (!options_.key_file.empty()) {
@@ -43,13 +47,27 @@ tl::expected<void, FileError> Terminal::start() {
       options_.home,
       MachinePorts{ports_.clock, ports_.prompt, ports_.sound, locale_, ports_.file_dialog, options_.key_file},
       ServerSide{[this] { return server_->make_client(); }, *server_, server_->config().endpoint, true});
-  main_->general().outside = [](std::string_view text) {
-    std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
-  };
+  main_->general().outside = ports_.tell;
   if (!options_.precision.empty()) main_->general().hold_amount_precision(options_.precision);
   if (auto started = main_->start(); !started) return started;
   for (const std::string& note : *notes)
     tell_of_book(note);
+  return tell_of_another_dealer();
+}
+
+tl::expected<void, FileError> Terminal::tell_of_another_dealer() {
+  const std::filesystem::path file = options_.home / "dealer-origin.txt";
+  const std::string now = options_.dealer_file.empty()
+                              ? std::string{"the sample"}
+                              : std::filesystem::weakly_canonical(options_.dealer_file).string();
+  const auto there = file_exists(file);
+  if (!there) return tl::unexpected(there.error());
+  if (options_.fresh || !*there) return replace_file(file, now + "\n");
+  const auto made_with = read_file(file);
+  if (!made_with) return tl::unexpected(made_with.error());
+  if (*made_with != now + "\n")
+    tell_of_book(fmt::format("The dealing server's book in {} was made with {}, and this run has {}",
+                             options_.home.string(), split(*made_with, "\n")[0], now));
   return {};
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <tl/expected.hpp>
 
@@ -24,7 +26,7 @@ struct TerminalOptions {
   std::filesystem::path home;         // application folder
   std::filesystem::path dealer_file;  // empty: the sample market and accounts
   std::filesystem::path key_file;     // key of the account records; empty: where KeyFile looks for it
-  bool create = false;                // make the home folder where there is none; it is made in any case
+  bool create = false;                // make the home folder where there is none; whoever opens it has asked
   bool fresh = false;                 // start the dealing server's book anew; whoever sets it has asked
   bool yes = false;                   // answer questions with yes
   int sample_accounts = 12;           // of the sample, while no dealer file is named
@@ -38,15 +40,19 @@ struct OperatorPorts {
   SoundPort& sound;
   FileDialog& file_dialog;
   const Clock& clock;
+  std::function<void(std::string_view)> tell;  // what must be said outside of the windows too, line by line
+  std::function<bool()> try_again = {};        // while another terminal has the folder; see HomeLock::take
 };
 
-// Exit statuses of the command line.
+// Exit statuses of the command line. Where several hold, the signal comes before data, usage, what is unknown
+// and what was refused, in this order.
 namespace exit_status {
 inline constexpr int all_accepted = 0;
-inline constexpr int some_refused = 1;
+inline constexpr int some_refused = 1;  // or left out
 inline constexpr int usage = 2;
 inline constexpr int unreadable_data = 3;
-inline constexpr int signalled = 128;  // more by the number of the signal that ended the program
+inline constexpr int some_unknown = 4;  // no answer came: it may have been executed
+inline constexpr int signalled = 128;   // more by the number of the signal that ended the program
 }  // namespace exit_status
 
 // A whole terminal: the embedded dealing server in real time, and the program on top of it. Whoever opens it
@@ -78,6 +84,9 @@ class Terminal {
   Terminal(TerminalOptions options, OperatorPorts ports);
   tl::expected<void, FileError> start();
   tl::expected<void, FileError> write_first_list();
+  // Notes what the book of this folder was made with; tells the operator when that was another dealing
+  // server.
+  tl::expected<void, FileError> tell_of_another_dealer();
   // What the operator must know of the dealing server's book: journaled, and a message.
   void tell_of_book(const std::string& text);
   // Journals what came of requests whose outcome was unknown when the earlier run ended, and says so.

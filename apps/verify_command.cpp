@@ -1,4 +1,4 @@
-#include <nlohmann/json.hpp>
+#include <fmt/format.h>
 
 #include "apps/commands.h"
 #include "apps/verification.h"
@@ -6,15 +6,16 @@
 namespace tutti {
 
 int verify_command(CommandContext& context) {
-  Console& console = context.console();
   const auto differences = Verification{context.main(), context.server()}.run();
-  if (context.form() == OutputForm::json) {
-    console.print(json_text(nlohmann::json{{"differences", differences}}));
-  } else {
+  Records records{{"difference"}};
+  for (const std::string& difference : differences)
+    records.add({difference});
+  context.print("differences", records, Json::object(), [&] {
+    std::string out;
     for (const std::string& difference : differences)
-      console.print("{}\n", difference);
-    console.print("{} differences\n", differences.size());
-  }
+      out += difference + "\n";
+    return out + fmt::format("{} differences\n", differences.size());
+  });
   return differences.empty() && !context.main().general().lines_skipped() ? exit_status::all_accepted
                                                                           : exit_status::some_refused;
 }

@@ -48,16 +48,31 @@ install_packages() {
 }
 
 # build PRESET TARGET [CMAKE_OPTION...]: configures when the preset is new or changed, then builds. Shows what
-# it does on standard error, and nothing when all is up to date.
-build() {
-  local preset=$1 target=$2
+# it does on standard error, and nothing when all is up to date. Waits for another build in this tree; in a tree
+# that can't be written it makes do with what was built before.
+build() (
+  preset=$1 target=$2
   shift 2
-  local folder="$root/build/$preset"
-  local configured="$folder/.configured$*"
+  folder="$root/build/$preset"
+  if [[ ! -w $root ]] || [[ -e $root/build && ! -w $root/build ]]; then
+    if [[ ! -x $folder/bin/$target ]]; then
+      echo "$root can't be written, and $target was not built there before" >&2
+      return 1
+    fi
+    echo "$root can't be written: $target is used as it was built before" >&2
+    return 0
+  fi
+  mkdir -p "$root/build"
+  exec {lock}>"$root/build/.lock"
+  if ! flock --nonblock "$lock"; then
+    echo "Another build is running in $root: waiting for it" >&2
+    flock "$lock"
+  fi
+  configured="$folder/.configured$*"
   if [[ ! -e $folder/build.ninja || $root/CMakePresets.json -nt $configured ]]; then
     (cd "$root" && quietly cmake --preset "$preset" "$@") || return 1
     touch "$configured"
   fi
   ninja -C "$folder" -j "$(nproc)" "$target" 2>&1 |
     sed -u -e '/^ninja: no work to do/d' -e '/^ninja: Entering directory/d' -e '/Re-checking globbed/d' >&2
-}
+)

@@ -26,13 +26,15 @@ std::string holder_of(const fs::path& lock) {
 }
 
 // Locks one of the two. A file system that can't lock a folder, as over a network, leaves it to the file.
-tl::expected<void, FileError> take_one(const Descriptor& what, const fs::path& home, bool is_folder) {
+tl::expected<void, FileError> take_one(const Descriptor& what, const fs::path& home, bool is_folder,
+                                       bool& held) {
   if (::flock(what.get(), LOCK_EX | LOCK_NB) == 0) return {};
   const fs::path lock = home / lock_name;
   if (errno != EWOULDBLOCK) {
     if (is_folder) return {};
     return tl::unexpected(system_failure(lock, errno));
   }
+  held = true;
   const std::string holder = holder_of(lock);
   return tl::unexpected(FileError{home, "another terminal is using this folder: process " +
                                             (holder.empty() ? std::string{"unknown"} : holder)});
@@ -40,15 +42,24 @@ tl::expected<void, FileError> take_one(const Descriptor& what, const fs::path& h
 
 }  // namespace
 
-tl::expected<HomeLock, FileError> HomeLock::take(const fs::path& home) {
+tl::expected<HomeLock, FileError> HomeLock::take(const fs::path& home,
+                                                 const std::function<bool()>& try_again) {
+  for (;;) {
+    bool held = false;
+    auto lock = take_now(home, held);
+    if (lock || !held || !try_again || !try_again()) return lock;
+  }
+}
+
+tl::expected<HomeLock, FileError> HomeLock::take_now(const fs::path& home, bool& held) {
   if (auto made = make_private_folder(home); !made) return tl::unexpected(made.error());
   Descriptor folder{::open(home.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
   if (!folder.open()) return tl::unexpected(system_failure(home, errno));
-  if (auto taken = take_one(folder, home, true); !taken) return tl::unexpected(taken.error());
+  if (auto taken = take_one(folder, home, true, held); !taken) return tl::unexpected(taken.error());
   const fs::path lock = home / lock_name;
   Descriptor file{::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)};
   if (!file.open()) return tl::unexpected(system_failure(lock, errno));
-  if (auto taken = take_one(file, home, false); !taken) return tl::unexpected(taken.error());
+  if (auto taken = take_one(file, home, false, held); !taken) return tl::unexpected(taken.error());
   const std::string text = std::to_string(::getpid()) + "\n";
   if (::fchmod(file.get(), 0600) != 0 || ::ftruncate(file.get(), 0) != 0 || !file.write(text)) {
     return tl::unexpected(system_failure(lock, errno));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 
 #include <tl/expected.hpp>
 
@@ -15,11 +16,15 @@ namespace tutti {
 // the process ends, however it ends.
 class HomeLock {
  public:
-  // Makes the folder when it is missing. The error names the process that has the folder.
-  static tl::expected<HomeLock, FileError> take(const std::filesystem::path& home);
+  // Makes the folder when it is missing. The error names the process that has the folder. While one has it,
+  // `try_again` is asked whether to try once more; it lets time go by.
+  static tl::expected<HomeLock, FileError> take(const std::filesystem::path& home,
+                                                const std::function<bool()>& try_again = {});
 
  private:
   HomeLock(Descriptor folder, Descriptor file) : folder_(std::move(folder)), file_(std::move(file)) {}
+  // `held` tells that another process has the folder.
+  static tl::expected<HomeLock, FileError> take_now(const std::filesystem::path& home, bool& held);
 
   Descriptor folder_;
   Descriptor file_;

@@ -22,18 +22,22 @@ frmPriceChanged::frmPriceChanged(MGeneral& general, frmorder& market_order, frmP
 }
 
 void frmPriceChanged::tick(CClientAPIManager& session, const Requote& requote) {
+  const bool first_tick = requote.seconds_left == requote.seconds_all;
+  if (take_over && to_be_answered(session, requote.order, first_tick) && take_over(session, requote)) return;
   SetData(session, requote.order, session.account(), requote.operation, requote.amount, requote.symbol,
           requote.price, requote.new_price, requote.seconds_left, requote.seconds_all);
+}
+
+bool frmPriceChanged::to_be_answered(const CClientAPIManager& session, std::int64_t order, bool first_tick) {
+  if (first_tick) answered_.erase({&session, order});
+  return !answered_.contains({&session, order});
 }
 
 void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, std::int32_t account,
                               std::int32_t side, double amount, std::string_view symbol, double price,
                               double new_price, std::int16_t seconds_left, std::int16_t seconds_all) {
   const bool first_tick = seconds_left == seconds_all;
-  if (answered_.contains({&session, order})) {
-    if (!first_tick) return;
-    answered_.erase({&session, order});
-  }
+  if (!to_be_answered(session, order, first_tick)) return;
   if (order != order_ || &session != session_) {
     order_ = order;
     session_ = &session;
@@ -69,21 +73,25 @@ bool frmPriceChanged::buttons_dead() const {
 }
 
 void frmPriceChanged::cmdAccept_Click() {
-  answer(&ClientAPI::AcceptRequote, accepted_word);
+  answer_shown(true);
 }
 
 void frmPriceChanged::cmdReject_Click() {
-  answer(&ClientAPI::RejectRequote, rejected_word);
+  answer_shown(false);
 }
 
-void frmPriceChanged::answer(std::int32_t (ClientAPI::*operation)(std::int64_t), std::string_view word) {
+void frmPriceChanged::answer_shown(bool accept) {
   if (session_ == nullptr || buttons_dead()) return;
-  const std::int64_t order = order_;
-  const std::int32_t account = account_;
-  answered_.insert({session_, order});
-  const std::int32_t code = (session_->ClientAPIF().*operation)(order);
-  hide();
-  const bool row_written = settle(order, account, word);
+  answer(*session_, order_, account_, accept);
+}
+
+void frmPriceChanged::answer(CClientAPIManager& session, std::int64_t order, std::int32_t account,
+                             bool accept) {
+  answered_.insert({&session, order});
+  ClientAPI& client = session.ClientAPIF();
+  const std::int32_t code = accept ? client.AcceptRequote(order) : client.RejectRequote(order);
+  if (&session == session_ && order == order_) hide();
+  const bool row_written = settle(order, account, accept ? accepted_word : rejected_word);
   // The dealer may not have taken the answer; the row then says why instead.
   const std::string_view refusal = request::text(code);
   if (refusal.empty()) return;

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <set>
 #include <string>
 #include <utility>
@@ -52,6 +53,13 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   // buttons.
   bool buttons_dead() const;
 
+  // Takes a requote over that isn't answered yet: called with every tick of its countdown, before it comes on
+  // show. True keeps it from the screen; the taker then answers with `answer`. For terminals without one.
+  std::function<bool(CClientAPIManager& session, const Requote& requote)> take_over;
+  // Accepts or rejects a requote, on show or not, and writes what the buttons write. The order's further
+  // ticks are ignored.
+  void answer(CClientAPIManager& session, std::int64_t order, std::int32_t account, bool accept);
+
   // The session's events, passed on to the pending orders view.
   void API_MarketOrderAccepted(std::int64_t order, std::int32_t account);
   void API_MarketOrderRejected(std::int64_t order, std::int32_t account);
@@ -69,7 +77,9 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
  private:
   using Id = std::pair<const CClientAPIManager*, std::int64_t>;
 
-  void answer(std::int32_t (ClientAPI::*operation)(std::int64_t), std::string_view word);
+  void answer_shown(bool accept);
+  // False for the ticks of an order that was answered, until it is offered anew.
+  bool to_be_answered(const CClientAPIManager& session, std::int64_t order, bool first_tick);
   // Settles the order's rows; true when the account's row in the market order window was written.
   bool settle(std::int64_t order, std::int32_t account, std::string_view word);
   void hide();

@@ -140,6 +140,8 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
   OrderAnswer answer_of(const Row& row) const;
   OrderAnswers answers() const;
+  // Submit would take the stop loss and the take profit as they are typed.
+  bool stops_accepted() const { return check_stops() == Check::good; }
   // The last press of Submit sent something, be it that it was not taken.
   bool submitted() const { return !answers_.empty(); }
 

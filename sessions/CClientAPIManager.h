@@ -97,6 +97,9 @@ class CClientAPIManager final : public CLAPICLASS {
   const SentOrder& last_entry() const { return last_of(entries_); }
   // The last request of this kind for this ticket or order; nullptr when none was sent.
   const SentOrder* sent_request(RequestKind kind, std::int64_t number) const;
+  // As the library has them; nullptr when it has none with this number. Valid until its next event.
+  const PendingOrder* pending_order(std::int64_t order) const;
+  const OpenPosition* open_position(std::int64_t ticket) const;
   // How many of all these are still to be answered.
   int unanswered() const;
   // Gives up waiting: journals every request without a result as unknown.
@@ -182,9 +185,6 @@ class CClientAPIManager final : public CLAPICLASS {
   }
   void settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome);
   std::int32_t note_request(SentOrder request, std::int32_t request_code);
-  // As the library has them; nullptr when it has none with this number.
-  const PendingOrder* pending_order(std::int64_t order) const;
-  const OpenPosition* open_position(std::int64_t ticket) const;
   void journal_unknown(const std::string& what);
   // Journal, messages, and the position's row in the close positions window when the close is `ours`.
   void tell_close(const OrderReport& report, bool ours);

@@ -17,7 +17,6 @@
 
 #include "accounts/saved_lists.h"
 #include "apps/command_line.h"
-#include "apps/commands.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/descriptor.h"
@@ -106,7 +105,7 @@ TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
   options.home = folder.path() / "home";
   options.fresh = true;
   options.sample_accounts = 3;
-  const auto terminal = Terminal::open(options, {prompt, sound, dialog, clock});
+  const auto terminal = Terminal::open(options, {prompt, sound, dialog, clock, {}});
   ASSERT_TRUE(terminal) << terminal.error().text();
   Main& main = (*terminal)->main();
   const frmMain::Connections at_start = main.accounts().connections();
@@ -175,8 +174,9 @@ TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
                            "/dealer-book.log: line 3 was damaged and is left out; the file as it was is "
                            "dealer-book.log.damaged";
   EXPECT_EQ(desk.run("--json orders"), 0);
-  EXPECT_EQ(desk.err, "Warning: " + note +
-                          "\n2 requests are still on their way at the dealing server: --json names them\n");
+  EXPECT_EQ(desk.err, "{\"message\": \"Warning: " + note +
+                          "\"}\n{\"message\": \"2 requests are still on their way at the dealing server: "
+                          "--json names them\"}\n");
   EXPECT_NE(folder.read("History/JN-1.his").find(note), std::string::npos);
   const auto printed = nlohmann::json::parse(desk.out);
   EXPECT_TRUE(printed["orders"].empty());
@@ -186,108 +186,32 @@ TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
       {"request", "open"},    {"stage", "sent"},
       {"side", "sell"},       {"amount", 0.5},
       {"symbol", "EURUSD"},   {"reference", nullptr},
-      {"price", nullptr},     {"due", fmt::format("{:%F %T}", fmt::gmtime(due))}};
+      {"price", nullptr},     {"due", fmt::format("{:%FT%T}.392Z", fmt::gmtime(due))}};
   EXPECT_EQ(printed["in_flight"][0], expected);
 }
 
-// What a start on a folder says on standard error; the terminal itself, or why there is none.
-struct Start {
-  explicit Start(const TemporaryFolder& folder, const char* accounts = "0") {
-    options.home = folder.path();
-    options.dealer_file = folder.path() / "dealer.toml";
-    folder.write("dealer.toml", std::string{"login_latency_ms = 0\nsample_accounts = "} + accounts + "\n");
-    ::testing::internal::CaptureStderr();
-    auto opened = Terminal::open(options, {prompt, sound, dialog, clock});
-    said = ::testing::internal::GetCapturedStderr();
-    if (opened) terminal = std::move(*opened);
-    if (!opened) said = opened.error().text();
-  }
-  // What a command prints there, and its exit status.
-  std::pair<std::string, int> run(OutputForm form, const std::function<int(CommandContext&)>& command) {
-    CommandContext context{*terminal, ports, {.form = form}};
-    ::testing::internal::CaptureStdout();
-    const int status = context.log_in() ? command(context) : -1;
-    console.flush();
-    return {::testing::internal::GetCapturedStdout(), status};
-  }
-
-  RecordingPrompt prompt;
-  RecordingSound sound;
-  FakeFileDialog dialog;
-  SystemClock clock;
-  Console console{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO, [] { return false; }};
-  CommandPorts ports{console, clock, [](auto) {}, [] { return 0; }};
-  TerminalOptions options;
-  std::unique_ptr<Terminal> terminal;
-  std::string said;
-};
-
 TEST(Home, AListThatCannotBeLookedAtIsNotTakenForMissing) {
   for (const char* list : {"savelvinfo.buf", "Acountinfo.buf"}) {
-    const TemporaryFolder folder;
-    folder.write("manage/other.buf", "");
-    fs::create_symlink(list, folder.path() / "manage" / list);
-    const Start start{folder};
-    EXPECT_FALSE(start.terminal);
-    EXPECT_NE(start.said.find(list), std::string::npos) << start.said;
-    EXPECT_TRUE(fs::is_symlink(folder.path() / "manage" / list));
-    EXPECT_EQ(std::distance(fs::directory_iterator{folder.path() / "manage"}, {}), 2);
+    CommandLineRig desk{"sample_accounts = 0"};
+    const fs::path folder = desk.home.path() / "manage";
+    desk.home.write("manage/other.buf", "");
+    fs::create_symlink(list, folder / list);
+    EXPECT_EQ(desk.run("accounts"), 3);
+    EXPECT_NE(desk.err.find(list), std::string::npos) << desk.err;
+    EXPECT_TRUE(fs::is_symlink(folder / list));
+    EXPECT_EQ(std::distance(fs::directory_iterator{folder}, {}), 2);
   }
 }
 
 TEST(Home, SkippedLinesAreToldAndCount) {
   for (const bool skipped : {false, true}) {
-    const TemporaryFolder folder;
-    folder.write("manage/savelvinfo.buf",
-                 std::string{"ALDER,ALDER01,500100\n"} + (skipped ? "short,line\n" : ""));
-    Start start{folder, "1"};
-    ASSERT_TRUE(start.terminal) << start.said;
-    EXPECT_EQ(start.said.find("lines 2 of savelvinfo.buf") != std::string::npos, skipped) << start.said;
-    for (const auto command : {&accounts_command, &verify_command}) {
-      const auto [printed, status] = start.run(OutputForm::text, command);
-      EXPECT_EQ(status, skipped ? exit_status::some_refused : exit_status::all_accepted) << printed;
+    CommandLineRig desk{"sample_accounts = 1"};
+    desk.home.write("manage/savelvinfo.buf",
+                    std::string{"ALDER,ALDER01,500100\n"} + (skipped ? "short,line\n" : ""));
+    for (const char* command : {"accounts", "verify"}) {
+      EXPECT_EQ(desk.run(command), skipped ? 1 : 0) << desk.out;
+      EXPECT_EQ(desk.err.find("lines 2 of savelvinfo.buf") != std::string::npos, skipped) << desk.err;
     }
-  }
-}
-
-TEST(Home, AHistoryIsPrintedAsItStands) {
-  const TemporaryFolder folder;
-  folder.write("History/JN5.his", "t1*,%$one \"x\"\nt2*,%$\xC3\xBC\xFF*,%$cut\n");
-  fs::create_directory(folder.path() / "History/JN7.his");
-  Start start{folder};
-  ASSERT_TRUE(start.terminal) << start.said;
-  const std::string json = R"({
-  "journal": [
-    {
-      "account": 5,
-      "message": "one \"x\"",
-      "time": "t1"
-    },
-    {
-      "account": 5,
-      "message": ")"
-                           "\xC3\xBC\xEF\xBF\xBD"
-                           R"(",
-      "time": "t2"
-    }
-  ]
-}
-)";
-  const struct {
-    OutputForm form;
-    std::int32_t account;
-    int status;
-    std::string printed;
-  } cases[] = {{OutputForm::text, 5, 0, "t1  one \"x\"\nt2  \xC3\xBC\xFF\n"},
-               {OutputForm::text, 6, 0, "The journal has no entries of account 6\n"},
-               {OutputForm::text, 7, 3, ""},
-               {OutputForm::json, 5, 0, json},
-               {OutputForm::json, 6, 0, "{\n  \"journal\": []\n}\n"}};
-  for (const auto& [form, account, status, printed] : cases) {
-    const auto journal = [number = account](CommandContext& context) {
-      return journal_command(context, number);
-    };
-    EXPECT_EQ(start.run(form, journal), (std::pair{printed, status}));
   }
 }
 

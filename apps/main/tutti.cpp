@@ -121,7 +121,10 @@ int open_and_run(const StopSignals& signals, Arguments& arguments) {
     if (frmMsgBox{prompt, nothing_waits}.GeneralQuestionMsg(question + " Go on?") != yes)
       return exit_status::some_refused;
   }
-  const auto terminal = Terminal::open(arguments.terminal, {prompt, sound, files, clock});
+  const auto terminal = Terminal::open(
+      arguments.terminal, {prompt, sound, files, clock, [](std::string_view text) {
+                             std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
+                           }});
   if (!terminal) {
     prompt.system_box(terminal.error().text(), "Tutti can't start");
     return exit_status::unreadable_data;

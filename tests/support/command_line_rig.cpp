@@ -1,5 +1,6 @@
 #include "tests/support/command_line_rig.h"
 
+#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -23,20 +24,23 @@ std::string content(int file) {
 
 }  // namespace
 
-CommandLineRig::CommandLineRig(const std::string& dealer) : with_dealer_(!dealer.empty()) {
-  if (with_dealer_) home.write("dealer.toml", dealer);
+CommandLineRig::CommandLineRig(const std::string& dealer) : with_dealer(!dealer.empty()) {
+  if (with_dealer) home.write("dealer.toml", dealer);
 }
 
 int CommandLineRig::run(const std::string& words) {
   Texts arguments{"tuttictl", "--home", home.path().string(), "--key", home.key_file().string()};
-  if (with_dealer_) arguments.insert(arguments.end(), {"--dealer", (home.path() / "dealer.toml").string()});
+  if (create) arguments.emplace_back("--create");
+  if (with_dealer) arguments.insert(arguments.end(), {"--dealer", (home.path() / "dealer.toml").string()});
   for (const auto word : split(words, " "))
-    arguments.emplace_back(word);
+    if (!word.empty()) arguments.emplace_back(word);
   std::vector<const char*> argv;
   for (const std::string& argument : arguments)
     argv.push_back(argument.c_str());
 
   const int in = ::memfd_create("in", 0);
+  EXPECT_EQ(::write(in, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+  ::lseek(in, 0, SEEK_SET);
   const int report = ::memfd_create("out", 0);
   const int messages = ::memfd_create("err", 0);
   Console console{in, report_to >= 0 ? report_to : report, messages, [this] {

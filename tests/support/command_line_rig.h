@@ -24,13 +24,13 @@ class CommandLineRig {
   std::function<void()> on_pause;  // runs with every pause
   std::function<void()> on_stall;  // runs while nobody reads the report
   int signal = 0;                  // that came
+  bool create = true;              // --create is given
+  bool with_dealer;                // --dealer is given
+  std::string typed;               // on standard input
   int report_to = -1;              // descriptor to write the report to; -1: `out`
   std::chrono::milliseconds lasted{0};
   std::string out;
   std::string err;
-
- private:
-  bool with_dealer_;
 };
 
 }  // namespace tutti::testing
