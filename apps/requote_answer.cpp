@@ -64,13 +64,14 @@ void RequoteAnswer::step() {
   Console& console = context_.console();
   const auto now = context_.clock().elapsed();
   if (!asked_at_) {
-    // What was typed before this one was asked about was not meant for it.
-    console.forget_typed();
     tell(waiting_.front(), ". Accept? (y/n)");
     asked_at_ = now;
   }
-  // Nor what follows at once.
-  if (now - *asked_at_ < frmPriceChanged::dead_time) return;
+  if (now - *asked_at_ < frmPriceChanged::dead_time) {
+    // What was typed before this one could be read was not meant for it.
+    console.forget_typed();
+    return;
+  }
   const std::string line = console.typed_line();
   if (line.empty()) return;
   const Requote requote = waiting_.front();
