@@ -103,6 +103,7 @@ int open_and_run(const StopSignals& signals, Arguments& arguments) {
   if (arguments.demo) {
     arguments.terminal.demo = true;
     arguments.terminal.home = demo_home.path().toStdString();
+    arguments.terminal.create = true;
   }
   const SystemClock clock;
   Screen screen;
@@ -115,6 +116,10 @@ int open_and_run(const StopSignals& signals, Arguments& arguments) {
     stop.setEnabled(false);
     QCoreApplication::exit();
   });
+  if (const std::string unknown = unknown_home(arguments.terminal); !unknown.empty()) {
+    prompt.system_box(unknown, "Tutti can't start");
+    return exit_status::usage;
+  }
   if (const std::string question = fresh_question(arguments.terminal); !question.empty()) {
     MessageQueue nothing_waits;
     constexpr int yes = 1;
@@ -152,6 +157,8 @@ int main(int argc, char** argv) {
       ->needs(demo);
   app.add_option("--size", arguments.size, "Width and height of the main window")->expected(2);
   CLI11_PARSE(app, argc, argv);
+  // Only a folder that was named may be a slip of the pen.
+  if (app.get_option("--home")->count() == 0) arguments.terminal.create = true;
 
   Application application{argc, argv};
   QApplication::setApplicationName(QStringLiteral("tutti"));
