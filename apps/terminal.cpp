@@ -71,20 +71,28 @@ tl::expected<void, FileError> Terminal::tell_of_another_dealer() {
   return {};
 }
 
-tl::expected<void, FileError> Terminal::write_first_list() {
-  const Paths paths{options_.home};
+tl::expected<bool, FileError> Terminal::is_new(const std::filesystem::path& home) {
+  const Paths paths{home};
   const TextFile files{paths};
-  const SavedLists lists{files, paths};
-  for (const std::string& name : {lists.all(), std::string{"\\Manage\\Acountinfo.buf"}}) {
+  for (const std::string& name : {SavedLists{files, paths}.all(), std::string{"\\Manage\\Acountinfo.buf"}}) {
     const auto there = files.exists(name);
     if (!there) return tl::unexpected(there.error());
-    if (*there) return {};
+    if (*there) return false;
   }
+  return true;
+}
+
+tl::expected<void, FileError> Terminal::write_first_list() {
+  const auto first = is_new(options_.home);
+  if (!first) return tl::unexpected(first.error());
+  if (!*first || !options_.samples) return {};
+  const Paths paths{options_.home};
+  const TextFile files{paths};
   std::vector<SavedLists::Record> records;
   for (const AccountConfig& account : server_->config().accounts) {
     records.push_back({account.user, account.password, account.number});
   }
-  return lists.write_all(records);
+  return SavedLists{files, paths}.write_all(records);
 }
 
 std::size_t Terminal::advance(std::size_t limit) {

@@ -30,6 +30,7 @@ struct TerminalOptions {
   bool fresh = false;                 // start the dealing server's book anew; whoever sets it has asked
   bool yes = false;                   // answer questions with yes
   int sample_accounts = 12;           // of the sample, while no dealer file is named
+  bool samples = true;                // a home without saved accounts gets those of the dealing server
   bool demo = false;                  // a busy day on 500 accounts instead of the sample
   std::string precision;              // decimals of shares for this run; empty: as the settings file has it
 };
@@ -60,11 +61,12 @@ inline constexpr int signalled = 128;   // more by the number of the signal that
 class Terminal {
  public:
   // Locks the home folder, reads the configuration and the book, starts the program. Fails when another
-  // terminal has the folder, or when data can't be read. A home folder without any saved account gets those
-  // of the dealing server as its list.
+  // terminal has the folder, or when data can't be read.
   static tl::expected<std::unique_ptr<Terminal>, FileError> open(const TerminalOptions& options,
                                                                  OperatorPorts ports);
   ~Terminal();
+  // Whether a home folder has no saved account yet.
+  static tl::expected<bool, FileError> is_new(const std::filesystem::path& home);
 
   Main& main() { return *main_; }
   const DealingServer& server() const { return *server_; }

@@ -17,6 +17,7 @@
 
 #include "accounts/saved_lists.h"
 #include "apps/command_line.h"
+#include "apps/first_start.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/descriptor.h"
@@ -116,6 +117,49 @@ TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
   main.accounts().Message("read me");
   EXPECT_EQ(dialog.titles, std::vector<std::string>{"Load File"});
   EXPECT_EQ(prompt.take_texts(), std::vector<std::string>{"read me"});
+}
+
+TEST(Home, AnEmptyOneAsksForAnAccountOrSamples) {
+  const TemporaryFolder with_list;
+  with_list.write("manage/savelvinfo.buf", "ALDER,ALDER01,500100\n");
+  const auto home = [](const char* what) {
+    TerminalOptions options;
+    options.demo = what == std::string_view{"demo"};
+    options.fresh = what == std::string_view{"fresh"};
+    return options;
+  };
+  constexpr int samples = 1;
+  constexpr int account = 2;
+  const struct {
+    const char* what;
+    int answer;
+    FirstStart asked;
+    std::size_t accounts;
+  } cases[] = {{"", samples, FirstStart::samples, 3},
+               {"", account, FirstStart::own_account, 0},
+               {"", RecordingPrompt::escape, FirstStart::own_account, 0},
+               {"fresh", samples, FirstStart::nothing_to_ask, 3},
+               {"demo", samples, FirstStart::nothing_to_ask, 3},
+               {"list", samples, FirstStart::nothing_to_ask, 1}};
+  for (const auto& each : cases) {
+    SCOPED_TRACE(std::string{each.what} + std::to_string(each.answer));
+    const TemporaryFolder folder;
+    RecordingPrompt prompt;
+    RecordingSound sound;
+    FakeFileDialog dialog;
+    const ManualClock clock;
+    TerminalOptions options = home(each.what);
+    options.home = each.what == std::string_view{"list"} ? with_list.path() : folder.path();
+    options.sample_accounts = 3;
+    prompt.answers = {each.answer};
+    EXPECT_EQ(ask_first(prompt, options), each.asked);
+    EXPECT_EQ(prompt.shown.size(), each.asked == FirstStart::nothing_to_ask ? 0U : 1U);
+    options.demo = false;
+    const auto terminal = Terminal::open(options, {prompt, sound, dialog, clock, {}});
+    ASSERT_TRUE(terminal) << terminal.error().text();
+    EXPECT_EQ((*terminal)->main().accounts().lvwClients.size(), each.accounts);
+    EXPECT_TRUE((*terminal)->main().simulated());
+  }
 }
 
 TEST(Home, FreshAsksBeforeABookIsThrownAway) {

@@ -13,6 +13,7 @@
 #include <CLI/CLI.hpp>
 
 #include "apps/command_line.h"
+#include "apps/first_start.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/frmMsgBox.h"
@@ -38,6 +39,7 @@ struct Arguments {
   bool demo = false;
   std::filesystem::path screenshots;  // folder; empty: none are taken
   std::vector<int> size;              // of the main window; empty: as it was left
+  bool add_account = false;           // begin with the account dialog
 };
 
 std::chrono::milliseconds until_due(const Terminal& terminal) {
@@ -80,6 +82,10 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
                       {[&terminal](std::size_t limit) { return terminal.advance(limit); },
                        [&terminal] { return until_due(terminal); }}};
   heartbeat.start();
+  if (arguments.add_account) {
+    terminal.main().accounts().add_account();
+    screen.acted();
+  }
 
   std::optional<ScreenshotTour> tour;
   if (!arguments.screenshots.empty()) {
@@ -126,6 +132,7 @@ int open_and_run(const StopSignals& signals, Arguments& arguments) {
     if (frmMsgBox{prompt, nothing_waits}.GeneralQuestionMsg(question + " Go on?") != yes)
       return exit_status::some_refused;
   }
+  arguments.add_account = ask_first(prompt, arguments.terminal) == FirstStart::own_account;
   const auto terminal = Terminal::open(
       arguments.terminal, {prompt, sound, files, clock, [](std::string_view text) {
                              std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
@@ -147,16 +154,17 @@ int main(int argc, char** argv) {
   CLI::App app{"Trades many client accounts at once."};
   Arguments arguments;
   add_terminal_options(app, arguments.terminal, argv[0]);
-  auto* demo = app.add_flag("--demo", arguments.demo,
-                            "500 sample accounts in a home folder that goes with the program");
-  demo->excludes("--home");
+  app.add_flag("--demo", arguments.demo, "500 sample accounts in a home folder that goes with the program")
+      ->excludes("--home");
   // It trades on all accounts there are, which must not be the operator's.
   app.add_option(
          "--screenshot", arguments.screenshots,
-         "Work through all windows of the demonstration, keep a picture of each in this folder, and end")
-      ->needs(demo);
+         "Work through all windows of the demonstration, keep a picture of each in this folder, and end; "
+         "implies --demo")
+      ->excludes("--home");
   app.add_option("--size", arguments.size, "Width and height of the main window")->expected(2);
   CLI11_PARSE(app, argc, argv);
+  arguments.demo = arguments.demo || !arguments.screenshots.empty();
   // Only a folder that was named may be a slip of the pen.
   if (app.get_option("--home")->count() == 0) arguments.terminal.create = true;
 
