@@ -70,7 +70,7 @@ void frmMain::mnuload_Click() {
 void frmMain::mnusaveas_Click() {
   if (lvwClients.empty()) return Message("There is no data in the list");
   const std::string chosen =
-      CommonDialog1.save_file("Save File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*");
+      CommonDialog1.save_file("Save File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*", "");
   if (chosen.empty()) return;
   const auto copied = general_.files.copy(lists_.connected(), chosen);
   if (!copied) Message("The list of connected accounts was not saved: " + copied.error().text());

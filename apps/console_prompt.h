@@ -35,7 +35,9 @@ class SilentSound final : public SoundPort {
 class NoFileDialog final : public FileDialog {
  public:
   std::string open_file(std::string_view, std::string_view, std::string_view) override { return {}; }
-  std::string save_file(std::string_view, std::string_view, std::string_view) override { return {}; }
+  std::string save_file(std::string_view, std::string_view, std::string_view, std::string_view) override {
+    return {};
+  }
 };
 
 }  // namespace tutti

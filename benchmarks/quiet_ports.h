@@ -28,7 +28,9 @@ class QuietSound final : public SoundPort {
 class QuietFileDialog final : public FileDialog {
  public:
   std::string open_file(std::string_view, std::string_view, std::string_view) override { return {}; }
-  std::string save_file(std::string_view, std::string_view, std::string_view) override { return {}; }
+  std::string save_file(std::string_view, std::string_view, std::string_view, std::string_view) override {
+    return {};
+  }
 };
 
 }  // namespace tutti::bench

@@ -10,7 +10,9 @@ class FileDialog {
  public:
   virtual ~FileDialog() = default;
   virtual std::string open_file(std::string_view title, std::string_view folder, std::string_view filter) = 0;
-  virtual std::string save_file(std::string_view title, std::string_view folder, std::string_view filter) = 0;
+  // `name` is proposed, unless it is empty; a name that is typed without an ending gets that of the proposed.
+  virtual std::string save_file(std::string_view title, std::string_view folder, std::string_view filter,
+                                std::string_view name) = 0;
 };
 
 }  // namespace tutti

@@ -6,10 +6,10 @@
 
 namespace tutti {
 
-bool export_csv(const RowListView& view, FileDialog& files,
+bool export_csv(const RowListView& view, const std::string& name, FileDialog& files,
                 const std::function<void(const std::string&)>& report) {
   const std::string file =
-      files.save_file("Export to CSV", "", "CSV Files (*.csv)|*.csv|All Files (*.*)|*.*");
+      files.save_file("Export to CSV", "", "CSV Files (*.csv)|*.csv|All Files (*.*)|*.*", name + ".csv");
   if (file.empty()) return false;
   const auto written = replace_file(file, list_csv(view));
   if (!written) report("The list could not be written.\n" + written.error().text());

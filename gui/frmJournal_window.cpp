@@ -148,7 +148,20 @@ void FrmJournalWindow::filter() {
              (text.empty() || contains_letters(row.text(message_column), text));
     });
   }
+  list_->rows().sort_again();
   screen_.acted();
+  show_newest();
+}
+
+// Of what a filter lets through; without one the row the operator stands on stays in sight.
+void FrmJournalWindow::show_newest() {
+  const RowListModel& rows = list_->rows();
+  if (rows.filtered()) {
+    const bool upwards = rows.sort_column() == 0 && rows.sort_order() == Qt::AscendingOrder;
+    upwards ? list_->scrollToBottom() : list_->scrollToTop();
+  } else if (const Row* row = form_.lvwJournal.current()) {
+    list_->go_to(*row);
+  }
 }
 
 void FrmJournalWindow::show_history_of_box() {

@@ -45,6 +45,7 @@ class FrmJournalWindow final : public QWidget {
   QWidget* make_filters();
   QLineEdit* make_box(const char* name, const QString& hint);
   void filter();
+  void show_newest();
   void show_history_of_box();
   void keep_reading(int first, int last);
   Place reading() const;

@@ -96,6 +96,7 @@ void FrmMainWindow::find(const QString& text) {
                          [&](std::size_t column) { return contains_letters(row.text(column), wanted); });
     });
   }
+  rows.sort_again();
   screen_.acted();
   if (form_.selected_client() == nullptr) {
     if (const Row* first = text.isEmpty() ? nullptr : rows.row_at(0)) list_->go_to(*first);

@@ -57,8 +57,11 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
                                *messages_,
                                [this] { reset_layout(); },
                                [this] { tools_->find_account(); }};
-  commands_ = std::make_unique<MainCommands>(
-      targets, [this](const QString& title) -> QMenu& { return *menuBar()->addMenu(title); });
+  commands_ = std::make_unique<MainCommands>(targets, [this](const QString& title) -> QMenu& {
+    QMenu* menu = menuBar()->addMenu(title);
+    menu->setToolTipsVisible(true);
+    return *menu;
+  });
   tools_ = new ToolStrip{commands(), panes_.accounts(), screen};
   addToolBar(tools_);
   connect_forms();

@@ -34,7 +34,7 @@ class FrozenHeader final : public QAbstractButton {
     painter.save();
     header.style()->drawControl(QStyle::CE_Header, &option, &painter, &header);
     painter.restore();
-    if (list_.rows().sort_column() == 0)
+    if (list_.rows().sort_column() == 0 && list_.rows().in_order())
       ListHeader::paint_arrow(painter, rect(), option.text, true, list_.rows().sort_order());
   }
 

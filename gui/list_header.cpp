@@ -13,6 +13,7 @@ namespace {
 constexpr int arrow_width = 6;
 constexpr int arrow_height = 4;
 constexpr int gap = 4;  // between text and arrow
+constexpr int focus_line = 2;
 
 }  // namespace
 
@@ -28,9 +29,17 @@ void ListHeader::paintSection(QPainter* painter, const QRect& rect, int section)
   painter->save();
   QHeaderView::paintSection(painter, rect, section);
   painter->restore();
-  if (section != list_.rows().sort_column()) return;
+  if (section != list_.rows().sort_column() || !list_.rows().in_order()) return;
   paint_arrow(*painter, rect, list_.model()->headerData(section, Qt::Horizontal).toString(),
               list_.is_number(static_cast<std::size_t>(section)), list_.rows().sort_order());
+}
+
+void ListHeader::paintEvent(QPaintEvent* event) {
+  QHeaderView::paintEvent(event);
+  if (!list_.hasFocus()) return;
+  QPainter painter{viewport()};
+  painter.fillRect(0, viewport()->height() - focus_line, viewport()->width(), focus_line,
+                   QColor{theme::accent});
 }
 
 void ListHeader::paint_arrow(QPainter& painter, const QRect& header, const QString& text, bool is_number,

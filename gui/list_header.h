@@ -6,8 +6,8 @@ namespace tutti {
 
 class RowListView;
 
-// Column headers of a list: they stand like their column, and the one that the list is sorted by has an
-// arrow.
+// Column headers of a list: they stand like their column, the one that the list is sorted by has an arrow for
+// as long as it is, and a line below them marks the list that has the keyboard.
 class ListHeader final : public QHeaderView {
  public:
   explicit ListHeader(const RowListView& list) : QHeaderView(Qt::Horizontal), list_(list) {}
@@ -18,6 +18,7 @@ class ListHeader final : public QHeaderView {
 
  protected:
   void initStyleOptionForIndex(QStyleOptionHeader* option, int section) const override;
+  void paintEvent(QPaintEvent* event) override;
   void paintSection(QPainter* painter, const QRect& rect, int section) const override;
 
  private:

@@ -364,7 +364,13 @@ void MainCommands::explain_buttons() {
 void MainCommands::export_active() {
   const RowListView* list = to_.panes.active_list();
   if (list == nullptr) return;
-  export_csv(*list, to_.files, [this](const std::string& text) { to_.main.general().message_box(text); });
+  const Pane& pane = to_.panes.active();
+  const QString title = pane.dock == nullptr ? QStringLiteral("Accounts") : pane.dock->windowTitle();
+  // Colons are no part of a file's name everywhere.
+  const QString now =
+      QString::fromStdString(to_.main.general().now_text()).replace(QLatin1Char{':'}, QLatin1Char{'-'});
+  export_csv(*list, QStringLiteral("%1 %2").arg(title, now).toStdString(), to_.files,
+             [this](const std::string& text) { to_.main.general().message_box(text); });
 }
 
 bool MainCommands::confirm(const std::string& question, const std::string& details) {

@@ -34,6 +34,8 @@ void RowListModel::set_filter(Filter filter, Asked asked) {
   filter_ = std::move(filter);
   asked_ = asked;
   asked_stamp_ = 0;
+  ordered_stamp_ = 0;  // what was hidden comes last
+  ordered_structure_ = 0;
   show(wanted());
 }
 
@@ -41,6 +43,9 @@ void RowListModel::sort(int column, Qt::SortOrder order) {
   settle();
   sort_column_ = column;
   sort_order_ = order;
+  in_order_ = column >= 0;
+  ordered_stamp_ = list_.stamp();
+  ordered_structure_ = list_.structure_stamp();
   Rows rows;
   if (column < 0) {
     rows = wanted();
@@ -52,6 +57,23 @@ void RowListModel::sort(int column, Qt::SortOrder order) {
     sort_rows(rows, static_cast<std::size_t>(column), order == Qt::DescendingOrder);
   }
   show(std::move(rows));
+}
+
+void RowListModel::check_order(int first, int last) {
+  constexpr unsigned seldom = 32;
+  if (!in_order_ || ordered_stamp_ == list_.stamp()) return;
+  const int end = static_cast<int>(shown_.size()) - 1;
+  const bool all = ordered_structure_ != list_.structure_stamp() || ++order_checks_ % seldom == 0;
+  const auto column = static_cast<std::size_t>(sort_column_);
+  for (int at = all ? 0 : std::max(first, 0); in_order_ && at < (all ? end : std::min(last, end)); ++at) {
+    Row& row = *shown_[static_cast<std::size_t>(at)];
+    Row& next = *shown_[static_cast<std::size_t>(at) + 1];
+    if (row.stamp() <= ordered_stamp_ && next.stamp() <= ordered_stamp_) continue;
+    in_order_ = tutti::in_order(row, next, column, sort_order_ == Qt::DescendingOrder);
+  }
+  if (!all) return;
+  ordered_stamp_ = list_.stamp();
+  ordered_structure_ = list_.structure_stamp();
 }
 
 // While sorted, the rows that are shown keep their order and new ones follow.

@@ -42,7 +42,16 @@ class RowListModel final : public QAbstractTableModel {
   // Orders the rows once by what a column holds, numbers by value; new rows come last until the next sort.
   // Column -1 is the list's own order.
   void sort(int column, Qt::SortOrder order) override;
+  // The same as before once more, for what the operator does that lets other rows in.
+  void sort_again() {
+    if (sort_column_ >= 0) sort(sort_column_, sort_order_);
+  }
   int sort_column() const { return sort_column_; }
+  // Whether the rows still stand as they were sorted last. Those from place `first` to `last` are looked at
+  // with every call, all of them when rows have come or been let in, and else now and then: positions change
+  // by the thousand.
+  bool in_order() const { return in_order_; }
+  void check_order(int first, int last);
   Qt::SortOrder sort_order() const { return sort_order_; }
 
   void settle();
@@ -75,6 +84,10 @@ class RowListModel final : public QAbstractTableModel {
   Asked asked_ = Asked::by_changes;
   int sort_column_ = -1;
   Qt::SortOrder sort_order_ = Qt::AscendingOrder;
+  bool in_order_ = false;
+  std::uint64_t ordered_stamp_ = 0;      // of the list when all rows were seen to be in order
+  std::uint64_t ordered_structure_ = 0;  // and which rows there were
+  unsigned order_checks_ = 0;
   Rows shown_;
   int columns_ = 0;
   std::uint64_t seen_structure_ = 0;

@@ -114,8 +114,12 @@ void RowListView::refresh() {
   frame_ = screen_.frame();
   if (!isVisible()) return;
   const int first = rowAt(0);
-  const int last = rowAt(viewport()->height() - 1);
-  model_.refresh(first, last < 0 ? model_.rowCount() - 1 : last);
+  const int below = rowAt(viewport()->height() - 1);
+  const int last = below < 0 ? model_.rowCount() - 1 : below;
+  const bool was_in_order = model_.in_order();
+  model_.check_order(first, last);
+  if (model_.in_order() != was_in_order) horizontalHeader()->viewport()->update();
+  model_.refresh(first, last);
   if (model_.list().current() != current_) follow_selection();
   look_where_rows_stand();
 }
@@ -437,6 +441,51 @@ void RowListView::tick_selected() {
   screen_.acted();
 }
 
+void RowListView::focusInEvent(QFocusEvent* event) {
+  QTableView::focusInEvent(event);
+  horizontalHeader()->viewport()->update();
+}
+
+void RowListView::focusOutEvent(QFocusEvent* event) {
+  QTableView::focusOutEvent(event);
+  horizontalHeader()->viewport()->update();
+}
+
+// In lists of rows the toolkit's Home and End go to the first and last column.
+QModelIndex RowListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  const bool to_end = action == MoveEnd;
+  if (selectionBehavior() != SelectRows || (action != MoveHome && !to_end))
+    return QTableView::moveCursor(action, modifiers);
+  return model_.index(to_end ? model_.rowCount() - 1 : 0, std::max(currentIndex().column(), 0));
+}
+
+int RowListView::place_by_key(const QKeyEvent& event) const {
+  if (selectionBehavior() != SelectRows || event.modifiers() != Qt::NoModifier || model_.rowCount() == 0)
+    return -1;
+  const int last = model_.rowCount() - 1;
+  switch (event.key()) {
+    case Qt::Key_Home:
+      return 0;
+    case Qt::Key_End:
+      return last;
+    default:
+      break;
+  }
+  // With the keyboard the toolkit makes a row current that nobody has selected, and goes on from there.
+  if (model_.list().current() != nullptr) return -1;
+  const int bottom = rowAt(viewport()->height() - 1);
+  switch (event.key()) {
+    case Qt::Key_Down:
+    case Qt::Key_PageDown:
+      return std::min(rowAt(0) + (rowViewportPosition(rowAt(0)) < 0 ? 1 : 0), last);
+    case Qt::Key_Up:
+    case Qt::Key_PageUp:
+      return bottom < 0 ? last : bottom;
+    default:
+      return -1;
+  }
+}
+
 void RowListView::keyPressEvent(QKeyEvent* event) {
   screen_.settle();
   if (event->matches(QKeySequence::Copy)) return copy_selected(*this);
@@ -458,6 +507,12 @@ void RowListView::keyPressEvent(QKeyEvent* event) {
     const Row* row = model_.row_at(currentIndex().row());
     if (row != nullptr && row == model_.list().current()) run_activate(currentIndex());
     return;
+  }
+  if (const int place = place_by_key(*event); place >= 0) {
+    const QModelIndex index = model_.index(place, std::max(currentIndex().column(), 0));
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(index);
+    return screen_.acted();
   }
   QTableView::keyPressEvent(event);
 }

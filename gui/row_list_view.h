@@ -21,7 +21,8 @@ class Screen;
 // Widths follow the list's percentages until the operator drags a column. A click on a header sorts by it:
 // upwards, downwards, then the list's own order again. Space and a click on the box tick, Enter and a
 // double-click activate the row, Ctrl+C copies the selected rows, the right button opens the view's actions.
-// Selection and current row are written into the list, which is what the forms go by.
+// Home, End and, where nothing is selected, the first arrow select a row. While the list has the keyboard its
+// header is marked. Selection and current row are written into the list, which is what the forms go by.
 class RowListView final : public QTableView {
  public:
   // `numbers`: columns that stand to the right. `ticks`: rows carry a check box.
@@ -88,6 +89,9 @@ class RowListView final : public QTableView {
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
@@ -122,6 +126,8 @@ class RowListView final : public QTableView {
   void take_selection();
   void follow_selection();
   void tick_selected();
+  // The row that a key selects whatever was selected before; -1 when the toolkit's way is right.
+  int place_by_key(const QKeyEvent& event) const;
   Target target_at(const QModelIndex& index) const;
   bool on_tick_box(const QModelIndex& index, const QPoint& position) const;
   void run_activate(const QModelIndex& index);

@@ -52,4 +52,8 @@ void sort_rows(std::vector<Row*>& rows, std::size_t column, bool descending) {
     rows[i] = keys[i].row;
 }
 
+bool in_order(Row& first, Row& second, std::size_t column, bool descending) {
+  return !less(key_of(second, column), key_of(first, column), descending);
+}
+
 }  // namespace tutti

@@ -50,9 +50,9 @@ void ScreenshotTour::then(std::function<bool()> ready, std::function<void()> act
   steps_.push_back({std::move(ready), std::move(act)});
 }
 
-void ScreenshotTour::picture(const char* name, std::function<QWidget*()> what) {
+void ScreenshotTour::picture(std::string name, std::function<QWidget*()> what) {
   then([this] { return waited_ >= settle_polls; },
-       [this, name = std::string{name}, what = std::move(what)] { keep(*what(), name); });
+       [this, name = std::move(name), what = std::move(what)] { keep(*what(), name); });
 }
 
 void ScreenshotTour::picture_of_box(const char* name, std::function<void()> open) {
@@ -88,6 +88,7 @@ void ScreenshotTour::plan() {
       },
       [] {});
   plan_orders();
+  plan_sizes();
   plan_boxes();
 }
 
@@ -138,7 +139,7 @@ void ScreenshotTour::plan_orders() {
       const RowList& grid = main_.close_positions().MSH;
       then([&grid] { return grid.size() < 2 || !grid.row(1).reads(frmClosePos::action, "Close"); }, [] {});
     }
-    picture(pane.name.toStdString().c_str(), [widget = pane.widget] { return widget; });
+    picture(pane.name.toStdString(), [widget = pane.widget] { return widget; });
   }
   then([] { return true; },
        [this] {
@@ -146,6 +147,23 @@ void ScreenshotTour::plan_orders() {
        });
   picture("journal_history", [this] { return &window_.panes().journal(); });
   then([] { return true; }, [this] { window_.panes().journal().show_live(); });
+}
+
+// The panes among the others: on a scaled laptop, on a laptop, and on a large screen.
+void ScreenshotTour::plan_sizes() {
+  for (const QSize size : {QSize{1272, 680}, QSize{1358, 728}, QSize{1900, 1000}}) {
+    then([] { return true; },
+         [this, size] {
+           window_.setWindowState(Qt::WindowNoState);
+           window_.resize(size);
+         });
+    then([this] { return waited_ >= settle_polls; }, [this] { window_.reset_layout(); });
+    for (const Pane& pane : window_.panes().all()) {
+      then([] { return true; }, [this, name = pane.name] { window_.panes().bring_up(name); });
+      const std::string name = "window_" + std::to_string(size.width()) + "_" + pane.name.toStdString();
+      picture(name, [this] { return &window_; });
+    }
+  }
 }
 
 void ScreenshotTour::mark_positions() {

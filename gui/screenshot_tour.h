@@ -30,10 +30,11 @@ class ScreenshotTour {
   void plan_orders();
   void plan_boxes();
   void fill_entry_order();
+  void plan_sizes();
   void mark_positions();
   void then(std::function<bool()> ready, std::function<void()> act);
   // A step that takes a picture after the windows have had time to paint themselves.
-  void picture(const char* name, std::function<QWidget*()> what);
+  void picture(std::string name, std::function<QWidget*()> what);
   // Opens a modal box and takes its picture while it stands.
   void picture_of_box(const char* name, std::function<void()> open);
   void keep_box();

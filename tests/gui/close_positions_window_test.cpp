@@ -35,7 +35,8 @@ struct ClosingRig : GuiRig {
   explicit ClosingRig(std::vector<FaultConfig> faults = {})
       : GuiRig(with_faults(std::move(faults))),
         form(main().close_positions()),
-        window(form, screen, terminal.clock) {
+        desktop(*this),
+        window(desktop.panes().close_positions()) {
     tested = &window;
     show(window, {1000, 500});
     form.Displayed(true);
@@ -81,7 +82,8 @@ struct ClosingRig : GuiRig {
   std::size_t positions() { return main().trade().lvwOpenPos.size(); }
 
   frmClosePos& form;
-  FrmClosePosWindow window;
+  Desktop desktop;
+  FrmClosePosWindow& window;
   RowListView& list = window.list();
 };
 
@@ -173,7 +175,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   EXPECT_EQ(rig.form.marked_count(), 0U);
 
   // The list is at its end: a row goes, and those above it come down under the pointer.
-  rig.window.resize(700, 200);
+  show(rig.window, {700, 200});
   rig.run(0ms);
   list.scrollToBottom();
   rig.run(0ms);
@@ -194,7 +196,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   rig.remove(1);
   rig.screen.acted();
   EXPECT_EQ(value(), before);
-  rig.window.resize(1000, 500);
+  show(rig.window, {1000, 500});
 
   // Positions stay below their account whatever header is clicked.
   list.restore_columns(RowListView{rig.form.MSH, rig.screen, {}}.save_columns());
@@ -298,7 +300,7 @@ TEST(ClosePositionsWindow, FromSymbolToSymbol) {
   EXPECT_EQ(rig.marked(), (Places{head + 1, head + 2}));
 
   // The first of them is in sight, however long the list is.
-  rig.window.resize(700, 200);
+  show(rig.window, {700, 200});
   const int last = rig.list.rows().rowCount() - 3;
   const auto account = static_cast<std::int32_t>(rig.list.rows().row_at(last)->key().number());
   rig.form.take({{"EURUSD", {account}}});
@@ -311,9 +313,9 @@ TEST(ClosePositionsWindow, TheCountIsWholeBesideTheNextSymbol) {
   ClosingRig rig;
   rig.form.take({{"EURUSD", {first, first + 1, first + 2, first + 3}}, {"GBPUSD", {first}}});
   for (const int width : {1300, 1000, 800, 640, 480}) {
-    rig.window.resize(width, 500);
+    show(rig.window, {width, 500});
     rig.run(0ms);
-    EXPECT_EQ(rig.window.width(), width);
+    EXPECT_LE(rig.window.minimumSizeHint().width(), width);
     EXPECT_EQ(rig.counted(), "8 of 8 marked, 4 lots");
     EXPECT_EQ(rig.find("marked_count").toolTip(), QString{}) << width;
   }

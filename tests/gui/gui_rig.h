@@ -10,16 +10,31 @@
 #include <QTimer>
 #include <functional>
 
+#include "gui/frmMdiNew_window.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
 
-// Shows a window at a size and waits until it is laid out.
+// Shows a window at a size and waits until it is laid out. A pane of the main window comes to the front from
+// behind another one's tab, and has the size among the other panes.
 inline void show(QWidget& window, QSize size = {900, 600}) {
-  window.resize(size);
-  window.show();
+  if (window.isWindow()) {
+    window.resize(size);
+    window.show();
+    return QCoreApplication::processEvents();
+  }
+  auto& main = static_cast<QMainWindow&>(*window.window());
+  auto* dock = static_cast<QDockWidget*>(window.parentWidget());
+  window.setFixedSize(size);
+  main.resize(size + QSize{900, 900});
+  main.show();
+  main.activateWindow();
+  const QList<QDockWidget*> beside = main.tabifiedDockWidgets(dock);
+  if (!beside.isEmpty()) beside.front()->raise();
+  QCoreApplication::processEvents();
+  dock->raise();
   QCoreApplication::processEvents();
 }
 
@@ -87,6 +102,19 @@ class GuiRig {
   TestTerminal terminal;
   Screen screen;
   QWidget* tested = nullptr;  // set by who has it
+};
+
+// The main window around the pane that is tested, with all the others.
+struct Desktop {
+  explicit Desktop(GuiRig& rig)
+      : prompt(rig.screen),
+        sound(rig.terminal.home->path()),
+        window(rig.main(), rig.screen, prompt, sound, rig.terminal.file_dialog) {}
+  Panes& panes() { return window.panes(); }
+
+  DesktopPrompt prompt;
+  DesktopSound sound;
+  FrmMdiNewWindow window;
 };
 
 // Middle of a cell on the view's viewport.

@@ -505,9 +505,13 @@ TEST_F(DesktopTest, CopyAndCloseTakeTheListThatHasTheKeyboard) {
   rig.run(10ms);
   QAction& close = *window->commands().find(QStringLiteral("close_net"));
   EXPECT_FALSE(close.isEnabled());
+  const QWidget& button = part(window->panes().net_trade(), "close_accounts");
+  const QString tip = QStringLiteral("Close accounts of net position  (Shift+F12)");
+  EXPECT_EQ(button.toolTip(), tip + QStringLiteral("\nSelect a net position first"));
   click_cell(window->panes().net_trade().list(), 0, frmNetTrade::net);
   rig.screen.acted();
   EXPECT_TRUE(close.isEnabled());
+  EXPECT_EQ(button.toolTip(), tip);
 
   RowListView& accounts = window->panes().net_trade().accounts();
   click_cell(accounts, 2, frmNetTrade::account);
@@ -517,6 +521,9 @@ TEST_F(DesktopTest, CopyAndCloseTakeTheListThatHasTheKeyboard) {
   rig.terminal.file_dialog.answer = (rig.terminal.home->path() / "out.csv").string();
   window->commands().find(QStringLiteral("export"))->trigger();
   EXPECT_TRUE(rig.terminal.home->read("out.csv").starts_with("Account,"));
+  EXPECT_EQ(rig.terminal.file_dialog.proposed.substr(0, 16), "Net positions 20");
+  EXPECT_TRUE(rig.terminal.file_dialog.proposed.ends_with(".csv"));
+  EXPECT_EQ(rig.terminal.file_dialog.proposed.find(':'), std::string::npos);
 
   // Handed over, the marks are safe from the next key.
   close.trigger();

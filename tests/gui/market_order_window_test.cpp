@@ -19,7 +19,8 @@ struct OrderWindowRig : GuiRig {
   explicit OrderWindowRig(int accounts = 4)
       : GuiRig(DealerConfig::sample(accounts)),
         form(main().market_order()),
-        window(form, main().symbols(), screen) {
+        desktop(*this),
+        window(desktop.panes().market_order()) {
     tested = &window;
     show(window, {420, 700});
     run(50ms);
@@ -55,7 +56,8 @@ struct OrderWindowRig : GuiRig {
   }
 
   frmorder& form;
-  FrmorderWindow window;
+  Desktop desktop;
+  FrmorderWindow& window;
 };
 
 TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {

@@ -57,7 +57,8 @@ struct NetTradeTest : NetTest {
     show(window, {1100, 280});
   }
   frmNetTrade& form = rig.main().net_trade();
-  FrmNetTradeWindow window{form, rig.screen};
+  Desktop desktop{rig};
+  FrmNetTradeWindow& window = desktop.panes().net_trade();
   RowListView& list = window.list();
   RowListView& accounts = window.accounts();
   ExposureBars& bars = part<ExposureBars>(window, "exposure_bars");
@@ -144,7 +145,7 @@ TEST_F(NetTradeTest, TheListsFillThePaneWhateverItsShape) {
   rig.screen.acted();
   click_cell(list, 0, frmNetTrade::symbol);
   for (const QSize size : {QSize{1148, 300}, QSize{918, 267}, QSize{1800, 900}, QSize{700, 900}}) {
-    window.resize(size);
+    show(window, size);
     for (int frame = 0; frame < 2; ++frame)
       rig.run(0ms);
     EXPECT_EQ(window.size(), size);
@@ -153,11 +154,11 @@ TEST_F(NetTradeTest, TheListsFillThePaneWhateverItsShape) {
     EXPECT_GT(accounts.viewport()->height(), 4 * 22) << size.width();
   }
   // Columns that had no room come back with widths of their own, also after one was dragged meanwhile.
-  window.resize(560, 900);
+  show(window, {560, 900});
   rig.run(0ms);
   ASSERT_TRUE(list.isColumnHidden(frmNetTrade::bought_at));
   list.horizontalHeader()->resizeSection(frmNetTrade::net, 70);
-  window.resize(1800, 900);
+  show(window, {1800, 900});
   QCoreApplication::processEvents();
   EXPECT_GT(list.columnWidth(frmNetTrade::bought_at), 40);
 }
@@ -186,7 +187,8 @@ struct MatrixTest : NetTest {
   std::string line() { return part<ElidedLabel>(window, "selection_line").text().toStdString(); }
 
   NetMatrix& form = rig.main().net_matrix();
-  NetMatrixWindow window{form, rig.screen};
+  Desktop desktop{rig};
+  NetMatrixWindow& window = desktop.panes().net_matrix();
   RowListView& list = window.list();
   TotalRow& total = part<TotalRow>(window, "total");
   QWidget& close = part(window, "close_block");

@@ -13,12 +13,14 @@
 #include "core/version.h"
 #include "gui/about_window.h"
 #include "gui/csv_export.h"
+#include "gui/desktop_file_dialog.h"
 #include "gui/elided_label.h"
 #include "gui/frmJournal_window.h"
 #include "gui/frmPending_window.h"
 #include "gui/frmTrade_window.h"
 #include "gui/help_window.h"
 #include "gui/row_order.h"
+#include "gui/theme.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {
@@ -31,7 +33,8 @@ struct TradeTest : ::testing::Test {
 
   GuiRig rig{DealerConfig::sample(4)};
   frmTrade& form = rig.main().trade();
-  FrmTradeWindow window{form, rig.screen};
+  Desktop desktop{rig};
+  FrmTradeWindow& window = desktop.panes().trade();
   RowListView& list = window.list();
   QWidget& close = part(window, "lbbClose");
 };
@@ -117,7 +120,8 @@ struct PendingTest : ::testing::Test {
 
   GuiRig rig{DealerConfig::sample(2)};
   frmPending& form = rig.main().pending();
-  FrmPendingWindow window{form, rig.screen};
+  Desktop desktop{rig};
+  FrmPendingWindow& window = desktop.panes().pending();
   RowListView& list = window.list();
 };
 
@@ -166,7 +170,8 @@ struct JournalTest : ::testing::Test {
   std::string state() { return part<QLabel>(window, "journal_state").text().toStdString(); }
 
   GuiRig rig{DealerConfig::sample(1)};
-  FrmJournalWindow window{rig.main().journal_window(), rig.main().journal(), rig.screen};
+  Desktop desktop{rig};
+  FrmJournalWindow& window = desktop.panes().journal();
   RowListView& list = window.list();
 };
 
@@ -224,6 +229,74 @@ TEST_F(JournalTest, WhatIsReadStaysWhereItIs) {
   log("while away", 500101);
   window.show_live();
   EXPECT_EQ(top(), read);
+}
+
+TEST_F(JournalTest, AFilterShowsItsNewestHits) {
+  for (int i = 0; i < 2000; ++i)
+    log(i % 2 == 0 ? "accepted " + std::to_string(i) : "refused " + std::to_string(i), 500101);
+  rig.run(50ms);
+  const auto in_sight = [this](const std::string& text) {
+    for (int y = 0; y < list.viewport()->height(); y += 22)
+      if (const Row* row = list.row_under({200, y}); row != nullptr && row->text(2) == text) return true;
+    return false;
+  };
+  list.verticalScrollBar()->setValue(list.verticalScrollBar()->maximum());
+  QTest::keyClicks(&filter("filter_text"), QStringLiteral("refused"));
+  EXPECT_TRUE(in_sight("refused 1999"));
+  // Back among all rows, around the one that was looked at; sorted upwards the newest stand at the end.
+  list.go_to(*list.rows().row_at(500));
+  const std::string current = list.rows().list().current()->text(2);
+  QTest::keyClick(&filter("filter_text"), Qt::Key_Escape);
+  EXPECT_TRUE(in_sight(current));
+  click_header(list, 0);
+  QTest::keyClicks(&filter("filter_text"), QStringLiteral("refused"));
+  EXPECT_EQ(list.verticalScrollBar()->value(), list.verticalScrollBar()->maximum());
+}
+
+TEST_F(JournalTest, KeysSelectARowAndTheHeaderTellsTheTruth) {
+  for (int i = 0; i < 50; ++i)
+    log("entry " + std::to_string(i), 500101);
+  const auto header = [this](int column) {
+    const QImage image = list.horizontalHeader()->grab().toImage();
+    const int right = list.columnViewportPosition(column) + list.columnWidth(column);
+    int bright = 0;
+    for (int x = list.columnViewportPosition(column); x < right; ++x)
+      bright += image.pixelColor(x, image.height() - 1) == QColor{theme::accent} ? 1 : 0;
+    return bright > 0;
+  };
+  const auto selected = [this] {
+    std::string out;
+    for (const Row* row : list.rows().list().selected())
+      out += row->text(2) + " ";
+    return out;
+  };
+  filter("filter_text");
+  EXPECT_FALSE(header(0));
+  list.setFocus();
+  EXPECT_TRUE(header(0));
+  const std::pair<Qt::Key, const char*> keys[] = {{Qt::Key_Down, "entry 49 "},
+                                                  {Qt::Key_Down, "entry 48 "},
+                                                  {Qt::Key_End, "entry 0 "},
+                                                  {Qt::Key_Up, "entry 1 "},
+                                                  {Qt::Key_Home, "entry 49 "}};
+  for (const auto& [key, row] : keys) {
+    QTest::keyClick(&list, key);
+    EXPECT_EQ(selected(), row) << key;
+  }
+
+  click_header(list, 2);
+  EXPECT_TRUE(list.rows().in_order());
+  list.rows().row_at(1)->set_text(0, "another time");
+  rig.run(20ms);
+  EXPECT_TRUE(list.rows().in_order());
+  log("come late", 500101);
+  rig.run(20ms);
+  EXPECT_FALSE(list.rows().in_order());
+  click_header(list, 2);
+  EXPECT_TRUE(list.rows().in_order());
+  list.rows().row_at(1)->set_text(2, "entry z");
+  rig.run(20ms);
+  EXPECT_FALSE(list.rows().in_order());
 }
 
 // The model against a plain computation, over a random run of everything that can happen to a list.
@@ -293,6 +366,23 @@ TEST(RowListModelTest, FollowsItsListWhateverHappens) {
   }
 }
 
+TEST(FileDialogTest, StandsInTheThemeWithAProposedNameAndItsEnding) {
+  TemporaryFolder folder;
+  DesktopFileDialog files;
+  const auto save = [&](const char* typed) {
+    when_modal([typed](QWidget& box) {
+      auto& name = part<QLineEdit>(box, "fileNameEdit");
+      EXPECT_EQ(name.text(), QStringLiteral("Trade 2026.csv"));
+      name.setText(QLatin1String{typed});
+      QTest::keyClick(&name, Qt::Key_Return);
+    });
+    return files.save_file("Export", folder.path().string(), "CSV Files (*.csv)|*.csv|All (*.*)|*.*",
+                           "Trade 2026.csv");
+  };
+  EXPECT_EQ(save("mine"), (folder.path() / "mine.csv").string());
+  EXPECT_EQ(save("mine.txt"), (folder.path() / "mine.txt").string());
+}
+
 TEST_F(JournalTest, ExportQuotesWhatNeedsIt) {
   frmJournal& form = rig.main().journal_window();
   form.addToListView("09:00", 500101, "a \"word\", and\nmore");
@@ -301,13 +391,14 @@ TEST_F(JournalTest, ExportQuotesWhatNeedsIt) {
   Texts told;
   const auto tell = [&told](const std::string& text) { told.push_back(text); };
   FakeFileDialog& files = rig.terminal.file_dialog;
-  EXPECT_FALSE(export_csv(list, files, tell));
+  EXPECT_FALSE(export_csv(list, "Journal", files, tell));
   files.answer = file.string();
-  EXPECT_TRUE(export_csv(list, files, tell));
+  EXPECT_TRUE(export_csv(list, "Journal", files, tell));
+  EXPECT_EQ(files.proposed, "Journal.csv");
   EXPECT_EQ(rig.terminal.home->read("out.csv"),
             "Time,Account,Message\n09:00,500101,\"a \"\"word\"\", and\nmore\"\n");
   files.answer = (file / "below-a-file.csv").string();
-  EXPECT_FALSE(export_csv(list, files, tell));
+  EXPECT_FALSE(export_csv(list, "Journal", files, tell));
   ASSERT_EQ(told.size(), 1u);
   EXPECT_NE(told[0].find("out.csv"), std::string::npos);
 }

@@ -92,11 +92,14 @@ class FakeFileDialog final : public FileDialog {
     titles.emplace_back(title);
     return answer;
   }
-  std::string save_file(std::string_view title, std::string_view, std::string_view) override {
+  std::string save_file(std::string_view title, std::string_view, std::string_view,
+                        std::string_view name) override {
     titles.emplace_back(title);
+    proposed = name;
     return answer;
   }
   std::string answer;
+  std::string proposed;  // name of the last file to be saved
   std::vector<std::string> titles;
 };
 
