@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <optional>
 
@@ -151,6 +152,13 @@ int main(int argc, char** argv) {
 #ifdef NDEBUG
   forbid_core_dumps();
 #endif
+  // The demonstration has a folder of its own; a --home beside it is a contradiction, the environment's is
+  // not.
+  const std::vector<std::string_view> words{argv, argv + argc};
+  const auto demonstrates = [](std::string_view word) {
+    return word == "--demo" || word.starts_with("--screenshot");
+  };
+  if (std::any_of(words.begin(), words.end(), demonstrates)) ::unsetenv("TUTTI_HOME");
   CLI::App app{"Trades many client accounts at once."};
   Arguments arguments;
   add_terminal_options(app, arguments.terminal, argv[0]);
