@@ -120,44 +120,35 @@ TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
 }
 
 TEST(Home, AnEmptyOneAsksForAnAccountOrSamples) {
-  const TemporaryFolder with_list;
-  with_list.write("manage/savelvinfo.buf", "ALDER,ALDER01,500100\n");
-  const auto home = [](const char* what) {
-    TerminalOptions options;
-    options.demo = what == std::string_view{"demo"};
-    options.fresh = what == std::string_view{"fresh"};
-    return options;
-  };
   constexpr int samples = 1;
   constexpr int account = 2;
   const struct {
-    const char* what;
+    std::string_view told;
     int answer;
     FirstStart asked;
     std::size_t accounts;
   } cases[] = {{"", samples, FirstStart::samples, 3},
                {"", account, FirstStart::own_account, 0},
                {"", RecordingPrompt::escape, FirstStart::own_account, 0},
-               {"fresh", samples, FirstStart::nothing_to_ask, 3},
-               {"demo", samples, FirstStart::nothing_to_ask, 3},
-               {"list", samples, FirstStart::nothing_to_ask, 1}};
-  for (const auto& each : cases) {
-    SCOPED_TRACE(std::string{each.what} + std::to_string(each.answer));
+               {"fresh", account, FirstStart::nothing_to_ask, 3},
+               {"list", account, FirstStart::nothing_to_ask, 1}};
+  for (const auto& [told, answer, asked, accounts] : cases) {
     const TemporaryFolder folder;
+    if (told == "list") folder.write("manage/savelvinfo.buf", "ALDER,ALDER01,500100\n");
     RecordingPrompt prompt;
     RecordingSound sound;
     FakeFileDialog dialog;
     const ManualClock clock;
-    TerminalOptions options = home(each.what);
-    options.home = each.what == std::string_view{"list"} ? with_list.path() : folder.path();
+    TerminalOptions options;
+    options.home = folder.path();
+    options.fresh = told == "fresh";
     options.sample_accounts = 3;
-    prompt.answers = {each.answer};
-    EXPECT_EQ(ask_first(prompt, options), each.asked);
-    EXPECT_EQ(prompt.shown.size(), each.asked == FirstStart::nothing_to_ask ? 0U : 1U);
-    options.demo = false;
+    prompt.answers = {answer};
+    EXPECT_EQ(ask_first(prompt, options), asked) << told << answer;
+    EXPECT_EQ(prompt.shown.empty(), asked == FirstStart::nothing_to_ask) << told;
     const auto terminal = Terminal::open(options, {prompt, sound, dialog, clock, {}});
     ASSERT_TRUE(terminal) << terminal.error().text();
-    EXPECT_EQ((*terminal)->main().accounts().lvwClients.size(), each.accounts);
+    EXPECT_EQ((*terminal)->main().accounts().lvwClients.size(), accounts) << told << answer;
     EXPECT_TRUE((*terminal)->main().simulated());
   }
 }

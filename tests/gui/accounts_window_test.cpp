@@ -35,12 +35,13 @@ struct AccountsWindowTest : ::testing::Test {
   GuiRig rig{DealerConfig::sample(6)};
   frmMain& form = rig.main().accounts();
   DesktopPrompt prompt{rig.screen};
-  FrmMainWindow window{form, rig.screen};
+  Desktop desktop{rig};
+  FrmMainWindow& window = desktop.panes().accounts();
   RowListView& view = window.list();
 };
 
 TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
-  FrmaccountWindow dialog{form.account_dialog(), rig.screen, &window};
+  FrmaccountWindow& dialog = desktop.window.account_dialog();
   form.mnuclear_Click();
   form.add_account();
   rig.run(10ms);
@@ -89,7 +90,7 @@ TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
 }
 
 TEST_F(AccountsWindowTest, OfServersThatReadAlikeThePickedOneIsTaken) {
-  FrmaccountWindow dialog{form.account_dialog(), rig.screen, &window};
+  FrmaccountWindow& dialog = desktop.window.account_dialog();
   rig.terminal.home->write("manage/SERVER.BUF", "Main&&h&&1&&Main&&h&&2&&Other&&h&&3\nh:1\n0\n\n");
   ASSERT_TRUE(form.login_options().InitializeFromFile());
   form.add_account();
@@ -105,7 +106,7 @@ TEST_F(AccountsWindowTest, OfServersThatReadAlikeThePickedOneIsTaken) {
 }
 
 TEST_F(AccountsWindowTest, TheAccountDialogIsLeftByEsc) {
-  FrmaccountWindow dialog{form.account_dialog(), rig.screen, &window};
+  FrmaccountWindow& dialog = desktop.window.account_dialog();
   click_cell(view, 2, frmMain::account);
   form.edit_account();
   rig.run(10ms);

@@ -26,15 +26,15 @@ inline void show(QWidget& window, QSize size = {900, 600}) {
     return QCoreApplication::processEvents();
   }
   auto& main = static_cast<QMainWindow&>(*window.window());
-  auto* dock = static_cast<QDockWidget*>(window.parentWidget());
+  auto* dock = qobject_cast<QDockWidget*>(window.parentWidget());
   window.setFixedSize(size);
   main.resize(size + QSize{900, 900});
   main.show();
   main.activateWindow();
-  const QList<QDockWidget*> beside = main.tabifiedDockWidgets(dock);
+  const QList<QDockWidget*> beside = dock == nullptr ? QList<QDockWidget*>{} : main.tabifiedDockWidgets(dock);
   if (!beside.isEmpty()) beside.front()->raise();
   QCoreApplication::processEvents();
-  dock->raise();
+  if (dock != nullptr) dock->raise();
   QCoreApplication::processEvents();
 }
 
