@@ -80,9 +80,10 @@ tl::expected<void, FileError> SavedLists::load(std::string_view chosen) const {
   if (!before->empty()) {
     if (auto kept = files_.write(old_list(), before->reveal()); !kept) return kept;
   }
-  const auto written = files_.write(all_, text->reveal());
-  if (written) files_.keep_private(all_);
-  return written;
+  if (auto written = files_.write(all_, text->reveal()); !written) return written;
+  files_.keep_private(all_);
+  // There was no list that could be gone back to, and an older one is not the one before.
+  return before->empty() ? forget_old() : tl::expected<void, FileError>{};
 }
 
 tl::expected<void, FileError> SavedLists::append(const std::string& list, const Record& record) const {

@@ -66,7 +66,7 @@ void MessageQueueWindow::follow() {
   if (opens && QApplication::activeModalWidget() != nullptr) return;
   if (opens || *message != shown_) {
     show_current();
-    appeared_ = clock_.now();
+    appeared_ = clock_.elapsed();
   }
   const std::size_t behind = queue_.behind();
   window_.set_footer(behind == 0 ? QStringLiteral(" ") : QStringLiteral("%1 more wait").arg(behind));

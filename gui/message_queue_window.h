@@ -34,7 +34,7 @@ class MessageQueueWindow {
   const Clock& clock_;
   MessageWindow window_;
   Message shown_;
-  std::optional<TimePoint> appeared_;  // when a message came on show by itself
+  std::optional<std::chrono::milliseconds> appeared_;  // when a message came on show by itself
 };
 
 }  // namespace tutti

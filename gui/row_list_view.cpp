@@ -135,7 +135,7 @@ void RowListView::look_where_rows_stand() {
     while (before != standing_.end() && before->top < top)
       ++before;
     const bool stood = before != standing_.end() && before->top == top && before->key == row->key();
-    now.push_back({row->key(), top, stood ? before->since : click_guard_->now()});
+    now.push_back({row->key(), top, stood ? before->since : click_guard_->elapsed()});
   }
   standing_ = std::move(now);
 }

@@ -109,7 +109,7 @@ class RowListView final : public QTableView {
   struct Standing {
     RowKey key;
     int top = 0;  // within the viewport
-    TimePoint since;
+    std::chrono::milliseconds since{0};
   };
 
   void settle();

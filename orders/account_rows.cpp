@@ -24,13 +24,13 @@ void AccountRows::update_amount(RowKey key, double share) {
 void AccountRows::remove(std::int32_t number) {
   Row* row = find(number);
   if (row == nullptr) return;
-  if (row->checked()) ticked_when_gone_.insert(number);
+  if (was_ticked(*row)) ticked_when_gone_.insert(number);
   list_.remove(*row);
 }
 
 void AccountRows::remove_if(const std::function<bool(const Row&)>& gone) {
   for (const Row& row : list_)
-    if (row.checked() && gone(row)) ticked_when_gone_.insert(static_cast<std::int32_t>(row.key().number()));
+    if (was_ticked(row) && gone(row)) ticked_when_gone_.insert(static_cast<std::int32_t>(row.key().number()));
   list_.remove_if(gone);
 }
 

@@ -64,6 +64,9 @@ class AccountRows {
   std::size_t editor_column() const { return editor_column_; }
 
  private:
+  // Or had been before the connection was lost last time, and nobody has settled that since.
+  static bool was_ticked(const Row& row) { return row.checked() || came_back(row); }
+
   static constexpr std::string_view came_back_text = "Was ticked before it was disconnected";
 
   MGeneral& general_;

@@ -15,17 +15,18 @@ std::string row_name(const CClientAPIManager& session) {
 
 }  // namespace
 
-void CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account) {
+bool CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account) {
   CClientAPIManager* session = sessions_.by_account(account);
-  if (session == nullptr) return;
+  if (session == nullptr) return false;
   const std::string position = "Unable to close position #" + std::to_string(ticket);
   if (!session->ClientAPIF().LoggedIn()) {
     if (const CClientAPIManager* other = sessions_.logged_in(account)) {
-      return report(position + ", account " + std::to_string(account) + ": " + row_name(*session) +
-                        " of the accounts list is not logged in, only " + row_name(*other) +
-                        " is. Closes go by the first row of an account number: log that one in or remove "
-                        "it, then close again",
-                    account);
+      report(position + ", account " + std::to_string(account) + ": " + row_name(*session) +
+                 " of the accounts list is not logged in, only " + row_name(*other) +
+                 " is. Closes go by the first row of an account number: log that one in or remove "
+                 "it, then close again",
+             account);
+      return false;
     }
   }
   switch (session->close_position(ticket, amount)) {
@@ -38,6 +39,7 @@ void CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account
     default:
       break;
   }
+  return true;
 }
 
 void CloseHelper::report(const std::string& text, std::int32_t account) {

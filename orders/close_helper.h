@@ -18,8 +18,8 @@ class CloseHelper {
 
   // `amount` in lots. The first session of the account number sends it. When that one is not logged in while
   // another one of the number is, nothing is sent, and the operator is told which row to log in. Nothing
-  // happens when no session has the account.
-  void close(std::int64_t ticket, double amount, std::int32_t account);
+  // happens when no session has the account. False when nothing was sent.
+  bool close(std::int64_t ticket, double amount, std::int32_t account);
 
  private:
   void report(const std::string& text, std::int32_t account);

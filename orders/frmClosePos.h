@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <tsl/robin_map.h>
+#include <tsl/robin_set.h>
 
 #include "accounts/frmMain.h"
 #include "core/CQuestionBox.h"
@@ -85,8 +86,8 @@ class frmClosePos final : public ClosePositionsDesk {
   // marked position whose last request is not answered yet is sent once more: it may be lost.
   void closepos();
   void closepos1();
-  // Sends one close request and reports an immediate refusal; set by start-up.
-  std::function<void(const frmTrade::Close&)> close_helper;
+  // Sends one close request and reports an immediate refusal; false when nothing was sent. Set by start-up.
+  std::function<bool(const frmTrade::Close&)> close_helper;
 
   // Another window hands over what it has picked: the first block's symbol is chosen and its accounts'
   // positions are marked, the others wait for next_block.
@@ -165,6 +166,7 @@ class frmClosePos final : public ClosePositionsDesk {
   std::uint64_t names_stamp_ = ~std::uint64_t{0};              // of the symbols that are offered
   std::deque<PositionBlock> blocks_;                           // that wait
   std::vector<frmTrade::Close> sent_;                          // with the last close and not settled yet
+  tsl::robin_set<RowKey, RowKey::Hash> unsent_;                // whose last close was not even sent
   OrderAnswers settled_;                                       // the others of the last close
   tsl::robin_map<RowKey, std::string, RowKey::Hash> answers_;  // last results of closes, by position
 };

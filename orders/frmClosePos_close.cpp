@@ -6,6 +6,7 @@
 
 #include "core/texts.h"
 #include "orders/frmClosePos.h"
+#include "orders/symbol_choice.h"
 
 namespace tutti {
 namespace {
@@ -86,6 +87,7 @@ std::vector<frmTrade::Close> frmClosePos::marked_positions() const {
 }
 
 void frmClosePos::close_postions() {
+  if (!symbol_taken(general_, CloseSymbols)) return;
   if (CloseSymbols.text().empty()) return general_.message_box("No symbol is selected");
   const std::vector<frmTrade::Close> positions = marked_positions();
   if (positions.empty()) return general_.message_box(nothing_marked);
@@ -120,11 +122,18 @@ void frmClosePos::closepos1() {
 }
 
 void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
-  sent_ = positions;
+  sent_.clear();
   settled_ = {};
   for (const frmTrade::Close& position : positions) {
-    answers_.erase(ticket_key(position.ticket, position.account));
-    if (close_helper) close_helper(position);
+    const RowKey key = ticket_key(position.ticket, position.account);
+    answers_.erase(key);
+    unsent_.erase(key);
+    if (close_helper && close_helper(position)) {
+      sent_.push_back(position);
+    } else {
+      unsent_.insert(key);
+      settled_.count(OrderAnswer::refused);
+    }
     if (Row* row = searchpos(position.ticket, position.account)) write_action(*row, waiting_text);
   }
 }
@@ -136,12 +145,14 @@ const SentOrder* frmClosePos::close_request(RowKey position) const {
 
 OrderAnswer frmClosePos::answer_of(const Row& row) const {
   if (!is_position(row)) return OrderAnswer::none;
+  if (unsent_.contains(row.key())) return OrderAnswer::refused;
   const SentOrder* sent = close_request(row.key());
   return sent == nullptr ? OrderAnswer::none : answer_from(sent->outcome);
 }
 
 std::string_view frmClosePos::answer_text(const Row& row) const {
   if (!is_position(row)) return {};
+  if (unsent_.contains(row.key())) return "Not sent";
   const SentOrder* sent = close_request(row.key());
   if (sent == nullptr) return {};
   const OrderAnswer answer = answer_from(sent->outcome);

@@ -45,12 +45,13 @@ void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, st
     lblOrder.set_text(std::string{side == operation::buy ? "Buy" : "Sell"} + " " + number_text(amount) + " " +
                       std::string{symbol} + " at " + number_text(price));
     lblNewPrice.set_text(number_text(new_price));
-    shown_since_ = general_.clock.now();
+    shown_since_ = general_.clock.elapsed();
     Displayed(true);
   }
   caption_ = std::to_string(seconds_left) + " / " + std::to_string(seconds_all);
   const Row* pending_row = pending_.lvwPending.find(order_key(order, account));
   if (pending_row != nullptr && is_new_order(*pending_row)) {
+    in_rows_[account] = {&session, order};
     market_order_.show_requote(
         account, "Requote " + number_text(new_price) + ", " + std::to_string(seconds_left) + " s");
   }
@@ -67,9 +68,7 @@ void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, st
 }
 
 bool frmPriceChanged::buttons_dead() const {
-  const auto shown_for = general_.clock.now() - shown_since_;
-  // A clock that was set back must not keep the operator from answering.
-  return shown_for >= shown_for.zero() && shown_for < dead_time;
+  return general_.clock.elapsed() - shown_since_ < dead_time;
 }
 
 void frmPriceChanged::cmdAccept_Click() {
@@ -106,7 +105,7 @@ void frmPriceChanged::hide() {
 }
 
 bool frmPriceChanged::settle(std::int64_t order, std::int32_t account, std::string_view word) {
-  market_order_.end_requote(account);
+  end_requote(order, account);
   Row* pending_row = pending_.lvwPending.find(order_key(order, account));
   if (pending_row == nullptr) return false;
   const bool new_order = is_new_order(*pending_row);
@@ -121,6 +120,13 @@ bool frmPriceChanged::settle(std::int64_t order, std::int32_t account, std::stri
 void frmPriceChanged::forget_if_held(std::int64_t order, std::int32_t account) {
   if (order == order_ && account == account_) hide();
   // It may have counted down behind the one on show.
+  end_requote(order, account);
+}
+
+void frmPriceChanged::end_requote(std::int64_t order, std::int32_t account) {
+  const auto at = in_rows_.find(account);
+  if (at == in_rows_.end() || at->second.second != order) return;
+  in_rows_.erase(at);
   market_order_.end_requote(account);
 }
 
@@ -136,7 +142,8 @@ void frmPriceChanged::API_MarketOrderRejected(std::int64_t order, std::int32_t a
 
 void frmPriceChanged::session_gone(const CClientAPIManager& session) {
   if (&session == session_) hide();
-  market_order_.end_requote(session.account());
+  const auto at = in_rows_.find(session.account());
+  if (at != in_rows_.end() && at->second.first == &session) end_requote(at->second.second, at->first);
   std::erase_if(answered_, [&](const Id& id) { return id.first == &session; });
 }
 

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -84,6 +85,8 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   bool settle(std::int64_t order, std::int32_t account, std::string_view word);
   void hide();
   void forget_if_held(std::int64_t order, std::int32_t account);
+  // Takes its text from the account's row, unless another requote's stands there.
+  void end_requote(std::int64_t order, std::int32_t account);
 
   MGeneral& general_;
   frmorder& market_order_;
@@ -92,8 +95,9 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   CClientAPIManager* session_ = nullptr;  // of the order on show
   std::int64_t order_ = 0;
   std::int32_t account_ = 0;
-  TimePoint shown_since_{};
-  std::set<Id> answered_;  // their further ticks are ignored
+  std::chrono::milliseconds shown_since_{0};  // by the clock's elapsed time
+  std::map<std::int32_t, Id> in_rows_;        // whose text stands in the row of an account
+  std::set<Id> answered_;                     // their further ticks are ignored
 };
 
 }  // namespace tutti

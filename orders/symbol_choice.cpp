@@ -6,9 +6,13 @@ namespace tutti {
 
 bool symbol_taken(MGeneral& general, const ComboBox& symbols) {
   if (!symbols.searched()) return true;
+  const std::string& typed = *symbols.searched();
   const std::string& chosen = symbols.text();
-  general.message_box("\"" + *symbols.searched() + "\" was typed as symbol and not taken. Enter takes one" +
-                      (chosen.empty() ? "" : ", Esc goes back to " + chosen));
+  std::string text = "\"" + typed + "\" was typed as symbol and not taken. Enter takes one";
+  if (symbols.found_by(typed).empty())
+    text = "No symbol has \"" + typed + "\" in its name. Type or pick another one";
+  if (typed.empty()) text = "The symbol's box is empty. Type or pick a symbol";
+  general.message_box(text + (chosen.empty() ? "" : ", Esc goes back to " + chosen));
   return false;
 }
 

@@ -100,7 +100,7 @@ void Main::connect_closing() {
   desk_.close_positions = close_positions_.get();
   close_helper_ = std::make_unique<CloseHelper>(general_, accounts_->sessions());
   const auto close = [this](const frmTrade::Close& position) {
-    close_helper_->close(position.ticket, position.amount, position.account);
+    return close_helper_->close(position.ticket, position.amount, position.account);
   };
   trade_->close_helper = close;
   close_positions_->close_helper = close;

@@ -127,6 +127,11 @@ TEST(AccountRows, ASecondRowTakesAwayOnlyItsOwn) {
     const std::string counting = "Requote 1.2, 9 s";
     desk.second.sink->OrderTimer({22, 1, operation::buy, 1.0, "EURUSD", 1.1, 1.2, 9, 10});
     EXPECT_EQ(desk.shown(), "T11 T12 P21 P22 C1 T12 T11 2 marked, entry, market: " + counting);
+    // What ends is another order of the account, and its other session.
+    frmPriceChanged& requote = desk.main->requote();
+    requote.API_MarketOrderRejected(99, 1);
+    requote.session_gone(*desk.accounts().sessions().by_account(1));
+    EXPECT_EQ(desk.result(1), counting);
     way.go(desk);
     EXPECT_EQ(desk.shown(), way.leaves_positions
                                 ? "T11 T12 P21 C1 T12 T11 2 marked, entry, market: " + counting
@@ -169,10 +174,18 @@ TEST(AccountRows, TheRowThatACloseNeedsIsNamed) {
   EXPECT_EQ(desk.log, Texts{});
   EXPECT_EQ(desk.take_messages(), Texts{text});
   EXPECT_EQ(desk.journal().back(), "1 " + text);
+  desk.form.chkAllClients.click();
+  desk.form.chkAllClients.click();
+  desk.form.LblCheck.click();
+  EXPECT_EQ(desk.form.answers().text(), "2 refused");
+  EXPECT_EQ(desk.form.answer_of(*desk.form.searchpos(11, 1)), OrderAnswer::refused);
+  EXPECT_EQ(desk.take_messages().size(), 2u);
   desk.accounts().sessions().Remove("C1");
   desk.main->trade().close_helper({11, 0.5, 1});
   EXPECT_EQ(desk.log, Texts{"1 close 11 0.5"});
   EXPECT_EQ(desk.take_messages(), Texts{});
+  desk.form.LblCheck.click();
+  EXPECT_EQ(desk.form.answers().text(), "2 waiting");
 }
 
 TEST(AccountRows, VerificationReadsTheConnectedRow) {

@@ -244,6 +244,13 @@ TEST(SavedAccounts, LoadReplacesTheWholeList) {
   }
   EXPECT_EQ(terminal.file_dialog.titles, Texts(6, "Load File"));
   EXPECT_TRUE(fs::exists(kept));
+  // In place of no list: the one before that is none to go back to.
+  terminal.file_dialog.answer = (elsewhere.path() / "other.buf").string();
+  for (const bool empty : {true, false}) {
+    if (empty) terminal.home->write(all_list, "");
+    list.mnuload_Click();
+    EXPECT_EQ(fs::exists(kept), !empty);
+  }
   list.mnuclear_Click();
   EXPECT_FALSE(fs::exists(kept));
 }

@@ -229,7 +229,12 @@ TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {
   desk.open(2, 21);
   desk.open(1, 11);
   form.LblCheck.click();
-  EXPECT_EQ(desk.prompt.take_texts(), (Texts{"No symbol is selected", nothing_marked, nothing_marked}));
+  form.CloseSymbols.search("GBP");
+  form.LblCheck.click();
+  form.CloseSymbols.end_search();
+  EXPECT_EQ(desk.prompt.take_texts(),
+            (Texts{"No symbol is selected", nothing_marked, nothing_marked,
+                   "\"GBP\" was typed as symbol and not taken. Enter takes one, Esc goes back to EURUSD"}));
   // A ground that only looks like the mark is none.
   desk.at(11)->set_ground(frmClosePos::status, {255, 254, 255});
   form.LblCheck.click();

@@ -302,6 +302,28 @@ TEST(EntryOrder, ARefusedRowKeepsItsShareAndIsNotSent) {
   EXPECT_EQ(desk.boxes(), Texts{});
 }
 
+TEST(EntryOrder, EveryValueOfASummaryMustBeFinite) {
+  using Values = AccountSummary;
+  EntryTerminal desk;
+  desk.fill_in(buy_limit, "1.3");
+  for (const auto& [value, name] : {std::pair{&Values::balance, "Balance"},
+                                    {&Values::floating_pl, "Floating P/L"},
+                                    {&Values::credit, "Credit"},
+                                    {&Values::equity, "Equity"},
+                                    {&Values::used_margin, "Used margin"},
+                                    {&Values::margin_level, "Margin level"},
+                                    {&Values::free_margin, "Free margin"}}) {
+    Row& row = desk.form.lvwConClients.row(1);
+    row.set_checked(true);
+    double& shown = desk.client(2).summary.values.*value;
+    const double before = std::exchange(shown, -std::numeric_limits<double>::infinity());
+    desk.distribute("4");
+    EXPECT_EQ(row.text(frmlimitorder::result_text), std::string{name} + " is not a finite number");
+    EXPECT_FALSE(row.checked());
+    shown = before;
+  }
+}
+
 TEST(EntryOrder, ARefusalWithoutATextIsCountedAndLeavesTheResultAlone) {
   EntryTerminal desk;
   desk.client(1).request_code = request::silent;
@@ -331,6 +353,7 @@ TEST(EntryOrder, WhoWasTickedSaysSoAndIsTickedAgainOnCommand) {
     form.tick_all();
     form.lvwConClients.tick(form.lvwConClients.row(2), false);
     drop_all();
+    drop_all();  // twice: nothing was ticked in between
     const std::string came_back = "- Was ticked before it was disconnected|";
     EXPECT_EQ(rows(), came_back + came_back + "-|all");
     EXPECT_EQ(form.answer_of(form.lvwConClients.row(0)), OrderAnswer::left_out);
@@ -382,6 +405,14 @@ TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
   market.cmddis.click();
   EXPECT_EQ(desk.boxes(), Texts{"Alert: \"gbp\" was typed as symbol and not taken. Enter takes one, Esc goes "
                                 "back to EURUSD"});
+  for (const char* typed : {"", "xy"}) {
+    market.cbsymbols.search(typed);
+    market.cmddis.click();
+  }
+  EXPECT_EQ(
+      desk.boxes(),
+      (Texts{"Alert: The symbol's box is empty. Type or pick a symbol, Esc goes back to EURUSD",
+             "Alert: No symbol has \"xy\" in its name. Type or pick another one, Esc goes back to EURUSD"}));
   market.cbsymbols.end_search();
   market.cmddis.click();
   EXPECT_EQ(shares(market.lvwConClients), "x1|x1|x1|");

@@ -158,6 +158,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   rig.remove(2);
   rig.screen.acted();
   ASSERT_EQ(rig.ticket(2), below);
+  rig.terminal.clock.set_by(1h);
   click_cell(list, 2, status);
   EXPECT_EQ(rig.marked(), Places{});
   rig.run(0ms);

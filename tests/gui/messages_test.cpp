@@ -152,6 +152,7 @@ TEST_F(QueueTest, DropsShowOneBoxThatLeavesTheFocusAlone) {
   EXPECT_TRUE(messages.window().testAttribute(Qt::WA_ShowWithoutActivating));
   window.activateWindow();
 
+  rig.terminal.clock.set_by(1h);
   click(ok);
   EXPECT_EQ(text(), "account 500100 Session disconnected") << "not meant for it";
   rig.run(300ms);

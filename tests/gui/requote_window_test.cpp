@@ -67,6 +67,10 @@ TEST(RequoteWindow, NothingAnswersDuringTheDeadTime) {
   rig.window.reject_requote();
   EXPECT_FALSE(rig.window.close());
   EXPECT_TRUE(rig.form.Displayed() && rig.window.isVisible());
+  for (const auto step : {1h, -1h}) {  // whoever sets the clock
+    rig.terminal.clock.set_by(step);
+    EXPECT_TRUE(rig.form.buttons_dead());
+  }
   rig.past_dead_time();
   EXPECT_TRUE(rig.find("cmdAccept").isEnabled());
   EXPECT_TRUE(rig.find("cmdReject").hasFocus());
