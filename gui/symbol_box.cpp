@@ -1,7 +1,7 @@
 #include "gui/symbol_box.h"
 
 #include <QAction>
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QScreen>
@@ -23,18 +23,19 @@ constexpr int most_lines = 10;
 SymbolBox::SymbolBox(ComboBox& symbols, Screen& screen)
     : symbols_(symbols), screen_(screen), list_(new QListWidget{this}) {
   list_->setObjectName(QStringLiteral("found_symbols"));
-  list_->setWindowFlags(Qt::Popup);
-  list_->setAttribute(Qt::WA_NoMouseReplay);
+  // A popup would keep every key and the next click from the rest of the program.
+  list_->setWindowFlags(Qt::ToolTip);
+  list_->setAttribute(Qt::WA_ShowWithoutActivating);
   list_->setFocusPolicy(Qt::NoFocus);
   list_->setFocusProxy(this);
   list_->setMouseTracking(true);
   list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  list_->installEventFilter(this);
   connect(list_, &QListWidget::itemClicked, this,
           [this](const QListWidgetItem* item) { take(item->text()); });
 
   auto* drop_down = addAction(svg_icon(QStringLiteral("chevron-down")), TrailingPosition);
   connect(drop_down, &QAction::triggered, this, [this] {
+    if (open()) return list_->hide();
     setFocus(Qt::MouseFocusReason);
     show_list();
   });
@@ -65,7 +66,9 @@ void SymbolBox::mark() {
     const auto found = symbols_.found_by(*marked_);
     state = found.empty() ? QStringLiteral("nothing") : QStringLiteral("not_taken");
     tip = found.empty() ? QStringLiteral("No symbol has \"%1\" in its name.").arg(text())
-                        : QStringLiteral("Not taken yet: Enter or Tab takes the symbol that is highlighted.");
+          : marked_->empty()
+              ? QStringLiteral("No symbol: type or pick one.")
+              : QStringLiteral("Not taken yet: Enter or Tab takes the symbol that is highlighted.");
     if (!symbols_.text().empty())
       tip += QStringLiteral(" Esc goes back to %1.").arg(QString::fromStdString(symbols_.text()));
   }
@@ -106,6 +109,7 @@ void SymbolBox::show_list() {
     corner = mapToGlobal(rect().topLeft()) - QPoint{0, list_->height()};
   list_->move(corner);
   list_->show();
+  qApp->installEventFilter(this);
   if (list_->currentItem() != nullptr) list_->scrollToItem(list_->currentItem());
 }
 
@@ -174,26 +178,51 @@ void SymbolBox::go_back() {
 }
 
 bool SymbolBox::event(QEvent* event) {
-  if (event->type() == QEvent::KeyPress) {
+  const auto type = event->type();
+  if (type == QEvent::KeyPress || type == QEvent::ShortcutOverride) {
     const auto* pressed = static_cast<QKeyEvent*>(event);
     const auto with = pressed->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
-    if (with == Qt::NoModifier && key(pressed->key())) return true;
+    if (with == Qt::NoModifier && type == QEvent::KeyPress && key(pressed->key())) return true;
+    // What the list is gone through with is no command meanwhile.
+    const bool searching = open() || symbols_.searched();
+    if (with == Qt::NoModifier && type == QEvent::ShortcutOverride && searching &&
+        pressed->key() != Qt::Key_Tab && pressed->key() >= Qt::Key_Escape && pressed->key() < Qt::Key_Shift) {
+      event->accept();
+      return true;
+    }
   }
   return QLineEdit::event(event);
 }
 
 bool SymbolBox::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != list_) return false;
-  const auto type = event->type();
-  // While the list is open it gets every press of the mouse, wherever that is.
-  if (type == QEvent::MouseButtonPress) {
-    const QPoint place = static_cast<QMouseEvent*>(event)->position().toPoint();
-    if (!list_->rect().contains(place)) list_->hide();
-    return true;
+  if (!open()) {
+    qApp->removeEventFilter(this);
+    return false;
   }
-  if (type != QEvent::KeyPress && type != QEvent::KeyRelease) return false;
-  QCoreApplication::sendEvent(this, event);
-  return true;
+  const auto* widget = qobject_cast<QWidget*>(watched);
+  if (widget == nullptr || widget == list_ || list_->isAncestorOf(widget)) return false;
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+      if (widget != this && !isAncestorOf(widget)) list_->hide();
+      break;
+    case QEvent::Show:
+      // A requote or a message must not lie behind the list.
+      if (widget->isWindow() && widget->windowType() != Qt::ToolTip) list_->hide();
+      break;
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::WindowDeactivate:
+      if (widget == window()) list_->hide();
+      break;
+    default:
+      break;
+  }
+  return false;
+}
+
+void SymbolBox::focusOutEvent(QFocusEvent* event) {
+  list_->hide();
+  QLineEdit::focusOutEvent(event);
 }
 
 // Whichever way the keyboard comes here, what is typed replaces what stands here.

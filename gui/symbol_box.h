@@ -24,9 +24,10 @@ class SymbolBox final : public QLineEdit {
  protected:
   // Tab comes here before it moves on.
   bool event(QEvent* event) override;
-  // Of the open list: keys go on to the box, and a click elsewhere closes it.
+  // While the list is open: a click elsewhere and whatever window comes up close it.
   bool eventFilter(QObject* watched, QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:

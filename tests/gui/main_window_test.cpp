@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QDockWidget>
 #include <QFile>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QScreen>
 #include <QScrollBar>
@@ -343,6 +344,41 @@ TEST_F(DesktopTest, TheMainJobByKeyboardAlone) {
   rig.run(1s);
   EXPECT_EQ(form.answers().accepted, 12);
   EXPECT_EQ(rig.main().trade().lvwOpenPos.size(), 12U);
+}
+
+TEST_F(DesktopTest, AnOpenSymbolListLeavesKeysAndTheScreenToTheOthers) {
+  auto& box = part<QLineEdit>(*window, "cbsymbols");
+  const auto& list = *box.findChild<QListWidget*>(QStringLiteral("found_symbols"));
+  const auto search = [&] {
+    to_front("market_order");
+    window->activateWindow();
+    QCoreApplication::processEvents();
+    box.setFocus();
+    box.selectAll();
+    QTest::keyClicks(&box, QStringLiteral("eur"));
+    return list.isVisible();
+  };
+  ASSERT_TRUE(search());
+  bool told = false;  // that it was not taken
+  when_modal([&](QWidget& box) {
+    told = !list.isVisible();
+    QTest::keyClick(&box, Qt::Key_Escape);
+  });
+  press(Qt::Key_F9);
+  EXPECT_TRUE(told);
+  EXPECT_TRUE(search());
+  press(Qt::Key_2, Qt::ControlModifier);
+  EXPECT_FALSE(list.isVisible() || box.hasFocus());
+  EXPECT_TRUE(search());
+  frmPriceChanged& requote = rig.main().requote();
+  requote.SetData(*rig.main().accounts().sessions().by_account(500100), 77, 500100, 1, 0.5, "EURUSD", 1.08,
+                  1.09, 10, 10);
+  rig.run(10ms);
+  EXPECT_TRUE(requote.Displayed() && !list.isVisible());
+  rig.run(frmPriceChanged::dead_time);
+  EXPECT_TRUE(search());
+  press(Qt::Key_F7);
+  EXPECT_FALSE(requote.Displayed());
 }
 
 TEST_F(DesktopTest, TheMarketWatchHandsItsSymbolOver) {
