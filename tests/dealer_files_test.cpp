@@ -72,36 +72,6 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
   }
 }
 
-TEST_F(DealerFiles, TheBookGoesOnWhereItStopped) {
-  std::int64_t last = 0;
-  {
-    DealerConfig config = still_market(3);
-    config.first_number = 9'000'000'000'000'000'000;  // beyond what a double tells apart
-    DealerRig rig(config);
-    EXPECT_TRUE(rig.server.keep_book(folder_)) << "a missing book is fine";
-    const auto seat = rig.trader(0);
-    DealerRig::send(seat, buy, "EURUSD", 0.3);
-    DealerRig::send(seat, sell, "XAUUSD", 0.1);
-    rig.run(200);
-    seat.client->ClosePosition(std::to_string(seat.client->OpenPositionItem(1)->ticket), "0.1", "");
-    rig.run(200);
-    DealerRig::send(seat, buy, "GBPUSD", 0.2);  // still in flight when the program ends
-    last = seat.seen->reports.back().number;
-    ASSERT_TRUE(rig.server.save_book());
-  }
-  DealerRig rig(still_market(3), ManualClock{}.now() + std::chrono::seconds{2});
-  ASSERT_TRUE(rig.server.keep_book(folder_));
-  const auto seat = rig.trader(0);
-  ASSERT_EQ(seat.client->OpenPositionCount(), 3);
-  EXPECT_EQ(seat.client->OpenPositionItem(1)->amount, 0.2);
-  EXPECT_EQ(seat.client->OpenPositionItem(2)->side, operation::sell);
-  EXPECT_GT(seat.client->OpenPositionItem(3)->ticket, last);
-  EXPECT_NEAR(seat.client->GetAccountSummary(500100).values.balance, 50'000.0 - 0.1 * 12.0, 1e-6);
-  DealerRig::send(seat, buy, "EURUSD", 0.1);
-  rig.run(200);
-  EXPECT_GT(seat.seen->opened.at(0).ticket, seat.client->OpenPositionItem(3)->ticket);
-}
-
 TEST_F(DealerFiles, WhatWaitsAndWhatIsOwedOutlivesTheProgram) {
   DealerConfig config = still_market(3);
   config.entry_orders = {{500100, operation::sell_stop, "GBPUSD", 0.2, 1.2, 1.3, 0.0, 0},

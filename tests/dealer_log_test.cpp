@@ -53,6 +53,7 @@ TEST(DealerLog, EveryKindOfChangeIsThereAfterACrash) {
   const TemporaryFolder home;
   DealerConfig config =
       prices({{seconds{20}, "EURUSD", 1.0700, 1.0702}, {seconds{40}, "EURUSD", 1.0600, 1.0602}});
+  config.first_number = 9'000'000'000'000'000'000;  // beyond what a double tells apart
   config.symbols[0].commission = 3;
   config.entry_orders = {{first + 1, buy, "EURUSD", 0.4, 1.0650, 1.05, 0, 0}};
   KeptRig rig(home, config);
@@ -62,6 +63,14 @@ TEST(DealerLog, EveryKindOfChangeIsThereAfterACrash) {
     ASSERT_TRUE(next.kept) << next.fault();
     EXPECT_EQ(*next.kept, Words{}) << at;
     EXPECT_EQ(books(next.server), books(rig.server)) << at;
+    // The same where the book was written anew, elsewhere.
+    const TemporaryFolder copy;
+    for (const char* file : {"dealer-book.toml", "dealer-book.log", "dealer-numbers.toml"})
+      copy.write(file, home.read(file));
+    ASSERT_TRUE(KeptRig(copy, config, rig.clock.now()).server.save_book());
+    const KeptRig saved(copy, config, rig.clock.now());
+    ASSERT_TRUE(saved.kept) << saved.fault();
+    EXPECT_EQ(books(saved.server), books(rig.server)) << at;
   };
   const std::int64_t ticket = open_half(rig, one, buy);
   expect_kept(1);
