@@ -83,8 +83,10 @@ void Panes::keep_keyboard_in_sight() {
   if (pane == nullptr || pane->dock == nullptr) return;
   if (in_sight(*pane->widget) || !in_sight(*pane->widget->window())) return;
   const QList<QDockWidget*> beside = window_.tabifiedDockWidgets(pane->dock);
-  const auto in_front = std::find_if(panes_.begin(), panes_.end(), [&beside](const Pane& other) {
-    return beside.contains(other.dock) && in_sight(*other.widget);
+  // Tabs that float have a window of their own, which shows one pane.
+  const QWidget* floats_in = pane->widget->window() == &window_ ? nullptr : pane->widget->window();
+  const auto in_front = std::find_if(panes_.begin(), panes_.end(), [&](const Pane& other) {
+    return (beside.contains(other.dock) || other.widget->window() == floats_in) && in_sight(*other.widget);
   });
   const Pane& now = in_front == panes_.end() ? panes_.front() : *in_front;
   if (now.list != nullptr) now.list->setFocus(Qt::OtherFocusReason);
@@ -143,11 +145,23 @@ void Panes::bring_up(const QString& name) {
   }
   QWidget& window = *pane.widget->window();
   if (window.isMinimized()) window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-  if (pane.dock == nullptr || &window != &window_) window.activateWindow();
+  if (!window.isActiveWindow()) window.activateWindow();
+  uncover(pane);
   if (pane.widget == market_order_) return market_order_->focus_amount();
   if (pane.widget == entry_order_) return entry_order_->focus_amount();
   if (pane.widget == close_positions_) return close_positions_->focus_symbol();
   if (pane.list != nullptr) pane.list->setFocus(Qt::ShortcutFocusReason);
+}
+
+// A float stays before the main window whatever is raised there: one that hides the pane goes back to its
+// place.
+void Panes::uncover(const Pane& pane) {
+  const QWidget* before = float_before(*pane.widget);
+  if (before == nullptr || pane.widget->window() != &window_) return;
+  for (const Pane& other : panes_) {
+    if (other.dock != nullptr && other.widget->window() == before) other.dock->setFloating(false);
+  }
+  if (pane.dock != nullptr) pane.dock->raise();
 }
 
 void Panes::put_in_front(const QString& name) {

@@ -61,6 +61,7 @@ class Panes {
   void add(const char* name, const QString& title, const char* help, QWidget* widget, RowListView* list);
   // The pane that a widget is in; nullptr when it is in none.
   const Pane* pane_of(const QWidget* widget) const;
+  void uncover(const Pane& pane);
   void follow_displayed();
   void keep_keyboard_in_sight();
   void show_title(QDockWidget& dock);

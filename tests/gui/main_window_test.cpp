@@ -266,6 +266,16 @@ TEST_F(DesktopTest, CommandsNeedTheirPaneInFront) {
   }
   EXPECT_EQ(without, (std::set<QString>{QStringLiteral("accept_requote"), QStringLiteral("load"),
                                         QStringLiteral("quit"), QStringLiteral("reject_requote")}));
+  // Nor behind a float, which goes back to its place.
+  to_front("market_order");
+  dock("journal").setFloating(true);
+  dock("journal").setGeometry(window->geometry().adjusted(-50, -50, 50, 50));
+  rig.run(1ms);
+  EXPECT_FALSE(in_sight(dock("market_order")));
+  const std::string before = state();
+  press(Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(state(), before);
+  EXPECT_TRUE(in_sight(dock("market_order")) && !dock("journal").isFloating());
   // In front the same keys do their work; marked rows that are scrolled out take part.
   rig.main().close_positions().check_all();
   EXPECT_EQ(rig.main().close_positions().marked_count(), 0U);
@@ -395,9 +405,14 @@ TEST_F(DesktopTest, TheMarketWatchHandsItsSymbolOver) {
     return QApplication::focusWidget()->objectName().toStdString();
   };
   frmorder& market = rig.main().market_order();
-  to_front("entry_order");
-  double_click_cell(watch, 1, 1);
-  EXPECT_EQ(keyboard() + " " + market.cbsymbols.text(), "txtammount " + name(1));
+  for (const bool floats : {true, false}) {
+    dock("market_watch").setFloating(floats);
+    to_front("entry_order");
+    if (floats) dock("market_watch").activateWindow();
+    double_click_cell(watch, floats ? 2 : 1, 1);
+    EXPECT_EQ(keyboard() + " " + market.cbsymbols.text(), "txtammount " + name(floats ? 2 : 1));
+    EXPECT_TRUE(window->isActiveWindow());
+  }
   type("7");
   click_cell(watch, 1, 1);
   QTest::keyClick(&watch, Qt::Key_Return);
