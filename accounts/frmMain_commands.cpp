@@ -119,7 +119,7 @@ void frmMain::LogoutClient(RowKey key) {
   CClientAPIManager* session = session_of(*row);
   if (session == nullptr) return;
   sessions_->windows().leave_pending(*session);
-  session->ClientAPIF().Logout();
+  session->log_out();
   general_.play_sound("\\sounds\\Disconnect.wav");
   recolour(*row);
   row->clear_cells(Column::notes, Column::free_margin);

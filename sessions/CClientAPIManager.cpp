@@ -109,9 +109,11 @@ void CClientAPIManager::ConnectionState(bool connected) {
   });
   if (connected) {
     refused_.clear();
+    carry_on(general_, account_, [&] { connection_.connected(row_); });
     carry_on(general_, account_, [&] { desk_.close_positions->account_state(account_, "Connected"); });
     return;
   }
+  carry_on(general_, account_, [&] { connection_.connection_lost(row_); });
   carry_on(general_, account_, [&] { release_totals(); });
   carry_on(general_, account_, [&] { journal_unanswered(); });
   carry_on(general_, account_, [&] {
@@ -127,6 +129,7 @@ void CClientAPIManager::WaitingMode(std::int32_t mode) {
     waiting_ = mode != waiting_mode::normal;
   switch (mode) {
     case waiting_mode::connecting:
+      connection_.login_begins();
       if (row_ != nullptr) row_->set_text(column_state, "Connecting", Ink::red);
       desk_.close_positions->account_state(account_, "Connecting");
       desk_.entry_order->submit_available(false);
@@ -153,12 +156,13 @@ void CClientAPIManager::SessionDisconnected() {
   if (row_ != nullptr) row_->set_ink(column_state, row_connected() ? Ink::green : Ink::red);
   // The totals keep what this account added until they are rebuilt; only its own values go.
   summary_ = {};
+  connection_.session_ended(row_);
   general_.play_sound("\\sounds\\Disconnect.wav");
 }
 
 void CClientAPIManager::InvalidUsernamePassword() {
+  connection_.login_refused(row_);
   if (row_ == nullptr) return;
-  row_->set_text(column_notes, "Invalid username or password");
   row_->set_text(column_state, "Invalid account", Ink::red);
   desk_.close_positions->account_state(account_, "Invalid account");
 }

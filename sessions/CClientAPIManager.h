@@ -11,6 +11,7 @@
 #include "core/MGeneral.h"
 #include "sessions/CLoginOptions.h"
 #include "sessions/account_windows.h"
+#include "sessions/connection_report.h"
 #include "sessions/contract/ClientAPI.h"
 #include "sessions/desk.h"
 #include "sessions/sent_order.h"
@@ -34,6 +35,12 @@ class CClientAPIManager final : public CLAPICLASS {
   // Ends the connection for good. Unhooks the client first, so that a late event reaches nobody, then logs it
   // out, then takes the session's values out of the totals and journals what is still unanswered.
   void shut_down();
+
+  // The operator's logout; the session stays.
+  void log_out() {
+    connection_.logged_out();
+    client_->Logout();
+  }
 
   ClientAPI& ClientAPIF() const { return *client_; }
   // Number within the collection, 1 for the first.
@@ -202,6 +209,7 @@ class CClientAPIManager final : public CLAPICLASS {
   // user name of the account number as well.
   bool lists_account_ = false;
   Totals summary_;
+  ConnectionReport connection_{general_, account_};
 
   SymbolIds symbol_ids_;
   NewOrders orders_;  // at the market

@@ -2,8 +2,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "accounts/account_texts.h"
 #include "core/texts.h"
 #include "sessions/account_record.h"
+#include "tests/support/scenario_desk.h"
 #include "tests/support/scripted_terminal.h"
 
 namespace tutti::testing {
@@ -40,6 +42,41 @@ std::string record(const TemporaryFolder& home, const char* user, const char* pa
                    bool auto_login) {
   KeyFile key{home.key_file()};
   return encode_record({user, password, account, auto_login}, *key.find_or_create().value()) + "\n";
+}
+
+TEST(AccountsList, SaysWhoIsNotConnectedAndWhy) {
+  DealerConfig config = DealerConfig::sample(5);
+  config.unreachable_after = 500ms;
+  config.faults = {fault(FaultKind::unreachable, {500'101}, FaultPoint::login),
+                   fault(FaultKind::refuse_login, {500'102}, FaultPoint::login)};
+  TestTerminal terminal{config};
+  terminal.start_logged_in();
+  const RowList& list = terminal.main->accounts().lvwClients;
+  const Texts reasons{"", "No connection to the server", "Invalid username or password", "Connection lost",
+                      ""};
+  terminal.client(500'103).set_text(frmMain::notes, "mine");
+  ASSERT_TRUE(terminal.server.drop(500'103));
+  terminal.main->accounts().LogoutClient(terminal.client(500'104).key());
+  terminal.run(1s);
+  Texts lines;
+  for (std::int32_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(terminal.client(500'100 + i).text(frmMain::notes), reasons[static_cast<std::size_t>(i)]);
+    const std::string& reason = reasons[static_cast<std::size_t>(i)];
+    if (!reason.empty()) lines.push_back(std::to_string(500'100 + i) + " Not connected: " + reason);
+  }
+  EXPECT_EQ(sorted(terminal.journal()), lines);
+  EXPECT_EQ(not_connected_text(list), "4 accounts are not connected; what they hold is not in this view");
+  for (const std::int32_t account : {500'103, 500'104})
+    terminal.main->accounts().LoginClient(terminal.client(account).key());
+  terminal.run(1s);
+  EXPECT_EQ(terminal.client(500'103).text(frmMain::notes), "mine");
+  // One account stands there twice.
+  ASSERT_TRUE(terminal.main->accounts().account_dialog().accept_quietly("Other", "x", "500103") ==
+              frmaccount::Added::yes);
+  EXPECT_EQ(not_connected_text(list), "2 accounts are not connected; what they hold is not in this view");
+  EXPECT_EQ(user_names(list, 500'103), terminal.client(500'103).text(frmMain::user_name) + ", OTHER");
+  terminal.main->accounts().sessions().Remove(terminal.client(500'101).key().text());
+  EXPECT_EQ(not_connected_text(list), "1 account is not connected; what it holds is not in this view");
 }
 
 TEST(AccountsList, FirstLoginAndNotes) {

@@ -151,12 +151,12 @@ TEST(FanOut, EveryAccountAnswersForItself) {
                             "no row", "", "Invalid Lots", ""}));
   EXPECT_EQ(desk.take_messages(), Texts{"account 500104 Session disconnected"});
   Texts journal = sorted(desk.journal());
-  ASSERT_EQ(journal.size(), 5u);
+  ASSERT_EQ(journal.size(), 6u);
   EXPECT_TRUE(journal[0].starts_with("500100 Order #") &&
               journal[0].ends_with(" [SELL 0.5 EURUSD] has been accepted"));
   journal.erase(journal.begin());
   EXPECT_EQ(journal, (Texts{"500101 Invalid Price", "500102 Not enough money", "500103 No Privilege ",
-                            "500106 Invalid Lots"}));
+                            "500104 Not connected: Connection lost", "500106 Invalid Lots"}));
 }
 
 TEST(FanOut, NobodyLoggedInIsSaidOnce) {

@@ -331,7 +331,8 @@ TEST_F(SessionEvents, OtherEventsReachTheirWindows) {
                                         "status 100019 on", "status 100020 on", "entry distribute on"});
   writes([&] { sink.WaitingMode(3); }, {});
   writes([&] { sink.SessionDisconnected(); },
-         {"Session Disconnected: account 81 Session disconnected", "sound Disconnect.wav"});
+         {"Session Disconnected: account 81 Session disconnected", "sound Disconnect.wav",
+          "journal 81: Not connected: Session disconnected"});
   writes([&] { sink.ConnectionState(false); },
          {"market removes 81", "entry removes 81", "close removes 81", "positions removes 81",
           "pending removes 81", "requote gone 81"});
@@ -365,8 +366,50 @@ TEST_F(SessionEvents, StatesOfTheAccountsRow) {
   row.set_ink(2, Ink::white);
   during([&] { sink.SessionDisconnected(); });
   row_reads("Disconnected", Ink::red);
-  EXPECT_TRUE(during([&] { sink.InvalidUsernamePassword(); }).empty());
+  during([&] { sink.InvalidUsernamePassword(); });
   row_reads("Invalid account", Ink::red);
+}
+
+// One line for each time, the reason in the Notes, and there again what stood there once it is over.
+TEST_F(SessionEvents, WhyAnAccountIsNotConnected) {
+  Row& row = *session.ClientListItem();
+  row.set_text(4, "mine");
+  const std::string not_connected = "journal 81: Not connected: ";
+  const auto on = [&] { sink.ConnectionState(true); };
+  const auto off = [&] { sink.ConnectionState(false); };
+  const auto begin = [&] { sink.WaitingMode(2); };
+  struct Case {
+    std::vector<std::function<void()>> events;
+    std::string reason;  // empty: nothing is told
+    int lines = 1;
+  };
+  const Case cases[] = {
+      {{begin, off}, "No connection to the server"},
+      {{begin, off, begin, off, off}, "No connection to the server", 2},
+      {{on, off, off}, "Connection lost"},
+      {{on, off, [&] { sink.SessionDisconnected(); }}, "Connection lost"},
+      {{on, [&] { sink.SessionDisconnected(); }, off}, "Session disconnected"},
+      {{begin, [&] { sink.InvalidUsernamePassword(); }}, "Invalid username or password"},
+      {{begin, off, [&] { sink.InvalidUsernamePassword(); }}, "Invalid username or password"},
+      {{on, [&] { session.log_out(); }, off}, ""},
+  };
+  for (const Case& c : cases) {
+    Heard lines;
+    for (const auto& event : c.events) {
+      const Heard heard = during(event);
+      std::copy_if(heard.begin(), heard.end(), std::back_inserter(lines),
+                   [&](const auto& line) { return line.starts_with(not_connected + c.reason); });
+    }
+    EXPECT_EQ(lines.size(), c.reason.empty() ? 0U : static_cast<std::size_t>(c.lines)) << c.reason;
+    EXPECT_EQ(cell(4), c.reason.empty() ? "mine" : c.reason);
+    during(on);
+    EXPECT_EQ(cell(4), "mine") << c.reason;
+  }
+  // What was written meanwhile stays.
+  during(off);
+  row.set_text(4, "called them");
+  during(on);
+  EXPECT_EQ(cell(4), "called them");
 }
 
 TEST_F(SessionEvents, TotalsFollowSummariesAndDisconnections) {
