@@ -38,6 +38,18 @@ void AccountRows::ticked(Row& row) {
   if (came_back(row)) row.set_text(Column::result_text, "");
 }
 
+void AccountRows::leave_out(Row& row, std::string_view reason) {
+  row.set_text(Column::result_text, reason);
+  ++left_out_[std::string{reason}];
+}
+
+std::string AccountRows::left_out_text() const {
+  std::string out;
+  for (const auto& [reason, count] : left_out_)
+    out += (out.empty() ? "" : ", ") + std::to_string(count) + " left out (" + reason + ")";
+  return out;
+}
+
 ShareFault AccountRows::fault_of(const Row& row) const {
   const Cell& cell = row.cell(Column::amount);
   if (!row.checked() || cell.empty()) return ShareFault::none;

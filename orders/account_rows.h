@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <set>
+#include <string>
 #include <string_view>
 
 #include "core/MGeneral.h"
@@ -48,6 +50,11 @@ class AccountRows {
   void remove_if(const std::function<bool(const Row&)>& gone);
   // The operator ticked or unticked a row: what it said of an earlier tick is settled.
   void ticked(Row& row);
+  // Ticking all leaves a row out, for a reason that its Result says. Counted until the operator ticks again.
+  void leave_out(Row& row, std::string_view reason);
+  void forget_left_out() { left_out_.clear(); }
+  // "3 left out (No Balance)"; empty when none is.
+  std::string left_out_text() const;
   // No row was ticked when it went.
   void forget_ticks() { ticked_when_gone_.clear(); }
   ShareFault fault_of(const Row& row) const;
@@ -75,6 +82,7 @@ class AccountRows {
   RowKey editor_row_;
   std::size_t editor_column_ = 0;
   std::set<std::int32_t> ticked_when_gone_;
+  std::map<std::string, int, std::less<>> left_out_;  // by reason
 };
 
 }  // namespace tutti

@@ -161,8 +161,9 @@ void frmlimitorder::limitorderpricechange() {
 }
 
 void frmlimitorder::write(const PriceConditions& shown) {
-  const auto price = [](std::string_view sign, double bound) {
-    return sign.empty() ? std::string{} : number_text(bound);
+  const int digits = symbol_ == no_symbol ? 0 : symbols_.entry(symbol_).digits;
+  const auto price = [digits](std::string_view sign, double bound) {
+    return sign.empty() ? std::string{} : bound_text(bound, digits);
   };
   lblpricecondition.set_text(shown.price_sign);
   lblcondition.set_text(price(shown.price_sign, shown.price_limit));

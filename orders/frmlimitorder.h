@@ -81,6 +81,8 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   void Displayed(bool displayed);
   // Brings the window up, for an order to be edited or a symbol that is handed over; set by who has a screen.
   std::function<void()> show;
+  // Puts the caret into the box whose price is refused; set by who has a screen.
+  std::function<void(TextBox& box)> enter;
 
   // Rows. Adding one twice and removing a missing one are ignored.
   void Add(std::int32_t account);
@@ -137,6 +139,8 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   ShareFault share_fault(const Row& row) const { return rows_.fault_of(row); }
   double minimum_lot() const { return general_.minimum_lot; }
   double maximum_lot() const { return general_.maximum_lot; }
+  std::string left_out_text() const { return rows_.left_out_text(); }
+  const RowList& clients() const { return accounts_list_.lvwClients; }
   // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
   OrderAnswer answer_of(const Row& row) const;
   OrderAnswers answers() const;

@@ -58,6 +58,7 @@ bool frmlimitorder::prices_accepted() {
   if (check == Check::stop_loss_bad) {
     general_.message_box("Invalid Price", type() == EntryType::buy_stop ? "Warning" : default_caption);
   }
+  if (check != Check::good && enter) enter(check == Check::stop_loss_bad ? txtsl : txttp);
   return check == Check::good;
 }
 

@@ -41,7 +41,11 @@ frmorder::frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& 
   txtammount.on_key = [](std::int16_t key, const std::string& text) {
     return frmMain::askycodekeypress(key, text);
   };
-  txtammount.on_edited = [this] { accounts_list_.clearammountfromlistview(); };
+  // What was distributed is the shares of another total now.
+  txtammount.on_edited = [this] {
+    Enableds(true);
+    accounts_list_.clearammountfromlistview();
+  };
   txtEditPrice.on_key = txtammount.on_key;
   txtLvw.on_key = txtammount.on_key;
   cbsymbols.on_choose = [this] { cbsymbols_Click(); };
@@ -49,6 +53,7 @@ frmorder::frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& 
   lvwConClients.on_tick = [this](Row& row) {
     row.data<RowData>().wanted = row.checked();
     rows_.ticked(row);
+    rows_.forget_left_out();
     if (!row.checked()) put_back(row);
   };
   chkAllClients.on_click = [this] { chkAllClients_Click(); };
@@ -143,6 +148,7 @@ void frmorder::set_all_accounts_box(bool checked) {
 void frmorder::chkAllClients_Click() {
   set_price_box_off();
   set_all_accounts_box(chkAllClients.checked());
+  rows_.forget_left_out();
   if (!chkAllClients.checked()) rows_.forget_ticks();
   for (Row& row : lvwConClients) {
     row.data<RowData>().wanted = chkAllClients.checked();
@@ -157,7 +163,7 @@ void frmorder::chkAllClients_Click() {
     row.set_checked(known && answer.values.equity > 0.0);
     rows_.ticked(row);
     if (row.checked()) continue;
-    addNote(row, known ? "No Balance" : CClientAPIManager::ResultDescription(answer.result));
+    rows_.leave_out(row, known ? "No Balance" : CClientAPIManager::ResultDescription(answer.result));
   }
 }
 

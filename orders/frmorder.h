@@ -77,6 +77,8 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   ShareFault share_fault(const Row& row) const { return rows_.fault_of(row); }
   double minimum_lot() const { return general_.minimum_lot; }
   double maximum_lot() const { return general_.maximum_lot; }
+  std::string left_out_text() const { return rows_.left_out_text(); }
+  const RowList& clients() const { return accounts_list_.lvwClients; }
 
   // MarketOrderDesk
   void add_account(std::int32_t account) override { Add(account, "", 0.0); }

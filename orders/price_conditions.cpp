@@ -49,6 +49,15 @@ constexpr PositionRule position_rules[] = {
 
 }  // namespace
 
+std::string bound_text(double bound, int digits) {
+  std::string out = fixed_text(bound, digits);
+  return read_number(out) == bound ? out : number_text(bound);
+}
+
+bool breaks(double price, std::string_view sign, double bound) {
+  return sign == "<" ? price > bound : sign == ">" && price < bound;
+}
+
 std::optional<PriceConditions> entry_conditions(EntryType type, const MarketDistances& market,
                                                 std::optional<double> at_price) {
   const auto at = static_cast<std::size_t>(type);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tutti {
@@ -26,6 +27,11 @@ struct PriceConditions {
   std::string_view take_profit_sign;
   double take_profit_bound = 0.0;
 };
+
+// A bound as it is shown, with the decimals of its symbol; with more where it has more.
+std::string bound_text(double bound, int digits);
+// Whether a price lies beyond the bound that the sign, "<" or ">", tells it to keep to.
+bool breaks(double price, std::string_view sign, double bound);
 
 // Of an entry order. Without an at-price the bounds stand around a price of the market.
 //

@@ -74,10 +74,15 @@ TEST(EntryOrder, TellsWherePricesMustLie) {
     const char *at, *told;
   };
   const Case cases[] = {
-      {buy_limit, "", "< 1.5; < 1.4; > 1.6"},  {buy_limit, "1.3", "< 1.5; < 1.2; > 1.4"},
-      {sell_limit, "", "> 1.6; > 1.7; < 1.5"}, {sell_limit, "1.8", "> 1.6; > 1.9; < 1.7"},
-      {buy_stop, "", "> 1.8; < 1.6; > 2"},     {buy_stop, "2", "> 1.8; < 1.8; > 2.2"},
-      {sell_stop, "", "< 1.3; > 1.9; < 1.5"},  {sell_stop, "1.2x", "< 1.3; > 1.4; < 1"},
+      {buy_limit, "", "< 1.50000; < 1.40000; > 1.60000"},
+      {buy_limit, "1.2345678", "< 1.50000; < 1.1345678; > 1.3345678"},
+      {buy_limit, "1.3", "< 1.50000; < 1.20000; > 1.40000"},
+      {sell_limit, "", "> 1.60000; > 1.70000; < 1.50000"},
+      {sell_limit, "1.8", "> 1.60000; > 1.90000; < 1.70000"},
+      {buy_stop, "", "> 1.80000; < 1.60000; > 2.00000"},
+      {buy_stop, "2", "> 1.80000; < 1.80000; > 2.20000"},
+      {sell_stop, "", "< 1.30000; > 1.90000; < 1.50000"},
+      {sell_stop, "1.2x", "< 1.30000; > 1.40000; < 1.00000"},
   };
   for (const Case& c : cases) {
     desk.fill_in(c.type, c.at);
@@ -86,25 +91,25 @@ TEST(EntryOrder, TellsWherePricesMustLie) {
   // They follow the market while the window is shown.
   desk.fill_in(buy_limit, "");
   desk.quote(1.4, 1.5);
-  EXPECT_EQ(desk.conditions(), "< 1.4; < 1.3; > 1.5");
+  EXPECT_EQ(desk.conditions(), "< 1.40000; < 1.30000; > 1.50000");
   desk.form.Displayed(false);
   desk.quote(1.5, 1.6);
-  EXPECT_EQ(desk.conditions(), "< 1.4; < 1.3; > 1.5");
+  EXPECT_EQ(desk.conditions(), "< 1.40000; < 1.30000; > 1.50000");
   desk.form.Displayed(true);
-  EXPECT_EQ(desk.conditions(), "< 1.5; < 1.4; > 1.6");
+  EXPECT_EQ(desk.conditions(), "< 1.50000; < 1.40000; > 1.60000");
   // The side of a position is that of the order which closes it.
   const auto edit = [&](const char* type_text) {
     desk.form.EdirMode({.mode = "SLTP ", .type_text = type_text, .symbol = "EURUSD", .account = 1});
     return desk.conditions();
   };
-  EXPECT_EQ(edit("Buy(Manage)"), " ; > 1.8; < 1.5");
-  EXPECT_EQ(edit("Sell(Manage)"), " ; < 1.3; > 1.6");
+  EXPECT_EQ(edit("Buy(Manage)"), " ; > 1.80000; < 1.50000");
+  EXPECT_EQ(edit("Sell(Manage)"), " ; < 1.30000; > 1.60000");
   EXPECT_EQ(edit("Manage"), " ;  ;  ");
   // Nobody carries the symbol: the distance of -1 counts.
   desk.form.lvwConClients.clear();
   desk.fill_in(buy_limit, "");
   desk.form.cblimitordersymbols.choose("EURUSD");
-  EXPECT_EQ(desk.conditions(), "< 2.6; < 3.6; > 1.6");
+  EXPECT_EQ(desk.conditions(), "< 2.60000; < 3.60000; > 1.60000");
 }
 
 TEST(EntryOrder, StopsAreComparedAsTexts) {
@@ -135,7 +140,10 @@ TEST(EntryOrder, StopsAreComparedAsTexts) {
     EntryTerminal desk{{{5, 5}}};
     desk.fill_in(c.type, c.at, c.sl, c.tp);
     desk.distribute("1");
+    const TextBox* entered = nullptr;
+    desk.form.enter = [&](TextBox& box) { entered = &box; };
     desk.form.cmdsubmitlimiorder.click();
+    EXPECT_EQ(entered, *c.sent != '\0' ? nullptr : *c.box == '\0' ? &desk.form.txttp : &desk.form.txtsl);
     const bool sent = *c.sent != '\0';
     EXPECT_EQ(desk.sent(1), sent ? Texts{std::string{"entry "} + c.sent} : Texts{});
     EXPECT_EQ(desk.boxes(), *c.box == '\0' ? Texts{} : Texts{c.box});

@@ -93,11 +93,13 @@ TEST(DistributionTest, RefusalsGoIntoTheRowsAndStay) {
   desk.clients[2]->summary.result = result::bad_connection;
   form.chkAllClients.click();
   EXPECT_EQ(desk.state(), "x|x|- Failed - Bad connection|x|- No Balance|D");
+  EXPECT_EQ(form.left_out_text(), "1 left out (Failed - Bad connection), 1 left out (No Balance)");
   desk.tick_all();
   form.lvwConClients.tick(form.lvwConClients.row(3), false);
   desk.distribute("3", 0);
   EXPECT_EQ(desk.state(),
             "x3|- EURUSD is not visible to this account|- Failed - Bad connection|-|- No Balance|BS");
+  EXPECT_EQ(form.left_out_text(), "");
 
   // Nobody valid: the box clears without its handler, so other rows keep what they show.
   form.lvwConClients.row(0).set_checked(false);
@@ -176,6 +178,12 @@ TEST(MarketOrder, EachDistributionIsSentOnce) {
   form.UpdateResult("old", 2);
   form.CBdis.choose(1);
   EXPECT_EQ(desk.state(), "x0.3|x0.3 old|x0.3|BS");
+  // Of another total there are no shares yet.
+  form.txtammount.type("5");
+  EXPECT_EQ(desk.state(), "x0.3|x0.3 old|x0.3|D");
+  form.CBdis.choose(0);
+  form.cmddis.click();
+  EXPECT_EQ(desk.state(), "x5|x5|x5|BS");
   form.cbsymbols.choose("GBPUSD");
   EXPECT_EQ(desk.state() + form.txtammount.text(), "x|x|x|D");
   EXPECT_TRUE(desk.prompt.shown.empty());

@@ -108,6 +108,24 @@ std::string frmPending::OrderTypeDesc(std::string_view kind, std::int32_t op) {
   }
 }
 
+std::int32_t frmPending::side(const Row& row) {
+  const auto* data = row.data_if<RowData>();
+  if (data == nullptr || data->operation == 0) return 0;
+  // Of a close it is the side of the position.
+  return (data->operation > 0) == (data->kind != "CP") ? operation::buy : operation::sell;
+}
+
+std::string frmPending::side_text(const Row& row) {
+  const std::int32_t does = side(row);
+  if (does == 0) return {};
+  const auto& data = *row.data_if<RowData>();
+  if (data.kind == "LO") return OrderTypeDesc(data.kind, data.operation);
+  std::string out = does == operation::buy ? "Buy" : "Sell";
+  if (data.kind == "OP") return out + " at market";
+  const char* position = does == operation::buy ? " a sold position" : " a bought position";
+  return out + (data.kind == "CP" ? ", closes" : ", SL/TP of") + position;
+}
+
 frmPending::Category frmPending::OrderType(std::string_view type_text) {
   const std::string text = upper(type_text);
   if (text.starts_with("NEW") || text.starts_with("LIQ")) return in_dealing;

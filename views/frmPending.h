@@ -71,6 +71,11 @@ class frmPending final : public PendingBook {
   // Type text for the entry order window: side and kind of an entry order, the side of an SL/TP order.
   static std::string OrderTypeDesc(std::string_view kind, std::int32_t operation);
   static Category OrderType(std::string_view type_text);
+  // What a row's order does in the market: operation::buy or operation::sell, 0 when it is not known. A close
+  // and the SL/TP of a bought position sell.
+  static std::int32_t side(const Row& row);
+  // The same with what kind of order it is: "Sell stop", "Buy at market", "Sell, closes a bought position".
+  static std::string side_text(const Row& row);
 
   // "Cancel selected orders": asks, then sends one request per ticked row.
   void CloseIoID();
