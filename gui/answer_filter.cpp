@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QToolButton>
 
+#include "core/texts.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
@@ -84,9 +85,20 @@ bool AnswerFilter::shows(Choice choice, const Row& row) const {
   return answer == OrderAnswer::waiting || answer == OrderAnswer::unknown;
 }
 
+bool AnswerFilter::found(const Row& row) const {
+  return wanted_.empty() || contains_letters(row.text(AccountRows::account), wanted_) ||
+         contains_letters(form_.user_names(row), wanted_);
+}
+
+void AnswerFilter::find(const std::string& letters) {
+  wanted_ = folded(letters);
+  seen_stamp_ = 0;  // count anew
+  apply();
+}
+
 void AnswerFilter::apply() {
-  if (choice_ == all) return view_.rows().set_filter({});
-  view_.rows().set_filter([this](const Row& row) { return shows(choice_, row); });
+  if (choice_ == all && wanted_.empty()) return view_.rows().set_filter({});
+  view_.rows().set_filter([this](const Row& row) { return shows(choice_, row) && found(row); });
 }
 
 void AnswerFilter::follow() {
@@ -103,7 +115,7 @@ void AnswerFilter::follow() {
   std::array<int, choices> counts{};
   ticked_and_hidden_ = 0;
   for (const Row& row : form_.accounts) {
-    if (row.checked() && !shows(choice_, row)) ++ticked_and_hidden_;
+    if (row.checked() && !(shows(choice_, row) && found(row))) ++ticked_and_hidden_;
     for (std::size_t i = 0; i < choices; ++i)
       counts[i] += shows(static_cast<Choice>(i), row) ? 1 : 0;
   }

@@ -23,9 +23,7 @@ std::string_view known_reason(OrderAnswer answer) {
 }
 
 QColor side_colour(std::string_view word) {
-  if (word == "Buy") return QColor{theme::accent};
-  if (word == "Sell") return QColor{theme::amber};
-  return {};
+  return theme::side_colour(word == "Buy" ? Side::buy : word == "Sell" ? Side::sell : Side::none);
 }
 
 }  // namespace
@@ -33,7 +31,7 @@ QColor side_colour(std::string_view word) {
 QColor CloseRowLook::ink(const Row& row, std::size_t column) const {
   if (!frmClosePos::is_position(row)) {
     if (column != frmClosePos::status) return {};
-    return theme::colour(row.reads(column, "Connected") ? Ink::green : Ink::red);
+    return row.reads(column, "Connected") ? theme::colour(Ink::green) : QColor{theme::soft_red};
   }
   if (column != frmClosePos::action) return {};
   const OrderAnswer answer = form_.answer_of(row);

@@ -2,7 +2,11 @@
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QTextDocument>
+#include <utility>
+
+#include "gui/theme.h"
 
 namespace tutti {
 
@@ -22,8 +26,12 @@ void ElidedLabel::set_colour(const QColor& colour) {
   update();
 }
 
+void ElidedLabel::set_money(bool money) {
+  if (std::exchange(money_, money) != money) update();
+}
+
 QSize ElidedLabel::sizeHint() const {
-  return {fontMetrics().horizontalAdvance(text_), fontMetrics().height() + 4};
+  return QSize{fontMetrics().horizontalAdvance(text_), fontMetrics().height() + 4}.grownBy(contentsMargins());
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
@@ -31,7 +39,7 @@ QSize ElidedLabel::minimumSizeHint() const {
 }
 
 void ElidedLabel::cut() {
-  shown_ = fontMetrics().elidedText(text_, Qt::ElideRight, width());
+  shown_ = fontMetrics().elidedText(text_, Qt::ElideRight, contentsRect().width());
   setToolTip(shown_ == text_ ? QString{} : Qt::convertFromPlainText(text_, Qt::WhiteSpacePre));
   update();
 }
@@ -43,7 +51,23 @@ void ElidedLabel::resizeEvent(QResizeEvent*) {
 void ElidedLabel::paintEvent(QPaintEvent*) {
   QPainter painter{this};
   painter.setPen(colour_.isValid() && isEnabled() ? colour_ : palette().color(foregroundRole()));
-  painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, shown_);
+  int drawn = 0;  // of the text
+  const auto draw_to = [&](qsizetype end) {
+    const int left = fontMetrics().horizontalAdvance(shown_.left(drawn));
+    painter.drawText(contentsRect().adjusted(left, 0, 0, 0),
+                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, shown_.mid(drawn, end - drawn));
+    drawn = static_cast<int>(end);
+  };
+  static const QRegularExpression below_zero{QStringLiteral("(?<![\\w.])-[0-9][0-9.,]*")};
+  const QPen plain = painter.pen();
+  for (auto found = below_zero.globalMatch(money_ ? shown_ : QString{}); found.hasNext();) {
+    const QRegularExpressionMatch number = found.next();
+    draw_to(number.capturedStart());
+    painter.setPen(QColor{theme::loss});
+    draw_to(number.capturedEnd());
+    painter.setPen(plain);
+  }
+  draw_to(shown_.size());
 }
 
 }  // namespace tutti

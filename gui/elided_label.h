@@ -13,6 +13,8 @@ class ElidedLabel : public QWidget {
   const QString& text() const { return text_; }
   void set_text(const QString& text);
   void set_colour(const QColor& colour);
+  // Whether its numbers are money, which has a colour of its own below 0.
+  void set_money(bool money);
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
@@ -27,6 +29,7 @@ class ElidedLabel : public QWidget {
   QString text_;
   QString shown_;
   QColor colour_;
+  bool money_ = false;
 };
 
 }  // namespace tutti

@@ -56,10 +56,7 @@ FrmClosePosWindow::FrmClosePosWindow(frmClosePos& form, Screen& screen, const Cl
   column->setSpacing(0);
   column->addLayout(head_);
   column->addWidget(list_, 1);
-  auto* foot = new QHBoxLayout;
-  foot->setContentsMargins(10, 4, 10, 4);
-  foot->addWidget(answers_);
-  column->addLayout(foot);
+  column->addLayout(make_foot(answers_));
   setFocusProxy(list_);
   set_tab_order(*this, {"CloseSymbols", "chkAllClients", "marked_only", "MSH", "LblCheck", "next_block"});
   follow();
@@ -115,7 +112,7 @@ void FrmClosePosWindow::connect_list() {
   });
   list_->set_ink([this](const Row& row, std::size_t column) { return look_.ink(row, column); });
   list_->set_pieces([this](const Row& row, std::size_t column) { return look_.pieces(row, column); });
-  list_->set_tip([this](const Row& row) { return look_.tip(row); });
+  list_->set_tip([this](const Row& row, std::size_t) { return look_.tip(row); });
   list_->clicked = [this](Row& row, std::size_t column) {
     if (frmClosePos::is_position(row)) return form_.click(row, column);
     form_.toggle(meant({&row}));

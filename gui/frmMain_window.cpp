@@ -44,6 +44,10 @@ FrmMainWindow::FrmMainWindow(frmMain& form, Screen& screen, QWidget* parent)
   list_->setObjectName(QStringLiteral("lvwClients"));
   list_->keep_readable({"000", "", "Disconnected", "0000000", "", "000000.00", "-0000.00", "0000.00",
                         "000000.00", "00000.00", "00000.00%", "000000.00"});
+  list_->set_ink([](const Row& row, std::size_t column) {
+    const bool lost = column >= frmMain::balance && row.cell(column).stored_number() < 0.0;
+    return lost ? QColor{theme::loss} : QColor{};
+  });
   list_->activate = [this](Row& row, std::size_t column) { activate(row, column); };
   auto* editor = new CellEditor{*list_,
                                 screen,

@@ -8,6 +8,7 @@
 #include "gui/elided_label.h"
 #include "gui/empty_hint.h"
 #include "gui/exposure_bars.h"
+#include "gui/not_connected_line.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
@@ -51,13 +52,14 @@ void show_averages(RowListView& list, std::initializer_list<int> columns, int fr
 
 }  // namespace
 
-FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, Screen& screen) : form_(form) {
+FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, const RowList& clients, Screen& screen)
+    : form_(form) {
   // Before the lists' own, so that they show it in the same frame.
   screen.on_refresh(*this, [this] { form_.refresh(); });
   parts_ = new QBoxLayout{QBoxLayout::LeftToRight, this};
   parts_->setContentsMargins(0, 0, 0, 0);
   parts_->setSpacing(4);
-  parts_->addWidget(make_symbols(screen), 3);
+  parts_->addWidget(make_symbols(clients, screen), 3);
   auto* details = new QWidget;
   details_ = new QBoxLayout{QBoxLayout::TopToBottom, details};
   details_->setContentsMargins(0, 0, 0, 0);
@@ -74,13 +76,14 @@ FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, Screen& screen) : form_(
   setFocusProxy(list_);
 }
 
-QWidget* FrmNetTradeWindow::make_symbols(Screen& screen) {
+QWidget* FrmNetTradeWindow::make_symbols(const RowList& clients, Screen& screen) {
   list_ = named(new RowListView{form_.lvwNet, screen, {1, 2, 3, 4, 5, 6, 7}}, "lvwNet");
   // The accounts of one symbol are listed.
   list_->setSelectionMode(QAbstractItemView::SingleSelection);
   list_->set_ink(symbol_ink);
+  list_->set_money([](std::size_t at) { return at == SymbolColumn::floating; });
   list_->keep_readable({"Total(All Clients)", "000", "00000.00", "00000.00", "00000.00", "00000.00",
-                        "-0000.00", "-000000.00"});
+                        "-0000.00", "-000,000.00"});
   add_empty_hint(*list_, screen, QStringLiteral("No open positions"));
   auto* part = new QWidget;
   auto* column = new QVBoxLayout{part};
@@ -88,6 +91,7 @@ QWidget* FrmNetTradeWindow::make_symbols(Screen& screen) {
   column->setSpacing(0);
   column->addWidget(list_, 1);
   column->addWidget(named(new TotalRow{*list_, screen}, "total"));
+  column->addWidget(new NotConnectedLine{clients, screen});
   return part;
 }
 
@@ -109,7 +113,8 @@ QWidget* FrmNetTradeWindow::make_picture(Screen& screen) {
 QWidget* FrmNetTradeWindow::make_accounts(Screen& screen) {
   accounts_ = named(new RowListView{form_.lvwNetAccounts, screen, {0, 1, 2, 3, 4, 5, 6}}, "lvwNetAccounts");
   accounts_->set_ink(account_ink);
-  accounts_->keep_readable({"000000", "000.00", "00000.00", "000.00", "00000.00", "-000.00", "-00000.00"});
+  accounts_->set_money([](std::size_t at) { return at == AccountColumn::of_floating; });
+  accounts_->keep_readable({"000000", "000.00", "00000.00", "000.00", "00000.00", "-000.00", "-00,000.00"});
   head_ = named(new ElidedLabel, "accounts_head");
   head_->set_colour(QColor{theme::muted});
   close_ = named(new QPushButton, "close_accounts");

@@ -20,7 +20,8 @@ class TotalRow;
 // selected.
 class FrmNetTradeWindow final : public QWidget {
  public:
-  FrmNetTradeWindow(frmNetTrade& form, Screen& screen);
+  // `clients`: the accounts list, whose positions are added up.
+  FrmNetTradeWindow(frmNetTrade& form, const RowList& clients, Screen& screen);
 
   RowListView& list() { return *list_; }
   RowListView& accounts() { return *accounts_; }
@@ -29,7 +30,7 @@ class FrmNetTradeWindow final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  QWidget* make_symbols(Screen& screen);
+  QWidget* make_symbols(const RowList& clients, Screen& screen);
   QWidget* make_picture(Screen& screen);
   QWidget* make_accounts(Screen& screen);
   void show_head();

@@ -10,6 +10,7 @@
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
+#include "gui/window_parts.h"
 
 namespace tutti {
 
@@ -20,14 +21,24 @@ using Column = frmPending::Column;
 const std::vector<std::size_t> numbers{Column::order_number, Column::account,   Column::amount,
                                        Column::price,        Column::stop_loss, Column::take_profit};
 
+Side side(const Row& row, std::size_t column) {
+  const std::int32_t does = column == Column::type ? frmPending::side(row) : 0;
+  return does > 0 ? Side::buy : does < 0 ? Side::sell : Side::none;
+}
+
 }  // namespace
 
 FrmPendingWindow::FrmPendingWindow(frmPending& form, Screen& screen)
     : form_(form), screen_(screen), list_(new RowListView{form.lvwPending, screen, numbers, true}) {
   list_->setObjectName(QStringLiteral("lvwPending"));
-  list_->keep_readable({"00000000", "000000", "SL/TP (00000000)", "00.00", "AUDNZD", "00000.00", "00000.00",
-                        "00000.00", "0000-00-00 00:00:00"});
-  list_->set_tip([](const Row& row) { return frmPending::note(row); });
+  list_->keep_readable({"00000000", "000000", "SL/TP (00000000)000", "00.00", "AUDNZD", "00000.00",
+                        "00000.00", "00000.00", "0000-00-00 00:00:00"});
+  list_->set_sides(side);
+  list_->set_ink([](const Row& row, std::size_t column) { return theme::side_colour(side(row, column)); });
+  list_->set_tip([](const Row& row, std::size_t) {
+    const std::string note = frmPending::note(row);
+    return frmPending::side_text(row) + (note.empty() ? "" : "\n") + note;
+  });
 
   Binder binder{screen, *this};
   auto* cancel = new QPushButton;
@@ -50,10 +61,7 @@ FrmPendingWindow::FrmPendingWindow(frmPending& form, Screen& screen)
   column->setSpacing(0);
   column->addLayout(head);
   column->addWidget(list_, 1);
-  auto* foot = new QHBoxLayout;
-  foot->setContentsMargins(10, 4, 10, 4);
-  foot->addWidget(note);
-  column->addLayout(foot);
+  column->addLayout(make_foot(note));
   setFocusProxy(list_);
 }
 

@@ -9,9 +9,11 @@
 #include "gui/binder.h"
 #include "gui/elided_label.h"
 #include "gui/list_count.h"
+#include "gui/not_connected_line.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
+#include "gui/window_parts.h"
 
 namespace tutti {
 
@@ -23,19 +25,27 @@ const std::vector<std::size_t> numbers{
     Column::ticket,    Column::account,     Column::amount,     Column::open_price, Column::current_price,
     Column::stop_loss, Column::take_profit, Column::commission, Column::interest,   Column::profit};
 
-QColor profit_ink(const Row& row, std::size_t column) {
+Side side(const Row& row, std::size_t column) {
+  if (column != Column::type) return Side::none;
+  return row.reads(column, "Buy") ? Side::buy : Side::sell;
+}
+
+QColor ink(const Row& row, std::size_t column) {
+  if (column == Column::type) return theme::side_colour(side(row, column));
   if (column != Column::profit) return {};
   return theme::profit_colour(row.cell(column).stored_number());
 }
 
 }  // namespace
 
-FrmTradeWindow::FrmTradeWindow(frmTrade& form, Screen& screen)
+FrmTradeWindow::FrmTradeWindow(frmTrade& form, const RowList& clients, Screen& screen)
     : form_(form), screen_(screen), list_(new RowListView{form.lvwOpenPos, screen, numbers, true}) {
   list_->setObjectName(QStringLiteral("lvwOpenPos"));
-  list_->set_ink(profit_ink);
-  list_->keep_readable({"00000000", "000000", "0000-00-00", "Sell", "00.00", "AUDNZD", "00000.00", "00000.00",
-                        "00000.00", "00000.00", "-00.00", "-00.00", "-00000.00"});
+  list_->set_ink(ink);
+  list_->set_money([](std::size_t at) { return at >= frmTrade::commission && at <= frmTrade::profit; });
+  list_->set_sides(side);
+  list_->keep_readable({"00000000", "000000", "0000-00-00", "Sell000", "00.00", "AUDNZD", "00000.00",
+                        "00000.00", "00000.00", "00000.00", "-00.00", "-00.00", "-00,000.00"});
 
   Binder binder{screen, *this};
   auto* all = new QCheckBox{QStringLiteral("All")};
@@ -57,10 +67,8 @@ FrmTradeWindow::FrmTradeWindow(frmTrade& form, Screen& screen)
   column->setSpacing(0);
   column->addLayout(head);
   column->addWidget(list_, 1);
-  auto* foot = new QHBoxLayout;
-  foot->setContentsMargins(10, 4, 10, 4);
-  foot->addWidget(make_summaries());
-  column->addLayout(foot);
+  column->addWidget(new NotConnectedLine{clients, screen});
+  column->addLayout(make_foot(make_summaries()));
   setFocusProxy(list_);
   // In the row's menu alone: on a key it would not be seen which row it is for.
   auto* close_this = new QAction{QStringLiteral("Close this position..."), list_};
@@ -80,6 +88,7 @@ QWidget* FrmTradeWindow::make_summaries() {
   font.setStyleHint(QFont::Monospace);
   font.setPixelSize(theme::font().pixelSize());
   line->setFont(font);
+  line->set_money(true);
   Binder{screen_, *this}.show(
       [line, &label = form_.lbmSummaries] { line->set_text(QString::fromStdString(label.text())); });
   return line;

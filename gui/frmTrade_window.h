@@ -13,7 +13,8 @@ class Screen;
 // that are ticked, or of one by its row's menu.
 class FrmTradeWindow final : public QWidget {
  public:
-  FrmTradeWindow(frmTrade& form, Screen& screen);
+  // `clients`: the accounts list, whose positions these are.
+  FrmTradeWindow(frmTrade& form, const RowList& clients, Screen& screen);
 
   RowListView& list() { return *list_; }
   // "Close Selected Positions", for the shell's command.

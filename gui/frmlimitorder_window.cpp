@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "core/numbers.h"
 #include "gui/order_accounts.h"
 #include "gui/price_sketch_view.h"
 #include "gui/quote_panel.h"
@@ -54,13 +55,24 @@ class DoubleClickFilter final : public QObject {
   bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::MouseButtonDblClick; }
 };
 
-// Green above zero, red below.
+// A typed price that lies beyond its bound has both marked. It can be sent all the same.
+void show_broken(QLineEdit& box, QLabel& sign, QLabel& bound) {
+  const bool broken =
+      !box.text().isEmpty() && breaks(read_number(box.text().toStdString()), sign.text().toStdString(),
+                                      read_number(bound.text().toStdString()));
+  set_look(box, "breaks", broken);
+  for (QLabel* label : {&sign, &bound}) {
+    set_look(*label, "warn", broken);
+    label->setToolTip(broken ? QStringLiteral("The typed price lies beyond this bound") : QString{});
+  }
+}
+
+// The colour of money, whatever the sum.
 void show_gain(QLabel& label) {
   const double gain = label.text().toDouble();
   QPalette palette = label.palette();
-  palette.setColor(QPalette::WindowText, theme::colour(gain > 0.0   ? Ink::green
-                                                       : gain < 0.0 ? Ink::red
-                                                                    : Ink::plain));
+  const QColor colour = theme::profit_colour(gain);
+  palette.setColor(QPalette::WindowText, colour.isValid() ? colour : QColor{theme::window_text});
   if (palette != label.palette()) label.setPalette(palette);
 }
 
@@ -79,7 +91,11 @@ FrmlimitorderWindow::FrmlimitorderWindow(frmlimitorder& form, const SymbolCollec
   arrange(false);
   set_tab_order(*this, {"cblimitordersymbols", "cblimiordertype", "txtlimitorderammount", "CBlimitorderdis",
                         "cmdlimiorderdis", "txtatprice", "txtsl", "txttp", "lvwConClients",
-                        "cmdsubmitlimiorder", "cmdcancel", "chkAllClients"});
+                        "cmdsubmitlimiorder", "cmdcancel", "chkAllClients", "find_account"});
+  form_.enter = [this](TextBox& box) {
+    price_boxes_.at(&box)->setFocus(Qt::OtherFocusReason);
+    price_boxes_.at(&box)->selectAll();
+  };
   binder_.show([this] {
     fit_columns();
     follow_edited();
@@ -178,9 +194,13 @@ void FrmlimitorderWindow::add_prices(QGridLayout& grid, int row) {
     grid.addWidget(box, row, 1);
     auto* condition = new QHBoxLayout;
     condition->setSpacing(4);
-    condition->addWidget(add_text(price.sign_name, price.sign, QStringLiteral("<")));
-    condition->addWidget(add_text(price.bound_name, price.bound, QStringLiteral("00000.00")), 1);
+    auto* sign = add_text(price.sign_name, price.sign, QStringLiteral("<"));
+    auto* bound = add_text(price.bound_name, price.bound, QStringLiteral("00000.00"));
+    condition->addWidget(sign);
+    condition->addWidget(bound, 1);
     grid.addLayout(condition, row, 2);
+    binder_.show([box, sign, bound] { show_broken(*box, *sign, *bound); });
+    price_boxes_[&price.box] = box;
     if (price.brings != nullptr) {
       auto* brings = add_text(price.brings_name, *price.brings, QStringLiteral("-00000.00"));
       brings->setAlignment(Qt::AlignRight | Qt::AlignVCenter);

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <cstdint>
+#include <map>
 
 #include "gui/binder.h"
 #include "orders/frmlimitorder.h"
@@ -64,6 +65,7 @@ class FrmlimitorderWindow final : public QWidget {
   QWidget* work_;  // accounts and buttons, and in a wide pane the mode line above them
   OrderAccounts* accounts_ = nullptr;
   QLineEdit* txtlimitorderammount_ = nullptr;
+  std::map<const TextBox*, QLineEdit*> price_boxes_;
   bool wide_list_ = false;
   std::int64_t edited_ = 0;  // the order or ticket whose account was gone to
 };

@@ -12,6 +12,7 @@
 #include "gui/quote_panel.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
+#include "gui/svg_icon.h"
 #include "gui/symbol_box.h"
 #include "gui/window_parts.h"
 
@@ -28,6 +29,7 @@ constexpr int button_digits = 13;
 QPushButton* make_price_button(const char* name, const char* role, PriceLabel& price) {
   auto* button = named(new QPushButton, name);
   button->setProperty("role", QString::fromLatin1(role));
+  button->setIcon(svg_icon(QString::fromLatin1(role)));
   button->setStyleSheet(QStringLiteral("QPushButton { padding: 4px 8px 26px 8px; min-height: 18px; }"));
   button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   price.setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -50,7 +52,7 @@ FrmorderWindow::FrmorderWindow(frmorder& form, const SymbolCollection& symbols, 
   trade_ = make_trade();
   arrange(false);
   set_tab_order(*this, {"cbsymbols", "txtammount", "CBdis", "cmddis", "lvwConClients", "cmdsell", "cmdbuy",
-                        "chkAllClients"});
+                        "chkAllClients", "find_account"});
 }
 
 QWidget* FrmorderWindow::make_entry(const SymbolCollection& symbols) {

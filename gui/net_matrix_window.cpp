@@ -12,6 +12,7 @@
 #include "gui/elided_label.h"
 #include "gui/empty_hint.h"
 #include "gui/frozen_column.h"
+#include "gui/not_connected_line.h"
 #include "gui/row_list_view.h"
 #include "gui/screen.h"
 #include "gui/selection_builder.h"
@@ -26,17 +27,14 @@ namespace {
 constexpr int shown_width = 110;
 constexpr int money_decimals = 2;
 
-QColor cell_ink(const Row& row, std::size_t column) {
-  return column == NetMatrix::account ? QColor{} : theme::side_colour(row.cell(column).stored_number());
-}
-
 std::string counted(std::size_t count, const std::string& what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 }  // namespace
 
-NetMatrixWindow::NetMatrixWindow(NetMatrix& form, Screen& screen) : form_(form), screen_(screen) {
+NetMatrixWindow::NetMatrixWindow(NetMatrix& form, const RowList& clients, Screen& screen)
+    : form_(form), screen_(screen) {
   // Before the list's own, so that it shows it in the same frame.
   screen.on_refresh(*this, [this] { form_.refresh(); });
   make_list();
@@ -61,6 +59,7 @@ NetMatrixWindow::NetMatrixWindow(NetMatrix& form, Screen& screen) : form_(form),
   column->addLayout(head);
   column->addWidget(list_, 1);
   column->addWidget(named(new TotalRow{*list_, screen}, "total"));
+  column->addWidget(new NotConnectedLine{clients, screen});
   screen.on_refresh(*this, [this] { follow(); });
   setFocusProxy(list_);
 }
@@ -68,7 +67,13 @@ NetMatrixWindow::NetMatrixWindow(NetMatrix& form, Screen& screen) : form_(form),
 void NetMatrixWindow::make_list() {
   list_ = named(new RowListView{form_.lvwNetMatrix, screen_, {}}, "lvwNetMatrix");
   list_->setSelectionBehavior(QAbstractItemView::SelectItems);
-  list_->set_ink(cell_ink);
+  list_->set_ink([this](const Row& row, std::size_t column) {
+    const double number = row.cell(column).stored_number();
+    return column == NetMatrix::account ? QColor{}
+           : form_.shows_profit()       ? theme::profit_colour(number)
+                                        : theme::side_colour(number);
+  });
+  list_->set_money([this](std::size_t at) { return at != NetMatrix::account && form_.shows_profit(); });
   list_->activate = [this](Row&, std::size_t) { close_selected(); };
   freeze_first_column(*list_, "Total(All Clients)");
   keep_readable();
@@ -80,8 +85,8 @@ void NetMatrixWindow::make_list() {
 
 void NetMatrixWindow::keep_readable() {
   profit_widths_ = form_.shows_profit();
-  list_->keep_readable({"", profit_widths_ ? "-000000.00" : "-0000.00"});
-  list_->set_columns_vary(profit_widths_ ? "-00000.00" : "-000.00");
+  list_->keep_readable({"", profit_widths_ ? "-000,000.00" : "-0000.00"});
+  list_->set_columns_vary(profit_widths_ ? "-00,000.00" : "-000.00");
 }
 
 // Rows come and go: what the selection stands on is known when all have.
@@ -136,6 +141,7 @@ void NetMatrixWindow::follow() {
   if (profit_widths_ != form_.shows_profit()) keep_readable();
   if (selection_changed_) take_selection();
   line_->set_text(selection_text());
+  line_->set_money(profit_widths_);
   const bool any = can_close();
   if (close_->isEnabled() != any) close_->setEnabled(any);
 }

@@ -16,7 +16,8 @@ class Screen;
 // Accounts x symbols window: a block of cells is selected and handed over to be closed.
 class NetMatrixWindow final : public QWidget {
  public:
-  NetMatrixWindow(NetMatrix& form, Screen& screen);
+  // `clients`: the accounts list, whose positions are added up.
+  NetMatrixWindow(NetMatrix& form, const RowList& clients, Screen& screen);
 
   RowListView& list() { return *list_; }
   // While something is selected that can be closed, and seen.

@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QResizeEvent>
 #include <QVBoxLayout>
 #include <utility>
@@ -21,7 +22,8 @@ namespace tutti {
 
 namespace {
 
-constexpr int one_line_head = 380;  // from this width on the filter stands beside the all-accounts box
+constexpr int one_line_head = 540;  // from this width on the filter stands beside the rest
+constexpr int find_width = 150;
 
 QColor colour_of(ShareFault fault) {
   if (fault == ShareFault::none) return {};
@@ -52,14 +54,16 @@ OrderAccounts::OrderAccounts(OrderForm form, Screen& screen)
     if (at == AccountRows::result_text) return AnswerFilter::colour(form_.answer_of(row));
     return at == AccountRows::amount ? colour_of(form_.share_fault(row)) : QColor{};
   });
-  list_->set_tip([this](const Row& row) {
+  list_->keep_sorted(AccountRows::account);
+  list_->set_tip([this](const Row& row, std::size_t at) {
+    if (at == AccountRows::account) return form_.user_names(row);
     const std::string fault{text_of(form_.share_fault(row))};
     const std::string result = row.text(AccountRows::result_text);
     return fault.empty() || result.empty() ? fault : fault + "\n" + result;
   });
   head_->setSpacing(6);
-  head_->addWidget(make_all_accounts());
   auto* filter = new AnswerFilter{form_, *list_, screen};
+  head_->addWidget(make_top(*filter));
   head_->addWidget(filter, 1);
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);
@@ -70,9 +74,9 @@ OrderAccounts::OrderAccounts(OrderForm form, Screen& screen)
   add_share_editor();
 }
 
-QWidget* OrderAccounts::make_all_accounts() {
-  auto* all = new QWidget;
-  auto* row = new QHBoxLayout{all};
+QWidget* OrderAccounts::make_top(AnswerFilter& filter) {
+  auto* top = new QWidget;
+  auto* row = new QHBoxLayout{top};
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(0);
   Binder binder{screen_, *this};
@@ -82,7 +86,35 @@ QWidget* OrderAccounts::make_all_accounts() {
   auto* caption = named(new QLabel, "LblCheck");
   binder.bind(*caption, form_.all_accounts_label);
   row->addWidget(caption, 1);
-  return all;
+  row->addWidget(make_find(filter));
+  return top;
+}
+
+QWidget* OrderAccounts::make_find(AnswerFilter& filter) {
+  auto* find = named(new QLineEdit, "find_account");
+  find->setPlaceholderText(QStringLiteral("Find account"));
+  find->setToolTip(QStringLiteral("Account number or user name. Esc shows all again."));
+  find->setClearButtonEnabled(true);
+  find->setFixedWidth(find_width);
+  // Whatever changes the text, the button that clears it too.
+  connect(find, &QLineEdit::textChanged, this, [this, &filter](const QString& text) {
+    filter.find(text.toStdString());
+    screen_.acted();
+  });
+  connect(find, &QLineEdit::returnPressed, this, [this] {
+    if (const Row* first = list_->rows().row_at(0)) list_->go_to(*first);
+    list_->setFocus(Qt::OtherFocusReason);
+    screen_.acted();
+  });
+  auto* leave = new QAction{find};
+  leave->setShortcut(Qt::Key_Escape);
+  leave->setShortcutContext(Qt::WidgetShortcut);
+  connect(leave, &QAction::triggered, this, [this, find] {
+    find->clear();
+    list_->setFocus(Qt::OtherFocusReason);
+  });
+  find->addAction(leave);
+  return find;
 }
 
 void OrderAccounts::add_share_editor() {

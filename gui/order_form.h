@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <string>
 
+#include "accounts/account_texts.h"
 #include "core/check_box.h"
 #include "core/label.h"
 #include "core/row_list.h"
@@ -34,6 +37,10 @@ struct OrderForm {
   // Of one order, in lots; 0 while it is not known.
   std::function<double()> minimum_lot;
   std::function<double()> maximum_lot;
+  // How many accounts ticking all left out, and why; empty when none.
+  std::function<std::string()> left_out;
+  // Of the account in a row; more than one with ", " between them.
+  std::function<std::string(const Row& row)> user_names;
 };
 
 // The accounts side of either order window's form, which have it under the same names.
@@ -54,7 +61,12 @@ OrderForm order_form_of(Form& form, const TextBox& total, TextBox& share_editor,
           .shares = [&form] { return form.shares(); },
           .share_fault = [&form](const Row& row) { return form.share_fault(row); },
           .minimum_lot = [&form] { return form.minimum_lot(); },
-          .maximum_lot = [&form] { return form.maximum_lot(); }};
+          .maximum_lot = [&form] { return form.maximum_lot(); },
+          .left_out = [&form] { return form.left_out_text(); },
+          .user_names =
+              [&form](const Row& row) {
+                return user_names(form.clients(), static_cast<std::int32_t>(row.key().number()));
+              }};
 }
 
 }  // namespace tutti

@@ -40,7 +40,7 @@ void Panes::make_panes(Screen& screen) {
   add("market_watch", QStringLiteral("Market watch"), "market-watch", market_watch_, &market_watch_->list());
   market_order_ = new FrmorderWindow{main_.market_order(), main_.symbols(), screen};
   add("market_order", QStringLiteral("Market order"), "market-order", market_order_, &market_order_->list());
-  trade_ = new FrmTradeWindow{main_.trade(), screen};
+  trade_ = new FrmTradeWindow{main_.trade(), main_.accounts().lvwClients, screen};
   add("trade", QString::fromUtf8(frmTrade::caption.data()), "positions", trade_, &trade_->list());
   pending_ = new FrmPendingWindow{main_.pending(), screen};
   add("pending", QStringLiteral("Pending orders"), "pending-orders", pending_, &pending_->list());
@@ -48,9 +48,9 @@ void Panes::make_panes(Screen& screen) {
   add("journal", QStringLiteral("Journal"), "journal", journal_, &journal_->list());
   entry_order_ = new FrmlimitorderWindow{main_.entry_order(), main_.symbols(), screen};
   add("entry_order", QStringLiteral("Entry order"), "entry-order", entry_order_, &entry_order_->list());
-  net_trade_ = new FrmNetTradeWindow{main_.net_trade(), screen};
+  net_trade_ = new FrmNetTradeWindow{main_.net_trade(), main_.accounts().lvwClients, screen};
   add("net_trade", QStringLiteral("Net positions"), "net-positions", net_trade_, &net_trade_->list());
-  net_matrix_ = new NetMatrixWindow{main_.net_matrix(), screen};
+  net_matrix_ = new NetMatrixWindow{main_.net_matrix(), main_.accounts().lvwClients, screen};
   add("net_matrix", QStringLiteral("Accounts x symbols"), "net-positions", net_matrix_, &net_matrix_->list());
   close_positions_ = new FrmClosePosWindow{main_.close_positions(), screen, main_.general().clock};
   add("close_positions", QStringLiteral("Close positions"), "close-positions", close_positions_,

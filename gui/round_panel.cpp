@@ -54,9 +54,10 @@ void RoundPanel::show_limits() {
 
 void RoundPanel::show_shares() {
   const Shares shares = form_.shares();
-  if (shares.counted == 0) return show_line(*shares_, "No shares yet", false);
+  std::string faults = form_.left_out();
+  if (!faults.empty()) faults.insert(0, "; ");
+  if (shares.counted == 0) return show_line(*shares_, "No shares yet" + faults, !faults.empty());
   std::string text = "Shares " + lots(shares.sum);
-  std::string faults;
   const auto add_fault = [&faults](int count, const std::string& what) {
     if (count > 0) faults += (faults.empty() ? "; " : ", ") + std::to_string(count) + what;
   };

@@ -7,9 +7,9 @@
 #include <QStyleOptionViewItem>
 #include <QTextDocument>
 #include <QToolTip>
+#include <algorithm>
 
 #include "gui/row_list_model.h"
-#include "gui/theme.h"
 
 namespace tutti {
 
@@ -39,6 +39,28 @@ QPixmap draw_box(bool checked, double scale) {
   return out;
 }
 
+// Up for a buy, down for a sale: they differ in shape, not in hue alone.
+void draw_side(QPainter& painter, const QRectF& room, Side side) {
+  const double left = room.left();
+  const double middle = room.center().y() + 0.5;
+  const double up = side == Side::buy ? -4.0 : 4.0;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(theme::side_colour(side));
+  painter.drawPolygon(QPolygonF{{{left, middle - up}, {left + 8.0, middle - up}, {left + 4.0, middle + up}}});
+  painter.restore();
+}
+
+// "-1234567.50" as "-1,234,567.50".
+std::string grouped(std::string text) {
+  std::size_t at = std::min(text.find('.'), text.size());
+  const std::size_t first = text.starts_with('-') ? 1 : 0;
+  while (at > first + 3)
+    text.insert(at -= 3, 1, ',');
+  return text;
+}
+
 const RowListModel& model_of(const QModelIndex& index) {
   return static_cast<const RowListModel&>(*index.model());
 }
@@ -62,6 +84,15 @@ std::string RowDelegate::shown_text(const Row& row, std::size_t column) const {
       out += piece.text;
   }
   return out.empty() ? row.text(column) : out;
+}
+
+TextPiece RowDelegate::painted(const Row& row, std::size_t column) const {
+  const Cell& cell = row.cell(column);
+  const bool is_money = money && cell.is_number() && money(column);
+  std::string text = is_money ? grouped(cell.text()) : cell.text();
+  if (is_money && text.starts_with('-')) return {std::move(text), QColor{theme::loss}};
+  const QColor own = ink ? ink(row, column) : QColor{};
+  return {std::move(text), own.isValid() ? own : theme::colour(cell.ink())};
 }
 
 int RowDelegate::text_width(std::string_view text) const {
@@ -99,17 +130,19 @@ void RowDelegate::paint_cell(QPainter& painter, const QRect& cell, const Shown& 
   if (box && column == box_column) {
     if (const auto checked = box(*shown.row)) paint_tick(painter, cell, *checked);
   }
-  const Cell& content = shown.row->cell(column);
-  const QColor own = ink ? ink(*shown.row, column) : QColor{};
-  const QColor colour = own.isValid() ? own : theme::colour(content.ink());
+  const std::vector<TextPiece> parts = pieces ? pieces(*shown.row, column) : std::vector<TextPiece>{};
+  const TextPiece whole = painted(*shown.row, column);
   GlyphText& text = is_head(shown.row) ? bold_ : text_;
   QRectF room = text_box(cell, column, shown.ticks);
-  const std::vector<TextPiece> parts = pieces ? pieces(*shown.row, column) : std::vector<TextPiece>{};
-  if (parts.empty() && !content.empty())
-    text.draw(painter, room, content.text(), is_number(static_cast<int>(column)), colour);
+  if (const Side of = side ? side(*shown.row, column) : Side::none; of != Side::none) {
+    draw_side(painter, room, of);
+    room.setLeft(room.left() + side_width);
+  }
+  if (parts.empty() && !whole.text.empty())
+    text.draw(painter, room, whole.text, is_number(static_cast<int>(column)), whole.colour);
   for (const TextPiece& part : parts) {
     if (room.width() <= 0.0) break;
-    text.draw(painter, room, part.text, false, part.colour.isValid() ? part.colour : colour);
+    text.draw(painter, room, part.text, false, part.colour.isValid() ? part.colour : whole.colour);
     room.setLeft(room.left() + text.width(part.text));
   }
 }
@@ -135,12 +168,12 @@ bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QS
                             const QModelIndex& index) {
   if (event->type() != QEvent::ToolTip || !index.isValid()) return false;
   const Row* row = model_of(index).row_at(index.row());
-  std::string text = row != nullptr && tip ? tip(*row) : std::string{};
+  const auto column = static_cast<std::size_t>(index.column());
+  std::string text = row != nullptr && tip ? tip(*row, column) : std::string{};
   if (row != nullptr && text.empty()) {
-    text = shown_text(*row, static_cast<std::size_t>(index.column()));
-    if (text_.width(text) <=
-        text_box(view->visualRect(index), static_cast<std::size_t>(index.column()), model_of(index).ticks())
-            .width())
+    text = shown_text(*row, column);
+    if (text == row->text(column)) text = painted(*row, column).text;
+    if (text_.width(text) <= text_box(view->visualRect(index), column, model_of(index).ticks()).width())
       text.clear();
   }
   QToolTip::showText(event->globalPos(),

@@ -11,6 +11,7 @@
 
 #include "core/row.h"
 #include "gui/glyph_text.h"
+#include "gui/theme.h"
 
 namespace tutti {
 
@@ -26,6 +27,8 @@ class RowDelegate final : public QAbstractItemDelegate {
  public:
   // Width of the check box with the room around it.
   static constexpr int tick_width = 26;
+  // Of the arrow of a side, with the room behind it.
+  static constexpr int side_width = 13;
 
   RowDelegate();
 
@@ -35,11 +38,16 @@ class RowDelegate final : public QAbstractItemDelegate {
   // row's is checked; a row without one answers nothing.
   std::size_t box_column = 0;
   std::function<std::optional<bool>(const Row& row)> box;
-  // What is shown while the mouse rests on a row, unless it is empty.
-  std::function<std::string(const Row& row)> tip;
+  // What is shown while the mouse rests on a cell, unless it is empty.
+  std::function<std::string(const Row& row, std::size_t column)> tip;
   // Pieces that are painted one behind the other in place of a cell's text, in columns that are not of
   // numbers; none leave the cell its own.
   std::function<std::vector<TextPiece>(const Row& row, std::size_t column)> pieces;
+  // Columns of money, whose numbers are painted with "," between thousands, and in one colour while they are
+  // below 0. On the screen only: whoever reads, copies or exports a cell gets its text.
+  std::function<bool(std::size_t column)> money;
+  // What an arrow in front of a cell's text shows.
+  std::function<Side(const Row& row, std::size_t column)> side;
   // Whether a row is the head of those below it: bold, on a ground of its own.
   std::function<bool(const Row& row)> head;
 
@@ -52,6 +60,8 @@ class RowDelegate final : public QAbstractItemDelegate {
   }
   // What a cell reads on the screen.
   std::string shown_text(const Row& row, std::size_t column) const;
+  // What is painted of a cell that is not made of pieces.
+  TextPiece painted(const Row& row, std::size_t column) const;
   // Room that a text takes with its padding.
   int text_width(std::string_view text) const;
 

@@ -39,6 +39,11 @@ void RowListModel::set_filter(Filter filter, Asked asked) {
   show(wanted());
 }
 
+void RowListModel::keep_sorted(int column) {
+  sort(column, Qt::AscendingOrder);
+  keeps_sorted_ = true;
+}
+
 void RowListModel::sort(int column, Qt::SortOrder order) {
   settle();
   sort_column_ = column;
@@ -46,6 +51,7 @@ void RowListModel::sort(int column, Qt::SortOrder order) {
   in_order_ = column >= 0;
   ordered_stamp_ = list_.stamp();
   ordered_structure_ = list_.structure_stamp();
+  keeps_sorted_ = false;
   Rows rows;
   if (column < 0) {
     rows = wanted();
@@ -76,7 +82,7 @@ void RowListModel::check_order(int first, int last) {
   ordered_structure_ = list_.structure_stamp();
 }
 
-// While sorted, the rows that are shown keep their order and new ones follow.
+// While sorted once, the rows that are shown keep their order and new ones follow.
 RowListModel::Rows RowListModel::wanted() {
   Rows rows;
   rows.reserve(list_.size());
@@ -89,6 +95,10 @@ RowListModel::Rows RowListModel::wanted() {
   }
   asked_stamp_ = list_.stamp();
   if (sort_column_ < 0) return rows;
+  if (keeps_sorted_) {
+    sort_rows(rows, static_cast<std::size_t>(sort_column_), false);
+    return rows;
+  }
   const RowSet there(rows.begin(), rows.end());
   Rows ordered;
   ordered.reserve(rows.size());

@@ -44,8 +44,11 @@ class RowListModel final : public QAbstractTableModel {
   void sort(int column, Qt::SortOrder order) override;
   // The same as before once more, for what the operator does that lets other rows in.
   void sort_again() {
-    if (sort_column_ >= 0) sort(sort_column_, sort_order_);
+    if (sort_column_ >= 0 && !keeps_sorted_) sort(sort_column_, sort_order_);
   }
+  // Until the next sort the rows stand by what a column holds, upwards, and new ones among them; for a column
+  // whose values never change.
+  void keep_sorted(int column);
   int sort_column() const { return sort_column_; }
   // Whether the rows still stand as they were sorted last. Those from place `first` to `last` are looked at
   // with every call, all of them when rows have come or been let in, and else now and then: positions change
@@ -88,6 +91,7 @@ class RowListModel final : public QAbstractTableModel {
   std::uint64_t ordered_stamp_ = 0;      // of the list when all rows were seen to be in order
   std::uint64_t ordered_structure_ = 0;  // and which rows there were
   unsigned order_checks_ = 0;
+  bool keeps_sorted_ = false;
   Rows shown_;
   int columns_ = 0;
   std::uint64_t seen_structure_ = 0;

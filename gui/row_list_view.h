@@ -54,19 +54,28 @@ class RowListView final : public QTableView {
   void set_ink(std::function<QColor(const Row& row, std::size_t column)> ink) {
     delegate_.ink = std::move(ink);
   }
-  // What is shown while the mouse rests on a row, instead of what its cell has no room for.
-  void set_tip(std::function<std::string(const Row& row)> tip) { delegate_.tip = std::move(tip); }
+  // What is shown while the mouse rests on a cell, instead of what it has no room for.
+  void set_tip(std::function<std::string(const Row& row, std::size_t column)> tip) {
+    delegate_.tip = std::move(tip);
+  }
 
   // Boxes that are not the rows' ticks; see RowDelegate.
   void set_boxes(std::size_t column, std::function<std::optional<bool>(const Row& row)> box) {
     delegate_.box_column = column;
     delegate_.box = std::move(box);
   }
+  // Columns of money, and buys and sales; see RowDelegate.
+  void set_money(std::function<bool(std::size_t column)> money) { delegate_.money = std::move(money); }
+  void set_sides(std::function<Side(const Row& row, std::size_t column)> side) {
+    delegate_.side = std::move(side);
+  }
   // Texts in several colours, and rows that head those below them; see RowDelegate.
   void set_pieces(std::function<std::vector<TextPiece>(const Row& row, std::size_t column)> pieces) {
     delegate_.pieces = std::move(pieces);
   }
   void set_heads(std::function<bool(const Row& row)> head) { delegate_.head = std::move(head); }
+  // Sorted by a column from the start; see RowListModel.
+  void keep_sorted(int column) { model_.keep_sorted(column); }
   // Whether a click on a header sorts; not in lists whose rows belong to the row above them.
   void set_sortable(bool sortable);
   // Columns come and go with the list's contents. All are of numbers, those beyond keep_readable have room

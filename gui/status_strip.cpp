@@ -4,6 +4,7 @@
 #include <QProgressBar>
 
 #include "gui/elided_label.h"
+#include "gui/not_connected_line.h"
 #include "gui/screen.h"
 #include "gui/theme.h"
 #include "shell/Main.h"
@@ -33,7 +34,9 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   setContentsMargins(8, 0, 8, 0);
   totals_ = new ElidedLabel{this};
   totals_->setObjectName(QStringLiteral("totals"));
+  totals_->set_money(true);
   addWidget(totals_, 1);
+  addPermanentWidget(new NotConnectedLine{main.accounts().lvwClients, screen});
   warning_ = add_label(*this, QStringLiteral("warning"));
   warning_->setProperty("warn", true);
   waiting_ = add_label(*this, QStringLiteral("waiting"));

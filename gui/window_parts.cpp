@@ -1,6 +1,7 @@
 #include "gui/window_parts.h"
 
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QStyle>
 
@@ -24,10 +25,21 @@ QLabel* make_line(const char* name) {
 void show_line(QLabel& line, const std::string& text, bool warn) {
   const QString wanted = QString::fromStdString(text);
   if (line.text() != wanted) line.setText(wanted);
-  if (line.property("warn").toBool() == warn) return;
-  line.setProperty("warn", warn);
-  line.style()->unpolish(&line);
-  line.style()->polish(&line);
+  set_look(line, "warn", warn);
+}
+
+void set_look(QWidget& widget, const char* property, bool on) {
+  if (widget.property(property).toBool() == on) return;
+  widget.setProperty(property, on);
+  widget.style()->unpolish(&widget);
+  widget.style()->polish(&widget);
+}
+
+QLayout* make_foot(QWidget* widget) {
+  auto* foot = new QHBoxLayout;
+  foot->setContentsMargins(10, 4, 10, 4);
+  foot->addWidget(widget);
+  return foot;
 }
 
 void set_tab_order(const QWidget& window, std::initializer_list<const char*> names) {

@@ -6,6 +6,7 @@
 
 class QComboBox;
 class QLabel;
+class QLayout;
 class QWidget;
 
 // Small pieces that several windows are put together from.
@@ -23,6 +24,12 @@ QComboBox* make_combo(const char* name);
 // A line of plain text that is as high as its words need it, and its text, which may be a warning.
 QLabel* make_line(const char* name);
 void show_line(QLabel& line, const std::string& text, bool warn);
+
+// A layout of one widget with room around it, as at the foot of a window.
+QLayout* make_foot(QWidget* widget);
+
+// Sets a property that the style sheet goes by.
+void set_look(QWidget& widget, const char* property, bool on);
 
 // Tab goes through the widgets of these names in this order.
 void set_tab_order(const QWidget& window, std::initializer_list<const char*> names);

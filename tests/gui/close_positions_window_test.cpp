@@ -269,7 +269,7 @@ TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
   EXPECT_EQ(rig.painted(late, action), "Close At 1.0902  -  Trading is closed");
   EXPECT_NE(list_csv(rig.list).find(",Close At 1.0902  -  Trading is closed\n"), std::string::npos);
   EXPECT_EQ(rig.painted(5 - late, action), "Close At 1.0902  -  No Privilege");
-  EXPECT_EQ(rig.list.delegate().tip(*rig.list.rows().row_at(late)), "Trading is closed");
+  EXPECT_EQ(rig.list.delegate().tip(*rig.list.rows().row_at(late), 3), "Trading is closed");
   for (const int place : {1, 2, 4, 5})
     EXPECT_EQ(ink(place), theme::colour(Ink::red));
 

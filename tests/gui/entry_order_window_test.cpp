@@ -118,6 +118,7 @@ TEST(EntryOrderWindow, BoundsAndSketchFollowTheLastDigit) {
   rig.keys("2");
   EXPECT_EQ(rig.line("lblpricecondition") + rig.line("lblslcondition") + rig.line("lbltpcondition"), "<<>");
   EXPECT_NEAR(std::stod(rig.line("lblslbound")) - std::stod(before), 1e-5, 1e-9);
+  EXPECT_EQ(rig.line("lblcondition").size(), full.size());
 
   // What the stops bring needs the amount, and has its colour.
   rig.type("txtlimitorderammount", "1");
@@ -146,6 +147,44 @@ TEST(EntryOrderWindow, BoundsAndSketchFollowTheLastDigit) {
   rig.type("txtatprice", "1");
   EXPECT_EQ(rig.mark(Kind::entry).beyond, -1);
   EXPECT_NEAR(rig.mark(Kind::ask).line, ask, 30.0);
+}
+
+TEST(EntryOrderWindow, ABrokenBoundIsMarkedAndARefusedPriceEntered) {
+  EntryWindowRig rig{2};
+  // Which of at-price, stop loss and take profit is marked.
+  const auto marked = [&] {
+    std::string out;
+    for (const auto& [box, bound] :
+         {std::pair{"txtatprice", "lblcondition"}, {"txtsl", "lblslbound"}, {"txttp", "lbltpbound"}}) {
+      const bool warned = rig.find(bound).property("warn").toBool();
+      EXPECT_EQ(rig.find(box).property("breaks").toBool(), warned);
+      out += warned ? 'x' : '-';
+    }
+    return out;
+  };
+  rig.enter();
+  EXPECT_EQ(marked(), "---");
+  rig.type("txtatprice", rig.price(500));
+  EXPECT_EQ(marked(), "x--");
+  rig.type("txtatprice", rig.price(-500));
+  rig.type("txtsl", rig.price(-499));
+  rig.type("txttp", rig.price(-501));
+  EXPECT_EQ(marked(), "-xx");
+  const auto entered = [&] {
+    rig.find("cmdsubmitlimiorder").setFocus();
+    rig.window.submit();
+    return rig.window.focusWidget()->objectName().toStdString();
+  };
+  EXPECT_EQ(entered(), "txtsl");
+  EXPECT_EQ(rig.asked(), Texts{"Invalid Price"});
+  rig.keys(rig.price(-900));
+  EXPECT_EQ(rig.boxes(), "0.2/" + rig.price(-500) + "/" + rig.price(-900) + "/" + rig.price(-501) + "/");
+  EXPECT_EQ(marked(), "--x");
+  EXPECT_EQ(entered(), "txttp");
+  rig.keys(rig.price(-100));
+  EXPECT_EQ(marked(), "---");
+  EXPECT_EQ(entered(), "cmdsubmitlimiorder");
+  EXPECT_EQ(rig.asked(), Texts{});
 }
 
 TEST(EntryOrderWindow, SubmitSendsOnce) {
@@ -211,7 +250,7 @@ TEST(EntryOrderWindow, WhatStandsInTheEditorIsSent) {
   rig.window.submit();
   rig.run(2s);
   ASSERT_EQ(rig.orders().size(), 3U);
-  const std::string edited = rig.form.lvwConClients.row(0).text(0);
+  const std::string edited = rig.list().rows().row_at(0)->text(0);
   for (const Row& row : rig.orders())
     EXPECT_EQ(row.text(frmPending::amount), row.text(frmPending::account) == edited ? "0.3" : "0.1");
 }

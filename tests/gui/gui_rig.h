@@ -142,7 +142,13 @@ inline void double_click_cell(RowListView& view, int place, int column) {
   QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, cell_point(view, place, column));
 }
 
-// The texts of a column as they are shown, from the top.
+// The texts of a column in the list's own order, and as they are shown, from the top.
+inline Texts texts_of(const RowList& list, std::size_t column) {
+  Texts out;
+  for (const Row& row : list)
+    out.push_back(row.text(column));
+  return out;
+}
 inline Texts shown(const RowListModel& model, std::size_t column) {
   Texts out;
   for (int place = 0; place < model.rowCount(); ++place)

@@ -186,6 +186,29 @@ TEST_F(DesktopTest, PanesBehindTabsRestAndCatchUpInFront) {
   EXPECT_EQ(window->panes().net_trade().list().model()->rowCount(), 1);
 }
 
+TEST_F(DesktopTest, TheHeaderCountsTheTicksOfTheOrderWindowInFront) {
+  rig.main().market_order().chkAllClients.click();
+  rig.main().entry_order().lvwConClients.row(0).set_checked(true);
+  const std::string all = "Ticked " + std::to_string(rig.main().market_order().lvwConClients.checked_count());
+  const auto ticked = [&] {
+    rig.run(1ms);
+    return part<QLabel>(*window, "ticked").text().toStdString();
+  };
+  to_front("market_order");
+  EXPECT_EQ(ticked(), all);
+  to_front("entry_order");
+  EXPECT_EQ(ticked(), "Ticked 1");
+  // In another pane it is the one in sight; with both in sight, the one worked in last.
+  to_front("journal");
+  EXPECT_EQ(ticked(), "Ticked 1");
+  dock("market_order").raise();
+  EXPECT_EQ(ticked(), all);
+  dock("entry_order").setFloating(true);
+  to_front("entry_order");
+  to_front("journal");
+  EXPECT_EQ(ticked(), "Ticked 1");
+}
+
 TEST_F(DesktopTest, TheKeyboardLeavesAPaneThatGoesBehindAnother) {
   to_front("close_positions");
   part(window->panes().close_positions(), "LblCheck").setFocus();

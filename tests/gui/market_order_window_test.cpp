@@ -5,6 +5,7 @@
 #include <QWheelEvent>
 
 #include "core/numbers.h"
+#include "core/texts.h"
 #include "gui/frmMW_window.h"
 #include "gui/frmorder_window.h"
 #include "gui/price_label.h"
@@ -43,13 +44,13 @@ struct OrderWindowRig : GuiRig {
       out += find(name).isEnabled() ? caption(name)[0] : '-';
     return out;
   }
-  // "side lots" of every account's positions, in the order of the list.
+  // "side lots" of every account's positions, as the list is sorted.
   Texts positions() {
     Texts out;
-    for (const Row& account : form.lvwConClients) {
+    for (const std::string& account : sorted(texts_of(form.lvwConClients, 0))) {
       out.emplace_back();
       for (const Row& row : main().trade().lvwOpenPos)
-        if (row.text(frmTrade::account) == account.text(0))
+        if (row.text(frmTrade::account) == account)
           out.back() += row.text(frmTrade::type) + " " + row.text(frmTrade::amount);
     }
     return out;
@@ -152,6 +153,7 @@ TEST(MarketOrderWindow, FiltersFollowTheAnswers) {
   rig.click("chkAllClients");
   EXPECT_EQ(filter("filter_ticked"), 59);
   EXPECT_EQ(filter("filter_refused"), 1);
+  EXPECT_EQ(rig.line("shares_line"), "No shares yet; 1 left out (No Balance)");
   rig.click("cmddis");
   EXPECT_EQ(filter("filter_waiting"), 0);
   rig.click("cmdsell");
@@ -183,6 +185,51 @@ TEST(MarketOrderWindow, WhatStandsInTheEditorIsSentAndGivenUpByANewDistribution)
   rig.window.distribute();
   EXPECT_FALSE(rig.find("txtLvw").isVisible());
   EXPECT_EQ(shown(rig.list().rows(), frmorder::amount), Texts(4, "0.1"));
+}
+
+// Accounts log in in any order.
+TEST(MarketOrderWindow, AccountsStandByTheirNumberAndAreFound) {
+  OrderWindowRig rig{12};
+  const Texts own = texts_of(rig.form.lvwConClients, 0);
+  const auto listed = [&] { return shown(rig.list().rows(), 0); };
+  EXPECT_NE(own, sorted(own));
+  EXPECT_EQ(listed(), sorted(own));
+  rig.terminal.server.drop(500'103);
+  rig.run(1s);
+  rig.main().accounts().LoginClient(rig.terminal.client(500'103).key());
+  rig.run(2s);
+  EXPECT_EQ(listed(), sorted(own));
+  const Row& row = *rig.list().rows().row_at(3);
+  const std::string user = rig.terminal.client(500'103).text(frmMain::user_name);
+  EXPECT_EQ(rig.list().delegate().tip(row, 0), user);
+  EXPECT_NE(rig.list().delegate().tip(row, 1), user);
+
+  rig.form.chkAllClients.click();
+  auto& find = rig.find<QLineEdit>("find_account");
+  find.setFocus();
+  Texts of_user;
+  for (const std::string& account : sorted(own))
+    if (rig.terminal.client(std::stoi(account)).text(frmMain::user_name) == user) of_user.push_back(account);
+  for (const auto& [typed, found] :
+       {std::pair{std::string{"0103"}, Texts{"500103"}}, {folded(user.substr(1)), of_user}}) {
+    find.setFocus();
+    find.selectAll();
+    rig.keys(typed);
+    EXPECT_EQ(listed(), found);
+    EXPECT_EQ(rig.line("answers_line"), "Nothing sent in this round; " + std::to_string(12 - found.size()) +
+                                            " ticked accounts are not shown");
+  }
+  rig.key(Qt::Key_Return);
+  EXPECT_EQ(rig.window.focusWidget(), &rig.list());
+  find.setFocus();
+  rig.key(Qt::Key_Escape);
+  // The order the operator asks for.
+  for (const bool downwards : {true, false}) {
+    click_header(rig.list(), 0);
+    Texts wanted = sorted(own);
+    std::reverse(wanted.begin(), wanted.end());
+    EXPECT_EQ(listed(), downwards ? wanted : texts_of(rig.form.lvwConClients, 0));
+  }
 }
 
 TEST(MarketOrderWindow, PricesFollowTheSymbol) {

@@ -71,6 +71,13 @@ TEST_F(NetTradeTest, ASymbolShowsItsAccountsAndHandsThemOver) {
   hold_some();
   EXPECT_EQ(shown(list.rows(), frmNetTrade::symbol), (Texts{"EURUSD", "GBPUSD"}));
 
+  auto& missing = part<ElidedLabel>(window, "not_connected");
+  EXPECT_FALSE(missing.isVisible());
+  rig.terminal.server.drop(500'100);
+  rig.run(1s);
+  EXPECT_TRUE(missing.isVisible());
+  EXPECT_EQ(missing.text(), QStringLiteral("1 account is not connected; what it holds is not in this view"));
+
   click_cell(list, 0, frmNetTrade::net);
   EXPECT_EQ(shown(accounts.rows(), frmNetTrade::account), (Texts{"1", "2"}));
   double_click_cell(accounts, 1, frmNetTrade::of_net);
@@ -275,6 +282,14 @@ TEST_F(MatrixTest, ProfitInsteadOfLots) {
   EXPECT_EQ(line(), "1 account, 1 symbol, P/L 7.00");
   EXPECT_EQ(list_csv(list),
             "Account,Total,EURUSD,GBPUSD\n1,10.00,10.00,\n2,5.50,-1.50,7.00\n3,-1.25,,-1.25\n");
+  // Thousands are told apart on the screen alone.
+  hold(3, "GBPUSD", 1.0, -1234567.0);
+  rig.run(0ms);
+  const Row& row = *list.rows().row_at(2);
+  const TextPiece painted = list.delegate().painted(row, gbp);
+  EXPECT_EQ(painted.text + " " + row.text(gbp), "-1,234,568.25 -1234568.25");
+  EXPECT_EQ(painted.colour, QColor{theme::loss});
+  EXPECT_EQ(list.delegate().painted(row, NetMatrix::account).text, "3");
 }
 
 }  // namespace

@@ -44,6 +44,14 @@ TEST_F(TradeTest, TickedPositionsAreClosed) {
   rig.run(2s);
   const Texts tickets = shown(list.rows(), frmTrade::ticket);
   ASSERT_EQ(tickets.size(), 4u);
+  // Money below 0 looks alike wherever it stands.
+  Row& first = *list.rows().row_at(0);
+  EXPECT_EQ(list.delegate().side(first, frmTrade::type), Side::buy);
+  for (const std::size_t column : {frmTrade::commission, frmTrade::interest, frmTrade::profit}) {
+    first.set_fixed(column, -12345.5, 2);
+    EXPECT_EQ(list.delegate().painted(first, column).text, "-12,345.50");
+    EXPECT_EQ(list.delegate().painted(first, column).colour, QColor{theme::loss});
+  }
 
   click_tick(list, 1);
   click_tick(list, 2);
@@ -135,6 +143,34 @@ TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
   form.Removeorder(7002, 500102);
   rig.run(50ms);
   EXPECT_EQ(note(), "");
+}
+
+TEST_F(PendingTest, EveryRowShowsWhetherItBuysOrSells) {
+  struct Case {
+    const char* kind;
+    std::int32_t operation;
+    Side side;
+    const char* tip;
+  };
+  const Case cases[] = {
+      {"LO", operation::buy, Side::buy, "Buy limit"},
+      {"LO", operation::sell_stop, Side::sell, "Sell stop"},
+      {"OP", operation::sell, Side::sell, "Sell at market"},
+      {"CP", operation::buy, Side::sell, "Sell, closes a bought position"},
+      {"ST", operation::buy, Side::buy, "Buy, SL/TP of a sold position"},
+      {"LO", 0, Side::none, ""},
+  };
+  for (const Case& c : cases) {
+    form.AddOrder(
+        {.order = 7001, .account = 500101, .kind = c.kind, .operation = c.operation, .symbol = "EURUSD"});
+    const Row& row = form.lvwPending.row(0);
+    const RowDelegate& look = list.delegate();
+    EXPECT_EQ(look.side(row, frmPending::type), c.side) << c.tip;
+    EXPECT_EQ(look.side(row, frmPending::amount), Side::none);
+    EXPECT_EQ(look.tip(row, frmPending::amount), c.tip);
+    const QColor own = theme::side_colour(c.side);
+    EXPECT_EQ(look.painted(row, frmPending::type).colour, own.isValid() ? own : QColor{theme::text});
+  }
 }
 
 TEST_F(PendingTest, AnOrderIsEditedAndCancelled) {
