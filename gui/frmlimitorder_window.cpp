@@ -32,7 +32,7 @@ constexpr int wide_list = 500;
 // Heights without the sketch, and those from which on there is room for it.
 constexpr int lowest = 510;
 constexpr int lowest_side_by_side = 340;
-constexpr int sketch_from = 564;
+constexpr int sketch_from = 660;
 constexpr int mode_line = 42;  // what the line above takes while something is edited
 constexpr int sketch_from_side_by_side = 412;
 

@@ -13,6 +13,8 @@ namespace tutti {
 
 namespace {
 
+constexpr int least_missing = 200;
+
 QLabel* add_label(QStatusBar& bar, const QString& name) {
   auto* label = new QLabel{&bar};
   label->setObjectName(name);
@@ -36,7 +38,8 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   totals_->setObjectName(QStringLiteral("totals"));
   totals_->set_money(true);
   addWidget(totals_, 1);
-  addPermanentWidget(new NotConnectedLine{main.accounts().lvwClients, screen});
+  missing_ = new NotConnectedLine{main.accounts().lvwClients, screen};
+  addPermanentWidget(missing_);
   warning_ = add_label(*this, QStringLiteral("warning"));
   warning_->setProperty("warn", true);
   waiting_ = add_label(*this, QStringLiteral("waiting"));
@@ -53,7 +56,15 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   screen.on_refresh(*this, [this] { refresh(); });
 }
 
+// The totals are whole as long as the other line keeps its beginning.
+void StatusStrip::share_room() {
+  if (missing_->isHidden()) return;
+  const int both = totals_->width() + missing_->width();
+  missing_->setMaximumWidth(std::max(least_missing, both - totals_->sizeHint().width()));
+}
+
 void StatusStrip::refresh() {
+  share_room();
   refresh_connections();
   const frmMdiNew& form = main_.window();
   if (form.stamp() == shown_) return;

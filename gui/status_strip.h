@@ -10,6 +10,7 @@ namespace tutti {
 
 class ElidedLabel;
 class Main;
+class NotConnectedLine;
 class Screen;
 
 // Status bar of the main window: totals of all accounts, what the command-bar controls of the connection say,
@@ -19,12 +20,14 @@ class StatusStrip final : public QStatusBar {
   StatusStrip(Main& main, Screen& screen);
 
  private:
+  void share_room();
   void refresh();
   void refresh_connections();
 
   Main& main_;
   std::uint64_t shown_ = ~std::uint64_t{0};  // stamp of the main window's state on show
   ElidedLabel* totals_;
+  NotConnectedLine* missing_;
   QLabel* warning_;
   QLabel* waiting_;
   QLabel* connected_control_;
