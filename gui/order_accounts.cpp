@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QResizeEvent>
@@ -106,15 +107,17 @@ QWidget* OrderAccounts::make_find(AnswerFilter& filter) {
     list_->setFocus(Qt::OtherFocusReason);
     screen_.acted();
   });
-  auto* leave = new QAction{find};
-  leave->setShortcut(Qt::Key_Escape);
-  leave->setShortcutContext(Qt::WidgetShortcut);
-  connect(leave, &QAction::triggered, this, [this, find] {
-    find->clear();
-    list_->setFocus(Qt::OtherFocusReason);
-  });
-  find->addAction(leave);
+  find->installEventFilter(this);
   return find;
+}
+
+// Of the find box, which Esc leaves.
+bool OrderAccounts::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
+    return false;
+  static_cast<QLineEdit*>(watched)->clear();
+  list_->setFocus(Qt::OtherFocusReason);
+  return true;
 }
 
 void OrderAccounts::add_share_editor() {

@@ -23,6 +23,7 @@ class OrderAccounts final : public QWidget {
   bool hasHeightForWidth() const override { return false; }
 
  protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
