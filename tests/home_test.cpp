@@ -31,24 +31,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(SavedLists, AreThereForTheOperatorOnly) {
-  const TemporaryFolder folder;
-  folder.write("manage/savelvinfo.buf", "ann,secret,5");
-  fs::permissions(folder.path() / "manage/savelvinfo.buf", fs::perms{0644});
-  fs::permissions(folder.path() / "manage", fs::perms{0755});
-  const Paths paths{folder.path()};
-  const TextFile files{paths};
-  const SavedLists lists{files, paths};
-  const mode_t mask = ::umask(0);
-  ASSERT_TRUE(lists.append(lists.all(), {"bob", "secret", 6}));
-  ASSERT_TRUE(lists.update(lists.connected(), {"bob", "secret", 6}));
-  ::umask(mask);
-  EXPECT_EQ(folder.read("manage/savelvinfo.buf"), "ann,secret,5\nbob,secret,6\n");
-  for (const auto& [name, mode] : {std::pair{"manage", 0700u}, std::pair{"manage/savelvinfo.buf", 0600u},
-                                   std::pair{"manage/saveconnected.buf", 0600u}})
-    EXPECT_EQ(static_cast<unsigned>(fs::status(folder.path() / name).permissions()), mode) << name;
-}
-
 TEST(FileWriter, AnAppendThatFindsNoRoomLeavesNoHalfLine) {
   const TemporaryFolder folder;
   folder.write("list", "one\n");

@@ -114,24 +114,6 @@ TEST_F(AccountsWindowTest, OfServersThatReadAlikeThePickedOneIsTaken) {
   }
 }
 
-TEST_F(AccountsWindowTest, TheAccountDialogIsLeftByEsc) {
-  FrmaccountWindow& dialog = desktop.window.account_dialog();
-  click_cell(view, 2, frmMain::account);
-  form.edit_account();
-  rig.run(10ms);
-  ASSERT_TRUE(dialog.isVisible());
-  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Edit account"));
-  auto* password = &part<QLineEdit>(dialog, "txtpassword");
-  EXPECT_FALSE(password->text().isEmpty());
-  EXPECT_EQ(password->displayText().count(QLatin1Char{'B'}), 0);
-  type("1");
-  press(Qt::Key_Escape);
-  EXPECT_FALSE(form.account_dialog().Displayed());
-  EXPECT_FALSE(dialog.isVisible());
-  EXPECT_TRUE(password->text().isEmpty());
-  EXPECT_EQ(form.lvwClients.row(2).text(frmMain::account), "500102");
-}
-
 TEST_F(AccountsWindowTest, NotesAreEditedInTheList) {
   double_click_cell(view, 1, frmMain::notes);
   type("first ");

@@ -7,7 +7,6 @@
 #include <QScrollBar>
 
 #include "gui/elided_label.h"
-#include "gui/exposure_bars.h"
 #include "gui/frmNetTrade_window.h"
 #include "gui/list_text.h"
 #include "gui/net_matrix_window.h"
@@ -61,7 +60,6 @@ struct NetTradeTest : NetTest {
   FrmNetTradeWindow& window = desktop.panes().net_trade();
   RowListView& list = window.list();
   RowListView& accounts = window.accounts();
-  ExposureBars& bars = part<ExposureBars>(window, "exposure_bars");
   TotalRow& total = part<TotalRow>(window, "total");
   QWidget& close = part(window, "close_accounts");
 };
@@ -96,78 +94,6 @@ TEST_F(NetTradeTest, ASymbolShowsItsAccountsAndHandsThemOver) {
   QTest::keyClick(&accounts, Qt::Key_A, Qt::ControlModifier);
   QTest::mouseClick(&close, Qt::LeftButton);
   EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {2, 3}}}));
-}
-
-TEST_F(NetTradeTest, BarsShareOneScaleAndAClickSelects) {
-  hold_some();
-  // EURUSD -0.5, GBPUSD 1.5 net: from one zero line, to one scale.
-  const QRect sold = bars.net_box(0);
-  const QRect bought = bars.net_box(1);
-  EXPECT_EQ(sold.right() + 1, bought.left());
-  EXPECT_NEAR(bought.width(), 3 * sold.width(), 3);
-  EXPECT_GT(sold.width(), 10);
-
-  QTest::mouseClick(&bars, Qt::LeftButton, {}, bars.row_box(1).center());
-  EXPECT_EQ(form.picked(), "GBPUSD");
-  EXPECT_TRUE(bars.bars()[1].selected);
-  // Sorted the other way round, the bars go with their rows.
-  for (int click = 0; click < 2; ++click)
-    click_header(list, 0);
-  rig.screen.acted();
-  EXPECT_EQ(bars.bars()[0].name, QStringLiteral("GBPUSD"));
-  QTest::mouseClick(&bars, Qt::LeftButton, {}, bars.row_box(1).center());
-  EXPECT_EQ(form.picked(), "EURUSD");
-
-  for (int symbol = 0; symbol < 30; ++symbol)
-    hold(1, ("SYM" + std::to_string(symbol)).c_str(), 1.0, 0.0);
-  rig.run(0ms);
-  EXPECT_TRUE(bars.rect().contains(bars.row_box(31)));
-}
-
-TEST_F(NetTradeTest, TheTotalStaysBelowItsColumns) {
-  EXPECT_EQ(total.row(), nullptr);
-  hold_some();
-  ASSERT_NE(total.row(), nullptr);
-  EXPECT_EQ(total.row()->text(frmNetTrade::bought), "4.5");
-  EXPECT_EQ(list.rows().rowCount(), 2);
-
-  list.horizontalHeader()->resizeSection(frmNetTrade::bought, 400);
-  list.horizontalHeader()->moveSection(1, 4);
-  QCoreApplication::processEvents();
-  auto& bar = *total.findChild<QScrollBar*>();
-  ASSERT_TRUE(bar.isVisible());
-  bar.setValue(bar.maximum());
-  EXPECT_EQ(list.horizontalScrollBar()->value(), bar.maximum());
-  const auto left = [this](const QWidget& of, int x) { return of.mapTo(&window, QPoint{x, 0}).x(); };
-  for (int column = 0; column < list.rows().columnCount(); ++column) {
-    EXPECT_EQ(left(total, total.cell(column).x()),
-              left(*list.viewport(), list.columnViewportPosition(column)));
-    EXPECT_EQ(total.cell(column).width(), list.columnWidth(column)) << column;
-  }
-}
-
-TEST_F(NetTradeTest, TheListsFillThePaneWhateverItsShape) {
-  for (int account = 1; account <= 40; ++account)
-    hold(account, "EURUSD", 1.0, 0.0);
-  rig.screen.acted();
-  click_cell(list, 0, frmNetTrade::symbol);
-  for (const QSize size : {QSize{1148, 300}, QSize{918, 267}, QSize{1800, 900}, QSize{700, 900}}) {
-    show(window, size);
-    for (int frame = 0; frame < 2; ++frame)
-      rig.run(0ms);
-    EXPECT_EQ(window.size(), size);
-    for (const RowListView* each : {&list, &accounts})
-      EXPECT_EQ(each->horizontalHeader()->length(), each->viewport()->width()) << size.width();
-    EXPECT_GT(accounts.viewport()->height(), 4 * 22) << size.width();
-  }
-  // Columns that had no room come back with widths of their own, also after one was dragged meanwhile.
-  show(window, {560, 900});
-  rig.run(0ms);
-  ASSERT_TRUE(list.isColumnHidden(frmNetTrade::bought_at));
-  list.horizontalHeader()->resizeSection(frmNetTrade::net, 70);
-  show(window, {1800, 900});
-  QCoreApplication::processEvents();
-  EXPECT_GT(list.columnWidth(frmNetTrade::bought_at), 40);
 }
 
 struct MatrixTest : NetTest {

@@ -89,35 +89,6 @@ TEST_F(TradeTest, TheSummaryLineKeepsItsBlanksAndFont) {
 }
 
 // Rows go while they are selected, ticked, sorted and on screen.
-TEST_F(TradeTest, TenThousandPositionsComeAndGo) {
-  constexpr std::int64_t count = 10'000;
-  for (std::int64_t i = 1; i <= count; ++i)
-    form.AddPosition(
-        {.ticket = i, .symbol = "EURUSD", .floating_pl = static_cast<double>((i * 7919) % count)});
-  rig.screen.acted();
-  click_header(list, frmTrade::profit);
-  EXPECT_EQ(list.rows().row_at(0)->text(frmTrade::profit), "0.00");
-
-  click_cell(list, 2, frmTrade::ticket);
-  click_cell(list, 6, frmTrade::ticket, Qt::ShiftModifier);
-  QTest::keyClick(&list, Qt::Key_Space);
-  EXPECT_EQ(form.lvwOpenPos.checked_count(), 5u);
-  const std::int64_t first = list.rows().row_at(2)->key().number();
-  const std::int64_t last = list.rows().row_at(6)->key().number();
-  form.RemovePosition(first, 0);
-  for (std::int64_t i = 1; i <= count; i += 2)
-    if (i != last) form.RemovePosition(i, 0);
-  rig.screen.acted();
-  EXPECT_EQ(form.lvwOpenPos.selected().size(), form.lvwOpenPos.checked_count());
-  for (const Row* row : form.lvwOpenPos.selected())
-    EXPECT_TRUE(row->checked());
-  form.lvwOpenPos.clear();
-  rig.screen.acted();
-  EXPECT_EQ(form.lvwOpenPos.current(), nullptr);
-  QTest::keyClick(&list, Qt::Key_Space);
-  QTest::keyClick(&list, Qt::Key_Return);
-}
-
 struct PendingTest : ::testing::Test {
   PendingTest() {
     show(window);
@@ -461,21 +432,6 @@ TEST(HelpTest, EveryPageOpensAndEveryLinkLeadsToOne) {
     }
   }
   EXPECT_GT(links, pages.entryList().size());
-}
-
-TEST(HelpTest, FindsInAPage) {
-  HelpWindow help;
-  auto& page = part<QTextBrowser>(help, "help_page");
-  help.open("no such page");
-  EXPECT_EQ(page.source().fileName(), QStringLiteral("index.md"));
-  help.open("keyboard");
-  QCoreApplication::processEvents();
-  QTest::keyClick(&page, Qt::Key_F, Qt::ControlModifier);
-  type("full screen");
-  EXPECT_EQ(page.textCursor().selectedText(), QStringLiteral("Full screen"));
-  press(Qt::Key_Escape);
-  EXPECT_FALSE(part(help, "help_find_text").isVisible());
-  EXPECT_TRUE(help.isVisible());
 }
 
 TEST(AboutTest, MissingPartsTakeNoRoom) {
