@@ -4,7 +4,6 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QStringList>
-#include <QTimer>
 
 #include "gui/about_window.h"
 #include "gui/screen.h"
@@ -40,6 +39,8 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   setDockOptions(AllowNestedDocks | AllowTabbedDocks | GroupedDragging);
   setTabPosition(Qt::AllDockWidgetAreas, QTabWidget::North);
 
+  on_screen_.setSingleShot(true);
+  connect(&on_screen_, &QTimer::timeout, this, [this] { panes_.raise_floats(); });
   setStatusBar(new StatusStrip{main_, screen});
   new ShellHead{main_, panes_, screen, *menuBar()};
   prompt.set_parent(this);
@@ -113,7 +114,7 @@ void FrmMdiNewWindow::closeEvent(QCloseEvent* event) {
 void FrmMdiNewWindow::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
   // It is on the screen only after this.
-  if (!event->spontaneous()) QTimer::singleShot(0, this, [this] { panes_.raise_floats(); });
+  if (!event->spontaneous()) on_screen_.start();
 }
 
 void FrmMdiNewWindow::show_about() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
 #include <memory>
 
 #include "gui/desktop_prompt.h"
@@ -53,6 +54,7 @@ class FrmMdiNewWindow final : public QMainWindow {
   FrmaccountWindow* account_dialog_ = nullptr;
   HelpWindow* help_ = nullptr;
   ToolStrip* tools_ = nullptr;
+  QTimer on_screen_;  // runs once when the window has come onto the screen
   std::unique_ptr<MessageQueueWindow> messages_;
   std::unique_ptr<MainCommands> commands_;
 };
