@@ -419,6 +419,7 @@ TEST(Tuttictl, WaitsForTheHomeFolderAndMakesNone) {
     };
     EXPECT_EQ(rig.run(std::string{"--wait "} + wait + " journal 500100"), status) << rig.err;
     EXPECT_EQ(rig.lasted, milliseconds{lasted}) << wait;
+    rig.on_pause = nullptr;
     other.reset();
   }
   rig.home.write("other.toml", "sample_accounts = 1\n");
