@@ -28,16 +28,9 @@ bool Distribution::summary_of(Row& row, AccountSummary& out) const {
     refuse(row, CClientAPIManager::ResultDescription(answer.result));
     return false;
   }
-  // What is no number would make the shares of all others none, and a summary that has one is not to be
-  // relied on.
-  const AccountSummary& values = answer.values;
-  for (const auto& [value, name] : {std::pair{values.balance, "Balance"},
-                                    {values.floating_pl, "Floating P/L"},
-                                    {values.credit, "Credit"},
-                                    {values.equity, "Equity"},
-                                    {values.used_margin, "Used margin"},
-                                    {values.margin_level, "Margin level"},
-                                    {values.free_margin, "Free margin"}}) {
+  // What is no number would make the shares of all others none.
+  for (const auto& [value, name] :
+       {std::pair{answer.values.equity, "Equity"}, {answer.values.free_margin, "Free margin"}}) {
     if (std::isfinite(value)) continue;
     refuse(row, name + std::string{" is not a finite number"});
     return false;

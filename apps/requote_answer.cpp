@@ -27,8 +27,9 @@ void RequoteAnswer::tell(const Requote& requote, std::string_view question) cons
 
 bool RequoteAnswer::take(CClientAPIManager& session, const Requote& requote) {
   if (how_ != RequoteReply::ask) {
-    tell(requote, "");
+    // Before it is told: a reader who is slow must not let the countdown run out.
     form_.answer(session, requote.order, session.account(), how_ == RequoteReply::accept);
+    tell(requote, "");
     return true;
   }
   const auto at = std::find_if(waiting_.begin(), waiting_.end(), [&](const Requote& one) {

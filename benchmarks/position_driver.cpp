@@ -62,6 +62,7 @@ double PositionDriver::per_event(std::size_t& next, Tell&& tell) {
       const Open& open = open_[at];
       OpenPosition& event = events_[change];
       event.ticket = first_ticket + static_cast<std::int64_t>(at);
+      event.account = BenchTerminal::account_of(open.account);
       tell(open, event);
       memory_barrier();
       if (++at == open_.size()) at = 0;

@@ -87,8 +87,8 @@ std::vector<frmTrade::Close> frmClosePos::marked_positions() const {
 }
 
 void frmClosePos::close_postions() {
-  if (!symbol_taken(general_, CloseSymbols)) return;
   if (CloseSymbols.text().empty()) return general_.message_box("No symbol is selected");
+  if (!symbol_taken(general_, CloseSymbols)) return;
   const std::vector<frmTrade::Close> positions = marked_positions();
   if (positions.empty()) return general_.message_box(nothing_marked);
   question_box_.Show(
