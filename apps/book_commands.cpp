@@ -29,7 +29,8 @@ Json in_flight_json(const CommandContext& context) {
       {"number", "account", "request", "stage", "side", "amount", "symbol", "reference", "price", "due"}};
   for (const TradeRequest& request : context.server().requests()) {
     out.add({request.number, request.account, name_of(request.kind), name_of(request.stage),
-             side_text(request.operation), json_number(request.amount), request.symbol,
+             side_text(request.kind == TradeKind::close ? -request.operation : request.operation),
+             json_number(request.amount), request.symbol,
              request.reference != 0 ? Json(request.reference) : Json{},
              request.price > 0.0 ? json_number(request.price) : Json{}, utc_text(request.due)});
   }
@@ -153,7 +154,7 @@ int orders_command(CommandContext& context) {
     const bool of_position = order != nullptr && order->reference != 0;
     records.add(
         {value(frmPending::order_number), value(frmPending::account), value(frmPending::type, Holds::words),
-         order == nullptr ? Json{} : Json(side_text(order->operation)),
+         order == nullptr ? Json{} : Json(side_text(frmPending::side(*row))),
          of_position ? Json(order->reference) : Json{}, value(frmPending::amount),
          value(frmPending::symbol, Holds::words), value(frmPending::price), value(frmPending::stop_loss),
          value(frmPending::take_profit), order == nullptr ? Json{} : Json(utc_text(order->time))});

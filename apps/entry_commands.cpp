@@ -61,20 +61,20 @@ std::string EntryRun::price_fault(const CClientAPIManager& session) const {
       .stop_offset = symbol->ScaleDistance(client.SymbolStopDistance(order_.symbol))};
   const auto told = entry_conditions(static_cast<EntryType>(order_.type), market, std::nullopt);
   if (!told) return {};
-  // `sign` is the side on which the price must lie. What stands on the bound itself is not sure to be
-  // refused.
-  const auto wrong = [](double price, std::string_view sign, double bound) {
-    constexpr double tolerance = 1e-9;
-    return sign == "<" ? price > bound + tolerance : price < bound - tolerance;
+  // `sign` is the side of the bound on which the price must lie, `room` how far it may lie on the other one.
+  const auto wrong = [](double price, std::string_view sign, double bound, double room) {
+    return sign == "<" ? price - bound > room : bound - price > room;
   };
+  // The distance itself is far enough, whatever its last digit in binary; stops must lie beyond the price.
+  constexpr double on_the_bound = 1e-9;
   const double price = read_number(order_.price);
-  if (wrong(price, told->price_sign, told->price_limit))
+  if (wrong(price, told->price_sign, told->price_limit, on_the_bound))
     return fmt::format("the price must be at {} {} at the moment", told->price_sign == "<" ? "most" : "least",
                        fixed_text(told->price_limit, symbol->digits));
   for (const auto& [name, text, sign] :
        {std::tuple{"stop loss", order_.stop_loss, told->stop_loss_sign},
         std::tuple{"take profit", order_.take_profit, told->take_profit_sign}})
-    if (!text.empty() && wrong(read_number(text), sign, price))
+    if (!text.empty() && wrong(read_number(text), sign, price, -on_the_bound))
       return fmt::format("the {} must be {} {}", name, sign == "<" ? "below" : "above", order_.price);
   return {};
 }

@@ -108,14 +108,17 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
   NoFileDialog file_dialog;
   int status = exit_status::unreadable_data;
   {
+    TerminalOptions opened = options.terminal;
+    // A folder that is there keeps the list it has, be it empty.
+    opened.samples = opened.create;
     const auto began = ports.clock.elapsed();
     const auto try_again = [&] {
       ports.pause(std::chrono::milliseconds{50});
       return ports.signal() == 0 && ports.clock.elapsed() - began <= options.wait_for_home;
     };
     const auto terminal =
-        Terminal::open(options.terminal, {prompt, sound, file_dialog, ports.clock,
-                                          [&](std::string_view text) { console.tell(text); }, try_again});
+        Terminal::open(opened, {prompt, sound, file_dialog, ports.clock,
+                                [&](std::string_view text) { console.tell(text); }, try_again});
     if (!terminal) {
       console.fail(terminal.error().text());
       return status;

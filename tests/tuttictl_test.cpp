@@ -391,6 +391,7 @@ TEST(Tuttictl, ADryRunFailsForWhatIsSureToBeRefused) {
       {entry + "sell-limit --at 1.2 --sl 1.3 --tp 1.25", as_texts},
       {entry + "buy-limit --at 1.08 --sl 1.09", as_texts},
       {entry + "buy-limit --at 1.08 --sl 01.09", "1,,false,the stop loss must be below 1.08"},
+      {entry + "sell-limit --at 1.2 --tp 1.2", "1,,false,the take profit must be below 1.2"},
       {entry + "sell-stop --at 1.08 --tp 01.09", "1,,false,the take profit must be below 1.08"},
   };
   for (const auto& [words, line] : cases) {
