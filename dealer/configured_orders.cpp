@@ -8,17 +8,18 @@ void place_configured_orders(const DealerConfig& config, OrderDesk& desk, Tradin
                              TimePoint now) {
   for (const EntryOrderConfig& configured : config.entry_orders) {
     if (configured.account != account.config().number) continue;
-    PendingOrder order;
-    order.order = desk.numbers().take();
-    order.kind = configured.ticket > 0 ? "ST" : "LO";
-    order.reference = configured.ticket;
-    order.operation = configured.operation;
-    order.symbol = configured.symbol;
-    order.amount = configured.amount;
-    order.price = configured.price;
-    order.stop_loss = configured.stop_loss;
-    order.take_profit = configured.take_profit;
-    order.time = now;
+    PendingOrder order{.order = desk.numbers().take(),
+                       .account = account.config().number,
+                       .kind = std::string{configured.ticket > 0 ? "ST" : "LO"},
+                       .reference = configured.ticket,
+                       .operation = configured.operation,
+                       .symbol_id = 0,
+                       .symbol = configured.symbol,
+                       .amount = configured.amount,
+                       .price = configured.price,
+                       .stop_loss = configured.stop_loss,
+                       .take_profit = configured.take_profit,
+                       .time = now};
     account.add_order(std::move(order));
   }
 }
