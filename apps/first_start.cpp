@@ -7,8 +7,7 @@ namespace tutti {
 
 FirstStart ask_first(Prompt& prompt, TerminalOptions& options) {
   // What can't be looked at is told by the terminal, which looks again.
-  if (options.demo || options.fresh || !Terminal::is_new(options.home).value_or(false))
-    return FirstStart::nothing_to_ask;
+  if (options.demo || !Terminal::is_new(options.home).value_or(false)) return FirstStart::nothing_to_ask;
   constexpr int with_samples = 1;
   MessageQueue nothing_waits;
   frmMsgBox box{prompt, nothing_waits};

@@ -47,6 +47,9 @@ install_packages() {
   quietly "${apt[@]}" install -y --no-install-recommends "${missing[@]}"
 }
 
+# can_build: whether this tree takes what a build writes.
+can_build() { [[ -w $root && ( ! -e $root/build || -w $root/build ) ]]; }
+
 # build PRESET TARGET [CMAKE_OPTION...]: configures when the preset is new or changed, then builds. Shows what
 # it does on standard error, and nothing when all is up to date. Waits for another build in this tree; in a tree
 # that can't be written it makes do with what was built before.
@@ -54,7 +57,7 @@ build() (
   preset=$1 target=$2
   shift 2
   folder="$root/build/$preset"
-  if [[ ! -w $root ]] || [[ -e $root/build && ! -w $root/build ]]; then
+  if ! can_build; then
     if [[ ! -x $folder/bin/$target ]]; then
       echo "$root can't be written, and $target was not built there before" >&2
       return 1

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <algorithm>
 #include <cassert>
+#include <set>
 
 #include "gui/in_sight.h"
 #include "gui/quote_panel.h"
@@ -158,10 +159,22 @@ void Panes::bring_up(const QString& name) {
 void Panes::uncover(const Pane& pane) {
   const QWidget* before = float_before(*pane.widget);
   if (before == nullptr || pane.widget->window() != &window_) return;
-  for (const Pane& other : panes_) {
-    if (other.dock != nullptr && other.widget->window() == before) other.dock->setFloating(false);
-  }
+  for (const Pane& other : panes_)
+    if (other.dock != nullptr && other.widget->window() == before) dock_again(*other.dock);
   if (pane.dock != nullptr) pane.dock->raise();
+}
+
+// One float remembers its place. Several that share a window remember only each other, and go behind the tabs
+// at the bottom.
+void Panes::dock_again(QDockWidget& dock) {
+  if (dock.isFloating()) return dock.setFloating(false);
+  const auto beside = std::find_if(panes_.begin(), panes_.end(), [this](const Pane& pane) {
+    return pane.dock != nullptr && pane.dock->isVisible() && pane.widget->window() == &window_ &&
+           window_.dockWidgetArea(pane.dock) == Qt::BottomDockWidgetArea;
+  });
+  dock.setFloating(true);
+  window_.addDockWidget(Qt::BottomDockWidgetArea, &dock);
+  if (beside != panes_.end()) window_.tabifyDockWidget(beside->dock, &dock);
 }
 
 void Panes::put_in_front(const QString& name) {
@@ -172,11 +185,14 @@ void Panes::put_in_front(const QString& name) {
 
 // A float that came onto the screen before its main window stands behind it, whoever it belongs to.
 void Panes::raise_floats() {
-  for (const Pane& pane : panes_) {
-    if (pane.dock == nullptr || !pane.dock->isFloating() || !pane.dock->isVisible()) continue;
-    pane.dock->hide();
-    pane.dock->show();
-    pane.dock->raise();
+  std::set<QWidget*> floats;
+  for (const Pane& pane : panes_)
+    if (pane.widget->window() != &window_ && pane.widget->window()->isVisible())
+      floats.insert(pane.widget->window());
+  for (QWidget* each : floats) {
+    each->hide();
+    each->show();
+    each->raise();
   }
 }
 

@@ -62,6 +62,7 @@ class Panes {
   // The pane that a widget is in; nullptr when it is in none.
   const Pane* pane_of(const QWidget* widget) const;
   void uncover(const Pane& pane);
+  void dock_again(QDockWidget& dock);
   void follow_displayed();
   void keep_keyboard_in_sight();
   void show_title(QDockWidget& dock);

@@ -119,9 +119,11 @@ void RowListModel::take_columns() {
   if (sort_column_ >= columns_) sort_column_ = -1;
   asked_stamp_ = 0;
   shown_ = wanted();
-  if (sort_column_ >= 0)
+  in_order_ = sort_column_ >= 0;
+  if (in_order_)
     sort_rows(shown_, static_cast<std::size_t>(sort_column_), sort_order_ == Qt::DescendingOrder);
-  seen_structure_ = list_.structure_stamp();
+  ordered_stamp_ = list_.stamp();
+  seen_structure_ = ordered_structure_ = list_.structure_stamp();
   endResetModel();
 }
 

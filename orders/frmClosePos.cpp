@@ -271,6 +271,7 @@ void frmClosePos::refresh_symbols() {
 
 void frmClosePos::result(std::int64_t ticket, std::int32_t number, std::string_view text) {
   answers_[ticket_key(ticket, number)] = text;
+  unsent_.erase(ticket_key(ticket, number));
   if (Row* row = searchpos(ticket, number)) write_action(*row, text);
 }
 

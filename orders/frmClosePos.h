@@ -148,6 +148,7 @@ class frmClosePos final : public ClosePositionsDesk {
   static std::int64_t ticket_of(const Row& row);
   void send(const std::vector<frmTrade::Close>& positions);
   const SentOrder* close_request(RowKey position) const;
+  bool not_sent(RowKey position, const SentOrder* sent) const;
   void take_block();
 
   MGeneral& general_;

@@ -143,17 +143,22 @@ const SentOrder* frmClosePos::close_request(RowKey position) const {
   return session == nullptr ? nullptr : session->sent_request(RequestKind::close, position.number());
 }
 
+// A close on its way from another window is newer than the one that was not sent here.
+bool frmClosePos::not_sent(RowKey position, const SentOrder* sent) const {
+  return unsent_.contains(position) && (sent == nullptr || sent->settled());
+}
+
 OrderAnswer frmClosePos::answer_of(const Row& row) const {
   if (!is_position(row)) return OrderAnswer::none;
-  if (unsent_.contains(row.key())) return OrderAnswer::refused;
   const SentOrder* sent = close_request(row.key());
+  if (not_sent(row.key(), sent)) return OrderAnswer::refused;
   return sent == nullptr ? OrderAnswer::none : answer_from(sent->outcome);
 }
 
 std::string_view frmClosePos::answer_text(const Row& row) const {
   if (!is_position(row)) return {};
-  if (unsent_.contains(row.key())) return "Not sent";
   const SentOrder* sent = close_request(row.key());
+  if (not_sent(row.key(), sent)) return "Not sent";
   if (sent == nullptr) return {};
   const OrderAnswer answer = answer_from(sent->outcome);
   if (answer != OrderAnswer::refused && answer != OrderAnswer::waiting) return {};

@@ -341,6 +341,18 @@ TEST(ClosePositions, EqualTicketsOfTwoAccountsAreTwoPositions) {
   EXPECT_EQ(form.answer_text(*form.searchpos(7, 1)), "");
   EXPECT_EQ(form.answer_text(*form.searchpos(7, 2)), " Trading is closed");
   EXPECT_EQ(form.answers().text(), "1 refused, 1 waiting");
+  // What was not sent here is then closed from another window.
+  const auto sends = std::exchange(form.close_helper, [](const frmTrade::Close&) { return false; });
+  form.searchpos(7, 2)->set_text(frmClosePos::action, "Close");
+  form.click(*form.searchpos(7, 2), frmClosePos::action);
+  EXPECT_EQ(form.answer_text(*form.searchpos(7, 2)), "Not sent");
+  form.close_helper = sends;
+  desk.main->trade().close_helper({7, 0.25, 2});
+  EXPECT_EQ(desk.sent(), Texts{"2 close 7 0.25"});
+  EXPECT_EQ(form.answer_of(*form.searchpos(7, 2)), OrderAnswer::waiting);
+  desk.client(2).sink->CloseOrderResult(
+      {.number = 7, .account = 2, .result = result::trading_closed, .symbol = ""});
+  EXPECT_EQ(form.answer_text(*form.searchpos(7, 2)), " Trading is closed");
   desk.prompt.take_texts();
   form.searchpos(7, 2)->set_text(frmClosePos::action, "Close");
   desk.prompt.while_open = [&] { desk.close(2, 7); };

@@ -112,7 +112,7 @@ TEST(Home, AnEmptyOneAsksForAnAccountOrSamples) {
   } cases[] = {{"", samples, FirstStart::samples, 3},
                {"", account, FirstStart::own_account, 0},
                {"", RecordingPrompt::escape, FirstStart::own_account, 0},
-               {"fresh", account, FirstStart::nothing_to_ask, 3},
+               {"fresh", account, FirstStart::own_account, 0},
                {"list", account, FirstStart::nothing_to_ask, 1}};
   for (const auto& [told, answer, asked, accounts] : cases) {
     const TemporaryFolder folder;

@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QDockWidget>
 #include <QFile>
+#include <QLayout>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QScreen>
@@ -22,6 +23,26 @@ namespace tutti::testing {
 namespace {
 
 using namespace std::chrono_literals;
+
+// What a mouse does that takes a float by its title and lets it go in the middle of another one.
+void drag_onto(QDockWidget& dock, QWidget& other) {
+  const auto send = [&dock](QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons buttons) {
+    QMouseEvent event{type, dock.mapFromGlobal(at), at, button, buttons, {}};
+    QApplication::sendEvent(&dock, &event);
+  };
+  // A title of its own: without one the window manager's frame, which is not here, takes the mouse.
+  dock.setTitleBarWidget(new QLabel{QStringLiteral("title"), &dock});
+  dock.layout()->activate();
+  const QPoint from = dock.mapToGlobal(QPoint{60, 8});
+  const QPoint to = other.frameGeometry().center();
+  send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+  for (const QPoint at : {from + QPoint{30, 30}, to - QPoint{5, 5}, to})
+    send(QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
+  QApplication::processEvents();
+  send(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+  QApplication::processEvents();
+  delete dock.titleBarWidget();
+}
 
 // The whole desktop on a terminal whose accounts are logged in.
 struct DesktopTest : ::testing::Test {
@@ -299,6 +320,35 @@ TEST_F(DesktopTest, CommandsNeedTheirPaneInFront) {
   press(Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_EQ(state(), before);
   EXPECT_TRUE(in_sight(dock("market_order")) && !dock("journal").isFloating());
+  // Nor behind several in one float.
+  for (const char* name : {"journal", "net_trade"}) {
+    dock(name).setFloating(true);
+    dock(name).setGeometry(window->geometry().adjusted(-50, -50, 50, 50));
+  }
+  rig.run(1ms);
+  drag_onto(dock("net_trade"), dock("journal"));
+  ASSERT_TRUE(dock("journal").window() == dock("net_trade").window());
+  ASSERT_FALSE(dock("journal").isFloating());
+  EXPECT_FALSE(in_sight(dock("market_order")));
+  press(Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(state(), before);
+  EXPECT_TRUE(in_sight(dock("market_order")));
+  EXPECT_TRUE(dock("journal").window() == window.get() && dock("net_trade").window() == window.get());
+  EXPECT_TRUE(window->tabifiedDockWidgets(&dock("trade")).contains(&dock("net_trade")));
+  // Together again, they come up with the window and go back with the layout.
+  for (const char* name : {"journal", "net_trade"})
+    dock(name).setFloating(true);
+  dock("journal").setGeometry(window->geometry());
+  rig.run(1ms);
+  drag_onto(dock("net_trade"), dock("journal"));
+  QSignalSpy came{&dock("net_trade"), &QDockWidget::visibilityChanged};
+  window->hide();
+  window->show();
+  rig.run(1ms);
+  EXPECT_EQ(came.size(), 4);  // both with it, and both once more
+  trigger("reset_layout");
+  rig.run(1ms);
+  EXPECT_TRUE(dock("journal").window() == window.get() && dock("net_trade").window() == window.get());
   // In front the same keys do their work; marked rows that are scrolled out take part.
   rig.main().close_positions().check_all();
   EXPECT_EQ(rig.main().close_positions().marked_count(), 0U);

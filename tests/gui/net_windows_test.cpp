@@ -199,6 +199,12 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   EXPECT_EQ(line(), "1 account, 1 symbol, -1.5 lots net");
   window.close_selected();
   EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {2}}}));
+  hold(10, "GBPUSD", 1.0, 0.0);
+  rig.screen.acted();
+  EXPECT_FALSE(list.rows().in_order());
+  hold(10, "CADCHF", 1.0, 0.0);
+  rig.screen.acted();
+  EXPECT_TRUE(list.rows().in_order());
 }
 
 TEST_F(MatrixTest, ProfitInsteadOfLots) {
