@@ -33,7 +33,7 @@ void OrderFloor::fan_out(std::int32_t side, std::string_view symbol) {
     const auto at = identifiers_[i].find(symbol);
     Order& order = orders_[i];
     order = {.amount = shares_[i], .side = side, .symbol_id = at == identifiers_[i].end() ? 0 : at->second};
-    order.request_code = clients_[i]->NewMarketOrder(order.side, order.symbol_id, order.amount, "", "");
+    order.request_code = clients_[i]->NewMarketOrder(order.side, order.symbol_id, order.amount, "", "", 0);
   }
 }
 

@@ -76,13 +76,14 @@ const PendingOrder* DealerClient::PendingOrderItem(int index) const {
 }
 
 std::int32_t DealerClient::NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount,
-                                          std::string_view, std::string_view) {
+                                          std::string_view, std::string_view, RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().open(*account, side, account->symbol_of_id(symbol_id), amount, server_.now());
 }
 
-std::int32_t DealerClient::ClosePosition(std::string_view ticket, std::string_view amount, std::string_view) {
+std::int32_t DealerClient::ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
+                                         RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   const std::string_view digits = trim(ticket);
@@ -92,43 +93,44 @@ std::int32_t DealerClient::ClosePosition(std::string_view ticket, std::string_vi
   return server_.desk().close(*account, number, parse_number(amount).value_or(0.0), server_.now());
 }
 
-std::int32_t DealerClient::NewEntryOrder(const EntryOrder& order) {
+std::int32_t DealerClient::NewEntryOrder(const EntryOrder& order, RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().place(*account, order, account->symbol_of_id(order.symbol_id), server_.now());
 }
 
-std::int32_t DealerClient::UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops) {
+std::int32_t DealerClient::UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                                            RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().update(*account, order, price, stops, server_.now());
 }
 
-std::int32_t DealerClient::UpdateSLTP(std::int64_t ticket, const StopPrices& stops) {
+std::int32_t DealerClient::UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().set_stops(*account, ticket, stops, server_.now());
 }
 
-std::int32_t DealerClient::AcceptRequote(std::int64_t order) {
+std::int32_t DealerClient::AcceptRequote(std::int64_t order, RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().accept_requote(*account, order, server_.now());
 }
 
-std::int32_t DealerClient::RejectRequote(std::int64_t order) {
+std::int32_t DealerClient::RejectRequote(std::int64_t order, RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().reject_requote(*account, order, server_.now());
 }
 
-std::int32_t DealerClient::DeleteEntryOrder(std::int64_t order) {
+std::int32_t DealerClient::DeleteEntryOrder(std::int64_t order, RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().cancel(*account, TradeKind::cancel_entry, order, server_.now());
 }
 
-std::int32_t DealerClient::DeleteSLTPOrder(std::int64_t order) {
+std::int32_t DealerClient::DeleteSLTPOrder(std::int64_t order, RequestId) {
   TradingAccount* account = session_.account();
   if (account == nullptr) return request::invalid_account;
   return server_.desk().cancel(*account, TradeKind::cancel_stops, order, server_.now());

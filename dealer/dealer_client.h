@@ -25,16 +25,18 @@ class DealerClient final : public ClientAPI {
   int PendingOrderCount() const override;
   const PendingOrder* PendingOrderItem(int index) const override;
   std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
-                              std::string_view) override;
-  std::int32_t NewEntryOrder(const EntryOrder& order) override;
-  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops) override;
-  std::int32_t AcceptRequote(std::int64_t order) override;
-  std::int32_t RejectRequote(std::int64_t order) override;
-  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view) override;
+                              std::string_view, RequestId) override;
+  std::int32_t NewEntryOrder(const EntryOrder& order, RequestId) override;
+  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                                RequestId) override;
+  std::int32_t AcceptRequote(std::int64_t order, RequestId) override;
+  std::int32_t RejectRequote(std::int64_t order, RequestId) override;
+  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
+                             RequestId) override;
   bool LoggedIn() const override;
   void Logout() override;
   SummaryAnswer GetAccountSummary(std::int32_t account) const override;
-  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) override;
+  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId) override;
   double EvaluateSLTPPrice(std::int32_t symbol_id, double at_price, std::string_view, double price,
                            double& value) const override;
   double SymbolLimitDistance(std::string_view symbol) const override;
@@ -42,8 +44,11 @@ class DealerClient final : public ClientAPI {
   std::optional<AccountInfo> FindAccount(std::int32_t number) const override;
   double MinimumLot() const override;
   double MaximumLot() const override;
-  std::int32_t DeleteEntryOrder(std::int64_t order) override;
-  std::int32_t DeleteSLTPOrder(std::int64_t order) override;
+  BookEra Era() const override { return 0; }
+  std::int32_t AskRequest(RequestId, BookEra) override { return request::silent; }
+  std::int32_t AskExecutions(TimePoint) override { return request::silent; }
+  std::int32_t DeleteEntryOrder(std::int64_t order, RequestId) override;
+  std::int32_t DeleteSLTPOrder(std::int64_t order, RequestId) override;
 
  private:
   // Place in the market of a symbol that the account carries.

@@ -114,21 +114,21 @@ class CClientAPIManager final : public CLAPICLASS {
 
   void AllDataAreLoaded() override;
   void CloseOrderResult(const OrderReport& report) override;
-  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result) override;
+  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override;
   void DeleteOpenPosition(const OpenPosition& position) override;
   void DeletePendingOrder(const PendingOrder& order) override;
-  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result) override;
+  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override;
   void InvalidUsernamePassword() override;
   void LimitOrderAccepted(const OrderReport& report) override;
   void LimitOrderCanceledCannotHdg(std::int64_t order, std::int32_t account) override;
   void LimitOrderCanceledNoMoney(std::int64_t order, std::int32_t account) override;
   void MarketOrderAccepted(const OrderReport& report) override;
   void MarketOrderRejected(const OrderReport& report) override;
-  void NewLimitOrderResult(std::int64_t order, std::int32_t result) override;
+  void NewLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override;
   void NewOpenPosition(const OpenPosition& position) override;
   void NewOrderResult(const OrderReport& report) override;
   void NewPendingOrder(const PendingOrder& order) override;
-  void NewSLTPOrderResult(std::int64_t order, std::int32_t result) override;
+  void NewSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override;
   void OrderTimer(const Requote& requote) override;
   void PendingOrdersLoaded() override;
   void PosFloatingPLChanged(const OpenPosition& position) override;
@@ -140,9 +140,9 @@ class CClientAPIManager final : public CLAPICLASS {
   void SymbolHighLowChanged(const Symbol& symbol) override;
   void SymbolPricesChanged(const Symbol& symbol) override;
   void SymbolsLoaded() override;
-  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result) override;
+  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override;
   void UpdateOpenPosition(const OpenPosition& position) override;
-  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result) override;
+  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override;
   void WaitingMode(std::int32_t mode) override;
   void ConnectionState(bool connected) override;
   void OpenPositionsLoaded() override;

@@ -169,7 +169,7 @@ void CClientAPIManager::tell_close(const OrderReport& report, bool ours) {
   }
 }
 
-void CClientAPIManager::NewLimitOrderResult(std::int64_t order, std::int32_t code) {
+void CClientAPIManager::NewLimitOrderResult(std::int64_t order, std::int32_t code, RequestId) {
   const bool ours = settle_entry(order, code);
   const std::string_view text = result_texts::new_entry(code);
   if (code == result::all_managed) {
@@ -184,7 +184,7 @@ void CClientAPIManager::NewLimitOrderResult(std::int64_t order, std::int32_t cod
   read_again_unless(ours);
 }
 
-void CClientAPIManager::UpdateLimitOrderResult(std::int64_t order, std::int32_t code) {
+void CClientAPIManager::UpdateLimitOrderResult(std::int64_t order, std::int32_t code, RequestId) {
   const bool ours = settle_request(RequestKind::update, order, code, SentOrder::outcome_of(code));
   const std::string line = result_texts::update_entry_line(order, code);
   if (!line.empty()) log_order(order, line);
@@ -193,7 +193,7 @@ void CClientAPIManager::UpdateLimitOrderResult(std::int64_t order, std::int32_t 
   if (!line.empty()) desk_.entry_order->result(line, account_);
 }
 
-void CClientAPIManager::DeleteLimitOrderResult(std::int64_t order, std::int32_t code) {
+void CClientAPIManager::DeleteLimitOrderResult(std::int64_t order, std::int32_t code, RequestId) {
   const bool ours = settle_request(RequestKind::cancel, order, code, SentOrder::outcome_of(code));
   const std::string text =
       "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
@@ -223,7 +223,7 @@ void CClientAPIManager::LimitOrderCanceledNoMoney(std::int64_t order, std::int32
   tell(text);
 }
 
-void CClientAPIManager::NewSLTPOrderResult(std::int64_t order, std::int32_t code) {
+void CClientAPIManager::NewSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId) {
   const bool ours = settle_stops(order, code);
   log_order(order, result_texts::new_stops_line(order));
   const std::string_view refusal = result_texts::new_stops(code);
@@ -234,14 +234,14 @@ void CClientAPIManager::NewSLTPOrderResult(std::int64_t order, std::int32_t code
   desk_.entry_order->stop_request_succeeded(order, account_);
 }
 
-void CClientAPIManager::DeleteSLTPOrderResult(std::int64_t order, std::int32_t code) {
+void CClientAPIManager::DeleteSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId) {
   const bool ours = settle_request(RequestKind::cancel, order, code, SentOrder::outcome_of(code));
   log_order(order,
             "Delete SLTP Order #" + std::to_string(order) + " " + std::string{ResultDescription(code)});
   read_again_unless(ours);
 }
 
-void CClientAPIManager::UpdateSLTPOrderResult(std::int64_t order, std::int32_t code) {
+void CClientAPIManager::UpdateSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId) {
   const bool ours = settle_stops(order, code);
   log("Updating SL/TP order #" + std::to_string(order) + " result #" + std::string{ResultDescription(code)});
   if (ours && code == result::succeeded) desk_.entry_order->stop_request_succeeded(order, account_);

@@ -34,16 +34,17 @@ const SentOrder& CClientAPIManager::last_of(const NewOrders& orders) {
 
 std::int32_t CClientAPIManager::close_position(std::int64_t ticket, double amount) {
   return note_request({.kind = RequestKind::close, .number = ticket, .amount = amount},
-                      client_->ClosePosition(std::to_string(ticket), number_text(amount), ""));
+                      client_->ClosePosition(std::to_string(ticket), number_text(amount), "", 0));
 }
 
 std::int32_t CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position) {
-  return note_request({.kind = RequestKind::cancel, .number = order},
-                      stops_of_position ? client_->DeleteSLTPOrder(order) : client_->DeleteEntryOrder(order));
+  return note_request(
+      {.kind = RequestKind::cancel, .number = order},
+      stops_of_position ? client_->DeleteSLTPOrder(order, 0) : client_->DeleteEntryOrder(order, 0));
 }
 
 std::int32_t CClientAPIManager::place_entry(const EntryOrder& order, SymbolHandle symbol, int round) {
-  const std::int32_t code = client_->NewEntryOrder(order);
+  const std::int32_t code = client_->NewEntryOrder(order, 0);
   const bool stop = order.kind == EntryKind::stop;
   note_new(entries_, {.kind = RequestKind::entry,
                       .amount = order.amount,
@@ -60,7 +61,7 @@ std::int32_t CClientAPIManager::place_entry(const EntryOrder& order, SymbolHandl
 std::int32_t CClientAPIManager::update_entry(std::int64_t order, double price, const StopPrices& stops,
                                              int round) {
   return note_request({.kind = RequestKind::update, .number = order, .price = price, .round = round},
-                      client_->UpdateEntryOrder(order, price, stops));
+                      client_->UpdateEntryOrder(order, price, stops, 0));
 }
 
 std::int32_t CClientAPIManager::set_stops(std::int64_t ticket, const StopPrices& stops, int round) {
@@ -69,7 +70,7 @@ std::int32_t CClientAPIManager::set_stops(std::int64_t ticket, const StopPrices&
     const PendingOrder* item = client_->PendingOrderItem(index);
     if (item != nullptr && item->kind == "ST" && item->reference == ticket) request.stops_order = item->order;
   }
-  return note_request(request, client_->UpdateSLTP(ticket, stops));
+  return note_request(request, client_->UpdateSLTP(ticket, stops, 0));
 }
 
 std::int32_t CClientAPIManager::note_request(SentOrder request, std::int32_t code) {

@@ -159,7 +159,7 @@ void CClientAPIManagers::fan_out(std::int32_t side) {
     const Row* row = desk_.market_order->account_row(account);
     if (row == nullptr || !row->checked()) continue;
     const double amount = row->cell(1).number();
-    const std::int32_t code = client.NewMarketOrder(side, session->symbol_id(symbol), amount, "", "");
+    const std::int32_t code = client.NewMarketOrder(side, session->symbol_id(symbol), amount, "", "", 0);
     session->note_sent(
         {.amount = amount,
          .side = side,

@@ -87,7 +87,7 @@ TEST_F(DealerFiles, WhatWaitsAndWhatIsOwedOutlivesTheProgram) {
     const auto holder = rig.trader(2);
     DealerRig::send(holder, buy, "EURUSD", 1.0);
     rig.run(200);
-    holder.client->UpdateSLTP(holder.client->OpenPositionItem(1)->ticket, stop_prices(1.08, 0));
+    holder.client->UpdateSLTP(holder.client->OpenPositionItem(1)->ticket, stop_prices(1.08, 0), next_id());
     const auto seat = rig.trader(0);
     DealerRig::send(seat, buy, "EURUSD", 0.3);
     const auto requoted = rig.trader(1);

@@ -74,8 +74,8 @@ TEST(DealerLog, EveryKindOfChangeIsThereAfterACrash) {
   };
   const std::int64_t ticket = open_half(rig, one, buy);
   expect_kept(1);
-  one.client->UpdateSLTP(ticket, stop_prices(1.0750, 1.2));
-  one.client->ClosePosition(std::to_string(ticket), "0.1", "");
+  one.client->UpdateSLTP(ticket, stop_prices(1.0750, 1.2), next_id());
+  one.client->ClosePosition(std::to_string(ticket), "0.1", "", next_id());
   rig.run(500);
   expect_kept(2);
   EntryOrder order;
@@ -83,13 +83,13 @@ TEST(DealerLog, EveryKindOfChangeIsThereAfterACrash) {
   order.symbol_id = two.client->FindSymbol("GBPUSD")->id;
   order.amount = 0.3;
   order.price = 1.1;
-  two.client->NewEntryOrder(order);
+  two.client->NewEntryOrder(order, next_id());
   rig.run(500);
   const std::int64_t waiting = two.client->PendingOrderItem(2)->order;
-  two.client->UpdateEntryOrder(waiting, 1.2, {});
+  two.client->UpdateEntryOrder(waiting, 1.2, {}, next_id());
   rig.run(500);
   expect_kept(3);
-  two.client->DeleteEntryOrder(waiting);
+  two.client->DeleteEntryOrder(waiting, next_id());
   rig.run(20'000);  // the stop loss goes with its position
   EXPECT_EQ(one.client->OpenPositionCount() + one.client->PendingOrderCount(), 0);
   expect_kept(4);
@@ -274,7 +274,7 @@ TEST(DealerLog, WhatTheBookCanNotHoldIsRefusedAtOnce) {
   const std::int64_t ticket = open_half(rig, seat, buy);
   const std::int64_t waiting = seat.client->PendingOrderItem(1)->order;
   const auto close = [&](const char* amount) {
-    return seat.client->ClosePosition(std::to_string(ticket), amount, "");
+    return seat.client->ClosePosition(std::to_string(ticket), amount, "", next_id());
   };
   const auto enter = [&](EntryKind kind, double amount, double price, double take_profit) {
     EntryOrder order;
@@ -285,13 +285,13 @@ TEST(DealerLog, WhatTheBookCanNotHoldIsRefusedAtOnce) {
     order.price = price;
     order.take_profit = take_profit;
     order.has_take_profit = take_profit != 0.0;
-    return seat.client->NewEntryOrder(order);
+    return seat.client->NewEntryOrder(order, next_id());
   };
   const auto change = [&](double price, double stop_loss, double take_profit) {
-    return seat.client->UpdateEntryOrder(waiting, price, stop_prices(stop_loss, take_profit));
+    return seat.client->UpdateEntryOrder(waiting, price, stop_prices(stop_loss, take_profit), next_id());
   };
   const auto stops = [&](double stop_loss, double take_profit) {
-    return seat.client->UpdateSLTP(ticket, stop_prices(stop_loss, take_profit));
+    return seat.client->UpdateSLTP(ticket, stop_prices(stop_loss, take_profit), next_id());
   };
   const auto limit = EntryKind::limit, stop = EntryKind::stop;
   const auto taken = request::taken, lots = request::invalid_lots, price = request::invalid_price;

@@ -43,7 +43,8 @@ TEST(DealerChanges, TheStopsOfAPositionComeChangeAndGo) {
     *seat.seen = {};
   };
   const auto set = [&](double stop_loss, double take_profit) {
-    EXPECT_EQ(seat.client->UpdateSLTP(ticket, stop_prices(stop_loss, take_profit)), request::taken);
+    EXPECT_EQ(seat.client->UpdateSLTP(ticket, stop_prices(stop_loss, take_profit), next_id()),
+              request::taken);
   };
   set(0, 0);
   expect({"new stops 10"}, 0, 0, 0);
@@ -56,7 +57,7 @@ TEST(DealerChanges, TheStopsOfAPositionComeChangeAndGo) {
   EXPECT_EQ(rig.server.outcomes().back().number, order);
   EXPECT_TRUE(rig.server.outcomes().back().updated);
   expect({"update stops 1", "+ST", "changed"}, 1, 0, 1.12);
-  seat.client->ClosePosition(std::to_string(ticket), "0.2", "");
+  seat.client->ClosePosition(std::to_string(ticket), "0.2", "", next_id());
   expect({"close 1", "changed", "+ST", "summary"}, 1, 0, 1.12);
   set(0, 0);
   expect({"update stops 1", "-ST", "changed"}, 0, 0, 0);
@@ -66,7 +67,7 @@ TEST(DealerChanges, TheStopsOfAPositionComeChangeAndGo) {
   EXPECT_EQ(seat.client->OpenPositionItem(1)->stop_loss, 0.0);
   seat.seen->events.clear();
   // Two on their way with a close: each finds what the others left.
-  seat.client->ClosePosition(std::to_string(ticket), "0.3", "");
+  seat.client->ClosePosition(std::to_string(ticket), "0.3", "", next_id());
   set(1.04, 0);
   set(1.03, 0);
   rig.run(200);
@@ -99,9 +100,9 @@ TEST(DealerChanges, ChangesOfEntryOrdersAndStopsAreCheckedAndDone) {
   };
   for (const Case& one : entries) {
     *seat.seen = {};
-    EXPECT_EQ(
-        seat.client->UpdateEntryOrder(one.number, one.price, stop_prices(one.stop_loss, one.take_profit)),
-        one.code)
+    EXPECT_EQ(seat.client->UpdateEntryOrder(one.number, one.price,
+                                            stop_prices(one.stop_loss, one.take_profit), next_id()),
+              one.code)
         << one.price;
     EXPECT_EQ(rig.heard(seat, 200), one.code == 1 ? (Words{"update 1", "+LO"}) : Words{});
     if (one.code != 1) continue;
@@ -116,7 +117,8 @@ TEST(DealerChanges, ChangesOfEntryOrdersAndStopsAreCheckedAndDone) {
       {sold, 0, 1.08511, 0, 21},      {sold, 0, 0, 1.08413, 21},   {limit, 0, 1.08, 0, 7},
   };
   for (const Case& one : positions)
-    EXPECT_EQ(seat.client->UpdateSLTP(one.number, stop_prices(one.stop_loss, one.take_profit)), one.code)
+    EXPECT_EQ(seat.client->UpdateSLTP(one.number, stop_prices(one.stop_loss, one.take_profit), next_id()),
+              one.code)
         << one.stop_loss << ' ' << one.take_profit;
 }
 
@@ -132,7 +134,7 @@ TEST(DealerChanges, DistancesBelongToTheAccount) {
   EXPECT_EQ(seat.client->SymbolStopDistance("EURUSD"), 0.0);
   const auto place = [](const DealerRig::Seat& from, EntryKind kind, double price) {
     const std::int32_t id = from.client->FindSymbol("EURUSD")->id;
-    return from.client->NewEntryOrder({buy, kind, id, 0.1, price, 0, 0, false, false});
+    return from.client->NewEntryOrder({buy, kind, id, 0.1, price, 0, 0, false, false}, next_id());
   };
   EXPECT_EQ(place(seat, EntryKind::limit, 1.0830), request::invalid_price);
   EXPECT_EQ(place(other, EntryKind::limit, 1.0830), request::taken);
@@ -216,7 +218,8 @@ TEST(DealerTriggers, StopsCloseThePositionAtTheMarket) {
     const auto seat = rig.trader(0);
     const std::int64_t ticket = open_half(rig, seat, one.side);
     const double open_price = seat.client->OpenPositionItem(1)->open_price;
-    EXPECT_EQ(seat.client->UpdateSLTP(ticket, stop_prices(one.stop_loss, one.take_profit)), request::taken);
+    EXPECT_EQ(seat.client->UpdateSLTP(ticket, stop_prices(one.stop_loss, one.take_profit), next_id()),
+              request::taken);
     EXPECT_EQ(rig.heard(seat, 200), (Words{"new stops 1", "+ST", "changed"}));
     const std::int64_t order = seat.seen->reports.at(0).number;
     rig.run(1'300);
@@ -277,8 +280,8 @@ TEST(DealerTriggers, AStopWaitsWhileItsPositionIsInDealingAndGoesWithIt) {
     DealerRig rig(config);
     const auto seat = rig.trader(0);
     const std::int64_t ticket = open_half(rig, seat, buy);
-    EXPECT_EQ(seat.client->UpdateSLTP(ticket, stop_prices(1.08, 0)), request::taken);
-    seat.client->ClosePosition(std::to_string(ticket), "0.5", "");
+    EXPECT_EQ(seat.client->UpdateSLTP(ticket, stop_prices(1.08, 0), next_id()), request::taken);
+    seat.client->ClosePosition(std::to_string(ticket), "0.5", "", next_id());
     rig.run(200);
     *seat.seen = {};
     rig.run(2'000);

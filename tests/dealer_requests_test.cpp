@@ -87,7 +87,7 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
       const auto seat = rig.trader(0);
       if (close) {
         open_half(rig, seat, buy);
-        seat.client->ClosePosition(ticket_of(seat), "0.5", "");
+        seat.client->ClosePosition(ticket_of(seat), "0.5", "", next_id());
       } else {
         DealerRig::send(seat, buy, "EURUSD", 0.5);
       }
@@ -97,9 +97,9 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
       EXPECT_NEAR(first.new_price, close ? 1.0842 : 1.08492, 1e-9);
       rig.run(one.at);
       if (does == "accept" || does == "no money") {
-        EXPECT_EQ(seat.client->AcceptRequote(first.order), one.code) << one.at;
+        EXPECT_EQ(seat.client->AcceptRequote(first.order, next_id()), one.code) << one.at;
       } else if (does == "reject") {
-        EXPECT_EQ(seat.client->RejectRequote(first.order), one.code) << one.at;
+        EXPECT_EQ(seat.client->RejectRequote(first.order, next_id()), one.code) << one.at;
       }
       rig.run(10'000);
       Words expected = close ? Words{"close pending", "+CP"} : Words{"order pending", "+OP"};
@@ -112,7 +112,7 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
       EXPECT_EQ(seat.client->PendingOrderCount(), 0);
       if (one.done) {
         EXPECT_EQ(seat.seen->reports.back().price, first.new_price);
-        EXPECT_EQ(seat.client->AcceptRequote(first.order), request::invalid_order_id);
+        EXPECT_EQ(seat.client->AcceptRequote(first.order, next_id()), request::invalid_order_id);
       }
     }
   }
@@ -145,15 +145,15 @@ TEST(DealerRequests, EveryCodeIsReachable) {
        [](const auto& seat) { return DealerRig::send(seat, buy, "EURUSD", 1.0); }},
       {FaultPoint::close,
        {"close ", "summary"},
-       [](const auto& seat) { return seat.client->ClosePosition(ticket_of(seat), "0.5", ""); }},
+       [](const auto& seat) { return seat.client->ClosePosition(ticket_of(seat), "0.5", "", next_id()); }},
       {FaultPoint::update,
        {"update "},
        [](const auto& seat) {
-         return seat.client->UpdateEntryOrder(seat.client->PendingOrderItem(1)->order, 1.08, {});
+         return seat.client->UpdateEntryOrder(seat.client->PendingOrderItem(1)->order, 1.08, {}, next_id());
        }},
       {FaultPoint::update,
        {"new stops "},
-       [&](const auto& seat) { return seat.client->UpdateSLTP(ticket, stop_prices(1.08, 0)); }},
+       [&](const auto& seat) { return seat.client->UpdateSLTP(ticket, stop_prices(1.08, 0), next_id()); }},
   };
   const auto check = [&](const Kind& kind, DealerRig& rig, const DealerRig::Seat& seat, std::int32_t request,
                          std::int32_t result) {
@@ -227,7 +227,7 @@ TEST(DealerRequests, SwapAndCommissionMakeTheBooksAdd) {
     AccountSummary now = seat.client->GetAccountSummary(500100).values;
     EXPECT_EQ(now.balance, 50'000.0);
     EXPECT_NEAR(now.floating_pl, -6.0 - 3.5 + one.nights * 0.5, 1e-9);
-    seat.client->ClosePosition(ticket_of(seat), "0.2", "");
+    seat.client->ClosePosition(ticket_of(seat), "0.2", "", next_id());
     rig.run(200);
     now = seat.client->GetAccountSummary(500100).values;
     EXPECT_NEAR(now.balance, 50'000.0 + 0.4 * (-6.0 - 3.5 + one.nights * 0.5), 1e-9);
@@ -268,7 +268,8 @@ TEST(DealerRequests, EntryOrdersAreKeptAndCancelled) {
     *seat.seen = {};
     const std::int32_t id = seat.client->FindSymbol("EURUSD")->id;
     EXPECT_EQ(seat.client->NewEntryOrder({one.side, one.kind, id, one.amount, one.price, one.stop_loss,
-                                          one.take_profit, one.stop_loss != 0, one.take_profit != 0}),
+                                          one.take_profit, one.stop_loss != 0, one.take_profit != 0},
+                                         next_id()),
               one.code)
         << one.price << ' ' << one.amount;
     EXPECT_EQ(rig.heard(seat, 200), one.code == request::taken ? (Words{"entry 1", "+LO"}) : Words{});
@@ -280,15 +281,15 @@ TEST(DealerRequests, EntryOrdersAreKeptAndCancelled) {
 
   *seat.seen = {};
   for (int i = 0; i < 3; ++i) {  // refused by the script, done, too late
-    EXPECT_EQ(seat.client->DeleteEntryOrder(stop), request::taken);
+    EXPECT_EQ(seat.client->DeleteEntryOrder(stop, next_id()), request::taken);
   }
   rig.run(200);
-  EXPECT_EQ(seat.client->DeleteEntryOrder(stop), request::invalid_order_id);
+  EXPECT_EQ(seat.client->DeleteEntryOrder(stop, next_id()), request::invalid_order_id);
   std::sort(seat.seen->events.begin(), seat.seen->events.end());  // latencies differ
   EXPECT_EQ(seat.seen->events, (Words{"-LO", "cancel 1", "cancel 10", "cancel 12"}));
-  EXPECT_EQ(seat.client->DeleteEntryOrder(stops), request::invalid_order_id);
-  EXPECT_EQ(seat.client->DeleteSLTPOrder(stop), request::invalid_order_id);
-  EXPECT_EQ(seat.client->DeleteSLTPOrder(stops), request::taken);
+  EXPECT_EQ(seat.client->DeleteEntryOrder(stops, next_id()), request::invalid_order_id);
+  EXPECT_EQ(seat.client->DeleteSLTPOrder(stop, next_id()), request::invalid_order_id);
+  EXPECT_EQ(seat.client->DeleteSLTPOrder(stops, next_id()), request::taken);
   seat.seen->events.clear();
   EXPECT_EQ(rig.heard(seat, 200), (Words{"stops 1", "-ST"}));
   EXPECT_EQ(seat.client->PendingOrderCount(), 4);

@@ -19,6 +19,12 @@ using Words = std::vector<std::string>;
 inline constexpr std::int32_t first = 500'100;  // number of the first sample account
 inline constexpr auto buy = operation::buy, sell = operation::sell;
 
+// Name for one request more.
+inline RequestId next_id() {
+  static RequestId last = 0;
+  return ++last;
+}
+
 // Writes down what a session is told: the events as words, the reports and positions as they came.
 class DealerRecorder final : public CLAPICLASS {
  public:
@@ -56,22 +62,22 @@ class DealerRecorder final : public CLAPICLASS {
   void CloseOrderResult(const OrderReport& report) override { take("close ", report); }
   void MarketOrderAccepted(const OrderReport& report) override { take("accepted ", report); }
   void MarketOrderRejected(const OrderReport& report) override { take("rejected ", report); }
-  void NewLimitOrderResult(std::int64_t order, std::int32_t result) override {
+  void NewLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
     note("entry ", order, result);
   }
-  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result) override {
+  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
     note("cancel ", order, result);
   }
-  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result) override {
+  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
     note("stops ", order, result);
   }
-  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result) override {
+  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
     note("update ", order, result);
   }
-  void NewSLTPOrderResult(std::int64_t order, std::int32_t result) override {
+  void NewSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
     note("new stops ", order, result);
   }
-  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result) override {
+  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
     note("update stops ", order, result);
   }
   void LimitOrderAccepted(const OrderReport& report) override { take("executed ", report); }
@@ -156,7 +162,7 @@ struct DealerRig {
   }
   static std::int32_t send(const Seat& seat, std::int32_t side, const char* symbol, double amount) {
     const Symbol* found = seat.client->FindSymbol(symbol);
-    return seat.client->NewMarketOrder(side, found != nullptr ? found->id : 0, amount, "", "");
+    return seat.client->NewMarketOrder(side, found != nullptr ? found->id : 0, amount, "", "", next_id());
   }
 
   ManualClock clock;

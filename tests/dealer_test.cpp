@@ -35,7 +35,7 @@ TEST(Dealer, LoginsEndAsTheirDataDeserve) {
     EXPECT_EQ(seat.client->FindAccount(one.data.account).has_value(), one.found);
     EXPECT_EQ(seat.client->SymbolCount(), one.found ? 21 : 0);
     if (!one.found) {
-      EXPECT_EQ(seat.client->NewMarketOrder(1, 1, 1.0, "", ""), request::invalid_account);
+      EXPECT_EQ(seat.client->NewMarketOrder(1, 1, 1.0, "", "", next_id()), request::invalid_account);
     }
   }
 }
@@ -146,7 +146,7 @@ TEST(Dealer, ClosesInPartsAndBooksTheProfit) {
   EXPECT_NEAR(seat.seen->summaries.back().floating_pl, 0.3 * 100'000 * (1.09450 - 1.08462), 1e-6);
   const std::string ticket = std::to_string(seat.client->OpenPositionItem(1)->ticket);
   const auto close = [&](const std::string& which, const char* amount) {
-    return seat.client->ClosePosition(which, amount, "");
+    return seat.client->ClosePosition(which, amount, "", next_id());
   };
   for (const char* bad : {"", "0", "-0.1", "0.31", "nan"})
     EXPECT_EQ(close(ticket, bad), request::invalid_lots) << bad;

@@ -104,7 +104,7 @@ const Texts general_texts{
 // An event that carries a result code: its texts, that of all other codes if there is one, and what is
 // written where.
 struct Family {
-  void (CLAPICLASS::*fire)(std::int64_t, std::int32_t);
+  void (CLAPICLASS::*fire)(std::int64_t, std::int32_t, RequestId);
   std::function<void(CClientAPIManager&)> send;  // what it answers
   Texts texts;
   std::optional<std::string> other;
@@ -184,7 +184,7 @@ TEST(SessionAnswers, EveryResultCodeHasItsTextsInItsWindows) {
       SCOPED_TRACE(std::to_string(&family - families) + " " + std::to_string(code));
       OneSession one;
       family.send(one.session);
-      one.writes_once([&] { (one.sink.*family.fire)(12, code); },
+      one.writes_once([&] { (one.sink.*family.fire)(12, code, 0); },
                       text ? family.written(code, *text) : Heard{});
     }
   }

@@ -1,89 +1,16 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string_view>
 
-#include "sessions/contract/CLAPICLASS.h"
-#include "sessions/contract/account_info.h"
-#include "sessions/contract/account_summary.h"
-#include "sessions/contract/codes.h"
-#include "sessions/contract/entry_order.h"
-#include "sessions/contract/login_data.h"
+#include "sessions/contract/account_client.h"
+#include "sessions/contract/order_operations.h"
 
 namespace tutti {
 
-// Trading client: one account's connection to a dealing server. One object per account session.
-//
-// Order operations answer a request code at once; the outcome follows as an event. No operation blocks, none
-// raises an event while it runs, and none throws for a trading failure. Record pointers stay valid until the
-// next event or operation of the same client; indices run from 1 to the count. Not thread-safe: GUI thread
-// only.
-class ClientAPI {
- public:
-  virtual ~ClientAPI() = default;
-
-  // Where events go; nullptr unhooks, and nothing queued reaches the old sink any more.
-  virtual void set_sink(CLAPICLASS* sink) = 0;
-
-  // Called once, when the session is created.
-  virtual void SetLoginData(const LoginData& data) = 0;
-  // Starts a login; a second call while one runs or stands does nothing.
-  virtual void Login() = 0;
-
-  virtual int SymbolCount() const = 0;
-  virtual const Symbol* SymbolItem(int index) const = 0;
-  // Record of a symbol by name, visible to the account or not; nullptr when the server does not know it.
-  virtual const Symbol* SymbolRecord(std::string_view symbol) const = 0;
-  // Record of a symbol that the account carries, else nullptr.
-  virtual const Symbol* FindSymbol(std::string_view symbol) const = 0;
-
-  virtual int OpenPositionCount() const = 0;
-  virtual const OpenPosition* OpenPositionItem(int index) const = 0;
-  virtual int PendingOrderCount() const = 0;
-  virtual const PendingOrder* PendingOrderItem(int index) const = 0;
-
-  // Market order of `amount` lots at the market price; the two texts are reserved and sent empty.
-  virtual std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount,
-                                      std::string_view reserved1, std::string_view reserved2) = 0;
-  virtual std::int32_t NewEntryOrder(const EntryOrder& order) = 0;
-  virtual std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops) = 0;
-  virtual std::int32_t AcceptRequote(std::int64_t order) = 0;
-  virtual std::int32_t RejectRequote(std::int64_t order) = 0;
-  // Ticket as a whole number, amount in lots as default number text, and a reserved text sent empty.
-  virtual std::int32_t ClosePosition(std::string_view ticket, std::string_view amount,
-                                     std::string_view reserved) = 0;
-
-  // True from the moment the account may trade until it is logged out or dropped.
-  virtual bool LoggedIn() const = 0;
-  virtual void Logout() = 0;
-
-  virtual SummaryAnswer GetAccountSummary(std::int32_t account) const = 0;
-  virtual std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) = 0;
-  // Profit in account currency, below 0 a loss, that one lot bought at `at_price` makes when it is closed at
-  // `price`. Of a sold lot it is the negative; the caller scales by the amount. `tag`, one of evaluate::,
-  // says which of its two prices the entry order window asks about. 0 when the account does not carry the
-  // symbol or there is no exchange rate. `value` receives what is returned.
-  virtual double EvaluateSLTPPrice(std::int32_t symbol_id, double at_price, std::string_view tag,
-                                   double price, double& value) const = 0;
-
-  // Minimum distance from the market of an entry order, in points; Symbol::ScaleDistance makes it a price.
-  virtual double SymbolLimitDistance(std::string_view symbol) const = 0;
-  virtual double SymbolStopDistance(std::string_view symbol) const = 0;
-
-  // Information about an account of the logged-in user; nothing when the user does not own it.
-  virtual std::optional<AccountInfo> FindAccount(std::int32_t number) const = 0;
-  // Smallest and largest amount of one order, in lots.
-  virtual double MinimumLot() const = 0;
-  virtual double MaximumLot() const = 0;
-
-  // Cancel an entry order, or the SL/TP order of a position; answered by DeleteLimitOrderResult and
-  // DeleteSLTPOrderResult.
-  virtual std::int32_t DeleteEntryOrder(std::int64_t order) = 0;
-  virtual std::int32_t DeleteSLTPOrder(std::int64_t order) = 0;
-};
+// Trading client: one account's connection to a dealing server. One object per account session, which asks
+// through one half of it; the other half sends.
+class ClientAPI : public AccountClient, public OrderOperations {};
 
 // Makes the trading client of a new session.
 using ClientFactory = std::function<std::unique_ptr<ClientAPI>()>;

@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <string>
 
+#include "core/clock.h"
+#include "sessions/contract/request_id.h"
+
 namespace tutti {
 
 // What the server says about a market order, a close or an executed entry order.
@@ -15,7 +18,14 @@ struct OrderReport {
   std::int32_t operation = 0;     // operation:: code
   double amount = 0.0;            // lots
   std::string symbol;
-  double price = 0.0;
+  double price = 0.0;       // of this fill
+  RequestId id = 0;         // request that is answered
+  std::string execution{};  // the server's name for this fill; empty when nothing was filled
+  double filled = 0.0;      // lots of this fill
+  double filled_all = 0.0;  // lots of the request filled so far
+  double left = 0.0;        // lots of the request that are still alive
+  TimePoint time{};         // the server's; the epoch when it tells none
+  std::string text{};       // the broker's own words, empty when there are none
 };
 
 }  // namespace tutti

@@ -51,23 +51,25 @@ class ScriptedClient final : public ClientAPI {
     return &orders[static_cast<std::size_t>(index) - 1];
   }
   std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
-                              std::string_view) override {
+                              std::string_view, RequestId) override {
     sent.push_back(std::to_string(side) + " " + std::to_string(symbol_id) + " " + std::to_string(amount));
     return request_code;
   }
-  std::int32_t NewEntryOrder(const EntryOrder& o) override {
+  std::int32_t NewEntryOrder(const EntryOrder& o, RequestId) override {
     sent.push_back("entry " + std::to_string(o.side) + (o.kind == EntryKind::limit ? " limit " : " stop ") +
                    std::to_string(o.symbol_id) + " " + number_text(o.amount) + " at " + number_text(o.price) +
                    stops_text(o));
     return request_code;
   }
-  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops) override {
+  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                                RequestId) override {
     sent.push_back("update " + std::to_string(order) + " at " + number_text(price) + stops_text(stops));
     return request_code;
   }
-  std::int32_t AcceptRequote(std::int64_t) override { return request_code; }
-  std::int32_t RejectRequote(std::int64_t) override { return request_code; }
-  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view) override {
+  std::int32_t AcceptRequote(std::int64_t, RequestId) override { return request_code; }
+  std::int32_t RejectRequote(std::int64_t, RequestId) override { return request_code; }
+  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
+                             RequestId) override {
     sent.push_back("close " + std::string{ticket} + " " + std::string{amount});
     if (log != nullptr) log->push_back(std::to_string(login_data.account) + " " + sent.back());
     return request_code;
@@ -75,7 +77,7 @@ class ScriptedClient final : public ClientAPI {
   bool LoggedIn() const override { return logged_in; }
   void Logout() override {}
   SummaryAnswer GetAccountSummary(std::int32_t) const override { return summary; }
-  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops) override {
+  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId) override {
     sent.push_back("stops " + std::to_string(ticket) + stops_text(stops));
     return request_code;
   }
@@ -86,10 +88,13 @@ class ScriptedClient final : public ClientAPI {
   double SymbolLimitDistance(std::string_view) const override { return limit_distance; }
   double SymbolStopDistance(std::string_view) const override { return stop_distance; }
   std::optional<AccountInfo> FindAccount(std::int32_t) const override { return info; }
-  std::int32_t DeleteEntryOrder(std::int64_t) override { return request_code; }
-  std::int32_t DeleteSLTPOrder(std::int64_t) override { return request_code; }
+  std::int32_t DeleteEntryOrder(std::int64_t, RequestId) override { return request_code; }
+  std::int32_t DeleteSLTPOrder(std::int64_t, RequestId) override { return request_code; }
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
+  BookEra Era() const override { return 0; }
+  std::int32_t AskRequest(RequestId, BookEra) override { return request::silent; }
+  std::int32_t AskExecutions(TimePoint) override { return request::silent; }
 
  private:
   template <class Stops>
