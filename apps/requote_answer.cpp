@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "core/dead_time.h"
 #include "core/numbers.h"
 
 namespace tutti {
@@ -68,7 +69,7 @@ void RequoteAnswer::step() {
     tell(waiting_.front(), ". Accept? (y/n)");
     asked_at_ = now;
   }
-  if (now - *asked_at_ < frmPriceChanged::dead_time) {
+  if (now - *asked_at_ < dead_time) {
     // What was typed before this one could be read was not meant for it.
     console.forget_typed();
     return;

@@ -13,7 +13,7 @@
 #include "benchmarks/gui_rivals.h"
 #include "benchmarks/gui_run.h"
 #include "benchmarks/interleaved.h"
-#include "gui/theme.h"
+#include "gui/kit/theme.h"
 
 namespace tutti::bench {
 namespace {

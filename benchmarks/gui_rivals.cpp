@@ -4,7 +4,7 @@
 
 #include "accounts/frmMain.h"
 #include "benchmarks/event_driver.h"
-#include "gui/theme.h"
+#include "gui/kit/theme.h"
 
 namespace tutti::bench {
 namespace {

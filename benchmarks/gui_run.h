@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "benchmarks/gui_windows.h"
-#include "gui/heartbeat.h"
+#include "gui/kit/heartbeat.h"
 
 namespace tutti::bench {
 

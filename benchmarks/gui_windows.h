@@ -6,9 +6,9 @@
 #include <memory>
 
 #include "benchmarks/bench_terminal.h"
-#include "gui/elided_label.h"
-#include "gui/frmMain_window.h"
-#include "gui/screen.h"
+#include "gui/kit/elided_label.h"
+#include "gui/kit/screen.h"
+#include "gui/windows/frmMain_window.h"
 
 class QAbstractItemView;
 

@@ -1,5 +1,6 @@
 #include "orders/frmPriceChanged.h"
 
+#include "core/dead_time.h"
 #include "core/numbers.h"
 
 namespace tutti {
@@ -68,7 +69,7 @@ void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, st
 }
 
 bool frmPriceChanged::buttons_dead() const {
-  return general_.clock.elapsed() - shown_since_ < dead_time;
+  return in_dead_time(general_.clock, shown_since_);
 }
 
 void frmPriceChanged::cmdAccept_Click() {

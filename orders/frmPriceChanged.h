@@ -22,10 +22,6 @@ namespace tutti {
 // countdown the server drives. Unanswered, the requote is rejected when its time is over.
 class frmPriceChanged final : public RequoteDesk, public Displayable {
  public:
-  // How long the buttons are dead after another order has come on show, so that nobody answers a price he has
-  // not read.
-  static constexpr std::chrono::milliseconds dead_time{300};
-
   frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending);
 
   Label framOriginal{"Original Order"};

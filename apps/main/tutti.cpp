@@ -20,14 +20,14 @@
 #include "core/frmMsgBox.h"
 #include "core/standard_streams.h"
 #include "core/stop_signals.h"
-#include "gui/desktop_file_dialog.h"
-#include "gui/desktop_prompt.h"
-#include "gui/desktop_sound.h"
-#include "gui/frmMdiNew_window.h"
-#include "gui/heartbeat.h"
-#include "gui/screen.h"
-#include "gui/screenshot_tour.h"
-#include "gui/theme.h"
+#include "gui/kit/desktop_file_dialog.h"
+#include "gui/kit/desktop_prompt.h"
+#include "gui/kit/desktop_sound.h"
+#include "gui/kit/heartbeat.h"
+#include "gui/kit/screen.h"
+#include "gui/kit/theme.h"
+#include "gui/shell/frmMdiNew_window.h"
+#include "gui/shell/screenshot_tour.h"
 
 namespace {
 

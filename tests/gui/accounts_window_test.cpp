@@ -3,9 +3,9 @@
 #include <QComboBox>
 #include <QTextEdit>
 
-#include "gui/desktop_prompt.h"
-#include "gui/frmMain_window.h"
-#include "gui/frmaccount_window.h"
+#include "gui/kit/desktop_prompt.h"
+#include "gui/windows/frmMain_window.h"
+#include "gui/windows/frmaccount_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {

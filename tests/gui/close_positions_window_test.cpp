@@ -4,11 +4,11 @@
 
 #include <QScrollBar>
 
-#include "gui/desktop_prompt.h"
-#include "gui/elided_label.h"
-#include "gui/frmClosePos_window.h"
-#include "gui/list_text.h"
-#include "gui/theme.h"
+#include "gui/kit/desktop_prompt.h"
+#include "gui/kit/elided_label.h"
+#include "gui/kit/theme.h"
+#include "gui/list/list_text.h"
+#include "gui/windows/frmClosePos_window.h"
 #include "tests/gui/gui_rig.h"
 #include "tests/support/scenario_desk.h"
 
@@ -55,7 +55,7 @@ struct ClosingRig : GuiRig {
   // What moves rows is long past at the end, so that they can be clicked on.
   void run(std::chrono::milliseconds time) {
     GuiRig::run(time);
-    GuiRig::run(frmPriceChanged::dead_time);
+    GuiRig::run(dead_time);
   }
   // Places of the rows whose box is checked, as it is painted.
   std::vector<int> marked() {

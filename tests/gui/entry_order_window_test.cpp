@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "core/numbers.h"
-#include "gui/frmPending_window.h"
-#include "gui/frmlimitorder_window.h"
-#include "gui/price_sketch_view.h"
+#include "gui/windows/frmPending_window.h"
+#include "gui/windows/frmlimitorder_window.h"
+#include "gui/windows/price_sketch_view.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {

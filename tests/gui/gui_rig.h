@@ -10,9 +10,10 @@
 #include <QTimer>
 #include <functional>
 
-#include "gui/frmMdiNew_window.h"
-#include "gui/row_list_view.h"
-#include "gui/screen.h"
+#include "core/dead_time.h"
+#include "gui/kit/screen.h"
+#include "gui/list/row_list_view.h"
+#include "gui/shell/frmMdiNew_window.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {

@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <clocale>
 
-#include "gui/theme.h"
+#include "gui/kit/theme.h"
 #include "tests/gui/hang_guard.h"
 
 int main(int argc, char** argv) {

@@ -14,9 +14,9 @@
 #include <QToolBar>
 
 #include "core/numbers.h"
-#include "gui/elided_label.h"
-#include "gui/frmMdiNew_window.h"
-#include "gui/in_sight.h"
+#include "gui/kit/elided_label.h"
+#include "gui/kit/in_sight.h"
+#include "gui/shell/frmMdiNew_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {
@@ -464,7 +464,7 @@ TEST_F(DesktopTest, AnOpenSymbolListLeavesKeysAndTheScreenToTheOthers) {
                   1.09, 10, 10);
   rig.run(10ms);
   EXPECT_TRUE(requote.Displayed() && !list.isVisible());
-  rig.run(frmPriceChanged::dead_time);
+  rig.run(dead_time);
   EXPECT_TRUE(search());
   press(Qt::Key_F7);
   EXPECT_FALSE(requote.Displayed());

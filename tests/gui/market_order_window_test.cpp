@@ -6,9 +6,9 @@
 
 #include "core/numbers.h"
 #include "core/texts.h"
-#include "gui/frmMW_window.h"
-#include "gui/frmorder_window.h"
-#include "gui/price_label.h"
+#include "gui/windows/frmMW_window.h"
+#include "gui/windows/frmorder_window.h"
+#include "gui/windows/price_label.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {

@@ -3,8 +3,8 @@
 #include <QPushButton>
 #include <QTextEdit>
 
-#include "gui/desktop_prompt.h"
-#include "gui/message_queue_window.h"
+#include "gui/kit/desktop_prompt.h"
+#include "gui/shell/message_queue_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {

@@ -6,11 +6,11 @@
 #include <QClipboard>
 #include <QScrollBar>
 
-#include "gui/elided_label.h"
-#include "gui/frmNetTrade_window.h"
-#include "gui/list_text.h"
-#include "gui/net_matrix_window.h"
-#include "gui/total_row.h"
+#include "gui/kit/elided_label.h"
+#include "gui/list/list_text.h"
+#include "gui/list/total_row.h"
+#include "gui/windows/frmNetTrade_window.h"
+#include "gui/windows/net_matrix_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {

@@ -2,7 +2,7 @@
 
 #include <QProgressBar>
 
-#include "gui/frmPriceChanged_window.h"
+#include "gui/windows/frmPriceChanged_window.h"
 #include "tests/gui/gui_rig.h"
 #include "tests/support/scenario_desk.h"
 
@@ -30,7 +30,7 @@ struct RequoteRig : GuiRig {
   }
   void past_dead_time() {
     window.activateWindow();
-    run(frmPriceChanged::dead_time);
+    run(dead_time);
   }
   std::string result() { return main().market_order().lvwConClients.row(0).text(2); }
   std::size_t positions() { return main().trade().lvwOpenPos.size(); }

@@ -6,8 +6,8 @@
 #include <QRegularExpression>
 #include <cmath>
 
-#include "gui/svg_icon.h"
-#include "gui/theme.h"
+#include "gui/kit/svg_icon.h"
+#include "gui/kit/theme.h"
 
 namespace tutti::testing {
 namespace {

@@ -11,16 +11,16 @@
 #include <random>
 
 #include "core/version.h"
-#include "gui/about_window.h"
-#include "gui/csv_export.h"
-#include "gui/desktop_file_dialog.h"
-#include "gui/elided_label.h"
-#include "gui/frmJournal_window.h"
-#include "gui/frmPending_window.h"
-#include "gui/frmTrade_window.h"
-#include "gui/help_window.h"
-#include "gui/row_order.h"
-#include "gui/theme.h"
+#include "gui/kit/desktop_file_dialog.h"
+#include "gui/kit/elided_label.h"
+#include "gui/kit/theme.h"
+#include "gui/list/csv_export.h"
+#include "gui/list/row_order.h"
+#include "gui/shell/about_window.h"
+#include "gui/shell/help_window.h"
+#include "gui/windows/frmJournal_window.h"
+#include "gui/windows/frmPending_window.h"
+#include "gui/windows/frmTrade_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {

@@ -1,0 +1,520 @@
+#include "gui/list/row_list_view.h"
+
+#include <QDataStream>
+#include <QIODevice>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <set>
+#include <utility>
+
+#include "core/dead_time.h"
+#include "gui/kit/screen.h"
+#include "gui/kit/theme.h"
+#include "gui/list/column_spread.h"
+#include "gui/list/list_header.h"
+#include "gui/list/list_text.h"
+#include "gui/list/selection_builder.h"
+
+namespace tutti {
+
+RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t> numbers, bool ticks,
+                         QWidget* parent)
+    : QTableView(parent), model_(list, ticks), screen_(screen) {
+  delegate_.set_numbers(std::move(numbers));
+  setHorizontalHeader(new ListHeader{*this});
+  setItemDelegate(&delegate_);
+  setFrameShape(QFrame::NoFrame);
+  setShowGrid(false);
+  setSelectionBehavior(SelectRows);
+  setSelectionMode(ExtendedSelection);
+  setEditTriggers(NoEditTriggers);
+  setHorizontalScrollMode(ScrollPerPixel);
+  setVerticalScrollMode(ScrollPerPixel);
+  setWordWrap(false);
+  setCornerButtonEnabled(false);
+  viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+  setTabKeyNavigation(false);
+  setContextMenuPolicy(Qt::ActionsContextMenu);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  verticalHeader()->setMinimumSectionSize(theme::row_height);
+  verticalHeader()->setDefaultSectionSize(theme::row_height);
+  horizontalHeader()->setHighlightSections(false);
+  horizontalHeader()->setSectionsClickable(true);
+  horizontalHeader()->setSectionsMovable(true);
+  horizontalHeader()->setMinimumSectionSize(24);
+  horizontalHeader()->setFixedHeight(theme::row_height + 2);
+  // After the headers, which else measure every row and column in between.
+  setModel(&model_);
+
+  connect(horizontalHeader(), &QHeaderView::sectionClicked, this,
+          [this](int column) { header_clicked(column); });
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+    if (!spreading_) dragged_ = true;
+  });
+  connect(&model_, &QAbstractItemModel::modelReset, this, [this, known = model_.columnCount()]() mutable {
+    selecting_ = false;
+    // Widths that the operator has set stay; new columns stand behind them.
+    spread(dragged_ ? known : 0);
+    known = model_.columnCount();
+  });
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { take_selection(); });
+  connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { take_selection(); });
+  screen_.on_settle(*this, [this] { settle(); });
+  screen_.on_refresh(*this, [this] { refresh(); });
+}
+
+Row* RowListView::row_under(const QPoint& position) const {
+  const QModelIndex index = indexAt(position);
+  return index.isValid() ? model_.row_at(index.row()) : nullptr;
+}
+
+void RowListView::settle() {
+  // Where the current row goes another becomes current, which is no reason to bring that into sight.
+  setAutoScroll(false);
+  model_.settle();
+  setAutoScroll(true);
+  if (settled_structure_ != model_.list().structure_stamp()) {
+    settled_structure_ = model_.list().structure_stamp();
+    drop_replaced();
+    // Row headers read their rows, of which the same may be true.
+    verticalHeader()->viewport()->update();
+  }
+  if (!selection_taken_) take_selection();
+}
+
+// A new row may stand where one was freed, in the list and in memory, which is no change to the model; but
+// nobody has selected it.
+void RowListView::drop_replaced() {
+  std::set<int> replaced;
+  for (const QItemSelectionRange& range : selectionModel()->selection()) {
+    for (int place = range.top(); place <= range.bottom(); ++place) {
+      const Row* row = model_.row_at(place);
+      if (row != nullptr && !row->selected()) replaced.insert(place);
+    }
+  }
+  if (replaced.empty()) return;
+  SelectionBuilder dropped{model_};
+  for (const int place : replaced)
+    dropped.add(place, 0, model_.columnCount() - 1);
+  following_ = true;
+  selectionModel()->select(dropped.selection(), QItemSelectionModel::Deselect);
+  following_ = false;
+}
+
+void RowListView::refresh() {
+  settle();
+  // What is brought up again is new to the operator.
+  if (!isVisible() || screen_.frame() > frame_ + 1) standing_.clear();
+  frame_ = screen_.frame();
+  if (!isVisible()) return;
+  const int first = rowAt(0);
+  const int below = rowAt(viewport()->height() - 1);
+  const int last = below < 0 ? model_.rowCount() - 1 : below;
+  const bool was_in_order = model_.in_order();
+  model_.check_order(first, last);
+  if (model_.in_order() != was_in_order) horizontalHeader()->viewport()->update();
+  model_.refresh(first, last);
+  if (model_.list().current() != current_) follow_selection();
+  look_where_rows_stand();
+}
+
+void RowListView::look_where_rows_stand() {
+  if (click_guard_ == nullptr) return;
+  std::vector<Standing> now;
+  auto before = standing_.begin();
+  for (int place = std::max(rowAt(0), 0); place < model_.rowCount(); ++place) {
+    const int top = rowViewportPosition(place);
+    const Row* row = model_.row_at(place);
+    if (top >= viewport()->height() || row == nullptr) break;
+    while (before != standing_.end() && before->top < top)
+      ++before;
+    const bool stood = before != standing_.end() && before->top == top && before->key == row->key();
+    now.push_back({row->key(), top, stood ? before->since : click_guard_->elapsed()});
+  }
+  standing_ = std::move(now);
+}
+
+bool RowListView::just_moved(int place) {
+  if (click_guard_ == nullptr) return false;
+  if (screen_.frame() > frame_) standing_.clear();
+  look_where_rows_stand();
+  const int top = rowViewportPosition(place);
+  const auto at =
+      std::find_if(standing_.begin(), standing_.end(), [&](const Standing& s) { return s.top == top; });
+  return place >= 0 && at != standing_.end() && in_dead_time(*click_guard_, at->since);
+}
+
+void RowListView::take_selection() {
+  if (following_) return;
+  // Rows come and go: what the selection stands on is known when all have.
+  selection_taken_ = model_.settled();
+  if (!selection_taken_) return;
+  RowList& list = model_.list();
+  const QItemSelectionModel& chosen = *selectionModel();
+  std::vector<bool> places(static_cast<std::size_t>(model_.rowCount()));
+  for (const QItemSelectionRange& range : chosen.selection()) {
+    for (int place = range.top(); place <= range.bottom(); ++place)
+      places[static_cast<std::size_t>(place)] = true;
+  }
+  // Rows that a filter hides are never selected: nobody acts on what he does not see.
+  std::vector<Row*> selected;
+  for (std::size_t place = 0; place < places.size(); ++place) {
+    if (places[place]) selected.push_back(model_.row_at(static_cast<int>(place)));
+  }
+  Row* current = model_.row_at(currentIndex().row());
+  if (current != nullptr && !places[static_cast<std::size_t>(currentIndex().row())]) current = nullptr;
+  if (selected.size() == 1 && !(selected.front() == list.current() && selected.front()->selected())) {
+    list.select(*selected.front());
+  }
+  const tsl::robin_set<const Row*> chosen_rows(selected.begin(), selected.end());
+  for (Row& row : list) {
+    const bool wanted = chosen_rows.contains(&row);
+    if (row.selected() != wanted) row.set_selected(wanted);
+  }
+  list.set_current(current);
+  current_ = current;
+}
+
+void RowListView::follow_selection() {
+  current_ = model_.list().current();
+  const int place = current_ == nullptr ? -1 : model_.place_of(current_);
+  // What a filter hides is not selected, whoever wants it to be.
+  if (current_ != nullptr && place < 0) return take_selection();
+  if (place < 0) return;
+  following_ = true;
+  selectionModel()->setCurrentIndex(model_.index(place, 0),
+                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  following_ = false;
+}
+
+bool RowListView::go_to(const Row& row) {
+  settle();
+  const int place = model_.place_of(&row);
+  if (place < 0) return false;
+  const QModelIndex index = model_.index(place, 0);
+  const bool in_sight = viewport()->rect().contains(visualRect(index));
+  selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  // Amid its neighbours, and still in sight should the list get smaller as it is brought up.
+  if (!in_sight) scrollTo(index, PositionAtCenter);
+  return true;
+}
+
+void RowListView::set_sortable(bool sortable) {
+  sortable_ = sortable;
+  horizontalHeader()->setSectionsClickable(sortable);
+}
+
+void RowListView::header_clicked(int column) {
+  const bool same = column == model_.sort_column();
+  if (!same) {
+    model_.sort(column, Qt::AscendingOrder);
+  } else if (model_.sort_order() == Qt::AscendingOrder) {
+    model_.sort(column, Qt::DescendingOrder);
+  } else {
+    model_.sort(-1, Qt::AscendingOrder);
+  }
+  horizontalHeader()->viewport()->update();
+}
+
+void RowListView::paintEvent(QPaintEvent* event) {
+  struct Span {
+    std::size_t column;
+    int left;
+    int width;
+  };
+  const QRect area = event->rect();
+  std::vector<Span> spans;
+  int end = 0;  // of the last column
+  for (int column = 0; column < model_.columnCount(); ++column) {
+    if (isColumnHidden(column)) continue;
+    const int left = columnViewportPosition(column);
+    const int width = columnWidth(column);
+    end = std::max(end, left + width);
+    if (left <= area.right() && left + width > area.left())
+      spans.push_back({static_cast<std::size_t>(column), left, width});
+  }
+
+  const bool rows = selectionBehavior() == SelectRows;
+  const auto selected = [this](int place, int column) {
+    return selectionModel()->isSelected(model_.index(place, column));
+  };
+  QPainter painter{viewport()};
+  int place = rowAt(area.top());
+  int top = area.top();
+  for (; place >= 0 && place < model_.rowCount(); ++place) {
+    const QRect row{0, rowViewportPosition(place), end, rowHeight(place)};
+    if (row.top() > area.bottom()) break;
+    top = row.bottom() + 1;
+    if (!event->region().intersects(row)) continue;
+    const RowDelegate::Shown shown{model_.row_at(place), place, rows && selected(place, 0), model_.ticks()};
+    delegate_.paint_ground(painter, row, shown);
+    for (const Span& span : spans) {
+      const QRect cell{span.left, row.top(), span.width, row.height()};
+      if (!rows && selected(place, static_cast<int>(span.column)))
+        painter.fillRect(cell, QColor{theme::selected_cell});
+      delegate_.paint_cell(painter, cell, shown, span.column);
+    }
+  }
+  const QRect right{QPoint{end, area.top()}, area.bottomRight()};
+  const QRect below{QPoint{area.left(), top}, area.bottomRight()};
+  if (right.isValid()) painter.fillRect(right, QColor{theme::base});
+  if (below.isValid()) painter.fillRect(below, QColor{theme::base});
+  delegate_.finish(painter);
+}
+
+void RowListView::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  drop_columns();
+  if (!dragged_) spread();
+}
+
+void RowListView::set_first_to_go(std::vector<std::size_t> columns) {
+  first_to_go_ = std::move(columns);
+  drop_columns();
+  if (!dragged_) spread();
+}
+
+void RowListView::drop_columns() {
+  if (first_to_go_.empty()) return;
+  int least = 0;
+  for (std::size_t column = 0; column < model_.list().columns().size(); ++column)
+    least += least_width(column);
+  spreading_ = true;
+  for (const std::size_t column : first_to_go_)
+    setColumnHidden(static_cast<int>(column), least > viewport()->width());
+  spreading_ = false;
+}
+
+// Of a column that has room for its header and for what it always has to show.
+int RowListView::least_width(std::size_t column) const {
+  const int tick = column == 0 && model_.ticks() ? RowDelegate::tick_width : 0;
+  const int header = delegate_.text_width(model_.list().columns()[column].header);
+  const int text = delegate_.text_width(column < readable_.size() ? readable_[column] : further_readable_);
+  return std::max(header, text) + tick;
+}
+
+void RowListView::keep_readable(std::vector<std::string> texts) {
+  readable_ = std::move(texts);
+  if (!dragged_) spread();
+}
+
+void RowListView::set_columns_vary(std::string text) {
+  columns_vary_ = true;
+  delegate_.set_all_numbers();
+  further_readable_ = std::move(text);
+  if (!dragged_) spread();
+}
+
+void RowListView::follow_percentages() {
+  dragged_ = false;
+  spread();
+}
+
+void RowListView::spread(int from) {
+  std::vector<ColumnShare> shares;
+  const std::vector<Column>& columns = model_.list().columns();
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (isColumnHidden(static_cast<int>(i))) {
+      shares.push_back({});
+      continue;
+    }
+    shares.push_back({columns[i].width, least_width(i)});
+  }
+  const std::vector<int> widths = spread_columns(shares, viewport()->width());
+  spreading_ = true;
+  for (int column = from; column < static_cast<int>(widths.size()); ++column) {
+    // A hidden one comes back as wide as it was.
+    if (!isColumnHidden(column)) setColumnWidth(column, widths[static_cast<std::size_t>(column)]);
+  }
+  spreading_ = false;
+}
+
+QByteArray RowListView::save_columns() const {
+  QByteArray out;
+  if (columns_vary_) return out;
+  QDataStream stream{&out, QIODevice::WriteOnly};
+  stream << dragged_ << horizontalHeader()->saveState();
+  return out;
+}
+
+bool RowListView::restore_columns(const QByteArray& saved) {
+  QDataStream stream{saved};
+  bool dragged = false;
+  QByteArray header;
+  stream >> dragged >> header;
+  spreading_ = true;
+  const bool restored = stream.status() == QDataStream::Ok && horizontalHeader()->restoreState(header);
+  spreading_ = false;
+  // The header draws an arrow of its own.
+  horizontalHeader()->setSortIndicatorShown(false);
+  horizontalHeader()->setSectionsClickable(sortable_);
+  drop_columns();
+  dragged_ = restored && dragged;
+  if (!dragged_) spread();
+  return restored;
+}
+
+RowListView::Target RowListView::target_at(const QModelIndex& index) const {
+  const Row* row = index.isValid() ? model_.row_at(index.row()) : nullptr;
+  return row == nullptr ? Target{} : Target{row, row->key(), index.column()};
+}
+
+bool RowListView::on_tick_box(const QModelIndex& index, const QPoint& position) const {
+  return model_.ticks() && index.isValid() && index.column() == 0 &&
+         position.x() < visualRect(index).left() + RowDelegate::tick_width;
+}
+
+void RowListView::mousePressEvent(QMouseEvent* event) {
+  screen_.settle();
+  const QModelIndex index = indexAt(event->position().toPoint());
+  const bool ticking = event->button() == Qt::LeftButton && on_tick_box(index, event->position().toPoint());
+  selecting_ = false;
+  clicking_ = false;
+  if (just_moved(index.row())) return;
+  pressed_ = target_at(index);
+  clicking_ = clicked && event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
+  if (ticking) {
+    if (Row* row = model_.row_at(index.row())) model_.list().tick(*row, !row->checked());
+    setFocus(Qt::MouseFocusReason);
+    screen_.acted();
+    return;
+  }
+  selecting_ = true;
+  QTableView::mousePressEvent(event);
+  screen_.acted();
+}
+
+// A press that ticks, or does nothing, selects nothing, however the mouse moves before it is let go; nor does
+// one whose rows were all replaced since.
+void RowListView::mouseMoveEvent(QMouseEvent* event) {
+  if (selecting_) QTableView::mouseMoveEvent(event);
+}
+
+void RowListView::mouseReleaseEvent(QMouseEvent* event) {
+  // The toolkit's part ends first: what a click does may open a box.
+  QTableView::mouseReleaseEvent(event);
+  if (event->button() != Qt::LeftButton || !std::exchange(clicking_, false)) return;
+  if (event->modifiers() != Qt::NoModifier) return;
+  screen_.settle();
+  const QModelIndex index = indexAt(event->position().toPoint());
+  // Rows may have moved since the button went down.
+  const Target target = target_at(index);
+  if (target.row == nullptr || target != pressed_) return;
+  clicked(*model_.row_at(index.row()), static_cast<std::size_t>(index.column()));
+  screen_.acted();
+}
+
+void RowListView::mouseDoubleClickEvent(QMouseEvent* event) {
+  screen_.settle();
+  const QModelIndex index = indexAt(event->position().toPoint());
+  // The second of two quick clicks on a box is a click like the first.
+  if (clicked || on_tick_box(index, event->position().toPoint())) return mousePressEvent(event);
+  // Rows may have moved since the first click: what counts is what was clicked twice.
+  if (event->button() != Qt::LeftButton || !index.isValid() || target_at(index) != pressed_) return;
+  run_activate(index);
+}
+
+void RowListView::run_activate(const QModelIndex& index) {
+  Row* row = model_.row_at(index.row());
+  if (row == nullptr) return;
+  if (activate) {
+    activate(*row, static_cast<std::size_t>(index.column()));
+  } else {
+    model_.list().activate(*row);
+  }
+  screen_.acted();
+}
+
+// All that are selected get what the first of them does not have.
+void RowListView::tick_selected() {
+  const std::vector<Row*> rows = model_.list().selected();
+  if (rows.empty()) return;
+  const bool checked = !rows.front()->checked();
+  for (Row* row : rows)
+    model_.list().tick(*row, checked);
+  screen_.acted();
+}
+
+void RowListView::focusInEvent(QFocusEvent* event) {
+  QTableView::focusInEvent(event);
+  horizontalHeader()->viewport()->update();
+}
+
+void RowListView::focusOutEvent(QFocusEvent* event) {
+  QTableView::focusOutEvent(event);
+  horizontalHeader()->viewport()->update();
+}
+
+// In lists of rows the toolkit's Home and End go to the first and last column.
+QModelIndex RowListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  const bool to_end = action == MoveEnd;
+  if (selectionBehavior() != SelectRows || (action != MoveHome && !to_end))
+    return QTableView::moveCursor(action, modifiers);
+  return model_.index(to_end ? model_.rowCount() - 1 : 0, std::max(currentIndex().column(), 0));
+}
+
+int RowListView::place_by_key(const QKeyEvent& event) const {
+  if (selectionBehavior() != SelectRows || event.modifiers() != Qt::NoModifier || model_.rowCount() == 0)
+    return -1;
+  const int last = model_.rowCount() - 1;
+  switch (event.key()) {
+    case Qt::Key_Home:
+      return 0;
+    case Qt::Key_End:
+      return last;
+    default:
+      break;
+  }
+  // With the keyboard the toolkit makes a row current that nobody has selected, and goes on from there.
+  if (model_.list().current() != nullptr) return -1;
+  const int bottom = rowAt(viewport()->height() - 1);
+  switch (event.key()) {
+    case Qt::Key_Down:
+    case Qt::Key_PageDown:
+      return std::min(rowAt(0) + (rowViewportPosition(rowAt(0)) < 0 ? 1 : 0), last);
+    case Qt::Key_Up:
+    case Qt::Key_PageUp:
+      return bottom < 0 ? last : bottom;
+    default:
+      return -1;
+  }
+}
+
+void RowListView::keyPressEvent(QKeyEvent* event) {
+  screen_.settle();
+  if (event->matches(QKeySequence::Copy)) return copy_selected(*this);
+  const bool acts =
+      event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  // A key that is held down acts once.
+  if (acts && event->isAutoRepeat()) return;
+  if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier && model_.ticks()) {
+    return tick_selected();
+  }
+  if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier && spaced) {
+    const std::vector<Row*> rows = model_.list().selected();
+    if (!rows.empty()) spaced(rows);
+    return screen_.acted();
+  }
+  if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+      event->modifiers() == Qt::NoModifier && currentIndex().isValid()) {
+    // When the current row goes, the toolkit moves on to a neighbour that nobody has selected.
+    const Row* row = model_.row_at(currentIndex().row());
+    if (row != nullptr && row == model_.list().current()) run_activate(currentIndex());
+    return;
+  }
+  if (const int place = place_by_key(*event); place >= 0) {
+    const QModelIndex index = model_.index(place, std::max(currentIndex().column(), 0));
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(index);
+    return screen_.acted();
+  }
+  QTableView::keyPressEvent(event);
+}
+
+}  // namespace tutti

@@ -1,0 +1,25 @@
+#include "gui/windows/not_connected_line.h"
+
+#include <utility>
+
+#include "accounts/account_texts.h"
+#include "gui/kit/screen.h"
+#include "gui/kit/theme.h"
+
+namespace tutti {
+
+NotConnectedLine::NotConnectedLine(const RowList& clients, Screen& screen) : clients_(clients) {
+  setObjectName(QStringLiteral("not_connected"));
+  set_colour(QColor{theme::amber});
+  setContentsMargins(10, 0, 10, 0);
+  hide();
+  screen.on_refresh(*this, [this] { follow(); });
+}
+
+void NotConnectedLine::follow() {
+  if (std::exchange(seen_stamp_, clients_.stamp()) == clients_.stamp()) return;
+  set_text(QString::fromStdString(not_connected_text(clients_)));
+  if (isHidden() != text().isEmpty()) setVisible(!text().isEmpty());
+}
+
+}  // namespace tutti

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core/row_list.h"
+#include "gui/kit/elided_label.h"
+
+namespace tutti {
+
+class Screen;
+
+// Beside sums over all accounts: how many accounts are not connected, whose share the sums do without. Not
+// there while all are.
+class NotConnectedLine final : public ElidedLabel {
+ public:
+  // `clients`: the accounts list; must live as long as the line.
+  NotConnectedLine(const RowList& clients, Screen& screen);
+
+ private:
+  void follow();
+
+  const RowList& clients_;
+  std::uint64_t seen_stamp_ = ~std::uint64_t{0};  // of the accounts list
+};
+
+}  // namespace tutti
