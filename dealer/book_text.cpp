@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <iterator>
 
 #include "core/checksum.h"
 #include "dealer/book_words.h"
@@ -18,23 +17,10 @@ std::int64_t milliseconds(TimePoint time) {
   return time.time_since_epoch().count();
 }
 
-// As TOML has it between quotes.
-std::string quoted(std::string_view text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\')
-      out.append({'\\', c});
-    else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
-      fmt::format_to(std::back_inserter(out), "\\u{:04x}", static_cast<unsigned>(c));
-    else
-      out += c;
-  }
-  return out += '"';
-}
-
+// No name of a symbol has a character that needs more than the quotes.
 std::string order_fields(std::int32_t account, std::int32_t side, const std::string& symbol, double amount) {
-  return fmt::format("account = {}, side = \"{}\", symbol = {}, amount = {}", account,
-                     word_of(side_words, side), quoted(symbol), amount);
+  return fmt::format("account = {}, side = \"{}\", symbol = \"{}\", amount = {}", account,
+                     word_of(side_words, side), symbol, amount);
 }
 
 template <class Order>

@@ -182,14 +182,13 @@ void DealerSession::tell_answer(const AnswerNews& answer) {
   post(std::make_unique<AnswerNews>(answer));
 }
 
-bool DealerSession::deliver(const News& news) {
-  if (sink_ == nullptr) return false;
-  return std::visit([&](const auto& one) { return pass(*sink_, one); }, news);
+void DealerSession::deliver(const News& news) {
+  if (sink_ != nullptr) std::visit([&](const auto& one) { pass(*sink_, one); }, news);
 }
 
 // The handlers come last below, and nothing of the session is touched after them: they may destroy it.
 
-bool DealerSession::pass(CLAPICLASS& sink, Signal signal) {
+void DealerSession::pass(CLAPICLASS& sink, Signal signal) {
   switch (signal) {
     case Signal::all_loaded:
       sink.AllDataAreLoaded();
@@ -212,52 +211,44 @@ bool DealerSession::pass(CLAPICLASS& sink, Signal signal) {
       sink.SymbolsLoaded();
       break;
   }
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, WaitingNews news) {
+void DealerSession::pass(CLAPICLASS& sink, WaitingNews news) {
   sink.WaitingMode(news.mode);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, ConnectionNews news) {
+void DealerSession::pass(CLAPICLASS& sink, ConnectionNews news) {
   sink.ConnectionState(news.connected);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, PriceNews news) {
+void DealerSession::pass(CLAPICLASS& sink, PriceNews news) {
   price_waiting_[news.symbol] = false;
   sink.SymbolPricesChanged(symbols_[news.symbol]);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, HighLowNews news) {
+void DealerSession::pass(CLAPICLASS& sink, HighLowNews news) {
   high_low_waiting_[news.symbol] = false;
   sink.SymbolHighLowChanged(symbols_[news.symbol]);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, FloatingNews news) {
+void DealerSession::pass(CLAPICLASS& sink, FloatingNews news) {
   TradingAccount::Position* position = account_->find_position(news.ticket);
-  if (position == nullptr) return false;
+  if (position == nullptr) return;
   position->waiting = false;
   sink.PosFloatingPLChanged(position->record);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, SummaryNews) {
+void DealerSession::pass(CLAPICLASS& sink, SummaryNews) {
   summary_waiting_ = false;
   sink.SummariesChanged(account_->summary());
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, TimeNews) {
+void DealerSession::pass(CLAPICLASS& sink, TimeNews) {
   time_waiting_ = false;
   sink.ServerTime(time_);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& news) {
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& news) {
   switch (news->change) {
     case PositionNews::Change::opened:
       sink.NewOpenPosition(news->position);
@@ -269,18 +260,16 @@ bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& 
       sink.DeleteOpenPosition(news->position);
       break;
   }
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news) {
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news) {
   if (news->gone)
     sink.DeletePendingOrder(news->order);
   else
     sink.NewPendingOrder(news->order);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news) {
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news) {
   const OrderReport& report = news->report;
   switch (news->event) {
     case AnswerNews::Event::order:
@@ -329,27 +318,22 @@ bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& ne
       sink.SlTpOrderCanceledNoMoney(report.number);
       break;
   }
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news) {
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news) {
   sink.OrderTimer(*news);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news) {
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news) {
   sink.SymbolPricesChanged(news->symbol);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news) {
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news) {
   sink.PosFloatingPLChanged(news->position);
-  return true;
 }
 
-bool DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news) {
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news) {
   sink.SummariesChanged(news->summary);
-  return true;
 }
 
 }  // namespace tutti

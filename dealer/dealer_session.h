@@ -56,28 +56,28 @@ class DealerSession {
   void tell_requote(const Requote& requote);
   void tell_answer(const AnswerNews& answer);
 
-  // Hands one event to the sink; false when it had become void. The sink may destroy this session.
-  bool deliver(const News& news);
+  // Hands one event to the sink, if it has not become void. The sink may destroy this session.
+  void deliver(const News& news);
 
  private:
   void post(News news);
   void load_symbols();
   void forget_waiting();
-  bool pass(CLAPICLASS& sink, Signal signal);
-  bool pass(CLAPICLASS& sink, WaitingNews news);
-  bool pass(CLAPICLASS& sink, ConnectionNews news);
-  bool pass(CLAPICLASS& sink, PriceNews news);
-  bool pass(CLAPICLASS& sink, HighLowNews news);
-  bool pass(CLAPICLASS& sink, FloatingNews news);
-  bool pass(CLAPICLASS& sink, SummaryNews news);
-  bool pass(CLAPICLASS& sink, TimeNews news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news);
-  bool pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news);
+  void pass(CLAPICLASS& sink, Signal signal);
+  void pass(CLAPICLASS& sink, WaitingNews news);
+  void pass(CLAPICLASS& sink, ConnectionNews news);
+  void pass(CLAPICLASS& sink, PriceNews news);
+  void pass(CLAPICLASS& sink, HighLowNews news);
+  void pass(CLAPICLASS& sink, FloatingNews news);
+  void pass(CLAPICLASS& sink, SummaryNews news);
+  void pass(CLAPICLASS& sink, TimeNews news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news);
 
   EventQueue& queue_;
   const Market& market_;

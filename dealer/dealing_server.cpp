@@ -183,7 +183,8 @@ bool DealingServer::deliver_next() {
     if (event.session == nullptr) continue;
     delivered_account_ = event.session->number();
     const Flag delivering(delivering_);
-    if (event.session->deliver(event.news)) return true;
+    event.session->deliver(event.news);
+    return true;
   }
   return false;
 }

@@ -9,14 +9,10 @@ void EventQueue::push(DealerSession& session, News news) {
 }
 
 bool EventQueue::pop(Event& event) {
-  if (head_ == events_.size()) return false;
-  event = std::move(events_[head_++]);
+  if (events_.empty()) return false;
+  event = std::move(events_.front());
+  events_.pop_front();
   ++popped_;
-  // Rewinds when empty; when events keep coming, moves the rest down once it is the smaller part.
-  if (head_ == events_.size() || head_ >= 4096 + events_.size() / 2) {
-    events_.erase(events_.begin(), events_.begin() + static_cast<std::ptrdiff_t>(head_));
-    head_ = 0;
-  }
   return true;
 }
 

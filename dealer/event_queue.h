@@ -2,9 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <variant>
-#include <vector>
 
 #include "sessions/contract/account_summary.h"
 #include "sessions/contract/open_position.h"
@@ -95,14 +95,14 @@ struct Event {
   News news;
 };
 
-// The one queue of the server, first in, first out over all sessions. Its memory is kept and used again.
+// The one queue of the server, first in, first out over all sessions.
 class EventQueue {
  public:
   void push(DealerSession& session, News news);
   // Moves the oldest event out; false when none is left.
   bool pop(Event& event);
   // How many events were ever pushed, and how many of them have been popped.
-  std::uint64_t pushed() const { return popped_ + (events_.size() - head_); }
+  std::uint64_t pushed() const { return popped_ + events_.size(); }
   std::uint64_t popped() const { return popped_; }
   // Takes back everything that waits for a session.
   void forget(const DealerSession& session);
@@ -110,8 +110,7 @@ class EventQueue {
   void forget_connection(const DealerSession& session);
 
  private:
-  std::vector<Event> events_;
-  std::size_t head_ = 0;
+  std::deque<Event> events_;
   std::uint64_t popped_ = 0;
 };
 
