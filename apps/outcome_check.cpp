@@ -48,9 +48,8 @@ bool tells_an_outcome(const std::string& text) {
 
 OutcomeCheck::OutcomeCheck(const RowList& journal) {
   for (const Row& row : journal) {
-    const Cell& account = row.cell(1);
-    if (!account.is_number()) continue;
-    ++journaled_[{static_cast<std::int32_t>(account.stored_number()), without_details(row.text(2))}];
+    const auto account = static_cast<std::int32_t>(row.cell(1).stored_number());
+    ++journaled_[{account, without_details(row.text(2))}];
   }
 }
 

@@ -22,18 +22,19 @@ bool is_wall(std::string_view text) {
   return true;
 }
 
-int number_at(std::string_view text, std::size_t place, std::size_t length) {
+// Up to the separator behind it.
+int number_at(std::string_view text, std::size_t place) {
   int out = 0;
-  std::from_chars(text.data() + place, text.data() + place + length, out);
+  std::from_chars(text.data() + place, text.data() + text.size(), out);
   return out;
 }
 
 // The moment at which a clock in UTC shows the text.
 TimePoint as_if_utc(std::string_view wall) {
   using namespace std::chrono;
-  const year_month_day date{year{number_at(wall, 0, 4)}, month{static_cast<unsigned>(number_at(wall, 5, 2))},
-                            day{static_cast<unsigned>(number_at(wall, 8, 2))}};
-  return sys_days{date} + hours{number_at(wall, 11, 2)} + minutes{number_at(wall, 14, 2)};
+  const year_month_day date{year{number_at(wall, 0)}, month{static_cast<unsigned>(number_at(wall, 5))},
+                            day{static_cast<unsigned>(number_at(wall, 8))}};
+  return sys_days{date} + hours{number_at(wall, 11)} + minutes{number_at(wall, 14)};
 }
 
 }  // namespace
