@@ -16,6 +16,8 @@
 
 namespace tutti::testing {
 
+using namespace std::chrono_literals;
+
 using Texts = std::vector<std::string>;
 
 Texts sorted(Texts texts);

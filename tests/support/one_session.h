@@ -1,0 +1,54 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/session_rig.h"
+
+namespace tutti::testing {
+
+// Where a session of account 81 writes about order and ticket 12.
+inline const std::string in_journal = "journal 81: ", in_pending = "pending 12: ";
+
+// One session on a scripted client that has an order, of number 12, and a position.
+struct OneSession {
+  OneSession() {
+    client.orders = {{.order = 12,
+                      .account = 81,
+                      .kind = "LO",
+                      .reference = 13,
+                      .operation = 1,
+                      .symbol = "EURUSD",
+                      .amount = 0.5}};
+    client.positions = {{.ticket = 13, .account = 81, .symbol = "EURUSD", .floating_pl = -12.5}};
+  }
+
+  Heard during(const std::function<void()>& step) { return rig.during(step); }
+  void writes(const std::function<void()>& step, const Heard& lines) {
+    EXPECT_EQ(during(step), sorted(lines));
+  }
+  void send(std::int32_t side = 1) {
+    session.note_sent(
+        {.amount = 0.5, .side = side, .request_code = 1, .outcome = SentOrder::Outcome::waiting});
+  }
+  static OrderReport report(std::int32_t result, std::int32_t state, std::int32_t operation = 1) {
+    return {.number = 12,
+            .account = 81,
+            .result = result,
+            .state = state,
+            .operation = operation,
+            .amount = 0.5,
+            .symbol = "EURUSD",
+            .price = 1.0845};
+  }
+  std::string cell(std::size_t column) const { return session.ClientListItem()->text(column); }
+  Ink ink() const { return session.ClientListItem()->cell(2).ink(); }
+
+  SessionRig rig;
+  CClientAPIManager& session = rig.add(81);
+  ScriptedClient& client = rig.client(session);
+  CLAPICLASS& sink = *client.sink;
+};
+
+}  // namespace tutti::testing
