@@ -8,8 +8,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
 Texts lines(const RowList& list) {
   Texts out;
   for (const Row& row : list)

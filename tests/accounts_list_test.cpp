@@ -12,8 +12,6 @@ namespace tutti::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
-
 constexpr const char* all_list = "manage/savelvinfo.buf";
 constexpr const char* connected_list = "manage/saveconnected.buf";
 constexpr const char* records = "manage/Acountinfo.buf";

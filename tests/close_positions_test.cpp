@@ -8,8 +8,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr const char* sure_of_marked =
     "Are you sure you want to close selected postion(s) at current market price(s)?";
 constexpr const char* sure_of_one =
@@ -327,9 +325,11 @@ TEST(ClosePositions, EqualTicketsOfTwoAccountsAreTwoPositions) {
   desk.open(2, 7, operation::sell, "EURUSD", 0.25);
   EXPECT_TRUE(form.marked(*form.searchpos(7, 1)));
   EXPECT_FALSE(form.marked(*form.searchpos(7, 2)));
+  form.MSH.select(*form.searchpos(7, 2));
   form.Displayed(false);
   form.Displayed(true);
   EXPECT_EQ(form.marked_count(), 1u);
+  EXPECT_EQ(form.MSH.current(), form.searchpos(7, 2));
   form.toggle({form.searchpos(7, 1), form.searchpos(7, 2)});
   form.LblCheck.click();
   EXPECT_EQ(desk.sent(), (Texts{"1 close 7 0.5", "2 close 7 0.25"}));
@@ -409,10 +409,18 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   desk.run(300ms);
   EXPECT_EQ(form.answers().text(), std::to_string(marked - 4) + " accepted, 3 refused, 1 waiting");
   EXPECT_EQ(desk.positions().size(), opened - marked + 4);
-  EXPECT_EQ(desk.take_messages().size(), 3u);
   const auto first_of = [&](int account) -> const Row& {
     return form.MSH.row(form.MSH.index_of(*form.get_index(first + account)) + 1);
   };
+  const Texts messages = desk.take_messages();
+  EXPECT_EQ(messages.size(), 3u);
+  for (const auto& [account, text] :
+       {std::pair{5, ", account 500105 does not have privilege"}, {10, ", The amount: 0.5 is invalid"}}) {
+    const std::string refused =
+        "Unable to close position #" + first_of(account).key().text().substr(1) + text;
+    EXPECT_EQ(std::count(messages.begin(), messages.end(), refused), 1) << refused;
+    EXPECT_TRUE(desk.journaled(std::to_string(first + account) + " " + refused));
+  }
   EXPECT_EQ(form.answer_text(first_of(5)), "No Privilege ");
   for (const auto& [account, text] :
        {std::pair{15, " Trading is closed"}, {20, "Position in pending mode"}}) {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <cstdlib>
@@ -6,7 +7,9 @@
 #include <limits>
 #include <optional>
 
+#include "apps/times.h"
 #include "core/CLocalSettings.h"
+#include "core/descriptor.h"
 #include "core/line_reader.h"
 #include "core/numbers.h"
 #include "core/row_list.h"
@@ -20,8 +23,6 @@ namespace tutti::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
-
 constexpr double infinite = std::numeric_limits<double>::infinity();
 
 TEST(Numbers, ReaderStopsAtTheFirstForeignCharacter) {
@@ -129,6 +130,11 @@ TEST(RowLists, KeepKeysAndPlacesThroughEveryChange) {
   list.remove(list.row(0));
   EXPECT_EQ(keys_of(list), "- P-2 C1 ");
   expect_places(list);
+  for (Row& row : list) {
+    list.select(row);
+    for (const Row& each : list)
+      EXPECT_EQ(each.selected(), &each == &row);
+  }
 
   auto aside = list.take_all();
   EXPECT_TRUE(list.empty());
@@ -248,6 +254,20 @@ TEST(LineReader, GivesEveryLineOfAnyLength) {
   }
 }
 
+// What comes piece by piece is read until there is as much as was asked for, or no more.
+TEST(Descriptors, ReadAllPieces) {
+  int ends[2];
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
+  const Descriptor in{ends[0]};
+  Descriptor out{ends[1]};
+  EXPECT_TRUE(out.write("ab") && out.write("c") && out.write("de") && out.write("f"));
+  EXPECT_TRUE(out.close());
+  for (const std::string_view text : {"abcde", "f", ""}) {
+    char read[5];
+    EXPECT_EQ(std::string_view(read, in.read(read, sizeof read).value()), text);
+  }
+}
+
 TEST(PathsTest, EitherSlashAndAnyCaseMeanOneFile) {
   const TemporaryFolder folder;
   folder.write("Manage/Acountinfo.buf", "x");
@@ -311,6 +331,17 @@ TEST(Clocks, TheMachinesTellsItsOwnZone) {
   const TimePoint winter{std::chrono::seconds{1'767'225'600}};
   EXPECT_EQ(SystemClock{}.utc_offset(winter), -3h - 30min);
   EXPECT_EQ(SystemClock{}.utc_offset(winter + 4'000h), -2h - 30min);
+  // What the clock showed tells which of the two it was.
+  const SystemClock clock;
+  LocalTimes times{clock};
+  for (const auto& [wall, zone] : {std::pair{"2026-03-08 01:59:59", "-03:30"},
+                                   {"2026-03-08 03:00:00", "-02:30"},
+                                   {"2026-11-01 00:59:59", "-02:30"},
+                                   {"2026-11-01 02:00:09", "-03:30"}}) {
+    std::string text = std::string{wall} + zone;
+    EXPECT_EQ(times.text(wall), text.replace(10, 1, "T"));
+    EXPECT_EQ(times.text(text), text) << "no time of the journal";
+  }
   before ? ::setenv("TZ", before->c_str(), 1) : ::unsetenv("TZ");
 }
 

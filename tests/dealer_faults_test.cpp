@@ -12,18 +12,17 @@ FaultConfig typical(FaultKind kind, std::vector<FaultPoint> on) {
 
 TEST(DealerFaults, LoginsFailAsTheScriptSays) {
   const Words waits = {"waiting 2"};
-  struct Case {
+  const struct {
     FaultKind kind;
     Words soon, later;  // within a second, within a minute
-  };
-  const Case cases[] = {
+  } cases[] = {
       {FaultKind::refuse_login, {"waiting 2", "invalid", "waiting 0"}, {}},
       {FaultKind::unreachable, waits, {"disconnected", "waiting 0"}},
       {FaultKind::silent, waits, {}},
       {FaultKind::delay, waits, {login_words.begin() + 1, login_words.end()}},
       {FaultKind::drop, {"waiting 2", "disconnected", "dropped", "waiting 0"}, {}},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     DealerConfig config = still_market();
     config.faults = {typical(one.kind, {FaultPoint::login})};
     config.faults[0].times = 1;
@@ -44,13 +43,12 @@ TEST(DealerFaults, OrdersGoWrongAsTheScriptSays) {
   const Words unknown = {"order 1",        "opened",     "summary", "order 1",  "close 1",
                          "accepted 1",     "rejected 1", "entry 1", "update 1", "new stops 1",
                          "update stops 1", "cancel 1",   "stops 1", "deleted",  "-"};
-  struct Case {
+  const struct {
     FaultKind kind;
     std::int32_t code;
     Words soon, later;  // within a second, after the seconds of the script
     bool told;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {FaultKind::silent, 1, {"opened", "summary"}, {}, false},
       {FaultKind::swallow, 1, {}, {}, false},
       {FaultKind::delay, 1, {}, done, true},
@@ -61,7 +59,7 @@ TEST(DealerFaults, OrdersGoWrongAsTheScriptSays) {
       {FaultKind::reject, 1, {"order 8", "summary"}, {}, true},
       {FaultKind::drop, 1, {"disconnected", "dropped"}, {}, false},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     DealerConfig config = still_market();
     config.faults = {typical(one.kind, {FaultPoint::open})};
     DealerRig rig(config);
@@ -78,6 +76,22 @@ TEST(DealerFaults, OrdersGoWrongAsTheScriptSays) {
     EXPECT_EQ(outcome.told, one.told);
     EXPECT_EQ(outcome.number == 0, one.code != request::taken);
   }
+}
+
+TEST(DealerFaults, GarbageGoesInFrontOfWhatIsTrue) {
+  DealerConfig config = still_market();
+  config.ticks = {{std::chrono::seconds{1}, "EURUSD", 1.09, 1.0902}};
+  config.faults = {fault(FaultKind::garbage, {FaultPoint::price, FaultPoint::summary, FaultPoint::position})};
+  config.faults[0].value = 7.0;
+  DealerRig rig(config);
+  const auto seat = rig.trader(0);
+  DealerRig::send(seat, buy, "EURUSD", 0.1);
+  rig.run(200);
+  EXPECT_EQ(seat.seen->opened.at(0).amount + seat.seen->summaries.at(0).equity, 14.0);
+  EXPECT_EQ(seat.seen->opened.at(1).amount, 0.1);
+  rig.run(1'000);
+  EXPECT_EQ(seat.seen->prices + seat.seen->floats, 4);
+  EXPECT_EQ(seat.seen->last_bid, 1.09);
 }
 
 TEST(DealerFaults, CountsRunPerAccountFromTheGivenMoment) {

@@ -1,7 +1,9 @@
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
+#include "core/checksum.h"
 #include "core/file_writer.h"
 #include "dealer_rig.h"
 
@@ -27,8 +29,6 @@ class DealerFiles : public ::testing::Test {
 };
 
 TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
-  put("late.csv", "2,EURUSD,1,1.1\n1,EURUSD,1,1.1\n");
-  put("mixed.csv", "1,EURUSD,1,1.1\n2026-03-01 10:00:00,EURUSD,1,1.1\n");
   const auto repeated = [](int count, const std::string& piece) {
     std::string out;
     for (int i = 0; i < count; ++i)
@@ -61,8 +61,9 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
        "line 2: account is not configured"},
       {"[[entry_order]]\naccount = 500100\nside = \"buy\"\nsymbol = \"EURUSD\"\namount = 1\nprice = 0\n",
        "line 6: price"},
-      {"replay = \"late.csv\"\n", "late.csv: line 2: is earlier"},
-      {"replay = \"mixed.csv\"\n", "mixed.csv: line 2: "},
+      {"[[symbol]]\nname = \"A B\"\nbase = \"EUR\"\nprofit = \"USD\"\n", "\"A B\" is no name for a symbol"},
+      {"[[symbol]]\nname = \"A,B\"\nbase = \"EUR\"\nprofit = \"USD\"\n", "\"A,B\" is no name"},
+      {"minimum_lot = 2\nmaximum_lot = 1\n", "the smallest lot is above the largest"},
       {"replay = \"none.csv\"\n", "none.csv: "},
   };
   for (const auto& [text, expected] : cases) {
@@ -70,6 +71,112 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
     ASSERT_FALSE(config) << text;
     EXPECT_NE(config.error().text().find(expected), std::string::npos) << config.error().text();
   }
+  const std::string no_time = "line 1: has a time that is neither", no_price = "line 1: must have a bid";
+  std::vector<std::pair<std::string, std::string>> replays = {
+      {"2,EURUSD,1,1.1\n\n1,EURUSD,1,1.1\n", "line 3: is earlier"},
+      {"1,EURUSD,1,1.1\n2026-03-01 10:00:00,EURUSD,1,1.1\n", "line 2: has a time that is neither"},
+      {"2026-03-01 10:00:00,EURUSD,1,1.1\n1,EURUSD,1,1.1\n", "line 2: has a time that is neither"},
+      {"time,symbol,bid,ask\ntime,symbol,bid,ask\n", "line 2: "},
+      {"1,EURUSD,1\n", "line 1: must have the four fields"},
+      {"-1,EURUSD,1,1.1\n", "line 1: has a time out of range"},
+      {"1000000001,EURUSD,1,1.1\n", "line 1: has a time out of range"},
+      {"1,EURUSD,x,1.1\n", no_price},
+      {"1,EURUSD,1,x\n", no_price},
+      {"1,EURUSD,0,1.1\n", no_price},
+      {"1,EURUSD,1.2,1.1\n", no_price},
+      {"1,EURUSD,1,1e10\n", no_price},
+      {"1,NONE,1,1.1\n", "the replay has a tick of unknown symbol NONE"},
+  };
+  for (const char* moment :
+       {"202x-03-01 10:00:00", "2026-0x-01 10:00:00", "2026-03-0x 10:00:00", "2026-03-01 1x:00:00",
+        "2026-03-01 10:0x:00", "2026-03-01 10:00:0x", "2026.03-01 10:00:00", "2026-03.01 10:00:00",
+        "2026-03-01T10:00:00", "2026-03-01 10.00:00", "2026-03-01 10:00.00", "2026-03-01 10:00:0",
+        "2026-02-29 10:00:00", "2026-03-01 24:00:00", "2026-03-01 10:60:00", "2026-03-01 10:00:60",
+        "2026-03-01 -1:00:00", "2026-03-01 10:-1:00", "2026-03-01 10:00:-1"})
+    replays.emplace_back(std::string{moment} + ",EURUSD,1,1.1\n", no_time);
+  for (const auto& [ticks, expected] : replays) {
+    put("replay.csv", ticks);
+    const auto config = DealerConfig::load(put("dealer.toml", "replay = \"replay.csv\"\n"));
+    ASSERT_FALSE(config) << ticks;
+    EXPECT_NE(config.error().text().find(expected), std::string::npos) << ticks << config.error().text();
+  }
+}
+
+// All that is configured, in the order of the keys' documentation.
+std::string told(const DealerConfig& c) {
+  std::string out =
+      fmt::format("{} {}:{} {} {} {} {} {} {} {} {}\n", c.seed, c.endpoint.address, c.endpoint.port,
+                  c.min_lot, c.max_lot, c.lot_step, c.login_latency.count(), c.order_latency.count(),
+                  c.unreachable_after.count(), c.tick_interval.count(), c.first_number);
+  for (const Tick& t : c.ticks)
+    out += fmt::format("{} {} {} {}\n", t.at.count(), t.symbol, t.bid, t.ask);
+  for (const SymbolConfig& s : c.symbols)
+    out +=
+        fmt::format("{} {} {} {} {} {} {} {} {} {} {} {} {} {} {}\n", s.name, s.base, s.profit, s.digits,
+                    s.contract_size, s.bid, s.spread, s.limit_distance, s.stop_distance, s.volatility,
+                    s.swap_long, s.swap_short, s.commission, s.dealing.count(), static_cast<int>(s.trading));
+  for (const AccountConfig& a : c.accounts)
+    out += fmt::format("{} {} {} {} {} {} {} {} {} {} {} {} {} {} {} {} {} {}\n", a.number, a.user,
+                       a.password, a.name, a.currency, a.balance, a.credit, a.leverage,
+                       fmt::join(a.hidden_symbols, ","), a.privilege, a.hedging,
+                       a.limit_distance.value_or(-1), a.stop_distance.value_or(-1), a.reply_request,
+                       a.reply_close_request, a.reply_result, a.reply_close_result, a.dealing.count());
+  for (const EntryOrderConfig& o : c.entry_orders)
+    out += fmt::format("{} {} {} {} {} {} {} {}\n", o.account, o.operation, o.symbol, o.amount, o.price,
+                       o.stop_loss, o.take_profit, o.ticket);
+  for (const FaultConfig& f : c.faults) {
+    out += fmt::format("{} {} {} {} {} {} {} {} {} at", static_cast<int>(f.kind), fmt::join(f.accounts, ","),
+                       f.after.count(), f.every, f.times, f.code, f.wait.count(), f.points, f.value);
+    for (const FaultPoint point : f.on)
+      out += fmt::format(" {}", static_cast<int>(point));
+    out += '\n';
+  }
+  return out;
+}
+
+TEST_F(DealerFiles, EveryKeyIsReadAndTheRestIsTheSample) {
+  put("ticks.csv",
+      " Time,symbol,bid,ask\n# noon\n\n 2026-03-01 12:00:00.5 , OIL ,70.1,70.2\r\n2026-03-01 "
+      "13:01:02,OIL,7,7");
+  const auto config = DealerConfig::load(put("dealer.toml", R"(
+seed = 7
+endpoint = "10.1.2.3:65535"
+minimum_lot = 0.02
+maximum_lot = 50
+lot_step = 0.01
+login_latency_ms = 1
+order_latency_ms = 2
+unreachable_after_ms = 3
+tick_interval_ms = 4
+first_number = 5
+replay = "ticks.csv"
+sample_symbols = false
+symbol = [{name = "OIL", base = "OIL", profit = "USD", digits = 2, contract_size = 1000, bid = 70.5, spread = 3, limit_distance = 11, stop_distance = 12, volatility = 6, swap_long = -1.5, swap_short = 0.5, commission = 2.5, dealing_seconds = 1.25, trading = "halted"}]
+account = [{number = 9, user = "U", password = "P", name = "N", currency = "USD", balance = 100, credit = 10, leverage = 30, hidden_symbols = ["OIL"], privilege = false, hedging = false, limit_distance = 21, stop_distance = 22, reply_request = 5, reply_close_request = 6, reply_result = 7, reply_close_result = 8, dealing_seconds = 2}]
+entry_order = [
+  {account = 9, side = "sell_stop", symbol = "OIL", amount = 0.3, price = 60, stop_loss = 65, take_profit = 55},
+  {account = 9, side = "sell", symbol = "OIL", amount = 0.4, ticket = 77}]
+fault = [
+  {kind = "requote", account = 9, on = ["close"], after = 1.5, every = 2, times = 3, seconds = 4, points = -2.5},
+  {kind = "drop", account = "all", after = 10},
+  {kind = "garbage", value = nan},
+  {kind = "late", seconds = 0.5}]
+)"));
+  ASSERT_TRUE(config) << config.error().text();
+  EXPECT_EQ(told(*config), R"(7 10.1.2.3:65535 0.02 50 0.01 1 2 3 4 5
+0 OIL 70.1 70.2
+3661500 OIL 7 7
+OIL OIL USD 2 1000 70.5 3 11 12 6 -1.5 0.5 2.5 1250 2
+9 U P N USD 100 10 30 OIL false false 21 22 5 6 7 8 2000
+9 -2 OIL 0.3 60 65 55 0
+9 -1 OIL 0.4 0 0 0 77
+12 9 1500 2 3 0 4000 -2.5 0 at 2
+2  10000 1 0 0 0 0 0 at
+13  0 1 0 0 0 0 nan at 7 8 9
+6  0 1 0 0 500 0 0 at 1 2
+)");
+  // What the pages and the examples speak of.
+  EXPECT_EQ(checksum(told(DealerConfig::sample(70)) + told(DealerConfig::demo())), "d59fd9408e797ca4");
 }
 
 TEST_F(DealerFiles, WhatWaitsAndWhatIsOwedOutlivesTheProgram) {

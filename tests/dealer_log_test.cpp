@@ -163,15 +163,14 @@ TEST(DealerLog, ATornLastLineIsCutAndReportedDamageElsewhereEndsTheStart) {
               std::string::npos)
         << start(changed, book);
   }
-  struct Case {
-    const char* what;
-    std::string log, book, found;
-  };
   const std::string first_log = lines[0];
   const auto last_line = book.rfind('\n', book.size() - 2) + 1;
   const auto before = book.rfind('\n', last_line - 2) + 1;
   const std::string left_out = " was damaged and is left out; the file as it was is dealer-book.toml.damaged";
-  const Case cases[] = {
+  const struct {
+    const char* what;
+    std::string log, book, found;
+  } cases[] = {
       {"a log that was never made", "", book, at_line[0] + "dealer-book.log: line 1 was damaged"},
       {"an older book put back", lines[0] + lines[1], "# x\nversion = 1\nnext_number = 5\n",
        "line 1: goes with another book"},
@@ -186,7 +185,7 @@ TEST(DealerLog, ATornLastLineIsCutAndReportedDamageElsewhereEndsTheStart) {
       {"an entry changed by hand", first_log, book.substr(0, before - 20) + book.substr(before - 1),
        at_line[0]},
   };
-  for (const Case& one : cases)
+  for (const auto& one : cases)
     EXPECT_NE(start(one.log, one.book).find(one.found), std::string::npos) << one.what << '\n'
                                                                            << start(one.log, one.book);
 }
@@ -219,27 +218,26 @@ TEST(DealerLog, AnUnfinishedLastPieceIsCutWhole) {
     begins.push_back(at);
   ASSERT_EQ(begins.size(), 8U) << log;
   enum How { changed, zeroed, ended };  // zeroed with its end, ended in front of it
-  struct Case {
+  const std::string broken = "is damaged";
+  const struct {
     How how;
     std::vector<std::size_t> lines;
     std::string note;
-  };
-  const std::string broken = "is damaged";
-  const Case cases[] = {{changed, {5}, "lines 5 to 7 were"},
-                        {changed, {6}, "lines 5 to 7 were"},
-                        {changed, {7}, "lines 5 to 7 were"},
-                        {changed, {5, 6}, "lines 5 to 7 were"},
-                        {zeroed, {5}, "lines 5 to 6 were"},
-                        {zeroed, {5, 6}, "line 5 was"},
-                        {zeroed, {6, 7}, "lines 5 to 6 were"},
-                        {ended, {7}, "lines 5 to 6 were"},
-                        {ended, {6}, "line 5 was"},
-                        {changed, {4}, broken},
-                        {changed, {3, 7}, broken},
-                        {zeroed, {4, 5}, broken},
-                        {changed, {4, 5, 6, 7}, broken},
-                        {changed, {1, 5}, broken}};
-  for (const Case& one : cases) {
+  } cases[] = {{changed, {5}, "lines 5 to 7 were"},
+               {changed, {6}, "lines 5 to 7 were"},
+               {changed, {7}, "lines 5 to 7 were"},
+               {changed, {5, 6}, "lines 5 to 7 were"},
+               {zeroed, {5}, "lines 5 to 6 were"},
+               {zeroed, {5, 6}, "line 5 was"},
+               {zeroed, {6, 7}, "lines 5 to 6 were"},
+               {ended, {7}, "lines 5 to 6 were"},
+               {ended, {6}, "line 5 was"},
+               {changed, {4}, broken},
+               {changed, {3, 7}, broken},
+               {zeroed, {4, 5}, broken},
+               {changed, {4, 5, 6, 7}, broken},
+               {changed, {1, 5}, broken}};
+  for (const auto& one : cases) {
     std::string text = log;
     for (const std::size_t line : one.lines) {
       if (one.how == changed) text[begins[line - 1] + 20] ^= 0x40;

@@ -154,13 +154,12 @@ TEST(DealerChanges, DistancesBelongToTheAccount) {
 }
 
 TEST(DealerTriggers, EntryOrdersAreExecutedWhenTheirPriceComes) {
-  struct Case {
+  const struct {
     std::int32_t operation;
     double price, stop_loss, take_profit;
     Tick before, at;
     double done_at;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {buy, 1.08, 1.05, 1.15, tick(1, 1.0799, 1.08001), tick(2, 1.07988, 1.08), 1.08},
       {buy, 1.08, 0, 1.15, tick(1, 1.0799, 1.08001), tick(2, 1.07, 1.0701), 1.0701},
       {sell, 1.09, 1.15, 1.05, tick(1, 1.08999, 1.0902), tick(2, 1.09, 1.09012), 1.09},
@@ -170,7 +169,7 @@ TEST(DealerTriggers, EntryOrdersAreExecutedWhenTheirPriceComes) {
       {operation::sell_stop, 1.08, 1.15, 1.05, tick(1, 1.08001, 1.0801), tick(2, 1.08, 1.0801), 1.08},
       {operation::sell_stop, 1.08, 0, 0, tick(1, 1.08001, 1.0801), tick(2, 1.07, 1.0701), 1.07},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     DealerConfig config = ticking({one.before, one.at});
     config.entry_orders = {
         {first, one.operation, "EURUSD", 0.3, one.price, one.stop_loss, one.take_profit, 0}};
@@ -199,13 +198,12 @@ TEST(DealerTriggers, EntryOrdersAreExecutedWhenTheirPriceComes) {
 }
 
 TEST(DealerTriggers, StopsCloseThePositionAtTheMarket) {
-  struct Case {
+  const struct {
     std::int32_t side;
     double stop_loss, take_profit;
     Tick before, at;
     double done_at;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {buy, 1.08, 1.09, tick(2, 1.08001, 1.08002), tick(3, 1.08, 1.0802), 1.08},
       {buy, 1.08, 1.09, tick(2, 1.08999, 1.0902), tick(3, 1.095, 1.0952), 1.095},
       {buy, 1.08, 0, tick(2, 1.2, 1.2002), tick(3, 1.07, 1.0702), 1.07},
@@ -213,7 +211,7 @@ TEST(DealerTriggers, StopsCloseThePositionAtTheMarket) {
       {sell, 1.09, 1.08, tick(2, 1.0799, 1.08001), tick(3, 1.07, 1.0701), 1.0701},
       {sell, 0, 1.08, tick(2, 1.2, 1.2002), tick(3, 1.0799, 1.08), 1.08},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     DealerRig rig(ticking({one.before, one.at}));
     const auto seat = rig.trader(0);
     const std::int64_t ticket = open_half(rig, seat, one.side);
@@ -236,12 +234,11 @@ TEST(DealerTriggers, StopsCloseThePositionAtTheMarket) {
 }
 
 TEST(DealerTriggers, WhatCanNotBeExecutedIsCancelledOrWaits) {
-  struct Case {
+  const struct {
     std::function<void(DealerConfig&)> change;
     Words words;
     std::int32_t result;  // 0: it waits
-  };
-  const Case cases[] = {
+  } cases[] = {
       {[](DealerConfig& c) { c.accounts[0].balance = -1.0; }, {"no money 0", "-LO", "summary"}, 2},
       {[](DealerConfig& c) { c.accounts[0].hedging = false; }, {"no hedging 0", "-LO", "summary"}, 13},
       {[](DealerConfig& c) { c.faults = {fault(FaultKind::silent, {FaultPoint::trigger})}; },
@@ -250,7 +247,7 @@ TEST(DealerTriggers, WhatCanNotBeExecutedIsCancelledOrWaits) {
       {[](DealerConfig& c) { c.symbols[0].trading = Trading::halted; }, {}, 0},
       {[](DealerConfig& c) { c.lot_step = 0.2; }, {}, 0},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     DealerConfig config = ticking({tick(2, 1.07, 1.0702), tick(3, 1.06, 1.0602), tick(4, 1.09, 1.0902)});
     config.entry_orders = {{first, buy, "EURUSD", 0.3, 1.08, 0, 0, 0}};
     one.change(config);

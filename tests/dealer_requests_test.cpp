@@ -56,16 +56,15 @@ TEST(DealerRequests, PendingOrdersAreListedUntilTheDealerDecides) {
 }
 
 TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
-  struct Case {
+  const Words all = {"tick 3", "tick 2", "tick 1", "tick 0"};
+  const Words three = {"tick 3", "tick 2", "tick 1"};
+  const struct {
     const char* does;  // what the operator does
     int at;            // so many milliseconds after the first tick
     std::int32_t code;
     Words words;  // after the pending state
     bool done;
-  };
-  const Words all = {"tick 3", "tick 2", "tick 1", "tick 0"};
-  const Words three = {"tick 3", "tick 2", "tick 1"};
-  const Case cases[] = {
+  } cases[] = {
       {"accept", 0, 1, {"tick 3", "gone", "accepted 1", "done", "summary"}, true},
       {"accept", 2'999, 1, join(three, {"gone", "accepted 1", "done", "summary"}), true},
       {"accept", 4'100, 6, join(all, {"rejected 0", "gone", "summary"}), false},
@@ -74,7 +73,7 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
       {"no money", 0, 1, {"tick 3", "gone", "rejected 2", "summary"}, false},
   };
   for (const bool close : {false, true}) {
-    for (const Case& one : cases) {
+    for (const auto& one : cases) {
       DealerConfig config = still_market();
       config.order_latency = std::chrono::milliseconds{0};
       config.faults = {fault(FaultKind::requote, {close ? FaultPoint::close : FaultPoint::open}, 0,
@@ -119,8 +118,8 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
 }
 
 TEST(DealerRequests, EveryCodeIsReachable) {
-  // The account has a position of half a lot and an entry order. What goes wrong does so from the first
-  // second on; where nothing could ever have been opened, a book brings the two.
+  // The account has a position of half a lot and an entry order from its book, as where nothing could ever
+  // have been opened.
   const auto folder = std::filesystem::path(::testing::TempDir()) / "dealer_codes";
   const auto file = folder / "dealer-book.toml";
   std::filesystem::remove_all(folder);
@@ -155,8 +154,15 @@ TEST(DealerRequests, EveryCodeIsReachable) {
        {"new stops "},
        [&](const auto& seat) { return seat.client->UpdateSLTP(ticket, stop_prices(1.08, 0), next_id()); }},
   };
-  const auto check = [&](const Kind& kind, DealerRig& rig, const DealerRig::Seat& seat, std::int32_t request,
-                         std::int32_t result) {
+  using Change = std::function<void(DealerConfig&)>;
+  const auto ask = [&](const Kind& kind, std::int32_t request, std::int32_t result, const Change& change) {
+    DealerConfig config = still_market();
+    change(config);
+    DealerRig rig(config);
+    std::filesystem::remove_all(folder);
+    ASSERT_TRUE(replace_file(file, book));
+    ASSERT_TRUE(rig.server.keep_book(folder));
+    const auto seat = rig.trader(0);
     EXPECT_EQ(kind.send(seat), request);
     rig.run(200);
     Words answer = request == 1 ? kind.answer : Words{};
@@ -168,27 +174,10 @@ TEST(DealerRequests, EveryCodeIsReachable) {
     EXPECT_EQ(seat.client->PendingOrderItem(1)->price, 1.07);
     EXPECT_EQ(seat.client->OpenPositionItem(1)->stop_loss, 0.0);
   };
-  using Change = std::function<void(DealerConfig&)>;
-  const auto ask = [&](const Kind& kind, std::int32_t request, std::int32_t result, const Change& change) {
-    DealerConfig config = still_market();
-    change(config);
-    DealerRig rig(config);
-    std::filesystem::remove_all(folder);
-    ASSERT_TRUE(replace_file(file, book));
-    ASSERT_TRUE(rig.server.keep_book(folder));
-    check(kind, rig, rig.trader(0), request, result);
-  };
   const auto go_wrong = [&](const Kind& kind, FaultKind wrong, std::int32_t code) {
-    DealerConfig config = with_order;
-    config.faults = {fault(wrong, {kind.point}, code)};
-    config.faults[0].after = std::chrono::seconds{1};
-    DealerRig rig(config);
-    const auto seat = rig.trader(0);
-    EXPECT_EQ(open_half(rig, seat, buy), ticket);
-    rig.run(1'000);
-    *seat.seen = {};
     const bool refused = wrong == FaultKind::refuse;
-    check(kind, rig, seat, refused ? code : 1, refused ? 0 : code);
+    ask(kind, refused ? code : 1, refused ? 0 : code,
+        [&](DealerConfig& c) { c.faults = {fault(wrong, {kind.point}, code)}; });
   };
   for (const Kind& kind : kinds) {
     ask(kind, 2, 0, [](DealerConfig& c) { c.accounts[0].privilege = false; });
@@ -207,11 +196,11 @@ TEST(DealerRequests, EveryCodeIsReachable) {
 TEST(DealerRequests, SwapAndCommissionMakeTheBooksAdd) {
   struct Case {
     std::int32_t side;
-    int days;
-    double nights;  // points per lot
+    int days, midnights;  // that charge
+    double nights;        // points per lot
   };
   // The clock starts on a Monday noon; the midnight that ends Wednesday counts three times.
-  const Case cases[] = {{buy, 1, -6.5}, {buy, 3, -6.5 * 5}, {sell, 8, 2.1 * 8}};
+  const Case cases[] = {{buy, 1, 1, -6.5}, {buy, 3, 3, -6.5 * 5}, {sell, 8, 6, 2.1 * 8}};
   const TimePoint monday = std::chrono::sys_days{std::chrono::year{2026} / 3 / 2} + std::chrono::hours{12};
   for (const Case& one : cases) {
     DealerConfig config = still_market();
@@ -222,7 +211,9 @@ TEST(DealerRequests, SwapAndCommissionMakeTheBooksAdd) {
     DealerRig::send(seat, one.side, "EURUSD", 0.5);
     rig.run(200);
     EXPECT_EQ(seat.seen->opened.at(0).commission, -3.5);
-    rig.run(one.days * 86'400'000LL);
+    seat.seen->events.clear();
+    const Words heard = rig.heard(seat, one.days * 86'400'000LL);
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), "changed"), one.midnights);
     EXPECT_NEAR(seat.client->OpenPositionItem(1)->interest, one.nights * 0.5, 1e-9) << one.days;
     AccountSummary now = seat.client->GetAccountSummary(500100).values;
     EXPECT_EQ(now.balance, 50'000.0);

@@ -9,16 +9,15 @@ namespace tutti {
 namespace {
 
 TEST(Dealer, LoginsEndAsTheirDataDeserve) {
-  struct Case {
+  const Words refused = {"waiting 2", "invalid", "waiting 0"};
+  const Words lost = {"waiting 2", "disconnected", "waiting 0"};
+  const Words not_owned = {"waiting 2", "connected", "symbols", "positions", "orders", "waiting 0", "all"};
+  const struct {
     LoginData data;
     int after;  // milliseconds
     Words words;
     bool found;  // and may trade
-  };
-  const Words refused = {"waiting 2", "invalid", "waiting 0"};
-  const Words lost = {"waiting 2", "disconnected", "waiting 0"};
-  const Words not_owned = {"waiting 2", "connected", "symbols", "positions", "orders", "waiting 0", "all"};
-  const Case cases[] = {
+  } cases[] = {
       {{"ALDER", "ALDER01", 500100, {}}, 300, login_words, true},
       {{"alder", "alder01", 500100, {"127.0.0.1", 4950}}, 300, login_words, true},
       {{"ALDER", "ASPEN02", 500100, {}}, 300, refused, false},
@@ -26,7 +25,7 @@ TEST(Dealer, LoginsEndAsTheirDataDeserve) {
       {{"ALDER", "ALDER01", 500100, {"127.0.0.1", 4951}}, 29'999, {"waiting 2"}, false},
       {{"ALDER", "ALDER01", 500100, {"10.0.0.1", 4950}}, 30'000, lost, false},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     DealerRig rig(still_market());
     const auto seat = rig.seat(one.data);
     seat.client->Login();  // a second call does nothing
@@ -69,20 +68,19 @@ TEST(Dealer, ConnectionsEndInEveryWay) {
 }
 
 TEST(Dealer, AnOrderMovesTheSummaryAsArithmeticSays) {
-  struct Case {
+  const double eur = 1.08456, gbp = 1.26528, jpy = 149.487;  // middle prices
+  const struct {
     const char *currency, *symbol;
     std::int32_t side;
     double margin;    // of two lots at leverage 100, in account currency
     double floating;  // right after opening: the spread
-  };
-  const double eur = 1.08456, gbp = 1.26528, jpy = 149.487;  // middle prices
-  const Case cases[] = {
+  } cases[] = {
       {"USD", "EURUSD", buy, 2000 * eur, -2 * 12.0},
       {"USD", "GBPJPY", sell, 2000 * gbp, -2 * 0.028 * 100'000 / jpy},
       {"EUR", "USDJPY", buy, 2000 / eur, -2 * 0.014 * 100'000 / 162.12},
       {"USD", "DE40", buy, 2 * 25 * 18230.6 * eur / 100, -2 * 25 * 1.2 * eur},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     DealerConfig config = still_market();
     config.accounts[0].currency = one.currency;
     config.accounts[0].credit = 500.0;

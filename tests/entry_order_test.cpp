@@ -69,11 +69,10 @@ struct EntryTerminal : ScriptedTerminal {
 
 TEST(EntryOrder, TellsWherePricesMustLie) {
   EntryTerminal desk;
-  struct Case {
+  const struct {
     int type;
     const char *at, *told;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {buy_limit, "", "< 1.50000; < 1.40000; > 1.60000"},
       {buy_limit, "1.2345678", "< 1.50000; < 1.1345678; > 1.3345678"},
       {buy_limit, "1.3", "< 1.50000; < 1.20000; > 1.40000"},
@@ -84,7 +83,7 @@ TEST(EntryOrder, TellsWherePricesMustLie) {
       {sell_stop, "", "< 1.30000; > 1.90000; < 1.50000"},
       {sell_stop, "1.2x", "< 1.30000; > 1.40000; < 1.00000"},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     desk.fill_in(c.type, c.at);
     EXPECT_EQ(desk.conditions(), c.told) << c.type << " at " << c.at;
   }
@@ -113,12 +112,11 @@ TEST(EntryOrder, TellsWherePricesMustLie) {
 }
 
 TEST(EntryOrder, StopsAreComparedAsTexts) {
-  struct Case {
+  const char *alert = "Alert: Invalid Price", *warning = "Warning: Invalid Price", *no = "";
+  const struct {
     int type;
     const char *at, *sl, *tp, *sent, *box;
-  };
-  const char *alert = "Alert: Invalid Price", *warning = "Warning: Invalid Price", *no = "";
-  const Case cases[] = {
+  } cases[] = {
       {buy_limit, "9.8", "10.5", "", "1 limit 70 1 at 9.8 sl 10.5", no},
       {buy_limit, "9.8", "9.9", "", no, alert},
       {buy_limit, "9.8", "9.8", "", no, alert},
@@ -135,7 +133,7 @@ TEST(EntryOrder, StopsAreComparedAsTexts) {
       {sell_stop, "10", "1", "", no, alert},
       {sell_stop, "10", "", "9", no, no},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(std::to_string(c.type) + " at " + c.at + " sl " + c.sl + " tp " + c.tp);
     EntryTerminal desk{{{5, 5}}};
     desk.fill_in(c.type, c.at, c.sl, c.tp);
@@ -294,37 +292,22 @@ TEST(EntryOrder, DistributeRefusesInItsOwnWords) {
 }
 
 TEST(EntryOrder, ARefusedRowKeepsItsShareAndIsNotSent) {
-  EntryTerminal desk;
-  desk.distribute("3");
+  EntryTerminal desk{{{100, 100}, {100, 100}, {100, 100}, {100, 100}}};
+  desk.distribute("4");
   desk.client(2).summary.values.equity = -1;
+  desk.client(4).summary.values.equity = -std::numeric_limits<double>::infinity();
   desk.client(3).summary.values.free_margin = std::numeric_limits<double>::infinity();
   desk.fill_in(buy_limit, "1.3");
   desk.distribute("0");
-  EXPECT_EQ(desk.rows(), "x1|x1|x1|");
+  EXPECT_EQ(desk.rows(), "x1|x1|x1|x1|");
   desk.distribute("5");
-  EXPECT_EQ(desk.rows(), "x5|-1  no Balance  |-1 Free margin is not a finite number|");
+  EXPECT_EQ(desk.rows(),
+            "x5|-1  no Balance  |-1 Free margin is not a finite number|-1 Equity is not a finite number|");
   desk.boxes();
   desk.form.cmdsubmitlimiorder.click();
   EXPECT_EQ(desk.sent(1).size(), 1u);
-  EXPECT_EQ(desk.sent(2).size() + desk.sent(3).size(), 0u);
+  EXPECT_EQ(desk.sent(2).size() + desk.sent(3).size() + desk.sent(4).size(), 0u);
   EXPECT_EQ(desk.boxes(), Texts{});
-}
-
-TEST(EntryOrder, ValuesThatSharesAreMadeOfMustBeFinite) {
-  using Values = AccountSummary;
-  EntryTerminal desk;
-  desk.fill_in(buy_limit, "1.3");
-  for (const auto& [value, name] :
-       {std::pair{&Values::equity, "Equity"}, {&Values::free_margin, "Free margin"}}) {
-    Row& row = desk.form.lvwConClients.row(1);
-    row.set_checked(true);
-    double& shown = desk.client(2).summary.values.*value;
-    const double before = std::exchange(shown, -std::numeric_limits<double>::infinity());
-    desk.distribute("4");
-    EXPECT_EQ(row.text(frmlimitorder::result_text), std::string{name} + " is not a finite number");
-    EXPECT_FALSE(row.checked());
-    shown = before;
-  }
 }
 
 TEST(EntryOrder, ARefusalWithoutATextIsCountedAndLeavesTheResultAlone) {
@@ -400,7 +383,7 @@ TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
 
   // While a text stands in the symbol's box that was not taken, nothing goes out for another symbol.
   const auto boxes = [&] { return std::exchange(desk.prompt.shown, {}).size(); };
-  market.cbsymbols.choose("EURUSD");
+  watch.to_market_order("EURUSD");
   market.txtammount.type("3");
   market.CBdis.choose(0);
   market.tick_all();
@@ -418,7 +401,8 @@ TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
              "Alert: No symbol has \"xy\" in its name. Type or pick another one, Esc goes back to EURUSD"}));
   market.cbsymbols.end_search();
   market.cmddis.click();
-  EXPECT_EQ(shares(market.lvwConClients), "x1|x1|x1|");
+  watch.lvwMW.activate(watch.lvwMW.row(0));  // the one that is chosen: shares stay
+  EXPECT_EQ(shares(market.lvwConClients) + market.txtammount.text(), "x1|x1|x1|3");
   market.cbsymbols.search("gbp");
   market.cmdbuy.click();
   EXPECT_EQ(desk.sent(1), Texts{});
@@ -426,10 +410,17 @@ TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
   market.cbsymbols.search("EURUSD");
   market.cmdbuy.click();
   EXPECT_EQ(desk.sent(1), Texts{"1 70 1.000000"});
+  watch.lvwMW.activate(watch.lvwMW.row(1));
+  EXPECT_EQ(shares(market.lvwConClients), "x|x|x|");
+  desk.main->symbols().remove("EURUSD");
+  market.symbols_changed();
+  watch.lvwMW.activate(watch.lvwMW.row(0));
+  EXPECT_EQ(market.cbsymbols.text(), "GBPUSD");
+  EXPECT_EQ(boxes(), 2u);
   entry.cblimitordersymbols.search("x");
   entry.cmdlimiorderdis.click();
   entry.cmdsubmitlimiorder.click();
-  EXPECT_EQ(boxes(), 3u);
+  EXPECT_EQ(boxes(), 2u);
 }
 
 TEST(EntryOrder, WaitingDisablesSubmit) {
@@ -467,6 +458,7 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   RowList& orders = desk.main->pending().lvwPending;
   RowList& positions = desk.main->trade().lvwOpenPos;
 
+  desk.distribute("3");
   orders.activate(orders.row(0));
   EXPECT_EQ(state(), "Limit Orders Sell Stop 0.5 1.20000 1.25000 . -|x0.5|-|");
   desk.type(form.txtatprice, "1.10000");

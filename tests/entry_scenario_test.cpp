@@ -7,8 +7,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
 // The operator places a buy limit of EURUSD, shared out among all accounts.
 void place(ScenarioDesk& desk, const char* amount, const char* price, const char* sl = "",
            const char* tp = "") {
@@ -37,21 +35,20 @@ void change(ScenarioDesk& desk, RowList& list, std::size_t row, const char* pric
 
 // Everything the server does is told silently, twice, or not at all; the comparison with its books says so.
 TEST(EntryScenario, TheBooksTellWhatTheJournalDoesNot) {
-  struct Case {
+  const std::string account = "account 500100: ", missing = account + "the journal does not say: ",
+                    surplus = account + "the journal says what the server's books don't: ";
+  const struct {
     FaultKind kind;
     FaultPoint on;
     Texts differences;
-  };
-  const std::string account = "account 500100: ", missing = account + "the journal does not say: ",
-                    surplus = account + "the journal says what the server's books don't: ";
-  const Case cases[] = {
+  } cases[] = {
       {FaultKind::silent, FaultPoint::entry, {missing + "Succeeded"}},
       {FaultKind::twice, FaultPoint::entry, {surplus + "Succeeded"}},
       {FaultKind::silent, FaultPoint::update, {missing + "Order #10000001has been updated"}},
       {FaultKind::twice, FaultPoint::trigger, {surplus + "Entry Order 10000001 has been executed"}},
       {FaultKind::delay, FaultPoint::trigger, {}},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     DealerConfig config = still_market(1);
     config.ticks.insert(config.ticks.begin(), {5s, "EURUSD", 1.0798, 1.07992});
     config.faults = {fault(c.kind, {}, c.on)};

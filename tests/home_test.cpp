@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/chrono.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -23,6 +24,7 @@
 #include "core/descriptor.h"
 #include "core/home_lock.h"
 #include "core/standard_streams.h"
+#include "core/stop_signals.h"
 #include "dealer_rig.h"
 #include "tests/support/command_line_rig.h"
 
@@ -78,17 +80,26 @@ TEST(Home, HasOneTerminalAtATime) {
   ::close(ready[1]);
 }
 
-TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
-  const TemporaryFolder folder;
+// A terminal with three sample accounts in a folder of its own.
+struct Opened {
+  Opened() {
+    options.home = folder.path();
+    options.sample_accounts = 3;
+  }
+  auto open() { return Terminal::open(options, {prompt, sound, dialog, clock, {}}); }
+  TemporaryFolder folder;
   RecordingPrompt prompt;
   RecordingSound sound;
   FakeFileDialog dialog;
-  TerminalOptions options;
   const ManualClock clock;
-  options.home = folder.path() / "home";
-  options.fresh = true;
-  options.sample_accounts = 3;
-  const auto terminal = Terminal::open(options, {prompt, sound, dialog, clock, {}});
+  TerminalOptions options;
+};
+
+TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
+  Opened desk;
+  desk.options.home /= "home";
+  desk.options.fresh = true;
+  const auto terminal = desk.open();
   ASSERT_TRUE(terminal) << terminal.error().text();
   Main& main = (*terminal)->main();
   const frmMain::Connections at_start = main.accounts().connections();
@@ -97,13 +108,12 @@ TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
   EXPECT_EQ((*terminal)->advance(0), 0u);
   main.accounts().mnuload_Click();
   main.accounts().Message("read me");
-  EXPECT_EQ(dialog.titles, std::vector<std::string>{"Load File"});
-  EXPECT_EQ(prompt.take_texts(), std::vector<std::string>{"read me"});
+  EXPECT_EQ(desk.dialog.titles, std::vector<std::string>{"Load File"});
+  EXPECT_EQ(desk.prompt.take_texts(), std::vector<std::string>{"read me"});
 }
 
 TEST(Home, AnEmptyOneAsksForAnAccountOrSamples) {
-  constexpr int samples = 1;
-  constexpr int account = 2;
+  constexpr int samples = 1, account = 2;
   const struct {
     std::string_view told;
     int answer;
@@ -115,20 +125,13 @@ TEST(Home, AnEmptyOneAsksForAnAccountOrSamples) {
                {"fresh", account, FirstStart::own_account, 0},
                {"list", account, FirstStart::nothing_to_ask, 1}};
   for (const auto& [told, answer, asked, accounts] : cases) {
-    const TemporaryFolder folder;
-    if (told == "list") folder.write("manage/savelvinfo.buf", "ALDER,ALDER01,500100\n");
-    RecordingPrompt prompt;
-    RecordingSound sound;
-    FakeFileDialog dialog;
-    const ManualClock clock;
-    TerminalOptions options;
-    options.home = folder.path();
-    options.fresh = told == "fresh";
-    options.sample_accounts = 3;
-    prompt.answers = {answer};
-    EXPECT_EQ(ask_first(prompt, options), asked) << told << answer;
-    EXPECT_EQ(prompt.shown.empty(), asked == FirstStart::nothing_to_ask) << told;
-    const auto terminal = Terminal::open(options, {prompt, sound, dialog, clock, {}});
+    Opened desk;
+    if (told == "list") desk.folder.write("manage/savelvinfo.buf", "ALDER,ALDER01,500100\n");
+    desk.options.fresh = told == "fresh";
+    desk.prompt.answers = {answer};
+    EXPECT_EQ(ask_first(desk.prompt, desk.options), asked) << told << answer;
+    EXPECT_EQ(desk.prompt.shown.empty(), asked == FirstStart::nothing_to_ask) << told;
+    const auto terminal = desk.open();
     ASSERT_TRUE(terminal) << terminal.error().text();
     EXPECT_EQ((*terminal)->main().accounts().lvwClients.size(), accounts) << told << answer;
     EXPECT_TRUE((*terminal)->main().simulated());
@@ -245,6 +248,23 @@ TEST(StandardStreams, AreOpenBeforeAnyFile) {
     ::_exit(open && next > 2 && ::write(1, "x", 1) == 1 ? 0 : 1);
   };
   EXPECT_EXIT(opens_well(), ::testing::ExitedWithCode(0), "");
+}
+
+TEST(StopSignals, TheFirstIsCaughtAndIgnoredOnesStayIgnored) {
+  std::signal(SIGHUP, SIG_IGN);
+  {
+    const StopSignals signals;
+    pollfd wakes{signals.descriptor(), POLLIN, 0};
+    std::raise(SIGHUP);
+    EXPECT_EQ(signals.caught() + ::poll(&wakes, 1, 0), 0);
+    for (const int signal : {SIGTERM, SIGINT})
+      std::raise(signal);
+    EXPECT_EQ(signals.caught(), SIGTERM);
+    EXPECT_EQ(::poll(&wakes, 1, 0), 1);
+  }
+  EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN);
+  for (const int signal : {SIGTERM, SIGINT, SIGPIPE})
+    EXPECT_EQ(std::signal(signal, SIG_DFL), SIG_DFL) << signal;
 }
 
 TEST(BrokerCard, HoldsWhatTheFilesHold) {

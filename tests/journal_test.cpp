@@ -5,8 +5,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
 struct JournalTest : ::testing::Test {
   JournalTest() {
     if (!terminal.start()) ADD_FAILURE() << "not started";

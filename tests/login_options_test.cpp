@@ -37,15 +37,13 @@ TEST(LoginOptions, TheServerFileComesBackAsItWasSaved) {
 }
 
 TEST(LoginOptions, MissingShortAndMalformedServerFiles) {
-  struct Case {
+  const struct {
     const char* content;  // nullptr: no file
     int servers;          // -1: an error
     const char* current;
-  };
-  const Case cases[] = {{nullptr, 0, ":0"},   {"", 0, ":0"},           {"\nh:1\n", 0, "h:1"},
-                        {"A&&h&&1", 1, ":0"}, {"A&&h&&1\nh", 1, ":0"}, {"A&&h", -1, ""},
-                        {"A&&h&&1&&", -1, ""}};
-  for (const Case& one : cases) {
+  } cases[] = {{nullptr, 0, ":0"},      {"", 0, ":0"},    {"\nh:1\n", 0, "h:1"}, {"A&&h&&1", 1, ":0"},
+               {"A&&h&&1\nh", 1, ":0"}, {"A&&h", -1, ""}, {"A&&h&&1&&", -1, ""}};
+  for (const auto& one : cases) {
     SessionRig rig;
     rig.home.write(server_file, "B&&g&&2\ng:2\n5\nold\n");
     ASSERT_TRUE(rig.options.InitializeFromFile());
@@ -114,12 +112,11 @@ TEST_F(AccountDialog, TheFirstStepThatFailsIsToldAndChangesNothing) {
   const std::string fields = "Please fill all account information";
   const std::string comma = "User name and password must not contain a comma or a line end";
   const std::string number = "Please enter a valid  account ID";
-  struct Case {
+  const struct {
     const char *account, *user, *password, *server;
     std::string message;
     const char* current;  // server afterwards
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"", "", "", "", fields, "10.0.0.1:443"},
       {"12a", "", "p", "10.1.1.1", fields, "10.0.0.1:443"},
       {"12a", "ann", "p", "10.1.1.1", wrong, "10.0.0.1:443"},
@@ -142,7 +139,7 @@ TEST_F(AccountDialog, TheFirstStepThatFailsIsToldAndChangesNothing) {
   EXPECT_EQ(dialog.CBServer.text(), "Main");
   dialog.chkSave.click();
   dialog.chkAutoLogin.click();
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     fill(one.account, one.user, one.password, one.server);
     dialog.cmdLoginAA.click();
     ASSERT_EQ(rig.prompt.shown.size(), 1u) << one.message;

@@ -8,8 +8,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
 struct MarketTerminal : ScriptedTerminal {
   explicit MarketTerminal(const Summaries& summaries = {{100, 100}, {100, 100}, {100, 100}})
       : ScriptedTerminal(summaries) {
@@ -34,20 +32,19 @@ struct MarketTerminal : ScriptedTerminal {
 };
 
 TEST(DistributionTest, SharesByEveryRule) {
-  struct Case {
+  const std::string nobody = "No account selected", fill = "Please fill the required fields",
+                    zero = " of the ticked accounts adds up to 0, so nothing can be split by it",
+                    no = " is not a finite number|";
+  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity(),
+               huge = std::numeric_limits<double>::max();
+  const struct {
     const char* amount;
     int rule;
     const char* precision;
     Summaries summaries;
     std::string state;
     std::string message;
-  };
-  const std::string nobody = "No account selected", fill = "Please fill the required fields",
-                    zero = " of the ticked accounts adds up to 0, so nothing can be split by it",
-                    no = " is not a finite number|";
-  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity(),
-               huge = std::numeric_limits<double>::max();
-  const Case cases[] = {
+  } cases[] = {
       {"1", 0, "1", {{5, 5}, {6, 6}, {7, 7}}, "x0.3|x0.3|x0.3|BS", ""},
       {"1", 0, "3", {{5, 5}, {6, 6}, {7, 7}}, "x0.333|x0.333|x0.333|BS", ""},
       {"0.5", 0, "1", {{5, 5}, {5, 5}}, "x0.2|x0.2|BS", ""},
@@ -74,7 +71,7 @@ TEST(DistributionTest, SharesByEveryRule) {
       {"0", 0, "1", {{-1, 0}}, "x|D", fill},
       {".", 0, "1", {{-1, 0}}, "x|D", fill},
       {"", 0, "1", {{-1, 0}}, "x before|D", fill}};
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(std::string{c.amount} + " by rule " + std::to_string(c.rule) + ": " + c.state);
     MarketTerminal desk{c.summaries};
     desk.main->general().set_amount_precision(c.precision);
@@ -331,22 +328,6 @@ TEST(MarketWatch, ARowIsTouchedOnlyByWhatItShows) {
   EXPECT_EQ(told(1.0845, 1.08461, 1.1, 60s), "1.08450 1.08461 11 1.10000 1.07000 00:01 rr 1");
   desk.main->accounts().loadmainsymbols();
   EXPECT_EQ(told(1.0845, 1.08461, 1.1, 60s), "1.08450 1.08461 11 1.10000 1.07000 00:01 pp 1");
-}
-
-TEST(MarketWatch, ADoubleClickChoosesTheSymbolOfTheOrder) {
-  MarketTerminal desk;
-  frmorder& form = desk.main->market_order();
-  RowList& list = desk.main->market_watch().lvwMW;
-  desk.tick_all();
-  desk.distribute("3", 0);
-  list.activate(list.row(0));
-  EXPECT_EQ(desk.state() + form.txtammount.text(), "x1|x1|x1|BS3");
-  list.activate(list.row(1));
-  EXPECT_EQ(desk.state() + form.txtammount.text() + form.cbsymbols.text(), "x|x|x|DGBPUSD");
-  desk.main->symbols().remove("EURUSD");
-  form.symbols_changed();
-  list.activate(list.row(0));
-  EXPECT_EQ(form.cbsymbols.text(), "GBPUSD");
 }
 
 TEST(SymbolSearch, FindsByTheBeginningThenByAnyPart) {

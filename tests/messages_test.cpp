@@ -8,8 +8,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
 struct Boxes {
   RecordingPrompt prompt;
   MessageQueue queue;

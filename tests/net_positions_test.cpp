@@ -1,12 +1,11 @@
-// Net positions and the matrix against sums that are made anew from what is open.
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <map>
 #include <random>
 #include <set>
 
+#include "tests/support/scenario_desk.h"
 #include "tests/support/scripted_terminal.h"
 
 namespace tutti::testing {
@@ -69,7 +68,9 @@ TEST(NetPositions, ListsShowSumsAveragesAndTotals) {
   EXPECT_EQ(rows(desk.net().lvwNetAccounts), (Texts{"1|0.5|1.29000|0||0.5|-999990.12"}));
   EXPECT_EQ(rows(symbols)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
   // The largest that is believed; once it is gone the others are what they were.
-  desk.client(1).sink->DeleteOpenPosition(desk.open(1, 99, 1e6, "GBPUSD", 1e9, 1e12));
+  const OpenPosition largest = desk.open(1, 99, 1e6, "GBPUSD", 1e9, 1e12);
+  desk.client(1).sink->DeleteOpenPosition(largest);
+  desk.client(1).sink->PosFloatingPLChanged(largest);  // that was on its way
   EXPECT_EQ(rows(desk.net().lvwNet)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
   symbols.select(symbols.row(0));
   EXPECT_EQ(rows(desk.net().lvwNetAccounts), (Texts{"3|0||1.5|1.08400|-1.5|7.00"}));
@@ -142,134 +143,32 @@ TEST(NetPositions, WhatIsPickedGoesToTheCloseWindow) {
   EXPECT_TRUE(close.MSH.empty());
 }
 
-// The same account number under a second user name: the server gives the account to one of them only.
-TEST(NetPositions, AnotherUserNameTakesNothingAway) {
-  Netting desk;
-  desk.open(1, 11, 1.0, "EURUSD", 1.0, 5.0);
-  CClientAPIManagers& sessions = desk.main->accounts().sessions();
-  const auto rows_left = [&] {
-    return std::to_string(desk.main->trade().lvwOpenPos.size()) + std::to_string(desk.net().lvwNet.size()) +
-           (desk.main->market_order().account_row(1) != nullptr ? " ticks" : "");
-  };
-  sessions.Add({"another", Secret{"word"}, 1, {}}, "", true);
-  ScriptedClient& other = *desk.clients.back();
-  other.sink->WaitingMode(2);
-  other.sink->ConnectionState(false);  // refused on the way
-  EXPECT_EQ(rows_left(), "12 ticks");
-  other.sink->ConnectionState(true);
-  other.sink->AllDataAreLoaded();  // without the account
-  other.sink->ConnectionState(false);
-  EXPECT_EQ(rows_left(), "12 ticks");
-  other.sink->ConnectionState(true);
-  sessions.RClear(sessions.Count());
-  EXPECT_EQ(rows_left(), "12 ticks");
-
-  // The one that has the account takes everything along, though the other is logged in.
-  sessions.Add({"another", Secret{"word"}, 1, {}}, "", true);
-  desk.clients.back()->sink->ConnectionState(true);
-  sessions.RClear(1);
-  EXPECT_EQ(rows_left(), "00");
-}
-
-// One account, symbol or both, as it should be.
-struct Expected {
-  double bought = 0.0, sold = 0.0, paid = 0.0, profit = 0.0;  // `paid` for what was bought
-  std::set<std::int32_t> accounts;
-
-  void add(const OpenPosition& position) {
-    (position.side > 0 ? bought : sold) += position.amount;
-    profit += position.floating_pl;
-    if (position.side > 0) paid += position.amount * position.open_price;
-    accounts.insert(position.account);
-  }
-};
-
-TEST(NetPositions, SumsStayRightOverTenThousandEvents) {
-  constexpr int accounts = 20;
-  constexpr const char* names[] = {"EURUSD", "GBPUSD", "USDJPY", "XAUUSD", "AUDNZD"};
-  Netting desk{accounts};
-  std::map<std::int64_t, OpenPosition> open;
+// The terminal's sums are compared with what the server has, while accounts trade and connections break.
+TEST(NetPositions, SumsStayRightOverADayOfTrades) {
+  DealerConfig config = DealerConfig::sample(12);
+  config.tick_interval = 100ms;
+  ScenarioDesk desk{config};
   std::mt19937 random{7};
-  const auto below = [&](int end) { return static_cast<int>(random() % static_cast<unsigned>(end)); };
-  const auto one_of_the_open = [&] { return std::next(open.begin(), below(static_cast<int>(open.size()))); };
-  const auto check = [&] {
-    std::map<std::pair<std::int64_t, std::string>, Expected> sums;  // account 0 is all, so is symbol ""
-    std::set<std::string> symbols;
-    for (const auto& [ticket, position] : open) {
-      symbols.insert(position.symbol);
-      for (const std::int32_t account : {0, position.account})
-        for (const std::string& symbol : {std::string{}, position.symbol})
-          sums[{account, symbol}].add(position);
+  const auto below = [&](std::size_t end) { return random() % end; };
+  for (int round = 0; round < 40; ++round) {
+    const char* const names[] = {"EURUSD", "GBPUSD", "USDJPY", "EURJPY", "AUDJPY"};
+    desk.open(round % 3 == 0 ? "12" : "7.2", names[below(5)], below(2) == 0);
+    for (int close = 0; close < 12; ++close) {
+      const Row& row = desk.positions().row(below(desk.positions().size()));
+      const double lots = row.cell(frmTrade::amount).stored_number() / (1.0 + close % 2);
+      desk.main->trade().close_helper(
+          {row.key().number(), lots, static_cast<std::int32_t>(row.cell(frmTrade::account).stored_number())});
     }
-    const RowList& net = desk.net().lvwNet;
-    ASSERT_EQ(net.size(), symbols.size() + 1);
-    for (const Row& row : net) {
-      const bool total = frmNetTrade::is_total(row);
-      const Expected& sum = sums.at({0, total ? "" : row.text(frmNetTrade::symbol)});
-      EXPECT_EQ(row.cell(frmNetTrade::accounts).stored_number(), static_cast<double>(sum.accounts.size()));
-      EXPECT_NEAR(row.cell(frmNetTrade::bought).stored_number(), sum.bought, 1e-7);
-      EXPECT_NEAR(row.cell(frmNetTrade::sold).stored_number(), sum.sold, 1e-7);
-      EXPECT_NEAR(row.cell(frmNetTrade::net).stored_number(), sum.bought - sum.sold, 1e-7);
-      EXPECT_NEAR(row.cell(frmNetTrade::floating).stored_number(), sum.profit, 1e-6);
-      const double average = sum.bought > 0.0 && !total ? sum.paid / sum.bought : 0.0;
-      EXPECT_NEAR(row.cell(frmNetTrade::bought_at).stored_number(), average, 1e-8);
-    }
-    const RowList& matrix = desk.matrix().lvwNetMatrix;
-    ASSERT_EQ(matrix.size(), sums.at({0, ""}).accounts.size() + 1);
-    for (const Row& row : matrix) {
-      for (std::size_t column = NetMatrix::total; column < row.columns(); ++column) {
-        const std::string name = column == NetMatrix::total ? "" : matrix.columns()[column].header;
-        const auto sum = sums.find({row.key().empty() ? 0 : row.key().number(), name});
-        ASSERT_EQ(row.cell(column).empty(), sum == sums.end());
-        if (sum == sums.end()) continue;
-        EXPECT_NEAR(row.cell(column).stored_number(), sum->second.bought - sum->second.sold, 1e-7);
-      }
-    }
-  };
-
-  std::int64_t ticket = 0;
-  for (int event = 0; event < 10'000; ++event) {
-    const int what = below(100);
-    if (what < 30 || open.empty()) {
-      const double lots = (1 + below(300)) / 100.0 * (below(2) == 0 ? 1 : -1);
-      const std::int32_t account = 1 + below(accounts);
-      ++ticket;
-      open[ticket] = desk.open(account, ticket, lots, names[below(5)], 1.0 + below(1000) / 1000.0, 0.0);
-    } else if (what < 60) {
-      OpenPosition& position = one_of_the_open()->second;
-      position.floating_pl = (below(2'000'001) - 1'000'000) / 100.0;
-      desk.client(position.account).sink->PosFloatingPLChanged(position);
-    } else if (what < 70) {
-      OpenPosition& position = one_of_the_open()->second;
-      position.amount = (1 + below(300)) / 100.0;
-      position.open_price += below(100) / 1000.0;
-      if (below(5) == 0) position.side = -position.side;
-      desk.client(position.account).sink->UpdateOpenPosition(position);
-    } else if (what < 98) {
-      const auto at = one_of_the_open();
-      desk.client(at->second.account).sink->DeleteOpenPosition(at->second);
-      desk.client(at->second.account).sink->PosFloatingPLChanged(at->second);  // that was on its way
-      open.erase(at);
-    } else {
-      const std::int32_t account = 1 + below(accounts);
-      ScriptedClient& client = desk.client(account);
-      client.sink->ConnectionState(false);
-      // Most of the positions come back with the connection.
-      std::erase_if(open, [&](const auto& one) { return one.second.account == account && below(4) == 0; });
-      client.positions.clear();
-      for (const auto& [number, position] : open)
-        if (position.account == account) client.positions.push_back(position);
-      client.sink->ConnectionState(true);
-      client.sink->OpenPositionsLoaded();
-    }
-    if (event % 500 == 0) {
-      check();
-    } else if (below(7) == 0) {
-      desk.net();
-      desk.matrix();
-    }
+    desk.run(500ms);
+    EXPECT_EQ(desk.differences(), Texts{}) << round;
+    Row& row = desk.main->accounts().lvwClients.row(below(12));
+    desk.server.drop(static_cast<std::int32_t>(row.cell(frmMain::account).stored_number()));
+    desk.run(50ms);
+    EXPECT_EQ(desk.differences(), Texts{}) << round;
+    desk.main->accounts().LoginClient(row.key());
+    desk.run(500ms);
   }
-  check();
+  EXPECT_GT(desk.positions().size(), 50u);
 }
 
 }  // namespace

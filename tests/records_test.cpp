@@ -82,17 +82,16 @@ TEST(Records, EveryMutationIsRefused) {
 }
 
 TEST(Key, WhatCannotBeTrustedIsRefusedAndLeftAlone) {
-  struct Case {
+  const struct {
     const char* text;  // what the reason says; empty: the key is taken
     std::size_t size;  // bytes
     unsigned mode;
     bool link;
-  };
-  const Case cases[] = {{"", 32, 0600, false},          {"", 32, 0400, false},
-                        {"mode 0640", 32, 0640, false}, {"mode 0602", 32, 0602, false},
-                        {"31 bytes", 31, 0600, false},  {"33 bytes", 33, 0600, false},
-                        {"0 bytes", 0, 0600, false},    {"symbolic link", 32, 0600, true}};
-  for (const Case& one : cases) {
+  } cases[] = {{"", 32, 0600, false},          {"", 32, 0400, false},
+               {"mode 0640", 32, 0640, false}, {"mode 0602", 32, 0602, false},
+               {"31 bytes", 31, 0600, false},  {"33 bytes", 33, 0600, false},
+               {"0 bytes", 0, 0600, false},    {"symbolic link", 32, 0600, true}};
+  for (const auto& one : cases) {
     const TemporaryFolder folder;
     const fs::path file = folder.path() / "key";
     const std::string real = one.link ? "real" : "key";
@@ -188,6 +187,7 @@ TEST(AccountFile, AMissingKeyStopsEverythingAndAnotherKeyLosesNothing) {
   EXPECT_NE(heard[0].find("lines 1, 2, 3, 4 of Acountinfo.buf"), std::string::npos) << heard[0];
   EXPECT_NE(heard[0].find(key_path.string()), std::string::npos);
   ASSERT_TRUE(rig.options.records().remove({"BOB,81", "ANN,82"}));
+  EXPECT_EQ(rig.take(), heard);
   EXPECT_EQ(rig.home.read(name), before);
   ASSERT_TRUE(rig.options.SetData("eve", "secret", 83, true));
   EXPECT_TRUE(rig.home.read(name).starts_with(before));

@@ -11,7 +11,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
 using Desk = ScenarioDesk;
 
 TEST(Scenario, ListsFillFollowTheMarketAndEmpty) {
@@ -79,42 +78,6 @@ TEST(Scenario, ListsFillFollowTheMarketAndEmpty) {
   EXPECT_EQ(desk.differences(), Texts{});
 }
 
-TEST(Scenario, ClosesAreRefusedInTheMiddleOfTheRun) {
-  DealerConfig config = still_market(12);
-  for (AccountConfig& account : config.accounts)
-    account.balance = 50'000.0;
-  config.order_latency = 20ms;
-  for (const int code : {2, 8, 7})
-    config.faults.push_back(fault(FaultKind::refuse, {first + code}, FaultPoint::close, code));
-  const std::int32_t results[] = {2, 3, 4, 5, 6, 7, 8};
-  const std::int32_t ended[] = {0, 1, 3, 4, 5, 6, 9};  // accounts that get these results
-  for (std::size_t i = 0; i < std::size(results); ++i)
-    config.faults.push_back(fault(FaultKind::reject, {first + ended[i]}, FaultPoint::close, results[i]));
-  Desk desk{config};
-  desk.open("12");
-  ASSERT_EQ(desk.positions().size(), 12u);
-  std::map<std::string, std::string> tickets;  // by account
-  for (const Row& row : desk.positions())
-    tickets[row.text(frmTrade::account)] = row.text(0);
-  desk.close_all();
-  // No refusal keeps those behind it waiting until it is read.
-  EXPECT_EQ(desk.prompt.take_texts().size(), 1u);
-  desk.run(1s);
-  const Texts messages = desk.take_messages();
-  EXPECT_EQ(messages.size(), 9u);  // all but of code 7, and of the two that were closed
-  for (const std::string& text :
-       {"Unable to close position #" + tickets["500102"] + ", account 500102 does not have privilege",
-        "Unable to close position #" + tickets["500108"] + ", The amount: 1 is invalid"}) {
-    EXPECT_EQ(std::count(messages.begin(), messages.end(), text), 1) << text;
-    EXPECT_TRUE(desk.journaled(text.find("500102") != text.npos ? "500102 " + text : "500108 " + text));
-  }
-  EXPECT_TRUE(desk.journaled("500110 Request close ticket #" + tickets["500110"] + " Buy 1EURUSD at 1.0845"));
-  EXPECT_TRUE(desk.journaled("500110 Postion " + tickets["500110"] + " is closed successfuly"));
-  EXPECT_EQ(desk.positions().size(), 10u);
-  EXPECT_EQ(desk.server.outcomes().size(), 24u);
-  EXPECT_EQ(desk.differences(), Texts{});
-}
-
 DealerConfig requoting(FaultPoint on, int accounts = 1) {
   DealerConfig config = still_market(2);
   for (int i = 0; i < accounts; ++i)
@@ -148,6 +111,10 @@ TEST(Scenario, ARequoteEndsInEveryWay) {
     frmMain& accounts = desk.main->accounts();
     if (way == unticked) desk.main->market_order().lvwConClients.tick(*desk.order_row(first), false);
     if (taken) form.cmdAccept.click();
+    // Ticks behind the answer are ignored, up to those of a new requote.
+    Requote tick{desk.orders().row(0).key().number(), first, operation::buy, 1.0, "EURUSD", 1.08462, 1.08482};
+    for (tick.seconds_left = 8; taken && tick.seconds_left >= 0; --tick.seconds_left)
+      desk.session(first).OrderTimer(tick);
     if (way == reject) form.cmdReject.click();
     if (way == frame) form.close_by_frame();
     if (way == dropped) desk.server.drop(first);
@@ -175,29 +142,10 @@ TEST(Scenario, ARequoteEndsInEveryWay) {
     const std::string untold = "account 500100: the journal does not say: Order " + number + ended;
     EXPECT_EQ(desk.differences(), here ? Texts{} : Texts{untold});
     EXPECT_EQ(desk.server.outcomes().back().expired, !here);
+    tick.seconds_left = tick.seconds_all = 10;
+    if (taken) desk.session(first).OrderTimer(tick);
+    EXPECT_EQ(form.Displayed(), taken);
   }
-}
-
-TEST(Scenario, TicksBehindAnAnswerAreIgnoredUntilANewRequote) {
-  Desk desk{requoting(FaultPoint::open)};
-  frmPriceChanged& form = desk.main->requote();
-  desk.open("2");
-  desk.run(5s);
-  ASSERT_EQ(form.caption(), "5 / 10");
-  const std::int64_t number = desk.orders().row(0).key().number();
-  Requote tick{number, first, operation::buy, 1.0, "EURUSD", 1.08462, 1.08482, 4, 10};
-  form.cmdAccept.click();
-  for (; tick.seconds_left >= 0; --tick.seconds_left)
-    desk.session(first).OrderTimer(tick);
-  EXPECT_FALSE(form.Displayed());
-  EXPECT_EQ(desk.result(first), "Order number " + std::to_string(number) + " Accepted");
-  desk.run(1s);
-  EXPECT_EQ(desk.take_messages(), Texts{});
-  EXPECT_EQ(desk.positions().size(), 2u);
-  EXPECT_EQ(desk.differences(), Texts{});
-  tick.seconds_left = 10;
-  desk.session(first).OrderTimer(tick);
-  EXPECT_TRUE(form.Displayed());
 }
 
 TEST(Scenario, TwoRequotesAlternateInOneDialog) {

@@ -8,8 +8,6 @@
 namespace tutti::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
 TEST(SessionCollection, The501stAccountIsRefused) {
   SessionRig rig;
   for (int i = 1; i <= 500; ++i)
@@ -169,24 +167,6 @@ TEST(FanOut, NobodyLoggedInIsSaidOnce) {
   EXPECT_TRUE(form.cmddis.enabled());
   EXPECT_EQ(desk.sound.take(), Texts{});
   EXPECT_EQ(desk.server.requests_in_flight(), 0u);
-}
-
-TEST(FanOut, FiveHundredAccountsInOneOrder) {
-  ScenarioDesk desk{DealerConfig::sample(500)};
-  frmorder& form = tick_all(desk, "0.1");
-  ASSERT_EQ(form.lvwConClients.size(), 500u);
-  form.cmdbuy.click();
-  EXPECT_EQ(desk.sound.take().size(), 500u);
-  desk.run(1s);
-  std::map<std::string, int> results;
-  for (std::int32_t i = 0; i < 500; ++i)
-    ++results[desk.result(first + i)];
-  // Of each fifty but the first, one account each has no symbol, money or privilege.
-  EXPECT_EQ(results, (std::map<std::string, int>{{"Market Order Accepted", 470},
-                                                 {"Invalid Price", 10},
-                                                 {"Not enough money", 10},
-                                                 {"No Privilege ", 10}}));
-  EXPECT_EQ(desk.journal().size(), 500u);
 }
 
 }  // namespace

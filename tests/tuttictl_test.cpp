@@ -161,6 +161,17 @@ TEST(Tuttictl, RefusesWhatIsWrong) {
   }
 }
 
+TEST(Tuttictl, EveryCommandExplainsItself) {
+  CommandLineRig rig{"sample_accounts = 1"};
+  for (const std::string command : {"accounts", "positions", "orders", "order", "entry", "modify", "close",
+                                    "cancel", "net", "journal", "verify"}) {
+    EXPECT_EQ(rig.run(command + " --help"), 0);
+    EXPECT_TRUE(std::regex_search(rig.out, std::regex{"\nExample: tuttictl .*" + command +
+                                                      ".*\n\nExit status: 0 .*;\n  2 wrong usage"}))
+        << rig.out;
+  }
+}
+
 // A day on two accounts: each command once for people and once for machines.
 TEST(Tuttictl, PrintsWhatEveryCommandFound) {
   // JSON without its line breaks, which mean nothing.
