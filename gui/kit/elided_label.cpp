@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTextDocument>
+#include <cmath>
 #include <utility>
 
 #include "gui/kit/theme.h"
@@ -30,8 +31,10 @@ void ElidedLabel::set_money(bool money) {
   if (std::exchange(money_, money) != money) update();
 }
 
+// Whoever cuts a text compares its width before it is rounded.
 QSize ElidedLabel::sizeHint() const {
-  return QSize{fontMetrics().horizontalAdvance(text_), fontMetrics().height() + 4}.grownBy(contentsMargins());
+  const auto width = static_cast<int>(std::ceil(QFontMetricsF{font()}.horizontalAdvance(text_))) + 1;
+  return QSize{width, fontMetrics().height() + 4}.grownBy(contentsMargins());
 }
 
 QSize ElidedLabel::minimumSizeHint() const {

@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QStringList>
+#include <QTabBar>
 
 #include "gui/kit/screen.h"
 #include "gui/kit/svg_icon.h"
@@ -109,6 +110,17 @@ void FrmMdiNewWindow::closeEvent(QCloseEvent* event) {
   save_layout();
   event->accept();
   QApplication::quit();
+}
+
+// The toolkit makes a bar of tabs wherever panes are stacked. A click there is about the pane it names, also
+// when that is in front already; which it is once the toolkit has dealt with the click.
+void FrmMdiNewWindow::childEvent(QChildEvent* event) {
+  QMainWindow::childEvent(event);
+  auto* tabs = event->polished() ? qobject_cast<QTabBar*>(event->child()) : nullptr;
+  if (tabs == nullptr) return;
+  connect(tabs, &QTabBar::tabBarClicked, this, [this, tabs](int tab) {
+    QTimer::singleShot(0, this, [this, title = tabs->tabText(tab)] { panes_.work_in(title); });
+  });
 }
 
 void FrmMdiNewWindow::showEvent(QShowEvent* event) {

@@ -41,6 +41,7 @@ class FrmMdiNewWindow final : public QMainWindow {
   void show_about();
 
  protected:
+  void childEvent(QChildEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void showEvent(QShowEvent* event) override;
 

@@ -183,6 +183,14 @@ void Panes::put_in_front(const QString& name) {
   if (named(name).widget == close_positions_) close_positions_->setFocus(Qt::OtherFocusReason);
 }
 
+void Panes::work_in(const QString& title) {
+  const auto at = std::find_if(panes_.begin(), panes_.end(), [&title](const Pane& pane) {
+    return pane.dock != nullptr && pane.dock->windowTitle() == title;
+  });
+  if (at == panes_.end() || at->list == nullptr || !in_sight(*at->widget)) return;
+  if (pane_of(QApplication::focusWidget()) != &*at) at->list->setFocus(Qt::MouseFocusReason);
+}
+
 // A float that came onto the screen before its main window stands behind it, whoever it belongs to.
 void Panes::raise_floats() {
   std::set<QWidget*> floats;

@@ -42,6 +42,8 @@ class Panes {
   void bring_up(const QString& name);
   // The same, with the keyboard where a key by mistake does least.
   void put_in_front(const QString& name);
+  // The keyboard goes to the list of the pane with this title, if that is in front and has it not already.
+  void work_in(const QString& title);
   // Puts what floats before the main window, which has just come onto the screen.
   void raise_floats();
 

@@ -219,7 +219,8 @@ void FrmJournalWindow::refresh() {
   const QString entries =
       list_->rows().filtered()
           ? QStringLiteral("%1 of %2 entries").arg(grouped(shown), grouped(form_.lvwJournal.size()))
-          : QStringLiteral("%1 entries").arg(grouped(shown));
+      : shown == 1 ? QStringLiteral("1 entry")
+                   : QStringLiteral("%1 entries").arg(grouped(shown));
   history_->setEnabled(!account_->text().isEmpty());
   if (count_->text() != entries) count_->setText(entries);
 }

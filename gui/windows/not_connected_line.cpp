@@ -18,7 +18,10 @@ NotConnectedLine::NotConnectedLine(const RowList& clients, Screen& screen) : cli
 
 void NotConnectedLine::follow() {
   if (std::exchange(seen_stamp_, clients_.stamp()) == clients_.stamp()) return;
+  const QString before = text();
   set_text(QString::fromStdString(not_connected_text(clients_)));
+  // Seldom enough for the line beside it to be laid out anew.
+  if (text() != before) updateGeometry();
   if (isHidden() != text().isEmpty()) setVisible(!text().isEmpty());
 }
 

@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QTabBar>
 #include <QToolBar>
 
 #include "gui/kit/in_sight.h"
@@ -146,6 +147,17 @@ TEST_F(LayoutTest, TheKeyboardLeavesAPaneThatGoesBehindAnother) {
   part(window->panes().close_positions(), "LblCheck").setFocus();  // as Tab does
   rig.run(1ms);
   EXPECT_EQ(QApplication::focusWidget(), &window->panes().trade().list());
+
+  // A click on a tab, the one in front included, is about its pane wherever the keyboard was.
+  for (const char* title : {"Trade", "Journal", "Journal"}) {
+    window->panes().accounts().list().setFocus();
+    for (QTabBar* tabs : window->findChildren<QTabBar*>())
+      for (int tab = 0; tab < tabs->count(); ++tab)
+        if (tabs->tabText(tab) == QLatin1String{title})
+          QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab).center());
+    rig.run(1ms);
+    EXPECT_EQ(window->panes().active().name, QString::fromLatin1(title).toLower());
+  }
 }
 
 TEST_F(LayoutTest, AGlanceAtAnotherTabLosesNoPlaceAndNoMark) {

@@ -86,6 +86,13 @@ TEST_F(TradeTest, TheSummaryLineKeepsItsBlanksAndFont) {
   const auto& line = part<ElidedLabel>(window, "lbmSummaries");
   EXPECT_EQ(line.text().toStdString(), text);
   EXPECT_EQ(line.font().family(), QStringLiteral("Courier New"));
+
+  // A line that gets the width it asks for is not cut.
+  ElidedLabel whole;
+  show(whole);
+  whole.set_text(QString{39, QLatin1Char{'i'}});
+  whole.resize(whole.sizeHint());
+  EXPECT_TRUE(whole.toolTip().isEmpty());
 }
 
 // Rows go while they are selected, ticked, sorted and on screen.
