@@ -1,7 +1,5 @@
 // Numbers that are not unique: tickets and orders of two accounts, and one account number in two rows.
 
-#include <gtest/gtest.h>
-
 #include "tests/support/scenario_desk.h"
 #include "tests/support/scripted_terminal.h"
 
@@ -184,26 +182,6 @@ TEST(AccountRows, TheRowThatACloseNeedsIsNamed) {
   EXPECT_EQ(desk.take_messages(), Texts{});
   desk.form.LblCheck.click();
   EXPECT_EQ(desk.form.answers().text(), "2 waiting");
-}
-
-TEST(AccountRows, VerificationReadsTheConnectedRow) {
-  TestTerminal desk{still_market(2)};
-  desk.home->write("manage/savelvinfo.buf",
-                   "NOBODY,x,500100\nASPEN,ASPEN02,500100\nALDER,ALDER01,500100\nASPEN,ASPEN02,500101\n");
-  ASSERT_TRUE(desk.start());
-  desk.run(2s);
-  EXPECT_EQ(desk.main->accounts().connections().connected, 2);
-  ASSERT_EQ(desk.main->market_order().lvwConClients.size(), 2u);
-  frmorder& form = desk.main->market_order();
-  form.chkAllClients.click();
-  form.CBdis.choose(0);
-  form.cbsymbols.choose("EURUSD");
-  form.txtammount.type("2");
-  form.cmddis.click();
-  form.cmdbuy.click();
-  desk.run(1s);
-  EXPECT_EQ(desk.main->trade().lvwOpenPos.size(), 2u);
-  EXPECT_EQ((Verification{*desk.main, desk.server}.run()), Texts{});
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // Closing across accounts: the grid, its marks, and what is sent.
 
-#include <gtest/gtest.h>
-
 #include "tests/support/scenario_desk.h"
 #include "tests/support/scripted_terminal.h"
 
@@ -440,59 +438,6 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   EXPECT_TRUE(desk.positions().empty());
   EXPECT_TRUE(form.MSH.empty());
   EXPECT_EQ(desk.differences(), Texts{});
-}
-
-TEST(ClosePositions, ConnectionsBreakWhileClosesAreOnTheirWay) {
-  DealerConfig config = DealerConfig::sample(50);
-  config.order_latency = 400ms;
-  config.tick_interval = 50ms;
-  for (AccountConfig& account : config.accounts)
-    account.balance = 50'000.0;
-  ScenarioDesk desk{config};
-  desk.open("50");
-  desk.run(1s);
-  const std::size_t opened = desk.positions().size();
-  frmClosePos& form = desk.main->close_positions();
-  form.Displayed(true);
-  form.CloseSymbols.choose("EURUSD");
-  for (std::int32_t i = 0; i < 20; ++i)
-    if (Row* row = form.get_index(first + i)) form.click(*row, frmClosePos::account);
-  form.LblCheck.click();
-  desk.run(100ms);
-  for (std::int32_t i = 10; i < 30; ++i)
-    desk.server.drop(first + i);
-  // Rebuilt again and again while prices come.
-  for (int i = 0; i < 20; ++i) {
-    desk.run(100ms);
-    form.CloseSymbols.choose("EURUSD");
-    if (i % 5 == 0) form.Displayed(!form.Displayed());
-  }
-  form.Displayed(true);
-  EXPECT_EQ(form.answers().text(), "10 accepted, 8 unknown");
-  desk.run(500ms);
-  const auto consistent = [&] {
-    std::size_t positions = 0;
-    for (const Row& row : form.MSH) {
-      if (!form.is_position(row)) continue;
-      ++positions;
-      const Row* open = desk.positions().find(row.key());
-      ASSERT_NE(open, nullptr);
-      EXPECT_FALSE(form.marked(row));
-      EXPECT_TRUE(row.text(frmClosePos::action).starts_with("Close At 1.")) << row.text(frmClosePos::action);
-    }
-    EXPECT_EQ(positions, desk.positions().size());
-    // The server closed those whose connection broke, too; nobody could be told.
-    Texts differences = desk.differences();
-    EXPECT_EQ(
-        std::erase_if(differences, [](const auto& d) { return d.find("does not say: Postion") != d.npos; }),
-        8u);
-    EXPECT_EQ(differences, Texts{});
-  };
-  consistent();
-  desk.main->accounts().cmdfunlogin();
-  desk.run(3s);
-  EXPECT_GE(desk.positions().size(), opened - 20);
-  consistent();
 }
 
 }  // namespace

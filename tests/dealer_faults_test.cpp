@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "dealer_rig.h"
 
 namespace tutti {

@@ -1,7 +1,5 @@
 // Orders that wait for a price, and the stops of positions.
 
-#include <gtest/gtest.h>
-
 #include <limits>
 
 #include "dealer_rig.h"
@@ -132,13 +130,9 @@ TEST(DealerChanges, DistancesBelongToTheAccount) {
   const auto other = rig.trader(1);
   EXPECT_EQ(seat.client->SymbolLimitDistance("EURUSD"), 200.0);
   EXPECT_EQ(seat.client->SymbolStopDistance("EURUSD"), 0.0);
-  const auto place = [](const DealerRig::Seat& from, EntryKind kind, double price) {
-    const std::int32_t id = from.client->FindSymbol("EURUSD")->id;
-    return from.client->NewEntryOrder({buy, kind, id, 0.1, price, 0, 0, false, false}, next_id());
-  };
-  EXPECT_EQ(place(seat, EntryKind::limit, 1.0830), request::invalid_price);
-  EXPECT_EQ(place(other, EntryKind::limit, 1.0830), request::taken);
-  EXPECT_EQ(place(seat, EntryKind::stop, 1.08462), request::taken);
+  EXPECT_EQ(enter(seat, buy, EntryKind::limit, 0.1, 1.0830), request::invalid_price);
+  EXPECT_EQ(enter(other, buy, EntryKind::limit, 0.1, 1.0830), request::taken);
+  EXPECT_EQ(enter(seat, buy, EntryKind::stop, 0.1, 1.08462), request::taken);
 
   double value = 7.0;
   const auto evaluate = [&](const char* symbol, double from, double to) {

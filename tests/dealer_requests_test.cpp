@@ -1,11 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
 #include <limits>
 
-#include "core/file_writer.h"
 #include "dealer_rig.h"
+#include "tests/support/test_terminal.h"
 
 namespace tutti {
 namespace {
@@ -120,19 +117,17 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
 TEST(DealerRequests, EveryCodeIsReachable) {
   // The account has a position of half a lot and an entry order from its book, as where nothing could ever
   // have been opened.
-  const auto folder = std::filesystem::path(::testing::TempDir()) / "dealer_codes";
-  const auto file = folder / "dealer-book.toml";
-  std::filesystem::remove_all(folder);
+  const testing::TemporaryFolder seen;
   DealerConfig with_order = still_market();
   with_order.entry_orders = {{first, buy, "EURUSD", 0.2, 1.07, 0, 0, 0}};
   std::int64_t ticket = 0;
   {
     DealerRig rig(with_order);
-    ASSERT_TRUE(rig.server.keep_book(folder));
+    ASSERT_TRUE(rig.server.keep_book(seen.path()));
     ticket = open_half(rig, rig.trader(0), buy);
     ASSERT_TRUE(rig.server.save_book());
   }
-  const std::string book = *read_file(file);
+  const std::string book = seen.read("dealer-book.toml");
   struct Kind {
     FaultPoint point;
     Words answer;  // behind the first word comes the code
@@ -159,9 +154,9 @@ TEST(DealerRequests, EveryCodeIsReachable) {
     DealerConfig config = still_market();
     change(config);
     DealerRig rig(config);
-    std::filesystem::remove_all(folder);
-    ASSERT_TRUE(replace_file(file, book));
-    ASSERT_TRUE(rig.server.keep_book(folder));
+    const testing::TemporaryFolder home;
+    home.write("dealer-book.toml", book);
+    ASSERT_TRUE(rig.server.keep_book(home.path()));
     const auto seat = rig.trader(0);
     EXPECT_EQ(kind.send(seat), request);
     rig.run(200);
@@ -190,7 +185,6 @@ TEST(DealerRequests, EveryCodeIsReachable) {
   }
   ask(kinds[0], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_request = 5; });
   ask(kinds[1], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_close_request = 5; });
-  std::filesystem::remove_all(folder);
 }
 
 TEST(DealerRequests, SwapAndCommissionMakeTheBooksAdd) {
@@ -257,10 +251,7 @@ TEST(DealerRequests, EntryOrdersAreKeptAndCancelled) {
   };
   for (const Case& one : cases) {
     *seat.seen = {};
-    const std::int32_t id = seat.client->FindSymbol("EURUSD")->id;
-    EXPECT_EQ(seat.client->NewEntryOrder({one.side, one.kind, id, one.amount, one.price, one.stop_loss,
-                                          one.take_profit, one.stop_loss != 0, one.take_profit != 0},
-                                         next_id()),
+    EXPECT_EQ(enter(seat, one.side, one.kind, one.amount, one.price, one.stop_loss, one.take_profit),
               one.code)
         << one.price << ' ' << one.amount;
     EXPECT_EQ(rig.heard(seat, 200), one.code == request::taken ? (Words{"entry 1", "+LO"}) : Words{});

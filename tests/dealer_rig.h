@@ -62,28 +62,26 @@ class DealerRecorder final : public CLAPICLASS {
   void CloseOrderResult(const OrderReport& report) override { take("close ", report); }
   void MarketOrderAccepted(const OrderReport& report) override { take("accepted ", report); }
   void MarketOrderRejected(const OrderReport& report) override { take("rejected ", report); }
-  void NewLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
-    note("entry ", order, result);
+  void NewLimitOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
+    note("entry ", id, code);
   }
-  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
-    note("cancel ", order, result);
+  void DeleteLimitOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
+    note("cancel ", id, code);
   }
-  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
-    note("stops ", order, result);
+  void DeleteSLTPOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
+    note("stops ", id, code);
   }
-  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
-    note("update ", order, result);
+  void UpdateLimitOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
+    note("update ", id, code);
   }
-  void NewSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
-    note("new stops ", order, result);
+  void NewSLTPOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
+    note("new stops ", id, code);
   }
-  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId) override {
-    note("update stops ", order, result);
+  void UpdateSLTPOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
+    note("update stops ", id, code);
   }
   void LimitOrderAccepted(const OrderReport& report) override { take("executed ", report); }
-  void LimitOrderCanceledCannotHdg(std::int64_t order, std::int32_t) override {
-    note("no hedging ", order, 0);
-  }
+  void LimitOrderCanceledCannotHdg(std::int64_t id, std::int32_t) override { note("no hedging ", id, 0); }
   void LimitOrderCanceledNoMoney(std::int64_t order, std::int32_t) override { note("no money ", order, 0); }
   void SlTpOrderAccepted(std::int64_t order) override { note("stopped ", order, 0); }
   void SlTpOrderCanceledNoMoney(std::int64_t order) override { note("not stopped ", order, 0); }
@@ -194,6 +192,14 @@ inline const Words login_words = {"waiting 2", "connected", "symbols",   "positi
 // 0 is none.
 inline StopPrices stop_prices(double stop_loss, double take_profit) {
   return {stop_loss, take_profit, stop_loss != 0.0, take_profit != 0.0};
+}
+
+inline std::int32_t enter(const DealerRig::Seat& seat, std::int32_t side, EntryKind kind, double amount,
+                          double price, double stop_loss = 0, double take_profit = 0,
+                          const char* symbol = "EURUSD") {
+  return seat.client->NewEntryOrder({side, kind, seat.client->FindSymbol(symbol)->id, amount, price,
+                                     stop_loss, take_profit, stop_loss != 0, take_profit != 0},
+                                    next_id());
 }
 
 // A position of half a lot and its ticket; nothing is recorded.

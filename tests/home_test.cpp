@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <fmt/chrono.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>

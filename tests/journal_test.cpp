@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {

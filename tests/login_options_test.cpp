@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "sessions/frmaccount.h"
 #include "tests/support/session_rig.h"
 

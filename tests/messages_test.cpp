@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 
 #include "core/event_pump.h"

@@ -1,6 +1,4 @@
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <random>
 #include <set>
@@ -148,10 +146,18 @@ TEST(NetPositions, SumsStayRightOverADayOfTrades) {
   DealerConfig config = DealerConfig::sample(12);
   config.tick_interval = 100ms;
   ScenarioDesk desk{config};
+  frmClosePos& grid = desk.main->close_positions();
+  grid.Displayed(true);
+  grid.CloseSymbols.choose("EURUSD");
+  // Of the rows of either list.
+  const auto euros = [](const RowList& list, auto is_one) {
+    return std::count_if(list.begin(), list.end(), is_one);
+  };
   std::mt19937 random{7};
   const auto below = [&](std::size_t end) { return random() % end; };
   for (int round = 0; round < 40; ++round) {
     const char* const names[] = {"EURUSD", "GBPUSD", "USDJPY", "EURJPY", "AUDJPY"};
+    desk.main->market_order().chkAllClients.set_checked(false);  // who came back is ticked anew
     desk.open(round % 3 == 0 ? "12" : "7.2", names[below(5)], below(2) == 0);
     for (int close = 0; close < 12; ++close) {
       const Row& row = desk.positions().row(below(desk.positions().size()));
@@ -165,6 +171,9 @@ TEST(NetPositions, SumsStayRightOverADayOfTrades) {
     desk.server.drop(static_cast<std::int32_t>(row.cell(frmMain::account).stored_number()));
     desk.run(50ms);
     EXPECT_EQ(desk.differences(), Texts{}) << round;
+    EXPECT_EQ(euros(grid.MSH, frmClosePos::is_position), euros(desk.positions(), [](const Row& position) {
+                return position.reads(frmTrade::symbol, "EURUSD");
+              }));
     desk.main->accounts().LoginClient(row.key());
     desk.run(500ms);
   }

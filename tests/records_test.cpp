@@ -1,7 +1,6 @@
 // Account records and their key.
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -1,8 +1,6 @@
 // Whole scenarios through the forms against a dealing server that misbehaves. After each of them the terminal
 // is compared with the server's own books.
 
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <set>
 
@@ -112,8 +110,8 @@ TEST(Scenario, ARequoteEndsInEveryWay) {
     if (way == unticked) desk.main->market_order().lvwConClients.tick(*desk.order_row(first), false);
     if (taken) form.cmdAccept.click();
     // Ticks behind the answer are ignored, up to those of a new requote.
-    Requote tick{desk.orders().row(0).key().number(), first, operation::buy, 1.0, "EURUSD", 1.08462, 1.08482};
-    for (tick.seconds_left = 8; taken && tick.seconds_left >= 0; --tick.seconds_left)
+    Requote tick{std::stoll(number), first, operation::buy, 1.0, "EURUSD", 1.08462, 1.08482, 8, 10};
+    for (; taken && tick.seconds_left >= 0; --tick.seconds_left)
       desk.session(first).OrderTimer(tick);
     if (way == reject) form.cmdReject.click();
     if (way == frame) form.close_by_frame();
@@ -142,7 +140,7 @@ TEST(Scenario, ARequoteEndsInEveryWay) {
     const std::string untold = "account 500100: the journal does not say: Order " + number + ended;
     EXPECT_EQ(desk.differences(), here ? Texts{} : Texts{untold});
     EXPECT_EQ(desk.server.outcomes().back().expired, !here);
-    tick.seconds_left = tick.seconds_all = 10;
+    tick.seconds_left = 10;
     if (taken) desk.session(first).OrderTimer(tick);
     EXPECT_EQ(form.Displayed(), taken);
   }
@@ -281,6 +279,59 @@ TEST(Scenario, CancelsAndTheirRefusals) {
   EXPECT_TRUE(desk.journaled("500102 Order number #" + numbers["500102L"] + " NotFound"));
   EXPECT_EQ(desk.take_messages(), Texts{"Order number #" + numbers["500102L"] + " NotFound"});
   EXPECT_EQ(desk.differences(), Texts{});
+}
+
+// The operator places a buy limit of EURUSD, shared out among all accounts.
+void place(ScenarioDesk& desk, const char* amount, const char* price, const char* sl) {
+  frmlimitorder& form = desk.main->entry_order();
+  form.Displayed(true);
+  form.cblimitordersymbols.choose("EURUSD");
+  form.CBlimitorderdis.choose(0);
+  form.txtlimitorderammount.type(amount);
+  form.txtatprice.type(price);
+  form.txtsl.type(sl);
+  form.chkAllClients.click();
+  form.cmdlimiorderdis.click();
+  form.cmdsubmitlimiorder.click();
+}
+
+// An order is placed, changed, executed and stopped out. What the server does is told silently, twice, or not
+// at all; the comparison with its books says so.
+TEST(Scenario, TheBooksTellWhatTheJournalOfAnEntryOrderDoesNot) {
+  const std::string account = "account 500100: ", missing = account + "the journal does not say: ",
+                    surplus = account + "the journal says what the server's books don't: ";
+  const struct {
+    FaultKind kind;
+    FaultPoint on;
+    Texts differences;
+  } cases[] = {
+      {FaultKind::silent, FaultPoint::entry, {missing + "Succeeded"}},
+      {FaultKind::twice, FaultPoint::entry, {surplus + "Succeeded"}},
+      {FaultKind::silent, FaultPoint::update, {missing + "Order #10000001has been updated"}},
+      {FaultKind::twice, FaultPoint::trigger, {surplus + "Entry Order 10000001 has been executed"}},
+      {FaultKind::delay, FaultPoint::trigger, {}},
+  };
+  for (const auto& c : cases) {
+    DealerConfig config = still_market(1);
+    config.ticks.insert(config.ticks.begin(),
+                        {{5s, "EURUSD", 1.0798, 1.07992}, {9s, "EURUSD", 1.06, 1.0601}});
+    config.faults = {fault(c.kind, {}, c.on)};
+    config.faults[0].times = 1;
+    ScenarioDesk desk{config};
+    place(desk, "1", "1.07", "1.06");
+    desk.run(1s);
+    ASSERT_EQ(desk.orders().size(), 1u);
+    desk.orders().activate(desk.orders().row(0));
+    desk.main->entry_order().txtatprice.set_text("1.08");
+    desk.main->entry_order().cmdsubmitlimiorder.click();
+    desk.run(4s);
+    EXPECT_EQ(desk.positions().size(), 1u);
+    EXPECT_EQ(desk.orders().row(0).text(frmPending::stop_loss), "1.06000");
+    EXPECT_EQ(desk.differences(), c.differences);
+    desk.run(4s);
+    EXPECT_EQ(desk.positions().size() + desk.orders().size(), 0u);
+    EXPECT_EQ(desk.differences(), c.differences);
+  }
 }
 
 TEST(Scenario, AFanOutOverFiftyAccountsEndsEverywhere) {

@@ -1,7 +1,5 @@
 // What sessions make of the answers to their requests.
 
-#include <gtest/gtest.h>
-
 #include <optional>
 
 #include "tests/support/one_session.h"
@@ -271,9 +269,12 @@ TEST_F(SessionAnswered, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {
   using Outcome = SentOrder::Outcome;
   client.symbols = {{.id = 3, .name = "EURUSD"}};
   during([&] { sink.SymbolsLoaded(); });
-  const SymbolHandle euro = rig.symbols.find("EURUSD");
-  const auto send = [&](double amount, Outcome outcome) {
-    session.note_sent({.amount = amount, .side = 1, .symbol = euro, .request_code = 1, .outcome = outcome});
+  const auto order = [&](double amount, Outcome outcome) {
+    session.note_sent({.amount = amount,
+                       .side = 1,
+                       .symbol = rig.symbols.find("EURUSD"),
+                       .request_code = 1,
+                       .outcome = outcome});
   };
   const auto answer = [&](std::int64_t number, double amount, std::int32_t state) {
     OrderReport reply = report(1, state);
@@ -284,24 +285,22 @@ TEST_F(SessionAnswered, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {
   const auto unknown_after = [&](const std::function<void()>& step) {
     const Heard heard = during(step);
     return std::count_if(heard.begin(), heard.end(), [](const std::string& line) {
-      return line.starts_with("journal 81: ") && line.find("unknown") != std::string::npos;
+      return line.starts_with(in_journal) && line.find("unknown") != std::string::npos;
     });
   };
-  send(0.5, Outcome::waiting);  // never answered
-  send(0.7, Outcome::waiting);  // in dealing until the end
-  answer(20, 0.7, order_state::pending);
-  send(0.6, Outcome::waiting);
+  for (const double amount : {0.5, 0.7, 0.6})
+    order(amount, Outcome::waiting);
+  answer(20, 0.7, order_state::pending);  // until the end; that of 0.5 never comes
   answer(21, 0.6, order_state::executed);
-  EXPECT_EQ(session.last_order().outcome, Outcome::accepted);
-  EXPECT_EQ(unknown_after([&] { sink.ConnectionState(false); }), 2);
-  EXPECT_EQ(session.last_order().outcome, Outcome::accepted) << "its own answer came";
-  EXPECT_EQ(unknown_after([&] { sink.ConnectionState(false); }), 0) << "told once";
-
-  send(0.8, Outcome::waiting);
-  send(0.9, Outcome::refused);
+  for (const int unknown : {2, 0}) {
+    EXPECT_EQ(unknown_after([&] { sink.ConnectionState(false); }), unknown);
+    EXPECT_EQ(session.last_order().outcome, Outcome::accepted) << "its own answer came";
+  }
+  order(0.8, Outcome::waiting);
+  order(0.9, Outcome::refused);
   answer(22, 0.8, order_state::executed);
   EXPECT_EQ(session.last_order().amount, 0.9) << "a late answer to an order before";
-  send(1.0, Outcome::waiting);
+  order(1.0, Outcome::waiting);
   EXPECT_EQ(unknown_after([&] { rig.sessions.Remove("C1"); }), 1);
 }
 

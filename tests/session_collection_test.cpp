@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <map>
 
 #include "tests/support/scenario_desk.h"
@@ -114,52 +112,15 @@ TEST(SessionCollection, RequestCodesAreReportedUnlessTheAccountIsInvalid) {
   }
 }
 
-// Ticks every account for `lots` of EURUSD.
-frmorder& tick_all(ScenarioDesk& desk, const char* lots) {
+TEST(FanOut, NobodyLoggedInIsSaidOnce) {
+  ScenarioDesk desk{DealerConfig::sample(2)};
   frmorder& form = desk.main->market_order();
   form.cbsymbols.choose("EURUSD");
   for (Row& row : form.lvwConClients) {
     row.set_checked(true);
-    row.set_text(frmorder::amount, lots);
+    row.set_text(frmorder::amount, "1");
   }
   form.Enableds(false);
-  return form;
-}
-
-TEST(FanOut, EveryAccountAnswersForItself) {
-  DealerConfig config = DealerConfig::sample(8);
-  config.accounts[1].hidden_symbols = {"EURUSD"};
-  config.accounts[2].balance = 10.0;
-  config.accounts[3].privilege = false;
-  config.accounts[7].reply_request = 5;
-  ScenarioDesk desk{config};
-  frmorder& form = tick_all(desk, "0.5");
-  desk.order_row(500'105)->set_checked(false);
-  desk.order_row(500'106)->set_text(frmorder::amount, "-1");
-  ASSERT_TRUE(desk.server.drop(500'104));  // the news of it is still on its way
-  form.cmdsell.click();
-  EXPECT_EQ(form.requests_refused(), 4);
-  EXPECT_EQ(desk.sound.take(), Texts(6, "OrderOk.wav"));
-  EXPECT_TRUE(desk.prompt.shown.empty());
-  desk.run(1s);
-  Texts results;
-  for (std::int32_t i = 0; i < 8; ++i)
-    results.push_back(desk.result(first + i));
-  EXPECT_EQ(results, (Texts{"Market Order Accepted", "Invalid Price", "Not enough money", "No Privilege ",
-                            "no row", "", "Invalid Lots", ""}));
-  EXPECT_EQ(desk.take_messages(), Texts{"account 500104 Session disconnected"});
-  Texts journal = sorted(desk.journal());
-  ASSERT_EQ(journal.size(), 6u);
-  EXPECT_TRUE(journal[0].starts_with("500100 Order #") &&
-              journal[0].ends_with(" [SELL 0.5 EURUSD] has been accepted"));
-  journal.erase(journal.begin());
-  EXPECT_EQ(journal, (Texts{"500101 Invalid Price", "500102 Not enough money", "500103 No Privilege ",
-                            "500104 Not connected: Connection lost", "500106 Invalid Lots"}));
-}
-
-TEST(FanOut, NobodyLoggedInIsSaidOnce) {
-  ScenarioDesk desk{DealerConfig::sample(2)};
-  frmorder& form = tick_all(desk, "1");
   for (const std::int32_t account : {first, first + 1})
     desk.server.drop(account);
   form.cmdbuy.click();

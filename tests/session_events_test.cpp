@@ -1,7 +1,5 @@
 // What sessions make of the events that answer nothing.
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 

@@ -1,7 +1,5 @@
 // What the comparison with the dealing server's books must find.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "tests/support/scenario_desk.h"
