@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-
 #include "core/checksum.h"
 #include "dealer/book_words.h"
 
