@@ -30,9 +30,12 @@ struct Closing : ScriptedTerminal {
   frmClosePos& form() { return main->close_positions(); }
   void open(std::int32_t account, std::int64_t ticket, std::int32_t side = operation::buy,
             const char* symbol = "EURUSD", double amount = 0.5) {
-    OpenPosition position{.ticket = ticket, .account = account, .side = side, .symbol = symbol};
-    position.amount = amount;
-    position.open_price = 1.084;
+    const OpenPosition position{.ticket = ticket,
+                                .account = account,
+                                .side = side,
+                                .symbol = symbol,
+                                .amount = amount,
+                                .open_price = 1.084};
     client(account).positions.push_back(position);
     client(account).sink->NewOpenPosition(position);
   }

@@ -200,13 +200,9 @@ TEST(TextFiles, LinesHoweverTheyEnd) {
   ASSERT_TRUE(files.write_line(name, "alone", TextFile::Mode::create));
   EXPECT_EQ(folder.read("manage/x.buf"), "alone\n");
   EXPECT_TRUE(files.lines("\\manage\\missing.buf").value().empty());
-  folder.write("manage/x.buf",
-               "\xEF\xBB\xBF"
-               "a\n\xEF\xBB\xBF"
-               "b");
-  EXPECT_EQ(files.lines(name).value(), (Lines{"a",
-                                              "\xEF\xBB\xBF"
-                                              "b"}));
+  const std::string mark = "\xEF\xBB\xBF";
+  folder.write("manage/x.buf", mark + "a\n" + mark + "b");
+  EXPECT_EQ(files.lines(name).value(), (Lines{"a", mark + "b"}));
 }
 
 TEST(TextFiles, OnlyWhatIsNotThereIsMissing) {

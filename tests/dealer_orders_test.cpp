@@ -69,8 +69,7 @@ TEST(DealerChanges, TheStopsOfAPositionComeChangeAndGo) {
   set(1.04, 0);
   set(1.03, 0);
   rig.run(200);
-  EXPECT_EQ(seat.client->OpenPositionCount(), 0);
-  EXPECT_EQ(seat.client->PendingOrderCount(), 0);
+  EXPECT_EQ(seat.client->OpenPositionCount() + seat.client->PendingOrderCount(), 0);
 }
 
 TEST(DealerChanges, ChangesOfEntryOrdersAndStopsAreCheckedAndDone) {

@@ -438,11 +438,8 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
     return out + " " + desk.rows() + (form.txtatprice.enabled() ? "" : " at off");
   };
   const PendingOrder order{40, 2, "LO", 0, operation::sell_stop, 71, "EURUSD", 0.5, 1.2, 1.25};
-  OpenPosition position{.ticket = 50, .account = 3, .side = operation::buy, .symbol = "EURUSD"};
-  position.amount = 2;
-  position.open_price = 1.45;
-  position.current_price = 1.5;
-  position.take_profit = 1.7;
+  OpenPosition position{.ticket = 50, .account = 3, .side = operation::buy, .symbol = "EURUSD", .amount = 2};
+  position.open_price = 1.45, position.current_price = 1.5, position.take_profit = 1.7;
   desk.client(2).orders = {order};
   desk.client(2).sink->NewPendingOrder(order);
   desk.client(3).sink->NewOpenPosition(position);

@@ -139,18 +139,18 @@ TEST(Home, AnEmptyOneAsksForAnAccountOrSamples) {
 
 TEST(Home, FreshAsksBeforeABookIsThrownAway) {
   const TemporaryFolder folder;
-  struct Case {
+  const struct {
     const char* typed;  // nullptr: there is no terminal
     bool fresh, yes, book;
     int status;  // 0: goes on
-  };
-  for (const Case& one : {Case{nullptr, true, false, true, exit_status::usage},
-                          {"n\n", true, false, true, exit_status::some_refused},
-                          {"\n", true, false, true, exit_status::some_refused},
-                          {"yes\n", true, false, true, 0},
-                          {nullptr, true, true, true, 0},
-                          {nullptr, true, false, false, 0},
-                          {nullptr, false, false, true, 0}}) {
+  } cases[] = {{nullptr, true, false, true, exit_status::usage},
+               {"n\n", true, false, true, exit_status::some_refused},
+               {"\n", true, false, true, exit_status::some_refused},
+               {"yes\n", true, false, true, 0},
+               {nullptr, true, true, true, 0},
+               {nullptr, true, false, false, 0},
+               {nullptr, false, false, true, 0}};
+  for (const auto& one : cases) {
     TerminalOptions options;
     options.home = folder.path();
     options.fresh = one.fresh;
@@ -173,10 +173,7 @@ TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
   CommandLineRig desk{"sample_accounts = 1\nlogin_latency_ms = 0\n"};
   const TemporaryFolder& folder = desk.home;
   DealerConfig config = DealerConfig::sample(1);
-  config.faults.emplace_back();
-  config.faults[0].kind = FaultKind::delay;
-  config.faults[0].on = {FaultPoint::open};
-  config.faults[0].wait = std::chrono::hours{1};
+  config.faults = {fault(FaultKind::delay, {FaultPoint::open}, 0, 1h)};
   std::int64_t due = 0;
   {
     DealerRig rig(config, desk.clock.now());

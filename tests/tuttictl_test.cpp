@@ -29,14 +29,9 @@ std::size_t count(const std::string& text, const std::string& piece) {
 }
 
 TEST(Tuttictl, ASignalEndsTheWaitAndKeepsWhatIsKnown) {
-  struct Case {
-    int signal;
-    milliseconds at;  // 50: accounts are logging in; 2000: two of three orders are answered
-    std::size_t unknown, positions;
-  };
+  // At 50 ms accounts are logging in, at 2000 two of three orders are answered.
   for (const auto& [signal, at, unknown, positions] :
-       {Case{SIGINT, milliseconds{50}, 0, 0}, Case{SIGTERM, milliseconds{2000}, 1, 3},
-        Case{SIGHUP, milliseconds{2000}, 1, 3}}) {
+       {std::tuple{SIGINT, 50ms, 0u, 0u}, {SIGTERM, 2000ms, 1u, 3u}, {SIGHUP, 2000ms, 1u, 3u}}) {
     CommandLineRig rig{slow_second};
     rig.on_pause = [&, signal = signal, at = at] { rig.signal = rig.clock.elapsed() >= at ? signal : 0; };
     EXPECT_EQ(rig.run(buy_equal), 128 + signal);
@@ -131,29 +126,24 @@ TEST(Tuttictl, WaitsByAClockThatNobodySets) {
 }
 
 TEST(Tuttictl, RefusesWhatIsWrong) {
-  struct Case {
-    const char* words;
-    const char* message;
-  };
   CommandLineRig rig{"sample_accounts = 3"};
+  const char* range = "--timeout: must be a number of seconds from 0.1 to 3600";
   for (const auto& [words, message] :
-       {Case{"--timeout abc positions", "--timeout: must be a number of seconds from 0.1 to 3600"},
-        Case{"--timeout nan positions", "--timeout: must be a number of seconds from 0.1 to 3600"},
-        Case{"--timeout -1 positions", "--timeout: must be a number of seconds from 0.1 to 3600"},
-        Case{"--timeout inf positions", "--timeout: must be a number of seconds from 0.1 to 3600"},
-        Case{"order --buy EURUSD --amount 3 --rule 2", "--rule: 2 not in "},
-        Case{"order --buy EURUSD --amount 3 --rule equal --accounts 500100,", "--accounts takes numbers"},
-        Case{"order --buy EURUSD --amount 3 --rule equal --accounts 7",
-             "Account 7 is not in the accounts list"},
-        Case{"order --buy EURUSD --amount 1e3 --rule equal", "--amount: must be a number of lots above 0"},
-        Case{"order --buy EURUSD --sell EURUSD --amount 3 --rule equal",
-             "Exactly 1 option from [--buy,--sell]"},
-        Case{"order --buy EUR --amount 3 --rule equal", "Symbol EUR is not carried by any connected account"},
-        Case{"modify 5 --at 1.2", "No connected account has the order or ticket 5"},
-        Case{"close --ticket 5", "No connected account has ticket 5"},
-        Case{"cancel --order 5,x", "--order takes numbers with commas between them, not 5,x"},
-        Case{"ordr --buy EURUSD", "There is no command ordr; the nearest one is order"},
-        Case{"", "A command is required"}}) {
+       {std::pair{"--timeout abc positions", range},
+        {"--timeout nan positions", range},
+        {"--timeout -1 positions", range},
+        {"--timeout inf positions", range},
+        {"order --buy EURUSD --amount 3 --rule 2", "--rule: 2 not in "},
+        {"order --buy EURUSD --amount 3 --rule equal --accounts 500100,", "--accounts takes numbers"},
+        {"order --buy EURUSD --amount 3 --rule equal --accounts 7", "Account 7 is not in the accounts list"},
+        {"order --buy EURUSD --amount 1e3 --rule equal", "--amount: must be a number of lots above 0"},
+        {"order --buy EURUSD --sell EURUSD --amount 3 --rule equal", "Exactly 1 option from [--buy,--sell]"},
+        {"order --buy EUR --amount 3 --rule equal", "Symbol EUR is not carried by any connected account"},
+        {"modify 5 --at 1.2", "No connected account has the order or ticket 5"},
+        {"close --ticket 5", "No connected account has ticket 5"},
+        {"cancel --order 5,x", "--order takes numbers with commas between them, not 5,x"},
+        {"ordr --buy EURUSD", "There is no command ordr; the nearest one is order"},
+        {"", "A command is required"}}) {
     EXPECT_EQ(rig.run(words), 2) << words;
     EXPECT_NE(rig.err.find(message), std::string::npos) << words << ": " << rig.err;
     EXPECT_EQ(rig.out, "") << words;

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QComboBox>
 #include <QTextEdit>
 
@@ -10,8 +8,6 @@
 
 namespace tutti::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 struct AccountsWindowTest : ::testing::Test {
   AccountsWindowTest() {

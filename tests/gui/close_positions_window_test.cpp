@@ -1,7 +1,5 @@
 // The close positions window: marks by mouse and keyboard, closing, and what remains to be seen afterwards.
 
-#include <gtest/gtest.h>
-
 #include <QScrollBar>
 
 #include "gui/kit/desktop_prompt.h"
@@ -14,8 +12,6 @@
 
 namespace tutti::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 constexpr int status = frmClosePos::status;
 constexpr int action = frmClosePos::action;

@@ -1,7 +1,5 @@
 // The main window: panes, what can be seen of them, and their layout.
 
-#include <gtest/gtest.h>
-
 #include <QLayout>
 #include <QMenuBar>
 #include <QScreen>

@@ -1,7 +1,5 @@
 // The main window: commands and their keys, status bar, closing.
 
-#include <gtest/gtest.h>
-
 #include <QClipboard>
 #include <QFile>
 #include <QListWidget>

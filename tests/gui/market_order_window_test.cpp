@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QClipboard>
 #include <QListWidget>
 #include <QWheelEvent>
@@ -13,8 +11,6 @@
 
 namespace tutti::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 struct OrderWindowRig : GuiRig {
   explicit OrderWindowRig(int accounts = 4)

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QPushButton>
 #include <QTextEdit>
 
@@ -9,8 +7,6 @@
 
 namespace tutti::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 std::string text_of(const QWidget& box) {
   return box.findChild<QTextEdit*>()->toPlainText().toStdString();

@@ -1,7 +1,5 @@
 // Net positions, and accounts x symbols: selecting, handing over, totals, columns that come.
 
-#include <gtest/gtest.h>
-
 #include <QAbstractItemModelTester>
 #include <QClipboard>
 #include <QScrollBar>

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QProgressBar>
 
 #include "gui/windows/frmPriceChanged_window.h"
@@ -8,8 +6,6 @@
 
 namespace tutti::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 DealerConfig requoting(int accounts) {
   DealerConfig config = DealerConfig::sample(accounts);

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QAbstractItemModelTester>
 #include <QDir>
 #include <QListWidget>
@@ -25,8 +23,6 @@
 
 namespace tutti::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 struct TradeTest : ::testing::Test {
   TradeTest() { show(window); }
