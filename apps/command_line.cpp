@@ -4,7 +4,7 @@
 
 #include "core/numbers.h"
 #include "core/version.h"
-#include "dealer/book_folder.h"
+#include "dealer/trading/book_folder.h"
 
 namespace tutti {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "dealer/outcome.h"
+#include "dealer/trading/outcome.h"
 
 namespace tutti {
 

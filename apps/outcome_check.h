@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/row_list.h"
-#include "dealer/outcome.h"
+#include "dealer/trading/outcome.h"
 
 namespace tutti {
 

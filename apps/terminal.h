@@ -16,7 +16,7 @@
 #include "core/locale_port.h"
 #include "core/prompt.h"
 #include "core/sound_port.h"
-#include "dealer/dealing_server.h"
+#include "dealer/link/dealing_server.h"
 #include "shell/Main.h"
 
 namespace tutti {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "dealer/dealing_server.h"
+#include "dealer/link/dealing_server.h"
 #include "shell/Main.h"
 
 namespace tutti {

@@ -10,7 +10,7 @@
 #include "benchmarks/scratch_folder.h"
 #include "core/file_writer.h"
 #include "core/locale_port.h"
-#include "dealer/dealing_server.h"
+#include "dealer/link/dealing_server.h"
 #include "shell/Main.h"
 
 namespace tutti::bench {

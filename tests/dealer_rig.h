@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/numbers.h"
-#include "dealer/dealing_server.h"
+#include "dealer/link/dealing_server.h"
 #include "sessions/contract/ClientAPI.h"
 
 namespace tutti {

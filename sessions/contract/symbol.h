@@ -19,6 +19,9 @@ struct Symbol {
   double high = 0.0;           // highest bid of the day
   double low = 0.0;            // lowest bid of the day
   TimePoint quote_time{};      // server time of the last quote
+  std::string base{};          // currency or thing that is bought, "EUR"; empty when not told
+  std::string profit{};        // currency in which profit arises, "USD"; empty when not told
+  double margin_rate = 0.0;    // part of the value that counts for the margin; 0 when not told
 
   // Turns a distance in points (as SymbolLimitDistance gives it) into a price difference.
   double ScaleDistance(double points) const { return points / std::pow(10.0, digits); }

@@ -11,7 +11,7 @@
 
 #include "core/clock.h"
 #include "core/locale_port.h"
-#include "dealer/dealing_server.h"
+#include "dealer/link/dealing_server.h"
 #include "shell/Main.h"
 #include "tests/support/recording_ports.h"
 

@@ -1,0 +1,340 @@
+#include "dealer/link/dealer_session.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "sessions/contract/codes.h"
+
+namespace tutti {
+namespace {
+
+void spoil(OpenPosition& position, double value) {
+  position.amount = value;
+  position.open_price = value;
+  position.current_price = value;
+  position.floating_pl = value;
+}
+
+}  // namespace
+
+DealerSession::DealerSession(EventQueue& queue, const Market& market, FaultScript& faults)
+    : queue_(queue), market_(market), faults_(faults) {}
+
+DealerSession::~DealerSession() {
+  queue_.forget(*this);
+}
+
+void DealerSession::set_sink(CLAPICLASS* sink) {
+  if (sink == sink_) return;
+  if (sink_ != nullptr) {
+    queue_.forget(*this);
+    forget_waiting();
+  }
+  sink_ = sink;
+}
+
+void DealerSession::connect(std::int32_t number) {
+  link_ = Link::connecting;
+  number_ = number;
+  post(WaitingNews{waiting_mode::connecting});
+}
+
+void DealerSession::refuse() {
+  link_ = Link::off;
+  post(Signal::invalid_login);
+  post(WaitingNews{waiting_mode::normal});
+}
+
+void DealerSession::open(TradingAccount* account) {
+  link_ = Link::on;
+  account_ = account;
+  load_symbols();
+  if (account_ != nullptr) account_->set_listener(this);
+  forget_waiting();
+  post(ConnectionNews{true});
+  post(Signal::symbols_loaded);
+  positions_waiting_ = sink_ != nullptr;
+  orders_waiting_ = sink_ != nullptr;
+  post(Signal::positions_loaded);
+  post(Signal::orders_loaded);
+  if (account_ != nullptr) tell_summary(true);
+  post(WaitingNews{waiting_mode::normal});
+  post(Signal::all_loaded);
+}
+
+void DealerSession::end(bool dropped) {
+  const bool connecting = link_ == Link::connecting;
+  queue_.forget_connection(*this);
+  forget_waiting();
+  link_ = Link::off;
+  if (account_ != nullptr) account_->set_listener(nullptr);
+  account_ = nullptr;
+  post(ConnectionNews{false});
+  if (dropped) post(Signal::session_closed);
+  if (connecting) post(WaitingNews{waiting_mode::normal});
+}
+
+void DealerSession::load_symbols() {
+  symbols_.clear();
+  for (std::size_t s = 0; s < market_.count(); ++s) {
+    const SymbolConfig& config = market_.symbol(s);
+    const Quote& quote = market_.quote(s);
+    symbols_.push_back({account_ != nullptr ? account_->symbol_id(s) : 0, config.name, config.digits,
+                        config.contract_size, quote.bid, quote.ask, quote.high, quote.low, quote.time,
+                        config.base, config.profit, config.margin_rate});
+  }
+  price_waiting_.assign(market_.count(), false);
+  high_low_waiting_.assign(market_.count(), false);
+}
+
+void DealerSession::forget_waiting() {
+  std::fill(price_waiting_.begin(), price_waiting_.end(), false);
+  std::fill(high_low_waiting_.begin(), high_low_waiting_.end(), false);
+  summary_waiting_ = false;
+  time_waiting_ = false;
+  positions_waiting_ = false;
+  orders_waiting_ = false;
+  if (account_ == nullptr) return;
+  for (TradingAccount::Position& position : account_->positions())
+    position.waiting = false;
+}
+
+void DealerSession::post(News news) {
+  if (sink_ != nullptr) queue_.push(*this, std::move(news));
+}
+
+void DealerSession::tell_price(const Market::Move& move) {
+  const Quote& quote = market_.quote(move.symbol);
+  Symbol& symbol = symbols_[move.symbol];
+  symbol.bid = quote.bid;
+  symbol.ask = quote.ask;
+  symbol.high = quote.high;
+  symbol.low = quote.low;
+  symbol.quote_time = quote.time;
+  if (sink_ == nullptr || symbol.id == 0) return;
+  if (!price_waiting_[move.symbol]) {
+    price_waiting_[move.symbol] = true;
+    if (const auto value = faults_.garbage(number_, FaultPoint::price)) {
+      SpoiltPrice spoilt{symbol};
+      spoilt.symbol.bid = spoilt.symbol.ask = spoilt.symbol.high = spoilt.symbol.low = *value;
+      post(std::make_unique<SpoiltPrice>(std::move(spoilt)));
+    }
+    post(PriceNews{move.symbol});
+  }
+  if (move.high_low && !high_low_waiting_[move.symbol]) {
+    high_low_waiting_[move.symbol] = true;
+    post(HighLowNews{move.symbol});
+  }
+}
+
+void DealerSession::tell_floating() {
+  if (sink_ == nullptr || account_ == nullptr) return;
+  for (TradingAccount::Position& position : account_->positions()) {
+    if (position.moved && !position.waiting) {
+      position.waiting = true;
+      if (const auto value = faults_.garbage(number_, FaultPoint::position)) {
+        SpoiltFloating spoilt{position.record};
+        spoil(spoilt.position, *value);
+        post(std::make_unique<SpoiltFloating>(std::move(spoilt)));
+      }
+      post(FloatingNews{position.record.ticket});
+    }
+    position.moved = false;
+  }
+}
+
+void DealerSession::tell_summary(bool anew) {
+  if (sink_ == nullptr || (summary_waiting_ && !anew)) return;
+  summary_waiting_ = true;
+  if (const auto value = faults_.garbage(number_, FaultPoint::summary))
+    post(std::make_unique<SpoiltSummary>(
+        SpoiltSummary{{*value, *value, *value, *value, *value, *value, *value}}));
+  post(SummaryNews{});
+}
+
+void DealerSession::tell_time(TimePoint time) {
+  time_ = time;
+  if (sink_ == nullptr || time_waiting_) return;
+  time_waiting_ = true;
+  post(TimeNews{});
+}
+
+void DealerSession::tell_position(PositionChange change, const OpenPosition& position) {
+  if (sink_ == nullptr || positions_waiting_) return;
+  if (const auto value = faults_.garbage(number_, FaultPoint::position);
+      value && change != PositionChange::closed) {
+    PositionNews spoilt{change, position};
+    spoil(spoilt.position, *value);
+    post(std::make_unique<PositionNews>(std::move(spoilt)));
+  }
+  post(std::make_unique<PositionNews>(PositionNews{change, position}));
+}
+
+void DealerSession::tell_order(bool gone, const PendingOrder& order) {
+  if (!orders_waiting_) post(std::make_unique<OrderNews>(OrderNews{gone, order}));
+}
+
+void DealerSession::tell_requote(const Requote& requote) {
+  post(std::make_unique<Requote>(requote));
+}
+
+void DealerSession::tell_answer(const AnswerNews& answer) {
+  post(std::make_unique<AnswerNews>(answer));
+}
+
+void DealerSession::deliver(const News& news) {
+  if (sink_ != nullptr) std::visit([&](const auto& one) { pass(*sink_, one); }, news);
+}
+
+// The handlers come last below, and nothing of the session is touched after them: they may destroy it.
+
+void DealerSession::pass(CLAPICLASS& sink, Signal signal) {
+  switch (signal) {
+    case Signal::all_loaded:
+      sink.AllDataAreLoaded();
+      break;
+    case Signal::invalid_login:
+      sink.InvalidUsernamePassword();
+      break;
+    case Signal::orders_loaded:
+      orders_waiting_ = false;
+      sink.PendingOrdersLoaded();
+      break;
+    case Signal::positions_loaded:
+      positions_waiting_ = false;
+      sink.OpenPositionsLoaded();
+      break;
+    case Signal::session_closed:
+      sink.SessionDisconnected();
+      break;
+    case Signal::symbols_loaded:
+      sink.SymbolsLoaded();
+      break;
+  }
+}
+
+void DealerSession::pass(CLAPICLASS& sink, WaitingNews news) {
+  sink.WaitingMode(news.mode);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, ConnectionNews news) {
+  sink.ConnectionState(news.connected);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, PriceNews news) {
+  price_waiting_[news.symbol] = false;
+  sink.SymbolPricesChanged(symbols_[news.symbol]);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, HighLowNews news) {
+  high_low_waiting_[news.symbol] = false;
+  sink.SymbolHighLowChanged(symbols_[news.symbol]);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, FloatingNews news) {
+  TradingAccount::Position* position = account_->find_position(news.ticket);
+  if (position == nullptr) return;
+  position->waiting = false;
+  sink.PosFloatingPLChanged(position->record);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, SummaryNews) {
+  summary_waiting_ = false;
+  sink.SummariesChanged(account_->summary());
+}
+
+void DealerSession::pass(CLAPICLASS& sink, TimeNews) {
+  time_waiting_ = false;
+  sink.ServerTime(time_);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<PositionNews>& news) {
+  switch (news->change) {
+    case PositionChange::opened:
+      sink.NewOpenPosition(news->position);
+      break;
+    case PositionChange::changed:
+      sink.UpdateOpenPosition(news->position);
+      break;
+    case PositionChange::closed:
+      sink.DeleteOpenPosition(news->position);
+      break;
+  }
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news) {
+  if (news->gone)
+    sink.DeletePendingOrder(news->order);
+  else
+    sink.NewPendingOrder(news->order);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news) {
+  const OrderReport& report = news->report;
+  switch (news->event) {
+    case AnswerNews::Event::order:
+      sink.NewOrderResult(report);
+      break;
+    case AnswerNews::Event::close:
+      sink.CloseOrderResult(report);
+      break;
+    case AnswerNews::Event::accepted:
+      sink.MarketOrderAccepted(report);
+      break;
+    case AnswerNews::Event::rejected:
+      sink.MarketOrderRejected(report);
+      break;
+    case AnswerNews::Event::entry:
+      sink.NewLimitOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::update_entry:
+      sink.UpdateLimitOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::new_stops:
+      sink.NewSLTPOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::update_stops:
+      sink.UpdateSLTPOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::cancel_entry:
+      sink.DeleteLimitOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::cancel_stops:
+      sink.DeleteSLTPOrderResult(report.number, report.result);
+      break;
+    case AnswerNews::Event::entry_done:
+      sink.LimitOrderAccepted(report);
+      break;
+    case AnswerNews::Event::entry_no_money:
+      sink.LimitOrderCanceledNoMoney(report.number, report.account);
+      break;
+    case AnswerNews::Event::entry_no_hedging:
+      sink.LimitOrderCanceledCannotHdg(report.number, report.account);
+      break;
+    case AnswerNews::Event::stops_done:
+      sink.SlTpOrderAccepted(report.number);
+      break;
+    case AnswerNews::Event::stops_no_money:
+      sink.SlTpOrderCanceledNoMoney(report.number);
+      break;
+  }
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news) {
+  sink.OrderTimer(*news);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news) {
+  sink.SymbolPricesChanged(news->symbol);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news) {
+  sink.PosFloatingPLChanged(news->position);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news) {
+  sink.SummariesChanged(news->summary);
+}
+
+}  // namespace tutti

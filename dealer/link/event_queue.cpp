@@ -1,0 +1,34 @@
+#include "dealer/link/event_queue.h"
+
+#include <utility>
+
+namespace tutti {
+
+void EventQueue::push(DealerSession& session, News news) {
+  events_.push_back({&session, std::move(news)});
+}
+
+bool EventQueue::pop(Event& event) {
+  if (events_.empty()) return false;
+  event = std::move(events_.front());
+  events_.pop_front();
+  ++popped_;
+  return true;
+}
+
+void EventQueue::forget(const DealerSession& session) {
+  for (Event& event : events_)
+    if (event.session == &session) event.session = nullptr;
+}
+
+void EventQueue::forget_connection(const DealerSession& session) {
+  for (Event& event : events_) {
+    if (event.session != &session) continue;
+    if (std::holds_alternative<ConnectionNews>(event.news)) continue;
+    if (std::holds_alternative<WaitingNews>(event.news)) continue;
+    if (std::holds_alternative<std::unique_ptr<AnswerNews>>(event.news)) continue;
+    event.session = nullptr;
+  }
+}
+
+}  // namespace tutti

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <variant>
+
+#include "dealer/trading/account_listener.h"
+#include "dealer/trading/answer_news.h"
+#include "sessions/contract/account_summary.h"
+#include "sessions/contract/open_position.h"
+#include "sessions/contract/pending_order.h"
+#include "sessions/contract/requote.h"
+#include "sessions/contract/symbol.h"
+
+namespace tutti {
+
+class DealerSession;
+
+// What a session is told. Frequent news are small and name only what moved, so that the values are read when
+// they are delivered; rare ones carry their record as it was.
+enum class Signal : std::uint8_t {
+  all_loaded,
+  invalid_login,
+  orders_loaded,
+  positions_loaded,
+  session_closed,
+  symbols_loaded,
+};
+struct WaitingNews {
+  std::int32_t mode = 0;
+};
+struct ConnectionNews {
+  bool connected = false;
+};
+struct PriceNews {
+  std::size_t symbol = 0;
+};
+struct HighLowNews {
+  std::size_t symbol = 0;
+};
+struct FloatingNews {
+  std::int64_t ticket = 0;
+};
+struct SummaryNews {};
+struct TimeNews {};
+struct PositionNews {
+  PositionChange change = PositionChange::opened;
+  OpenPosition position;
+};
+struct OrderNews {
+  bool gone = false;
+  PendingOrder order;
+};
+// A spoilt copy of what comes right behind.
+struct SpoiltPrice {
+  Symbol symbol;
+};
+struct SpoiltFloating {
+  OpenPosition position;
+};
+struct SpoiltSummary {
+  AccountSummary summary;
+};
+using News = std::variant<Signal, WaitingNews, ConnectionNews, PriceNews, HighLowNews, FloatingNews,
+                          SummaryNews, TimeNews, std::unique_ptr<PositionNews>, std::unique_ptr<OrderNews>,
+                          std::unique_ptr<AnswerNews>, std::unique_ptr<Requote>, std::unique_ptr<SpoiltPrice>,
+                          std::unique_ptr<SpoiltFloating>, std::unique_ptr<SpoiltSummary>>;
+
+struct Event {
+  DealerSession* session = nullptr;  // nullptr once the session wants it no more
+  News news;
+};
+
+// The one queue of the server, first in, first out over all sessions.
+class EventQueue {
+ public:
+  void push(DealerSession& session, News news);
+  // Moves the oldest event out; false when none is left.
+  bool pop(Event& event);
+  // How many events were ever pushed, and how many of them have been popped.
+  std::uint64_t pushed() const { return popped_ + events_.size(); }
+  std::uint64_t popped() const { return popped_; }
+  // Takes back everything that waits for a session.
+  void forget(const DealerSession& session);
+  // The same, but for order results, connection states and waiting modes, which outlive a connection.
+  void forget_connection(const DealerSession& session);
+
+ private:
+  std::deque<Event> events_;
+  std::uint64_t popped_ = 0;
+};
+
+}  // namespace tutti

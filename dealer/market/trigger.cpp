@@ -1,0 +1,35 @@
+#include "dealer/market/trigger.h"
+
+#include "sessions/contract/codes.h"
+
+namespace tutti {
+namespace {
+
+// A tenth of the smallest point there is: a price that was reckoned meets the market where its digits say so.
+constexpr double slack = 1e-9;
+
+}  // namespace
+
+Trigger trigger_of(const PendingOrder& order) {
+  Trigger trigger;
+  const bool buys = order.operation > 0;
+  trigger.ask = buys;
+  const auto at_or_below = [&](double price) { trigger.below = price + slack; };
+  const auto at_or_above = [&](double price) { trigger.above = price - slack; };
+  if (order.kind == "LO") {
+    const bool limit = order.operation == operation::buy || order.operation == operation::sell;
+    if (buys == limit)
+      at_or_below(order.price);
+    else
+      at_or_above(order.price);
+  } else if (order.kind == "ST") {
+    // Buying closes what was sold, whose loss lies above.
+    const double low = buys ? order.take_profit : order.stop_loss;
+    const double high = buys ? order.stop_loss : order.take_profit;
+    if (low > 0.0) at_or_below(low);
+    if (high > 0.0) at_or_above(high);
+  }
+  return trigger;
+}
+
+}  // namespace tutti
