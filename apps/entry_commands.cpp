@@ -51,7 +51,7 @@ class EntryRun final : public SplitRun {
 std::string EntryRun::price_fault(const CClientAPIManager& session) const {
   if (!form_.stops_accepted())
     return "stop loss or take profit would not be sent: as texts they lie on the wrong side of the price";
-  const ClientAPI& client = session.ClientAPIF();
+  const AccountClient& client = session.ClientAPIF();
   const Symbol* symbol = client.FindSymbol(order_.symbol);
   if (symbol == nullptr) return {};
   const MarketDistances market{

@@ -55,6 +55,7 @@ void SplitRun::describe_sent(const SentOrder& order, Line& line) {
       line.result = "unknown";
       break;
     case SentOrder::Outcome::pending:
+    case SentOrder::Outcome::partly:
       line.unknown = true;
       line.result = "unknown, " + line.result;
       break;

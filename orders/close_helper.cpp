@@ -29,7 +29,7 @@ bool CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account
       return false;
     }
   }
-  switch (session->close_position(ticket, amount)) {
+  switch (session->close_position(ticket, amount).request_code) {
     case request::no_privilege:
       report(position + ", account " + std::to_string(account) + " does not have privilege", account);
       break;

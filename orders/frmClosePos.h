@@ -11,6 +11,7 @@
 #include <tsl/robin_set.h>
 
 #include "accounts/frmMain.h"
+#include "books/symbol_collection.h"
 #include "core/CQuestionBox.h"
 #include "core/MGeneral.h"
 #include "core/check_box.h"
@@ -19,7 +20,6 @@
 #include "core/row_list.h"
 #include "orders/order_answer.h"
 #include "sessions/desk.h"
-#include "sessions/symbol_collection.h"
 #include "views/frmTrade.h"
 #include "views/position_block.h"
 

@@ -60,7 +60,7 @@ void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, st
   if (seconds_left > 0) return;
 
   answered_.insert({session_, order_});
-  session.ClientAPIF().RejectRequote(order, 0);
+  session.answer_requote(order, false);
   hide();
   const std::string text = "Timer Expired - Order number " + std::to_string(order) + " rejected";
   general_.message_box(text);
@@ -88,8 +88,7 @@ void frmPriceChanged::answer_shown(bool accept) {
 void frmPriceChanged::answer(CClientAPIManager& session, std::int64_t order, std::int32_t account,
                              bool accept) {
   answered_.insert({&session, order});
-  ClientAPI& client = session.ClientAPIF();
-  const std::int32_t code = accept ? client.AcceptRequote(order, 0) : client.RejectRequote(order, 0);
+  const std::int32_t code = session.answer_requote(order, accept).request_code;
   if (&session == session_ && order == order_) hide();
   const bool row_written = settle(order, account, accept ? accepted_word : rejected_word);
   // The dealer may not have taken the answer; the row then says why instead.

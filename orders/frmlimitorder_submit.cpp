@@ -96,7 +96,7 @@ bool frmlimitorder::send_new_orders() {
          cblimiordertype.text() + " " + number_text(order.amount) + " " + cblimitordersymbols.text(),
          order.price, [&](CClientAPIManager& session) {
            order.symbol_id = session.GetIDByName(cblimitordersymbols.text());
-           return session.place_entry(order, symbol_, round_);
+           return session.place_entry(order, symbol_, round_).request_code;
          });
   }
   if (!any) general_.message_box("No account selected");
@@ -117,7 +117,7 @@ bool frmlimitorder::send_update() {
   send(*row, edit_order,
        "#" + std::to_string(edit_.number) + " " + cblimiordertype.text() + " " + edit_.symbol, price,
        [&](CClientAPIManager& session) {
-         return session.update_entry(edit_.number, price, stop_prices(), round_);
+         return session.update_entry(edit_.number, price, stop_prices(), round_).request_code;
        });
   return true;
 }
@@ -128,7 +128,9 @@ bool frmlimitorder::send_stops() {
     if (!row.checked()) continue;
     any = true;
     send(row, edit_stops, "#" + std::to_string(edit_.number) + " " + side_ + " " + edit_.symbol, edit_.price,
-         [&](CClientAPIManager& session) { return session.set_stops(edit_.number, stop_prices(), round_); });
+         [&](CClientAPIManager& session) {
+           return session.set_stops(edit_.number, stop_prices(), round_).request_code;
+         });
   }
   if (!any) general_.message_box("No account selected");
   return any;

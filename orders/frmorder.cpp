@@ -10,12 +10,12 @@ namespace tutti {
 namespace {
 
 using Answer = frmorder::Answer;
-using Orders = std::span<const CClientAPIManagers::FanOutOrder>;
+using Orders = std::span<const SentOrder* const>;
 
 // The orders at the front that are of this account.
 Orders of_one_account(Orders orders, std::int32_t account) {
   std::size_t count = 0;
-  while (count < orders.size() && orders[count].account == account)
+  while (count < orders.size() && orders[count]->account == account)
     ++count;
   return orders.first(count);
 }
@@ -24,8 +24,8 @@ Orders of_one_account(Orders orders, std::int32_t account) {
 // open counts before what is settled, and what was executed before what was not.
 Answer combined(Orders own) {
   for (const Answer answer : {Answer::waiting, Answer::unknown, Answer::accepted}) {
-    for (const auto& order : own) {
-      if (answer_from(order.outcome()) == answer) return answer;
+    for (const SentOrder* order : own) {
+      if (answer_from(order->outcome) == answer) return answer;
     }
   }
   return Answer::refused;
@@ -223,9 +223,9 @@ frmorder::Answer frmorder::answer_of(const Row& row) const {
   if (sent_) {
     const auto number = static_cast<std::int32_t>(row.key().number());
     const Orders all = accounts_list_.sessions().last_fan_out();
-    const auto first = std::lower_bound(all.begin(), all.end(), number, [](const auto& order, auto wanted) {
-      return order.account < wanted;
-    });
+    const auto first =
+        std::lower_bound(all.begin(), all.end(), number,
+                         [](const SentOrder* order, auto wanted) { return order->account < wanted; });
     const Orders own = of_one_account({first, all.end()}, number);
     if (!own.empty()) return combined(own);
   }
@@ -238,7 +238,7 @@ frmorder::Answers frmorder::answers() const {
   if (!sent_) return out;
   Orders rest = accounts_list_.sessions().last_fan_out();
   while (!rest.empty()) {
-    const Orders own = of_one_account(rest, rest.front().account);
+    const Orders own = of_one_account(rest, rest.front()->account);
     rest = rest.subspan(own.size());
     out.count(combined(own));
   }

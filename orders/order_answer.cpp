@@ -8,6 +8,7 @@ OrderAnswer answer_from(SentOrder::Outcome outcome) {
   switch (outcome) {
     case SentOrder::Outcome::waiting:
     case SentOrder::Outcome::pending:
+    case SentOrder::Outcome::partly:
       return OrderAnswer::waiting;
     case SentOrder::Outcome::accepted:
       return OrderAnswer::accepted;

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "sessions/sent_order.h"
+#include "books/sent_order.h"
 
 namespace tutti {
 

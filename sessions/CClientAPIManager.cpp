@@ -1,62 +1,45 @@
 #include "sessions/CClientAPIManager.h"
 
-#include <algorithm>
 #include <cmath>
-#include <exception>
-#include <utility>
 
 #include "core/numbers.h"
-#include "core/texts.h"
 #include "sessions/result_texts.h"
 
 namespace tutti {
 namespace {
 
-// Columns of the accounts list that sessions write.
-constexpr std::size_t column_state = 2;
-constexpr std::size_t column_notes = 4;
-constexpr std::size_t column_first_value = 5;
-constexpr std::size_t column_last_value = 11;
-
-// Values beyond this are no account of anyone, and would wipe out the other accounts' share of the totals.
-constexpr double largest_value = 1e15;
-
-// False for values that are no numbers, too.
-bool usable(const AccountSummary& s) {
-  return std::fabs(s.balance) + std::fabs(s.floating_pl) + std::fabs(s.credit) + std::fabs(s.equity) +
-             std::fabs(s.used_margin) + std::fabs(s.margin_level) + std::fabs(s.free_margin) <
-         largest_value;
-}
-
-// Runs one statement of a handler that goes on with the next one whatever happens.
-template <class Statement>
-void carry_on(MGeneral& general, std::int32_t account, Statement&& statement) {
-  try {
-    statement();
-  } catch (const std::exception& error) {
-    general.log(std::string{"A step of an event could not be done: "} + error.what(), account);
-  }
-}
+constexpr std::size_t column_notes = 4;  // of the accounts list
 
 }  // namespace
 
+template <class Step>
+void CClientAPIManager::carry_on(Step&& step) {
+  try {
+    step();
+  } catch (const std::exception& error) {
+    scope_.log(std::string{"A step of an event could not be done: "} + error.what());
+  }
+}
+
 CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const LoginData& login,
-                                     MGeneral& general, Desk& desk, const AccountWindows& windows,
-                                     SymbolCollection& symbols, CLoginOptions& options)
-    : client_(std::move(client)),
-      general_(general),
-      desk_(desk),
-      windows_(windows),
-      symbols_(symbols),
-      options_(options),
-      account_(login.account),
+                                     const Shared& shared)
+    : scope_(*client, shared.general, shared.desk, shared.symbols, login.account),
+      windows_(shared.windows),
+      book_(shared.book),
+      gate_(shared.gate),
+      connection_(scope_, shared.options),
+      market_(scope_),
+      records_(scope_),
+      requests_(scope_, records_, shared.book, shared.gate, *client),
       user_(login.user),
       password_(login.password.copy()) {
+  client_ = std::move(client);
   client_->set_sink(this);
   client_->SetLoginData(login);
 }
 
 CClientAPIManager::~CClientAPIManager() {
+  requests_.leave();
   client_->set_sink(nullptr);
   client_->Logout();
 }
@@ -64,12 +47,24 @@ CClientAPIManager::~CClientAPIManager() {
 void CClientAPIManager::shut_down() {
   client_->set_sink(nullptr);
   client_->Logout();
-  release_totals();
+  connection_.release_totals();
   journal_unanswered();
-  // Nobody else says any more that the wait of this one is over.
-  if (!std::exchange(waiting_, false)) return;
-  desk_.status->control_text(StatusDesk::waiting_control, "");
-  desk_.entry_order->submit_available(true);
+  connection_.shut_down();
+}
+
+void CClientAPIManager::Summary(std::int32_t account, AccountSummary& out) {
+  SummaryAnswer answer{.values = {}, .result = result::failed};
+  try {
+    answer = client_->GetAccountSummary(account);
+  } catch (const std::exception&) {
+    // An error of the library is an answer that failed.
+  }
+  if (answer.result == result::succeeded) {
+    out = answer.values;
+    return;
+  }
+  out = {.floating_pl = out.floating_pl};
+  scope_.general.totals.floating_pl = 0.0;
 }
 
 std::string CClientAPIManager::SummaryDesc(double balance, double equity, double effective_margin) const {
@@ -77,134 +72,92 @@ std::string CClientAPIManager::SummaryDesc(double balance, double equity, double
          "  EffMargin: " + summary_text(effective_margin);
 }
 
-void CClientAPIManager::CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
-  if (!usable(reported)) {
-    refuse("The account's summary");
-    return;
-  }
-  const Totals now{reported.balance,    reported.floating_pl,        reported.credit,
-                   reported.equity,     reported.used_margin * -1.0, reported.margin_level * 100.0,
-                   reported.free_margin};
-  general_.totals.replace(summary_, now);
-  summary_ = now;
-  desk_.status->totals_changed(TotalsForm::summaries_changed);
-  if (row_ != nullptr) desk_.accounts->refresh_summary(*row_);
+const SentOrder& CClientAPIManager::market_order(std::int32_t side, SymbolHandle symbol, double amount) {
+  return gate_.market_order(sender(), side, symbol, symbol_id(symbol), amount);
 }
 
-void CClientAPIManager::release_totals() {
-  general_.totals.replace(summary_, {});
-  desk_.status->totals_changed(TotalsForm::disconnected);
-  summary_ = {};
+const SentOrder& CClientAPIManager::close_position(std::int64_t ticket, double amount) {
+  return gate_.close(sender(), ticket, amount);
+}
+
+const SentOrder& CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position) {
+  return gate_.cancel(sender(), order, stops_of_position);
+}
+
+const SentOrder& CClientAPIManager::place_entry(const EntryOrder& order, SymbolHandle symbol, int round) {
+  return gate_.place_entry(sender(), order, symbol, round);
+}
+
+const SentOrder& CClientAPIManager::update_entry(std::int64_t order, double price, const StopPrices& stops,
+                                                 int round) {
+  return gate_.update_entry(sender(), order, price, stops, round);
+}
+
+const SentOrder& CClientAPIManager::set_stops(std::int64_t ticket, const StopPrices& stops, int round) {
+  return gate_.set_stops(sender(), ticket, stops, records_.stops_order_of(ticket), round);
+}
+
+const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept) {
+  return gate_.answer_requote(sender(), order, accept);
 }
 
 void CClientAPIManager::ConnectionState(bool connected) {
-  carry_on(general_, account_, [&] {
-    if (row_ == nullptr) return;
-    if (connected) {
-      row_->set_text(column_state, "Connected", Ink::white);
-    } else {
-      row_->set_text(column_state, "Disconnected", Ink::red);
-      row_->clear_cells(column_first_value, column_last_value);
-    }
-  });
+  carry_on([&] { connection_.show_state(connected); });
+  const auto tell_state = [&](std::string_view state) {
+    scope_.desk.close_positions->account_state(account(), state);
+  };
   if (connected) {
-    refused_.clear();
-    carry_on(general_, account_, [&] { connection_.connected(row_); });
-    carry_on(general_, account_, [&] { desk_.close_positions->account_state(account_, "Connected"); });
+    carry_on([&] { connection_.connected(); });
+    carry_on([&] { tell_state("Connected"); });
     return;
   }
-  carry_on(general_, account_, [&] { connection_.connection_lost(row_); });
-  carry_on(general_, account_, [&] { release_totals(); });
-  carry_on(general_, account_, [&] { journal_unanswered(); });
-  carry_on(general_, account_, [&] {
-    if (lists_account_) windows_.leave(*this);
-    lists_account_ = false;
-    desk_.close_positions->account_state(account_, "Disconnected");
+  carry_on([&] { connection_.lost(); });
+  carry_on([&] { connection_.release_totals(); });
+  carry_on([&] { journal_unanswered(); });
+  carry_on([&] {
+    if (lists_account()) windows_.leave(*this);
+    records_.lists_account(false);
+    tell_state("Disconnected");
   });
-  carry_on(general_, account_, [&] { desk_.requote->session_gone(*this); });
-}
-
-void CClientAPIManager::WaitingMode(std::int32_t mode) {
-  if (mode >= waiting_mode::normal && mode <= waiting_mode::connecting)
-    waiting_ = mode != waiting_mode::normal;
-  switch (mode) {
-    case waiting_mode::connecting:
-      connection_.login_begins();
-      if (row_ != nullptr) row_->set_text(column_state, "Connecting", Ink::red);
-      desk_.close_positions->account_state(account_, "Connecting");
-      desk_.entry_order->submit_available(false);
-      break;
-    case waiting_mode::waiting:
-      desk_.status->control_text(StatusDesk::waiting_control, "Waiting");
-      desk_.status->control_text(StatusDesk::connected_control, "Connected");
-      desk_.entry_order->submit_available(false);
-      break;
-    case waiting_mode::normal:
-      desk_.status->control_text(StatusDesk::waiting_control, "");
-      for (int id = StatusDesk::first_trade_control; id <= StatusDesk::last_trade_control; ++id)
-        desk_.status->control_enabled(id, true);
-      desk_.entry_order->distribute_available();
-      break;
-    default:
-      break;
-  }
-}
-
-void CClientAPIManager::SessionDisconnected() {
-  general_.message_box("account " + std::to_string(account_) + " Session disconnected",
-                       "Session Disconnected");
-  if (row_ != nullptr) row_->set_ink(column_state, row_connected() ? Ink::green : Ink::red);
-  // The totals keep what this account added until they are rebuilt; only its own values go.
-  summary_ = {};
-  connection_.session_ended(row_);
-  general_.play_sound("\\sounds\\Disconnect.wav");
-}
-
-void CClientAPIManager::InvalidUsernamePassword() {
-  connection_.login_refused(row_);
-  if (row_ == nullptr) return;
-  row_->set_text(column_state, "Invalid account", Ink::red);
-  desk_.close_positions->account_state(account_, "Invalid account");
+  carry_on([&] { scope_.desk.requote->session_gone(*this); });
 }
 
 void CClientAPIManager::AllDataAreLoaded() {
-  general_.play_sound("\\sounds\\Connect.WAV");
-  const bool found = client_->FindAccount(account_).has_value();
-  lists_account_ = lists_account_ || found;
+  MGeneral& general = scope_.general;
+  Desk& desk = scope_.desk;
+  general.play_sound("\\sounds\\Connect.WAV");
+  const bool found = client_->FindAccount(account()).has_value();
+  if (found) records_.lists_account(true);
   if (!found) {
-    if (row_ != nullptr) {
-      row_->set_text(column_notes, "Invalid account");
-      row_->set_text(column_state, "Invalid account", Ink::red);
-    }
-    desk_.close_positions->account_state(account_, "Invalid account");
+    connection_.invalid_account();
     windows_.leave_pending(*this);
-    log(std::to_string(account_) + " is invalid account");
+    scope_.log(std::to_string(account()) + " is invalid account");
     DisInvalidAcc(std::to_string(key_));
   } else {
-    if (desk_.market_order->wants_lot_limits()) {
-      general_.minimum_lot = client_->MinimumLot();
-      general_.maximum_lot = client_->MaximumLot();
-      desk_.market_order->lot_limits(general_.minimum_lot, general_.maximum_lot);
+    if (desk.market_order->wants_lot_limits()) {
+      general.minimum_lot = client_->MinimumLot();
+      general.maximum_lot = client_->MaximumLot();
+      desk.market_order->lot_limits(general.minimum_lot, general.maximum_lot);
     }
-    desk_.market_order->add_account(account_);
-    desk_.close_positions->add_account(account_);
-    desk_.entry_order->add_account(account_);
-    desk_.close_positions->refresh_symbols();
+    desk.market_order->add_account(account());
+    desk.close_positions->add_account(account());
+    desk.entry_order->add_account(account());
+    desk.close_positions->refresh_symbols();
     // A row that reads "Connected" does not read "Invalid account".
-    if (row_connected()) {
-      desk_.accounts->record_connected(*this);
-      general_.play_sound("\\sounds\\Connect.wav");
+    if (scope_.row_connected()) {
+      desk.accounts->record_connected(*this);
+      general.play_sound("\\sounds\\Connect.wav");
     }
   }
-  general_.read_settings();
+  general.read_settings();
 }
 
 void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {
   const auto key = parse_int32(key_text);
-  if (!key || *key != key_ || row_ == nullptr) return;
-  desk_.accounts->select_client(*row_);
+  if (!key || *key != key_ || scope_.row == nullptr) return;
+  scope_.desk.accounts->select_client(*scope_.row);
   // Whoever hears of the selection may have removed the account.
-  if (row_ != nullptr) row_->set_text(column_notes, "Invalid account ID");
+  if (scope_.row != nullptr) scope_.row->set_text(column_notes, "Invalid account ID");
 }
 
 std::string_view CClientAPIManager::ResultDescription(std::int32_t code) {
@@ -212,31 +165,23 @@ std::string_view CClientAPIManager::ResultDescription(std::int32_t code) {
 }
 
 std::string_view CClientAPIManager::BuySellDesc(std::int32_t operation) {
-  return operation == operation::buy || operation == operation::buy_stop ? "buy" : "sell";
+  return result_texts::buy_or_sell(operation);
 }
 
-void CClientAPIManager::ServerTime(TimePoint time) {
-  desk_.status->server_time(general_.full_time_text(time));
+void CClientAPIManager::OrderTimer(const Requote& requote) {
+  // Nobody may accept a price that is none. The server rejects the request itself when its time is over.
+  if (!std::isfinite(requote.amount) || !std::isfinite(requote.price) || !std::isfinite(requote.new_price))
+    return scope_.refuse("The new price of order #" + std::to_string(requote.order));
+  requests_.requote_tick(requote);
+  scope_.desk.requote->tick(*this, requote);
 }
 
-void CClientAPIManager::ServerRouted(std::string_view address, std::string_view port) {
-  if (options_.RoutServer(address, read_integer(port))) return;
-  log("The server's new address was refused: it holds a character that no address has");
+void CClientAPIManager::SlTpOrderAccepted(std::int64_t order) {
+  scope_.log_order(order, "SL/TP request #" + std::to_string(order) + " is accepted");
 }
 
-void CClientAPIManager::refuse(const std::string& what) {
-  if (!refused_.insert(what).second) return;
-  log(what + " came with values that are no numbers or out of all bounds; it is not shown");
-}
-
-void CClientAPIManager::tell(const std::string& text) {
-  general_.last_message = text;
-  general_.message_box(text);
-}
-
-void CClientAPIManager::log_order(std::int64_t order, std::string_view text) {
-  log(text);
-  desk_.pending->order_text(order, account_, text);
+void CClientAPIManager::SlTpOrderCanceledNoMoney(std::int64_t order) {
+  scope_.log_order(order, "SL/TP request #" + std::to_string(order) + " is canceled - no money");
 }
 
 }  // namespace tutti

@@ -24,8 +24,9 @@ CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_v
     general_.prompt.system_box("Maximum account number exceeded", "Alert");
     return nullptr;
   }
-  sessions_.push_back(std::make_unique<CClientAPIManager>(make_client_(), login, general_, desk_, windows_,
-                                                          symbols_, options_));
+  sessions_.push_back(std::make_unique<CClientAPIManager>(
+      make_client_(), login,
+      CClientAPIManager::Shared{general_, desk_, windows_, symbols_, options_, requests_, gate_}));
   CClientAPIManager& session = *sessions_.back();
   session.key(static_cast<std::int16_t>(sessions_.size()));
   by_account_.emplace(session.account(), &session);
@@ -79,9 +80,6 @@ void CClientAPIManagers::RClear(int number) {
     session->ClientListItem(nullptr);
     desk_.accounts->remove_client(*row);
   }
-  for (FanOutOrder& order : fan_out_) {
-    if (order.session == session) order = {order.account, nullptr, order.outcome()};
-  }
   if (current_ == session) current_ = nullptr;
   // A handler that removes its own account goes on in the session that it belongs to.
   retired_.push_back(std::move(sessions_[static_cast<std::size_t>(number) - 1]));
@@ -121,11 +119,11 @@ bool CClientAPIManagers::Check_Visibility(std::string_view symbol, std::int32_t 
 }
 
 double CClientAPIManagers::Limit_Offset(std::string_view symbol) const {
-  return widest_distance(symbol, &ClientAPI::SymbolLimitDistance);
+  return widest_distance(symbol, &AccountClient::SymbolLimitDistance);
 }
 
 double CClientAPIManagers::Stop_Offset(std::string_view symbol) const {
-  return widest_distance(symbol, &ClientAPI::SymbolStopDistance);
+  return widest_distance(symbol, &AccountClient::SymbolStopDistance);
 }
 
 double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf distance_of) const {
@@ -137,7 +135,7 @@ double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf d
   for (const Row& row : *rows) {
     const auto account = static_cast<std::int32_t>(row.key().number());
     for (const auto& session : sessions_) {
-      const ClientAPI& client = session->ClientAPIF();
+      const AccountClient& client = session->ClientAPIF();
       if (session->account() != account || !client.LoggedIn() || !Check_Visibility(asked, account)) continue;
       const double distance = (client.*distance_of)(symbol);
       const Symbol* record = client.SymbolRecord(symbol);
@@ -153,21 +151,14 @@ void CClientAPIManagers::fan_out(std::int32_t side) {
   fan_out_.clear();
   fan_out_sorted_ = false;
   for (const auto& session : sessions_) {
-    ClientAPI& client = session->ClientAPIF();
-    if (!client.LoggedIn()) continue;
+    if (!session->ClientAPIF().LoggedIn()) continue;
     const std::int32_t account = session->account();
     const Row* row = desk_.market_order->account_row(account);
     if (row == nullptr || !row->checked()) continue;
     const double amount = row->cell(1).number();
-    const std::int32_t code = client.NewMarketOrder(side, session->symbol_id(symbol), amount, "", "", 0);
-    session->note_sent(
-        {.amount = amount,
-         .side = side,
-         .symbol = symbol,
-         .request_code = code,
-         .outcome = code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused});
-    fan_out_.push_back({.account = account, .session = session.get()});
-    Result(code, account, client_key(session->key()));
+    const SentOrder& sent = session->market_order(side, symbol, amount);
+    fan_out_.push_back(&sent);
+    Result(sent.request_code, account, client_key(session->key()));
     general_.play_sound_file(sound);
   }
   if (!fan_out_.empty()) return;
@@ -175,11 +166,11 @@ void CClientAPIManagers::fan_out(std::int32_t side) {
   desk_.market_order->nothing_sent();
 }
 
-std::span<const CClientAPIManagers::FanOutOrder> CClientAPIManagers::last_fan_out() {
+std::span<const SentOrder* const> CClientAPIManagers::last_fan_out() {
   // Sorting is left to the first look, since sending must not wait for it.
   if (!std::exchange(fan_out_sorted_, true)) {
     std::sort(fan_out_.begin(), fan_out_.end(),
-              [](const FanOutOrder& a, const FanOutOrder& b) { return a.account < b.account; });
+              [](const SentOrder* a, const SentOrder* b) { return a->account < b->account; });
   }
   return fan_out_;
 }
@@ -189,6 +180,22 @@ int CClientAPIManagers::unanswered() const {
   for (const auto& session : sessions_)
     out += session->unanswered();
   return out;
+}
+
+void CClientAPIManagers::look_at_the_clock() {
+  std::vector<SentOrder*> overdue = requests_.overdue(general_.clock.elapsed());
+  std::size_t given_up = 0;
+  for (SentOrder* request : overdue) {
+    const auto session = std::find_if(sessions_.begin(), sessions_.end(),
+                                      [&](const auto& each) { return each->sender() == request->sender; });
+    if (session == sessions_.end()) continue;
+    (*session)->overdue(*request);
+    if (request->kind != RequestKind::requote) ++given_up;
+  }
+  if (given_up == 0) return;
+  general_.queue_message(std::to_string(given_up) + (given_up == 1 ? " request has" : " requests have") +
+                         " no answer: what became of " + (given_up == 1 ? "it" : "them") +
+                         " is unknown. Check the positions; the journal says of which accounts");
 }
 
 void CClientAPIManagers::Result(std::int32_t code, std::int32_t account, RowKey row_key) {

@@ -73,23 +73,19 @@ class CClientAPIManagers {
   void BuyFunction() { fan_out(operation::buy); }
   void SellFunction() { fan_out(operation::sell); }
   void NewOrder(std::string_view, std::string_view, std::string_view) {}
-  // An order of the last Buy or Sell.
-  struct FanOutOrder {
-    std::int32_t account = 0;
-    const CClientAPIManager* session = nullptr;         // that sent it; nullptr once it was removed
-    SentOrder::Outcome end = SentOrder::Outcome::none;  // what became of it, as the removed session knew
-
-    SentOrder::Outcome outcome() const { return session == nullptr ? end : session->last_order().outcome; }
-  };
-  // Sorted by account.
-  std::span<const FanOutOrder> last_fan_out();
-  // Market orders, closes and cancels of all sessions that are still to be answered.
+  // The orders of the last Buy or Sell, sorted by account.
+  std::span<const SentOrder* const> last_fan_out();
+  const RequestBook& requests() const { return requests_; }
+  // Requests of all sessions that are still to be answered.
   int unanswered() const;
+  // Gives up what no word came for in too long, journaled, with one message for all of it. To be called
+  // whenever time has gone by.
+  void look_at_the_clock();
   // Reports the request code of a market order. `row_key` is the account's key in the accounts list.
   void Result(std::int32_t code, std::int32_t account, RowKey row_key);
 
  private:
-  using DistanceOf = double (ClientAPI::*)(std::string_view) const;
+  using DistanceOf = double (AccountClient::*)(std::string_view) const;
 
   void fan_out(std::int32_t side);
   double widest_distance(std::string_view symbol, DistanceOf distance_of) const;
@@ -101,12 +97,14 @@ class CClientAPIManagers {
   SymbolCollection& symbols_;
   CLoginOptions& options_;
   AccountWindows windows_{desk_, *this};
+  RequestBook requests_;
+  RequestGate gate_{requests_, general_.clock};
   std::size_t capacity_;
   std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
   std::vector<std::unique_ptr<CClientAPIManager>>
       retired_;  // removed by a handler, freed with the next removal outside one
   tsl::robin_map<std::int32_t, CClientAPIManager*> by_account_;
-  std::vector<FanOutOrder> fan_out_;
+  std::vector<const SentOrder*> fan_out_;
   bool fan_out_sorted_ = true;
   CClientAPIManager* current_ = nullptr;
 };

@@ -16,7 +16,7 @@ AccountWindows::Sessions AccountWindows::others(const CClientAPIManager& gone) c
 void AccountWindows::keep_positions(std::int32_t account, const Sessions& of) const {
   Numbers kept;
   for (const CClientAPIManager* session : of) {
-    const ClientAPI& client = session->ClientAPIF();
+    const AccountClient& client = session->ClientAPIF();
     for (int index = 1; index <= client.OpenPositionCount(); ++index) {
       if (const OpenPosition* position = client.OpenPositionItem(index)) kept.insert(position->ticket);
     }
@@ -27,7 +27,7 @@ void AccountWindows::keep_positions(std::int32_t account, const Sessions& of) co
 void AccountWindows::keep_orders(std::int32_t account, const Sessions& of) const {
   Numbers kept;
   for (const CClientAPIManager* session : of) {
-    const ClientAPI& client = session->ClientAPIF();
+    const AccountClient& client = session->ClientAPIF();
     for (int index = 1; index <= client.PendingOrderCount(); ++index) {
       if (const PendingOrder* order = client.PendingOrderItem(index)) kept.insert(order->order);
     }

@@ -7,6 +7,8 @@
 
 #include <tsl/robin_set.h>
 
+#include "books/sent_order.h"
+#include "books/symbol_collection.h"
 #include "core/row_list.h"
 #include "core/totals.h"
 #include "sessions/contract/open_position.h"
@@ -14,8 +16,6 @@
 #include "sessions/contract/pending_order.h"
 #include "sessions/contract/requote.h"
 #include "sessions/contract/symbol.h"
-#include "sessions/sent_order.h"
-#include "sessions/symbol_collection.h"
 
 // What a session may tell the windows. Every interface has empty defaults, so that a window which is not
 // there yet is a receiver that ignores what it hears. All calls come on the GUI thread.

@@ -178,6 +178,41 @@ std::string_view new_stops(std::int32_t code) {
   }
 }
 
+CloseTexts close(std::int32_t code, std::int64_t ticket, std::int32_t account) {
+  const std::string number = std::to_string(ticket);
+  const auto the_same = [](const std::string& text) { return CloseTexts{text, text, text}; };
+  switch (code) {
+    case result::not_enough_money: {
+      const std::string text = " not enough money";
+      return {text, text, text + " for account " + std::to_string(account)};
+    }
+    case result::trading_closed:
+      return {"Order " + number + " trading is closed", " Trading is closed",
+              number + " trading is closed for account " + std::to_string(account)};
+    case result::market_conditions: {
+      const std::string text = "Unable to get  quote on this symbol due to market conditions";
+      return {text, text, "Order " + number + " is " + text};
+    }
+    case result::bad_connection:
+      return {"Unable to get  quote due to  bad connection, Please try again",
+              "Order " + number + " is Unable to get quote due to bad connection, Please try again ",
+              "Order " + number + " is Unable to get  quote due to  bad connection, Please try again"};
+    case result::position_closed:
+      return {"Order " + number + " is closed", "Order " + number + " is closed",
+              "Position " + number + " is closed"};
+    case result::position_pending:
+      return the_same("Position " + number + " is in pending mode");
+    case result::has_pending_orders:
+      return the_same("Position " + number + " has pending orders");
+    default:
+      return {};
+  }
+}
+
+std::string_view buy_or_sell(std::int32_t operation) {
+  return operation == operation::buy || operation == operation::buy_stop ? "buy" : "sell";
+}
+
 std::string_view type_word(std::int32_t operation) {
   switch (operation) {
     case operation::sell_stop:

@@ -6,7 +6,7 @@
 
 #include <tsl/robin_map.h>
 
-#include "sessions/symbol_collection.h"
+#include "books/symbol_collection.h"
 
 namespace tutti {
 

@@ -114,6 +114,7 @@ void Main::connect_closing() {
 
 void Main::poll_timers() {
   accounts_->m_oTimer.poll(ports_.clock.now());
+  accounts_->sessions().look_at_the_clock();
   if (window_->stamp() == totals_shown_) return;
   totals_shown_ = window_->stamp();
   trade_->lbmSummaries.set_text(window_->totals_pane());

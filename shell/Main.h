@@ -6,6 +6,7 @@
 #include <tl/expected.hpp>
 
 #include "accounts/frmMain.h"
+#include "books/symbol_collection.h"
 #include "core/CLocalSettings.h"
 #include "core/CQuestionBox.h"
 #include "core/MGeneral.h"
@@ -19,7 +20,6 @@
 #include "orders/frmlimitorder.h"
 #include "orders/frmorder.h"
 #include "sessions/desk.h"
-#include "sessions/symbol_collection.h"
 #include "shell/CHTMLHELP.h"
 #include "shell/Culf.h"
 #include "shell/broker_card.h"

@@ -251,8 +251,12 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   client.sink->NewLimitOrderResult(23, result::not_enough_money);
   EXPECT_EQ(session.unanswered(), 2);
   client.sink->NewLimitOrderResult(24, result::trading_closed);
+  EXPECT_EQ(session.unanswered(), 2);
+  EXPECT_EQ(desk.answers(), "1 waiting");
+  desk.clock.advance(30s);
+  desk.main->poll_timers();
   EXPECT_EQ(session.unanswered(), 0);
-  EXPECT_EQ(desk.answers(), "1 refused");
+  EXPECT_EQ(desk.rows() + desk.answers(), "- unknown|1 unknown");
 
   // An order that was executed while it was being cancelled: its number is the ticket's now.
   session.cancel_order(22, false);

@@ -270,11 +270,8 @@ TEST_F(SessionAnswered, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {
   client.symbols = {{.id = 3, .name = "EURUSD"}};
   during([&] { sink.SymbolsLoaded(); });
   const auto order = [&](double amount, Outcome outcome) {
-    session.note_sent({.amount = amount,
-                       .side = 1,
-                       .symbol = rig.symbols.find("EURUSD"),
-                       .request_code = 1,
-                       .outcome = outcome});
+    client.request_code = outcome == Outcome::refused ? request::invalid_lots : request::taken;
+    session.market_order(1, rig.symbols.find("EURUSD"), amount);
   };
   const auto answer = [&](std::int64_t number, double amount, std::int32_t state) {
     OrderReport reply = report(1, state);

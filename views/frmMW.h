@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#include "books/symbol_collection.h"
 #include "core/MGeneral.h"
 #include "core/displayable.h"
 #include "core/row_list.h"
 #include "sessions/desk.h"
-#include "sessions/symbol_collection.h"
 
 namespace tutti {
 

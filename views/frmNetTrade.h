@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "books/symbol_collection.h"
 #include "core/MGeneral.h"
 #include "core/label.h"
 #include "core/row_list.h"
-#include "sessions/symbol_collection.h"
 #include "views/CNetPos.h"
 #include "views/position_block.h"
 

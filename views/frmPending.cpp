@@ -165,7 +165,7 @@ std::vector<frmPending::Cancel> frmPending::ticked() const {
 std::int32_t frmPending::send(const Cancel& cancel) {
   CClientAPIManager* session = sessions_.logged_in(cancel.account);
   if (session == nullptr) return request::invalid_account;
-  return session->cancel_order(cancel.order, cancel.kind == "ST");
+  return session->cancel_order(cancel.order, cancel.kind == "ST").request_code;
 }
 
 void frmPending::CloseIoID() {

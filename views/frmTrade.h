@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "books/symbol_collection.h"
 #include "core/CQuestionBox.h"
 #include "core/MGeneral.h"
 #include "core/check_box.h"
 #include "core/label.h"
 #include "core/row_list.h"
 #include "sessions/desk.h"
-#include "sessions/symbol_collection.h"
 #include "views/frmPending.h"
 
 namespace tutti {

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <map>
 
+#include "books/symbol_collection.h"
 #include "gui/kit/binder.h"
 #include "orders/frmlimitorder.h"
-#include "sessions/symbol_collection.h"
 
 class QGridLayout;
 class QLayout;

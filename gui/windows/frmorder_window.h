@@ -2,9 +2,9 @@
 
 #include <QWidget>
 
+#include "books/symbol_collection.h"
 #include "gui/kit/binder.h"
 #include "orders/frmorder.h"
-#include "sessions/symbol_collection.h"
 
 class QGridLayout;
 class QLineEdit;

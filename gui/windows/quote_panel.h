@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sessions/symbol_collection.h"
+#include "books/symbol_collection.h"
 
 class QLabel;
 class QVBoxLayout;

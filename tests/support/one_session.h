@@ -28,10 +28,7 @@ struct OneSession {
   void writes(const std::function<void()>& step, const Heard& lines) {
     EXPECT_EQ(during(step), sorted(lines));
   }
-  void send(std::int32_t side = 1) {
-    session.note_sent(
-        {.amount = 0.5, .side = side, .request_code = 1, .outcome = SentOrder::Outcome::waiting});
-  }
+  void send(std::int32_t side = 1) { session.market_order(side, no_symbol, 0.5); }
   static OrderReport report(std::int32_t result, std::int32_t state, std::int32_t operation = 1) {
     return {.number = 12,
             .account = 81,

@@ -27,6 +27,7 @@ class ScriptedClient final : public ClientAPI {
   // "side symbol-id amount"; "entry side limit|stop symbol-id amount at price [sl] [tp]"; "update" and
   // "stops" with the number and the prices; "close ticket amount".
   std::vector<std::string> sent;
+  std::vector<RequestId> ids;               // of all that was sent
   std::vector<std::string>* log = nullptr;  // gets closes, too, with the account in front
   double profit_per_point = 0.0;  // what EvaluateSLTPPrice multiplies the difference of the prices with
 
@@ -51,25 +52,29 @@ class ScriptedClient final : public ClientAPI {
     return &orders[static_cast<std::size_t>(index) - 1];
   }
   std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
-                              std::string_view, RequestId) override {
+                              std::string_view, RequestId id) override {
+    named(id);
     sent.push_back(std::to_string(side) + " " + std::to_string(symbol_id) + " " + std::to_string(amount));
     return request_code;
   }
-  std::int32_t NewEntryOrder(const EntryOrder& o, RequestId) override {
+  std::int32_t NewEntryOrder(const EntryOrder& o, RequestId id) override {
+    named(id);
     sent.push_back("entry " + std::to_string(o.side) + (o.kind == EntryKind::limit ? " limit " : " stop ") +
                    std::to_string(o.symbol_id) + " " + number_text(o.amount) + " at " + number_text(o.price) +
                    stops_text(o));
     return request_code;
   }
   std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
-                                RequestId) override {
+                                RequestId id) override {
+    named(id);
     sent.push_back("update " + std::to_string(order) + " at " + number_text(price) + stops_text(stops));
     return request_code;
   }
-  std::int32_t AcceptRequote(std::int64_t, RequestId) override { return request_code; }
-  std::int32_t RejectRequote(std::int64_t, RequestId) override { return request_code; }
+  std::int32_t AcceptRequote(std::int64_t, RequestId id) override { return named(id); }
+  std::int32_t RejectRequote(std::int64_t, RequestId id) override { return named(id); }
   std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
-                             RequestId) override {
+                             RequestId id) override {
+    named(id);
     sent.push_back("close " + std::string{ticket} + " " + std::string{amount});
     if (log != nullptr) log->push_back(std::to_string(login_data.account) + " " + sent.back());
     return request_code;
@@ -77,7 +82,8 @@ class ScriptedClient final : public ClientAPI {
   bool LoggedIn() const override { return logged_in; }
   void Logout() override {}
   SummaryAnswer GetAccountSummary(std::int32_t) const override { return summary; }
-  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId) override {
+  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) override {
+    named(id);
     sent.push_back("stops " + std::to_string(ticket) + stops_text(stops));
     return request_code;
   }
@@ -88,8 +94,8 @@ class ScriptedClient final : public ClientAPI {
   double SymbolLimitDistance(std::string_view) const override { return limit_distance; }
   double SymbolStopDistance(std::string_view) const override { return stop_distance; }
   std::optional<AccountInfo> FindAccount(std::int32_t) const override { return info; }
-  std::int32_t DeleteEntryOrder(std::int64_t, RequestId) override { return request_code; }
-  std::int32_t DeleteSLTPOrder(std::int64_t, RequestId) override { return request_code; }
+  std::int32_t DeleteEntryOrder(std::int64_t, RequestId id) override { return named(id); }
+  std::int32_t DeleteSLTPOrder(std::int64_t, RequestId id) override { return named(id); }
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
   BookEra Era() const override { return 0; }
@@ -97,6 +103,10 @@ class ScriptedClient final : public ClientAPI {
   std::int32_t AskExecutions(TimePoint) override { return request::silent; }
 
  private:
+  std::int32_t named(RequestId id) {
+    ids.push_back(id);
+    return request_code;
+  }
   template <class Stops>
   static std::string stops_text(const Stops& stops) {
     return (stops.has_stop_loss ? " sl " + number_text(stops.stop_loss) : "") +

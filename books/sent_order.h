@@ -1,30 +1,37 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
+#include "books/symbol_collection.h"
 #include "sessions/contract/codes.h"
-#include "sessions/symbol_collection.h"
+#include "sessions/contract/request_id.h"
 
 namespace tutti {
 
 enum class RequestKind : std::uint8_t {
-  open,    // market order
-  close,   // of a position, or of a part of it
-  cancel,  // of an entry order, or of the SL/TP order of a position
-  entry,   // new entry order
-  update,  // of an entry order
-  stops,   // SL/TP of a position
+  open,     // market order
+  close,    // of a position, or of a part of it
+  cancel,   // of an entry order, or of the SL/TP order of a position
+  entry,    // new entry order
+  update,   // of an entry order
+  stops,    // SL/TP of a position
+  requote,  // the operator's answer to a new price
 };
 
-// A request on its way: what was sent, what the request answered, and what became of it.
+// Number of a session, given once and good for the whole run; 0 is none.
+using Sender = std::uint32_t;
+
+// A request: what was sent, what the request answered, and what became of it.
 struct SentOrder {
   enum class Outcome : std::uint8_t {
     none,      // nothing was sent
     refused,   // the request was not taken, or the result is a refusal
     waiting,   // taken, no result yet
     pending,   // the dealer has it
+    partly,    // executed in part, the rest is still alive
     accepted,  // executed
-    unknown,   // the connection was lost before the result came
+    unknown,   // nobody knows: no word came for long, or the connection was lost before the result
   };
 
   RequestKind kind = RequestKind::open;
@@ -38,9 +45,16 @@ struct SentOrder {
   Outcome outcome = Outcome::none;
   std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
   int round = 0;                 // the sender's own mark, handed back with the outcome
+  RequestId id = 0;
+  Sender sender = 0;
+  std::int32_t account = 0;
+  double filled = 0.0;                     // lots, as reported so far
+  std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
 
-  // Nothing more is to come of it.
-  bool settled() const { return outcome != Outcome::waiting && outcome != Outcome::pending; }
+  // Nothing more is expected of it. A late word may still come for one that is unknown.
+  bool settled() const {
+    return outcome != Outcome::waiting && outcome != Outcome::pending && outcome != Outcome::partly;
+  }
 
   // What a result code says.
   static Outcome outcome_of(std::int32_t result_code) {

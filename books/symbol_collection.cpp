@@ -1,4 +1,4 @@
-#include "sessions/symbol_collection.h"
+#include "books/symbol_collection.h"
 
 namespace tutti {
 

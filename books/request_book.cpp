@@ -1,0 +1,141 @@
+#include "books/request_book.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+
+namespace tutti {
+namespace {
+
+bool is_new_order(RequestKind kind) {
+  return kind == RequestKind::open || kind == RequestKind::entry;
+}
+
+}  // namespace
+
+RequestBook::Sent& RequestBook::of(Sender sender) {
+  if (sender >= sent_.size()) sent_.resize(sender + std::size_t{1});
+  return sent_[sender];
+}
+
+SentOrder& RequestBook::add(SentOrder request) {
+  assert(request.id > (all_.empty() ? 0 : all_.back().id));
+  all_.push_back(request);
+  SentOrder& added = all_.back();
+  Sent& sent = of(added.sender);
+  sent.alive.push_back(&added);
+  if (added.kind == RequestKind::open) sent.last_open = &added;
+  if (added.kind == RequestKind::entry) sent.last_entry = &added;
+  words_.emplace_back(added.last_word, &added);
+  return added;
+}
+
+void RequestBook::note_code(SentOrder& request, std::int32_t request_code) {
+  request.request_code = request_code;
+  request.outcome =
+      request_code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused;
+  Sent& sent = of(request.sender);
+  if (request.settled()) std::erase(sent.alive, &request);
+  if (is_new_order(request.kind)) return;
+  auto& last = sent.last[{request.kind, request.number}];
+  if (last == nullptr || last->settled() || !request.settled()) last = &request;
+}
+
+const SentOrder* RequestBook::find(RequestId id) const {
+  const auto at = std::lower_bound(all_.begin(), all_.end(), id,
+                                   [](const SentOrder& request, RequestId key) { return request.id < key; });
+  return at == all_.end() || at->id != id ? nullptr : &*at;
+}
+
+SentOrder* RequestBook::named(Sender sender, RequestId id) {
+  const auto at = std::lower_bound(all_.begin(), all_.end(), id,
+                                   [](const SentOrder& request, RequestId key) { return request.id < key; });
+  return at == all_.end() || at->id != id || at->sender != sender ? nullptr : &*at;
+}
+
+SentOrder* RequestBook::fitting(Sender sender, const Figures& figures) {
+  if (!is_new_order(figures.kind)) {
+    return only(sender, figures.kind, [&](const SentOrder& o) { return o.number == figures.number; });
+  }
+  const auto& known = of(sender).last;
+  if (const auto at = known.find({figures.kind, figures.number}); figures.number != 0 && at != known.end())
+    return at->second;
+  return only(sender, figures.kind, [&](const SentOrder& o) {
+    return o.number == 0 && o.symbol == figures.symbol && (o.side > 0) == (figures.side > 0) &&
+           std::fabs(o.amount - figures.lots) <= same_lots;
+  });
+}
+
+const SentOrder* RequestBook::last(Sender sender, RequestKind kind, std::int64_t number) const {
+  const Sent* sent = find_sent(sender);
+  if (sent == nullptr) return nullptr;
+  const auto at = sent->last.find({kind, number});
+  return at == sent->last.end() ? nullptr : at->second;
+}
+
+const SentOrder& RequestBook::last_new(Sender sender, RequestKind kind) const {
+  static const SentOrder none;
+  const Sent* sent = find_sent(sender);
+  const SentOrder* out = sent == nullptr              ? nullptr
+                         : kind == RequestKind::entry ? sent->last_entry
+                                                      : sent->last_open;
+  return out == nullptr ? none : *out;
+}
+
+void RequestBook::settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome,
+                         std::int64_t order, std::chrono::milliseconds now) {
+  // One that was given up, and is with the dealer after all, is waited for again.
+  const bool again = request.settled();
+  request.outcome = outcome;
+  if (again && !request.settled()) words_.emplace_back(now, &request);
+  if (result != 0) request.result_code = result;
+  request.last_word = now;
+  Sent& sent = of(request.sender);
+  if (order != 0 && is_new_order(request.kind)) {
+    request.number = order;
+    sent.last[{request.kind, order}] = &request;
+  }
+  if (request.settled() && outcome != SentOrder::Outcome::unknown) std::erase(sent.alive, &request);
+}
+
+bool RequestBook::is_new_execution(Sender sender, const std::string& execution) {
+  return execution.empty() || of(sender).executions.insert(execution).second;
+}
+
+int RequestBook::unanswered(Sender sender) const {
+  const Sent* sent = find_sent(sender);
+  if (sent == nullptr) return 0;
+  return static_cast<int>(std::count_if(sent->alive.begin(), sent->alive.end(), [](const SentOrder* each) {
+    return !each->settled() && each->kind != RequestKind::requote;
+  }));
+}
+
+std::vector<SentOrder*> RequestBook::open(Sender sender) const {
+  std::vector<SentOrder*> out;
+  if (const Sent* sent = find_sent(sender)) {
+    std::copy_if(sent->alive.begin(), sent->alive.end(), std::back_inserter(out),
+                 [](const SentOrder* each) { return !each->settled(); });
+  }
+  return out;
+}
+
+std::vector<SentOrder*> RequestBook::overdue(std::chrono::milliseconds now) {
+  std::vector<SentOrder*> out;
+  while (!words_.empty() && words_.front().first + patience <= now) {
+    SentOrder* request = words_.front().second;
+    words_.pop_front();
+    if (request->settled()) continue;
+    if (request->last_word + patience <= now) {
+      out.push_back(request);
+    } else {
+      // Heard of since. Those behind it were sent later, but perhaps heard of earlier.
+      const std::pair<std::chrono::milliseconds, SentOrder*> again{request->last_word, request};
+      words_.insert(std::upper_bound(words_.begin(), words_.end(), again,
+                                     [](const auto& a, const auto& b) { return a.first < b.first; }),
+                    again);
+    }
+  }
+  return out;
+}
+
+}  // namespace tutti

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <tsl/robin_map.h>
+#include <tsl/robin_set.h>
+
+#include "books/sent_order.h"
+
+namespace tutti {
+
+// Every request of this run, and what became of it. The gate writes what leaves, sessions what is answered;
+// everybody reads. Records stay where they are for the whole run.
+class RequestBook {
+ public:
+  // So long after the broker's last word a request without a result is unknown.
+  static constexpr std::chrono::milliseconds patience{30'000};
+  // Amounts that differ by no more are the same one, written in another way.
+  static constexpr double same_lots = 1e-8;
+
+  // What an answer without an id says of the request it means.
+  struct Figures {
+    RequestKind kind = RequestKind::open;
+    std::int64_t number = 0;  // 0: not told, or not known here
+    SymbolHandle symbol = no_symbol;
+    std::int32_t side = 0;  // operation:: code, of which the sign counts
+    double lots = 0.0;
+  };
+
+  // Takes in a request that is about to leave. Its id is greater than every one before.
+  SentOrder& add(SentOrder request);
+  // What the call that sent it answered. Of a repetition that is refused what is on its way stays the last.
+  void note_code(SentOrder& request, std::int32_t request_code);
+
+  const SentOrder* find(RequestId id) const;
+  // The one that this id names, of this sender; nullptr when there is none.
+  SentOrder* named(Sender sender, RequestId id);
+  // The one that these figures fit, of those that have no result; nullptr when there is none, or more than
+  // one: then nobody knows which was meant, and all of them stay as they are. What was told for a number
+  // before belongs to that number's request.
+  SentOrder* fitting(Sender sender, const Figures& figures);
+  // The only one of a kind without a result for which `meant` holds; nullptr when there is none, or more.
+  template <class Meant>
+  SentOrder* only(Sender sender, RequestKind kind, Meant&& meant) {
+    SentOrder* out = nullptr;
+    for (SentOrder* each : alive(sender)) {
+      if (each->kind != kind || !meant(*each)) continue;
+      if (out != nullptr) return nullptr;
+      out = each;
+    }
+    return out;
+  }
+  // The last of a kind for an order or ticket; what is on its way comes before what is settled.
+  const SentOrder* last(Sender sender, RequestKind kind, std::int64_t number) const;
+  // The last market order (entry order) of a sender; its outcome is `none` when there is none.
+  const SentOrder& last_new(Sender sender, RequestKind kind) const;
+
+  // What became of it. `order` is the number it is known by from now on, 0: as before.
+  void settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome, std::int64_t order,
+              std::chrono::milliseconds now);
+  // The broker has it, and said so.
+  void heard_of(SentOrder& request, std::chrono::milliseconds now) { request.last_word = now; }
+  // False for a fill that was told before.
+  bool is_new_execution(Sender sender, const std::string& execution);
+
+  // Without a result; answers to requotes don't count, which end with the order they are for.
+  int unanswered(Sender sender) const;
+  // Those of a sender, oldest first.
+  std::vector<SentOrder*> open(Sender sender) const;
+  // Those without a word for longer than patience, oldest first.
+  std::vector<SentOrder*> overdue(std::chrono::milliseconds now);
+
+ private:
+  using Slot = std::pair<RequestKind, std::int64_t>;
+  struct SlotHash {
+    std::size_t operator()(const Slot& slot) const {
+      return std::hash<std::int64_t>{}(slot.second * 8 + static_cast<std::int64_t>(slot.first));
+    }
+  };
+  struct Sent {
+    std::vector<SentOrder*> alive;  // without a result, or unknown; oldest first
+    tsl::robin_map<Slot, SentOrder*, SlotHash> last;
+    SentOrder* last_open = nullptr;
+    SentOrder* last_entry = nullptr;
+    tsl::robin_set<std::string> executions;
+  };
+
+  Sent& of(Sender sender);
+  const Sent* find_sent(Sender sender) const { return sender < sent_.size() ? &sent_[sender] : nullptr; }
+  std::vector<SentOrder*>& alive(Sender sender) { return of(sender).alive; }
+
+  std::deque<SentOrder> all_;                                           // ids ascend
+  std::vector<Sent> sent_;                                              // by sender
+  std::deque<std::pair<std::chrono::milliseconds, SentOrder*>> words_;  // when each is looked at, in order
+};
+
+}  // namespace tutti

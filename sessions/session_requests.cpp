@@ -1,0 +1,314 @@
+#include "sessions/session_requests.h"
+
+#include <cmath>
+
+#include "core/numbers.h"
+#include "sessions/result_texts.h"
+
+namespace tutti {
+namespace {
+
+using Outcome = SentOrder::Outcome;
+
+constexpr std::string_view order_ok = "\\sounds\\OrderOk.wav";
+constexpr std::string_view no_equity = "\\sounds\\NoEquity.wav";
+constexpr std::string_view alert = "\\sounds\\Alert.wav";
+
+// "Order #12 [BUY 0.5 EURUSD] has been accepted"
+std::string accepted_text(const OrderReport& report) {
+  return "Order #" + std::to_string(report.number) + " [" + (report.operation > 0 ? "BUY" : "SELL") + " " +
+         number_text(report.amount) + " " + report.symbol + "] has been accepted";
+}
+
+// "BUY 0.5 EURUSD"
+std::string words(const SentOrder& order, const SymbolCollection& symbols) {
+  return (order.side > 0 ? "BUY " : "SELL ") + number_text(order.amount) + " " +
+         (order.symbol == no_symbol ? "" : symbols.entry(order.symbol).name);
+}
+
+PendingOrder in_dealing(const OrderReport& report, std::int32_t account, const char* kind, TimePoint now) {
+  return {.order = report.number,
+          .account = account,
+          .kind = kind,
+          .reference = std::string_view{kind} == "CP" ? report.number : 0,
+          .operation = report.operation,
+          .symbol = report.symbol,
+          .amount = report.amount,
+          .price = report.price,
+          .time = now};
+}
+
+}  // namespace
+
+bool SessionRequests::settle(SentOrder* meant, std::int32_t code, Outcome outcome, std::int64_t order) {
+  // A word that comes again, or too late, changes nothing; what was given up it settles after all.
+  if (meant == nullptr || (meant->settled() && meant->outcome != Outcome::unknown)) return false;
+  book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
+  const bool of_entry_window = meant->kind == RequestKind::entry || meant->kind == RequestKind::update ||
+                               meant->kind == RequestKind::stops;
+  if (of_entry_window) scope_.desk.entry_order->request_settled(*meant, scope_.account);
+  return true;
+}
+
+bool SessionRequests::settle(RequestKind kind, std::int64_t number, std::int32_t code, Outcome outcome,
+                             RequestId id) {
+  return settle(id != 0 ? book_.named(sender_, id) : book_.fitting(sender_, {.kind = kind, .number = number}),
+                code, outcome);
+}
+
+Outcome SessionRequests::outcome_of(const OrderReport& report) const {
+  if (report.result != result::succeeded) return Outcome::refused;
+  if (report.state == order_state::pending) return Outcome::pending;
+  return report.left > 0.0 ? Outcome::partly : Outcome::accepted;
+}
+
+SentOrder* SessionRequests::meant_by(const OrderReport& report) {
+  if (report.id != 0) return book_.named(sender_, report.id);
+  return book_.fitting(sender_, {.kind = RequestKind::open,
+                                 .number = report.number,
+                                 .symbol = scope_.symbols.find(report.symbol),
+                                 .side = report.operation,
+                                 .lots = report.amount});
+}
+
+bool SessionRequests::new_order(const OrderReport& report) {
+  const bool done = report.result == result::succeeded;
+  const bool dealing = done && report.state == order_state::pending;
+  const bool ours = settle(meant_by(report), report.result, outcome_of(report), report.number);
+  if (ours && dealing)
+    scope_.desk.pending->order(in_dealing(report, scope_.account, "OP", scope_.general.clock.now()));
+  const std::string line = dealing ? "Order " + std::to_string(report.number) + " in Pending mode"
+                           : done  ? accepted_text(report)
+                                   : std::string{result_texts::new_order(report.result)};
+  if (line.empty()) return ours;
+  scope_.log(line);
+  if (ours) {
+    scope_.desk.market_order->result(dealing ? "Order in Pending mode"
+                                     : done  ? "Market Order Accepted"
+                                             : std::string_view{line},
+                                     scope_.account);
+  }
+  if (!done) scope_.general.play_sound(report.result == result::hedging_not_allowed ? alert : no_equity);
+  return ours;
+}
+
+bool SessionRequests::market_order_accepted(const OrderReport& report) {
+  const bool close = report.request_kind == request_kind::close;
+  const bool ours = close ? settle(RequestKind::close, report.number, 0, Outcome::accepted, report.id)
+                          : settle(meant_by(report), 0, Outcome::accepted, report.number);
+  settle(RequestKind::requote, report.number, 0, Outcome::accepted, 0);
+  if (close) {
+    scope_.log_order(report.number,
+                     "Ticket #" + std::to_string(report.number) + " has been closed successfully");
+    if (ours) records_.refresh_position(report.number);
+  } else {
+    scope_.log_order(report.number, accepted_text(report));
+    if (ours) scope_.desk.market_order->result("Market Order Accepted", scope_.account);
+  }
+  scope_.desk.requote->order_accepted(report.number, scope_.account);
+  return ours;
+}
+
+bool SessionRequests::market_order_rejected(const OrderReport& report) {
+  const bool close = report.request_kind == request_kind::close;
+  const bool ours = close ? settle(RequestKind::close, report.number, 0, Outcome::refused, report.id)
+                          : settle(meant_by(report), 0, Outcome::refused, report.number);
+  settle(RequestKind::requote, report.number, 0, Outcome::accepted, 0);
+  if (close) {
+    constexpr std::string_view text = "Closing has been rejected";
+    scope_.log_order(report.number, text);
+    if (ours) scope_.desk.close_positions->result(report.number, scope_.account, text);
+  } else {
+    scope_.log_order(report.number, "Order " + std::to_string(report.number) + " has been rejected");
+    if (ours) scope_.desk.market_order->result("order has been rejected", scope_.account);
+  }
+  scope_.desk.requote->order_rejected(report.number, scope_.account);
+  return ours;
+}
+
+void SessionRequests::requote_tick(const Requote& requote) {
+  const auto now = scope_.general.clock.elapsed();
+  for (const RequestKind kind : {RequestKind::open, RequestKind::close}) {
+    const SentOrder* waiting = book_.last(sender_, kind, requote.order);
+    if (waiting != nullptr && !waiting->settled()) book_.heard_of(*book_.named(sender_, waiting->id), now);
+  }
+}
+
+bool SessionRequests::close_result(const OrderReport& report) {
+  const bool ours = settle(RequestKind::close, report.number, report.result, outcome_of(report), report.id);
+  tell_close(report, ours);
+  return ours;
+}
+
+void SessionRequests::tell_close(const OrderReport& report, bool ours) {
+  const auto write_row = [&](std::string_view text) {
+    if (ours) scope_.desk.close_positions->result(report.number, scope_.account, text);
+  };
+  if (report.result != result::succeeded) {
+    const auto texts = result_texts::close(report.result, report.number, scope_.account);
+    if (texts.line.empty()) return;
+    scope_.log(texts.line);
+    write_row(texts.row);
+    return scope_.tell(texts.message);
+  }
+  const std::string number = std::to_string(report.number);
+  scope_.log("Request close ticket #" + number + std::string{result_texts::type_word(report.operation)} +
+             number_text(report.amount) + report.symbol + " at " + number_text(report.price));
+  const bool pending = report.state == order_state::pending;
+  if (ours && pending)
+    scope_.desk.pending->order(in_dealing(report, scope_.account, "CP", scope_.general.clock.now()));
+  const std::string text =
+      pending ? "Position in pending mode" : "Postion " + number + " is closed successfuly";
+  scope_.log(text);
+  write_row(text);
+}
+
+// The answer names no more than a number. That of a success is known to the server, as an order or as the
+// position it has become; what was asked for is read from there. Of several open requests nobody knows which
+// one was refused.
+SentOrder* SessionRequests::entry_of(std::int64_t order, std::int32_t code) {
+  if (book_.last(sender_, RequestKind::entry, order) != nullptr || code != result::succeeded) {
+    const SentOrder* known = book_.last(sender_, RequestKind::entry, order);
+    return known != nullptr ? book_.named(sender_, known->id)
+                            : book_.only(sender_, RequestKind::entry, [](const SentOrder&) { return true; });
+  }
+  RequestBook::Figures figures{.kind = RequestKind::entry, .number = order};
+  if (const PendingOrder* placed = records_.pending_order(order)) {
+    figures.symbol = scope_.symbols.find(placed->symbol);
+    SentOrder* at_price = book_.only(sender_, RequestKind::entry, [&](const SentOrder& o) {
+      return o.symbol == figures.symbol && o.side == placed->operation && o.price == placed->price &&
+             std::fabs(o.amount - placed->amount) <= RequestBook::same_lots;
+    });
+    if (at_price != nullptr) return at_price;
+    figures.side = placed->operation;
+    figures.lots = placed->amount;
+  } else if (const OpenPosition* executed = records_.open_position(order)) {
+    figures.symbol = scope_.symbols.find(executed->symbol);
+    figures.side = executed->side;
+    figures.lots = executed->amount;
+  } else {
+    return nullptr;
+  }
+  return book_.fitting(sender_, figures);
+}
+
+bool SessionRequests::new_entry(std::int64_t order, std::int32_t code, RequestId id) {
+  const bool ours = settle(id != 0 ? book_.named(sender_, id) : entry_of(order, code), code,
+                           SentOrder::outcome_of(code), order);
+  const std::string_view text = result_texts::new_entry(code);
+  if (code == result::all_managed) {
+    scope_.log_order(order, "Order " + std::to_string(order) + " :All Lots Are Managed");
+  } else if (!text.empty()) {
+    scope_.log_order(order, code == result::bad_connection ? "Unable_Bad Connection" : text);
+    if (ours) scope_.desk.entry_order->result(text, scope_.account);
+    if (ours && code == result::succeeded) records_.refresh_pending(order);
+    if (code != result::position_pending)
+      scope_.general.play_sound(code == result::succeeded ? order_ok : no_equity);
+  }
+  return ours;
+}
+
+bool SessionRequests::update_entry(std::int64_t order, std::int32_t code, RequestId id) {
+  const bool ours = settle(RequestKind::update, order, code, SentOrder::outcome_of(code), id);
+  const std::string line = result_texts::update_entry_line(order, code);
+  if (!line.empty()) scope_.log_order(order, line);
+  if (!ours) return false;
+  if (code == result::succeeded) {
+    records_.refresh_pending(order);
+  } else if (!line.empty()) {
+    scope_.desk.entry_order->result(line, scope_.account);
+  }
+  return true;
+}
+
+bool SessionRequests::delete_entry(std::int64_t order, std::int32_t code, RequestId id) {
+  const bool ours = settle(RequestKind::cancel, order, code, SentOrder::outcome_of(code), id);
+  const std::string text =
+      "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
+  scope_.log_order(order, text);
+  if (code != result::succeeded) scope_.tell(text);
+  return ours;
+}
+
+// The answer to stops names their order, which is a new one when the position had none before, and may be
+// gone when it is refused.
+SentOrder* SessionRequests::stops_of(std::int64_t order, std::int32_t code) {
+  const auto only = [&](auto&& meant) { return book_.only(sender_, RequestKind::stops, meant); };
+  if (SentOrder* had = only([&](const SentOrder& o) { return o.stops_order == order; })) return had;
+  if (const PendingOrder* placed = records_.pending_order(order))
+    return only([&](const SentOrder& o) { return o.number == placed->reference; });
+  if (code == result::succeeded) return nullptr;
+  return only([&](const SentOrder& o) {
+    return o.stops_order == 0 || records_.pending_order(o.stops_order) == nullptr;
+  });
+}
+
+bool SessionRequests::new_stops(std::int64_t order, std::int32_t code, RequestId id) {
+  const bool ours =
+      settle(id != 0 ? book_.named(sender_, id) : stops_of(order, code), code, SentOrder::outcome_of(code));
+  scope_.log_order(order, result_texts::new_stops_line(order));
+  const std::string_view refusal = result_texts::new_stops(code);
+  if (!refusal.empty()) scope_.log_order(order, refusal);
+  if (!ours || code != result::succeeded) return ours;
+  records_.refresh_pending(order);
+  scope_.desk.entry_order->stop_request_succeeded(order, scope_.account);
+  return true;
+}
+
+bool SessionRequests::update_stops(std::int64_t order, std::int32_t code, RequestId id) {
+  const bool ours =
+      settle(id != 0 ? book_.named(sender_, id) : stops_of(order, code), code, SentOrder::outcome_of(code));
+  scope_.log("Updating SL/TP order #" + std::to_string(order) + " result #" +
+             std::string{result_texts::general(code)});
+  if (ours && code == result::succeeded)
+    scope_.desk.entry_order->stop_request_succeeded(order, scope_.account);
+  return ours;
+}
+
+bool SessionRequests::delete_stops(std::int64_t order, std::int32_t code, RequestId id) {
+  const bool ours = settle(RequestKind::cancel, order, code, SentOrder::outcome_of(code), id);
+  scope_.log_order(
+      order, "Delete SLTP Order #" + std::to_string(order) + " " + std::string{result_texts::general(code)});
+  return ours;
+}
+
+void SessionRequests::entry_executed(const OrderReport& report) {
+  scope_.desk.pending->remove_order(report.number, scope_.account);
+  scope_.log("Entry Order " + std::to_string(report.number) + " [" +
+             std::string{result_texts::buy_or_sell(report.operation)} + " " + number_text(report.amount) +
+             " " + report.symbol + "] " + "has been executed");
+}
+
+void SessionRequests::entry_cancelled(std::int64_t order, std::int32_t account, std::string_view why) {
+  const std::string text = "Limit Order:" + std::to_string(order) + " cancelled because " + std::string{why} +
+                           " for account number #" + std::to_string(account);
+  scope_.desk.pending->order_text(order, scope_.account, text);
+  scope_.tell(text);
+}
+
+void SessionRequests::give_up(SentOrder& request) {
+  const std::string what =
+      request.kind == RequestKind::open ? "Order " + words(request, scope_.symbols)
+      : request.kind == RequestKind::entry
+          ? "Entry order " + words(request, scope_.symbols) + " at " + number_text(request.price)
+          : "The request for #" + std::to_string(request.number);
+  settle(&request, 0, Outcome::unknown);
+  if (request.kind == RequestKind::requote) return;  // the order that it is for is told of
+  scope_.log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
+             std::to_string(scope_.account));
+}
+
+void SessionRequests::overdue(SentOrder& request) {
+  give_up(request);
+  constexpr std::string_view text = "unknown";
+  if (request.kind == RequestKind::open) scope_.desk.market_order->result(text, scope_.account);
+  if (request.kind == RequestKind::close)
+    scope_.desk.close_positions->result(request.number, scope_.account, text);
+}
+
+void SessionRequests::give_up_all() {
+  for (SentOrder* request : book_.open(sender_))
+    give_up(*request);
+}
+
+}  // namespace tutti

@@ -1,0 +1,164 @@
+// Requests: their names, the book of what became of them, and the only way out.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+#include "books/request_ids.h"
+#include "tests/support/session_rig.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Outcome = SentOrder::Outcome;
+
+TEST(RequestIds, AscendWhateverTheClockDoes) {
+  ManualClock clock;
+  std::uint32_t random = 0xffffffff;
+  RequestIds ids{clock, [&] { return random -= 0x10001; }};
+  RequestId last = 0;
+  std::set<RequestId> blocks;
+  // More than a block within a second, the next second, a clock set back, and a year later.
+  for (const auto step : {0s, 1s, -7200s, 31'536'000s}) {
+    clock.advance(step);
+    for (int count = 0; count < 1500; ++count) {
+      const RequestId id = ids.next();
+      ASSERT_GT(id, last);
+      last = id;
+      blocks.insert(id >> 10);
+    }
+  }
+  EXPECT_EQ(blocks.size(), 7U);
+  EXPECT_EQ(std::chrono::sys_days{std::chrono::year{2025} / 1 / 1} + std::chrono::seconds{last >> 32},
+            std::chrono::floor<std::chrono::seconds>(clock.now()) + 1s);
+}
+
+// Two sessions on scripted clients, whose answers name requests or don't.
+struct Requests : ::testing::Test {
+  Requests() {
+    for (const auto& session : rig.sessions.Children()) {
+      rig.client(*session).symbols = {{.id = 3, .name = "EURUSD"}};
+      rig.during([&] { rig.client(*session).sink->SymbolsLoaded(); });
+    }
+  }
+  CLAPICLASS& sink(CClientAPIManager& session) { return *rig.client(session).sink; }
+  const SentOrder& buy(CClientAPIManager& session, double lots = 0.5) {
+    return session.market_order(1, rig.symbols.find("EURUSD"), lots);
+  }
+  // An answer to an order of half a lot, as it names the request.
+  void answer(CClientAPIManager& session, RequestId id, std::int64_t number, std::int32_t state = 1,
+              double left = 0.0) {
+    OrderReport report{.number = number,
+                       .account = session.account(),
+                       .result = result::succeeded,
+                       .state = state,
+                       .operation = 1,
+                       .amount = 0.5,
+                       .symbol = "EURUSD"};
+    report.id = id;
+    report.left = left;
+    heard = rig.during([&] { sink(session).NewOrderResult(report); });
+  }
+  // Half a minute goes by; what is written then.
+  Heard wait(std::chrono::milliseconds time = 30s) {
+    rig.clock.advance(time);
+    return rig.during([&] { rig.sessions.look_at_the_clock(); });
+  }
+
+  SessionRig rig;
+  CClientAPIManager& one = rig.add(81);
+  CClientAPIManager& two = rig.add(82);
+  Heard heard;
+};
+
+TEST_F(Requests, AnAnswerSettlesTheRequestThatItNamesAndNoOther) {
+  const SentOrder &first = buy(one), &second = buy(one), &other = buy(two);
+  EXPECT_TRUE(first.id > 0 && first.id < second.id && second.id < other.id);
+  EXPECT_EQ(rig.client(one).ids, (std::vector<RequestId>{first.id, second.id}));
+  answer(one, second.id, 22);
+  EXPECT_EQ(first.outcome, Outcome::waiting);
+  EXPECT_EQ(second.outcome, Outcome::accepted);
+  // Told again, named as another session's, or as nobody's: nothing more is settled.
+  for (const RequestId id : {second.id, other.id, RequestId{7}}) {
+    answer(one, id, 23);
+    EXPECT_EQ(rig.sessions.unanswered(), 2) << id;
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), "market 81: Market Order Accepted"), 0) << id;
+  }
+  // Without a name figures decide only where a single one fits.
+  answer(one, 0, 24);
+  EXPECT_EQ(first.outcome, Outcome::accepted);
+  const SentOrder &third = buy(one, 0.5), &fourth = buy(one, 0.5 + 1e-9);
+  answer(one, 0, 25);
+  EXPECT_EQ(rig.sessions.unanswered(), 3);
+  answer(one, third.id, 25, order_state::executed, 0.2);
+  EXPECT_EQ(third.outcome, Outcome::partly);
+  EXPECT_EQ(fourth.outcome, Outcome::waiting);
+  EXPECT_EQ(rig.sessions.unanswered(), 3);
+}
+
+TEST_F(Requests, WithoutAWordForHalfAMinuteTheyAreUnknown) {
+  const SentOrder& silent = buy(one);
+  one.close_position(12, 0.5);
+  const SentOrder& dealt = buy(two);
+  EXPECT_EQ(wait(29s), Heard{});
+  answer(two, dealt.id, 30, order_state::pending);
+  const Heard lines = wait(1s);
+  const std::string tail =
+      " was sent, but no result came: the outcome is unknown, check the positions of account 81";
+  EXPECT_EQ(lines,
+            sorted({"Alert: 2 requests have no answer: what became of them is unknown. Check the "
+                    "positions; the journal says of which accounts",
+                    "close 12: unknown", "market 81: unknown", "journal 81: Order BUY 0.5 EURUSD" + tail,
+                    "journal 81: The request for #12" + tail}));
+  EXPECT_EQ(rig.sessions.unanswered(), 1);
+  EXPECT_EQ(wait(1s), Heard{});
+  // A countdown is a word, too.
+  rig.during([&] { sink(two).OrderTimer({.order = 30, .account = 82, .symbol = "EURUSD"}); });
+  EXPECT_EQ(wait(29s), Heard{});
+  EXPECT_EQ(wait(1s).size(), 3U);
+  EXPECT_EQ(dealt.outcome, Outcome::unknown);
+  // What comes late settles it after all, once.
+  answer(one, silent.id, 31);
+  EXPECT_EQ(silent.outcome, Outcome::accepted);
+  answer(two, dealt.id, 30, order_state::pending);
+  EXPECT_EQ(dealt.outcome, Outcome::pending);
+  EXPECT_EQ(wait().size(), 3U);
+  EXPECT_EQ(wait(), Heard{});
+}
+
+TEST_F(Requests, NothingGoesOutForASessionThatIsGone) {
+  const SentOrder& last = buy(two);
+  rig.sessions.Remove("C2");
+  EXPECT_EQ(last.outcome, Outcome::unknown);
+  EXPECT_EQ(rig.sessions.unanswered(), 0);
+}
+
+// Whatever sends does so through the gate: nobody else calls what sends, or holds it.
+TEST(RequestGate, IsTheOnlyWayOut) {
+  const std::regex sends{R"((NewMarketOrder|NewEntryOrder|UpdateEntryOrder|AcceptRequote|RejectRequote|)"
+                         R"(ClosePosition|UpdateSLTP|DeleteEntryOrder|DeleteSLTPOrder)\(|OrderOperations\b)"};
+  std::set<std::string> found;
+  const std::filesystem::path root{TUTTI_SOURCE};
+  for (const char* room :
+       {"core", "pricing", "books", "sessions", "views", "accounts", "orders", "shell", "gui", "apps"}) {
+    if (!std::filesystem::exists(root / room)) continue;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator{root / room}) {
+      if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
+      std::ifstream file{entry.path()};
+      const std::string text{std::istreambuf_iterator<char>{file}, {}};
+      if (std::regex_search(text, sends)) found.insert(entry.path().lexically_relative(root).string());
+    }
+  }
+  EXPECT_EQ(found, (std::set<std::string>{
+                       "sessions/RequestGate.cpp", "sessions/RequestGate.h", "sessions/contract/ClientAPI.h",
+                       "sessions/contract/order_operations.h",
+                       "sessions/session_requests.h"  // hands what sends to the gate, and keeps none of it
+                   }));
+}
+
+}  // namespace
+}  // namespace tutti::testing
