@@ -103,6 +103,8 @@ class frmClosePos final : public ClosePositionsDesk {
   // refused or is in dealing.
   OrderAnswer answer_of(const Row& row) const;
   std::string_view answer_text(const Row& row) const;
+  // The user names that the account of a row stands under.
+  std::string user_names(const Row& row) const;
   // What became of all requests of the last close. Counts those on their way, so whoever shows it may ask
   // once a frame.
   OrderAnswers answers();

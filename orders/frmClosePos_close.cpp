@@ -4,6 +4,7 @@
 #include <cassert>
 #include <charconv>
 
+#include "accounts/account_texts.h"
 #include "core/texts.h"
 #include "orders/frmClosePos.h"
 #include "orders/symbol_choice.h"
@@ -165,6 +166,12 @@ std::string_view frmClosePos::answer_text(const Row& row) const {
   if (sent->request_code != request::taken) return request::text(sent->request_code);
   const auto at = answers_.find(row.key());
   return at == answers_.end() ? std::string_view{} : at->second;
+}
+
+std::string frmClosePos::user_names(const Row& row) const {
+  const auto number = is_position(row) ? row.key().account()
+                                       : static_cast<std::int32_t>(row.cell(Column::account).stored_number());
+  return tutti::user_names(accounts_list_.lvwClients, number);
 }
 
 OrderAnswers frmClosePos::answers() {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include <tsl/robin_map.h>
 #include "gui/kit/theme.h"
+
 #include "gui/list/row_order.h"
 
 namespace tutti {
@@ -42,6 +44,33 @@ void RowListModel::set_filter(Filter filter, Asked asked) {
 void RowListModel::keep_sorted(int column) {
   sort(column, Qt::AscendingOrder);
   keeps_sorted_ = true;
+}
+
+void RowListModel::keep_groups_sorted(int column, Filter is_head) {
+  settle();
+  group_column_ = column;
+  is_head_ = std::move(is_head);
+  show(wanted());
+}
+
+RowListModel::Rows RowListModel::by_group(const Rows& rows) const {
+  tsl::robin_map<const Row*, std::size_t> place;
+  Rows heads;
+  for (std::size_t at = 0; at < rows.size(); ++at) {
+    if (at > 0 && !is_head_(*rows[at])) continue;
+    heads.push_back(rows[at]);
+    place[rows[at]] = at;
+  }
+  sort_rows(heads, static_cast<std::size_t>(group_column_), false);
+  Rows out;
+  out.reserve(rows.size());
+  for (Row* head : heads) {
+    std::size_t at = place[head];
+    do {
+      out.push_back(rows[at++]);
+    } while (at < rows.size() && !place.contains(rows[at]));
+  }
+  return out;
 }
 
 void RowListModel::sort(int column, Qt::SortOrder order) {
@@ -94,6 +123,7 @@ RowListModel::Rows RowListModel::wanted() {
     }
   }
   asked_stamp_ = list_.stamp();
+  if (group_column_ >= 0) return by_group(rows);
   if (sort_column_ < 0) return rows;
   if (keeps_sorted_) {
     sort_rows(rows, static_cast<std::size_t>(sort_column_), false);

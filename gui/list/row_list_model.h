@@ -49,6 +49,9 @@ class RowListModel final : public QAbstractTableModel {
   // Until the next sort the rows stand by what a column holds, upwards, and new ones among them; for a column
   // whose values never change.
   void keep_sorted(int column);
+  // For lists whose rows belong to the head above them: the groups stand by what a column of their heads
+  // holds, upwards, and the rows within one as the list has them. A click on a header must not sort then.
+  void keep_groups_sorted(int column, Filter is_head);
   int sort_column() const { return sort_column_; }
   // Whether the rows still stand as they were sorted last. Those from place `first` to `last` are looked at
   // with every call, all of them when rows have come or been let in, and else now and then: positions change
@@ -73,6 +76,7 @@ class RowListModel final : public QAbstractTableModel {
 
   void take_columns();
   Rows wanted();
+  Rows by_group(const Rows& rows) const;
   void show(Rows wanted);
   static std::size_t runs(const RowSet& set, const Rows& rows, std::size_t from, std::size_t to);
   void gather(const RowSet& staying, std::size_t head, std::size_t tail);
@@ -86,6 +90,8 @@ class RowListModel final : public QAbstractTableModel {
   Filter filter_;
   Asked asked_ = Asked::by_changes;
   int sort_column_ = -1;
+  int group_column_ = -1;
+  Filter is_head_;
   Qt::SortOrder sort_order_ = Qt::AscendingOrder;
   bool in_order_ = false;
   std::uint64_t ordered_stamp_ = 0;      // of the list when all rows were seen to be in order

@@ -16,7 +16,7 @@ std::string_view known_reason(OrderAnswer answer) {
     case OrderAnswer::waiting:
       return "Waiting";
     case OrderAnswer::unknown:
-      return "Connection lost before the answer";
+      return "Unknown: no answer came";
     default:
       return {};
   }
@@ -68,7 +68,8 @@ std::vector<TextPiece> CloseRowLook::action(const Row& row) const {
   return {{text + "  -  " + reason, {}}};
 }
 
-std::string CloseRowLook::tip(const Row& row) const {
+std::string CloseRowLook::tip(const Row& row, std::size_t column) const {
+  if (column == frmClosePos::account) return form_.user_names(row);
   return frmClosePos::is_position(row) ? std::string{trim(form_.answer_text(row))} : std::string{};
 }
 

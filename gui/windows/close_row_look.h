@@ -20,7 +20,7 @@ class CloseRowLook {
   QColor ink(const Row& row, std::size_t column) const;
   std::vector<TextPiece> pieces(const Row& row, std::size_t column) const;
   // The text of the last answer.
-  std::string tip(const Row& row) const;
+  std::string tip(const Row& row, std::size_t column) const;
 
  private:
   static std::vector<TextPiece> position(const std::string& text);

@@ -8,10 +8,12 @@
 #include <utility>
 
 #include "core/numbers.h"
+#include "core/texts.h"
 #include "gui/kit/binder.h"
 #include "gui/kit/screen.h"
 #include "gui/kit/window_parts.h"
 #include "gui/list/empty_hint.h"
+#include "gui/list/find_box.h"
 #include "gui/list/list_count.h"
 #include "gui/list/row_list_view.h"
 #include "gui/windows/answers_line.h"
@@ -27,6 +29,7 @@ constexpr int one_line_head = 860;
 constexpr int one_line_act = 470;
 constexpr int between = 12;
 constexpr int widest_symbols = 180;
+constexpr int widest_find = 130;
 
 QBoxLayout* make_line_of(std::initializer_list<QWidget*> widgets) {
   auto* line = new QHBoxLayout;
@@ -58,7 +61,8 @@ FrmClosePosWindow::FrmClosePosWindow(frmClosePos& form, Screen& screen, const Cl
   column->addWidget(list_, 1);
   column->addLayout(make_foot(answers_));
   setFocusProxy(list_);
-  set_tab_order(*this, {"CloseSymbols", "chkAllClients", "marked_only", "MSH", "LblCheck", "next_block"});
+  set_tab_order(*this, {"CloseSymbols", "chkAllClients", "marked_only", "find_account", "MSH", "LblCheck",
+                        "next_block"});
   follow();
   screen.on_refresh(*this, [this] { follow(); });
 }
@@ -76,6 +80,13 @@ QBoxLayout* FrmClosePosWindow::make_head() {
   connect(marked_only_, &QCheckBox::clicked, this, [this] { screen_.acted(); });
   // Before the list's hint looks whether anything is left.
   screen_.on_refresh(*this, [this] { show_marked_only(); });
+  find_ = named(new FindBox{screen_, *list_}, "find_account");
+  find_->setMaximumWidth(widest_find);
+  find_->setToolTip(QStringLiteral("Account number or user name; Enter goes to the next one"));
+  find_->found = [this](const Row& row, const std::string& letters) {
+    return !frmClosePos::is_position(row) && (contains_letters(row.text(frmClosePos::account), letters) ||
+                                              contains_letters(form_.user_names(row), letters));
+  };
   auto* close = named(new QPushButton, "LblCheck");
   close->setProperty("role", QStringLiteral("primary"));
   binder.bind(*close, form_.LblCheck);
@@ -83,7 +94,7 @@ QBoxLayout* FrmClosePosWindow::make_head() {
   next_ = named(new QPushButton, "next_block");
   binder.bind(*next_, form_.next_block);
 
-  auto* what = make_line_of({label, symbols_, all, marked_only_});
+  auto* what = make_line_of({label, symbols_, all, marked_only_, find_});
   // The box takes what room there is, as long as it may.
   what->setStretch(1, 100);
   what->addStretch(1);
@@ -106,13 +117,15 @@ void FrmClosePosWindow::connect_list() {
                         "Close At 00000.00  -  Trading is closed"});
   // Positions stand below their account.
   list_->set_sortable(false);
+  list_->rows().keep_groups_sorted(frmClosePos::account,
+                                   [](const Row& row) { return !frmClosePos::is_position(row); });
   list_->set_heads([](const Row& row) { return !frmClosePos::is_position(row); });
   list_->set_boxes(frmClosePos::status, [](const Row& row) {
     return frmClosePos::is_position(row) ? std::optional{frmClosePos::marked(row)} : std::nullopt;
   });
   list_->set_ink([this](const Row& row, std::size_t column) { return look_.ink(row, column); });
   list_->set_pieces([this](const Row& row, std::size_t column) { return look_.pieces(row, column); });
-  list_->set_tip([this](const Row& row, std::size_t) { return look_.tip(row); });
+  list_->set_tip([this](const Row& row, std::size_t column) { return look_.tip(row, column); });
   list_->clicked = [this](Row& row, std::size_t column) {
     if (frmClosePos::is_position(row)) return form_.click(row, column);
     form_.toggle(meant({&row}));

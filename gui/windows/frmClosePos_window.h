@@ -16,6 +16,7 @@ class QPushButton;
 namespace tutti {
 
 class AnswersLine;
+class FindBox;
 class RowListView;
 class Screen;
 class SymbolBox;
@@ -54,6 +55,7 @@ class FrmClosePosWindow final : public QWidget {
   RowListView* list_;
   SymbolBox* symbols_ = nullptr;
   QCheckBox* marked_only_ = nullptr;
+  FindBox* find_ = nullptr;
   QPushButton* next_ = nullptr;
   QBoxLayout* act_ = nullptr;  // what is done with what is shown, and the way to the next symbol
   QBoxLayout* head_;           // what is shown, and act_

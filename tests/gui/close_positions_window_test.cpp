@@ -64,6 +64,7 @@ struct ClosingRig : GuiRig {
     std::vector<int> out;
     for (const Row* row : form.MSH.selected())
       out.push_back(list.rows().place_of(row));
+    std::sort(out.begin(), out.end());
     return out;
   }
   std::string painted(int place, int column) {
@@ -91,6 +92,20 @@ TEST(ClosePositionsWindow, MarksByMouseAndKeyboard) {
   ClosingRig rig;
   RowListView& list = rig.list;
   EXPECT_EQ(rig.counted(), "0 of 8 marked");
+  // Accounts stand by their number, whichever logged in first, and are found.
+  const std::int32_t first = rig.account(1);
+  for (int group = 1; group < 4; ++group)
+    EXPECT_EQ(rig.account(3 * group + 1), first + group);
+  auto& find = rig.find<QLineEdit>("find_account");
+  find.setFocus();
+  QTest::keyClicks(&find, QString::number(first + 2));
+  EXPECT_EQ(rig.selected(), Places{6});
+  QTest::keyClick(&find, Qt::Key_Backspace);
+  QTest::keyClick(&find, Qt::Key_Return);
+  EXPECT_EQ(rig.selected(), Places{3});
+  QTest::keyClick(&find, Qt::Key_Escape);
+  EXPECT_EQ(QApplication::focusWidget(), &list);
+  EXPECT_EQ(rig.marked(), Places{});
   click_cell(list, 1, status);
   EXPECT_EQ(rig.marked(), Places{1});
   EXPECT_EQ(rig.counted(), "1 of 8 marked, 0.5 lots");
@@ -280,7 +295,7 @@ TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
 TEST(ClosePositionsWindow, FromSymbolToSymbol) {
   ClosingRig rig;
   rig.window.focus_symbol();
-  EXPECT_EQ(rig.tab(5), "CloseSymbols chkAllClients marked_only MSH LblCheck ");
+  EXPECT_EQ(rig.tab(6), "CloseSymbols chkAllClients marked_only find_account MSH LblCheck ");
 
   auto& next = rig.find("next_block");
   EXPECT_FALSE(next.isVisible());
@@ -322,11 +337,18 @@ TEST(ClosePositionsWindow, MarkedOnlyHidesWhatTakesNoPart) {
   ClosingRig rig;
   RowListView& list = rig.list;
   auto& only = rig.find("marked_only");
-  // Rows of the form that are shown.
+  // Which of all rows, account by account, are shown.
   const auto seen = [&rig] {
     Places out;
-    for (std::size_t at = 0; at < rig.form.MSH.size(); ++at)
-      if (rig.list.rows().place_of(&rig.form.MSH.row(at)) >= 0) out.push_back(static_cast<int>(at));
+    int at = 0;
+    const RowList& grid = rig.form.MSH;
+    for (std::int32_t number = first; number < first + 4; ++number) {
+      const Row* head = rig.form.get_index(number);
+      for (std::size_t row = head == nullptr ? grid.size() : grid.index_of(*head);
+           row < grid.size() && (&grid.row(row) == head || frmClosePos::is_position(grid.row(row)));
+           ++row, ++at)
+        if (rig.list.rows().place_of(&grid.row(row)) >= 0) out.push_back(at);
+    }
     return out;
   };
   only.setFocus();
