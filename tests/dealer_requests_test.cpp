@@ -274,5 +274,70 @@ TEST(DealerRequests, EntryOrdersAreKeptAndCancelled) {
   EXPECT_EQ(seat.client->PendingOrderCount(), 4);
 }
 
+// What AskRequest is told of a request that came to every kind of end, and of those that never came.
+TEST(DealerRequests, AskedForARequestTheServerTellsWhatBecameOfIt) {
+  DealerConfig config = still_market();
+  config.ticks = {{std::chrono::seconds{20}, "EURUSD", 1.0700, 1.0702}};
+  config.faults = {fault(FaultKind::swallow, {FaultPoint::open}, 0, {}, {first + 1}),
+                   fault(FaultKind::silent, {FaultPoint::close}),
+                   fault(FaultKind::pending, {FaultPoint::open}, 0, std::chrono::seconds{5}, {first + 2})};
+  DealerRig rig(config);
+  const auto seat = rig.trader(0), loses = rig.trader(1), deals = rig.trader(2);
+  const auto asked = [&](const DealerRig::Seat& by, RequestId id, BookEra other = 0) {
+    rig.drain();
+    by.seen->events.clear();
+    EXPECT_EQ(by.client->AskRequest(id, by.client->Era() + other), request::taken);
+    EXPECT_EQ(by.seen->events, Words{}) << "never inside the call";
+    return rig.heard(by, 0);
+  };
+  const auto open = [&](const DealerRig::Seat& by, double amount, RequestId id) {
+    return by.client->NewMarketOrder(buy, by.client->FindSymbol("EURUSD")->id, amount, "", "", id);
+  };
+  const RequestId bought = next_id(), small = next_id(), bad = next_id(), lost = next_id(), dealt = next_id(),
+                  placed = next_id(), gone = next_id(), close = next_id(), never = next_id();
+  EXPECT_NE(seat.client->Era(), 0U);
+  EXPECT_EQ(open(seat, 0.5, bought), request::taken);
+  EXPECT_EQ(asked(seat, bought), Words{"waiting 0"});
+  EXPECT_EQ(open(seat, 0.001, small), request::taken);
+  EXPECT_EQ(open(seat, -1.0, bad), request::invalid_lots);
+  EXPECT_EQ(open(loses, 0.5, lost), request::taken);
+  EXPECT_EQ(open(deals, 0.5, dealt), request::taken);
+  const std::int32_t symbol = seat.client->FindSymbol("EURUSD")->id;
+  seat.client->NewEntryOrder({buy, EntryKind::limit, symbol, 0.2, 1.075}, placed);
+  seat.client->NewEntryOrder({buy, EntryKind::limit, symbol, 0.2, 1.06}, gone);
+  rig.run(200);
+  EXPECT_EQ(asked(seat, gone), Words{"working 0"});
+  seat.client->DeleteEntryOrder(seat.client->PendingOrderItem(2)->order, next_id());
+  seat.client->ClosePosition(ticket_of(seat), "0.1", "", close);
+  rig.run(200);
+  EXPECT_EQ(asked(seat, bought), Words{"executed 0.5"});
+  EXPECT_EQ(asked(seat, small), Words{"refused 0"});
+  EXPECT_EQ(asked(seat, bad), Words{"refused 0"});
+  EXPECT_EQ(open(seat, -1.0, bad), request::invalid_lots) << "as the first";
+  EXPECT_EQ(asked(deals, dealt), Words{"waiting 0"});
+  EXPECT_EQ(asked(seat, gone), Words{"cancelled 0"});
+  EXPECT_EQ(asked(seat, close), Words{"executed 0.1"}) << "though nobody was answered";
+  seat.client->ClosePosition(ticket_of(seat), "0.1", "", close);
+  EXPECT_EQ(rig.heard(seat, 0), Words{"close 1"});
+  EXPECT_EQ(asked(loses, lost), Words{"never taken 0"});
+  EXPECT_EQ(asked(seat, placed), Words{"working 0"});
+  rig.run(20'000);
+  EXPECT_EQ(asked(seat, placed), Words{"executed 0.2"});
+  EXPECT_EQ(asked(deals, dealt), Words{"executed 0.5"});
+
+  // Ids are an account's own; asked about before it comes, one of this book never comes.
+  EXPECT_EQ(asked(deals, bought, 1), Words{"another book 0"});
+  EXPECT_EQ(asked(seat, bought, 1), Words{"executed 0.5"}) << "known from whatever book";
+  EXPECT_EQ(open(loses, 0.1, bought), request::taken);
+  EXPECT_EQ(asked(seat, never), Words{"never taken 0"});
+  EXPECT_EQ(open(seat, 0.1, never), request::id_burnt);
+  EXPECT_EQ(asked(seat, never), Words{"never taken 0"});
+  EXPECT_EQ(open(deals, 0.1, never), request::taken);
+  EXPECT_EQ(seat.client->AskRequest(0, seat.client->Era()), request::silent);
+  seat.client->Logout();
+  EXPECT_EQ(seat.client->AskRequest(bought, 0), request::invalid_account);
+  EXPECT_EQ(seat.client->Era(), 0U);
+}
+
 }  // namespace
 }  // namespace tutti

@@ -34,6 +34,7 @@ class DealerRecorder final : public CLAPICLASS {
   std::vector<PendingOrder> orders;
   std::vector<Requote> requotes;
   std::vector<AccountSummary> summaries;
+  std::vector<Execution> fills;
   int prices = 0;
   int floats = 0;
   double last_bid = 0.0;
@@ -62,23 +63,23 @@ class DealerRecorder final : public CLAPICLASS {
   void CloseOrderResult(const OrderReport& report) override { take("close ", report); }
   void MarketOrderAccepted(const OrderReport& report) override { take("accepted ", report); }
   void MarketOrderRejected(const OrderReport& report) override { take("rejected ", report); }
-  void NewLimitOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
-    note("entry ", id, code);
+  void NewLimitOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+    note("entry ", order, code, id);
   }
-  void DeleteLimitOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
-    note("cancel ", id, code);
+  void DeleteLimitOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+    note("cancel ", order, code, id);
   }
-  void DeleteSLTPOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
-    note("stops ", id, code);
+  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+    note("stops ", order, code, id);
   }
-  void UpdateLimitOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
-    note("update ", id, code);
+  void UpdateLimitOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+    note("update ", order, code, id);
   }
-  void NewSLTPOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
-    note("new stops ", id, code);
+  void NewSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+    note("new stops ", order, code, id);
   }
-  void UpdateSLTPOrderResult(std::int64_t id, std::int32_t code, RequestId) override {
-    note("update stops ", id, code);
+  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+    note("update stops ", order, code, id);
   }
   void LimitOrderAccepted(const OrderReport& report) override { take("executed ", report); }
   void LimitOrderCanceledCannotHdg(std::int64_t id, std::int32_t) override { note("no hedging ", id, 0); }
@@ -100,12 +101,22 @@ class DealerRecorder final : public CLAPICLASS {
   }
   void UpdateOpenPosition(const OpenPosition&) override { events.emplace_back("changed"); }
   void DeleteOpenPosition(const OpenPosition&) override { events.emplace_back("deleted"); }
+  void RequestTold(RequestId, RequestState state, double lots) override {
+    const char* words[] = {"not told", "never taken", "waiting",   "working",     "partly",
+                           "executed", "refused",     "cancelled", "another book"};
+    events.push_back(std::string{words[static_cast<std::size_t>(state)]} + " " + number_text(lots));
+  }
+  void ExecutionsTold(std::span<const Execution> told, bool complete) override {
+    events.emplace_back(complete ? "fills" : "some fills");
+    fills.assign(told.begin(), told.end());
+  }
 
  private:
-  void note(const char* word, std::int64_t order, std::int32_t result) {
+  void note(const char* word, std::int64_t order, std::int32_t result, RequestId id = 0) {
     OrderReport report;
     report.number = order;
     report.result = result;
+    report.id = id;
     take(word, report);
   }
   void take(const char* word, const OrderReport& report) {

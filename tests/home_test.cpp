@@ -187,7 +187,7 @@ TEST(Home, ATerminalTellsOfADamagedLogAndOfRequestsOnTheirWay) {
   }
   folder.write("dealer-book.log", folder.read("dealer-book.log") + "entry = {next_num");
   const std::string note = folder.path().string() +
-                           "/dealer-book.log: line 3 was damaged and is left out; the file as it was is "
+                           "/dealer-book.log: line 4 was damaged and is left out; the file as it was is "
                            "dealer-book.log.damaged";
   EXPECT_EQ(desk.run("--json orders"), 0);
   EXPECT_EQ(desk.err, "{\"message\": \"Warning: " + note +

@@ -138,6 +138,20 @@ std::int32_t DealerClient::DeleteSLTPOrder(std::int64_t order, RequestId id) {
   return send({.kind = TradeKind::cancel_stops, .id = id, .reference = order});
 }
 
+BookEra DealerClient::Era() const {
+  return LoggedIn() ? gate_.era() : 0;
+}
+
+std::int32_t DealerClient::AskRequest(RequestId id, BookEra era) {
+  TradingAccount* account = session_->account();
+  return account != nullptr ? gate_.ask_request(*account, id, era) : request::invalid_account;
+}
+
+std::int32_t DealerClient::AskExecutions(TimePoint since) {
+  TradingAccount* account = session_->account();
+  return account != nullptr ? gate_.ask_executions(*account, since) : request::invalid_account;
+}
+
 const TradingAccount* DealerClient::own(std::int32_t number) const {
   return LoggedIn() ? gate_.owned_account(data_.user, number) : nullptr;
 }

@@ -47,9 +47,9 @@ class DealerClient final : public ClientAPI {
   std::optional<AccountInfo> FindAccount(std::int32_t number) const override;
   double MinimumLot() const override;
   double MaximumLot() const override;
-  BookEra Era() const override { return 0; }
-  std::int32_t AskRequest(RequestId, BookEra) override { return request::silent; }
-  std::int32_t AskExecutions(TimePoint) override { return request::silent; }
+  BookEra Era() const override;
+  std::int32_t AskRequest(RequestId id, BookEra era) override;
+  std::int32_t AskExecutions(TimePoint since) override;
   std::int32_t DeleteEntryOrder(std::int64_t order, RequestId id) override;
   std::int32_t DeleteSLTPOrder(std::int64_t order, RequestId id) override;
 

@@ -183,6 +183,14 @@ void DealerSession::tell_answer(const AnswerNews& answer) {
   post(std::make_unique<AnswerNews>(answer));
 }
 
+void DealerSession::tell_request(const RequestTold& told) {
+  post(std::make_unique<RequestTold>(told));
+}
+
+void DealerSession::tell_fills(FillsTold told) {
+  post(std::make_unique<FillsTold>(std::move(told)));
+}
+
 void DealerSession::deliver(const News& news) {
   if (sink_ != nullptr) std::visit([&](const auto& one) { pass(*sink_, one); }, news);
 }
@@ -286,22 +294,22 @@ void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& ne
       sink.MarketOrderRejected(report);
       break;
     case AnswerNews::Event::entry:
-      sink.NewLimitOrderResult(report.number, report.result);
+      sink.NewLimitOrderResult(report.number, report.result, report.id);
       break;
     case AnswerNews::Event::update_entry:
-      sink.UpdateLimitOrderResult(report.number, report.result);
+      sink.UpdateLimitOrderResult(report.number, report.result, report.id);
       break;
     case AnswerNews::Event::new_stops:
-      sink.NewSLTPOrderResult(report.number, report.result);
+      sink.NewSLTPOrderResult(report.number, report.result, report.id);
       break;
     case AnswerNews::Event::update_stops:
-      sink.UpdateSLTPOrderResult(report.number, report.result);
+      sink.UpdateSLTPOrderResult(report.number, report.result, report.id);
       break;
     case AnswerNews::Event::cancel_entry:
-      sink.DeleteLimitOrderResult(report.number, report.result);
+      sink.DeleteLimitOrderResult(report.number, report.result, report.id);
       break;
     case AnswerNews::Event::cancel_stops:
-      sink.DeleteSLTPOrderResult(report.number, report.result);
+      sink.DeleteSLTPOrderResult(report.number, report.result, report.id);
       break;
     case AnswerNews::Event::entry_done:
       sink.LimitOrderAccepted(report);
@@ -323,6 +331,14 @@ void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& ne
 
 void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news) {
   sink.OrderTimer(*news);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<RequestTold>& news) {
+  sink.RequestTold(news->id, news->state, news->lots);
+}
+
+void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<FillsTold>& news) {
+  sink.ExecutionsTold(news->fills, news->complete);
 }
 
 void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news) {

@@ -55,6 +55,8 @@ class DealerSession final : public AccountListener {
   void tell_order(bool gone, const PendingOrder& order) override;
   void tell_requote(const Requote& requote) override;
   void tell_answer(const AnswerNews& answer) override;
+  void tell_request(const RequestTold& told) override;
+  void tell_fills(FillsTold told) override;
   void tell_summary(bool anew) override;
   void tell_floating() override;
 
@@ -77,6 +79,8 @@ class DealerSession final : public AccountListener {
   void pass(CLAPICLASS& sink, const std::unique_ptr<OrderNews>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<AnswerNews>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<RequestTold>& news);
+  void pass(CLAPICLASS& sink, const std::unique_ptr<FillsTold>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news);

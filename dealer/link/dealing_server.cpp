@@ -56,8 +56,10 @@ DealingServer::DealingServer(DealerConfig config, const Clock& clock)
       rates_(config_.pairs()),
       watch_(market_),
       faults_(config_.faults, time_),
-      desk_(config_, market_, faults_),
-      book_(config_, market_, accounts_, desk_, next_rollover_) {
+      history_(time_),
+      desk_(config_, market_, faults_, history_),
+      front_(market_, desk_, history_),
+      book_(config_, market_, accounts_, desk_, history_, next_rollover_) {
   assert(!config_.fault());
   rates_.update(market_.middles());
   accounts_.reserve(config_.accounts.size());
@@ -195,12 +197,24 @@ std::unique_ptr<DealerSession> DealingServer::make_session() {
 }
 
 std::int32_t DealingServer::send(TradingAccount& account, const Instruction& wanted) {
-  return desk_.send(account, wanted, now());
+  return front_.send(account, wanted, now());
 }
 
 std::int32_t DealingServer::answer_requote(TradingAccount& account, std::int64_t order, bool accept,
-                                           RequestId) {
-  return desk_.answer_requote(account, order, accept, now());
+                                           RequestId id) {
+  return front_.answer_requote(account, order, accept, id, now());
+}
+
+std::int32_t DealingServer::ask_request(TradingAccount& account, RequestId id, BookEra era) {
+  if (book_.failure() || id <= 0) return request::silent;
+  front_.ask(account, id, era == book_.era());
+  return request::taken;
+}
+
+std::int32_t DealingServer::ask_executions(TradingAccount& account, TimePoint since) {
+  if (book_.failure()) return request::silent;
+  front_.ask_fills(account, since);
+  return request::taken;
 }
 
 void DealingServer::login(DealerSession& session, const LoginData& data) {

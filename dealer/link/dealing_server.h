@@ -22,7 +22,9 @@
 #include "dealer/market/price_watch.h"
 #include "dealer/trading/book_keeper.h"
 #include "dealer/trading/fault_script.h"
+#include "dealer/trading/front_desk.h"
 #include "dealer/trading/order_desk.h"
+#include "dealer/trading/request_history.h"
 #include "dealer/trading/trading_account.h"
 #include "pricing/rate_table.h"
 #include "sessions/contract/ClientAPI.h"
@@ -93,6 +95,9 @@ class DealingServer final : public EventSource, private ServerGate {
   std::int32_t send(TradingAccount& account, const Instruction& wanted) override;
   std::int32_t answer_requote(TradingAccount& account, std::int64_t order, bool accept,
                               RequestId id) override;
+  BookEra era() const override { return book_.era(); }
+  std::int32_t ask_request(TradingAccount& account, RequestId id, BookEra era) override;
+  std::int32_t ask_executions(TradingAccount& account, TimePoint since) override;
   double smallest_lot() const override { return config_.min_lot; }
   double largest_lot() const override { return config_.max_lot; }
 
@@ -132,7 +137,9 @@ class DealingServer final : public EventSource, private ServerGate {
   std::vector<TradingAccount> accounts_;
   std::map<std::int32_t, std::size_t> by_number_;
   FaultScript faults_;
+  RequestHistory history_;
   OrderDesk desk_;
+  FrontDesk front_;
   BookKeeper book_;
   EventQueue queue_;
   std::uint64_t stored_events_ = 0;  // so many from the first on may be delivered, when there is a book

@@ -8,6 +8,7 @@
 
 #include "dealer/trading/account_listener.h"
 #include "dealer/trading/answer_news.h"
+#include "dealer/trading/told_news.h"
 #include "sessions/contract/account_summary.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/pending_order.h"
@@ -65,7 +66,8 @@ struct SpoiltSummary {
 };
 using News = std::variant<Signal, WaitingNews, ConnectionNews, PriceNews, HighLowNews, FloatingNews,
                           SummaryNews, TimeNews, std::unique_ptr<PositionNews>, std::unique_ptr<OrderNews>,
-                          std::unique_ptr<AnswerNews>, std::unique_ptr<Requote>, std::unique_ptr<SpoiltPrice>,
+                          std::unique_ptr<AnswerNews>, std::unique_ptr<Requote>, std::unique_ptr<RequestTold>,
+                          std::unique_ptr<FillsTold>, std::unique_ptr<SpoiltPrice>,
                           std::unique_ptr<SpoiltFloating>, std::unique_ptr<SpoiltSummary>>;
 
 struct Event {

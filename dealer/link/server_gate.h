@@ -28,6 +28,11 @@ class ServerGate {
   virtual std::int32_t answer_requote(TradingAccount& account, std::int64_t order, bool accept,
                                       RequestId id) = 0;
 
+  // As AccountClient has them.
+  virtual BookEra era() const = 0;
+  virtual std::int32_t ask_request(TradingAccount& account, RequestId id, BookEra era) = 0;
+  virtual std::int32_t ask_executions(TradingAccount& account, TimePoint since) = 0;
+
   // Of one order, in lots.
   virtual double smallest_lot() const = 0;
   virtual double largest_lot() const = 0;

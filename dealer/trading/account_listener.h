@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "dealer/trading/answer_news.h"
+#include "dealer/trading/told_news.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/pending_order.h"
 #include "sessions/contract/requote.h"
@@ -21,6 +22,8 @@ class AccountListener {
   virtual void tell_order(bool gone, const PendingOrder& order) = 0;
   virtual void tell_requote(const Requote& requote) = 0;
   virtual void tell_answer(const AnswerNews& answer) = 0;
+  virtual void tell_request(const RequestTold& told) = 0;
+  virtual void tell_fills(FillsTold told) = 0;
   // `anew`: behind everything that was told before, even if a summary is on its way already.
   virtual void tell_summary(bool anew) = 0;
   // Positions that moved say so themselves.

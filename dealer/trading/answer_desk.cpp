@@ -28,7 +28,7 @@ AnswerNews::Event answer_to(const TradeRequest& request, bool succeeded) {
   return Answer::order;
 }
 
-OrderReport report_on(const TradeRequest& request, std::int32_t result, double price) {
+OrderReport report_on(const TradeRequest& request, std::int32_t result, double price, TimePoint at) {
   OrderReport report;
   report.number = request.known_as();
   report.account = request.account;
@@ -38,6 +38,8 @@ OrderReport report_on(const TradeRequest& request, std::int32_t result, double p
   report.amount = request.amount;
   report.symbol = request.symbol;
   report.price = price;
+  report.id = request.id;
+  report.time = at;
   return report;
 }
 

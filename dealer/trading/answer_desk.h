@@ -15,7 +15,7 @@ namespace tutti {
 
 // The event that ends a request, or makes it pending.
 AnswerNews::Event answer_to(const TradeRequest& request, bool succeeded);
-OrderReport report_on(const TradeRequest& request, std::int32_t result, double price);
+OrderReport report_on(const TradeRequest& request, std::int32_t result, double price, TimePoint at);
 
 // Hands answers to the listener of an account, as the fault script will have it: never,
 // twice, or late.

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 #include <system_error>
 #include <utility>
 
 #include "dealer/config/table_reader.h"
+#include "dealer/trading/book_files.h"
 #include "dealer/trading/book_text.h"
 
 namespace tutti {
@@ -21,16 +23,6 @@ constexpr std::uint64_t short_log = 256 * 1024;
 // Written ahead, so that the file of the numbers is not written with every order.
 constexpr std::int64_t numbers_ahead = 1000;
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-
-// Nothing when there is no such file.
-tl::expected<std::optional<std::string>, FileError> read_if_there(const fs::path& file) {
-  const auto there = file_exists(file);
-  if (!there) return tl::unexpected(there.error());
-  if (!*there) return std::nullopt;
-  auto content = read_file(file);
-  if (!content) return tl::unexpected(content.error());
-  return std::move(*content);
-}
 
 }  // namespace
 
@@ -83,6 +75,17 @@ tl::expected<BookFolder::Content, FileError> BookFolder::clear() {
   return content;
 }
 
+HistoryState BookFolder::history() const {
+  HistoryState all;
+  for (const fs::path& file : {book_file(), log_file()})
+    for (const BookLine& line : book_lines(read_file(file).value_or(""))) {
+      HistoryState found = BookReader::history_in(line);
+      std::move(found.requests.begin(), found.requests.end(), std::back_inserter(all.requests));
+      std::move(found.fills.begin(), found.fills.end(), std::back_inserter(all.fills));
+    }
+  return all;
+}
+
 std::int64_t BookFolder::number_beyond_texts() const {
   std::int64_t highest = 0;
   for (const fs::path& file : {book_file(), log_file()}) {
@@ -128,9 +131,12 @@ tl::expected<BookFolder::Content, FileError> BookFolder::read_book_and_log() {
     if (found.fault) return tl::unexpected(FileError{book_file(), *found.fault});
     generation_ = found.generation;
     book_size_ = (*book)->size();
-    if (found.cut != 0)
-      if (auto kept = keep_damaged(book_file(), found, **book, content); !kept)
-        return tl::unexpected(kept.error());
+    if (found.cut != 0) {
+      auto note = keep_damaged(book_file(), found, **book);
+      if (!note) return tl::unexpected(note.error());
+      content.settled = false;
+      content.notes.push_back(std::move(*note));
+    }
   }
   if (!*book) {
     if (*log && std::count((*log)->begin(), (*log)->end(), '\n') > 1)
@@ -142,9 +148,12 @@ tl::expected<BookFolder::Content, FileError> BookFolder::read_book_and_log() {
   if (*log) {
     const auto found = reader.read_log(**log, generation_);
     if (found.fault) return tl::unexpected(FileError{log_file(), *found.fault});
-    if (found.cut != 0)
-      if (auto kept = keep_damaged(log_file(), found, **log, content); !kept)
-        return tl::unexpected(kept.error());
+    if (found.cut != 0) {
+      auto note = keep_damaged(log_file(), found, **log);
+      if (!note) return tl::unexpected(note.error());
+      content.settled = false;
+      content.notes.push_back(std::move(*note));
+    }
     fresh_log = found.generation == generation_ && found.entries == 0 && content.settled;
   }
   content.next_number = std::max(reserved_, reader.state().next_number);
@@ -156,20 +165,6 @@ tl::expected<BookFolder::Content, FileError> BookFolder::read_book_and_log() {
     pieces_ = 0;
   }
   return content;
-}
-
-tl::expected<void, FileError> BookFolder::keep_damaged(const fs::path& file, const BookReader::Outcome& found,
-                                                       std::string_view text, Content& content) {
-  fs::path copy = file;
-  copy += ".damaged";
-  content.settled = false;
-  const std::string lines =
-      found.cut == found.cut_end
-          ? fmt::format("line {} was damaged and is", found.cut)
-          : fmt::format("lines {} to {} were not written whole and are", found.cut, found.cut_end);
-  content.notes.push_back(fmt::format("{}: {} left out; the file as it was is {}", file.string(), lines,
-                                      copy.filename().string()));
-  return replace_file(copy, text);
 }
 
 tl::expected<void, FileError> BookFolder::replace(const BookState& state) {

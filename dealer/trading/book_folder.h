@@ -36,6 +36,9 @@ class BookFolder {
   static bool holds_book(const std::filesystem::path& folder);
   // Before anything else. Changes no file, but for a copy of one that is damaged.
   tl::expected<Content, FileError> read();
+  // All that book and log have of requests and fills, even where they can't be read as a whole. Changes
+  // nothing.
+  HistoryState history() const;
   // In place of read(): forgets book and log, damaged or not, but for the numbers they gave.
   tl::expected<Content, FileError> clear();
 
@@ -57,10 +60,6 @@ class BookFolder {
   // Above every number that stands in book and log, whether they can be read or not.
   std::int64_t number_beyond_texts() const;
   tl::expected<Content, FileError> read_book_and_log();
-  // Notes which lines of a file were damaged, and keeps what it was.
-  static tl::expected<void, FileError> keep_damaged(const std::filesystem::path& file,
-                                                    const BookReader::Outcome& found, std::string_view text,
-                                                    Content& content);
 
   std::filesystem::path folder_;
   std::optional<SyncedLog> log_;

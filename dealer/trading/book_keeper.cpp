@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <random>
 #include <tuple>
 #include <utility>
 
@@ -11,6 +12,16 @@ namespace tutti {
 namespace {
 
 constexpr std::chrono::seconds between_tries{1};
+// The file of requests may hold so many texts that are overtaken, and as many as it has requests.
+constexpr std::size_t few_texts = 10'000;
+
+BookEra new_era() {
+  std::random_device random;
+  BookEra era = 0;
+  while (era == 0)
+    era = (BookEra{random()} << 32) | random();
+  return era;
+}
 
 // Only what the book holds of them counts.
 bool same(const OpenPosition& a, const OpenPosition& b) {
@@ -48,24 +59,63 @@ void compare(const std::vector<Record>& before, const std::vector<Record>& now, 
 }  // namespace
 
 BookKeeper::BookKeeper(const DealerConfig& config, const Market& market,
-                       std::vector<TradingAccount>& accounts, OrderDesk& desk, TimePoint& next_rollover)
-    : config_(config), market_(market), accounts_(accounts), desk_(desk), next_rollover_(next_rollover) {}
+                       std::vector<TradingAccount>& accounts, OrderDesk& desk, RequestHistory& history,
+                       TimePoint& next_rollover)
+    : config_(config),
+      market_(market),
+      accounts_(accounts),
+      desk_(desk),
+      history_(history),
+      next_rollover_(next_rollover),
+      era_(new_era()) {}
 
 tl::expected<std::vector<std::string>, FileError> BookKeeper::open(const std::filesystem::path& folder,
                                                                    bool fresh, TimePoint now) {
   for (std::size_t place = 0; place < accounts_.size(); ++place)
     places_.emplace(accounts_[place].config().number, place);
   BookFolder files{folder};
+  HistoryFile history{folder};
+  auto filed = history.read();
+  if (!filed) return tl::unexpected(filed.error());
+  std::vector<std::string> notes = filed->notes;
+  if (fresh) {
+    // Ids outlive the book that goes now.
+    restore_history(*filed, files.history(), now);
+    if (auto written = rewrite_history(history); !written) return tl::unexpected(written.error());
+  }
   auto found = fresh ? files.clear() : files.read();
   if (!found) return tl::unexpected(found.error());
   if (found->state)
     if (const auto wrong = misfit(*found->state)) return tl::unexpected(FileError{files.book_file(), *wrong});
-  restore(found->state.value_or(BookState{}), found->next_number, now);
+  notes.insert(notes.end(), found->notes.begin(), found->notes.end());
+  BookState state = found->state.value_or(BookState{});
+  const bool era_known = state.era != 0;
+  if (era_known) era_ = state.era;
+  if (!fresh) restore_history(*filed, std::move(state.history), now);
+  history_.end_missing(state);
+  restore(std::move(state), found->next_number, now);
+  if (!fresh && !filed->settled)
+    if (auto written = rewrite_history(history); !written) return tl::unexpected(written.error());
   folder_.emplace(std::move(files));
-  // Numbers of configured orders are given, too.
-  if (!found->settled || desk_.numbers().next() != stored_number_)
+  history_file_.emplace(std::move(history));
+  // An era is told at login, and numbers of configured orders are given.
+  if (!found->settled || !era_known || desk_.numbers().next() != stored_number_)
     if (auto written = replace(); !written) return tl::unexpected(written.error());
-  return std::move(found->notes);
+  return notes;
+}
+
+void BookKeeper::restore_history(HistoryFile::Content& filed, HistoryState stored, TimePoint now) {
+  const std::size_t texts = filed.state.requests.size();
+  history_.restore(std::move(filed.state), std::move(stored), filed.since.value_or(now));
+  if (texts > few_texts + 2 * history_.size()) filed.settled = false;
+}
+
+tl::expected<void, FileError> BookKeeper::rewrite_history(HistoryFile& file) {
+  auto written = file.rewrite(history_.all(), history_.fills_since());
+  if (!written) return written;
+  history_.note_stored();
+  history_.note_filed();
+  return written;
 }
 
 std::optional<std::string> BookKeeper::misfit(const BookState& state) const {
@@ -121,6 +171,10 @@ void BookKeeper::restore(BookState state, std::int64_t next_number, TimePoint no
 }
 
 bool BookKeeper::store(TimePoint now) {
+  if (!folder_) {
+    history_.note_stored();
+    history_.note_filed();
+  }
   if (!folder_ || (!failure_ && desk_.revision() == stored_revision_)) return true;
   if (failure_ && now < next_try_) return false;
   if (auto stored = folder_->wants_replacing() ? replace() : append(); !stored) {
@@ -156,6 +210,12 @@ std::vector<BookEntry> BookKeeper::changes() const {
   for (const auto& [number, request] : ended)
     entries[request.account].gone.push_back(number);
 
+  HistoryState history = history_.unstored();
+  for (RequestRecord& record : history.requests)
+    entries[record.account].history.requests.push_back(std::move(record));
+  for (Execution& fill : history.fills)
+    entries[fill.account].history.fills.push_back(std::move(fill));
+
   std::vector<BookEntry> out;
   for (auto& [account, entry] : entries)
     out.push_back(std::move(entry));
@@ -166,6 +226,10 @@ std::vector<BookEntry> BookKeeper::changes() const {
     for (BookEntry& entry : out) {
       std::move(entry.accounts.begin(), entry.accounts.end(), std::back_inserter(all.accounts));
       std::move(entry.requests.begin(), entry.requests.end(), std::back_inserter(all.requests));
+      std::move(entry.history.requests.begin(), entry.history.requests.end(),
+                std::back_inserter(all.history.requests));
+      std::move(entry.history.fills.begin(), entry.history.fills.end(),
+                std::back_inserter(all.history.fills));
       all.gone.insert(all.gone.end(), entry.gone.begin(), entry.gone.end());
     }
     out = {std::move(all)};
@@ -192,7 +256,12 @@ tl::expected<void, FileError> BookKeeper::append() {
 
 tl::expected<void, FileError> BookKeeper::replace() {
   if (auto reserved = folder_->reserve(desk_.numbers().next()); !reserved) return reserved;
+  // What changed since it was stored last goes into the book only, as it is true with the book alone.
+  if (auto filed = history_file_->append(history_.unfiled()); !filed) return filed;
+  history_.note_filed();
   BookState book = absent_;
+  book.era = era_;
+  book.history = history_.unstored();
   book.next_number = desk_.numbers().next();
   book.next_rollover = next_rollover_;
   for (const TradingAccount& account : accounts_)
@@ -215,6 +284,7 @@ void BookKeeper::note_stored() {
     stored_accounts_[place] = accounts_[place].state();
     accounts_[place].note_stored();
   }
+  history_.note_stored();
   stored_requests_.clear();
   for (TradeRequest& request : desk_.requests())
     stored_requests_.emplace(request.number, std::move(request));

@@ -15,7 +15,9 @@
 #include "dealer/market/market.h"
 #include "dealer/trading/book_folder.h"
 #include "dealer/trading/book_state.h"
+#include "dealer/trading/history_file.h"
 #include "dealer/trading/order_desk.h"
+#include "dealer/trading/request_history.h"
 #include "dealer/trading/trading_account.h"
 
 namespace tutti {
@@ -29,7 +31,7 @@ class BookKeeper {
  public:
   // Keeps references to all. Until a folder is open, nothing is kept and nothing costs anything.
   BookKeeper(const DealerConfig& config, const Market& market, std::vector<TradingAccount>& accounts,
-             OrderDesk& desk, TimePoint& next_rollover);
+             OrderDesk& desk, RequestHistory& history, TimePoint& next_rollover);
 
   // As DealingServer::keep_book.
   tl::expected<std::vector<std::string>, FileError> open(const std::filesystem::path& folder, bool fresh,
@@ -45,10 +47,16 @@ class BookKeeper {
   // How often the book or its log was written.
   std::uint64_t stores() const { return stores_; }
 
+  // The era of the book, whether it is kept or not; never 0.
+  BookEra era() const { return era_; }
+
   // As DealingServer::save_book.
   tl::expected<void, FileError> save();
 
  private:
+  // Takes up requests and fills: those that are filed, and those that only the book has.
+  void restore_history(HistoryFile::Content& filed, HistoryState stored, TimePoint now);
+  tl::expected<void, FileError> rewrite_history(HistoryFile& file);
   // What the book holds that this server can't have.
   std::optional<std::string> misfit(const BookState& state) const;
   void restore(BookState state, std::int64_t next_number, TimePoint now);
@@ -64,10 +72,13 @@ class BookKeeper {
   const Market& market_;
   std::vector<TradingAccount>& accounts_;
   OrderDesk& desk_;
+  RequestHistory& history_;
   TimePoint& next_rollover_;
   std::map<std::int32_t, std::size_t> places_;  // in accounts_, by number
 
+  BookEra era_;
   std::optional<BookFolder> folder_;
+  std::optional<HistoryFile> history_file_;
   BookState absent_;  // what the book holds of accounts that are not configured in this run
   // What the files hold; accounts by their place in accounts_.
   std::vector<BookState::Account> stored_accounts_;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <limits>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "dealer/config/bounds.h"
 #include "dealer/trading/book_lines.h"
 #include "dealer/trading/book_words.h"
+#include "dealer/trading/history_text.h"
 #include "sessions/contract/codes.h"
 
 namespace tutti {
@@ -92,7 +94,7 @@ BookReader::Outcome BookReader::read_lines(std::string_view content, std::string
   // A log without its head holds nothing; of a book nothing but its last line can be spared.
   if (lines.empty() && head == "log") outcome.cut = outcome.cut_end = 1;
   const auto found = static_cast<std::int64_t>(outcome.entries);
-  if (!fault_ && !headed && head == "book") fault_ = fmt::format("line {}: {} is missing", last, head);
+  if (!fault_ && !headed && head != "log") fault_ = fmt::format("line {}: {} is missing", last, head);
   if (!fault_ && head == "book" && found != expected) {
     if (outcome.cut == 0) outcome.cut = outcome.cut_end = last + 1;
     if (found + 1 != expected)
@@ -124,12 +126,16 @@ void BookReader::read_head(const toml::table& table, std::string_view key, Outco
   if (head == nullptr) return;
   TableReader values(*head, fault_, lines_before_);
   values.require("version");
-  values.require("generation");
+  if (key == "requests")
+    values.require("fills_since_ms");
+  else
+    values.require("generation");
   if (key == "book") values.require("entries");
   std::int64_t version = 0;
   values.integer("version", version, book_text::version, book_text::version);
   values.integer("generation", outcome.generation, 1, largest);
   values.integer("entries", entries, 0, largest);
+  read_time(values, "fills_since_ms", outcome.since);
   values.finish();
 }
 
@@ -144,6 +150,8 @@ void BookReader::read_whole(const toml::table& root) {
 }
 
 void BookReader::read_entry(TableReader& reader) {
+  read_era(reader);
+  read_history_texts(reader);
   reader.integer("next_number", state_.next_number, 1, largest);
   read_time(reader, "next_rollover_ms", state_.next_rollover);
   for (const std::int64_t number : reader.integers("gone"))
@@ -156,6 +164,39 @@ void BookReader::read_entry(TableReader& reader) {
     read_pending(*table);
   for (const toml::table* table : reader.tables("request"))
     read_request(*table);
+}
+
+void BookReader::read_era(TableReader& reader) {
+  std::string era;
+  reader.text("era", era);
+  const auto [end, error] = std::from_chars(era.data(), era.data() + era.size(), state_.era, 16);
+  const bool good = error == std::errc{} && end == era.data() + era.size() && state_.era != 0;
+  if (reader.has("era") && !good) reader.complain("era", "must be a hexadecimal number");
+}
+
+void BookReader::read_history_texts(TableReader& reader) {
+  std::vector<std::string> told, fills;
+  reader.texts("told", told);
+  reader.texts("fill", fills);
+  for (const std::string& text : told)
+    if (auto record = history_text::request(text))
+      state_.history.requests.push_back(std::move(*record));
+    else
+      reader.complain("told", fmt::format("holds \"{}\", which is no request", text));
+  for (const std::string& text : fills)
+    if (auto fill = history_text::fill(text))
+      state_.history.fills.push_back(std::move(*fill));
+    else
+      reader.complain("fill", fmt::format("holds \"{}\", which is no fill", text));
+}
+
+HistoryState BookReader::history_in(const BookLine& line) {
+  BookReader reader;
+  const toml::table* entry = line.table ? (*line.table)["entry"].as_table() : nullptr;
+  if (entry == nullptr) return {};
+  TableReader values(*entry, reader.fault_);
+  reader.read_history_texts(values);
+  return std::move(reader.state_.history);
 }
 
 void BookReader::read_account(const toml::table& table) {
@@ -225,6 +266,7 @@ void BookReader::read_request(const toml::table& table) {
   request.stage = read_word(reader, "stage", stage_words, TradeRequest::Stage::sent);
   if (request.kind != TradeKind::open && request.kind != TradeKind::entry) reader.require("reference");
   reader.integer("reference", request.reference, 1, largest);
+  reader.integer("id", request.id, 1, largest);
   read_prices(reader, request.price, request.stop_loss, request.take_profit);
   read_time(reader, "due_ms", request.due);
   reader.finish();

@@ -25,6 +25,7 @@ class BookReader {
     std::size_t cut = 0;      // number of the first line that is left out; 0: the file is whole
     std::size_t cut_end = 0;  // and of the last one
     std::int64_t generation = 0;
+    TimePoint since{};   // of the file of requests and fills: from when on fills are there
     bool stale = false;  // a log of an earlier book than the one that was read: nothing of it counts
     std::size_t entries = 0;
   };
@@ -32,6 +33,10 @@ class BookReader {
   // The book first, then the log that goes with it.
   Outcome read_book(std::string_view content);
   Outcome read_log(std::string_view content, std::int64_t generation);
+  // The file of requests and fills, which stands apart.
+  Outcome read_history(std::string_view content) { return read_lines(content, "requests", 0); }
+  // What a line of any of the three has of requests and fills, as far as it can be read.
+  static HistoryState history_in(const BookLine& line);
 
   BookState& state() { return state_; }
 
@@ -53,6 +58,8 @@ class BookReader {
   void read_position(const toml::table& table);
   void read_pending(const toml::table& table);
   void read_request(const toml::table& table);
+  void read_era(TableReader& reader);
+  void read_history_texts(TableReader& reader);
   void read_order(TableReader& reader, std::int32_t& account, std::int32_t& side, std::string& symbol,
                   double& amount);
   void check_waiting(TableReader& reader, const PendingOrder& order);

@@ -4,9 +4,11 @@
 #include <vector>
 
 #include "core/clock.h"
+#include "dealer/trading/history_state.h"
 #include "dealer/trading/trade_request.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/pending_order.h"
+#include "sessions/contract/request_id.h"
 
 namespace tutti {
 
@@ -20,10 +22,12 @@ struct BookState {
     std::vector<PendingOrder> orders;  // "LO" and "ST"; market requests in dealing are among the requests
   };
 
+  BookEra era = 0;               // 0: none is told
   std::int64_t next_number = 0;  // above every order number and ticket ever given
   TimePoint next_rollover{};     // midnight up to which interest is not charged yet
   std::vector<Account> accounts;
   std::vector<TradeRequest> requests;
+  HistoryState history;  // what its own file has not got yet
 };
 
 // What became different in the book: one line of its log. Whoever has the book and all entries in their order
@@ -32,8 +36,8 @@ struct BookEntry : BookState {     // 0 and the epoch: as before; of the lists w
   std::vector<std::int64_t> gone;  // numbers of positions, orders and requests that are no more
 
   bool empty() const {
-    return next_number == 0 && next_rollover == TimePoint{} && accounts.empty() && requests.empty() &&
-           gone.empty();
+    return era == 0 && history.empty() && next_number == 0 && next_rollover == TimePoint{} &&
+           accounts.empty() && requests.empty() && gone.empty();
   }
 };
 

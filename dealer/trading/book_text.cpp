@@ -4,6 +4,7 @@
 
 #include "core/checksum.h"
 #include "dealer/trading/book_words.h"
+#include "dealer/trading/history_text.h"
 
 namespace tutti::book_text {
 namespace {
@@ -49,10 +50,11 @@ std::string fields(std::int32_t account, const PendingOrder& order) {
 }
 
 std::string fields(const TradeRequest& request) {
-  return fmt::format("number = {}, kind = \"{}\", stage = \"{}\", {}, due_ms = {}{}", request.number,
+  return fmt::format("number = {}, kind = \"{}\", stage = \"{}\", {}, due_ms = {}{}{}", request.number,
                      word_of(kind_words, request.kind), word_of(stage_words, request.stage),
                      order_fields(request.account, request.operation, request.symbol, request.amount),
-                     milliseconds(request.due), price_fields(request));
+                     milliseconds(request.due), price_fields(request),
+                     request.id != 0 ? fmt::format(", id = {}", request.id) : "");
 }
 
 // Puts the parts of a list or table together, with commas between them.
@@ -80,8 +82,12 @@ std::string log_head(std::int64_t generation) {
   return line(fmt::format("log = {{version = {}, generation = {}}}", version, generation));
 }
 
+std::string history_head(TimePoint since) {
+  return line(fmt::format("requests = {{version = {}, fills_since_ms = {}}}", version, milliseconds(since)));
+}
+
 std::string entry(const BookEntry& entry, const BookPiece& piece) {
-  Parts accounts, positions, orders, requests, gone, all;
+  Parts accounts, positions, orders, requests, told, fills, gone, all;
   for (const BookState::Account& account : entry.accounts) {
     accounts.add_table(fields(account));
     for (const OpenPosition& position : account.positions)
@@ -94,6 +100,11 @@ std::string entry(const BookEntry& entry, const BookPiece& piece) {
   for (const std::int64_t number : entry.gone)
     gone.add(std::to_string(number));
   if (piece.number != 0) all.add(fmt::format("piece = [{}, {}, {}]", piece.number, piece.line, piece.lines));
+  for (const RequestRecord& record : entry.history.requests)
+    told.add("\"" + history_text::of(record) + "\"");
+  for (const Execution& fill : entry.history.fills)
+    fills.add("\"" + history_text::of(fill) + "\"");
+  if (entry.era != 0) all.add(fmt::format("era = \"{:016x}\"", entry.era));
   if (entry.next_number != 0) all.add(fmt::format("next_number = {}", entry.next_number));
   if (entry.next_rollover != TimePoint{})
     all.add(fmt::format("next_rollover_ms = {}", milliseconds(entry.next_rollover)));
@@ -102,6 +113,8 @@ std::string entry(const BookEntry& entry, const BookPiece& piece) {
   all.add_list("position", positions);
   all.add_list("order", orders);
   all.add_list("request", requests);
+  all.add_list("told", told);
+  all.add_list("fill", fills);
   return line("entry = {" + all.text() + "}");
 }
 
@@ -111,6 +124,8 @@ std::string book(const BookState& state, std::int64_t generation) {
       "# off the end of a line that you change.\n" +
       book_head(generation, state.accounts.size() + state.requests.size() + 2);
   BookEntry common;
+  common.era = state.era;
+  common.history = state.history;
   common.next_number = state.next_number;
   common.next_rollover = state.next_rollover;
   text += entry(common);

@@ -27,6 +27,8 @@ inline constexpr std::size_t checksum_size = 16;
 // The log that goes with a book has its generation.
 std::string book_head(std::int64_t generation, std::size_t entries);
 std::string log_head(std::int64_t generation);
+// Of the file of requests and fills; the fills are there from `since` on.
+std::string history_head(TimePoint since);
 std::string entry(const BookEntry& entry, const BookPiece& piece = {});
 // A whole book: its head, what is common to all, an entry for each account and each request, and an empty one
 // at the end, so that a book that lacks its last line lacks nothing.

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "dealer/config/table_reader.h"
+#include "dealer/trading/answer_news.h"
 #include "dealer/trading/trade_request.h"
+#include "sessions/contract/request_state.h"
 
 namespace tutti {
 
-// The words for what a request is and how far it has come, in the book and for machines.
+// The words for what a request is, how far it has come and what it was answered, in the book and for
+// machines.
 inline constexpr Word<TradeKind> kind_words[] = {
     {"open", TradeKind::open},
     {"close", TradeKind::close},
@@ -20,6 +23,27 @@ inline constexpr Word<TradeRequest::Stage> stage_words[] = {
     {"dealing", TradeRequest::Stage::dealing},
     {"accepted", TradeRequest::Stage::accepted},
     {"rejected", TradeRequest::Stage::rejected},
+};
+
+inline constexpr Word<RequestState> state_words[] = {
+    {"never_taken", RequestState::never_taken}, {"waiting", RequestState::waiting},
+    {"working", RequestState::working},         {"executed", RequestState::executed},
+    {"refused", RequestState::refused},         {"cancelled", RequestState::cancelled},
+};
+inline constexpr Word<AnswerNews::Event> answer_words[] = {
+    {"order", AnswerNews::Event::order},
+    {"close", AnswerNews::Event::close},
+    {"accepted", AnswerNews::Event::accepted},
+    {"rejected", AnswerNews::Event::rejected},
+    {"entry", AnswerNews::Event::entry},
+    {"update_entry", AnswerNews::Event::update_entry},
+    {"new_stops", AnswerNews::Event::new_stops},
+    {"update_stops", AnswerNews::Event::update_stops},
+    {"cancel_entry", AnswerNews::Event::cancel_entry},
+    {"cancel_stops", AnswerNews::Event::cancel_stops},
+    {"entry_done", AnswerNews::Event::entry_done},
+    {"entry_no_money", AnswerNews::Event::entry_no_money},
+    {"entry_no_hedging", AnswerNews::Event::entry_no_hedging},
 };
 
 template <class Value, std::size_t count>

@@ -1,6 +1,8 @@
 #include "dealer/trading/order_desk.h"
 
 #include <algorithm>
+#include <limits>
+#include <string>
 #include <utility>
 
 #include "sessions/contract/codes.h"
@@ -19,6 +21,7 @@ bool is_market(TradeKind kind) {
 TradeRequest make_request(const TradingAccount& account, const Market& market, const Instruction& wanted) {
   TradeRequest request;
   request.account = account.config().number;
+  request.id = wanted.id;
   request.kind = wanted.kind;
   request.reference = wanted.reference;
   request.operation = wanted.side;
@@ -67,9 +70,11 @@ FaultPoint point_of(TradeKind kind) {
 
 }  // namespace
 
-OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults)
+OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults,
+                     RequestHistory& history)
     : config_(config),
       faults_(faults),
+      history_(history),
       rules_(config, market),
       execution_(market),
       market_(market),
@@ -89,6 +94,7 @@ std::int32_t OrderDesk::send(TradingAccount& account, const Instruction& wanted,
   request.number = numbers_.take();
   note_change(account);
   if (mishap.swallow) {
+    history_.forget(request.account, request.id);
     log(request, {.request = code}, now);
     return code;
   }
@@ -195,9 +201,11 @@ void OrderDesk::arrive(Flight flight, TimePoint at) {
 void OrderDesk::enter_dealing(Flight flight, std::chrono::milliseconds wait, TimePoint at) {
   TradeRequest& request = flight.request;
   request.price = rules_.price(request);
-  OrderReport report = report_on(request, result::succeeded, request.price);
-  report.state = order_state::pending;
-  answers_.tell(*flight.account, flight.mishap, {answer_to(request, true), report}, at);
+  AnswerNews answer{answer_to(request, true), report_on(request, result::succeeded, request.price, at)};
+  answer.report.state = order_state::pending;
+  answer.report.left = request.amount;
+  history_.answer(answer, RequestState::waiting);
+  answers_.tell(*flight.account, flight.mishap, answer, at);
   request.stage = Stage::dealing;
   TradeExecution::add_row(*flight.account, TradeExecution::row_of(request, at));
   flights_.emplace(at + wait, std::move(flight));
@@ -209,7 +217,7 @@ void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) 
   TradingAccount& account = *flight.account;
   const bool done = result == result::succeeded;
   const double done_at = is_market(request.kind) ? price(request) : request.price;
-  AnswerNews answer{answer_to(request, done), report_on(request, result, done_at)};
+  AnswerNews answer{answer_to(request, done), report_on(request, result, done_at, at)};
   if (done) answer.report.state = order_state::executed;
   // Of stops the client is told the SL/TP order, the one that is there or the one that comes.
   const PendingOrder* stops =
@@ -217,6 +225,12 @@ void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) 
   if (request.kind == TradeKind::set_stops)
     answer.report.number = stops != nullptr ? stops->order : request.number;
   if (stops != nullptr) answer.event = Answer::update_stops;
+  if (done && is_market(request.kind)) note_fill(request, request.number, answer.report);
+  if (done && request.kind == TradeKind::cancel_entry)
+    history_.cancel_working(request.account, request.reference);
+  history_.answer(answer, !done                              ? RequestState::refused
+                          : request.kind == TradeKind::entry ? RequestState::working
+                                                             : RequestState::executed);
   const bool told = answers_.tell(account, flight.mishap, answer, at);
   const Outcome& outcome = log(request,
                                {.number = answer.report.number,
@@ -235,10 +249,26 @@ void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) 
   if (flight.mishap.unknown_ticket) tell_unknown(account, answer.report, at);
 }
 
+void OrderDesk::note_fill(const TradeRequest& request, std::int64_t execution, OrderReport& report) {
+  report.execution = std::to_string(execution);
+  report.filled = report.filled_all = request.amount;
+  history_.add_fill({.execution = report.execution,
+                     .id = report.id,
+                     .number = request.known_as(),
+                     .account = report.account,
+                     .closes = request.kind == TradeKind::close,
+                     .operation = request.operation,
+                     .symbol = request.symbol,
+                     .lots = request.amount,
+                     .price = report.price,
+                     .time = report.time});
+}
+
 // Everything that can be said of a number, about one that is nobody's. News of an opened or changed position
 // are left out: they are what makes a position known.
 void OrderDesk::tell_unknown(TradingAccount& account, OrderReport report, TimePoint at) {
   report.number = numbers_.take();
+  if (report.id != 0) report.id = std::numeric_limits<RequestId>::max() - report.number;  // nobody's, too
   report.result = result::succeeded;
   report.state = order_state::executed;
   for (const Answer event :

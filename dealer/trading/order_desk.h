@@ -16,6 +16,7 @@
 #include "dealer/trading/instruction.h"
 #include "dealer/trading/order_numbers.h"
 #include "dealer/trading/outcome_log.h"
+#include "dealer/trading/request_history.h"
 #include "dealer/trading/trade_execution.h"
 #include "dealer/trading/trade_request.h"
 #include "dealer/trading/trade_rules.h"
@@ -31,8 +32,8 @@ namespace tutti {
 // account.
 class OrderDesk {
  public:
-  // Keeps references to all three.
-  OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults);
+  // Keeps references to all four.
+  OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults, RequestHistory& history);
 
   // Refuses an instruction or sends it on its way; the request code.
   std::int32_t send(TradingAccount& account, const Instruction& wanted, TimePoint now);
@@ -61,7 +62,7 @@ class OrderDesk {
     ++revision_;
   }
   // Grows with every change and every number given.
-  std::uint64_t revision() const { return revision_; }
+  std::uint64_t revision() const { return revision_ + history_.revision(); }
   const std::vector<Outcome>& outcomes() const { return log_.all(); }
   // As DealingServer::take_untold.
   std::vector<Outcome> take_untold() { return std::exchange(untold_, {}); }
@@ -106,11 +107,15 @@ class OrderDesk {
   void carry_out(TradingAccount& account, const PendingOrder& order, const TradeRequest& request,
                  const OrderReport& report, TimePoint at);
 
+  // All of a request was filled: the report on it says so, and the log of fills.
+  void note_fill(const TradeRequest& request, std::int64_t execution, OrderReport& report);
+
   // What the fault script sends behind an answer.
   void tell_unknown(TradingAccount& account, OrderReport report, TimePoint at);
 
   const DealerConfig& config_;
   FaultScript& faults_;
+  RequestHistory& history_;
   TradeRules rules_;
   TradeExecution execution_;
   const Market& market_;

@@ -96,7 +96,12 @@ void OrderDesk::set_off(TradingAccount& account, std::int64_t number, TimePoint 
   report.amount = request.amount;
   report.symbol = request.symbol;
   report.price = price;
-  const bool told = answers_.tell(account, mishap, {event_of(entry, code), report}, at);
+  report.time = at;
+  if (entry) report.id = history_.placed_by(report.account, number);
+  if (code == result::succeeded) note_fill(request, number, report);
+  const AnswerNews answer{event_of(entry, code), report};
+  history_.answer(answer, code == result::succeeded ? RequestState::executed : RequestState::cancelled);
+  const bool told = answers_.tell(account, mishap, answer, at);
   log_.add({.time = at,
             .account = report.account,
             .kind = entry ? TradeKind::entry : TradeKind::set_stops,

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/clock.h"
+#include "sessions/contract/request_id.h"
 
 namespace tutti {
 
@@ -31,6 +32,7 @@ struct TradeRequest {
   // Order number; the position it opens gets it as its ticket, the SL/TP order it makes as its number.
   std::int64_t number = 0;
   std::int32_t account = 0;
+  RequestId id = 0;  // that it came with; 0: none
   TradeKind kind = TradeKind::open;
   std::int64_t reference = 0;  // position to close or to set stops of, order to change or cancel; else 0
   std::int32_t operation = 0;  // operation:: code of the order, or of the position or order it refers to

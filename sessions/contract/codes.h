@@ -17,6 +17,9 @@ inline constexpr std::int32_t invalid_ticket = 7;
 inline constexpr std::int32_t invalid_lots = 8;
 inline constexpr std::int32_t invalid_order_id = 10;
 inline constexpr std::int32_t invalid_price = 21;
+inline constexpr std::int32_t other_request = 30;  // the id was given to another request before
+inline constexpr std::int32_t id_burnt =
+    31;  // the id was asked about before it came, and told as never taken
 
 // Text the operator sees for a refused request, trailing blanks included; empty for `taken`, `silent` and
 // codes the contract does not name.
