@@ -101,7 +101,7 @@ bool frmClosePos::renew() {
 std::vector<frmClosePos::Wanted> frmClosePos::wanted() const {
   std::vector<Wanted> out;
   if (symbol_name_.empty()) return out;
-  // Grouped first, since rows in the middle of a grid are dear.
+  // Grouped first, since putting rows into the middle of a grid is slow.
   struct Group {
     std::int32_t account;
     std::vector<const Row*> positions;

@@ -44,7 +44,7 @@ struct FaultConfig {
   std::vector<std::int32_t> accounts;  // none: all
   std::vector<FaultPoint> on;          // never empty, but for a drop at a moment
   std::chrono::milliseconds after{0};  // since the start of the server; earlier nothing is counted or struck
-  std::int64_t every = 1;              // strikes each so-manieth thing of `on`, counted per account
+  std::int64_t every = 1;              // strikes every n-th thing of `on`, counted per account
   std::int64_t times = 0;              // per account; 0: without end
   std::int32_t code = 0;
   std::chrono::milliseconds wait{0};  // whole seconds for a requote

@@ -18,7 +18,7 @@ namespace tutti {
 // The connection of one trading client, as the server sees it: how far it is logged in, the symbols its
 // account carries, and the news on their way to the event sink.
 //
-// News that only say that something moved wait at most once each; what they carry is read when they arrive.
+// An event that only says that something moved is queued at most once; its values are read when it arrives.
 class DealerSession final : public AccountListener {
  public:
   enum class Link : std::uint8_t { off, connecting, on };

@@ -254,24 +254,9 @@ void MainCommands::add_requote_commands() {
 }
 
 void MainCommands::make_view_menu() {
-  const std::pair<const char*, const char*> texts[] = {
-      {"&Accounts list", ""},
-      {"Market &watch", ""},
-      {"Market &order", "market-order"},
-      {"&Trade", ""},
-      {"&Pending orders", ""},
-      {"&Journal", "journal"},
-      {"&Entry order", "entry-order"},
-      {"&Net positions", ""},
-      {"Accounts x &symbols", ""},
-      {"&Close positions", "close-positions"},
-  };
-  int number = 0;
-  for (const auto& [text, icon] : texts) {
-    const QString name = to_.panes.all()[static_cast<std::size_t>(number)].name;
-    ++number;
-    add(name.toLatin1(), text, harmless, Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number % 10),
-        [this, name] { to_.panes.bring_up(name); }, {.icon = icon});
+  for (const Pane& pane : to_.panes.all()) {
+    add(pane.name.toLatin1(), pane.menu, harmless, Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + pane.key),
+        [this, name = pane.name] { to_.panes.bring_up(name); }, {.icon = pane.icon});
   }
   separate();
   add("live_journal", "&Live journal", harmless, Qt::CTRL | Qt::Key_J,

@@ -2,6 +2,7 @@
 
 #include <QScreen>
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 #include "gui/kit/theme.h"
@@ -26,11 +27,19 @@ constexpr int watch_width = 334;
 PaneLayout::PaneLayout(QMainWindow& window, Panes& panes, std::filesystem::path file)
     : window_(window), panes_(panes), layout_(std::move(file)) {}
 
+QDockWidget* PaneLayout::first_of(Pane::Area area) const {
+  const auto at = std::find_if(panes_.all().begin(), panes_.all().end(),
+                               [area](const Pane& pane) { return pane.area == area; });
+  assert(at != panes_.all().end());
+  return at->dock;
+}
+
 void PaneLayout::reset() {
-  for (std::size_t pane = 1; pane < panes_.all().size(); ++pane) {
+  for (const Pane& pane : panes_.all()) {
+    if (pane.dock == nullptr) continue;
     // One that floats can't be docked once it is out of the window.
-    dock(pane)->setFloating(false);
-    window_.removeDockWidget(dock(pane));
+    pane.dock->setFloating(false);
+    window_.removeDockWidget(pane.dock);
   }
   arrange();
   share_room();
@@ -45,40 +54,45 @@ void PaneLayout::arrange() {
   window_.setCorner(Qt::TopRightCorner, Qt::RightDockWidgetArea);
   window_.setCorner(Qt::BottomLeftCorner, Qt::BottomDockWidgetArea);
   window_.setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+  QDockWidget *watch = first_of(Pane::Area::watch), *orders = first_of(Pane::Area::orders),
+              *bottom = first_of(Pane::Area::bottom), *further = first_of(Pane::Area::further);
   // Split before they are tabbed: the other way round a tab of its own comes off.
   const bool tall = window_.height() >= room_for_column;
-  window_.addDockWidget(tall ? Qt::RightDockWidgetArea : Qt::LeftDockWidgetArea, dock(1));
+  window_.addDockWidget(tall ? Qt::RightDockWidgetArea : Qt::LeftDockWidgetArea, watch);
   if (tall) {
-    window_.splitDockWidget(dock(1), dock(2), Qt::Vertical);
+    window_.splitDockWidget(watch, orders, Qt::Vertical);
   } else {
-    window_.addDockWidget(Qt::RightDockWidgetArea, dock(2));
+    window_.addDockWidget(Qt::RightDockWidgetArea, orders);
   }
-  window_.tabifyDockWidget(dock(2), dock(6));
-  window_.addDockWidget(Qt::BottomDockWidgetArea, dock(3));
-  // Beside the journal only a large screen has room for the profit, the last column of the positions.
+  window_.addDockWidget(Qt::BottomDockWidgetArea, bottom);
+  // Beside them only a large screen has room for the profit, the last column of the positions.
   const bool wide = window_.width() >= room_for_two;
-  if (wide) window_.splitDockWidget(dock(3), dock(5), Qt::Horizontal);
-  for (const std::size_t pane : {4U, 7U, 8U, 9U})
-    window_.tabifyDockWidget(dock(3), dock(pane));
-  if (!wide) window_.tabifyDockWidget(dock(3), dock(5));
-  for (std::size_t pane = 1; pane < panes_.all().size(); ++pane)
-    dock(pane)->show();
-  dock(2)->raise();
-  dock(3)->raise();
+  if (wide) window_.splitDockWidget(bottom, further, Qt::Horizontal);
+  for (const Pane& pane : panes_.all()) {
+    if (pane.area == Pane::Area::orders && pane.dock != orders) window_.tabifyDockWidget(orders, pane.dock);
+    if (pane.area == Pane::Area::bottom && pane.dock != bottom) window_.tabifyDockWidget(bottom, pane.dock);
+  }
+  if (!wide) window_.tabifyDockWidget(bottom, further);
+  for (const Pane& pane : panes_.all())
+    if (pane.dock != nullptr) pane.dock->show();
+  orders->raise();
+  bottom->raise();
 }
 
 void PaneLayout::share_room() {
+  QDockWidget *watch = first_of(Pane::Area::watch), *orders = first_of(Pane::Area::orders),
+              *bottom = first_of(Pane::Area::bottom), *further = first_of(Pane::Area::further);
   const int width = window_.width();
   const int height = window_.height();
-  window_.resizeDocks({dock(2)}, {std::clamp(width * 28 / 100, 340, 500)}, Qt::Horizontal);
+  window_.resizeDocks({orders}, {std::clamp(width * 28 / 100, 340, 500)}, Qt::Horizontal);
   if (height >= room_for_column) {
-    window_.resizeDocks({dock(1)}, {std::max(height / 5, watch_height)}, Qt::Vertical);
+    window_.resizeDocks({watch}, {std::max(height / 5, watch_height)}, Qt::Vertical);
   } else {
-    window_.resizeDocks({dock(1)}, {watch_width}, Qt::Horizontal);
+    window_.resizeDocks({watch}, {watch_width}, Qt::Horizontal);
   }
-  window_.resizeDocks({dock(3)}, {std::clamp(height / 3, 220, 320)}, Qt::Vertical);
+  window_.resizeDocks({bottom}, {std::clamp(height / 3, 220, 320)}, Qt::Vertical);
   if (width >= room_for_two)
-    window_.resizeDocks({dock(3), dock(5)}, {width * 7 / 10, width * 3 / 10}, Qt::Horizontal);
+    window_.resizeDocks({bottom, further}, {width * 7 / 10, width * 3 / 10}, Qt::Horizontal);
 }
 
 QSize PaneLayout::room() const {

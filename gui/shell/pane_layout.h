@@ -25,7 +25,7 @@ class PaneLayout {
   bool has_room(const QSize& size) const;
   void arrange();
   void share_room();
-  QDockWidget* dock(std::size_t pane) const { return panes_.all()[pane].dock; }
+  QDockWidget* first_of(Pane::Area area) const;
 
   QMainWindow& window_;
   Panes& panes_;

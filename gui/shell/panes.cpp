@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <set>
+#include <utility>
 
 #include "gui/kit/in_sight.h"
 #include "gui/kit/screen.h"
@@ -23,55 +24,123 @@ Panes::Panes(QMainWindow& window, Main& main, Screen& screen) : window_(window),
   }
 }
 
-void Panes::add(const char* name, const QString& title, const char* help, QWidget* widget,
-                RowListView* list) {
-  auto* dock = new QDockWidget{title, &window_};
-  dock->setObjectName(QLatin1String{name});
-  dock->setWidget(widget);
-  panes_.emplace_back(Pane{QLatin1String{name}, help, widget, list, dock});
+void Panes::add(Pane pane) {
+  if (pane.area == Pane::Area::centre) {
+    window_.setCentralWidget(pane.widget);
+  } else {
+    pane.dock = new QDockWidget{pane.title, &window_};
+    pane.dock->setObjectName(pane.name);
+    pane.dock->setWidget(pane.widget);
+  }
+  panes_.push_back(std::move(pane));
 }
 
 // All panes exist before a layout is restored.
 void Panes::make_panes(Screen& screen) {
-  accounts_ = new FrmMainWindow{main_.accounts(), screen};
-  window_.setCentralWidget(accounts_);
-  panes_.emplace_back(Pane{QStringLiteral("accounts"), "accounts", accounts_, &accounts_->list()});
+  Main& main = main_;
+  const RowList& clients = main.accounts().lvwClients;
+  const auto text = [](const char* name) { return QString::fromLatin1(name); };
+  const auto tell = [](auto& form) { return [&form](bool seen) { form.Displayed(seen); }; };
 
-  market_watch_ = new FrmMWWindow{main_.market_watch(), screen};
-  add("market_watch", QStringLiteral("Market watch"), "market-watch", market_watch_, &market_watch_->list());
-  market_order_ = new FrmorderWindow{main_.market_order(), main_.symbols(), screen};
-  add("market_order", QStringLiteral("Market order"), "market-order", market_order_, &market_order_->list());
-  trade_ = new FrmTradeWindow{main_.trade(), main_.accounts().lvwClients, screen};
-  add("trade", QString::fromUtf8(frmTrade::caption.data()), "positions", trade_, &trade_->list());
-  pending_ = new FrmPendingWindow{main_.pending(), screen};
-  add("pending", QStringLiteral("Pending orders"), "pending-orders", pending_, &pending_->list());
-  journal_ = new FrmJournalWindow{main_.journal_window(), main_.journal(), screen};
-  add("journal", QStringLiteral("Journal"), "journal", journal_, &journal_->list());
-  entry_order_ = new FrmlimitorderWindow{main_.entry_order(), main_.symbols(), screen};
-  add("entry_order", QStringLiteral("Entry order"), "entry-order", entry_order_, &entry_order_->list());
-  net_trade_ = new FrmNetTradeWindow{main_.net_trade(), main_.accounts().lvwClients, screen};
-  add("net_trade", QStringLiteral("Net positions"), "net-positions", net_trade_, &net_trade_->list());
-  net_matrix_ = new NetMatrixWindow{main_.net_matrix(), main_.accounts().lvwClients, screen};
-  add("net_matrix", QStringLiteral("Accounts x symbols"), "net-positions", net_matrix_, &net_matrix_->list());
-  close_positions_ = new FrmClosePosWindow{main_.close_positions(), screen, main_.general().clock};
-  add("close_positions", QStringLiteral("Close positions"), "close-positions", close_positions_,
-      &close_positions_->list());
+  accounts_ = new FrmMainWindow{main.accounts(), screen};
+  market_watch_ = new FrmMWWindow{main.market_watch(), screen};
+  market_order_ = new FrmorderWindow{main.market_order(), main.symbols(), screen};
+  trade_ = new FrmTradeWindow{main.trade(), clients, screen};
+  pending_ = new FrmPendingWindow{main.pending(), screen};
+  journal_ = new FrmJournalWindow{main.journal_window(), main.journal(), screen};
+  entry_order_ = new FrmlimitorderWindow{main.entry_order(), main.symbols(), screen};
+  net_trade_ = new FrmNetTradeWindow{main.net_trade(), clients, screen};
+  net_matrix_ = new NetMatrixWindow{main.net_matrix(), clients, screen};
+  close_positions_ = new FrmClosePosWindow{main.close_positions(), screen, main.general().clock};
+
+  using Area = Pane::Area;
+  add({text("accounts"),
+       {},
+       "&Accounts list",
+       "",
+       "accounts",
+       1,
+       Area::centre,
+       accounts_,
+       &accounts_->list(),
+       {},
+       tell(main.accounts())});
+  add({text("market_watch"),
+       text("Market watch"),
+       "Market &watch",
+       "",
+       "market-watch",
+       2,
+       Area::watch,
+       market_watch_,
+       &market_watch_->list(),
+       {},
+       tell(main.market_watch())});
+  add({text("market_order"), text("Market order"), "Market &order", "market-order", "market-order", 3,
+       Area::orders, market_order_, &market_order_->list(), [this] { market_order_->focus_amount(); }});
+  add({text("trade"),
+       QString::fromUtf8(frmTrade::caption.data()),
+       "&Trade",
+       "",
+       "positions",
+       4,
+       Area::bottom,
+       trade_,
+       &trade_->list(),
+       {},
+       tell(main.open_positions())});
+  add({text("pending"),
+       text("Pending orders"),
+       "&Pending orders",
+       "",
+       "pending-orders",
+       5,
+       Area::bottom,
+       pending_,
+       &pending_->list(),
+       {},
+       tell(main.pending_orders())});
+  add({text("journal"),
+       text("Journal"),
+       "&Journal",
+       "journal",
+       "journal",
+       6,
+       Area::further,
+       journal_,
+       &journal_->list(),
+       {},
+       tell(main.journal())});
+  // Bringing this one to the front is an event of its own.
+  add({text("entry_order"), text("Entry order"), "&Entry order", "entry-order", "entry-order", 7,
+       Area::orders, entry_order_, &entry_order_->list(), [this] { entry_order_->focus_amount(); },
+       [&form = main.entry_order()](bool seen) {
+         if (form.Displayed() != seen) form.Displayed(seen);
+       }});
+  // Two panes over one form.
+  add({text("net_trade"),
+       text("Net positions"),
+       "&Net positions",
+       "",
+       "net-positions",
+       8,
+       Area::bottom,
+       net_trade_,
+       &net_trade_->list(),
+       {},
+       [this](bool seen) { main_.net_positions().Displayed(seen || in_sight(*net_matrix_)); }});
+  add({text("net_matrix"), text("Accounts x symbols"), "Accounts x &symbols", "", "net-positions", 9,
+       Area::bottom, net_matrix_, &net_matrix_->list()});
+  add({text("close_positions"), text("Close positions"), "&Close positions", "close-positions",
+       "close-positions", 0, Area::bottom, close_positions_, &close_positions_->list(),
+       [this] { close_positions_->focus_symbol(); }, tell(main.close_positions())});
 }
 
 // The forms go by whether their windows can be seen.
 void Panes::follow_displayed() {
   main_.window().Displayed(in_sight(window_));
-  main_.accounts().Displayed(in_sight(*accounts_));
-  main_.market_watch().Displayed(in_sight(*market_watch_));
-  // Bringing this one to the front is an event of its own.
-  if (main_.entry_order().Displayed() != in_sight(*entry_order_)) {
-    main_.entry_order().Displayed(in_sight(*entry_order_));
-  }
-  main_.open_positions().Displayed(in_sight(*trade_));
-  main_.net_positions().Displayed(in_sight(*net_trade_) || in_sight(*net_matrix_));
-  main_.close_positions().Displayed(in_sight(*close_positions_));
-  main_.pending_orders().Displayed(in_sight(*pending_));
-  main_.journal().Displayed(in_sight(*journal_));
+  for (const Pane& pane : panes_)
+    if (pane.displayed) pane.displayed(in_sight(*pane.widget));
   keep_keyboard_in_sight();
   for (const Pane& pane : panes_)
     if (pane.dock != nullptr) show_title(*pane.dock);
@@ -148,9 +217,7 @@ void Panes::bring_up(const QString& name) {
   if (window.isMinimized()) window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
   if (!window.isActiveWindow()) window.activateWindow();
   uncover(pane);
-  if (pane.widget == market_order_) return market_order_->focus_amount();
-  if (pane.widget == entry_order_) return entry_order_->focus_amount();
-  if (pane.widget == close_positions_) return close_positions_->focus_symbol();
+  if (pane.focus) return pane.focus();
   if (pane.list != nullptr) pane.list->setFocus(Qt::ShortcutFocusReason);
 }
 

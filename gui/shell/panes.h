@@ -60,7 +60,7 @@ class Panes {
 
  private:
   void make_panes(Screen& screen);
-  void add(const char* name, const QString& title, const char* help, QWidget* widget, RowListView* list);
+  void add(Pane pane);
   // The pane that a widget is in; nullptr when it is in none.
   const Pane* pane_of(const QWidget* widget) const;
   void uncover(const Pane& pane);
