@@ -1,8 +1,8 @@
 #include "apps/command_set.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
+#include <istream>
 #include <map>
 #include <memory>
 #include <numeric>
@@ -20,39 +20,49 @@ namespace {
 
 using Effect = Command::Effect;
 
-// Reads "N,N,...". Throws what is shown as wrong usage.
+// "N,N,..." as the library reads it. Its own way to part a list drops empty places: "500100," would mean
+// fewer accounts than were typed.
 template <class Number>
-void read_numbers(const std::string& option, const std::string& text, std::vector<Number>& out) {
-  for (const auto piece : split(text, ",")) {
-    Number number = 0;
-    const auto [end, error] = std::from_chars(piece.data(), piece.data() + piece.size(), number);
-    if (error != std::errc{} || end != piece.data() + piece.size()) {
-      throw CLI::ValidationError(option + " takes numbers with commas between them, not " + text);
-    }
-    out.push_back(number);
+struct NumberList {
+  bool all = false;  // the word instead of numbers
+  std::vector<Number> numbers;
+};
+
+template <class Number>
+std::istream& operator>>(std::istream& in, NumberList<Number>& out) {
+  if (std::string word; in.peek() == 'a' && in >> word) {
+    out.all = word == "all";
+    if (!out.all) in.setstate(std::ios::failbit);
+    return in;
   }
+  for (Number number{}; in >> number;) {
+    out.numbers.push_back(number);
+    if (in.eof() || in.peek() != ',') break;
+    in.get();
+  }
+  return in;
 }
 
 template <class Number>
-CLI::Option* add_numbers(CLI::App& command, const std::string& name, std::vector<Number>& out,
+CLI::Option* add_numbers(CLI::App& command, const std::string& name, std::vector<Number>& out, bool or_all,
                          const std::string& help) {
+  const std::string what =
+      std::string{"takes "} + (or_all ? "all, or " : "") + "numbers with commas between them";
   return command
-      .add_option_function<std::string>(
-          name, [&out, name](const std::string& text) { read_numbers(name, text, out); }, help)
-      ->type_name("N,N,...");
+      .add_option_function<NumberList<Number>>(
+          name, [&out](const NumberList<Number>& read) { out = read.numbers; }, help)
+      ->check([or_all, what](const std::string& text) {
+        NumberList<Number> read;
+        const bool good = CLI::detail::lexical_cast(text, read) && (or_all || !read.all);
+        return good ? std::string{} : what + ", not " + text;
+      })
+      ->type_name(or_all ? "all|N,N,..." : "N,N,...");
 }
 
 void add_accounts(CLI::App& command, AccountArguments& out) {
   command.add_flag("--require-connected", out.require_connected,
                    "Send nothing unless all these accounts are connected");
-  command
-      .add_option_function<std::string>(
-          "--accounts",
-          [&out](const std::string& text) {
-            if (text != "all") read_numbers("--accounts", text, out.accounts);
-          },
-          "all, or account numbers with commas between them")
-      ->type_name("all|N,N,...");
+  add_numbers(command, "--accounts", out.accounts, true, "all, or account numbers with commas between them");
 }
 
 // An option that takes one of these names and nothing else.
@@ -190,7 +200,7 @@ std::shared_ptr<RowsArguments> add_rows_options(CLI::App& command, const std::st
   auto arguments = std::make_shared<RowsArguments>();
   CLI::Option_group& which = *command.add_option_group("which");
   which.add_option("--symbol", arguments->symbol, all_of)->check(check_filled);
-  add_numbers(which, numbers, arguments->numbers, these);
+  add_numbers(which, numbers, arguments->numbers, false, these);
   which.require_option(1);
   add_accounts(command, *arguments);
   return arguments;

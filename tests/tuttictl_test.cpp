@@ -134,14 +134,14 @@ TEST(Tuttictl, RefusesWhatIsWrong) {
         {"--timeout -1 positions", range},
         {"--timeout inf positions", range},
         {"order --buy EURUSD --amount 3 --rule 2", "--rule: 2 not in "},
-        {"order --buy EURUSD --amount 3 --rule equal --accounts 500100,", "--accounts takes numbers"},
+        {"order --buy EURUSD --amount 3 --rule equal --accounts 500100,", "--accounts: takes all, or numbers"},
         {"order --buy EURUSD --amount 3 --rule equal --accounts 7", "Account 7 is not in the accounts list"},
         {"order --buy EURUSD --amount 1e3 --rule equal", "--amount: must be a number of lots above 0"},
         {"order --buy EURUSD --sell EURUSD --amount 3 --rule equal", "Exactly 1 option from [--buy,--sell]"},
         {"order --buy EUR --amount 3 --rule equal", "Symbol EUR is not carried by any connected account"},
         {"modify 5 --at 1.2", "No connected account has the order or ticket 5"},
         {"close --ticket 5", "No connected account has ticket 5"},
-        {"cancel --order 5,x", "--order takes numbers with commas between them, not 5,x"},
+        {"cancel --order 5,x", "--order: takes numbers with commas between them, not 5,x"},
         {"ordr --buy EURUSD", "There is no command ordr; the nearest one is order"},
         {"", "A command is required"}}) {
     EXPECT_EQ(rig.run(words), 2) << words;
