@@ -40,6 +40,8 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   setDockOptions(AllowNestedDocks | AllowTabbedDocks | GroupedDragging);
   setTabPosition(Qt::AllDockWidgetAreas, QTabWidget::North);
 
+  tab_clicked_.setSingleShot(true);
+  connect(&tab_clicked_, &QTimer::timeout, this, [this] { panes_.work_in(clicked_tab_); });
   on_screen_.setSingleShot(true);
   connect(&on_screen_, &QTimer::timeout, this, [this] { panes_.raise_floats(); });
   setStatusBar(new StatusStrip{main_, screen});
@@ -119,7 +121,8 @@ void FrmMdiNewWindow::childEvent(QChildEvent* event) {
   auto* tabs = event->polished() ? qobject_cast<QTabBar*>(event->child()) : nullptr;
   if (tabs == nullptr) return;
   connect(tabs, &QTabBar::tabBarClicked, this, [this, tabs](int tab) {
-    QTimer::singleShot(0, this, [this, title = tabs->tabText(tab)] { panes_.work_in(title); });
+    clicked_tab_ = tabs->tabText(tab);
+    tab_clicked_.start();
   });
 }
 

@@ -55,7 +55,9 @@ class FrmMdiNewWindow final : public QMainWindow {
   FrmaccountWindow* account_dialog_ = nullptr;
   HelpWindow* help_ = nullptr;
   ToolStrip* tools_ = nullptr;
-  QTimer on_screen_;  // runs once when the window has come onto the screen
+  QTimer on_screen_;    // runs once when the window has come onto the screen
+  QTimer tab_clicked_;  // runs once when the toolkit has dealt with a click on a pane's tab
+  QString clicked_tab_;
   std::unique_ptr<MessageQueueWindow> messages_;
   std::unique_ptr<MainCommands> commands_;
 };
