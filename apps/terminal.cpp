@@ -100,7 +100,7 @@ std::size_t Terminal::advance(std::size_t limit) {
   tell_of_earlier_requests();
   const std::size_t delivered = main_->deliver_events(limit);
   watch_book();
-  main_->poll_timers();
+  main_->poll_timers(delivered == limit);
   return delivered;
 }
 

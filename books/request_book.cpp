@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <utility>
 
 namespace tutti {
 namespace {
@@ -26,6 +27,7 @@ SentOrder& RequestBook::add(SentOrder request) {
   sent.alive.push_back(&added);
   if (added.kind == RequestKind::open) sent.last_open = &added;
   if (added.kind == RequestKind::entry) sent.last_entry = &added;
+  added.timed = true;
   words_.emplace_back(added.last_word, &added);
   return added;
 }
@@ -47,10 +49,10 @@ const SentOrder* RequestBook::find(RequestId id) const {
   return at == all_.end() || at->id != id ? nullptr : &*at;
 }
 
-SentOrder* RequestBook::named(Sender sender, RequestId id) {
+SentOrder* RequestBook::named(std::int32_t account, RequestId id) {
   const auto at = std::lower_bound(all_.begin(), all_.end(), id,
                                    [](const SentOrder& request, RequestId key) { return request.id < key; });
-  return at == all_.end() || at->id != id || at->sender != sender ? nullptr : &*at;
+  return at == all_.end() || at->id != id || at->account != account ? nullptr : &*at;
 }
 
 SentOrder* RequestBook::fitting(Sender sender, const Figures& figures) {
@@ -84,10 +86,9 @@ const SentOrder& RequestBook::last_new(Sender sender, RequestKind kind) const {
 
 void RequestBook::settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome,
                          std::int64_t order, std::chrono::milliseconds now) {
-  // One that was given up, and is with the dealer after all, is waited for again.
-  const bool again = request.settled();
   request.outcome = outcome;
-  if (again && !request.settled()) words_.emplace_back(now, &request);
+  // One that was given up, and is with the dealer after all, is waited for again.
+  if (!request.settled() && !std::exchange(request.timed, true)) words_.emplace_back(now, &request);
   if (result != 0) request.result_code = result;
   request.last_word = now;
   Sent& sent = of(request.sender);
@@ -95,7 +96,14 @@ void RequestBook::settle(SentOrder& request, std::int32_t result, SentOrder::Out
     request.number = order;
     sent.last[{request.kind, order}] = &request;
   }
-  if (request.settled() && outcome != SentOrder::Outcome::unknown) std::erase(sent.alive, &request);
+  if (!request.settled()) return;
+  if (outcome != SentOrder::Outcome::unknown) std::erase(sent.alive, &request);
+  const auto slot = sent.last.find({request.kind, request.number});
+  if (slot == sent.last.end() || slot->second != &request) return;
+  const auto open = std::find_if(sent.alive.rbegin(), sent.alive.rend(), [&](const SentOrder* each) {
+    return each->kind == request.kind && each->number == request.number && !each->settled();
+  });
+  if (open != sent.alive.rend()) slot.value() = *open;
 }
 
 bool RequestBook::is_new_execution(Sender sender, const std::string& execution) {
@@ -124,11 +132,14 @@ std::vector<SentOrder*> RequestBook::overdue(std::chrono::milliseconds now) {
   while (!words_.empty() && words_.front().first + patience <= now) {
     SentOrder* request = words_.front().second;
     words_.pop_front();
-    if (request->settled()) continue;
+    request->timed = false;
+    // What was executed in part may stay so for as long as the market wants.
+    if (request->settled() || request->outcome == SentOrder::Outcome::partly) continue;
     if (request->last_word + patience <= now) {
       out.push_back(request);
     } else {
       // Heard of since. Those behind it were sent later, but perhaps heard of earlier.
+      request->timed = true;
       const std::pair<std::chrono::milliseconds, SentOrder*> again{request->last_word, request};
       words_.insert(std::upper_bound(words_.begin(), words_.end(), again,
                                      [](const auto& a, const auto& b) { return a.first < b.first; }),

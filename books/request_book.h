@@ -39,8 +39,8 @@ class RequestBook {
   void note_code(SentOrder& request, std::int32_t request_code);
 
   const SentOrder* find(RequestId id) const;
-  // The one that this id names, of this sender; nullptr when there is none.
-  SentOrder* named(Sender sender, RequestId id);
+  // The one of an account that this id names, whichever of its sessions sent it; nullptr when there is none.
+  SentOrder* named(std::int32_t account, RequestId id);
   // The one that these figures fit, of those that have no result; nullptr when there is none, or more than
   // one: then nobody knows which was meant, and all of them stay as they are. What was told for a number
   // before belongs to that number's request.

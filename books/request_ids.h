@@ -23,9 +23,9 @@ class RequestIds {
 
   const Clock& clock_;
   std::function<std::uint32_t()> random_;
-  std::int64_t second_ = 0;  // of the block
-  std::int64_t block_ = 0;   // its random number
-  std::int64_t place_ = 0;   // the next one in it
+  std::int64_t second_ = 0;    // of the block
+  std::int64_t block_ = 0;     // its random number
+  std::int64_t place_ = 1024;  // the next one in it; none is left before the first block
 };
 
 }  // namespace tutti

@@ -50,6 +50,7 @@ struct SentOrder {
   std::int32_t account = 0;
   double filled = 0.0;                     // lots, as reported so far
   std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
+  bool timed = false;                      // the book will look how long it has been silent
 
   // Nothing more is expected of it. A late word may still come for one that is unknown.
   bool settled() const {

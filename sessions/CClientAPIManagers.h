@@ -99,6 +99,7 @@ class CClientAPIManagers {
   AccountWindows windows_{desk_, *this};
   RequestBook requests_;
   RequestGate gate_{requests_, general_.clock};
+  std::chrono::milliseconds next_look_{0};  // at the clock
   std::size_t capacity_;
   std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
   std::vector<std::unique_ptr<CClientAPIManager>>

@@ -52,8 +52,9 @@ bool SessionRequests::settle(SentOrder* meant, std::int32_t code, Outcome outcom
 
 bool SessionRequests::settle(RequestKind kind, std::int64_t number, std::int32_t code, Outcome outcome,
                              RequestId id) {
-  return settle(id != 0 ? book_.named(sender_, id) : book_.fitting(sender_, {.kind = kind, .number = number}),
-                code, outcome);
+  return settle(
+      id != 0 ? book_.named(scope_.account, id) : book_.fitting(sender_, {.kind = kind, .number = number}),
+      code, outcome);
 }
 
 Outcome SessionRequests::outcome_of(const OrderReport& report) const {
@@ -62,8 +63,13 @@ Outcome SessionRequests::outcome_of(const OrderReport& report) const {
   return report.left > 0.0 ? Outcome::partly : Outcome::accepted;
 }
 
+SentOrder* SessionRequests::close_of(const OrderReport& report) {
+  return report.id != 0 ? book_.named(scope_.account, report.id)
+                        : book_.fitting(sender_, {.kind = RequestKind::close, .number = report.number});
+}
+
 SentOrder* SessionRequests::meant_by(const OrderReport& report) {
-  if (report.id != 0) return book_.named(sender_, report.id);
+  if (report.id != 0) return book_.named(scope_.account, report.id);
   return book_.fitting(sender_, {.kind = RequestKind::open,
                                  .number = report.number,
                                  .symbol = scope_.symbols.find(report.symbol),
@@ -71,10 +77,33 @@ SentOrder* SessionRequests::meant_by(const OrderReport& report) {
                                  .lots = report.amount});
 }
 
+// What is told of an order that went through dealing names a number that was told before.
+SentOrder* SessionRequests::dealt_by(const OrderReport& report) {
+  if (report.id != 0) return book_.named(scope_.account, report.id);
+  const SentOrder* known = book_.last(sender_, RequestKind::open, report.number);
+  return known == nullptr ? nullptr : book_.named(scope_.account, known->id);
+}
+
+bool SessionRequests::settle(SentOrder* meant, const OrderReport& report, std::int32_t code,
+                             Outcome outcome) {
+  // A fill that is told again is none.
+  if (!book_.is_new_execution(sender_, report.execution)) return false;
+  if (outcome == Outcome::accepted && report.left > 0.0) outcome = Outcome::partly;
+  if (!settle(meant, code, outcome, report.number)) return false;
+  if (report.filled_all > 0.0) meant->filled = report.filled_all;
+  return true;
+}
+
+// The order that the answer to a requote was for has ended, and with it the answer.
+void SessionRequests::end_requote(std::int64_t order) {
+  if (const SentOrder* answer = book_.last(sender_, RequestKind::requote, order))
+    settle(book_.named(scope_.account, answer->id), 0, Outcome::accepted);
+}
+
 bool SessionRequests::new_order(const OrderReport& report) {
   const bool done = report.result == result::succeeded;
   const bool dealing = done && report.state == order_state::pending;
-  const bool ours = settle(meant_by(report), report.result, outcome_of(report), report.number);
+  const bool ours = settle(meant_by(report), report, report.result, outcome_of(report));
   if (ours && dealing)
     scope_.desk.pending->order(in_dealing(report, scope_.account, "OP", scope_.general.clock.now()));
   const std::string line = dealing ? "Order " + std::to_string(report.number) + " in Pending mode"
@@ -94,9 +123,8 @@ bool SessionRequests::new_order(const OrderReport& report) {
 
 bool SessionRequests::market_order_accepted(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
-  const bool ours = close ? settle(RequestKind::close, report.number, 0, Outcome::accepted, report.id)
-                          : settle(meant_by(report), 0, Outcome::accepted, report.number);
-  settle(RequestKind::requote, report.number, 0, Outcome::accepted, 0);
+  const bool ours = settle(close ? close_of(report) : dealt_by(report), report, 0, Outcome::accepted);
+  end_requote(report.number);
   if (close) {
     scope_.log_order(report.number,
                      "Ticket #" + std::to_string(report.number) + " has been closed successfully");
@@ -111,9 +139,9 @@ bool SessionRequests::market_order_accepted(const OrderReport& report) {
 
 bool SessionRequests::market_order_rejected(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
-  const bool ours = close ? settle(RequestKind::close, report.number, 0, Outcome::refused, report.id)
-                          : settle(meant_by(report), 0, Outcome::refused, report.number);
-  settle(RequestKind::requote, report.number, 0, Outcome::accepted, 0);
+  const bool ours = settle(close ? close_of(report) : dealt_by(report), report, close ? 0 : report.result,
+                           Outcome::refused);
+  end_requote(report.number);
   if (close) {
     constexpr std::string_view text = "Closing has been rejected";
     scope_.log_order(report.number, text);
@@ -127,15 +155,17 @@ bool SessionRequests::market_order_rejected(const OrderReport& report) {
 }
 
 void SessionRequests::requote_tick(const Requote& requote) {
-  const auto now = scope_.general.clock.elapsed();
   for (const RequestKind kind : {RequestKind::open, RequestKind::close}) {
-    const SentOrder* waiting = book_.last(sender_, kind, requote.order);
-    if (waiting != nullptr && !waiting->settled()) book_.heard_of(*book_.named(sender_, waiting->id), now);
+    const SentOrder* last = book_.last(sender_, kind, requote.order);
+    if (last == nullptr) continue;
+    SentOrder& order = *book_.named(scope_.account, last->id);
+    if (order.outcome == Outcome::unknown) settle(&order, 0, Outcome::pending);
+    if (!order.settled()) book_.heard_of(order, scope_.general.clock.elapsed());
   }
 }
 
 bool SessionRequests::close_result(const OrderReport& report) {
-  const bool ours = settle(RequestKind::close, report.number, report.result, outcome_of(report), report.id);
+  const bool ours = settle(close_of(report), report, report.result, outcome_of(report));
   tell_close(report, ours);
   return ours;
 }
@@ -169,7 +199,7 @@ void SessionRequests::tell_close(const OrderReport& report, bool ours) {
 SentOrder* SessionRequests::entry_of(std::int64_t order, std::int32_t code) {
   if (book_.last(sender_, RequestKind::entry, order) != nullptr || code != result::succeeded) {
     const SentOrder* known = book_.last(sender_, RequestKind::entry, order);
-    return known != nullptr ? book_.named(sender_, known->id)
+    return known != nullptr ? book_.named(scope_.account, known->id)
                             : book_.only(sender_, RequestKind::entry, [](const SentOrder&) { return true; });
   }
   RequestBook::Figures figures{.kind = RequestKind::entry, .number = order};
@@ -193,7 +223,7 @@ SentOrder* SessionRequests::entry_of(std::int64_t order, std::int32_t code) {
 }
 
 bool SessionRequests::new_entry(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours = settle(id != 0 ? book_.named(sender_, id) : entry_of(order, code), code,
+  const bool ours = settle(id != 0 ? book_.named(scope_.account, id) : entry_of(order, code), code,
                            SentOrder::outcome_of(code), order);
   const std::string_view text = result_texts::new_entry(code);
   if (code == result::all_managed) {
@@ -244,8 +274,8 @@ SentOrder* SessionRequests::stops_of(std::int64_t order, std::int32_t code) {
 }
 
 bool SessionRequests::new_stops(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours =
-      settle(id != 0 ? book_.named(sender_, id) : stops_of(order, code), code, SentOrder::outcome_of(code));
+  const bool ours = settle(id != 0 ? book_.named(scope_.account, id) : stops_of(order, code), code,
+                           SentOrder::outcome_of(code));
   scope_.log_order(order, result_texts::new_stops_line(order));
   const std::string_view refusal = result_texts::new_stops(code);
   if (!refusal.empty()) scope_.log_order(order, refusal);
@@ -256,8 +286,8 @@ bool SessionRequests::new_stops(std::int64_t order, std::int32_t code, RequestId
 }
 
 bool SessionRequests::update_stops(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours =
-      settle(id != 0 ? book_.named(sender_, id) : stops_of(order, code), code, SentOrder::outcome_of(code));
+  const bool ours = settle(id != 0 ? book_.named(scope_.account, id) : stops_of(order, code), code,
+                           SentOrder::outcome_of(code));
   scope_.log("Updating SL/TP order #" + std::to_string(order) + " result #" +
              std::string{result_texts::general(code)});
   if (ours && code == result::succeeded)
@@ -273,6 +303,9 @@ bool SessionRequests::delete_stops(std::int64_t order, std::int32_t code, Reques
 }
 
 void SessionRequests::entry_executed(const OrderReport& report) {
+  // It was placed, then, whether that was told or not.
+  if (report.id != 0)
+    settle(book_.named(scope_.account, report.id), result::succeeded, Outcome::accepted, report.number);
   scope_.desk.pending->remove_order(report.number, scope_.account);
   scope_.log("Entry Order " + std::to_string(report.number) + " [" +
              std::string{result_texts::buy_or_sell(report.operation)} + " " + number_text(report.amount) +
@@ -287,6 +320,7 @@ void SessionRequests::entry_cancelled(std::int64_t order, std::int32_t account, 
 }
 
 void SessionRequests::give_up(SentOrder& request) {
+  if (request.settled()) return;
   const std::string what =
       request.kind == RequestKind::open ? "Order " + words(request, scope_.symbols)
       : request.kind == RequestKind::entry

@@ -56,7 +56,12 @@ class SessionRequests {
   bool settle(SentOrder* meant, std::int32_t code, SentOrder::Outcome outcome, std::int64_t order = 0);
   bool settle(RequestKind kind, std::int64_t number, std::int32_t code, SentOrder::Outcome outcome,
               RequestId id);
+  // Of a report on a market order or close, with what it says was filled.
+  bool settle(SentOrder* meant, const OrderReport& report, std::int32_t code, SentOrder::Outcome outcome);
   SentOrder* meant_by(const OrderReport& report);
+  SentOrder* dealt_by(const OrderReport& report);
+  SentOrder* close_of(const OrderReport& report);
+  void end_requote(std::int64_t order);
   SentOrder* entry_of(std::int64_t order, std::int32_t code);
   SentOrder* stops_of(std::int64_t order, std::int32_t code);
   SentOrder::Outcome outcome_of(const OrderReport& report) const;

@@ -72,8 +72,8 @@ class Main {
   std::size_t deliver_events(std::size_t limit = std::numeric_limits<std::size_t>::max()) {
     return pump_->deliver(limit);
   }
-  // Runs the timers that are due; to be called as often.
-  void poll_timers();
+  // Runs the timers that are due; to be called as often. While events wait nobody is silent yet.
+  void poll_timers(bool events_wait = false);
 
   MGeneral& general() { return general_; }
   MessageQueue& messages() { return messages_; }

@@ -130,11 +130,63 @@ TEST_F(Requests, WithoutAWordForHalfAMinuteTheyAreUnknown) {
   EXPECT_EQ(wait(), Heard{});
 }
 
-TEST_F(Requests, NothingGoesOutForASessionThatIsGone) {
-  const SentOrder& last = buy(two);
+// What was sent on a connection that is gone, or by a session that is, is told late.
+TEST_F(Requests, LateAnswersFindWhatWasGivenUp) {
+  const SentOrder& lost = buy(one);
+  rig.during([&] { sink(one).ConnectionState(false); });
+  rig.clock.advance(5s);
+  answer(one, lost.id, 30, order_state::pending);
+  EXPECT_EQ(wait(29s), Heard{});
+  EXPECT_EQ(wait(1s).size(), 3U) << "told once";
+  rig.during([&] { sink(one).OrderTimer({.order = 30, .account = 81, .symbol = "EURUSD"}); });
+  EXPECT_EQ(lost.outcome, Outcome::pending);
+
+  const SentOrder& removed = buy(two);
   rig.sessions.Remove("C2");
-  EXPECT_EQ(last.outcome, Outcome::unknown);
-  EXPECT_EQ(rig.sessions.unanswered(), 0);
+  EXPECT_EQ(removed.outcome, Outcome::unknown);
+  EXPECT_EQ(rig.sessions.unanswered(), 1);
+  answer(rig.add(82, "EVE"), removed.id, 31);
+  EXPECT_EQ(removed.outcome, Outcome::accepted);
+}
+
+TEST_F(Requests, ARefusedRepetitionLeavesTheCloseThatIsOnItsWay) {
+  const SentOrder& dealt = one.close_position(12, 0.5);
+  const SentOrder& again = one.close_position(12, 0.5);
+  const auto tell = [&](const SentOrder& close, std::int32_t code, std::int32_t state) {
+    OrderReport report{.number = 12, .account = 81, .result = code, .state = state, .symbol = ""};
+    report.id = close.id;
+    rig.during([&] { sink(one).CloseOrderResult(report); });
+  };
+  tell(dealt, result::succeeded, order_state::pending);
+  tell(again, result::position_pending, 0);
+  EXPECT_EQ(one.sent_request(RequestKind::close, 12), &dealt);
+  EXPECT_EQ(again.outcome, Outcome::refused);
+}
+
+TEST_F(Requests, AreFilledInPartsAndEveryFillOnce) {
+  const SentOrder& order = buy(one);
+  const auto fill = [&](const char* name, double all) {
+    OrderReport report{.number = 30,
+                       .account = 81,
+                       .result = 1,
+                       .state = 1,
+                       .operation = 1,
+                       .amount = 0.5,
+                       .symbol = "EURUSD"};
+    report.id = order.id;
+    report.execution = name;
+    report.filled_all = all;
+    report.left = 0.5 - all;
+    heard = rig.during([&] { sink(one).MarketOrderAccepted(report); });
+    return std::count(heard.begin(), heard.end(), "market 81: Market Order Accepted");
+  };
+  EXPECT_EQ(fill("a", 0.2), 1);
+  EXPECT_EQ(fill("a", 0.2), 0);
+  EXPECT_EQ(wait(60s), Heard{});
+  EXPECT_EQ(order.outcome, Outcome::partly);
+  EXPECT_EQ(fill("b", 0.5), 1);
+  EXPECT_EQ(order.outcome, Outcome::accepted);
+  EXPECT_EQ(order.filled, 0.5);
 }
 
 // Whatever sends does so through the gate: nobody else calls what sends, or holds it.

@@ -9,6 +9,8 @@
 namespace tutti {
 namespace {
 
+constexpr std::size_t records_a_line = 500;
+
 std::string text_of(const HistoryState& state) {
   BookEntry entry;
   entry.history = state;
@@ -39,7 +41,17 @@ tl::expected<HistoryFile::Content, FileError> HistoryFile::read() const {
 
 tl::expected<void, FileError> HistoryFile::rewrite(const HistoryState& state, TimePoint since) {
   log_.reset();
-  return replace_file(file_, book_text::history_head(since) + text_of(state));
+  // In lines of a size that damage to one of them bears, and with one behind them that holds nothing: what is
+  // damaged in the last line is taken for a write that was cut off.
+  std::string text = book_text::history_head(since);
+  HistoryState part;
+  for (const RequestRecord& record : state.requests) {
+    part.requests.push_back(record);
+    if (part.requests.size() == records_a_line) text += text_of(std::exchange(part, {}));
+  }
+  part.fills = state.fills;
+  text += text_of(part);
+  return replace_file(file_, text + text_of({}));
 }
 
 tl::expected<void, FileError> HistoryFile::append(const HistoryState& state) {

@@ -165,10 +165,11 @@ void RequestHistory::restore(HistoryState filed, HistoryState stored, TimePoint 
     put(std::move(record));
   }
   fills_since_ = since;
-  fills_ = std::move(filed.fills);
+  fills_.clear();
   std::set<std::pair<std::int32_t, std::string>> known;
-  for (const Execution& fill : fills_)
-    known.emplace(fill.account, fill.execution);
+  // A line that could not be synchronised may have been written twice.
+  for (Execution& fill : filed.fills)
+    if (known.emplace(fill.account, fill.execution).second) fills_.push_back(std::move(fill));
   for (Execution& fill : stored.fills) {
     if (!known.emplace(fill.account, fill.execution).second) continue;
     fills_.push_back(std::move(fill));
