@@ -127,10 +127,10 @@ class CClientAPIManager final : public CLAPICLASS {
   void InvalidUsernamePassword() override { connection_.invalid_login(); }
   void LimitOrderAccepted(const OrderReport& report) override { requests_.entry_executed(report); }
   void LimitOrderCanceledCannotHdg(std::int64_t order, std::int32_t account) override {
-    requests_.entry_cancelled(order, account, "cannot handge");
+    requests_.entry_cancelled(order, account, " cancelled because cannot handge for account number #");
   }
   void LimitOrderCanceledNoMoney(std::int64_t order, std::int32_t account) override {
-    requests_.entry_cancelled(order, account, "there is no money");
+    requests_.entry_cancelled(order, account, " cancelled because there is no money for account number #");
   }
   void MarketOrderAccepted(const OrderReport& report) override {
     meant(requests_.market_order_accepted(report));

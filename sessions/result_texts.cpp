@@ -191,7 +191,8 @@ CloseTexts close(std::int32_t code, std::int64_t ticket, std::int32_t account) {
               number + " trading is closed for account " + std::to_string(account)};
     case result::market_conditions: {
       const std::string text = "Unable to get  quote on this symbol due to market conditions";
-      return {text, text, "Order " + number + " is " + text};
+      return {text, text,
+              "Order " + number + " is Unable to get  quote on this symbol due to market conditions"};
     }
     case result::bad_connection:
       return {"Unable to get  quote due to  bad connection, Please try again",

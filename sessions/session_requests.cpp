@@ -313,8 +313,8 @@ void SessionRequests::entry_executed(const OrderReport& report) {
 }
 
 void SessionRequests::entry_cancelled(std::int64_t order, std::int32_t account, std::string_view why) {
-  const std::string text = "Limit Order:" + std::to_string(order) + " cancelled because " + std::string{why} +
-                           " for account number #" + std::to_string(account);
+  const std::string text =
+      "Limit Order:" + std::to_string(order) + std::string{why} + std::to_string(account);
   scope_.desk.pending->order_text(order, scope_.account, text);
   scope_.tell(text);
 }
