@@ -2,9 +2,9 @@
 
 namespace tutti {
 
-Row::Owner Row::make(RowKey key, std::size_t columns, std::uint64_t* list_stamp) {
+Row::Owner Row::make(RowKey key, std::size_t columns, Shared* shared) {
   void* block = ::operator new(sizeof(Row) + columns * sizeof(Cell));
-  Row* row = new (block) Row(key, columns, list_stamp);
+  Row* row = new (block) Row(key, columns, shared);
   std::uninitialized_default_construct_n(reinterpret_cast<Cell*>(row + 1), columns);
   return Owner{row};
 }
@@ -13,6 +13,13 @@ void Row::Deleter::operator()(Row* row) const {
   std::destroy_n(row->cells(), row->columns_);
   row->~Row();
   ::operator delete(row);
+}
+
+void Row::make_cells() const {
+  assert(shared_->make_cells);
+  age_ = Age::being_made;
+  shared_->make_cells(const_cast<Row&>(*this));
+  age_ = Age::current;
 }
 
 }  // namespace tutti

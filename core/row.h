@@ -3,6 +3,7 @@
 #include <any>
 #include <cassert>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string>
@@ -17,6 +18,13 @@ namespace tutti {
 // themselves on every change so that a window can pull just what differs.
 class Row {
  public:
+  // What the rows of one list share; the list's.
+  struct Shared {
+    std::uint64_t stamp = 0;
+    // Makes the cells of an outdated row.
+    std::function<void(Row&)> make_cells;
+  };
+
   // Frees a row together with its cells.
   struct Deleter {
     void operator()(Row* row) const;
@@ -24,7 +32,7 @@ class Row {
   using Owner = std::unique_ptr<Row, Deleter>;
 
   // A row with its cells right behind it in one block, since whoever touches the one touches the other.
-  static Owner make(RowKey key, std::size_t columns, std::uint64_t* list_stamp);
+  static Owner make(RowKey key, std::size_t columns, Shared* shared);
   Row(const Row&) = delete;
   Row& operator=(const Row&) = delete;
 
@@ -36,6 +44,7 @@ class Row {
 
   const Cell& cell(std::size_t column) const {
     assert(column < columns_);
+    if (age_ == Age::outdated) make_cells();
     return cells()[column];
   }
   std::string text(std::size_t column) const { return cell(column).text(); }
@@ -64,11 +73,17 @@ class Row {
       set_fixed(column, number, decimals);
     }
   }
+  // The record that the row shows has changed: the row counts as changed, and its cells are made anew, by
+  // what the list has for it, when somebody reads or edits one.
+  void outdate() {
+    age_ = Age::outdated;
+    touch();
+  }
   // Several cells in a row under one stamp, from `first` on. The pointer is good until the row goes.
   Cell* edit_from(std::size_t first, std::size_t count) {
     assert(first + count <= columns_);
     (void)count;
-    touch();
+    about_to_edit();
     return cells() + first;
   }
   void clear_cells(std::size_t first, std::size_t last) {
@@ -98,8 +113,11 @@ class Row {
  private:
   friend class RowList;
 
-  Row(RowKey key, std::size_t columns, std::uint64_t* list_stamp)
-      : key_(key), list_stamp_(list_stamp), columns_(static_cast<std::uint32_t>(columns)) {
+  // While the cells are being made the row does not count as changed once more.
+  enum class Age : std::uint8_t { current, outdated, being_made };
+
+  Row(RowKey key, std::size_t columns, Shared* shared)
+      : key_(key), shared_(shared), columns_(static_cast<std::uint32_t>(columns)) {
     touch();
   }
   ~Row() = default;
@@ -108,18 +126,25 @@ class Row {
   const Cell* cells() const { return std::launder(reinterpret_cast<const Cell*>(this + 1)); }
   Cell& edit(std::size_t column) {
     assert(column < columns_);
-    touch();
+    about_to_edit();
     return cells()[column];
   }
-  void touch() { stamp_ = ++*list_stamp_; }
+  void about_to_edit() {
+    if (age_ == Age::outdated) make_cells();
+    if (age_ == Age::current) touch();
+  }
+  // Cells that are read are made on the way: to who reads them they were never others.
+  void make_cells() const;
+  void touch() { stamp_ = ++shared_->stamp; }
 
   RowKey key_;
   std::uint64_t stamp_ = 0;
-  std::uint64_t* list_stamp_;  // the owning list's counter
-  std::int64_t place_ = 0;     // index within the list plus the list's first place
+  Shared* shared_;
+  std::int64_t place_ = 0;  // index within the list plus the list's first place
   std::uint32_t columns_;
   bool checked_ = false;
   bool selected_ = false;
+  mutable Age age_ = Age::current;
   std::any data_;
 };
 static_assert(sizeof(Row) % alignof(Cell) == 0);

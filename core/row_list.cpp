@@ -24,7 +24,7 @@ void RowList::set_headers(std::vector<std::string> headers) {
 void RowList::set_column_width(std::size_t column, double percent) {
   assert(column < columns_.size());
   columns_[column].width = percent;
-  ++stamp_;
+  ++shared_.stamp;
 }
 
 void RowList::set_column_tip(std::size_t column, std::string_view tip) {
@@ -35,7 +35,7 @@ void RowList::set_column_tip(std::size_t column, std::string_view tip) {
 Row* RowList::insert(std::size_t index, RowKey key) {
   assert(index <= rows_.size());
   if (!key.empty() && by_key_.contains(key)) return nullptr;
-  auto owned = Row::make(key, columns_.size(), &stamp_);
+  auto owned = Row::make(key, columns_.size(), &shared_);
   Row* row = owned.get();
   if (index == 0) {
     // The rows behind keep their places; only the list's first place moves.

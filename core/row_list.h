@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <tsl/robin_map.h>
@@ -71,13 +72,17 @@ class RowList {
   std::vector<Row*> selected() const;
   std::size_t checked_count() const;
 
-  std::uint64_t stamp() const { return stamp_; }
+  std::uint64_t stamp() const { return shared_.stamp; }
   std::uint64_t structure_stamp() const { return structure_stamp_; }
 
   // The operator ticks a row's box, picks a row alone, or double-clicks one.
   void tick(Row& row, bool checked);
   void select(Row& row);
   void activate(Row& row);
+  // Set once by whoever owns a list whose rows show records: writes the cells of a row that was outdated,
+  // from its record, and nothing else.
+  void set_make_cells(std::function<void(Row&)> make) { shared_.make_cells = std::move(make); }
+
   std::function<void(Row&)> on_tick;
   std::function<void(Row&)> on_select;
   std::function<void(Row&)> on_activate;
@@ -107,14 +112,14 @@ class RowList {
   template <class It>
   Iterator(It) -> Iterator<It>;
 
-  void structure_changed() { structure_stamp_ = ++stamp_; }
+  void structure_changed() { structure_stamp_ = ++shared_.stamp; }
 
   std::vector<Column> columns_;
   std::deque<Row::Owner> rows_;
   tsl::robin_map<RowKey, Row*, RowKey::Hash> by_key_;
   std::int64_t first_place_ = 0;
   Row* current_ = nullptr;
-  std::uint64_t stamp_ = 0;
+  Row::Shared shared_;
   std::uint64_t structure_stamp_ = 0;
 };
 

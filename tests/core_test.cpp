@@ -158,6 +158,32 @@ TEST(RowLists, KeepKeysAndPlacesThroughEveryChange) {
   EXPECT_GT(list.structure_stamp(), structure);
 }
 
+TEST(RowLists, CellsOfARecordAreMadeWhenSomebodyReads) {
+  RowList list{{"A", "B"}};
+  int record = 1;
+  int made = 0;
+  list.set_make_cells([&](Row& row) {
+    ++made;
+    row.set_number(0, record);
+  });
+  Row& row = *list.add();
+  row.outdate();
+  const auto stamp = row.stamp();
+  for (record = 2; record < 5; ++record)
+    row.outdate();
+  EXPECT_EQ(made, 0);
+  EXPECT_EQ(row.stamp(), stamp + 3);
+  EXPECT_EQ(row.text(0) + row.text(1), "5");
+  EXPECT_EQ(row.stamp(), stamp + 3) << "reading is no change";
+  EXPECT_EQ(made, 1);
+  // What is written into an outdated row stands behind what is made.
+  row.outdate();
+  row.set_text(0, "typed");
+  EXPECT_EQ(row.text(0), "typed");
+  EXPECT_EQ(row.stamp(), list.stamp());
+  EXPECT_EQ(made, 2);
+}
+
 TEST(TextBoxes, TypeAtTheSelection) {
   TextBox box;
   box.set_text("gr\xC3\xBC\xC3\x9F");
