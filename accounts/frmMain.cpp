@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "accounts/account_texts.h"
 #include "accounts/distribution.h"
 #include "core/numbers.h"
 #include "core/texts.h"
 
 namespace tutti {
 
-frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, FileDialog& dialog,
-                 ClientFactory make_client, Endpoint own_server, std::size_t capacity)
+frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, AccountBook& accounts,
+                 FileDialog& dialog, ClientFactory make_client, Endpoint own_server, std::size_t capacity)
     : labelinfo1(
           "Note:- No guarantee to deliver your order to the server with the requested prices as this depends "
           "on your internet speed."),
@@ -20,51 +21,89 @@ frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, FileD
       general_(general),
       desk_(desk),
       symbols_(symbols),
+      accounts_(accounts),
       make_client_(std::move(make_client)),
       own_server_(std::move(own_server)),
       capacity_(capacity),
       lists_(general.files, general.paths) {
   txteditLo.set_visible(false);
   m_oTimer.on_tick = [this] { m_oTimer_Tick(); };
+  lvwClients.set_make_cells([this](Row& row) { make_cells(row); });
+  accounts_.on_shown = [this](const AccountEntry& account) {
+    if (Row* row = row_of(account)) row->outdate();
+  };
 }
 
 tl::expected<void, FileError> frmMain::load() {
   general_.column_widths(lvwClients, "4,9,9,10,10,8,8,8,8,8,8,8,8");
   options_ = std::make_unique<CLoginOptions>(general_, own_server_);
   if (auto read = options_->InitializeFromFile(); !read) return read;
-  sessions_ =
-      std::make_unique<CClientAPIManagers>(make_client_, general_, desk_, symbols_, *options_, capacity_);
+  sessions_ = std::make_unique<CClientAPIManagers>(make_client_, general_, desk_, symbols_, *options_,
+                                                   accounts_, capacity_);
   account_dialog_ = std::make_unique<frmaccount>(general_, desk_, *options_, *sessions_);
   if (auto read = LoadAccounts(); !read) return read;
   loadmainsymbols();
   return {};
 }
 
-Row* frmMain::addToListView(std::string_view user, std::int32_t account, bool connected,
-                            std::string_view notes, std::int32_t index) {
+Row* frmMain::addToListView(const AccountEntry& account, std::int32_t index) {
   Row* row = lvwClients.add(client_key(index));
   if (row == nullptr) return nullptr;
-  row->set_number(Column::index, index, NumberFormat::index);
-  row->set_text(Column::user_name, upper(user));
-  row->set_text(Column::state, connected ? "Connected" : "Disconnected");
-  row->set_number(Column::account, account);
-  row->set_text(Column::notes, notes);
-  row->data<RowData>().duplicate_key = account_key(user, account);
-  recolour(*row);
+  auto& data = row->data<RowData>();
+  data.account = &account;
+  data.duplicate_key = account_key(account.user, account.account);
+  if (rows_.size() <= account.handle) rows_.resize(account.handle + std::size_t{1});
+  rows_[account.handle] = row;
+  row->outdate();
   return row;
 }
 
-void frmMain::recolour(Row& row) {
-  row.set_ink(Column::state, row.reads(Column::state, "Connected") ? Ink::green : Ink::red);
+void frmMain::make_cells(Row& row) const {
+  const AccountEntry& account = record_of(row);
+  const AccountEntry::Shown& shown = account.shown;
+  row.set_number(Column::index, static_cast<double>(row.key().number()), NumberFormat::index);
+  row.set_text(Column::user_name, upper(account.user));
+  row.set_text(Column::state, state_text(shown.state), shown.ink);
+  row.set_number(Column::account, account.account);
+  row.set_text(Column::notes, shown.note);
+  if (!shown.has_values) return row.clear_cells(Column::balance, Column::free_margin);
+  row.set_number(Column::balance, shown.values.balance, NumberFormat::summary);
+  row.set_number(Column::floating, shown.values.floating_pl, NumberFormat::summary);
+  row.set_number(Column::credit, shown.values.credit, NumberFormat::summary);
+  row.set_number(Column::equity, shown.values.equity, NumberFormat::summary);
+  row.set_number(Column::used_margin, shown.values.used_margin, NumberFormat::summary);
+  row.set_number(Column::margin_level, shown.values.margin_level, NumberFormat::percent);
+  row.set_number(Column::free_margin, shown.values.free_margin, NumberFormat::summary);
 }
 
-Row* frmMain::add_client(const CClientAPIManager& session, bool connected, std::string_view notes) {
-  return addToListView(session.user(), session.account(), connected, notes, session.key());
+const AccountEntry& frmMain::record_of(const Row& row) const {
+  return *row.data_if<RowData>()->account;
 }
 
-void frmMain::renumber_client(Row& row, std::int32_t number) {
-  lvwClients.rekey(row, client_key(number));
-  row.set_number(Column::index, number, NumberFormat::index);
+Row* frmMain::row_of(const AccountEntry& account) const {
+  return account.handle < rows_.size() ? rows_[account.handle] : nullptr;
+}
+
+void frmMain::add_client(const CClientAPIManager& session) {
+  addToListView(session.ClientListItem(), session.key());
+}
+
+void frmMain::remove_client(const CClientAPIManager& session) {
+  Row* row = row_of(session.ClientListItem());
+  if (row == nullptr) return;
+  rows_[session.ClientListItem().handle] = nullptr;
+  lvwClients.remove(*row);
+}
+
+void frmMain::renumber_client(const CClientAPIManager& session) {
+  Row* row = row_of(session.ClientListItem());
+  if (row == nullptr) return;
+  lvwClients.rekey(*row, client_key(session.key()));
+  row->outdate();
+}
+
+void frmMain::select_client(const CClientAPIManager& session) {
+  if (Row* row = row_of(session.ClientListItem())) lvwClients.select(*row);
 }
 
 bool frmMain::has_account(std::string_view key) const {
@@ -88,25 +127,13 @@ CClientAPIManager* frmMain::session_of(const Row& row) const {
 }
 
 void frmMain::refreshsummery_Click(Row& row) {
-  const auto number = static_cast<std::int32_t>(row.cell(Column::account).stored_number());
   // By the row, since one account number may stand under two user names.
-  CClientAPIManager* session = session_of(row);
-  if (session == nullptr) return;
-  AccountSummary summary;
-  session->Summary(number, summary);
-  Cell* cells = row.edit_from(0, row.columns());
-  cells[Column::balance].set_number(summary.balance, NumberFormat::summary);
-  cells[Column::floating].set_number(summary.floating_pl, NumberFormat::summary);
-  cells[Column::credit].set_number(summary.credit, NumberFormat::summary);
-  cells[Column::equity].set_number(summary.equity, NumberFormat::summary);
-  cells[Column::used_margin].set_number(summary.used_margin * -1.0, NumberFormat::summary);
-  cells[Column::margin_level].set_number(summary.margin_level * 100.0, NumberFormat::percent);
-  cells[Column::free_margin].set_number(summary.free_margin, NumberFormat::summary);
-  // Green is the colour of "Connected" alone, so a green cell needs no look at its text.
-  Cell& shown_state = cells[Column::state];
-  if (shown_state.ink() == Ink::green) return;
-  shown_state.set_text("Connected");
-  shown_state.set_ink(Ink::green);
+  if (CClientAPIManager* session = session_of(row)) session->query_summary();
+}
+
+void frmMain::empty_notes() {
+  for (const auto& session : sessions_->Children())
+    session->write_note("");
 }
 
 void frmMain::loadmainsymbols() {
@@ -117,7 +144,7 @@ void frmMain::m_oTimer_Tick() {
   const TimePoint now = general_.clock.now();
   for (Row& row : lvwClients) {
     auto& data = row.data<RowData>();
-    if (!row.reads(Column::state, "Connecting")) {
+    if (data.account->shown.state != AccountState::connecting) {
       data.connecting_since.reset();
       continue;
     }
@@ -138,10 +165,10 @@ std::optional<std::chrono::seconds> frmMain::connecting_for(const Row& row) cons
 
 frmMain::Connections frmMain::connections() const {
   Connections out;
-  for (const Row& row : lvwClients) {
+  for (const AccountEntry* account : accounts_.listed()) {
     ++out.all;
-    if (row.reads(Column::state, "Connected")) ++out.connected;
-    if (row.reads(Column::state, "Connecting")) ++out.connecting;
+    if (account->connected()) ++out.connected;
+    if (account->shown.state == AccountState::connecting) ++out.connecting;
   }
   return out;
 }
@@ -162,7 +189,9 @@ Row* frmMain::edited_row() {
 
 void frmMain::commit_notes() {
   txteditLo.set_visible(false);
-  if (Row* row = edited_row()) row->set_text(Column::notes, trim(txteditLo.text()));
+  const Row* row = edited_row();
+  CClientAPIManager* session = row == nullptr ? nullptr : session_of(*row);
+  if (session != nullptr) session->write_note(trim(txteditLo.text()));
 }
 
 std::int16_t frmMain::askycodekeypress(std::int16_t key, std::string_view text) {

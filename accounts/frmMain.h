@@ -27,8 +27,8 @@ namespace tutti {
 // Accounts list: one row per client account with its connection state and summary. Logs accounts in and out,
 // removes, saves and loads them, and splits amounts over the accounts of the market order window.
 //
-// Rows are keyed "C" and the session number. Holds the login options, the session collection and the account
-// dialog from load() on.
+// Rows are keyed "C" and the session number and show its record of the account book. Holds the login options,
+// the session collection and the account dialog from load() on.
 class frmMain final : public AccountsDesk, public Displayable {
  public:
   enum Column : std::size_t {
@@ -46,7 +46,7 @@ class frmMain final : public AccountsDesk, public Displayable {
     free_margin
   };
 
-  frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, FileDialog& dialog,
+  frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, AccountBook& accounts, FileDialog& dialog,
           ClientFactory make_client, Endpoint own_server,
           std::size_t capacity = CClientAPIManagers::max_accounts);
 
@@ -67,6 +67,7 @@ class frmMain final : public AccountsDesk, public Displayable {
 
   CLoginOptions& login_options() { return *options_; }
   CClientAPIManagers& sessions() { return *sessions_; }
+  const AccountBook& account_book() const { return accounts_; }
   frmaccount& account_dialog() { return *account_dialog_; }
 
   // Saved lists.
@@ -78,13 +79,19 @@ class frmMain final : public AccountsDesk, public Displayable {
   bool loaded() const { return loaded_; }
 
   // Rows.
-  Row* addToListView(std::string_view user, std::int32_t account, bool connected, std::string_view notes,
-                     std::int32_t index);
+  Row* addToListView(const AccountEntry& account, std::int32_t index);
+  // What a row shows; nullptr where the account has no row.
+  const AccountEntry& record_of(const Row& row) const;
+  Row* row_of(const AccountEntry& account) const;
   void refreshsummery_Click(Row& row);
   // The same for the selected rows that are connected.
   void refresh_summaries();
   // The row the operator stands on, else the selected one; nullptr when there is none.
   Row* mainClientListItem() const;
+  // nullptr when none is.
+  Row* selected_client() const;
+  // Empties the Notes of all rows.
+  void empty_notes();
   // Refills the market watch from the current session.
   void loadmainsymbols();
 
@@ -140,18 +147,18 @@ class frmMain final : public AccountsDesk, public Displayable {
   static bool ValidateData(std::string_view user, std::string_view password, std::string_view account);
 
   // AccountsDesk
-  Row* add_client(const CClientAPIManager& session, bool connected, std::string_view notes) override;
-  void remove_client(Row& row) override { lvwClients.remove(row); }
-  void renumber_client(Row& row, std::int32_t number) override;
-  void refresh_summary(Row& row) override { refreshsummery_Click(row); }
-  void select_client(Row& row) override { lvwClients.select(row); }
+  void add_client(const CClientAPIManager& session) override;
+  void remove_client(const CClientAPIManager& session) override;
+  void renumber_client(const CClientAPIManager& session) override;
+  void select_client(const CClientAPIManager& session) override;
   bool has_account(std::string_view account_key) const override;
-  Row* selected_client() const override;
+  bool has_selection() const override { return selected_client() != nullptr; }
   void record_connected(const CClientAPIManager& session) override;
   void replace_account(std::string_view key, const CClientAPIManager& session) override;
 
  private:
   struct RowData {
+    const AccountEntry* account = nullptr;
     std::string duplicate_key;
     std::optional<TimePoint> connecting_since;
     std::chrono::seconds connecting_for{0};
@@ -162,11 +169,13 @@ class frmMain final : public AccountsDesk, public Displayable {
   void remove_rows(const std::vector<Row*>& rows);
   void forget(const std::vector<std::string>& keys);
   void report(const tl::expected<void, FileError>& done, std::int32_t account);
-  static void recolour(Row& row);
+  void make_cells(Row& row) const;
 
   MGeneral& general_;
   Desk& desk_;
   SymbolCollection& symbols_;
+  AccountBook& accounts_;
+  std::vector<Row*> rows_;  // by handle of the record
   ClientFactory make_client_;
   Endpoint own_server_;
   std::size_t capacity_;

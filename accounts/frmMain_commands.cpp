@@ -95,12 +95,7 @@ void frmMain::LoginClient(RowKey key) {
   Row* row = lvwClients.find(key);
   if (row == nullptr) return;
   CClientAPIManager* session = session_of(*row);
-  if (session != nullptr && row->reads(Column::state, "Disconnected")) {
-    session->ClientAPIF().Login();
-    row->set_text(Column::state, "Connecting");
-    row->data<RowData>().connecting_since = general_.clock.now();
-  }
-  recolour(*row);
+  if (session != nullptr && session->log_in()) row->data<RowData>().connecting_since = general_.clock.now();
 }
 
 void frmMain::login_account(std::string_view key) {
@@ -114,15 +109,12 @@ void frmMain::end_sessions() {
 }
 
 void frmMain::LogoutClient(RowKey key) {
-  Row* row = lvwClients.find(key);
-  if (row == nullptr) return;
-  CClientAPIManager* session = session_of(*row);
+  const Row* row = lvwClients.find(key);
+  CClientAPIManager* session = row == nullptr ? nullptr : session_of(*row);
   if (session == nullptr) return;
   sessions_->windows().leave_pending(*session);
   session->log_out();
   general_.play_sound("\\sounds\\Disconnect.wav");
-  recolour(*row);
-  row->clear_cells(Column::notes, Column::free_margin);
   sessions_->windows().leave_market_order(*session);
   desk_.close_positions->refresh_symbols();
 }
@@ -134,19 +126,19 @@ void frmMain::MnuConnecte_Click() {
 
 void frmMain::MnuDisconnecte_Click() {
   for (Row* row : lvwClients.selected()) {
-    if (row->reads(Column::state, "Connected")) LogoutClient(row->key());
+    if (record_of(*row).connected()) LogoutClient(row->key());
   }
 }
 
 void frmMain::refresh_summaries() {
   for (Row* row : lvwClients.selected()) {
-    if (row->reads(Column::state, "Connected")) refreshsummery_Click(*row);
+    if (record_of(*row).connected()) refreshsummery_Click(*row);
   }
 }
 
 void frmMain::logout_all() {
   for (Row* row : all_rows()) {
-    if (row->reads(Column::state, "Connected")) LogoutClient(row->key());
+    if (record_of(*row).connected()) LogoutClient(row->key());
   }
 }
 

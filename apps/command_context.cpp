@@ -25,21 +25,19 @@ bool CommandContext::run_until(const std::function<bool()>& done) {
 }
 
 bool CommandContext::logins_done(std::size_t& done) const {
-  frmMain& accounts = main().accounts();
+  const auto& accounts = main().account_book().listed();
   done = 0;
-  for (const Row& row : accounts.lvwClients) {
-    const bool waiting = row.reads(frmMain::state, "Connecting");
+  for (const AccountEntry* each : accounts) {
+    const bool waiting = each->shown.state == AccountState::connecting;
     // A connected account is ready once its data are there and the order window has it, or was found unknown.
-    const auto number = static_cast<std::int32_t>(row.cell(frmMain::account).stored_number());
-    const bool loading =
-        row.reads(frmMain::state, "Connected") && main().market_order().account_row(number) == nullptr;
+    const bool loading = each->connected() && main().market_order().account_row(each->account) == nullptr;
     if (!waiting && !loading) ++done;
   }
-  return done == accounts.lvwClients.size();
+  return done == accounts.size();
 }
 
 bool CommandContext::log_in() {
-  const std::size_t all = main().accounts().lvwClients.size();
+  const std::size_t all = main().account_book().listed().size();
   run_until([&] {
     std::size_t done = 0;
     const bool over = logins_done(done);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "accounts/account_texts.h"
 #include "apps/output.h"
 #include "core/numbers.h"
 #include "core/texts.h"
@@ -102,9 +103,9 @@ void SplitRun::describe(const CClientAPIManager& session, Line& line) const {
     const Cell& amount = row->cell(AccountRows::amount);
     if (row->checked() && !amount.empty()) line.share = amount.number();
     if (arguments_.dry_run && line.share && line.result.empty()) line.result = sure_refusal(session, *row);
-  } else if (const Row* listed = session.ClientListItem()) {
-    const std::string notes = listed->text(frmMain::notes);
-    line.result = notes.empty() ? "not connected: " + listed->text(frmMain::state) : notes;
+  } else {
+    const AccountEntry::Shown& shown = session.ClientListItem().shown;
+    line.result = shown.note.empty() ? "not connected: " + std::string{state_text(shown.state)} : shown.note;
   }
   const SentOrder& order = sent_by(session);
   if (sent_ && order.outcome != SentOrder::Outcome::none) return describe_sent(order, line);
@@ -117,7 +118,7 @@ std::vector<SplitRun::Line> SplitRun::lines() const {
     if (!chosen(session->account())) continue;
     Line line;
     line.account = session->account();
-    line.user = session->ClientListItem()->text(frmMain::user_name);
+    line.user = upper(session->user());
     describe(*session, line);
     line.result = trim(line.result);
     out.push_back(std::move(line));

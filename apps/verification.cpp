@@ -62,38 +62,31 @@ void Verification::compare(std::int32_t account, const std::string& what, double
 }
 
 const TradingAccount* Verification::connected(std::int32_t account) const {
-  // One number may stand in several rows, under different user names.
-  const RowList& list = main_.accounts().lvwClients;
-  const bool there = std::any_of(list.begin(), list.end(), [&](const Row& row) {
-    return row.cell(frmMain::account).stored_number() == account && row.reads(frmMain::state, "Connected");
-  });
-  return there ? server_.find_account(account) : nullptr;
+  return main_.account_book().connected(account) ? server_.find_account(account) : nullptr;
 }
 
-void Verification::check_account(const Row& row, const TradingAccount& booked) {
+void Verification::check_account(const Totals& shown, const TradingAccount& booked) {
   const AccountSummary summary = booked.summary();
-  const std::int32_t account = booked.config().number;
-  const auto value = [&](frmMain::Column column, const char* name, double expected) {
-    compare(account, name, row.cell(column).stored_number(), expected, half_a_cent);
+  const auto value = [&](const char* name, double listed, double expected) {
+    compare(booked.config().number, name, listed, expected, half_a_cent);
   };
-  value(frmMain::balance, "balance", summary.balance);
-  value(frmMain::floating, "floating profit", summary.floating_pl);
-  value(frmMain::credit, "credit", summary.credit);
-  value(frmMain::equity, "equity", summary.equity);
-  value(frmMain::used_margin, "used margin", -summary.used_margin);
-  value(frmMain::margin_level, "margin level", summary.margin_level * 100.0);
-  value(frmMain::free_margin, "free margin", summary.free_margin);
+  value("balance", shown.balance, summary.balance);
+  value("floating profit", shown.floating_pl, summary.floating_pl);
+  value("credit", shown.credit, summary.credit);
+  value("equity", shown.equity, summary.equity);
+  value("used margin", shown.used_margin, -summary.used_margin);
+  value("margin level", shown.margin_level, summary.margin_level * 100.0);
+  value("free margin", shown.free_margin, summary.free_margin);
 }
 
 void Verification::check_totals() {
   Totals booked;
   int accounts = 0;
-  for (const Row& row : main_.accounts().lvwClients) {
-    if (!row.reads(frmMain::state, "Connected")) continue;
-    const auto number = static_cast<std::int32_t>(row.cell(frmMain::account).stored_number());
-    const TradingAccount* account = server_.find_account(number);
+  for (const AccountEntry* each : main_.account_book().listed()) {
+    if (!each->connected()) continue;
+    const TradingAccount* account = server_.find_account(each->account);
     if (account == nullptr) continue;
-    check_account(row, *account);
+    check_account(each->shown.values, *account);
     const AccountSummary s = account->summary();
     booked.replace({}, {s.balance, s.floating_pl, s.credit, s.equity, -s.used_margin, s.margin_level * 100.0,
                         s.free_margin});

@@ -8,7 +8,7 @@ namespace tutti::bench {
 
 BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
     : accounts_(
-          general_, desk_, symbols_, file_dialog_,
+          general_, desk_, symbols_, account_book_, file_dialog_,
           [this, &market] {
             auto client = std::make_unique<BenchClient>(market, &values_);
             clients_.push_back(client.get());

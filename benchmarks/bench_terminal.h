@@ -55,6 +55,7 @@ class BenchTerminal {
   MGeneral general_{paths_, clock_, sound_, prompt_, messages_};
   CLocalSettings locale_{locale_port_};
   SymbolCollection symbols_;
+  AccountBook account_book_;
   Desk desk_;
   frmMdiNew window_{general_};
   AccountSummary first_values_{.balance = 1000.0, .equity = 1000.0, .free_margin = 1000.0};

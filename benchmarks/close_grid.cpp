@@ -14,7 +14,7 @@ constexpr int changes_per_run = 50;
 CloseGrid::CloseGrid(const BenchMarket& market, std::size_t accounts, std::size_t positions)
     : positions_(positions), symbol_(market.symbols[0]), terminal_(market, accounts) {
   frmClosePos& form = terminal_.close_positions();
-  form.prepare({"Account", "Status", "Amount", "Action"}, "Disconnected");
+  form.prepare({"Account", "Status", "Amount", "Action"}, AccountState::disconnected);
   form.refresh_symbols();
   form.Displayed(true);
   form.CloseSymbols.choose(symbol_.name);

@@ -1,16 +1,17 @@
 #include "orders/close_helper.h"
 
+#include <fmt/format.h>
+
 #include "accounts/frmMain.h"
 #include "core/numbers.h"
+#include "core/texts.h"
 
 namespace tutti {
 namespace {
 
 // "row 01 BOB"
 std::string row_name(const CClientAPIManager& session) {
-  const Row* row = session.ClientListItem();
-  return row == nullptr ? session.user()
-                        : "row " + row->text(frmMain::index) + " " + row->text(frmMain::user_name);
+  return fmt::format("row {:02} {}", session.key(), upper(session.user()));
 }
 
 }  // namespace

@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "accounts/account_texts.h"
+
 namespace tutti {
 namespace {
 
-constexpr std::string_view connected_state = "Connected";
-constexpr std::string_view invalid_state = "Invalid account";
 // Twelve blanks: the ticket is read back as what stands behind them.
 constexpr std::string_view position_prefix = "            #";
 constexpr std::string_view no_price_text = "Close";
@@ -38,9 +38,9 @@ frmClosePos::frmClosePos(MGeneral& general, CQuestionBox& question_box, frmMain&
   refresh_symbols();
 }
 
-void frmClosePos::prepare(const std::vector<std::string>& headers, std::string_view state) {
+void frmClosePos::prepare(const std::vector<std::string>& headers, AccountState logged_out) {
   headers_ = headers;
-  logged_out_state_ = state;
+  logged_out_state_ = logged_out;
   rebuild();
   general_.column_widths(MSH, column_widths);
 }
@@ -89,7 +89,7 @@ bool frmClosePos::renew() {
   for (std::size_t at = 0; at < rows.size(); ++at) {
     Row& row = MSH.row(at);
     if (rows[at].open == nullptr) {
-      row.set_text(Column::status, connected_state);
+      show_state(row, AccountState::connected);
     } else {
       write_position(row, *rows[at].open);
       write_no_price(row);
@@ -124,13 +124,9 @@ std::vector<frmClosePos::Wanted> frmClosePos::wanted() const {
   return out;
 }
 
-bool frmClosePos::connected(std::int32_t number) const {
-  for (const auto& session : accounts_list_.sessions().Children()) {
-    if (session->account() != number) continue;
-    const Row* row = session->ClientListItem();
-    if (row != nullptr && row->reads(frmMain::state, connected_state)) return true;
-  }
-  return false;
+void frmClosePos::show_state(Row& above, AccountState state) {
+  above.data<RowData>() = {Kind::account, state};
+  above.set_text(Column::status, state_text(state));
 }
 
 Row& frmClosePos::add_client(std::int32_t number) {
@@ -138,9 +134,8 @@ Row& frmClosePos::add_client(std::int32_t number) {
   if (row == nullptr) {
     row = MSH.add(client_key(number));
     row->set_number(Column::account, number);
-    row->data<Kind>() = Kind::account;
   }
-  row->set_text(Column::status, connected_state);
+  show_state(*row, AccountState::connected);
   return *row;
 }
 
@@ -167,7 +162,7 @@ void frmClosePos::write_position(Row& row, const Row& open) {
   const bool is_new = row.cell(Column::status).empty();
   row.set_text(Column::status, text);
   row.set_number(Column::amount, open.cell(frmTrade::amount).stored_number());
-  row.data<Kind>() = has("Sell") ? Kind::sell : has("Buy") ? Kind::buy : Kind::other;
+  row.data<RowData>().kind = has("Sell") ? Kind::sell : has("Buy") ? Kind::buy : Kind::other;
   if (is_new) write_no_price(row);
 }
 
@@ -185,10 +180,10 @@ void frmClosePos::write_action(Row& row, std::string_view text) {
 }
 
 void frmClosePos::write_price(Row& row) const {
-  const auto* kind = row.data_if<Kind>();
-  if (kind == nullptr) return;
-  if (*kind == Kind::sell && bid_ != 0.0) row.set_number(Column::action, bid_, NumberFormat::close_at);
-  if (*kind == Kind::buy && ask_ != 0.0) row.set_number(Column::action, ask_, NumberFormat::close_at);
+  const auto* data = row.data_if<RowData>();
+  if (data == nullptr) return;
+  if (data->kind == Kind::sell && bid_ != 0.0) row.set_number(Column::action, bid_, NumberFormat::close_at);
+  if (data->kind == Kind::buy && ask_ != 0.0) row.set_number(Column::action, ask_, NumberFormat::close_at);
 }
 
 void frmClosePos::RefreshPrice(double ask, double bid) {
@@ -220,7 +215,7 @@ void frmClosePos::Remove(std::int64_t ticket, std::int32_t number) {
 
 // An account that is not connected stays, so that the operator sees why its positions are gone.
 void frmClosePos::remove_if_empty(Row& above) {
-  if (above.reads(Column::status, connected_state) && positions_of(above).empty()) MSH.remove(above);
+  if (shows_connected(above) && positions_of(above).empty()) MSH.remove(above);
 }
 
 void frmClosePos::add_account(std::int32_t number) {
@@ -239,7 +234,7 @@ void frmClosePos::remove_account(std::int32_t number) {
   }
   // Another session may have the account connected.
   if (connected(number)) return remove_if_empty(*above);
-  above->set_text(Column::status, logged_out_state_);
+  show_state(*above, logged_out_state_);
   // One that has left the accounts list leaves this one, too.
   if (accounts_list_.sessions().by_account(number) == nullptr) take_out(*above);
 }
@@ -250,14 +245,14 @@ void frmClosePos::take_out(Row& above) {
   MSH.remove(above);
 }
 
-void frmClosePos::account_state(std::int32_t number, std::string_view state) {
+void frmClosePos::account_state(std::int32_t number, AccountState state) {
   Row* row = displayed_ ? get_index(number) : nullptr;
   // Another session may have the account connected.
-  if (row == nullptr || (state != connected_state && connected(number))) return;
-  if (state == invalid_state) {
+  if (row == nullptr || (state != AccountState::connected && connected(number))) return;
+  if (state == AccountState::invalid) {
     take_out(*row);
   } else {
-    row->set_text(Column::status, state);
+    show_state(*row, state);
   }
 }
 

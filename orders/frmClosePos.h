@@ -103,6 +103,8 @@ class frmClosePos final : public ClosePositionsDesk {
   // refused or is in dealing.
   OrderAnswer answer_of(const Row& row) const;
   std::string_view answer_text(const Row& row) const;
+  // What an account's row says of it.
+  static bool shows_connected(const Row& account) { return shows(account, AccountState::connected); }
   // The user names that the account of a row stands under.
   std::string user_names(const Row& row) const;
   // What became of all requests of the last close. Counts those on their way, so whoever shows it may ask
@@ -110,10 +112,10 @@ class frmClosePos final : public ClosePositionsDesk {
   OrderAnswers answers();
 
   // ClosePositionsDesk
-  void prepare(const std::vector<std::string>& headers, std::string_view state) override;
+  void prepare(const std::vector<std::string>& headers, AccountState logged_out) override;
   void add_account(std::int32_t account) override;
   void remove_account(std::int32_t account) override;
-  void account_state(std::int32_t account, std::string_view state) override;
+  void account_state(std::int32_t account, AccountState state) override;
   void refresh_symbols() override;
   void position_opened(const OpenPosition& position) override { Add(position); }
   void position_closed(std::int64_t ticket, std::int32_t account) override;
@@ -123,6 +125,10 @@ class frmClosePos final : public ClosePositionsDesk {
  private:
   // What a row is, by its texts; kept in the row so that a price need not read them.
   enum class Kind : std::uint8_t { account, buy, sell, other };
+  struct RowData {
+    Kind kind = Kind::other;
+    AccountState state = AccountState::disconnected;  // that an account's row shows
+  };
 
   // frmClosePos.cpp
   // A row of the grid as it should be now: a position that is open, or an account, which has no `open`.
@@ -134,7 +140,12 @@ class frmClosePos final : public ClosePositionsDesk {
   // Brings the rows up to date when they are the ones that there should be; false when others should be.
   bool renew();
   std::vector<Wanted> wanted() const;
-  bool connected(std::int32_t account) const;
+  bool connected(std::int32_t account) const { return accounts_list_.account_book().connected(account); }
+  static void show_state(Row& account, AccountState state);
+  static bool shows(const Row& account, AccountState state) {
+    const auto* data = account.data_if<RowData>();
+    return data != nullptr && data->kind == Kind::account && data->state == state;
+  }
   void write_position(Row& row, const Row& open);
   void write_no_price(Row& row);
   void write_price(Row& row) const;
@@ -159,7 +170,7 @@ class frmClosePos final : public ClosePositionsDesk {
   const frmTrade& trade_;
   const SymbolCollection& symbols_;
   std::vector<std::string> headers_;
-  std::string logged_out_state_;
+  AccountState logged_out_state_ = AccountState::disconnected;
   bool displayed_ = false;
   std::string symbol_name_;
   SymbolHandle symbol_ = no_symbol;  // the one the grid is of

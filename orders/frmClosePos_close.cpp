@@ -171,7 +171,7 @@ std::string_view frmClosePos::answer_text(const Row& row) const {
 std::string frmClosePos::user_names(const Row& row) const {
   const auto number = is_position(row) ? row.key().account()
                                        : static_cast<std::int32_t>(row.cell(Column::account).stored_number());
-  return tutti::user_names(accounts_list_.lvwClients, number);
+  return tutti::user_names(accounts_list_.account_book(), number);
 }
 
 OrderAnswers frmClosePos::answers() {

@@ -85,14 +85,17 @@ void frmlimitorder::distribute_available() {
   cmdsubmitlimiorder.set_enabled(true);
 }
 
-bool frmlimitorder::connected(std::int32_t number) const {
-  const CClientAPIManager* session = accounts_list_.sessions().logged_in(number);
-  const Row* listed = session == nullptr ? nullptr : session->ClientListItem();
-  return listed != nullptr && listed->reads(frmMain::state, "Connected");
+std::vector<std::int32_t> frmlimitorder::accounts() const {
+  std::vector<std::int32_t> out;
+  for (const Row& row : lvwConClients)
+    out.push_back(static_cast<std::int32_t>(row.key().number()));
+  return out;
 }
 
 void frmlimitorder::cblimitordersymbols_Click() {
-  rows_.remove_if([&](const Row& row) { return !connected(static_cast<std::int32_t>(row.key().number())); });
+  rows_.remove_if([&](const Row& row) {
+    return !account_book().connected(static_cast<std::int32_t>(row.key().number()));
+  });
   symbol_ = symbols_.find(cblimitordersymbols.text());
   offsets_stale_ = true;
   limitorderpricechange();

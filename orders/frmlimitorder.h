@@ -140,7 +140,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   double minimum_lot() const { return general_.minimum_lot; }
   double maximum_lot() const { return general_.maximum_lot; }
   std::string left_out_text() const { return rows_.left_out_text(); }
-  const RowList& clients() const { return accounts_list_.lvwClients; }
+  const AccountBook& account_book() const { return accounts_list_.account_book(); }
   // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
   OrderAnswer answer_of(const Row& row) const;
   OrderAnswers answers() const;
@@ -156,7 +156,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
     UpdateResult(client_key(account), text);
   }
   void symbols_changed() override;
-  const RowList* accounts() const override { return &lvwConClients; }
+  std::vector<std::int32_t> accounts() const override;
   void submit_available(bool available) override { cmdsubmitlimiorder.set_enabled(available); }
   void distribute_available() override;
   void prices(SymbolHandle symbol, const Symbol& record) override;
@@ -195,7 +195,6 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   EntryType type() const { return static_cast<EntryType>(cblimiordertype.index()); }
   double number(const TextBox& box) const { return general_.locale->StringToNumber(box.text()); }
   std::optional<double> typed(const TextBox& box) const;
-  bool connected(std::int32_t account) const;
   void look_up_offsets();
   std::optional<PriceConditions> conditions() const;
   void write(const PriceConditions& conditions);

@@ -199,8 +199,7 @@ void frmorder::cmdbuy_Click() {
 }
 
 void frmorder::cmdsell_Click() {
-  for (Row& row : accounts_list_.lvwClients)
-    row.set_text(frmMain::Column::notes, "");
+  accounts_list_.empty_notes();
   send(&CClientAPIManagers::SellFunction);
 }
 
@@ -213,6 +212,12 @@ void frmorder::send(void (CClientAPIManagers::*function)()) {
   requests_refused_ = 0;
   sent_ = true;
   (accounts_list_.sessions().*function)();
+}
+
+std::optional<double> frmorder::ticked_share(std::int32_t number) const {
+  const Row* row = account_row(number);
+  if (row == nullptr || !row->checked()) return std::nullopt;
+  return row->cell(Column::amount).number();
 }
 
 void frmorder::request_ended(std::int32_t, std::int32_t) {

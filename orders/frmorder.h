@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -78,7 +79,9 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   double minimum_lot() const { return general_.minimum_lot; }
   double maximum_lot() const { return general_.maximum_lot; }
   std::string left_out_text() const { return rows_.left_out_text(); }
-  const RowList& clients() const { return accounts_list_.lvwClients; }
+  const AccountBook& account_book() const { return accounts_list_.account_book(); }
+  // nullptr when the account has none.
+  const Row* account_row(std::int32_t account) const { return lvwConClients.find(client_key(account)); }
 
   // MarketOrderDesk
   void add_account(std::int32_t account) override { Add(account, "", 0.0); }
@@ -86,9 +89,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   void result(std::string_view text, std::int32_t account) override { UpdateResult(text, account); }
   void symbols_changed() override { cbsymbols.set_items(symbols_.names()); }
   std::string_view symbol() const override { return cbsymbols.text(); }
-  const Row* account_row(std::int32_t account) const override {
-    return lvwConClients.find(client_key(account));
-  }
+  std::optional<double> ticked_share(std::int32_t account) const override;
   bool wants_lot_limits() const override { return !has_lot_limits_; }
   void lot_limits(double, double) override { has_lot_limits_ = true; }
   void request_ended(std::int32_t account, std::int32_t request_code) override;

@@ -6,12 +6,6 @@
 #include "sessions/result_texts.h"
 
 namespace tutti {
-namespace {
-
-constexpr std::size_t column_notes = 4;  // of the accounts list
-
-}  // namespace
-
 template <class Step>
 void CClientAPIManager::carry_on(Step&& step) {
   try {
@@ -23,7 +17,8 @@ void CClientAPIManager::carry_on(Step&& step) {
 
 CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const LoginData& login,
                                      const Shared& shared)
-    : scope_(*client, shared.general, shared.desk, shared.symbols, login.account),
+    : scope_(*client, shared.general, shared.desk, shared.symbols, shared.accounts,
+             shared.accounts.add(login.user, login.account, login.server)),
       windows_(shared.windows),
       book_(shared.book),
       gate_(shared.gate),
@@ -31,7 +26,6 @@ CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const Lo
       market_(scope_),
       records_(scope_),
       requests_(scope_, records_, shared.book, shared.gate, *client),
-      user_(login.user),
       password_(login.password.copy()) {
   client_ = std::move(client);
   client_->set_sink(this);
@@ -50,6 +44,18 @@ void CClientAPIManager::shut_down() {
   connection_.release_totals();
   journal_unanswered();
   connection_.shut_down();
+}
+
+void CClientAPIManager::enter_list(std::string_view notes, bool connected) {
+  scope_.book.show_state(scope_.record, connected ? AccountState::connected : AccountState::disconnected,
+                         connected ? Ink::green : Ink::red);
+  write_note(notes);
+}
+
+void CClientAPIManager::query_summary() {
+  AccountSummary answer;
+  Summary(account(), answer);
+  connection_.queried(answer);
 }
 
 void CClientAPIManager::Summary(std::int32_t account, AccountSummary& out) {
@@ -103,12 +109,12 @@ const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool acce
 
 void CClientAPIManager::ConnectionState(bool connected) {
   carry_on([&] { connection_.show_state(connected); });
-  const auto tell_state = [&](std::string_view state) {
+  const auto tell_state = [&](AccountState state) {
     scope_.desk.close_positions->account_state(account(), state);
   };
   if (connected) {
     carry_on([&] { connection_.connected(); });
-    carry_on([&] { tell_state("Connected"); });
+    carry_on([&] { tell_state(AccountState::connected); });
     return;
   }
   carry_on([&] { connection_.lost(); });
@@ -117,7 +123,7 @@ void CClientAPIManager::ConnectionState(bool connected) {
   carry_on([&] {
     if (lists_account()) windows_.leave(*this);
     records_.lists_account(false);
-    tell_state("Disconnected");
+    tell_state(AccountState::disconnected);
   });
   carry_on([&] { scope_.desk.requote->session_gone(*this); });
 }
@@ -143,8 +149,7 @@ void CClientAPIManager::AllDataAreLoaded() {
     desk.close_positions->add_account(account());
     desk.entry_order->add_account(account());
     desk.close_positions->refresh_symbols();
-    // A row that reads "Connected" does not read "Invalid account".
-    if (scope_.row_connected()) {
+    if (scope_.record.connected()) {
       desk.accounts->record_connected(*this);
       general.play_sound("\\sounds\\Connect.wav");
     }
@@ -154,10 +159,9 @@ void CClientAPIManager::AllDataAreLoaded() {
 
 void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {
   const auto key = parse_int32(key_text);
-  if (!key || *key != key_ || scope_.row == nullptr) return;
-  scope_.desk.accounts->select_client(*scope_.row);
-  // Whoever hears of the selection may have removed the account.
-  if (scope_.row != nullptr) scope_.row->set_text(column_notes, "Invalid account ID");
+  if (!key || *key != key_) return;
+  scope_.desk.accounts->select_client(*this);
+  write_note(unknown_account_note);
 }
 
 std::string_view CClientAPIManager::ResultDescription(std::int32_t code) {

@@ -21,9 +21,9 @@ namespace tutti {
 // Account session: one client account's connection and the sink of all its events, which its parts handle:
 // connection, market data, records and requests.
 //
-// Made and owned by the collection, which numbers it and gives it its row. Handlers run on the GUI thread,
-// one at a time, and write what they learn into the request book and through the desk. What it sends goes
-// through the gate; the connection that it holds can only ask.
+// Made and owned by the collection, which numbers it. Handlers run on the GUI thread, one at a time, and
+// write what they learn into the books and through the desk. What it sends goes through the gate; the
+// connection that it holds can only ask.
 class CClientAPIManager final : public CLAPICLASS {
  public:
   // What all sessions share. It outlives them.
@@ -33,6 +33,7 @@ class CClientAPIManager final : public CLAPICLASS {
     const AccountWindows& windows;
     SymbolCollection& symbols;
     CLoginOptions& options;
+    AccountBook& accounts;
     RequestBook& book;
     RequestGate& gate;
   };
@@ -46,31 +47,35 @@ class CClientAPIManager final : public CLAPICLASS {
   // out, then takes the session's values out of the totals and journals what is still unanswered.
   void shut_down();
 
-  // The operator's logout; the session stays.
+  // The operator's login, of a session that is shown as disconnected and of no other: whether it begins.
+  bool log_in() { return connection_.log_in(); }
+  // The operator's logout; the session stays, its row is emptied.
   void log_out() { connection_.log_out(); }
+  // What the row shows when the session comes into the accounts list.
+  void enter_list(std::string_view notes, bool connected);
+  void write_note(std::string_view note) { scope_.book.set_note(scope_.record, note); }
 
   AccountClient& ClientAPIF() const { return *client_; }
   // Number within the collection, 1 for the first.
   std::int16_t key() const { return key_; }
   void key(std::int16_t number) { key_ = number; }
   std::int32_t account() const { return scope_.account; }
-  const std::string& user() const { return user_; }
+  const std::string& user() const { return scope_.record.user; }
   const Secret& password() const { return password_; }
   // Trimmed, upper-cased user name and account number.
-  std::string duplicate_key() const { return account_key(user_, account()); }
+  std::string duplicate_key() const { return account_key(user(), account()); }
 
   // The lists show what this session told of the account.
   bool lists_account() const { return records_.lists_account(); }
-  // The session's row of the accounts list; nullptr when it has none.
-  Row* ClientListItem() const { return scope_.row; }
-  void ClientListItem(Row* row) { scope_.row = row; }
+  // What the session's row of the accounts list shows.
+  const AccountEntry& ClientListItem() const { return scope_.record; }
 
   // Asks the server for an account's seven values. When it does not answer with success, six of them become
   // 0, `out.floating_pl` keeps what the caller had in it, and the global floating total becomes 0.
   void Summary(std::int32_t account, AccountSummary& out);
+  // Shows what the server answers now in the session's row, which says "connected" then.
+  void query_summary();
   std::string SummaryDesc(double balance, double equity, double effective_margin) const;
-  // What the session last added to the totals, in the terminal's signs; zeros while disconnected.
-  const Totals& summary() const { return connection_.summary(); }
 
   // Identifier of a symbol for this account's order calls; 0 when the account does not carry it.
   std::int32_t GetIDByName(std::string_view symbol) const { return symbol_id(scope_.symbols.find(symbol)); }
@@ -83,7 +88,9 @@ class CClientAPIManager final : public CLAPICLASS {
   static std::string_view ResultDescription(std::int32_t code);
   static std::string_view BuySellDesc(std::int32_t operation);
 
-  // Selects the row "C" & text of the accounts list and marks it as an account the server does not know.
+  // Marks an account that the server does not know.
+  static constexpr std::string_view unknown_account_note = "Invalid account ID";
+  // Selects the row "C" & text of the accounts list and writes that note into it.
   void DisInvalidAcc(std::string_view key_text);
 
   // As the library has them; nullptr when it has none with this number. Valid until its next event.
@@ -174,7 +181,7 @@ class CClientAPIManager final : public CLAPICLASS {
 
  private:
   void CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
-    connection_.summaries_changed(reported);
+    if (connection_.summaries_changed(reported)) query_summary();
   }
   // An answer that meant no open request: what the account has is read again.
   void meant(bool a_request) {
@@ -194,7 +201,6 @@ class CClientAPIManager final : public CLAPICLASS {
   SessionRecords records_;
   SessionRequests requests_;
   std::int16_t key_ = 0;
-  std::string user_;
   Secret password_;
 };
 

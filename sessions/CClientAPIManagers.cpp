@@ -9,12 +9,13 @@ namespace tutti {
 
 CClientAPIManagers::CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk,
                                        SymbolCollection& symbols, CLoginOptions& options,
-                                       std::size_t capacity)
+                                       AccountBook& accounts, std::size_t capacity)
     : make_client_(std::move(make_client)),
       general_(general),
       desk_(desk),
       symbols_(symbols),
       options_(options),
+      accounts_(accounts),
       capacity_(capacity) {}
 
 CClientAPIManagers::~CClientAPIManagers() = default;
@@ -26,7 +27,7 @@ CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_v
   }
   sessions_.push_back(std::make_unique<CClientAPIManager>(
       make_client_(), login,
-      CClientAPIManager::Shared{general_, desk_, windows_, symbols_, options_, requests_, gate_}));
+      CClientAPIManager::Shared{general_, desk_, windows_, symbols_, options_, accounts_, requests_, gate_}));
   CClientAPIManager& session = *sessions_.back();
   session.key(static_cast<std::int16_t>(sessions_.size()));
   by_account_.emplace(session.account(), &session);
@@ -59,8 +60,8 @@ SummaryAnswer CClientAPIManagers::summary_of(std::int32_t account) const {
 }
 
 void CClientAPIManagers::AddToListView2(CClientAPIManager& session, std::string_view notes, bool connected) {
-  Row* row = desk_.accounts->add_client(session, connected, notes);
-  session.ClientListItem(row);
+  session.enter_list(notes, connected);
+  desk_.accounts->add_client(session);
 }
 
 void CClientAPIManagers::Remove(std::string_view key) {
@@ -76,10 +77,8 @@ void CClientAPIManagers::RClear(int number) {
   if (session == nullptr) return;
   session->shut_down();
   desk_.requote->session_gone(*session);
-  if (Row* row = session->ClientListItem()) {
-    session->ClientListItem(nullptr);
-    desk_.accounts->remove_client(*row);
-  }
+  desk_.accounts->remove_client(*session);
+  accounts_.remove(session->ClientListItem().handle);
   if (current_ == session) current_ = nullptr;
   // A handler that removes its own account goes on in the session that it belongs to.
   retired_.push_back(std::move(sessions_[static_cast<std::size_t>(number) - 1]));
@@ -99,7 +98,7 @@ void CClientAPIManagers::ReArrangeList(int removed) {
   for (int number = removed; number <= Count(); ++number) {
     CClientAPIManager& session = *Item(number);
     session.key(static_cast<std::int16_t>(number));
-    if (Row* row = session.ClientListItem()) desk_.accounts->renumber_client(*row, number);
+    desk_.accounts->renumber_client(session);
   }
 }
 
@@ -128,12 +127,9 @@ double CClientAPIManagers::Stop_Offset(std::string_view symbol) const {
 
 double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf distance_of) const {
   double answer = -1.0;
-  const RowList* rows = desk_.entry_order->accounts();
-  if (rows == nullptr) return answer;
   const std::string supplied = desk_.accounts->visibility_symbol();
   const std::string_view asked = supplied.empty() ? symbol : std::string_view{supplied};
-  for (const Row& row : *rows) {
-    const auto account = static_cast<std::int32_t>(row.key().number());
+  for (const std::int32_t account : desk_.entry_order->accounts()) {
     for (const auto& session : sessions_) {
       const AccountClient& client = session->ClientAPIF();
       if (session->account() != account || !client.LoggedIn() || !Check_Visibility(asked, account)) continue;
@@ -153,10 +149,9 @@ void CClientAPIManagers::fan_out(std::int32_t side) {
   for (const auto& session : sessions_) {
     if (!session->ClientAPIF().LoggedIn()) continue;
     const std::int32_t account = session->account();
-    const Row* row = desk_.market_order->account_row(account);
-    if (row == nullptr || !row->checked()) continue;
-    const double amount = row->cell(1).number();
-    const SentOrder& sent = session->market_order(side, symbol, amount);
+    const std::optional<double> share = desk_.market_order->ticked_share(account);
+    if (!share) continue;
+    const SentOrder& sent = session->market_order(side, symbol, *share);
     fan_out_.push_back(&sent);
     Result(sent.request_code, account, client_key(session->key()));
     general_.play_sound_file(sound);
@@ -206,8 +201,8 @@ void CClientAPIManagers::Result(std::int32_t code, std::int32_t account, RowKey 
   // A request that was taken has nothing to report, whatever the account's row says.
   if (code == request::taken) return;
   const CClientAPIManager* session = Item(row_key.number());
-  const Row* row = session == nullptr ? nullptr : session->ClientListItem();
-  if (row != nullptr && row->reads(4, "Invalid account ID")) return;
+  if (session != nullptr && session->ClientListItem().shown.note == CClientAPIManager::unknown_account_note)
+    return;
   // Codes without a text of their own are "other"; nothing is written for them.
   const std::string_view text = request::text(code);
   if (!text.empty()) {

@@ -23,7 +23,7 @@ class CClientAPIManagers {
   static constexpr std::size_t max_accounts = 500;
 
   CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, SymbolCollection& symbols,
-                     CLoginOptions& options, std::size_t capacity = max_accounts);
+                     CLoginOptions& options, AccountBook& accounts, std::size_t capacity = max_accounts);
   ~CClientAPIManagers();
 
   // New session and its row; logged in at once when asked. nullptr, after a message, when the collection is
@@ -51,7 +51,7 @@ class CClientAPIManagers {
 
   const AccountWindows& windows() const { return windows_; }
 
-  // Gives a session its row in the accounts list.
+  // Shows a session in the accounts list.
   void AddToListView2(CClientAPIManager& session, std::string_view notes, bool connected);
   void Remove(std::string_view key);
   // Removes the session at a number, from 1, without renumbering those behind.
@@ -96,6 +96,7 @@ class CClientAPIManagers {
   Desk& desk_;
   SymbolCollection& symbols_;
   CLoginOptions& options_;
+  AccountBook& accounts_;
   AccountWindows windows_{desk_, *this};
   RequestBook requests_;
   RequestGate gate_{requests_, general_.clock};

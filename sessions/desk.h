@@ -1,15 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <tsl/robin_set.h>
 
+#include "books/account_book.h"
 #include "books/sent_order.h"
 #include "books/symbol_collection.h"
-#include "core/row_list.h"
 #include "core/totals.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/order_report.h"
@@ -27,24 +28,19 @@ class CClientAPIManager;
 // Numbers of positions or orders of one account.
 using Numbers = tsl::robin_set<std::int64_t>;
 
-// The accounts list. Rows are keyed by session number.
+// The accounts list. Each of its rows shows the record of a session, keyed by the session's number.
 class AccountsDesk {
  public:
   virtual ~AccountsDesk() = default;
-  // Row of a new session; nullptr where there is no list.
-  virtual Row* add_client(const CClientAPIManager&, bool /*connected*/, std::string_view /*notes*/) {
-    return nullptr;
-  }
-  virtual void remove_client(Row&) {}
-  // The row's session has a new number.
-  virtual void renumber_client(Row&, std::int32_t /*number*/) {}
-  // Asks for the summary of the row's account and writes it into the row.
-  virtual void refresh_summary(Row&) {}
-  // Makes the row the list's current one and lets the list react to that.
-  virtual void select_client(Row&) {}
-  // True when a row has this duplicate key; the row the operator has selected, nullptr when none.
+  virtual void add_client(const CClientAPIManager&) {}
+  virtual void remove_client(const CClientAPIManager&) {}
+  // The session has a new number.
+  virtual void renumber_client(const CClientAPIManager&) {}
+  // Makes the session's row the list's current one and lets the list react to that.
+  virtual void select_client(const CClientAPIManager&) {}
+  // True when a row has this duplicate key (the operator has selected a row).
   virtual bool has_account(std::string_view /*account_key*/) const { return false; }
-  virtual Row* selected_client() const { return nullptr; }
+  virtual bool has_selection() const { return false; }
   // The account's data are complete: its line of the full list is updated, the connected list gets it.
   virtual void record_connected(const CClientAPIManager&) {}
   // Puts an account into the saved lists in the place of the one with this duplicate key.
@@ -66,9 +62,9 @@ class OrderRowsDesk {
 
 class MarketOrderDesk : public OrderRowsDesk {
  public:
-  // Chosen symbol, and an account's row with its tick and share; nullptr when the account has none.
+  // Chosen symbol, and the share of an account that is ticked, in lots.
   virtual std::string_view symbol() const { return {}; }
-  virtual const Row* account_row(std::int32_t /*account*/) const { return nullptr; }
+  virtual std::optional<double> ticked_share(std::int32_t /*account*/) const { return std::nullopt; }
   // True while the window still wants the smallest and largest lot of an account.
   virtual bool wants_lot_limits() const { return false; }
   virtual void lot_limits(double /*minimum*/, double /*maximum*/) {}
@@ -80,8 +76,8 @@ class MarketOrderDesk : public OrderRowsDesk {
 
 class EntryOrderDesk : public OrderRowsDesk {
  public:
-  // Accounts of the window, for the widest entry-order distance; nullptr where there is no window.
-  virtual const RowList* accounts() const { return nullptr; }
+  // Accounts of the window, for the widest entry-order distance.
+  virtual std::vector<std::int32_t> accounts() const { return {}; }
   virtual void submit_available(bool /*available*/) {}
   virtual void distribute_available() {}
   virtual void prices(SymbolHandle, const Symbol&) {}
@@ -94,13 +90,13 @@ class ClosePositionsDesk {
  public:
   virtual ~ClosePositionsDesk() = default;
   // Headers of the grid, and the state an account shows while it is not logged in.
-  virtual void prepare(const std::vector<std::string>& /*headers*/, std::string_view /*state*/) {}
+  virtual void prepare(const std::vector<std::string>& /*headers*/, AccountState) {}
   virtual void add_account(std::int32_t /*account*/) {}
   // Takes out the account's positions that the open positions view has no more, and shows what the account is
   // when no session of it is connected.
   virtual void remove_account(std::int32_t /*account*/) {}
-  // What the accounts list shows as the account's state now.
-  virtual void account_state(std::int32_t /*account*/, std::string_view /*state*/) {}
+  // What a session of the account is now.
+  virtual void account_state(std::int32_t /*account*/, AccountState) {}
   virtual void refresh_symbols() {}
   virtual void position_opened(const OpenPosition&) {}
   virtual void position_closed(std::int64_t /*ticket*/, std::int32_t /*account*/) {}

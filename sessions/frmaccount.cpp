@@ -97,7 +97,7 @@ void frmaccount::cmdLoginAA_Click() {
   const std::string key = account_key(txtusername.text(), *account);
   CClientAPIManager* edited = nullptr;
   if (editing_) {
-    if (desk_.accounts->selected_client() == nullptr) return;
+    if (!desk_.accounts->has_selection()) return;
     // By its key: events may have selected another row since the dialog was opened.
     for (const auto& session : sessions_.Children())
       if (session->duplicate_key() == edited_key_) edited = session.get();

@@ -8,12 +8,6 @@
 namespace tutti {
 namespace {
 
-// Columns of the accounts list that sessions write.
-constexpr std::size_t column_state = 2;
-constexpr std::size_t column_notes = 4;
-constexpr std::size_t column_first_value = 5;
-constexpr std::size_t column_last_value = 11;
-
 // Values beyond this are no account of anyone, and would wipe out the other accounts' share of the totals.
 constexpr double largest_value = 1e15;
 
@@ -24,17 +18,35 @@ bool usable(const AccountSummary& s) {
          largest_value;
 }
 
+Totals as_shown(const AccountSummary& s) {
+  return {s.balance,    s.floating_pl, s.credit, s.equity, s.used_margin * -1.0, s.margin_level * 100.0,
+          s.free_margin};
+}
+
 }  // namespace
 
 void SessionConnection::release_totals() {
-  scope_.general.totals.replace(summary_, {});
+  scope_.general.totals.replace(scope_.record.values, {});
   scope_.desk.status->totals_changed(TotalsForm::disconnected);
-  summary_ = {};
+  scope_.book.set_values(scope_.record, {});
+}
+
+bool SessionConnection::log_in() {
+  const bool begins = scope_.record.shown.state == AccountState::disconnected;
+  if (begins) {
+    scope_.client.Login();
+    scope_.book.show_state(scope_.record, AccountState::connecting, Ink::red);
+  }
+  scope_.book.recolour(scope_.record);
+  return begins;
 }
 
 void SessionConnection::log_out() {
   report_.logged_out();
   scope_.client.Logout();
+  scope_.book.recolour(scope_.record);
+  scope_.book.set_note(scope_.record, "");
+  scope_.book.clear_values(scope_.record);
 }
 
 void SessionConnection::shut_down() {
@@ -44,18 +56,23 @@ void SessionConnection::shut_down() {
 }
 
 void SessionConnection::show_state(bool connected) {
-  if (scope_.row == nullptr) return;
   if (connected) {
-    scope_.row->set_text(column_state, "Connected", Ink::white);
+    scope_.book.show_state(scope_.record, AccountState::connected, Ink::white);
   } else {
-    scope_.row->set_text(column_state, "Disconnected", Ink::red);
-    scope_.row->clear_cells(column_first_value, column_last_value);
+    scope_.book.show_state(scope_.record, AccountState::disconnected, Ink::red);
+    scope_.book.clear_values(scope_.record);
   }
 }
 
 void SessionConnection::connected() {
   scope_.forget_refusals();
-  report_.connected(scope_.row);
+  scope_.book.set_state(scope_.record, AccountState::connected);
+  report_.connected();
+}
+
+void SessionConnection::lost() {
+  report_.connection_lost();
+  scope_.book.set_state(scope_.record, AccountState::disconnected);
 }
 
 void SessionConnection::waiting_mode(std::int32_t mode) {
@@ -65,8 +82,9 @@ void SessionConnection::waiting_mode(std::int32_t mode) {
   switch (mode) {
     case waiting_mode::connecting:
       report_.login_begins();
-      if (scope_.row != nullptr) scope_.row->set_text(column_state, "Connecting", Ink::red);
-      desk.close_positions->account_state(scope_.account, "Connecting");
+      scope_.book.set_state(scope_.record, AccountState::connecting);
+      scope_.book.show_state(scope_.record, AccountState::connecting, Ink::red);
+      desk.close_positions->account_state(scope_.account, AccountState::connecting);
       desk.entry_order->submit_available(false);
       break;
     case waiting_mode::waiting:
@@ -88,38 +106,44 @@ void SessionConnection::waiting_mode(std::int32_t mode) {
 void SessionConnection::session_disconnected() {
   scope_.general.message_box("account " + std::to_string(scope_.account) + " Session disconnected",
                              "Session Disconnected");
-  if (scope_.row != nullptr)
-    scope_.row->set_ink(column_state, scope_.row_connected() ? Ink::green : Ink::red);
+  scope_.book.recolour(scope_.record);
   // The totals keep what this account added until they are rebuilt; only its own values go.
-  summary_ = {};
-  report_.session_ended(scope_.row);
+  scope_.book.set_values(scope_.record, {});
+  scope_.book.set_state(scope_.record, AccountState::disconnected);
+  report_.session_ended();
   scope_.general.play_sound("\\sounds\\Disconnect.wav");
 }
 
 void SessionConnection::invalid_login() {
-  report_.login_refused(scope_.row);
-  if (scope_.row == nullptr) return;
-  scope_.row->set_text(column_state, "Invalid account", Ink::red);
-  scope_.desk.close_positions->account_state(scope_.account, "Invalid account");
+  report_.login_refused();
+  show_invalid();
 }
 
 void SessionConnection::invalid_account() {
-  if (scope_.row != nullptr) {
-    scope_.row->set_text(column_notes, "Invalid account");
-    scope_.row->set_text(column_state, "Invalid account", Ink::red);
-  }
-  scope_.desk.close_positions->account_state(scope_.account, "Invalid account");
+  scope_.book.set_note(scope_.record, "Invalid account");
+  show_invalid();
 }
 
-void SessionConnection::summaries_changed(const AccountSummary& reported) {
-  if (!usable(reported)) return scope_.refuse("The account's summary");
-  const Totals now{reported.balance,    reported.floating_pl,        reported.credit,
-                   reported.equity,     reported.used_margin * -1.0, reported.margin_level * 100.0,
-                   reported.free_margin};
-  scope_.general.totals.replace(summary_, now);
-  summary_ = now;
+void SessionConnection::show_invalid() {
+  scope_.book.set_state(scope_.record, AccountState::invalid);
+  scope_.book.show_state(scope_.record, AccountState::invalid, Ink::red);
+  scope_.desk.close_positions->account_state(scope_.account, AccountState::invalid);
+}
+
+bool SessionConnection::summaries_changed(const AccountSummary& reported) {
+  if (!usable(reported)) {
+    scope_.refuse("The account's summary");
+    return false;
+  }
+  const Totals now = as_shown(reported);
+  scope_.general.totals.replace(scope_.record.values, now);
+  scope_.book.set_values(scope_.record, now);
   scope_.desk.status->totals_changed(TotalsForm::summaries_changed);
-  if (scope_.row != nullptr) scope_.desk.accounts->refresh_summary(*scope_.row);
+  return true;
+}
+
+void SessionConnection::queried(const AccountSummary& answer) {
+  scope_.book.show_values(scope_.record, as_shown(answer));
 }
 
 void SessionConnection::server_time(TimePoint time) {

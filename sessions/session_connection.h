@@ -11,40 +11,43 @@
 
 namespace tutti {
 
-// The connection of an account session as its row, the status bar and the totals show it, and the summary
-// that came over it.
+// The connection of an account session: what it tells goes into the account's record, into the status bar and
+// into the totals.
 class SessionConnection {
  public:
   SessionConnection(SessionScope& scope, CLoginOptions& options) : scope_(scope), options_(options) {}
 
-  // What the session last added to the totals, in the terminal's signs; zeros while disconnected.
-  const Totals& summary() const { return summary_; }
   // Takes the session's values out of the global totals and shows the totals line.
   void release_totals();
-  // The operator logs out: that the connection ends is no news.
+  // The operator logs in, which answers whether a login begins, or out: that the connection ends is no news.
+  bool log_in();
   void log_out();
   // The session ends for good: nobody else says any more that its wait is over.
   void shut_down();
 
-  // Steps of the account's events, each as far as it shows. A connection that comes and goes is shown in the
-  // row first, whatever becomes of the other steps.
+  // Steps of the account's events, each as far as it shows. A connection that comes and goes is shown first,
+  // whatever becomes of the other steps.
   void show_state(bool connected);
   void connected();
-  void lost() { report_.connection_lost(scope_.row); }
+  void lost();
   void waiting_mode(std::int32_t mode);
   void session_disconnected();
   void invalid_login();
   // The account number is none of the user's.
   void invalid_account();
-  void summaries_changed(const AccountSummary& reported);
+  // False for values that are none: they are refused.
+  bool summaries_changed(const AccountSummary& reported);
+  // The answer to a query: what the account's row shows.
+  void queried(const AccountSummary& answer);
   void server_time(TimePoint time);
   void server_routed(std::string_view address, std::string_view port);
 
  private:
+  void show_invalid();
+
   SessionScope& scope_;
   CLoginOptions& options_;
-  ConnectionReport report_{scope_.general, scope_.account};
-  Totals summary_;
+  ConnectionReport report_{scope_.general, scope_.book, scope_.record};
   bool waiting_ = false;  // for the server, as it says
 };
 

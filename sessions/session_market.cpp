@@ -54,7 +54,7 @@ void SessionMarket::prices_changed(const Symbol& symbol) {
   // The last good price stays.
   if (!has_good_prices(symbol)) return scope_.refuse("A price of " + symbol.name);
   scope_.symbols.set_prices(handle, symbol);
-  if (!scope_.row_connected()) return;
+  if (!scope_.record.connected()) return;
   scope_.desk.market_watch->prices(handle, symbol);
   scope_.desk.entry_order->prices(handle, symbol);
   scope_.desk.close_positions->prices(handle, symbol);
@@ -66,7 +66,7 @@ void SessionMarket::high_low_changed(const Symbol& symbol) {
   if (!std::isfinite(symbol.high) || !std::isfinite(symbol.low))
     return scope_.refuse("A day's range of " + symbol.name);
   scope_.symbols.set_high_low(handle, symbol);
-  if (!scope_.row_connected()) return;
+  if (!scope_.record.connected()) return;
   scope_.desk.market_watch->prices(handle, symbol);
   if (!has_good_prices(symbol)) return;
   scope_.desk.entry_order->prices(handle, symbol);

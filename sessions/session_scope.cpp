@@ -2,10 +2,6 @@
 
 namespace tutti {
 
-bool SessionScope::row_connected() const {
-  return row != nullptr && row->reads(2, "Connected");
-}
-
 void SessionScope::log_order(std::int64_t order, std::string_view text) const {
   log(text);
   desk.pending->order_text(order, account, text);

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "books/account_book.h"
 #include "books/symbol_collection.h"
 #include "core/MGeneral.h"
 #include "sessions/contract/account_client.h"
@@ -12,23 +13,27 @@
 
 namespace tutti {
 
-// What the parts of one account session share: the account, its connection, which can't send, its row, and
+// What the parts of one account session share: the account, its connection, which can't send, its record, and
 // where its news go.
 class SessionScope {
  public:
   SessionScope(AccountClient& connection, MGeneral& all, Desk& windows, SymbolCollection& names,
-               std::int32_t number)
-      : client(connection), general(all), desk(windows), symbols(names), account(number) {}
+               AccountBook& accounts, AccountEntry& own)
+      : client(connection),
+        general(all),
+        desk(windows),
+        symbols(names),
+        book(accounts),
+        record(own),
+        account(own.account) {}
 
   AccountClient& client;
   MGeneral& general;
   Desk& desk;
   SymbolCollection& symbols;
+  AccountBook& book;
+  AccountEntry& record;
   const std::int32_t account;
-  Row* row = nullptr;  // of the accounts list; nullptr where there is none
-
-  // What the row says.
-  bool row_connected() const;
 
   void log(std::string_view text) const { general.log(text, account); }
   // The same text to the journal and to the pending orders view.

@@ -58,8 +58,8 @@ tl::expected<void, FileError> Main::show_main_window() {
   window_ = std::make_unique<frmMdiNew>(general_);
   desk_.status = window_.get();
   journal_->on_incomplete = [this](std::string_view text) { window_->warn(text); };
-  accounts_ = std::make_unique<frmMain>(general_, desk_, symbols_, ports_.file_dialog, server_.make_client,
-                                        server_.endpoint);
+  accounts_ = std::make_unique<frmMain>(general_, desk_, symbols_, account_book_, ports_.file_dialog,
+                                        server_.make_client, server_.endpoint);
   desk_.accounts = accounts_.get();
   market_order_ = std::make_unique<frmorder>(general_, *accounts_, symbols_);
   desk_.market_order = market_order_.get();
@@ -121,7 +121,7 @@ void Main::poll_timers(bool events_wait) {
 }
 
 void Main::prepare_result_lists() {
-  desk_.close_positions->prepare({"Account", "Status", "Amount", "Action"}, "Disconnected");
+  desk_.close_positions->prepare({"Account", "Status", "Amount", "Action"}, AccountState::disconnected);
 }
 
 tl::expected<void, FileError> Main::load_saved_accounts() {

@@ -6,6 +6,7 @@
 #include <tl/expected.hpp>
 
 #include "accounts/frmMain.h"
+#include "books/account_book.h"
 #include "books/symbol_collection.h"
 #include "core/CLocalSettings.h"
 #include "core/CQuestionBox.h"
@@ -93,6 +94,7 @@ class Main {
   frmJournal& journal_window() { return *journal_window_; }
   CJournal& journal() { return *journal_; }
   SymbolCollection& symbols() { return symbols_; }
+  const AccountBook& account_book() const { return account_book_; }
   Culf& colours() { return *colours_; }
   CHTMLHELP& help() { return *help_; }
   COpenPos& open_positions() { return *open_positions_; }
@@ -116,6 +118,7 @@ class Main {
   MessageQueue messages_;
   MGeneral general_;
   SymbolCollection symbols_;
+  AccountBook account_book_;
   Desk desk_;
 
   std::unique_ptr<Culf> colours_;

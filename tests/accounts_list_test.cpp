@@ -45,10 +45,10 @@ TEST(AccountsList, SaysWhoIsNotConnectedAndWhy) {
                    fault(FaultKind::refuse_login, {500'102}, FaultPoint::login)};
   TestTerminal terminal{config};
   terminal.start_logged_in();
-  const RowList& list = terminal.main->accounts().lvwClients;
+  const AccountBook& book = terminal.main->account_book();
   const Texts reasons{"", "No connection to the server", "Invalid username or password", "Connection lost",
                       ""};
-  terminal.client(500'103).set_text(frmMain::notes, "mine");
+  terminal.note(500'103, "mine");
   ASSERT_TRUE(terminal.server.drop(500'103));
   terminal.main->accounts().LogoutClient(terminal.client(500'104).key());
   terminal.run(1s);
@@ -59,7 +59,7 @@ TEST(AccountsList, SaysWhoIsNotConnectedAndWhy) {
     if (!reason.empty()) lines.push_back(std::to_string(500'100 + i) + " Not connected: " + reason);
   }
   EXPECT_EQ(sorted(terminal.journal()), lines);
-  EXPECT_EQ(not_connected_text(list), "4 accounts are not connected; what they hold is not in this view");
+  EXPECT_EQ(not_connected_text(book), "4 accounts are not connected; what they hold is not in this view");
   for (const std::int32_t account : {500'103, 500'104})
     terminal.main->accounts().LoginClient(terminal.client(account).key());
   terminal.run(1s);
@@ -67,10 +67,10 @@ TEST(AccountsList, SaysWhoIsNotConnectedAndWhy) {
   // One account stands there twice.
   ASSERT_TRUE(terminal.main->accounts().account_dialog().accept_quietly("Other", "x", "500103") ==
               frmaccount::Added::yes);
-  EXPECT_EQ(not_connected_text(list), "2 accounts are not connected; what they hold is not in this view");
-  EXPECT_EQ(user_names(list, 500'103), terminal.client(500'103).text(frmMain::user_name) + ", OTHER");
+  EXPECT_EQ(not_connected_text(book), "2 accounts are not connected; what they hold is not in this view");
+  EXPECT_EQ(user_names(book, 500'103), terminal.client(500'103).text(frmMain::user_name) + ", OTHER");
   terminal.main->accounts().sessions().Remove(terminal.client(500'101).key().text());
-  EXPECT_EQ(not_connected_text(list), "1 account is not connected; what it holds is not in this view");
+  EXPECT_EQ(not_connected_text(book), "1 account is not connected; what it holds is not in this view");
 }
 
 TEST(AccountsList, FirstLoginAndNotes) {
@@ -99,17 +99,25 @@ TEST(AccountsList, OnlyDisconnectedRowsLogInAndSummariesAreFormatted) {
   ScriptedClient& client = terminal.client(1);
   frmMain& list = terminal.main->accounts();
   Row& row = list.lvwClients.row(0);
-  for (const char* state : {"Connecting", "Connected", "Invalid account", "Disconnected"}) {
-    row.set_text(2, state);
+  const std::pair<AccountState, std::function<void()>> events[] = {
+      {AccountState::connecting, [&] { client.sink->WaitingMode(waiting_mode::connecting); }},
+      {AccountState::connected, [&] { client.sink->ConnectionState(true); }},
+      {AccountState::invalid, [&] { client.sink->InvalidUsernamePassword(); }},
+      {AccountState::disconnected, [&] { client.sink->ConnectionState(false); }}};
+  for (const auto& [state, event] : events) {
+    event();
+    EXPECT_EQ(row.text(frmMain::state), state_text(state));
     list.LoginClient(client_key(1));
     list.LoginClient(client_key(2));
-    EXPECT_EQ(client.logins, row.text(2) == "Connecting" && state != std::string{"Connecting"} ? 2 : 1);
+    EXPECT_EQ(client.logins, state == AccountState::disconnected ? 2 : 1);
   }
   EXPECT_EQ(rows(terminal), Texts{"C1 01 USER 1 Connecting red"});
 
   client.summary.values = {1234567.891, -0.001, 0.125, -20.5, -12.345, 0.153, 1e15};
   list.refreshsummery_Click(row);
-  EXPECT_EQ(row_text(row), "01|USER|Connected|1||1234567.89|0|0.12|-20.5|12.34|15.3%|1000000000000000");
+  EXPECT_EQ(row_text(row),
+            "01|USER|Connected|1|Invalid username or "
+            "password|1234567.89|0|0.12|-20.5|12.34|15.3%|1000000000000000");
   EXPECT_EQ(rows(terminal), Texts{"C1 01 USER 1 Connected green"});
 }
 
@@ -120,7 +128,7 @@ TEST(AccountsList, SummariesAreRefreshedWhereSelectedAndConnected) {
     terminal.client(account).summary.values.balance = account;
   for (const std::size_t at : {0u, 1u})
     list.lvwClients.row(at).set_selected(true);
-  list.lvwClients.row(1).set_text(frmMain::state, "Connecting");
+  terminal.client(2).sink->WaitingMode(waiting_mode::connecting);
   list.refresh_summaries();
   const auto balance = [&](std::size_t at) { return list.lvwClients.row(at).text(frmMain::balance); };
   EXPECT_EQ((Texts{balance(0), balance(1), balance(2)}), (Texts{"1", "", ""}));
@@ -131,7 +139,7 @@ TEST(AccountsList, LogoutEmptiesTheRowAndLoginComesBack) {
   terminal.start_logged_in();
   frmMain& list = terminal.main->accounts();
   Row& row = terminal.client(500'101);
-  row.set_text(4, "vip");
+  terminal.note(500'101, "vip");
   list.lvwClients.select(row);
   terminal.sound.take();
   list.MnuDisconnecte_Click();
@@ -162,7 +170,7 @@ TEST(AccountsList, RemovalRenumbersKeepsTheOthersAndIsForGood) {
     ASSERT_TRUE(terminal.start());
     terminal.run(2s);
     frmMain& list = terminal.main->accounts();
-    terminal.client(500'104).set_text(4, "vip");
+    terminal.note(500'104, "vip");
     for (const std::size_t at : {0u, 2u})
       list.lvwClients.row(at).set_selected(true);
     list.mnuRemove_Click();

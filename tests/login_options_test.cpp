@@ -196,11 +196,11 @@ TEST_F(AccountDialog, AnEditReplacesTheSelectedAccount) {
   rig.add(124);
   dialog.open_edit(old, true, false);
   EXPECT_EQ(dialog.txtaccount.text() + dialog.txtusername.text(), "123BOB");
-  rig.windows.accounts.chosen = nullptr;
+  rig.windows.accounts.one_chosen = false;
   dialog.cmdLoginAA.click();
   EXPECT_TRUE(dialog.Displayed() && rig.prompt.shown.empty()) << "no row selected";
   EXPECT_EQ(rig.sessions.Count(), 2);
-  rig.windows.accounts.chosen = old.ClientListItem();
+  rig.windows.accounts.one_chosen = true;
   dialog.txtpassword.set_text("new");  // the same key is no duplicate of itself
   rig.take();
   dialog.cmdLoginAA.click();

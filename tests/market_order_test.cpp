@@ -152,11 +152,11 @@ TEST(MarketOrder, AllAccountsBoxAndItsLabel) {
 TEST(MarketOrder, EachDistributionIsSentOnce) {
   MarketTerminal desk;
   frmorder& form = desk.main->market_order();
-  RowList& accounts = desk.main->accounts().lvwClients;
+  const RowList& accounts = desk.main->accounts().lvwClients;
   desk.tick_all();
   desk.distribute("1", 0);
-  for (Row& row : accounts)
-    row.set_text(4, "note");
+  for (const std::int32_t account : {1, 2, 3})
+    desk.note(account, "note");
   form.cmdbuy.click();
   form.cmdbuy.click();
   form.cmdsell.click();

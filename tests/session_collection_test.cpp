@@ -20,20 +20,20 @@ TEST(SessionCollection, The501stAccountIsRefused) {
   CClientAPIManager* added = rig.sessions.Add({"BOB", "", 501, {"h", 7}}, "note", true);
   ASSERT_NE(added, nullptr);
   EXPECT_EQ(added->key(), 500);
-  EXPECT_EQ(added->ClientListItem()->text(4), "note");
+  EXPECT_EQ(added->ClientListItem().shown.note, "note");
   EXPECT_EQ(rig.client(*added).logins, 1);
   EXPECT_EQ(rig.client(*added).login_data.server, (Endpoint{"h", 7}));
   rig.sessions.Clear();
   EXPECT_EQ(rig.sessions.Count(), 0);
   EXPECT_EQ(rig.sessions.current(), nullptr);
-  EXPECT_TRUE(rig.windows.accounts.list.empty());
+  EXPECT_TRUE(rig.accounts.listed().empty());
 }
 
-TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
+TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRecords) {
   SessionRig rig;
   for (int i = 0; i < 4; ++i) {
     CClientAPIManager& session = rig.add(81 + i);
-    session.ClientListItem()->set_text(4, "note " + std::to_string(81 + i));
+    session.write_note("note " + std::to_string(81 + i));
     rig.during([&] { session.SummariesChanged({.balance = 1.0 + i}); });
   }
   const Heard heard = rig.during([&] { rig.sessions.Remove("C2"); });
@@ -41,13 +41,13 @@ TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
     EXPECT_EQ(std::count(heard.begin(), heard.end(), std::string{window} + " removes 82"), 1) << window;
   EXPECT_EQ(rig.general.totals.balance, 8.0);
   EXPECT_EQ(rig.sessions.by_account(82), nullptr);
-  ASSERT_EQ(rig.windows.accounts.list.size(), 3u);
+  ASSERT_EQ(rig.accounts.listed().size(), 3u);
   for (const auto& [number, account] : {std::pair{1, 81}, {2, 83}, {3, 84}}) {
     const CClientAPIManager* session = rig.sessions.Item("C" + std::to_string(number));
     ASSERT_NE(session, nullptr);
     EXPECT_EQ(session->account(), account);
-    EXPECT_EQ(rig.windows.accounts.list.find(client_key(number)), session->ClientListItem());
-    EXPECT_EQ(session->ClientListItem()->text(4), "note " + std::to_string(account));
+    EXPECT_EQ(rig.accounts.listed().at(static_cast<std::size_t>(number) - 1), &session->ClientListItem());
+    EXPECT_EQ(session->ClientListItem().shown.note, "note " + std::to_string(account));
   }
   for (const char* missing : {"C0", "C4", "S1", "C", "", "C65537", "C4294967297"})
     EXPECT_EQ(rig.sessions.Item(missing), nullptr) << missing;
@@ -56,7 +56,6 @@ TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRows) {
   rig.sessions.Remove("C3");
   rig.sessions.Remove("C1");
   EXPECT_EQ(rig.sessions.Item("C1")->account(), 83);
-  EXPECT_EQ(rig.sessions.Item("C1")->ClientListItem(), &rig.windows.accounts.list.row(0));
 }
 
 TEST(SessionCollection, VisibilityAndDistancesAreThoseOfLoggedInAccounts) {
@@ -76,8 +75,7 @@ TEST(SessionCollection, VisibilityAndDistancesAreThoseOfLoggedInAccounts) {
 
   const auto limit = [&] { return rig.sessions.Limit_Offset("EURUSD"); };
   EXPECT_EQ(limit(), -1.0) << "no row";
-  for (const std::int32_t account : {81, 82})
-    rig.windows.entry_order.list.add(client_key(account));
+  rig.windows.entry_order.listed = {81, 82};
   first.limit_distance = 50.0;
   second.limit_distance = 20.0;
   first.stop_distance = 3.0;
@@ -95,7 +93,7 @@ TEST(SessionCollection, VisibilityAndDistancesAreThoseOfLoggedInAccounts) {
 
 TEST(SessionCollection, RequestCodesAreReportedUnlessTheAccountIsInvalid) {
   SessionRig rig;
-  Row& row = *rig.add(81).ClientListItem();
+  CClientAPIManager& session = rig.add(81);
   const std::map<std::int32_t, std::string> texts = {
       {2, "No Privilege "},  {3, "Invalid Account "}, {4, "Cannot Change Price "}, {6, "Timer Expired"},
       {7, "Invalid Ticket"}, {8, "Invalid Lots"},     {10, "Invalid Order ID"},    {21, "Invalid Price"}};
@@ -105,9 +103,9 @@ TEST(SessionCollection, RequestCodesAreReportedUnlessTheAccountIsInvalid) {
     if (at != texts.end()) expected = {"journal 81: " + at->second, "market 81: " + at->second};
     if (code != 1) expected.push_back("market ended 81 " + std::to_string(code));
     const auto report = [&] { rig.sessions.Result(code, 81, client_key(1)); };
-    row.set_text(4, "Invalid username or password");
+    session.write_note("Invalid username or password");
     EXPECT_EQ(rig.during(report), expected) << code;
-    row.set_text(4, "Invalid account ID");
+    session.write_note("Invalid account ID");
     EXPECT_TRUE(rig.during(report).empty()) << code;
   }
 }

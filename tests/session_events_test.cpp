@@ -50,33 +50,40 @@ TEST_F(SessionEvents, OtherEventsReachTheirWindows) {
 }
 
 TEST_F(SessionEvents, StatesOfTheAccountsRow) {
-  const auto row_reads = [&](const char* state, Ink colour) {
-    EXPECT_EQ(cell(2), state);
-    EXPECT_EQ(ink(), colour) << state;
+  using enum AccountState;
+  // What the connection is, and what is shown of it.
+  const auto row_reads = [&](AccountState state, AccountState told, Ink colour, bool values = false) {
+    const std::string what = "state " + std::to_string(static_cast<int>(told));
+    EXPECT_EQ(session.ClientListItem().state, state) << what;
+    EXPECT_EQ(shown().state, told) << what;
+    EXPECT_EQ(shown().ink, colour) << what;
+    EXPECT_EQ(shown().has_values, values) << what;
+    EXPECT_EQ(rig.accounts.connected(81), told == connected) << what;
   };
-  Row& row = *session.ClientListItem();
+  client.summary.values.balance = 7.0;
   during([&] { sink.WaitingMode(2); });
-  row_reads("Connecting", Ink::red);
+  row_reads(connecting, connecting, Ink::red);
   during([&] { sink.ConnectionState(true); });
-  row_reads("Connected", Ink::white);
+  row_reads(connected, connected, Ink::white);
+  during([&] { sink.SummariesChanged({.balance = 5.0}); });
+  row_reads(connected, connected, Ink::green, true);
+  EXPECT_EQ(session.ClientListItem().values.balance, 5.0);
+  EXPECT_EQ(shown().values.balance, 7.0) << "what the query brought";
   during([&] { sink.SessionDisconnected(); });
-  row_reads("Connected", Ink::green);
-  for (std::size_t column = 3; column < 12; ++column)
-    row.set_text(column, "x");
+  row_reads(disconnected, connected, Ink::green, true);
   during([&] { sink.ConnectionState(false); });
-  row_reads("Disconnected", Ink::red);
-  EXPECT_EQ(row_text(row), "||Disconnected|x|x|||||||");
-  row.set_ink(2, Ink::white);
-  during([&] { sink.SessionDisconnected(); });
-  row_reads("Disconnected", Ink::red);
+  row_reads(disconnected, disconnected, Ink::red);
+  EXPECT_EQ(shown().values.balance, 0.0);
+  during([&] { session.query_summary(); });
+  row_reads(disconnected, connected, Ink::green, true);
+  during([&] { session.log_out(); });
+  row_reads(disconnected, connected, Ink::green);
   during([&] { sink.InvalidUsernamePassword(); });
-  row_reads("Invalid account", Ink::red);
+  row_reads(invalid, invalid, Ink::red);
 }
 
 // One line for each time, the reason in the Notes, and there again what stood there once it is over.
 TEST_F(SessionEvents, WhyAnAccountIsNotConnected) {
-  Row& row = *session.ClientListItem();
-  row.set_text(4, "mine");
   const std::string not_connected = "journal 81: Not connected: ";
   const auto on = [&] { sink.ConnectionState(true); };
   const auto off = [&] { sink.ConnectionState(false); };
@@ -96,6 +103,7 @@ TEST_F(SessionEvents, WhyAnAccountIsNotConnected) {
       {{on, [&] { session.log_out(); }, off}, ""},
   };
   for (const auto& c : cases) {
+    session.write_note("mine");
     Heard lines;
     for (const auto& event : c.events) {
       const Heard heard = during(event);
@@ -103,24 +111,22 @@ TEST_F(SessionEvents, WhyAnAccountIsNotConnected) {
                    [&](const auto& line) { return line.starts_with(not_connected + c.reason); });
     }
     EXPECT_EQ(lines.size(), c.reason.empty() ? 0U : static_cast<std::size_t>(c.lines)) << c.reason;
-    EXPECT_EQ(cell(4), c.reason.empty() ? "mine" : c.reason);
+    EXPECT_EQ(shown().note, c.reason);
     during(on);
-    EXPECT_EQ(cell(4), "mine") << c.reason;
+    EXPECT_EQ(shown().note, c.reason.empty() ? "" : "mine") << c.reason;
   }
   // What was written meanwhile stays.
   during(off);
-  row.set_text(4, "called them");
+  session.write_note("called them");
   during(on);
-  EXPECT_EQ(cell(4), "called them");
+  EXPECT_EQ(shown().note, "called them");
 }
 
 TEST_F(SessionEvents, TotalsFollowSummariesAndDisconnections) {
   const AccountSummary first{1000.5, -20.25, 10.0, 990.25, -100.0, 0.153, 890.25};
   const AccountSummary second{1.0, 2.0, 3.0, 4.0, -5.0, 0.06, 7.0};
-  rig.windows.accounts.with_rows = false;
-  CClientAPIManager& rowless = rig.add(82);
-  CLAPICLASS& other = *rig.client(rowless).sink;
-  EXPECT_EQ(during([&] { sink.SummariesChanged(first); }), Heard{"accounts refreshes C1"});
+  CLAPICLASS& other = *rig.client(rig.add(82)).sink;
+  EXPECT_EQ(during([&] { sink.SummariesChanged(first); }), Heard{});
   EXPECT_EQ(rig.totals(),
             "Balance:1000.5  Flt P/L:-20.25   Credit:10  Equity:990.25  Used Margin:100  Free Margin:890.25"
             "  Margin Level:15.3 %");
@@ -136,7 +142,7 @@ TEST_F(SessionEvents, TotalsFollowSummariesAndDisconnections) {
   EXPECT_EQ(rig.totals(), first_alone);
   // A session that was dropped leaves its last values in the totals, for good.
   during([&] { sink.SessionDisconnected(); });
-  EXPECT_EQ(session.summary().balance, 0.0);
+  EXPECT_EQ(session.ClientListItem().values.balance, 0.0);
   during([&] { sink.ConnectionState(false); });
   EXPECT_EQ(rig.totals(), first_alone);
   // What is large goes before what is small comes, so that nothing of the small is rounded off.
@@ -211,7 +217,7 @@ TEST_F(SessionEvents, LoadedDataOfAnUnknownAccountMarkItsRow) {
   during([&] { sink.ConnectionState(true); });
   EXPECT_EQ(during([&] { sink.AllDataAreLoaded(); }),
             sorted({"sound Connect.WAV", "pending removes 81", in_journal + "81 is invalid account",
-                    "accounts selects C1"}));
+                    "accounts selects 1"}));
 }
 
 TEST_F(SessionEvents, SymbolsAndPricesGoWhereTheyAreShown) {

@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "core/texts.h"
 #include "gui/kit/desktop_sound.h"
 #include "gui/kit/in_sight.h"
 #include "gui/kit/screen.h"
@@ -41,8 +42,8 @@ auto needs_any(const frmMain& form) {
   return [&form] { return form.lvwClients.empty() ? empty_list : nullptr; };
 }
 
-std::string name_of(const Row& account) {
-  return account.text(frmMain::user_name) + " " + account.text(frmMain::account);
+std::string name_of(const AccountEntry& account) {
+  return upper(account.user) + " " + std::to_string(account.account);
 }
 
 }  // namespace
@@ -368,9 +369,10 @@ void MainCommands::disconnect_selected() {
   std::set<std::string> meant;
   std::set<std::int32_t> numbers;
   for (const Row* row : form.lvwClients.selected()) {
-    if (!row->reads(frmMain::state, "Connected")) continue;
-    meant.insert(name_of(*row));
-    numbers.insert(static_cast<std::int32_t>(row->cell(frmMain::account).stored_number()));
+    const AccountEntry& account = form.record_of(*row);
+    if (!account.connected()) continue;
+    meant.insert(name_of(account));
+    numbers.insert(account.account);
   }
   if (meant.size() <= 1) return form.MnuDisconnecte_Click();
   if (!confirm("Log out " + std::to_string(meant.size()) + " accounts?",
@@ -378,29 +380,30 @@ void MainCommands::disconnect_selected() {
     return;
   std::vector<RowKey> keys;
   for (const Row& row : form.lvwClients)
-    if (meant.contains(name_of(row)) && row.reads(frmMain::state, "Connected")) keys.push_back(row.key());
+    if (form.record_of(row).connected() && meant.contains(name_of(form.record_of(row))))
+      keys.push_back(row.key());
   for (const RowKey key : keys)
     form.LogoutClient(key);
 }
 
 void MainCommands::remove_selected() {
-  RowList& list = to_.main.accounts().lvwClients;
+  frmMain& form = to_.main.accounts();
   std::set<std::string> meant;
-  for (const Row* row : list.selected())
-    meant.insert(name_of(*row));
+  for (const Row* row : form.lvwClients.selected())
+    meant.insert(name_of(form.record_of(*row)));
   if (meant.empty()) return;
   const std::string what = meant.size() == 1 ? "account " + *meant.begin()
                                              : "the " + std::to_string(meant.size()) + " selected accounts";
   if (!confirm("Remove " + what + " from the list?")) return;
-  for (Row& row : list)
-    row.set_selected(meant.contains(name_of(row)));
-  to_.main.accounts().mnuRemove_Click();
+  for (Row& row : form.lvwClients)
+    row.set_selected(meant.contains(name_of(form.record_of(row))));
+  form.mnuRemove_Click();
 }
 
 void MainCommands::show_history() {
   const Row* row = to_.main.accounts().mainClientListItem();
   if (row == nullptr) return;
-  to_.panes.journal().show_history(static_cast<std::int32_t>(row->cell(frmMain::account).stored_number()));
+  to_.panes.journal().show_history(to_.main.accounts().record_of(*row).account);
   to_.panes.bring_up(QStringLiteral("journal"));
 }
 

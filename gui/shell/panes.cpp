@@ -38,19 +38,19 @@ void Panes::add(Pane pane) {
 // All panes exist before a layout is restored.
 void Panes::make_panes(Screen& screen) {
   Main& main = main_;
-  const RowList& clients = main.accounts().lvwClients;
+  const AccountBook& accounts = main.account_book();
   const auto text = [](const char* name) { return QString::fromLatin1(name); };
   const auto tell = [](auto& form) { return [&form](bool seen) { form.Displayed(seen); }; };
 
   accounts_ = new FrmMainWindow{main.accounts(), screen};
   market_watch_ = new FrmMWWindow{main.market_watch(), screen};
   market_order_ = new FrmorderWindow{main.market_order(), main.symbols(), screen};
-  trade_ = new FrmTradeWindow{main.trade(), clients, screen};
+  trade_ = new FrmTradeWindow{main.trade(), accounts, screen};
   pending_ = new FrmPendingWindow{main.pending(), screen};
   journal_ = new FrmJournalWindow{main.journal_window(), main.journal(), screen};
   entry_order_ = new FrmlimitorderWindow{main.entry_order(), main.symbols(), screen};
-  net_trade_ = new FrmNetTradeWindow{main.net_trade(), clients, screen};
-  net_matrix_ = new NetMatrixWindow{main.net_matrix(), clients, screen};
+  net_trade_ = new FrmNetTradeWindow{main.net_trade(), accounts, screen};
+  net_matrix_ = new NetMatrixWindow{main.net_matrix(), accounts, screen};
   close_positions_ = new FrmClosePosWindow{main.close_positions(), screen, main.general().clock};
 
   using Area = Pane::Area;

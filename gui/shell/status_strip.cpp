@@ -38,7 +38,7 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   totals_->setObjectName(QStringLiteral("totals"));
   totals_->set_money(true);
   addWidget(totals_, 1);
-  missing_ = new NotConnectedLine{main.accounts().lvwClients, screen};
+  missing_ = new NotConnectedLine{main.account_book(), screen};
   addPermanentWidget(missing_);
   warning_ = add_label(*this, QStringLiteral("warning"));
   warning_->setProperty("warn", true);

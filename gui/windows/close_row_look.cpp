@@ -31,7 +31,7 @@ QColor side_colour(std::string_view word) {
 QColor CloseRowLook::ink(const Row& row, std::size_t column) const {
   if (!frmClosePos::is_position(row)) {
     if (column != frmClosePos::status) return {};
-    return row.reads(column, "Connected") ? theme::colour(Ink::green) : QColor{theme::soft_red};
+    return frmClosePos::shows_connected(row) ? theme::colour(Ink::green) : QColor{theme::soft_red};
   }
   if (column != frmClosePos::action) return {};
   const OrderAnswer answer = form_.answer_of(row);

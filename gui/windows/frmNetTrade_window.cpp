@@ -52,14 +52,14 @@ void show_averages(RowListView& list, std::initializer_list<int> columns, int fr
 
 }  // namespace
 
-FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, const RowList& clients, Screen& screen)
+FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, const AccountBook& accounts, Screen& screen)
     : form_(form) {
   // Before the lists' own, so that they show it in the same frame.
   screen.on_refresh(*this, [this] { form_.refresh(); });
   parts_ = new QBoxLayout{QBoxLayout::LeftToRight, this};
   parts_->setContentsMargins(0, 0, 0, 0);
   parts_->setSpacing(4);
-  parts_->addWidget(make_symbols(clients, screen), 3);
+  parts_->addWidget(make_symbols(accounts, screen), 3);
   auto* details = new QWidget;
   details_ = new QBoxLayout{QBoxLayout::TopToBottom, details};
   details_->setContentsMargins(0, 0, 0, 0);
@@ -76,7 +76,7 @@ FrmNetTradeWindow::FrmNetTradeWindow(frmNetTrade& form, const RowList& clients, 
   setFocusProxy(list_);
 }
 
-QWidget* FrmNetTradeWindow::make_symbols(const RowList& clients, Screen& screen) {
+QWidget* FrmNetTradeWindow::make_symbols(const AccountBook& accounts, Screen& screen) {
   list_ = named(new RowListView{form_.lvwNet, screen, {1, 2, 3, 4, 5, 6, 7}}, "lvwNet");
   // The accounts of one symbol are listed.
   list_->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -91,7 +91,7 @@ QWidget* FrmNetTradeWindow::make_symbols(const RowList& clients, Screen& screen)
   column->setSpacing(0);
   column->addWidget(list_, 1);
   column->addWidget(named(new TotalRow{*list_, screen}, "total"));
-  column->addWidget(new NotConnectedLine{clients, screen});
+  column->addWidget(new NotConnectedLine{accounts, screen});
   return part;
 }
 

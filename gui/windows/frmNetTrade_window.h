@@ -10,6 +10,7 @@ class QScrollArea;
 
 namespace tutti {
 
+class AccountBook;
 class ElidedLabel;
 class ExposureBars;
 class RowListView;
@@ -20,8 +21,8 @@ class TotalRow;
 // selected.
 class FrmNetTradeWindow final : public QWidget {
  public:
-  // `clients`: the accounts list, whose positions are added up.
-  FrmNetTradeWindow(frmNetTrade& form, const RowList& clients, Screen& screen);
+  // `accounts`: those whose positions are added up.
+  FrmNetTradeWindow(frmNetTrade& form, const AccountBook& accounts, Screen& screen);
 
   RowListView& list() { return *list_; }
   RowListView& accounts() { return *accounts_; }
@@ -30,7 +31,7 @@ class FrmNetTradeWindow final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  QWidget* make_symbols(const RowList& clients, Screen& screen);
+  QWidget* make_symbols(const AccountBook& accounts, Screen& screen);
   QWidget* make_picture(Screen& screen);
   QWidget* make_accounts(Screen& screen);
   void show_head();

@@ -38,7 +38,7 @@ QColor ink(const Row& row, std::size_t column) {
 
 }  // namespace
 
-FrmTradeWindow::FrmTradeWindow(frmTrade& form, const RowList& clients, Screen& screen)
+FrmTradeWindow::FrmTradeWindow(frmTrade& form, const AccountBook& accounts, Screen& screen)
     : form_(form), screen_(screen), list_(new RowListView{form.lvwOpenPos, screen, numbers, true}) {
   list_->setObjectName(QStringLiteral("lvwOpenPos"));
   list_->set_ink(ink);
@@ -67,7 +67,7 @@ FrmTradeWindow::FrmTradeWindow(frmTrade& form, const RowList& clients, Screen& s
   column->setSpacing(0);
   column->addLayout(head);
   column->addWidget(list_, 1);
-  column->addWidget(new NotConnectedLine{clients, screen});
+  column->addWidget(new NotConnectedLine{accounts, screen});
   column->addLayout(make_foot(make_summaries()));
   setFocusProxy(list_);
   // In the row's menu alone: on a key it would not be seen which row it is for.

@@ -6,6 +6,7 @@
 
 namespace tutti {
 
+class AccountBook;
 class RowListView;
 class Screen;
 
@@ -13,8 +14,8 @@ class Screen;
 // that are ticked, or of one by its row's menu.
 class FrmTradeWindow final : public QWidget {
  public:
-  // `clients`: the accounts list, whose positions these are.
-  FrmTradeWindow(frmTrade& form, const RowList& clients, Screen& screen);
+  // `accounts`: those whose positions these are.
+  FrmTradeWindow(frmTrade& form, const AccountBook& accounts, Screen& screen);
 
   RowListView& list() { return *list_; }
   // "Close Selected Positions", for the shell's command.

@@ -33,7 +33,7 @@ std::string counted(std::size_t count, const std::string& what) {
 
 }  // namespace
 
-NetMatrixWindow::NetMatrixWindow(NetMatrix& form, const RowList& clients, Screen& screen)
+NetMatrixWindow::NetMatrixWindow(NetMatrix& form, const AccountBook& accounts, Screen& screen)
     : form_(form), screen_(screen) {
   // Before the list's own, so that it shows it in the same frame.
   screen.on_refresh(*this, [this] { form_.refresh(); });
@@ -59,7 +59,7 @@ NetMatrixWindow::NetMatrixWindow(NetMatrix& form, const RowList& clients, Screen
   column->addLayout(head);
   column->addWidget(list_, 1);
   column->addWidget(named(new TotalRow{*list_, screen}, "total"));
-  column->addWidget(new NotConnectedLine{clients, screen});
+  column->addWidget(new NotConnectedLine{accounts, screen});
   screen.on_refresh(*this, [this] { follow(); });
   setFocusProxy(list_);
 }

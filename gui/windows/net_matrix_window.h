@@ -9,6 +9,7 @@ class QPushButton;
 
 namespace tutti {
 
+class AccountBook;
 class ElidedLabel;
 class RowListView;
 class Screen;
@@ -16,8 +17,8 @@ class Screen;
 // Accounts x symbols window: a block of cells is selected and handed over to be closed.
 class NetMatrixWindow final : public QWidget {
  public:
-  // `clients`: the accounts list, whose positions are added up.
-  NetMatrixWindow(NetMatrix& form, const RowList& clients, Screen& screen);
+  // `accounts`: those whose positions are added up.
+  NetMatrixWindow(NetMatrix& form, const AccountBook& accounts, Screen& screen);
 
   RowListView& list() { return *list_; }
   // While something is selected that can be closed, and seen.

@@ -8,7 +8,7 @@
 
 namespace tutti {
 
-NotConnectedLine::NotConnectedLine(const RowList& clients, Screen& screen) : clients_(clients) {
+NotConnectedLine::NotConnectedLine(const AccountBook& accounts, Screen& screen) : accounts_(accounts) {
   setObjectName(QStringLiteral("not_connected"));
   set_colour(QColor{theme::amber});
   setContentsMargins(10, 0, 10, 0);
@@ -17,9 +17,9 @@ NotConnectedLine::NotConnectedLine(const RowList& clients, Screen& screen) : cli
 }
 
 void NotConnectedLine::follow() {
-  if (std::exchange(seen_stamp_, clients_.stamp()) == clients_.stamp()) return;
+  if (std::exchange(seen_stamp_, accounts_.stamp()) == accounts_.stamp()) return;
   const QString before = text();
-  set_text(QString::fromStdString(not_connected_text(clients_)));
+  set_text(QString::fromStdString(not_connected_text(accounts_)));
   // Seldom enough for the line beside it to be laid out anew.
   if (text() != before) updateGeometry();
   if (isHidden() != text().isEmpty()) setVisible(!text().isEmpty());

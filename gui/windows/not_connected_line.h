@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/row_list.h"
+#include "books/account_book.h"
 #include "gui/kit/elided_label.h"
 
 namespace tutti {
@@ -13,14 +13,14 @@ class Screen;
 // there while all are.
 class NotConnectedLine final : public ElidedLabel {
  public:
-  // `clients`: the accounts list; must live as long as the line.
-  NotConnectedLine(const RowList& clients, Screen& screen);
+  // `accounts` must live as long as the line.
+  NotConnectedLine(const AccountBook& accounts, Screen& screen);
 
  private:
   void follow();
 
-  const RowList& clients_;
-  std::uint64_t seen_stamp_ = ~std::uint64_t{0};  // of the accounts list
+  const AccountBook& accounts_;
+  std::uint64_t seen_stamp_ = ~std::uint64_t{0};  // of the accounts
 };
 
 }  // namespace tutti

@@ -65,7 +65,7 @@ OrderForm order_form_of(Form& form, const TextBox& total, TextBox& share_editor,
           .left_out = [&form] { return form.left_out_text(); },
           .user_names =
               [&form](const Row& row) {
-                return user_names(form.clients(), static_cast<std::int32_t>(row.key().number()));
+                return user_names(form.account_book(), static_cast<std::int32_t>(row.key().number()));
               }};
 }
 

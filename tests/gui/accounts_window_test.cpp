@@ -152,8 +152,8 @@ TEST_F(AccountsWindowTest, NotesFollowTheirRowAndEndWithIt) {
 }
 
 TEST_F(AccountsWindowTest, FindKeepsTheSelectionOnWhatIsShown) {
-  form.lvwClients.row(1).set_text(frmMain::notes, "k\xC3\xB6ln");
-  form.lvwClients.row(4).set_text(frmMain::notes, "family Birch");
+  form.sessions().Item(2)->write_note("k\xC3\xB6ln");
+  form.sessions().Item(5)->write_note("family Birch");
   click_cell(view, 4, frmMain::account);
   const struct {
     const char* text;

@@ -39,8 +39,7 @@ struct OneSession {
             .symbol = "EURUSD",
             .price = 1.0845};
   }
-  std::string cell(std::size_t column) const { return session.ClientListItem()->text(column); }
-  Ink ink() const { return session.ClientListItem()->cell(2).ink(); }
+  const AccountEntry::Shown& shown() const { return session.ClientListItem().shown; }
 
   SessionRig rig;
   CClientAPIManager& session = rig.add(81);

@@ -73,24 +73,11 @@ class RecordingDesk {
   class Accounts final : public AccountsDesk, Voice {
    public:
     using Voice::Voice;
-    RowList list{std::vector<std::string>(12)};
-    bool with_rows = true;
     std::string supplied_symbol;
-    Row* chosen = nullptr;
+    bool one_chosen = false;
     std::vector<std::string> taken_keys;
 
-    Row* add_client(const CClientAPIManager& session, bool connected, std::string_view notes) override {
-      Row* row = with_rows ? list.add(client_key(session.key())) : nullptr;
-      if (row == nullptr) return nullptr;
-      row->set_text(2, connected ? "Connected" : "Disconnected");
-      row->set_number(3, session.account());
-      row->set_text(4, notes);
-      return row;
-    }
-    void remove_client(Row& row) override { list.remove(row); }
-    void renumber_client(Row& row, std::int32_t number) override { list.rekey(row, client_key(number)); }
-    void refresh_summary(Row& row) override { say("refreshes", row.key().text()); }
-    void select_client(Row& row) override { say("selects", row.key().text()); }
+    void select_client(const CClientAPIManager& session) override { say("selects", session.key()); }
     void record_connected(const CClientAPIManager& session) override {
       say("records", session.duplicate_key());
     }
@@ -100,7 +87,7 @@ class RecordingDesk {
     bool has_account(std::string_view key) const override {
       return std::find(taken_keys.begin(), taken_keys.end(), key) != taken_keys.end();
     }
-    Row* selected_client() const override { return chosen; }
+    bool has_selection() const override { return one_chosen; }
     std::string visibility_symbol() const override { return supplied_symbol; }
   } accounts{"accounts", heard};
 
@@ -116,8 +103,8 @@ class RecordingDesk {
   class EntryOrders final : public RecordingOrderRows<EntryOrderDesk> {
    public:
     using RecordingOrderRows::RecordingOrderRows;
-    RowList list{std::vector<std::string>(1)};
-    const RowList* accounts() const override { return &list; }
+    std::vector<std::int32_t> listed;
+    std::vector<std::int32_t> accounts() const override { return listed; }
     void submit_available(bool on) override { say("submit", on ? "on" : "off"); }
     void distribute_available() override { say("distribute on"); }
     void prices(SymbolHandle, const Symbol& symbol) override { say("prices", symbol.name); }

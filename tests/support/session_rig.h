@@ -77,8 +77,9 @@ class SessionRig {
   Lines journal{windows.heard};
   SymbolCollection symbols;
   CLoginOptions options{general, {"10.0.0.9", 443}};
-  CClientAPIManagers sessions{[] { return std::make_unique<ScriptedClient>(); }, general, windows.desk,
-                              symbols, options};
+  AccountBook accounts;
+  CClientAPIManagers sessions{
+      [] { return std::make_unique<ScriptedClient>(); }, general, windows.desk, symbols, options, accounts};
 };
 
 }  // namespace tutti::testing

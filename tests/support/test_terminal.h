@@ -71,7 +71,8 @@ class TestTerminal {
   // save_accounts, start, and time enough for every login.
   void start_logged_in();
 
-  Row& client(std::int32_t account);         // row of the accounts list
+  Row& client(std::int32_t account);                       // row of the accounts list
+  void note(std::int32_t account, std::string_view text);  // into its Notes
   Row* order_row(std::int32_t account);      // row of the market order window, nullptr when none
   std::string result(std::int32_t account);  // its Result column
   Texts journal();                           // "account message", oldest first
