@@ -56,17 +56,18 @@ DealingServer::DealingServer(DealerConfig config, const Clock& clock)
       rates_(config_.pairs()),
       watch_(market_),
       faults_(config_.faults, time_),
-      history_(time_),
-      desk_(config_, market_, faults_, history_),
-      front_(market_, desk_, history_),
-      book_(config_, market_, accounts_, desk_, history_, next_rollover_) {
+      recorder_(config_, time_),
+      desk_(config_, market_, faults_, recorder_, answers_),
+      triggers_(config_, market_, faults_, recorder_, answers_),
+      front_(market_, desk_, recorder_.history()),
+      book_(config_, market_, accounts_, desk_, recorder_, next_rollover_) {
   assert(!config_.fault());
   rates_.update(market_.middles());
   accounts_.reserve(config_.accounts.size());
   for (const AccountConfig& account : config_.accounts) {
     by_number_.emplace(account.number, accounts_.size());
     accounts_.emplace_back(account, market_, rates_, watch_);
-    place_configured_orders(config_, desk_, accounts_.back(), time_);
+    place_configured_orders(config_, recorder_.numbers(), accounts_.back(), time_);
   }
 }
 
@@ -87,6 +88,7 @@ std::optional<TimePoint> DealingServer::next_moment() const {
     if (moment && (!next || *moment < *next)) next = moment;
   };
   consider(desk_.next_due());
+  consider(answers_.next_due());
   consider(faults_.next_drop());
   if (!logins_.empty()) consider(logins_.begin()->first);
   if (!online_.empty()) consider(next_second_);
@@ -128,7 +130,8 @@ void DealingServer::run(TimePoint at) {
   if (const auto due = market_.next_due(); due && *due <= at) move_market();
   if (next_rollover_ <= at) roll_over();
   desk_.run(at);
-  desk_.run_triggers(accounts_, watch_, at);
+  answers_.run(at);
+  triggers_.run(accounts_, watch_, at);
   while (!logins_.empty() && logins_.begin()->first <= at)
     finish_login(std::move(logins_.extract(logins_.begin()).mapped()));
   if (!online_.empty() && next_second_ <= at) tell_time(at);
@@ -151,7 +154,7 @@ void DealingServer::roll_over() {
   for (TradingAccount& account : accounts_) {
     if (account.positions().empty()) continue;
     account.roll_over(nights);
-    desk_.note_change(account);
+    recorder_.note_change(account);
     account.revalue();
     AccountListener* listener = account.listener();
     if (listener == nullptr) continue;
@@ -309,7 +312,7 @@ tl::expected<std::vector<std::string>, FileError> DealingServer::keep_book(
 }
 
 std::vector<Outcome> DealingServer::take_untold() {
-  return book_.failure() ? std::vector<Outcome>{} : desk_.take_untold();
+  return book_.failure() ? std::vector<Outcome>{} : recorder_.take_untold();
 }
 
 void DealingServer::store() {

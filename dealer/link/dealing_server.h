@@ -20,12 +20,14 @@
 #include "dealer/link/server_gate.h"
 #include "dealer/market/market.h"
 #include "dealer/market/price_watch.h"
+#include "dealer/trading/answer_desk.h"
 #include "dealer/trading/book_keeper.h"
 #include "dealer/trading/fault_script.h"
 #include "dealer/trading/front_desk.h"
 #include "dealer/trading/order_desk.h"
-#include "dealer/trading/request_history.h"
+#include "dealer/trading/trade_recorder.h"
 #include "dealer/trading/trading_account.h"
+#include "dealer/trading/trigger_desk.h"
 #include "pricing/rate_table.h"
 #include "sessions/contract/ClientAPI.h"
 
@@ -81,7 +83,7 @@ class DealingServer final : public EventSource, private ServerGate {
   std::size_t requests_in_flight() const { return desk_.in_flight(); }
   std::vector<TradeRequest> requests() const { return desk_.requests(); }
   // How the requests of this run ended and what prices set off, oldest first; the last 100,000 at least.
-  const std::vector<Outcome>& outcomes() const { return desk_.outcomes(); }
+  const std::vector<Outcome>& outcomes() const { return recorder_.outcomes(); }
 
   // How requests of an earlier run ended of which no session was told, as nobody was logged in: each once,
   // and none before it is stored.
@@ -137,8 +139,10 @@ class DealingServer final : public EventSource, private ServerGate {
   std::vector<TradingAccount> accounts_;
   std::map<std::int32_t, std::size_t> by_number_;
   FaultScript faults_;
-  RequestHistory history_;
+  TradeRecorder recorder_;
+  AnswerDesk answers_;
   OrderDesk desk_;
+  TriggerDesk triggers_;
   FrontDesk front_;
   BookKeeper book_;
   EventQueue queue_;

@@ -1,13 +1,18 @@
 #include "dealer/trading/answer_desk.h"
 
+#include <limits>
 #include <utility>
 
 #include "sessions/contract/codes.h"
 
 namespace tutti {
+namespace {
+
+using Answer = AnswerNews::Event;
+
+}  // namespace
 
 AnswerNews::Event answer_to(const TradeRequest& request, bool succeeded) {
-  using Answer = AnswerNews::Event;
   if (request.stage != TradeRequest::Stage::sent) return succeeded ? Answer::accepted : Answer::rejected;
   switch (request.kind) {
     case TradeKind::open:
@@ -55,6 +60,30 @@ bool AnswerDesk::tell(TradingAccount& account, const Mishap& mishap, const Answe
       listener->tell_answer(answer);
   }
   return true;
+}
+
+// News of an opened or changed position are left out: they are what makes a position known.
+void AnswerDesk::tell_unknown(TradingAccount& account, OrderReport report, std::int64_t number,
+                              TimePoint now) {
+  report.number = number;
+  if (report.id != 0) report.id = std::numeric_limits<RequestId>::max() - report.number;  // nobody's, too
+  report.result = result::succeeded;
+  report.state = order_state::executed;
+  for (const Answer event :
+       {Answer::order, Answer::close, Answer::accepted, Answer::rejected, Answer::entry, Answer::update_entry,
+        Answer::new_stops, Answer::update_stops, Answer::cancel_entry, Answer::cancel_stops})
+    tell(account, {}, {event, report}, now);
+  AccountListener* listener = account.listener();
+  if (listener == nullptr) return;
+  OpenPosition position;
+  position.ticket = report.number;
+  position.account = report.account;
+  position.symbol = report.symbol;
+  listener->tell_position(PositionChange::closed, position);
+  PendingOrder order;
+  order.order = report.number;
+  order.account = report.account;
+  listener->tell_order(true, order);
 }
 
 std::optional<TimePoint> AnswerDesk::next_due() const {

@@ -23,6 +23,9 @@ class AnswerDesk {
  public:
   // False when nobody is or will be told.
   bool tell(TradingAccount& account, const Mishap& mishap, const AnswerNews& answer, TimePoint now);
+  // Everything that can be said of a number, about one that is nobody's, as the fault script sends it behind
+  // an answer: behind this report.
+  void tell_unknown(TradingAccount& account, OrderReport report, std::int64_t number, TimePoint now);
 
   std::optional<TimePoint> next_due() const;
   // Hands out the late answers that are due at `at`; those that nobody hears by then are lost.

@@ -59,13 +59,14 @@ void compare(const std::vector<Record>& before, const std::vector<Record>& now, 
 }  // namespace
 
 BookKeeper::BookKeeper(const DealerConfig& config, const Market& market,
-                       std::vector<TradingAccount>& accounts, OrderDesk& desk, RequestHistory& history,
+                       std::vector<TradingAccount>& accounts, OrderDesk& desk, TradeRecorder& recorder,
                        TimePoint& next_rollover)
     : config_(config),
       market_(market),
       accounts_(accounts),
       desk_(desk),
-      history_(history),
+      recorder_(recorder),
+      history_(recorder.history()),
       next_rollover_(next_rollover),
       era_(new_era()) {}
 
@@ -99,7 +100,7 @@ tl::expected<std::vector<std::string>, FileError> BookKeeper::open(const std::fi
   folder_.emplace(std::move(files));
   history_file_.emplace(std::move(history));
   // An era is told at login, and numbers of configured orders are given.
-  if (!found->settled || !era_known || desk_.numbers().next() != stored_number_)
+  if (!found->settled || !era_known || recorder_.numbers().next() != stored_number_)
     if (auto written = replace(); !written) return tl::unexpected(written.error());
   return notes;
 }
@@ -136,8 +137,8 @@ std::optional<std::string> BookKeeper::misfit(const BookState& state) const {
 }
 
 void BookKeeper::restore(BookState state, std::int64_t next_number, TimePoint now) {
-  desk_.numbers().start(std::max(next_number, config_.first_number));
-  stored_number_ = desk_.numbers().next();
+  recorder_.numbers().start(std::max(next_number, config_.first_number));
+  stored_number_ = recorder_.numbers().next();
   if (state.next_rollover != TimePoint{}) next_rollover_ = state.next_rollover;
   stored_rollover_ = state.next_rollover;
   stored_accounts_.assign(accounts_.size(), {});
@@ -155,7 +156,7 @@ void BookKeeper::restore(BookState state, std::int64_t next_number, TimePoint no
     if (stored_accounts_[place].number != 0) continue;
     const AccountConfig& config = accounts_[place].config();
     accounts_[place].restore({config.number, config.balance, config.credit, {}, {}});
-    place_configured_orders(config_, desk_, accounts_[place], now);
+    place_configured_orders(config_, recorder_.numbers(), accounts_[place], now);
   }
   std::stable_sort(state.requests.begin(), state.requests.end(),
                    [](const TradeRequest& a, const TradeRequest& b) { return a.due < b.due; });
@@ -167,7 +168,7 @@ void BookKeeper::restore(BookState state, std::int64_t next_number, TimePoint no
       absent_.requests.push_back(std::move(request));
     }
   }
-  stored_revision_ = desk_.revision();
+  stored_revision_ = recorder_.revision();
 }
 
 bool BookKeeper::store(TimePoint now) {
@@ -175,7 +176,7 @@ bool BookKeeper::store(TimePoint now) {
     history_.note_stored();
     history_.note_filed();
   }
-  if (!folder_ || (!failure_ && desk_.revision() == stored_revision_)) return true;
+  if (!folder_ || (!failure_ && recorder_.revision() == stored_revision_)) return true;
   if (failure_ && now < next_try_) return false;
   if (auto stored = folder_->wants_replacing() ? replace() : append(); !stored) {
     failure_ = std::move(stored.error());
@@ -235,9 +236,9 @@ std::vector<BookEntry> BookKeeper::changes() const {
     out = {std::move(all)};
   }
   // In front of everything that has one of the numbers.
-  if (desk_.numbers().next() != stored_number_) {
+  if (recorder_.numbers().next() != stored_number_) {
     if (out.empty()) out.emplace_back();
-    out.front().next_number = desk_.numbers().next();
+    out.front().next_number = recorder_.numbers().next();
   }
   return out;
 }
@@ -245,7 +246,7 @@ std::vector<BookEntry> BookKeeper::changes() const {
 tl::expected<void, FileError> BookKeeper::append() {
   const std::vector<BookEntry> entries = changes();
   if (!entries.empty()) {
-    if (auto reserved = folder_->reserve(desk_.numbers().next()); !reserved) return reserved;
+    if (auto reserved = folder_->reserve(recorder_.numbers().next()); !reserved) return reserved;
     if (auto written = folder_->append(entries); !written) return written;
     ++stores_;
     logged_ = true;
@@ -255,14 +256,14 @@ tl::expected<void, FileError> BookKeeper::append() {
 }
 
 tl::expected<void, FileError> BookKeeper::replace() {
-  if (auto reserved = folder_->reserve(desk_.numbers().next()); !reserved) return reserved;
+  if (auto reserved = folder_->reserve(recorder_.numbers().next()); !reserved) return reserved;
   // What changed since it was stored last goes into the book only, as it is true with the book alone.
   if (auto filed = history_file_->append(history_.unfiled()); !filed) return filed;
   history_.note_filed();
   BookState book = absent_;
   book.era = era_;
   book.history = history_.unstored();
-  book.next_number = desk_.numbers().next();
+  book.next_number = recorder_.numbers().next();
   book.next_rollover = next_rollover_;
   for (const TradingAccount& account : accounts_)
     book.accounts.push_back(account.state());
@@ -288,16 +289,16 @@ void BookKeeper::note_stored() {
   stored_requests_.clear();
   for (TradeRequest& request : desk_.requests())
     stored_requests_.emplace(request.number, std::move(request));
-  stored_number_ = desk_.numbers().next();
+  stored_number_ = recorder_.numbers().next();
   stored_rollover_ = next_rollover_;
-  stored_revision_ = desk_.revision();
+  stored_revision_ = recorder_.revision();
 }
 
 tl::expected<void, FileError> BookKeeper::save() {
   if (!folder_) return {};
-  const bool behind = failure_ || logged_ || desk_.revision() != stored_revision_;
+  const bool behind = failure_ || logged_ || recorder_.revision() != stored_revision_;
   if (!behind && stores_ == 0) return {};
-  if (auto exact = folder_->reserve(desk_.numbers().next(), true); !exact) return exact;
+  if (auto exact = folder_->reserve(recorder_.numbers().next(), true); !exact) return exact;
   if (!behind) return {};
   auto written = replace();
   if (written) failure_.reset();

@@ -17,7 +17,7 @@
 #include "dealer/trading/book_state.h"
 #include "dealer/trading/history_file.h"
 #include "dealer/trading/order_desk.h"
-#include "dealer/trading/request_history.h"
+#include "dealer/trading/trade_recorder.h"
 #include "dealer/trading/trading_account.h"
 
 namespace tutti {
@@ -31,7 +31,7 @@ class BookKeeper {
  public:
   // Keeps references to all. Until a folder is open, nothing is kept and nothing costs anything.
   BookKeeper(const DealerConfig& config, const Market& market, std::vector<TradingAccount>& accounts,
-             OrderDesk& desk, RequestHistory& history, TimePoint& next_rollover);
+             OrderDesk& desk, TradeRecorder& recorder, TimePoint& next_rollover);
 
   // As DealingServer::keep_book.
   tl::expected<std::vector<std::string>, FileError> open(const std::filesystem::path& folder, bool fresh,
@@ -72,6 +72,7 @@ class BookKeeper {
   const Market& market_;
   std::vector<TradingAccount>& accounts_;
   OrderDesk& desk_;
+  TradeRecorder& recorder_;
   RequestHistory& history_;
   TimePoint& next_rollover_;
   std::map<std::int32_t, std::size_t> places_;  // in accounts_, by number

@@ -4,11 +4,11 @@
 
 namespace tutti {
 
-void place_configured_orders(const DealerConfig& config, OrderDesk& desk, TradingAccount& account,
+void place_configured_orders(const DealerConfig& config, OrderNumbers& numbers, TradingAccount& account,
                              TimePoint now) {
   for (const EntryOrderConfig& configured : config.entry_orders) {
     if (configured.account != account.config().number) continue;
-    PendingOrder order{.order = desk.numbers().take(),
+    PendingOrder order{.order = numbers.take(),
                        .account = account.config().number,
                        .kind = std::string{configured.ticket > 0 ? "ST" : "LO"},
                        .reference = configured.ticket,

@@ -1,8 +1,6 @@
 #include "dealer/trading/order_desk.h"
 
 #include <algorithm>
-#include <limits>
-#include <string>
 #include <utility>
 
 #include "sessions/contract/codes.h"
@@ -71,14 +69,14 @@ FaultPoint point_of(TradeKind kind) {
 }  // namespace
 
 OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScript& faults,
-                     RequestHistory& history)
+                     TradeRecorder& recorder, AnswerDesk& answers)
     : config_(config),
-      faults_(faults),
-      history_(history),
-      rules_(config, market),
-      execution_(market),
       market_(market),
-      numbers_(config) {}
+      faults_(faults),
+      recorder_(recorder),
+      answers_(answers),
+      rules_(config, market),
+      execution_(market) {}
 
 std::int32_t OrderDesk::send(TradingAccount& account, const Instruction& wanted, TimePoint now) {
   TradeRequest request = make_request(account, market_, wanted);
@@ -91,28 +89,27 @@ std::int32_t OrderDesk::send(TradingAccount& account, const Instruction& wanted,
     log(request, {.request = code}, now);
     return code;
   }
-  request.number = numbers_.take();
-  note_change(account);
+  request.number = recorder_.numbers().take();
+  recorder_.note_change(account);
   if (mishap.swallow) {
-    history_.forget(request.account, request.id);
+    recorder_.history().forget(request.account, request.id);
     log(request, {.request = code}, now);
     return code;
   }
-  const auto wait = numbers_.draw_latency();
+  const auto wait = recorder_.numbers().draw_latency();
   flights_.emplace(
       now + wait + mishap.delay,
       Flight{.account = &account, .request = std::move(request), .mishap = mishap, .latency = wait});
   return code;
 }
 
-const Outcome& OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) {
+void OrderDesk::log(const TradeRequest& request, Outcome outcome, TimePoint at) {
   outcome.time = at;
   outcome.account = request.account;
   outcome.kind = request.kind;
   if (outcome.number == 0) outcome.number = request.known_as();
   outcome.dealt = request.stage != Stage::sent;
-  log_.add(outcome);
-  return log_.all().back();
+  recorder_.note_outcome(outcome);
 }
 
 std::vector<TradeRequest> OrderDesk::requests() const {
@@ -135,10 +132,8 @@ void OrderDesk::resume(TradingAccount& account, const TradeRequest& request, Tim
 }
 
 std::optional<TimePoint> OrderDesk::next_due() const {
-  const auto late = answers_.next_due();
-  if (flights_.empty()) return late;
-  const TimePoint first = flights_.begin()->first;
-  return late ? std::min(*late, first) : first;
+  if (flights_.empty()) return std::nullopt;
+  return flights_.begin()->first;
 }
 
 void OrderDesk::run(TimePoint at) {
@@ -149,7 +144,7 @@ void OrderDesk::run(TimePoint at) {
       continue;
     }
     flight.account->revalue();
-    note_change(*flight.account);
+    recorder_.note_change(*flight.account);
     switch (flight.request.stage) {
       case Stage::sent:
         arrive(std::move(flight), at);
@@ -165,7 +160,6 @@ void OrderDesk::run(TimePoint at) {
         break;
     }
   }
-  answers_.run(at);
 }
 
 std::optional<TimePoint> OrderDesk::next_price(const Flight& flight) const {
@@ -204,7 +198,7 @@ void OrderDesk::enter_dealing(Flight flight, std::chrono::milliseconds wait, Tim
   AnswerNews answer{answer_to(request, true), report_on(request, result::succeeded, request.price, at)};
   answer.report.state = order_state::pending;
   answer.report.left = request.amount;
-  history_.answer(answer, RequestState::waiting);
+  recorder_.history().answer(answer, RequestState::waiting);
   answers_.tell(*flight.account, flight.mishap, answer, at);
   request.stage = Stage::dealing;
   TradeExecution::add_row(*flight.account, TradeExecution::row_of(request, at));
@@ -225,67 +219,28 @@ void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) 
   if (request.kind == TradeKind::set_stops)
     answer.report.number = stops != nullptr ? stops->order : request.number;
   if (stops != nullptr) answer.event = Answer::update_stops;
-  if (done && is_market(request.kind)) note_fill(request, request.number, answer.report);
+  if (done && is_market(request.kind)) recorder_.note_fill(request, request.number, answer.report);
   if (done && request.kind == TradeKind::cancel_entry)
-    history_.cancel_working(request.account, request.reference);
-  history_.answer(answer, !done                              ? RequestState::refused
-                          : request.kind == TradeKind::entry ? RequestState::working
-                                                             : RequestState::executed);
+    recorder_.history().cancel_working(request.account, request.reference);
+  recorder_.history().answer(answer, !done                              ? RequestState::refused
+                                     : request.kind == TradeKind::entry ? RequestState::working
+                                                                        : RequestState::executed);
   const bool told = answers_.tell(account, flight.mishap, answer, at);
-  const Outcome& outcome = log(request,
-                               {.number = answer.report.number,
-                                .request = request::taken,
-                                .result = result,
-                                .updated = stops != nullptr,
-                                .expired = flight.requoted,
-                                .told = told,
-                                .resumed = flight.resumed},
-                               at);
-  if (flight.resumed && !told) untold_.push_back(outcome);
+  log(request,
+      {.number = answer.report.number,
+       .request = request::taken,
+       .result = result,
+       .updated = stops != nullptr,
+       .expired = flight.requoted,
+       .told = told,
+       .resumed = flight.resumed},
+      at);
   if (request.stage == Stage::dealing) TradeExecution::remove_row(account, request.known_as());
   if (done) execution_.execute(request, account, done_at, at);
   AccountListener* listener = account.listener();
   if (listener != nullptr && is_market(request.kind)) listener->tell_summary(done);
-  if (flight.mishap.unknown_ticket) tell_unknown(account, answer.report, at);
-}
-
-void OrderDesk::note_fill(const TradeRequest& request, std::int64_t execution, OrderReport& report) {
-  report.execution = std::to_string(execution);
-  report.filled = report.filled_all = request.amount;
-  history_.add_fill({.execution = report.execution,
-                     .id = report.id,
-                     .number = request.known_as(),
-                     .account = report.account,
-                     .closes = request.kind == TradeKind::close,
-                     .operation = request.operation,
-                     .symbol = request.symbol,
-                     .lots = request.amount,
-                     .price = report.price,
-                     .time = report.time});
-}
-
-// Everything that can be said of a number, about one that is nobody's. News of an opened or changed position
-// are left out: they are what makes a position known.
-void OrderDesk::tell_unknown(TradingAccount& account, OrderReport report, TimePoint at) {
-  report.number = numbers_.take();
-  if (report.id != 0) report.id = std::numeric_limits<RequestId>::max() - report.number;  // nobody's, too
-  report.result = result::succeeded;
-  report.state = order_state::executed;
-  for (const Answer event :
-       {Answer::order, Answer::close, Answer::accepted, Answer::rejected, Answer::entry, Answer::update_entry,
-        Answer::new_stops, Answer::update_stops, Answer::cancel_entry, Answer::cancel_stops})
-    answers_.tell(account, {}, {event, report}, at);
-  AccountListener* listener = account.listener();
-  if (listener == nullptr) return;
-  OpenPosition position;
-  position.ticket = report.number;
-  position.account = report.account;
-  position.symbol = report.symbol;
-  listener->tell_position(PositionChange::closed, position);
-  PendingOrder order;
-  order.order = report.number;
-  order.account = report.account;
-  listener->tell_order(true, order);
+  if (flight.mishap.unknown_ticket)
+    answers_.tell_unknown(account, answer.report, recorder_.numbers().take(), at);
 }
 
 }  // namespace tutti

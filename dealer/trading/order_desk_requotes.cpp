@@ -70,7 +70,7 @@ std::int32_t OrderDesk::answer_requote(TradingAccount& account, std::int64_t ord
 
 // The last thing that happened to the number says whether there was a requote that ran out.
 std::int32_t OrderDesk::no_requote(const TradingAccount& account, std::int64_t order) const {
-  const auto& outcomes = log_.all();
+  const auto& outcomes = recorder_.outcomes();
   const auto last = std::find_if(outcomes.rbegin(), outcomes.rend(), [&](const Outcome& outcome) {
     return outcome.number == order && outcome.account == account.config().number;
   });
@@ -83,7 +83,7 @@ void OrderDesk::leave_dealing(Flights::iterator at, Stage stage, TimePoint now) 
   flight.requoted = false;
   flight.request.stage = stage;
   TradeExecution::remove_row(*flight.account, flight.request.known_as());
-  note_change(*flight.account);
+  recorder_.note_change(*flight.account);
   const TimePoint due = now + flight.latency;
   flights_.emplace(due, std::move(flight));
 }

@@ -1,8 +1,5 @@
-// Orders that wait for a price: entry orders, and the stop loss and take profit of positions.
+#include "dealer/trading/trigger_desk.h"
 
-#include <utility>
-
-#include "dealer/trading/order_desk.h"
 #include "sessions/contract/codes.h"
 
 namespace tutti {
@@ -39,7 +36,16 @@ Answer event_of(bool entry, std::int32_t code) {
 
 }  // namespace
 
-void OrderDesk::run_triggers(std::vector<TradingAccount>& accounts, PriceWatch& watch, TimePoint at) {
+TriggerDesk::TriggerDesk(const DealerConfig& config, const Market& market, FaultScript& faults,
+                         TradeRecorder& recorder, AnswerDesk& answers)
+    : market_(market),
+      faults_(faults),
+      recorder_(recorder),
+      answers_(answers),
+      rules_(config, market),
+      execution_(market) {}
+
+void TriggerDesk::run(std::vector<TradingAccount>& accounts, PriceWatch& watch, TimePoint at) {
   struct Due {
     TradingAccount* account = nullptr;
     std::int64_t order = 0;
@@ -67,7 +73,7 @@ void OrderDesk::run_triggers(std::vector<TradingAccount>& accounts, PriceWatch& 
   }
 }
 
-void OrderDesk::set_off(TradingAccount& account, std::int64_t number, TimePoint at) {
+void TriggerDesk::set_off(TradingAccount& account, std::int64_t number, TimePoint at) {
   const PendingOrder* found = account.find_order(number);
   if (found == nullptr) return;
   const PendingOrder order = *found;
@@ -86,7 +92,7 @@ void OrderDesk::set_off(TradingAccount& account, std::int64_t number, TimePoint 
   if (!final) return;
   const Mishap mishap = faults_.strike(account.config().number, FaultPoint::trigger, at);
   if (mishap.reject != 0) code = mishap.reject;
-  note_change(account);
+  recorder_.note_change(account);
 
   OrderReport report;
   report.number = number;
@@ -97,25 +103,26 @@ void OrderDesk::set_off(TradingAccount& account, std::int64_t number, TimePoint 
   report.symbol = request.symbol;
   report.price = price;
   report.time = at;
-  if (entry) report.id = history_.placed_by(report.account, number);
-  if (code == result::succeeded) note_fill(request, number, report);
+  if (entry) report.id = recorder_.history().placed_by(report.account, number);
+  if (code == result::succeeded) recorder_.note_fill(request, number, report);
   const AnswerNews answer{event_of(entry, code), report};
-  history_.answer(answer, code == result::succeeded ? RequestState::executed : RequestState::cancelled);
+  recorder_.history().answer(answer,
+                             code == result::succeeded ? RequestState::executed : RequestState::cancelled);
   const bool told = answers_.tell(account, mishap, answer, at);
-  log_.add({.time = at,
-            .account = report.account,
-            .kind = entry ? TradeKind::entry : TradeKind::set_stops,
-            .number = number,
-            .request = request::taken,
-            .result = code,
-            .set_off = true,
-            .told = told});
+  recorder_.note_outcome({.time = at,
+                          .account = report.account,
+                          .kind = entry ? TradeKind::entry : TradeKind::set_stops,
+                          .number = number,
+                          .request = request::taken,
+                          .result = code,
+                          .set_off = true,
+                          .told = told});
   carry_out(account, order, request, report, at);
-  if (mishap.unknown_ticket) tell_unknown(account, report, at);
+  if (mishap.unknown_ticket) answers_.tell_unknown(account, report, recorder_.numbers().take(), at);
 }
 
-void OrderDesk::carry_out(TradingAccount& account, const PendingOrder& order, const TradeRequest& request,
-                          const OrderReport& report, TimePoint at) {
+void TriggerDesk::carry_out(TradingAccount& account, const PendingOrder& order, const TradeRequest& request,
+                            const OrderReport& report, TimePoint at) {
   const bool done = report.result == result::succeeded;
   TradeRequest other;
   if (!done) {
@@ -127,7 +134,7 @@ void OrderDesk::carry_out(TradingAccount& account, const PendingOrder& order, co
     execution_.execute(request, account, report.price, at);
     if (request.kind == TradeKind::open && (order.stop_loss > 0.0 || order.take_profit > 0.0)) {
       other.kind = TradeKind::set_stops;
-      other.number = numbers_.take();
+      other.number = recorder_.numbers().take();
       other.reference = request.number;
       other.stop_loss = order.stop_loss;
       other.take_profit = order.take_profit;
