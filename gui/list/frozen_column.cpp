@@ -47,7 +47,7 @@ class FrozenHeader final : public QAbstractButton {
 // Row headers scroll only with their rows, so they take the column's place.
 void freeze_first_column(RowListView& list, const std::string& widest) {
   list.setColumnHidden(0, true);
-  list.follow_percentages();
+  list.columns().follow_percentages();
   const int width = list.delegate().text_width(widest);
   QHeaderView& rows = *list.verticalHeader();
   rows.setFixedWidth(width);

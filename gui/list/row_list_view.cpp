@@ -1,32 +1,26 @@
 #include "gui/list/row_list_view.h"
 
-#include <QDataStream>
-#include <QIODevice>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <algorithm>
-#include <cmath>
-#include <numeric>
-#include <set>
 #include <utility>
 
-#include "core/dead_time.h"
 #include "gui/kit/screen.h"
 #include "gui/kit/theme.h"
-#include "gui/list/column_spread.h"
-#include "gui/list/list_header.h"
 #include "gui/list/list_text.h"
-#include "gui/list/selection_builder.h"
 
 namespace tutti {
 
 RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t> numbers, bool ticks,
                          QWidget* parent)
-    : QTableView(parent), model_(list, ticks), screen_(screen) {
+    : QTableView(parent),
+      model_(list, ticks),
+      columns_(new ListHeader{model_, delegate_, *viewport()}),
+      screen_(screen) {
   delegate_.set_numbers(std::move(numbers));
-  setHorizontalHeader(new ListHeader{*this});
+  setHorizontalHeader(columns_);
   setItemDelegate(&delegate_);
   setFrameShape(QFrame::NoFrame);
   setShowGrid(false);
@@ -44,27 +38,15 @@ RowListView::RowListView(RowList& list, Screen& screen, std::vector<std::size_t>
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   verticalHeader()->setMinimumSectionSize(theme::row_height);
   verticalHeader()->setDefaultSectionSize(theme::row_height);
-  horizontalHeader()->setHighlightSections(false);
-  horizontalHeader()->setSectionsClickable(true);
-  horizontalHeader()->setSectionsMovable(true);
-  horizontalHeader()->setMinimumSectionSize(24);
-  horizontalHeader()->setFixedHeight(theme::row_height + 2);
   // After the headers, which else measure every row and column in between.
   setModel(&model_);
 
-  connect(horizontalHeader(), &QHeaderView::sectionClicked, this,
-          [this](int column) { header_clicked(column); });
-  connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
-    if (!spreading_) dragged_ = true;
-  });
-  connect(&model_, &QAbstractItemModel::modelReset, this, [this, known = model_.columnCount()]() mutable {
+  columns_->follow_operator();
+  connect(&model_, &QAbstractItemModel::modelReset, this, [this] {
     selecting_ = false;
-    // Widths that the operator has set stay; new columns stand behind them.
-    spread(dragged_ ? known : 0);
-    known = model_.columnCount();
+    columns_->follow_model();
   });
-  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { take_selection(); });
-  connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { take_selection(); });
+  selection_.emplace(model_, *selectionModel());
   screen_.on_settle(*this, [this] { settle(); });
   screen_.on_refresh(*this, [this] { refresh(); });
 }
@@ -79,38 +61,14 @@ void RowListView::settle() {
   setAutoScroll(false);
   model_.settle();
   setAutoScroll(true);
-  if (settled_structure_ != model_.list().structure_stamp()) {
-    settled_structure_ = model_.list().structure_stamp();
-    drop_replaced();
-    // Row headers read their rows, of which the same may be true.
-    verticalHeader()->viewport()->update();
-  }
-  if (!selection_taken_) take_selection();
-}
-
-// A new row may stand where one was freed, in the list and in memory, which is no change to the model; but
-// nobody has selected it.
-void RowListView::drop_replaced() {
-  std::set<int> replaced;
-  for (const QItemSelectionRange& range : selectionModel()->selection()) {
-    for (int place = range.top(); place <= range.bottom(); ++place) {
-      const Row* row = model_.row_at(place);
-      if (row != nullptr && !row->selected()) replaced.insert(place);
-    }
-  }
-  if (replaced.empty()) return;
-  SelectionBuilder dropped{model_};
-  for (const int place : replaced)
-    dropped.add(place, 0, model_.columnCount() - 1);
-  following_ = true;
-  selectionModel()->select(dropped.selection(), QItemSelectionModel::Deselect);
-  following_ = false;
+  // Row headers read their rows, which may be others.
+  if (selection_->settle()) verticalHeader()->viewport()->update();
 }
 
 void RowListView::refresh() {
   settle();
   // What is brought up again is new to the operator.
-  if (!isVisible() || screen_.frame() > frame_ + 1) standing_.clear();
+  if (standing_ && (!isVisible() || screen_.frame() > frame_ + 1)) standing_->forget();
   frame_ = screen_.frame();
   if (!isVisible()) return;
   const int first = rowAt(0);
@@ -120,77 +78,15 @@ void RowListView::refresh() {
   model_.check_order(first, last);
   if (model_.in_order() != was_in_order) horizontalHeader()->viewport()->update();
   model_.refresh(first, last);
-  if (model_.list().current() != current_) follow_selection();
-  look_where_rows_stand();
-}
-
-void RowListView::look_where_rows_stand() {
-  if (click_guard_ == nullptr) return;
-  std::vector<Standing> now;
-  auto before = standing_.begin();
-  for (int place = std::max(rowAt(0), 0); place < model_.rowCount(); ++place) {
-    const int top = rowViewportPosition(place);
-    const Row* row = model_.row_at(place);
-    if (top >= viewport()->height() || row == nullptr) break;
-    while (before != standing_.end() && before->top < top)
-      ++before;
-    const bool stood = before != standing_.end() && before->top == top && before->key == row->key();
-    now.push_back({row->key(), top, stood ? before->since : click_guard_->elapsed()});
-  }
-  standing_ = std::move(now);
+  selection_->follow_list();
+  if (standing_) standing_->look(*this, model_);
 }
 
 bool RowListView::just_moved(int place) {
-  if (click_guard_ == nullptr) return false;
-  if (screen_.frame() > frame_) standing_.clear();
-  look_where_rows_stand();
-  const int top = rowViewportPosition(place);
-  const auto at =
-      std::find_if(standing_.begin(), standing_.end(), [&](const Standing& s) { return s.top == top; });
-  return place >= 0 && at != standing_.end() && in_dead_time(*click_guard_, at->since);
-}
-
-void RowListView::take_selection() {
-  if (following_) return;
-  // Rows come and go: what the selection stands on is known when all have.
-  selection_taken_ = model_.settled();
-  if (!selection_taken_) return;
-  RowList& list = model_.list();
-  const QItemSelectionModel& chosen = *selectionModel();
-  std::vector<bool> places(static_cast<std::size_t>(model_.rowCount()));
-  for (const QItemSelectionRange& range : chosen.selection()) {
-    for (int place = range.top(); place <= range.bottom(); ++place)
-      places[static_cast<std::size_t>(place)] = true;
-  }
-  // Rows that a filter hides are never selected: nobody acts on what he does not see.
-  std::vector<Row*> selected;
-  for (std::size_t place = 0; place < places.size(); ++place) {
-    if (places[place]) selected.push_back(model_.row_at(static_cast<int>(place)));
-  }
-  Row* current = model_.row_at(currentIndex().row());
-  if (current != nullptr && !places[static_cast<std::size_t>(currentIndex().row())]) current = nullptr;
-  if (selected.size() == 1 && !(selected.front() == list.current() && selected.front()->selected())) {
-    list.select(*selected.front());
-  }
-  const tsl::robin_set<const Row*> chosen_rows(selected.begin(), selected.end());
-  for (Row& row : list) {
-    const bool wanted = chosen_rows.contains(&row);
-    if (row.selected() != wanted) row.set_selected(wanted);
-  }
-  list.set_current(current);
-  current_ = current;
-}
-
-void RowListView::follow_selection() {
-  current_ = model_.list().current();
-  const int place = current_ == nullptr ? -1 : model_.place_of(current_);
-  // What a filter hides is not selected, whoever wants it to be.
-  if (current_ != nullptr && place < 0) return take_selection();
-  if (place < 0) return;
-  following_ = true;
-  selectionModel()->setCurrentIndex(model_.index(place, 0),
-                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-  following_ = false;
+  if (!standing_) return false;
+  if (screen_.frame() > frame_) standing_->forget();
+  standing_->look(*this, model_);
+  return place >= 0 && standing_->just_came(rowViewportPosition(place));
 }
 
 bool RowListView::go_to(const Row& row) {
@@ -203,23 +99,6 @@ bool RowListView::go_to(const Row& row) {
   // Amid its neighbours, and still in sight should the list get smaller as it is brought up.
   if (!in_sight) scrollTo(index, PositionAtCenter);
   return true;
-}
-
-void RowListView::set_sortable(bool sortable) {
-  sortable_ = sortable;
-  horizontalHeader()->setSectionsClickable(sortable);
-}
-
-void RowListView::header_clicked(int column) {
-  const bool same = column == model_.sort_column();
-  if (!same) {
-    model_.sort(column, Qt::AscendingOrder);
-  } else if (model_.sort_order() == Qt::AscendingOrder) {
-    model_.sort(column, Qt::DescendingOrder);
-  } else {
-    model_.sort(-1, Qt::AscendingOrder);
-  }
-  horizontalHeader()->viewport()->update();
 }
 
 void RowListView::paintEvent(QPaintEvent* event) {
@@ -270,94 +149,7 @@ void RowListView::paintEvent(QPaintEvent* event) {
 
 void RowListView::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);
-  drop_columns();
-  if (!dragged_) spread();
-}
-
-void RowListView::set_first_to_go(std::vector<std::size_t> columns) {
-  first_to_go_ = std::move(columns);
-  drop_columns();
-  if (!dragged_) spread();
-}
-
-void RowListView::drop_columns() {
-  if (first_to_go_.empty()) return;
-  int least = 0;
-  for (std::size_t column = 0; column < model_.list().columns().size(); ++column)
-    least += least_width(column);
-  spreading_ = true;
-  for (const std::size_t column : first_to_go_)
-    setColumnHidden(static_cast<int>(column), least > viewport()->width());
-  spreading_ = false;
-}
-
-// Of a column that has room for its header and for what it always has to show.
-int RowListView::least_width(std::size_t column) const {
-  const int tick = column == 0 && model_.ticks() ? RowDelegate::tick_width : 0;
-  const int header = delegate_.text_width(model_.list().columns()[column].header);
-  const int text = delegate_.text_width(column < readable_.size() ? readable_[column] : further_readable_);
-  return std::max(header, text) + tick;
-}
-
-void RowListView::keep_readable(std::vector<std::string> texts) {
-  readable_ = std::move(texts);
-  if (!dragged_) spread();
-}
-
-void RowListView::set_columns_vary(std::string text) {
-  columns_vary_ = true;
-  delegate_.set_all_numbers();
-  further_readable_ = std::move(text);
-  if (!dragged_) spread();
-}
-
-void RowListView::follow_percentages() {
-  dragged_ = false;
-  spread();
-}
-
-void RowListView::spread(int from) {
-  std::vector<ColumnShare> shares;
-  const std::vector<Column>& columns = model_.list().columns();
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (isColumnHidden(static_cast<int>(i))) {
-      shares.push_back({});
-      continue;
-    }
-    shares.push_back({columns[i].width, least_width(i)});
-  }
-  const std::vector<int> widths = spread_columns(shares, viewport()->width());
-  spreading_ = true;
-  for (int column = from; column < static_cast<int>(widths.size()); ++column) {
-    // A hidden one comes back as wide as it was.
-    if (!isColumnHidden(column)) setColumnWidth(column, widths[static_cast<std::size_t>(column)]);
-  }
-  spreading_ = false;
-}
-
-QByteArray RowListView::save_columns() const {
-  QByteArray out;
-  if (columns_vary_) return out;
-  QDataStream stream{&out, QIODevice::WriteOnly};
-  stream << dragged_ << horizontalHeader()->saveState();
-  return out;
-}
-
-bool RowListView::restore_columns(const QByteArray& saved) {
-  QDataStream stream{saved};
-  bool dragged = false;
-  QByteArray header;
-  stream >> dragged >> header;
-  spreading_ = true;
-  const bool restored = stream.status() == QDataStream::Ok && horizontalHeader()->restoreState(header);
-  spreading_ = false;
-  // The header draws an arrow of its own.
-  horizontalHeader()->setSortIndicatorShown(false);
-  horizontalHeader()->setSectionsClickable(sortable_);
-  drop_columns();
-  dragged_ = restored && dragged;
-  if (!dragged_) spread();
-  return restored;
+  columns_->follow_width();
 }
 
 RowListView::Target RowListView::target_at(const QModelIndex& index) const {

@@ -44,7 +44,7 @@ void PaneLayout::reset() {
   arrange();
   share_room();
   for (const Pane& pane : panes_.all()) {
-    if (pane.list != nullptr) pane.list->follow_percentages();
+    if (pane.list != nullptr) pane.list->columns().follow_percentages();
   }
 }
 
@@ -124,7 +124,7 @@ void PaneLayout::restore_panes() {
   }
   for (const Pane& pane : panes_.all()) {
     const QByteArray columns = layout_.value(QStringLiteral("columns.") + pane.name);
-    if (pane.list != nullptr && !columns.isEmpty()) pane.list->restore_columns(columns);
+    if (pane.list != nullptr && !columns.isEmpty()) pane.list->columns().restore_columns(columns);
   }
 }
 
@@ -132,7 +132,8 @@ tl::expected<void, FileError> PaneLayout::save() {
   layout_.set(QStringLiteral("geometry"), window_.saveGeometry());
   layout_.set(QStringLiteral("panes"), window_.saveState(layout_version));
   for (const Pane& pane : panes_.all()) {
-    if (pane.list != nullptr) layout_.set(QStringLiteral("columns.") + pane.name, pane.list->save_columns());
+    if (pane.list != nullptr)
+      layout_.set(QStringLiteral("columns.") + pane.name, pane.list->columns().save_columns());
   }
   return layout_.save();
 }

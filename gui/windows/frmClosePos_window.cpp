@@ -113,10 +113,10 @@ QBoxLayout* FrmClosePosWindow::make_head() {
 }
 
 void FrmClosePosWindow::connect_list() {
-  list_->keep_readable({"0000000", "            #000000000 Sell 00.00 EURUSD at 00000.00", "000.00",
-                        "Close At 00000.00  -  Trading is closed"});
+  list_->columns().keep_readable({"0000000", "            #000000000 Sell 00.00 EURUSD at 00000.00", "000.00",
+                                  "Close At 00000.00  -  Trading is closed"});
   // Positions stand below their account.
-  list_->set_sortable(false);
+  list_->columns().set_sortable(false);
   list_->rows().keep_groups_sorted(frmClosePos::account,
                                    [](const Row& row) { return !frmClosePos::is_position(row); });
   list_->set_heads([](const Row& row) { return !frmClosePos::is_position(row); });

@@ -56,7 +56,7 @@ FrmJournalWindow::FrmJournalWindow(frmJournal& form, CJournal& journal, Screen& 
       list_(new RowListView{form.lvwJournal, screen, {account_column}}),
       head_(new QHBoxLayout) {
   list_->setObjectName(QStringLiteral("lvwJournal"));
-  list_->keep_readable({"0000-00-00 00:00:00", "000000", ""});
+  list_->columns().keep_readable({"0000-00-00 00:00:00", "000000", ""});
   connect(&list_->rows(), &QAbstractItemModel::rowsInserted, this,
           [this](const QModelIndex&, int first, int last) { keep_reading(first, last); });
 

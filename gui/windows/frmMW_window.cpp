@@ -16,8 +16,9 @@ FrmMWWindow::FrmMWWindow(frmMW& form, Screen& screen) : form_(form), screen_(scr
                       screen,
                       {Column::bid, Column::ask, Column::spread, Column::high, Column::low, Column::time}};
   symbols_->setObjectName(QStringLiteral("lvwMW"));
-  symbols_->keep_readable({"NZDCAD.m", "00000.00", "00000.00", "0000", "00000.00", "00000.00", "00:00"});
-  symbols_->set_first_to_go({Column::high, Column::low});
+  symbols_->columns().keep_readable(
+      {"NZDCAD.m", "00000.00", "00000.00", "0000", "00000.00", "00000.00", "00:00"});
+  symbols_->columns().set_first_to_go({Column::high, Column::low});
   symbols_->setSelectionMode(QAbstractItemView::SingleSelection);
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);

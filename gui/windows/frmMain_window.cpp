@@ -43,9 +43,9 @@ FrmMainWindow::FrmMainWindow(frmMain& form, Screen& screen, QWidget* parent)
       screen_(screen),
       list_(new RowListView{form.lvwClients, screen, numbers, false, this}) {
   list_->setObjectName(QStringLiteral("lvwClients"));
-  list_->keep_readable({"000", "", std::string{state_text(AccountState::disconnected)}, "0000000", "",
-                        "000000.00", "-0000.00", "0000.00", "000000.00", "00000.00", "00000.00%",
-                        "000000.00"});
+  list_->columns().keep_readable({"000", "", std::string{state_text(AccountState::disconnected)}, "0000000",
+                                  "", "000000.00", "-0000.00", "0000.00", "000000.00", "00000.00",
+                                  "00000.00%", "000000.00"});
   list_->set_ink([](const Row& row, std::size_t column) {
     const bool lost = column >= frmMain::balance && row.cell(column).stored_number() < 0.0;
     return lost ? QColor{theme::loss} : QColor{};

@@ -44,10 +44,10 @@ QColor account_ink(const Row& row, std::size_t column) {
 void show_averages(RowListView& list, std::initializer_list<int> columns, int from_width) {
   const bool narrow = list.width() < from_width;
   if (list.isColumnHidden(*columns.begin()) == narrow) return;
-  const bool dragged = list.widths_dragged();
+  const bool dragged = list.columns().widths_dragged();
   for (const int column : columns)
     list.setColumnHidden(column, narrow);
-  if (!dragged) list.follow_percentages();
+  if (!dragged) list.columns().follow_percentages();
 }
 
 }  // namespace
@@ -82,8 +82,8 @@ QWidget* FrmNetTradeWindow::make_symbols(const AccountBook& accounts, Screen& sc
   list_->setSelectionMode(QAbstractItemView::SingleSelection);
   list_->set_ink(symbol_ink);
   list_->set_money([](std::size_t at) { return at == SymbolColumn::floating; });
-  list_->keep_readable({"Total(All Clients)", "000", "00000.00", "00000.00", "00000.00", "00000.00",
-                        "-0000.00", "-000,000.00"});
+  list_->columns().keep_readable({"Total(All Clients)", "000", "00000.00", "00000.00", "00000.00", "00000.00",
+                                  "-0000.00", "-000,000.00"});
   add_empty_hint(*list_, screen, QStringLiteral("No open positions"));
   auto* part = new QWidget;
   auto* column = new QVBoxLayout{part};
@@ -114,7 +114,8 @@ QWidget* FrmNetTradeWindow::make_accounts(Screen& screen) {
   accounts_ = named(new RowListView{form_.lvwNetAccounts, screen, {0, 1, 2, 3, 4, 5, 6}}, "lvwNetAccounts");
   accounts_->set_ink(account_ink);
   accounts_->set_money([](std::size_t at) { return at == AccountColumn::of_floating; });
-  accounts_->keep_readable({"000000", "000.00", "00000.00", "000.00", "00000.00", "-000.00", "-00,000.00"});
+  accounts_->columns().keep_readable(
+      {"000000", "000.00", "00000.00", "000.00", "00000.00", "-000.00", "-00,000.00"});
   head_ = named(new ElidedLabel, "accounts_head");
   head_->set_colour(QColor{theme::muted});
   close_ = named(new QPushButton, "close_accounts");

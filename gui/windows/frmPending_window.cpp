@@ -31,8 +31,8 @@ Side side(const Row& row, std::size_t column) {
 FrmPendingWindow::FrmPendingWindow(frmPending& form, Screen& screen)
     : form_(form), screen_(screen), list_(new RowListView{form.lvwPending, screen, numbers, true}) {
   list_->setObjectName(QStringLiteral("lvwPending"));
-  list_->keep_readable({"00000000", "000000", "SL/TP (00000000)000", "00.00", "AUDNZD", "00000.00",
-                        "00000.00", "00000.00", "0000-00-00 00:00:00"});
+  list_->columns().keep_readable({"00000000", "000000", "SL/TP (00000000)000", "00.00", "AUDNZD", "00000.00",
+                                  "00000.00", "00000.00", "0000-00-00 00:00:00"});
   list_->set_sides(side);
   list_->set_ink([](const Row& row, std::size_t column) { return theme::side_colour(side(row, column)); });
   list_->set_tip([](const Row& row, std::size_t) {

@@ -44,8 +44,9 @@ FrmTradeWindow::FrmTradeWindow(frmTrade& form, const AccountBook& accounts, Scre
   list_->set_ink(ink);
   list_->set_money([](std::size_t at) { return at >= frmTrade::commission && at <= frmTrade::profit; });
   list_->set_sides(side);
-  list_->keep_readable({"00000000", "000000", "0000-00-00", "Sell000", "00.00", "AUDNZD", "00000.00",
-                        "00000.00", "00000.00", "00000.00", "-00.00", "-00.00", "-00,000.00"});
+  list_->columns().keep_readable({"00000000", "000000", "0000-00-00", "Sell000", "00.00", "AUDNZD",
+                                  "00000.00", "00000.00", "00000.00", "00000.00", "-00.00", "-00.00",
+                                  "-00,000.00"});
 
   Binder binder{screen, *this};
   auto* all = new QCheckBox{QStringLiteral("All")};

@@ -295,7 +295,7 @@ void FrmlimitorderWindow::fit_columns() {
   } else {
     form_.Form_Load();
   }
-  if (!list().widths_dragged()) list().follow_percentages();
+  if (!list().columns().widths_dragged()) list().columns().follow_percentages();
 }
 
 // The account whose order came to be edited may be far down the list.

@@ -85,8 +85,8 @@ void NetMatrixWindow::make_list() {
 
 void NetMatrixWindow::keep_readable() {
   profit_widths_ = form_.shows_profit();
-  list_->keep_readable({"", profit_widths_ ? "-000,000.00" : "-0000.00"});
-  list_->set_columns_vary(profit_widths_ ? "-00,000.00" : "-000.00");
+  list_->columns().keep_readable({"", profit_widths_ ? "-000,000.00" : "-0000.00"});
+  list_->columns().set_columns_vary(profit_widths_ ? "-00,000.00" : "-000.00");
 }
 
 // Rows come and go: what the selection stands on is known when all have.

@@ -211,7 +211,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   show(rig.window, {1000, 500});
 
   // Positions stay below their account whatever header is clicked.
-  list.restore_columns(RowListView{rig.form.MSH, rig.screen, {}}.save_columns());
+  list.columns().restore_columns(RowListView{rig.form.MSH, rig.screen, {}}.columns().save_columns());
   const std::int64_t head = rig.ticket(0);
   for (int column = 0; column < 4; ++column)
     click_header(list, column);

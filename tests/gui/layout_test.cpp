@@ -355,7 +355,7 @@ TEST_F(LayoutTest, LayoutIsKeptAndADamagedOneIsReplacedByTheStandard) {
     open();
     EXPECT_FALSE(dock("journal").isFloating()) << damaged;
     EXPECT_FALSE(dock("market_watch").isHidden()) << damaged;
-    EXPECT_FALSE(window->panes().journal().list().widths_dragged()) << damaged;
+    EXPECT_FALSE(window->panes().journal().list().columns().widths_dragged()) << damaged;
   }
 }
 
