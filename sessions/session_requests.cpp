@@ -1,7 +1,5 @@
 #include "sessions/session_requests.h"
 
-#include <cmath>
-
 #include "core/numbers.h"
 #include "sessions/result_texts.h"
 
@@ -40,70 +38,10 @@ PendingOrder in_dealing(const OrderReport& report, std::int32_t account, const c
 
 }  // namespace
 
-bool SessionRequests::settle(SentOrder* meant, std::int32_t code, Outcome outcome, std::int64_t order) {
-  // A word that comes again, or too late, changes nothing; what was given up it settles after all.
-  if (meant == nullptr || (meant->settled() && meant->outcome != Outcome::unknown)) return false;
-  book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
-  const bool of_entry_window = meant->kind == RequestKind::entry || meant->kind == RequestKind::update ||
-                               meant->kind == RequestKind::stops;
-  if (of_entry_window) scope_.desk.entry_order->request_settled(*meant, scope_.account);
-  return true;
-}
-
-bool SessionRequests::settle(RequestKind kind, std::int64_t number, std::int32_t code, Outcome outcome,
-                             RequestId id) {
-  return settle(
-      id != 0 ? book_.named(scope_.account, id) : book_.fitting(sender_, {.kind = kind, .number = number}),
-      code, outcome);
-}
-
-Outcome SessionRequests::outcome_of(const OrderReport& report) const {
-  if (report.result != result::succeeded) return Outcome::refused;
-  if (report.state == order_state::pending) return Outcome::pending;
-  return report.left > 0.0 ? Outcome::partly : Outcome::accepted;
-}
-
-SentOrder* SessionRequests::close_of(const OrderReport& report) {
-  return report.id != 0 ? book_.named(scope_.account, report.id)
-                        : book_.fitting(sender_, {.kind = RequestKind::close, .number = report.number});
-}
-
-SentOrder* SessionRequests::meant_by(const OrderReport& report) {
-  if (report.id != 0) return book_.named(scope_.account, report.id);
-  return book_.fitting(sender_, {.kind = RequestKind::open,
-                                 .number = report.number,
-                                 .symbol = scope_.symbols.find(report.symbol),
-                                 .side = report.operation,
-                                 .lots = report.amount});
-}
-
-// What is told of an order that went through dealing names a number that was told before.
-SentOrder* SessionRequests::dealt_by(const OrderReport& report) {
-  if (report.id != 0) return book_.named(scope_.account, report.id);
-  const SentOrder* known = book_.last(sender_, RequestKind::open, report.number);
-  return known == nullptr ? nullptr : book_.named(scope_.account, known->id);
-}
-
-bool SessionRequests::settle(SentOrder* meant, const OrderReport& report, std::int32_t code,
-                             Outcome outcome) {
-  // A fill that is told again is none.
-  if (!book_.is_new_execution(sender_, report.execution)) return false;
-  if (outcome == Outcome::accepted && report.left > 0.0) outcome = Outcome::partly;
-  if (!settle(meant, code, outcome, report.number)) return false;
-  if (report.filled_all > 0.0) meant->filled = report.filled_all;
-  return true;
-}
-
-// The order that the answer to a requote was for has ended, and with it the answer.
-void SessionRequests::end_requote(std::int64_t order) {
-  if (const SentOrder* answer = book_.last(sender_, RequestKind::requote, order))
-    settle(book_.named(scope_.account, answer->id), 0, Outcome::accepted);
-}
-
 bool SessionRequests::new_order(const OrderReport& report) {
   const bool done = report.result == result::succeeded;
   const bool dealing = done && report.state == order_state::pending;
-  const bool ours = settle(meant_by(report), report, report.result, outcome_of(report));
+  const bool ours = sent_.settle(sent_.opening(report), report);
   if (ours && dealing)
     scope_.desk.pending->order(in_dealing(report, scope_.account, "OP", scope_.general.clock.now()));
   const std::string line = dealing ? "Order " + std::to_string(report.number) + " in Pending mode"
@@ -123,8 +61,9 @@ bool SessionRequests::new_order(const OrderReport& report) {
 
 bool SessionRequests::market_order_accepted(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
-  const bool ours = settle(close ? close_of(report) : dealt_by(report), report, 0, Outcome::accepted);
-  end_requote(report.number);
+  const bool ours =
+      sent_.settle(close ? sent_.closing(report) : sent_.dealt(report), report, 0, Outcome::accepted);
+  sent_.end_requote(report.number);
   if (close) {
     scope_.log_order(report.number,
                      "Ticket #" + std::to_string(report.number) + " has been closed successfully");
@@ -139,9 +78,9 @@ bool SessionRequests::market_order_accepted(const OrderReport& report) {
 
 bool SessionRequests::market_order_rejected(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
-  const bool ours = settle(close ? close_of(report) : dealt_by(report), report, close ? 0 : report.result,
-                           Outcome::refused);
-  end_requote(report.number);
+  const bool ours = sent_.settle(close ? sent_.closing(report) : sent_.dealt(report), report,
+                                 close ? 0 : report.result, Outcome::refused);
+  sent_.end_requote(report.number);
   if (close) {
     constexpr std::string_view text = "Closing has been rejected";
     scope_.log_order(report.number, text);
@@ -154,18 +93,8 @@ bool SessionRequests::market_order_rejected(const OrderReport& report) {
   return ours;
 }
 
-void SessionRequests::requote_tick(const Requote& requote) {
-  for (const RequestKind kind : {RequestKind::open, RequestKind::close}) {
-    const SentOrder* last = book_.last(sender_, kind, requote.order);
-    if (last == nullptr) continue;
-    SentOrder& order = *book_.named(scope_.account, last->id);
-    if (order.outcome == Outcome::unknown) settle(&order, 0, Outcome::pending);
-    if (!order.settled()) book_.heard_of(order, scope_.general.clock.elapsed());
-  }
-}
-
 bool SessionRequests::close_result(const OrderReport& report) {
-  const bool ours = settle(close_of(report), report, report.result, outcome_of(report));
+  const bool ours = sent_.settle(sent_.closing(report), report);
   tell_close(report, ours);
   return ours;
 }
@@ -193,38 +122,8 @@ void SessionRequests::tell_close(const OrderReport& report, bool ours) {
   write_row(text);
 }
 
-// The answer names no more than a number. That of a success is known to the server, as an order or as the
-// position it has become; what was asked for is read from there. Of several open requests nobody knows which
-// one was refused.
-SentOrder* SessionRequests::entry_of(std::int64_t order, std::int32_t code) {
-  if (book_.last(sender_, RequestKind::entry, order) != nullptr || code != result::succeeded) {
-    const SentOrder* known = book_.last(sender_, RequestKind::entry, order);
-    return known != nullptr ? book_.named(scope_.account, known->id)
-                            : book_.only(sender_, RequestKind::entry, [](const SentOrder&) { return true; });
-  }
-  RequestBook::Figures figures{.kind = RequestKind::entry, .number = order};
-  if (const PendingOrder* placed = records_.pending_order(order)) {
-    figures.symbol = scope_.symbols.find(placed->symbol);
-    SentOrder* at_price = book_.only(sender_, RequestKind::entry, [&](const SentOrder& o) {
-      return o.symbol == figures.symbol && o.side == placed->operation && o.price == placed->price &&
-             std::fabs(o.amount - placed->amount) <= RequestBook::same_lots;
-    });
-    if (at_price != nullptr) return at_price;
-    figures.side = placed->operation;
-    figures.lots = placed->amount;
-  } else if (const OpenPosition* executed = records_.open_position(order)) {
-    figures.symbol = scope_.symbols.find(executed->symbol);
-    figures.side = executed->side;
-    figures.lots = executed->amount;
-  } else {
-    return nullptr;
-  }
-  return book_.fitting(sender_, figures);
-}
-
 bool SessionRequests::new_entry(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours = settle(id != 0 ? book_.named(scope_.account, id) : entry_of(order, code), code,
-                           SentOrder::outcome_of(code), order);
+  const bool ours = sent_.settle(sent_.entry(order, code, id), code, SentOrder::outcome_of(code), order);
   const std::string_view text = result_texts::new_entry(code);
   if (code == result::all_managed) {
     scope_.log_order(order, "Order " + std::to_string(order) + " :All Lots Are Managed");
@@ -239,7 +138,7 @@ bool SessionRequests::new_entry(std::int64_t order, std::int32_t code, RequestId
 }
 
 bool SessionRequests::update_entry(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours = settle(RequestKind::update, order, code, SentOrder::outcome_of(code), id);
+  const bool ours = sent_.settle(sent_.change(RequestKind::update, order, id), code);
   const std::string line = result_texts::update_entry_line(order, code);
   if (!line.empty()) scope_.log_order(order, line);
   if (!ours) return false;
@@ -252,7 +151,7 @@ bool SessionRequests::update_entry(std::int64_t order, std::int32_t code, Reques
 }
 
 bool SessionRequests::delete_entry(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours = settle(RequestKind::cancel, order, code, SentOrder::outcome_of(code), id);
+  const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code);
   const std::string text =
       "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
   scope_.log_order(order, text);
@@ -260,22 +159,8 @@ bool SessionRequests::delete_entry(std::int64_t order, std::int32_t code, Reques
   return ours;
 }
 
-// The answer to stops names their order, which is a new one when the position had none before, and may be
-// gone when it is refused.
-SentOrder* SessionRequests::stops_of(std::int64_t order, std::int32_t code) {
-  const auto only = [&](auto&& meant) { return book_.only(sender_, RequestKind::stops, meant); };
-  if (SentOrder* had = only([&](const SentOrder& o) { return o.stops_order == order; })) return had;
-  if (const PendingOrder* placed = records_.pending_order(order))
-    return only([&](const SentOrder& o) { return o.number == placed->reference; });
-  if (code == result::succeeded) return nullptr;
-  return only([&](const SentOrder& o) {
-    return o.stops_order == 0 || records_.pending_order(o.stops_order) == nullptr;
-  });
-}
-
 bool SessionRequests::new_stops(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours = settle(id != 0 ? book_.named(scope_.account, id) : stops_of(order, code), code,
-                           SentOrder::outcome_of(code));
+  const bool ours = sent_.settle(sent_.stops(order, code, id), code);
   scope_.log_order(order, result_texts::new_stops_line(order));
   const std::string_view refusal = result_texts::new_stops(code);
   if (!refusal.empty()) scope_.log_order(order, refusal);
@@ -286,8 +171,7 @@ bool SessionRequests::new_stops(std::int64_t order, std::int32_t code, RequestId
 }
 
 bool SessionRequests::update_stops(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours = settle(id != 0 ? book_.named(scope_.account, id) : stops_of(order, code), code,
-                           SentOrder::outcome_of(code));
+  const bool ours = sent_.settle(sent_.stops(order, code, id), code);
   scope_.log("Updating SL/TP order #" + std::to_string(order) + " result #" +
              std::string{result_texts::general(code)});
   if (ours && code == result::succeeded)
@@ -296,7 +180,7 @@ bool SessionRequests::update_stops(std::int64_t order, std::int32_t code, Reques
 }
 
 bool SessionRequests::delete_stops(std::int64_t order, std::int32_t code, RequestId id) {
-  const bool ours = settle(RequestKind::cancel, order, code, SentOrder::outcome_of(code), id);
+  const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code);
   scope_.log_order(
       order, "Delete SLTP Order #" + std::to_string(order) + " " + std::string{result_texts::general(code)});
   return ours;
@@ -305,7 +189,7 @@ bool SessionRequests::delete_stops(std::int64_t order, std::int32_t code, Reques
 void SessionRequests::entry_executed(const OrderReport& report) {
   // It was placed, then, whether that was told or not.
   if (report.id != 0)
-    settle(book_.named(scope_.account, report.id), result::succeeded, Outcome::accepted, report.number);
+    sent_.settle(sent_.named(report.id), result::succeeded, Outcome::accepted, report.number);
   scope_.desk.pending->remove_order(report.number, scope_.account);
   scope_.log("Entry Order " + std::to_string(report.number) + " [" +
              std::string{result_texts::buy_or_sell(report.operation)} + " " + number_text(report.amount) +
@@ -326,7 +210,7 @@ void SessionRequests::give_up(SentOrder& request) {
       : request.kind == RequestKind::entry
           ? "Entry order " + words(request, scope_.symbols) + " at " + number_text(request.price)
           : "The request for #" + std::to_string(request.number);
-  settle(&request, 0, Outcome::unknown);
+  sent_.settle(&request, 0, Outcome::unknown);
   if (request.kind == RequestKind::requote) return;  // the order that it is for is told of
   scope_.log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
              std::to_string(scope_.account));
@@ -341,7 +225,7 @@ void SessionRequests::overdue(SentOrder& request) {
 }
 
 void SessionRequests::give_up_all() {
-  for (SentOrder* request : book_.open(sender_))
+  for (SentOrder* request : sent_.open())
     give_up(*request);
 }
 

@@ -1,0 +1,124 @@
+#include "sessions/sent_requests.h"
+
+#include <cmath>
+
+namespace tutti {
+
+using Outcome = SentOrder::Outcome;
+
+SentOrder* SentRequests::closing(const OrderReport& report) {
+  return change(RequestKind::close, report.number, report.id);
+}
+
+SentOrder* SentRequests::opening(const OrderReport& report) {
+  if (report.id != 0) return named(report.id);
+  return book_.fitting(sender_, {.kind = RequestKind::open,
+                                 .number = report.number,
+                                 .symbol = scope_.symbols.find(report.symbol),
+                                 .side = report.operation,
+                                 .lots = report.amount});
+}
+
+// What is told of an order that went through dealing names a number that was told before.
+SentOrder* SentRequests::dealt(const OrderReport& report) {
+  if (report.id != 0) return named(report.id);
+  const SentOrder* known = book_.last(sender_, RequestKind::open, report.number);
+  return known == nullptr ? nullptr : named(known->id);
+}
+
+SentOrder* SentRequests::change(RequestKind kind, std::int64_t order, RequestId id) {
+  return id != 0 ? named(id) : book_.fitting(sender_, {.kind = kind, .number = order});
+}
+
+SentOrder* SentRequests::entry(std::int64_t order, std::int32_t code, RequestId id) {
+  return id != 0 ? named(id) : unnamed_entry(order, code);
+}
+
+SentOrder* SentRequests::stops(std::int64_t order, std::int32_t code, RequestId id) {
+  return id != 0 ? named(id) : unnamed_stops(order, code);
+}
+
+// The answer names no more than a number. That of a success is known to the server, as an order or as the
+// position it has become; what was asked for is read from there. Of several open requests nobody knows which
+// one was refused.
+SentOrder* SentRequests::unnamed_entry(std::int64_t order, std::int32_t code) {
+  if (book_.last(sender_, RequestKind::entry, order) != nullptr || code != result::succeeded) {
+    const SentOrder* known = book_.last(sender_, RequestKind::entry, order);
+    return known != nullptr ? named(known->id)
+                            : book_.only(sender_, RequestKind::entry, [](const SentOrder&) { return true; });
+  }
+  RequestBook::Figures figures{.kind = RequestKind::entry, .number = order};
+  if (const PendingOrder* placed = records_.pending_order(order)) {
+    figures.symbol = scope_.symbols.find(placed->symbol);
+    SentOrder* at_price = book_.only(sender_, RequestKind::entry, [&](const SentOrder& o) {
+      return o.symbol == figures.symbol && o.side == placed->operation && o.price == placed->price &&
+             std::fabs(o.amount - placed->amount) <= RequestBook::same_lots;
+    });
+    if (at_price != nullptr) return at_price;
+    figures.side = placed->operation;
+    figures.lots = placed->amount;
+  } else if (const OpenPosition* executed = records_.open_position(order)) {
+    figures.symbol = scope_.symbols.find(executed->symbol);
+    figures.side = executed->side;
+    figures.lots = executed->amount;
+  } else {
+    return nullptr;
+  }
+  return book_.fitting(sender_, figures);
+}
+
+// The answer to stops names their order, which is a new one when the position had none before, and may be
+// gone when it is refused.
+SentOrder* SentRequests::unnamed_stops(std::int64_t order, std::int32_t code) {
+  const auto only = [&](auto&& meant) { return book_.only(sender_, RequestKind::stops, meant); };
+  if (SentOrder* had = only([&](const SentOrder& o) { return o.stops_order == order; })) return had;
+  if (const PendingOrder* placed = records_.pending_order(order))
+    return only([&](const SentOrder& o) { return o.number == placed->reference; });
+  if (code == result::succeeded) return nullptr;
+  return only([&](const SentOrder& o) {
+    return o.stops_order == 0 || records_.pending_order(o.stops_order) == nullptr;
+  });
+}
+
+bool SentRequests::settle(SentOrder* meant, std::int32_t code, Outcome outcome, std::int64_t order) {
+  // A word that comes again, or too late, changes nothing; what was given up it settles after all.
+  if (meant == nullptr || (meant->settled() && meant->outcome != Outcome::unknown)) return false;
+  book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
+  const bool of_entry_window = meant->kind == RequestKind::entry || meant->kind == RequestKind::update ||
+                               meant->kind == RequestKind::stops;
+  if (of_entry_window) scope_.desk.entry_order->request_settled(*meant, scope_.account);
+  return true;
+}
+
+bool SentRequests::settle(SentOrder* meant, const OrderReport& report) {
+  const Outcome outcome = report.result != result::succeeded     ? Outcome::refused
+                          : report.state == order_state::pending ? Outcome::pending
+                                                                 : Outcome::accepted;
+  return settle(meant, report, report.result, outcome);
+}
+
+bool SentRequests::settle(SentOrder* meant, const OrderReport& report, std::int32_t code, Outcome outcome) {
+  // A fill that is told again is none.
+  if (!book_.is_new_execution(sender_, report.execution)) return false;
+  if (outcome == Outcome::accepted && report.left > 0.0) outcome = Outcome::partly;
+  if (!settle(meant, code, outcome, report.number)) return false;
+  if (report.filled_all > 0.0) meant->filled = report.filled_all;
+  return true;
+}
+
+void SentRequests::end_requote(std::int64_t order) {
+  if (const SentOrder* answer = book_.last(sender_, RequestKind::requote, order))
+    settle(named(answer->id), 0, Outcome::accepted);
+}
+
+void SentRequests::dealer_has(std::int64_t number) {
+  for (const RequestKind kind : {RequestKind::open, RequestKind::close}) {
+    const SentOrder* last = book_.last(sender_, kind, number);
+    if (last == nullptr) continue;
+    SentOrder& order = *named(last->id);
+    if (order.outcome == Outcome::unknown) settle(&order, 0, Outcome::pending);
+    if (!order.settled()) book_.heard_of(order, scope_.general.clock.elapsed());
+  }
+}
+
+}  // namespace tutti

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "books/request_book.h"
+#include "sessions/session_records.h"
+
+namespace tutti {
+
+// An account session's own in the request book: which request an answer means, and what became of it.
+//
+// An id names the request. Without one its figures do, where they fit one alone; then and where nothing is
+// meant the answer is nullptr.
+class SentRequests {
+ public:
+  // Keeps references to the first three. `sender`: what the gate knows the session by.
+  SentRequests(SessionScope& scope, const SessionRecords& records, RequestBook& book, Sender sender)
+      : scope_(scope), records_(records), book_(book), sender_(sender) {}
+
+  // Of the first report on a market order, and of what is told of one that went through dealing.
+  SentOrder* opening(const OrderReport& report);
+  SentOrder* dealt(const OrderReport& report);
+  SentOrder* closing(const OrderReport& report);
+  // Of the answers that tell no more than an order number and a result code.
+  SentOrder* entry(std::int64_t order, std::int32_t code, RequestId id);
+  SentOrder* stops(std::int64_t order, std::int32_t code, RequestId id);
+  SentOrder* change(RequestKind kind, std::int64_t order, RequestId id);
+  SentOrder* named(RequestId id) { return book_.named(scope_.account, id); }
+
+  // What became of it; `order` as in RequestBook::settle. False, and nothing changed, where nothing is meant
+  // or the outcome is known already: a word that comes again or too late. What was given up it settles after
+  // all. The entry order window is told of its requests.
+  bool settle(SentOrder* meant, std::int32_t code, SentOrder::Outcome outcome, std::int64_t order = 0);
+  bool settle(SentOrder* meant, std::int32_t code) {
+    return settle(meant, code, SentOrder::outcome_of(code));
+  }
+  // The same with what the report says was filled; a fill that is told again changes nothing.
+  bool settle(SentOrder* meant, const OrderReport& report);
+  bool settle(SentOrder* meant, const OrderReport& report, std::int32_t code, SentOrder::Outcome outcome);
+  // The order that the answer to a requote was for has ended, and with it the answer.
+  void end_requote(std::int64_t order);
+  // The dealer has what is known by this number.
+  void dealer_has(std::int64_t number);
+
+  // Those without a result, oldest first.
+  std::vector<SentOrder*> open() const { return book_.open(sender_); }
+
+ private:
+  SentOrder* unnamed_entry(std::int64_t order, std::int32_t code);
+  SentOrder* unnamed_stops(std::int64_t order, std::int32_t code);
+
+  SessionScope& scope_;
+  const SessionRecords& records_;
+  RequestBook& book_;
+  Sender sender_;
+};
+
+}  // namespace tutti
