@@ -187,8 +187,8 @@ TEST(DealerHistory, FillsAreToldSinceAMoment) {
     return words;
   };
   TimePoint before, between;
-  const Words all = {"fills", "open 0.5 of 1 by id", "close 0.1 of 1 by id", "open 0.3 of 5 by id",
-                     "close 0.4 of 1"};
+  const Words all = {"fills", "open 0.5 of 1 by id", "close 0.1 of 1 by id", "close 0.4 of 1",
+                     "open 0.3 of 5 by id"};
   {
     KeptRig rig(home, config);
     const auto seat = rig.trader(0), other = rig.trader(1);
