@@ -10,8 +10,8 @@
 
 namespace tutti {
 
-frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, AccountBook& accounts,
-                 FileDialog& dialog, ClientFactory make_client, Endpoint own_server, std::size_t capacity)
+frmMain::frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog, ClientFactory make_client,
+                 Endpoint own_server, std::size_t capacity)
     : labelinfo1(
           "Note:- No guarantee to deliver your order to the server with the requested prices as this depends "
           "on your internet speed."),
@@ -20,8 +20,7 @@ frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, Accou
       CommonDialog1(dialog),
       general_(general),
       desk_(desk),
-      symbols_(symbols),
-      accounts_(accounts),
+      books_(books),
       make_client_(std::move(make_client)),
       own_server_(std::move(own_server)),
       capacity_(capacity),
@@ -29,7 +28,7 @@ frmMain::frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, Accou
   txteditLo.set_visible(false);
   m_oTimer.on_tick = [this] { m_oTimer_Tick(); };
   lvwClients.set_make_cells([this](Row& row) { make_cells(row); });
-  accounts_.on_shown = [this](const AccountEntry& account) {
+  books_.accounts.on_shown = [this](const AccountEntry& account) {
     if (Row* row = row_of(account)) row->outdate();
   };
 }
@@ -38,8 +37,8 @@ tl::expected<void, FileError> frmMain::load() {
   general_.column_widths(lvwClients, "4,9,9,10,10,8,8,8,8,8,8,8,8");
   options_ = std::make_unique<CLoginOptions>(general_, own_server_);
   if (auto read = options_->InitializeFromFile(); !read) return read;
-  sessions_ = std::make_unique<CClientAPIManagers>(make_client_, general_, desk_, symbols_, *options_,
-                                                   accounts_, capacity_);
+  sessions_ =
+      std::make_unique<CClientAPIManagers>(make_client_, general_, desk_, books_, *options_, capacity_);
   account_dialog_ = std::make_unique<frmaccount>(general_, desk_, *options_, *sessions_);
   if (auto read = LoadAccounts(); !read) return read;
   loadmainsymbols();
@@ -152,7 +151,7 @@ void frmMain::m_oTimer_Tick() {
     data.connecting_for = std::chrono::duration_cast<std::chrono::seconds>(now - *data.connecting_since);
   }
   TimePoint newest{};
-  for (const auto& symbol : symbols_.entries())
+  for (const auto& symbol : books_.symbols.entries())
     newest = std::max(newest, symbol.quote_time);
   if (newest != TimePoint{}) quote_age_ = std::chrono::duration_cast<std::chrono::seconds>(now - newest);
 }
@@ -165,7 +164,7 @@ std::optional<std::chrono::seconds> frmMain::connecting_for(const Row& row) cons
 
 frmMain::Connections frmMain::connections() const {
   Connections out;
-  for (const AccountEntry* account : accounts_.listed()) {
+  for (const AccountEntry* account : books_.accounts.listed()) {
     ++out.all;
     if (account->connected()) ++out.connected;
     if (account->shown.state == AccountState::connecting) ++out.connecting;

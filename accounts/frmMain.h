@@ -46,9 +46,8 @@ class frmMain final : public AccountsDesk, public Displayable {
     free_margin
   };
 
-  frmMain(MGeneral& general, Desk& desk, SymbolCollection& symbols, AccountBook& accounts, FileDialog& dialog,
-          ClientFactory make_client, Endpoint own_server,
-          std::size_t capacity = CClientAPIManagers::max_accounts);
+  frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog, ClientFactory make_client,
+          Endpoint own_server, std::size_t capacity = CClientAPIManagers::max_accounts);
 
   RowList lvwClients{{"Index", "Username", "Connection Status ", "Account", "Notes", "Balance", "Flt P/L",
                       "Credit", "Equity", "Used Margin", "Margin Level", "Free Margin"}};
@@ -67,7 +66,7 @@ class frmMain final : public AccountsDesk, public Displayable {
 
   CLoginOptions& login_options() { return *options_; }
   CClientAPIManagers& sessions() { return *sessions_; }
-  const AccountBook& account_book() const { return accounts_; }
+  const AccountBook& account_book() const { return books_.accounts; }
   frmaccount& account_dialog() { return *account_dialog_; }
 
   // Saved lists.
@@ -173,8 +172,7 @@ class frmMain final : public AccountsDesk, public Displayable {
 
   MGeneral& general_;
   Desk& desk_;
-  SymbolCollection& symbols_;
-  AccountBook& accounts_;
+  Books& books_;
   std::vector<Row*> rows_;  // by handle of the record
   ClientFactory make_client_;
   Endpoint own_server_;

@@ -10,14 +10,11 @@
 #include "apps/requests_report.h"
 #include "apps/requote_answer.h"
 #include "apps/times.h"
+#include "core/numbers.h"
+#include "core/texts.h"
 
 namespace tutti {
 namespace {
-
-// The session of a row's account; nullptr when it has gone.
-const CClientAPIManager* session_of(Main& main, const Row& row) {
-  return main.accounts().sessions().logged_in(row.key().account());
-}
 
 const char* side_text(std::int32_t operation) {
   return operation > 0 ? "buy" : "sell";
@@ -57,6 +54,23 @@ int print_list(const CommandContext& context, const char* name, const RowList& l
   return context.tell_unconnected({}) == 0 ? exit_status::all_accepted : exit_status::some_refused;
 }
 
+// Values as the list shows them: lots, prices that may be missing, money.
+Json lots_value(double lots) {
+  return json_number(as_text_reads(lots));
+}
+Json price_value(double price, int digits) {
+  return json_number(as_fixed_reads(price, digits));
+}
+Json price_or_none(double price, int digits) {
+  return price == 0.0 ? Json{} : price_value(price, digits);
+}
+Json money_value(double money) {
+  return price_value(money, 2);
+}
+Json symbol_value(const std::string& symbol) {
+  return std::string{trim(symbol)};
+}
+
 // A command that ticks rows, presses a button, and waits for what becomes of each row.
 class RowsRun {
  public:
@@ -64,7 +78,9 @@ class RowsRun {
           const RequestsReport& report)
       : context_(context), arguments_(arguments), list_(list), report_(report) {}
 
-  int run(std::size_t account_column, std::size_t symbol_column, Label& button);
+  // The rows show the records of the book.
+  template <class Book>
+  int run(const Book& book, Label& button);
 
  private:
   using Asked = RequestsReport::Asked;
@@ -85,16 +101,17 @@ bool RowsRun::wanted(const Asked& asked, std::string_view symbol) const {
          (arguments_.symbol.empty() || arguments_.symbol == symbol);
 }
 
-int RowsRun::run(std::size_t account_column, std::size_t symbol_column, Label& button) {
+template <class Book>
+int RowsRun::run(const Book& book, Label& button) {
   if (!context_.knows(arguments_.accounts)) return exit_status::usage;
   if (arguments_.require_connected && !context_.all_connected(arguments_.accounts))
     return exit_status::some_refused;
   const bool everybody = context_.tell_unconnected(arguments_.accounts) == 0;
   std::vector<Asked> all;
   for (Row& row : list_) {
-    const Asked asked{row.key().number(),
-                      static_cast<std::int32_t>(row.cell(account_column).stored_number())};
-    if (!wanted(asked, row.text(symbol_column))) continue;
+    const Asked asked{row.key().number(), row.key().account()};
+    const auto* record = book.find(asked.number, asked.account);
+    if (record == nullptr || !wanted(asked, record->symbol)) continue;
     list_.tick(row, true);
     all.push_back(asked);
   }
@@ -123,18 +140,12 @@ int positions_command(CommandContext& context) {
                    "stop_loss", "take_profit", "commission", "interest", "profit"}};
   const auto rows = rows_by_account(list);
   for (const Row* row : rows) {
-    const auto value = [row](std::size_t column, Holds holds = Holds::numbers) {
-      return cell_value(row->cell(column), holds);
-    };
-    const CClientAPIManager* session = session_of(main, *row);
-    const OpenPosition* position = session == nullptr ? nullptr : session->open_position(row->key().number());
-    records.add({value(frmTrade::ticket), value(frmTrade::account),
-                 position == nullptr ? Json{} : Json(utc_text(position->open_time)),
-                 position == nullptr ? Json{} : Json(side_text(position->side)), value(frmTrade::amount),
-                 value(frmTrade::symbol, Holds::words), value(frmTrade::open_price),
-                 value(frmTrade::current_price), value(frmTrade::stop_loss), value(frmTrade::take_profit),
-                 value(frmTrade::commission, Holds::money), value(frmTrade::interest, Holds::money),
-                 value(frmTrade::profit, Holds::money)});
+    const auto* p = main.positions().find(row->key().number(), row->key().account());
+    records.add({p->ticket, p->account, utc_text(p->open_time), side_text(p->side), lots_value(p->amount),
+                 symbol_value(p->symbol), price_value(p->open_price, p->digits),
+                 price_value(p->current_price, p->digits), price_or_none(p->stop_loss, p->digits),
+                 price_or_none(p->take_profit, p->digits), money_value(p->commission),
+                 money_value(p->interest), money_value(p->floating_pl)});
   }
   return print_list(context, "positions", list, rows, records, Json::object());
 }
@@ -146,18 +157,12 @@ int orders_command(CommandContext& context) {
                    "take_profit", "time"}};
   const auto rows = rows_by_account(list);
   for (const Row* row : rows) {
-    const auto value = [row](std::size_t column, Holds holds = Holds::numbers) {
-      return cell_value(row->cell(column), holds);
-    };
-    const CClientAPIManager* session = session_of(main, *row);
-    const PendingOrder* order = session == nullptr ? nullptr : session->pending_order(row->key().number());
-    const bool of_position = order != nullptr && order->reference != 0;
-    records.add(
-        {value(frmPending::order_number), value(frmPending::account), value(frmPending::type, Holds::words),
-         order == nullptr ? Json{} : Json(side_text(frmPending::side(*row))),
-         of_position ? Json(order->reference) : Json{}, value(frmPending::amount),
-         value(frmPending::symbol, Holds::words), value(frmPending::price), value(frmPending::stop_loss),
-         value(frmPending::take_profit), order == nullptr ? Json{} : Json(utc_text(order->time))});
+    const auto* o = main.orders().find(row->key().number(), row->key().account());
+    records.add({o->order, o->account, std::string{trim(frmPending::TypeDesc(o->kind, o->reference))},
+                 side_text(frmPending::side(*o)), o->reference != 0 ? Json(o->reference) : Json{},
+                 lots_value(o->amount), symbol_value(o->symbol), price_value(o->price, o->digits),
+                 price_or_none(o->stop_loss, o->digits), price_or_none(o->take_profit, o->digits),
+                 utc_text(o->time)});
   }
   const int status =
       print_list(context, "orders", list, rows, records, {{"in_flight", in_flight_json(context)}});
@@ -171,15 +176,13 @@ int orders_command(CommandContext& context) {
 int close_command(CommandContext& context, const RowsArguments& arguments) {
   frmTrade& form = context.main().trade();
   const RequestsReport report{context, RequestKind::close, "ticket", "positions"};
-  return RowsRun{context, arguments, form.lvwOpenPos, report}.run(frmTrade::account, frmTrade::symbol,
-                                                                  form.lbbClose);
+  return RowsRun{context, arguments, form.lvwOpenPos, report}.run(context.main().positions(), form.lbbClose);
 }
 
 int cancel_command(CommandContext& context, const RowsArguments& arguments) {
   frmPending& form = context.main().pending();
   const RequestsReport report{context, RequestKind::cancel, "order", "orders"};
-  return RowsRun{context, arguments, form.lvwPending, report}.run(frmPending::account, frmPending::symbol,
-                                                                  form.lbbCancel);
+  return RowsRun{context, arguments, form.lvwPending, report}.run(context.main().orders(), form.lbbCancel);
 }
 
 }  // namespace tutti

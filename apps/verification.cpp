@@ -104,41 +104,36 @@ void Verification::check_totals() {
 }
 
 void Verification::check_positions() {
-  const RowList& list = main_.trade().lvwOpenPos;
-  tsl::robin_set<RowKey, RowKey::Hash> booked_keys;
+  const PositionBook& book = main_.positions();
+  std::set<std::pair<std::int32_t, std::int64_t>> found;
   for (const TradingAccount& account : server_.accounts()) {
     const std::int32_t number = account.config().number;
     if (connected(number) == nullptr) continue;
     for (const auto& position : account.positions()) {
       const OpenPosition& booked = position.record;
-      const RowKey key = ticket_key(booked.ticket, number);
-      booked_keys.insert(key);
       const std::string what = fmt::format("position #{}", booked.ticket);
-      const Row* row = list.find(key);
-      if (row == nullptr) {
+      const PositionBook::Record* shown = book.find(booked.ticket, number);
+      if (shown == nullptr) {
         differ(number, what + " is not listed");
         continue;
       }
-      compare(number, what + " amount", row->cell(frmTrade::amount).stored_number(), booked.amount, 1e-9);
-      compare(number, what + " open price", row->cell(frmTrade::open_price).stored_number(),
-              booked.open_price, 1e-9);
-      compare(number, what + " current price", row->cell(frmTrade::current_price).stored_number(),
-              booked.current_price, 1e-9);
-      compare(number, what + " profit", row->cell(frmTrade::profit).stored_number(), booked.floating_pl,
-              half_a_cent);
-      compare(number, what + " stop loss", row->cell(frmTrade::stop_loss).stored_number(), booked.stop_loss,
-              1e-9);
-      compare(number, what + " take profit", row->cell(frmTrade::take_profit).stored_number(),
-              booked.take_profit, 1e-9);
-      const bool side = row->reads(frmTrade::type, booked.side > 0 ? "Buy" : "Sell");
-      if (!side || !row->reads(frmTrade::symbol, booked.symbol))
+      found.emplace(number, booked.ticket);
+      compare(number, what + " amount", shown->amount, booked.amount, 1e-9);
+      compare(number, what + " open price", shown->open_price, booked.open_price, 1e-9);
+      compare(number, what + " current price", shown->current_price, booked.current_price, 1e-9);
+      compare(number, what + " profit", shown->floating_pl, booked.floating_pl, half_a_cent);
+      const std::string passed_on = main_.net_positions().profit_text(shown->floating_pl);
+      compare(number, what + " profit in the net positions",
+              main_.general().locale->StringToNumber(passed_on), booked.floating_pl, half_a_cent);
+      compare(number, what + " stop loss", shown->stop_loss, booked.stop_loss, 1e-9);
+      compare(number, what + " take profit", shown->take_profit, booked.take_profit, 1e-9);
+      if ((shown->side > 0) != (booked.side > 0) || shown->symbol != booked.symbol)
         differ(number, what + " side or symbol differs");
     }
   }
-  for (const Row& row : list) {
-    if (booked_keys.contains(row.key())) continue;
-    differ(static_cast<std::int32_t>(row.cell(frmTrade::account).stored_number()),
-           fmt::format("position #{} is listed, but the server has none", row.key().number()));
+  for (const PositionBook::Record* shown : book.all()) {
+    if (!found.contains({shown->account, shown->ticket}))
+      differ(shown->account, fmt::format("position #{} is listed, but the server has none", shown->ticket));
   }
 }
 
@@ -167,23 +162,17 @@ void Verification::check_net() {
                   both[{account.number, name}].values());
     }
   }
-  frmNetTrade& form = main_.net_trade();
-  form.refresh();
-  for (const Row& row : form.lvwNet) {
-    const bool total = frmNetTrade::is_total(row);
-    const std::string name = row.text(frmNetTrade::symbol);
-    const auto node = symbols.extract(name);
-    const BookedNet booked = total ? all : node.empty() ? BookedNet{} : node.mapped();
-    NetValues shown{};
-    for (std::size_t at = 0; at < shown.size(); ++at)
-      shown[at] = row.cell(frmNetTrade::bought + at).stored_number();
-    NetValues expected = booked.values();
-    // Prices of different symbols have no average.
-    if (total) expected[long_price] = expected[short_price] = 0.0;
-    compare_net(no_account, name, shown, expected);
-    compare(no_account, name + " accounts", row.cell(frmNetTrade::accounts).stored_number(),
-            static_cast<double>(booked.accounts.size()), 0.0);
+  const auto over_accounts = [&](const std::string& name, const NetSum& sum, int holders,
+                                 const BookedNet& booked) {
+    compare_net(no_account, name, net_values(sum), booked.values());
+    compare(no_account, name + " accounts", holders, static_cast<double>(booked.accounts.size()), 0.0);
+  };
+  for (const CNetPos::OfSymbol& symbol : book.symbols()) {
+    if (symbol.sum.positions() == 0) continue;
+    const auto node = symbols.extract(symbol.name);
+    over_accounts(symbol.name, symbol.sum, symbol.accounts, node.empty() ? BookedNet{} : node.mapped());
   }
+  over_accounts("Total(All Clients)", book.total(), book.accounts_in_market(), all);
   for (const auto& [name, booked] : symbols)
     differ(no_account, name + " has positions, but is not among the net positions");
 }
@@ -197,36 +186,32 @@ void Verification::compare_net(std::int32_t account, const std::string& of, cons
 }
 
 void Verification::check_orders() {
-  const RowList& list = main_.pending().lvwPending;
-  tsl::robin_set<RowKey, RowKey::Hash> booked_keys;
+  const OrderBook& book = main_.orders();
+  std::set<std::pair<std::int32_t, std::int64_t>> found;
   for (const TradingAccount& account : server_.accounts()) {
     const std::int32_t number = account.config().number;
     if (connected(number) == nullptr) continue;
     for (const PendingOrder& booked : account.orders()) {
-      const RowKey key = order_key(booked.order, number);
-      booked_keys.insert(key);
       const std::string what = fmt::format("order #{}", booked.order);
-      const Row* row = list.find(key);
-      if (row == nullptr) {
+      const OrderBook::Record* shown = book.find(booked.order, number);
+      if (shown == nullptr) {
         differ(number, what + " is not listed");
         continue;
       }
-      compare(number, what + " amount", row->cell(frmPending::amount).stored_number(), booked.amount, 1e-9);
-      compare(number, what + " price", row->cell(frmPending::price).stored_number(), booked.price, 1e-9);
-      compare(number, what + " stop loss", row->cell(frmPending::stop_loss).stored_number(), booked.stop_loss,
-              1e-9);
-      compare(number, what + " take profit", row->cell(frmPending::take_profit).stored_number(),
-              booked.take_profit, 1e-9);
-      if (!row->reads(frmPending::type, frmPending::TypeDesc(booked.kind, booked.reference)) ||
-          !row->reads(frmPending::symbol, booked.symbol)) {
+      found.emplace(number, booked.order);
+      compare(number, what + " amount", shown->amount, booked.amount, 1e-9);
+      compare(number, what + " price", shown->price, booked.price, 1e-9);
+      compare(number, what + " stop loss", shown->stop_loss, booked.stop_loss, 1e-9);
+      compare(number, what + " take profit", shown->take_profit, booked.take_profit, 1e-9);
+      if (shown->kind != booked.kind || shown->reference != booked.reference ||
+          shown->symbol != booked.symbol) {
         differ(number, what + " type or symbol differs");
       }
     }
   }
-  for (const Row& row : list) {
-    if (booked_keys.contains(row.key())) continue;
-    differ(static_cast<std::int32_t>(row.cell(frmPending::account).stored_number()),
-           fmt::format("order #{} is listed, but the server has none", row.key().number()));
+  for (const OrderBook::Record* shown : book.all()) {
+    if (!found.contains({shown->account, shown->order}))
+      differ(shown->account, fmt::format("order #{} is listed, but the server has none", shown->order));
   }
 }
 

@@ -8,7 +8,7 @@ namespace tutti::bench {
 
 BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
     : accounts_(
-          general_, desk_, symbols_, account_book_, file_dialog_,
+          general_, desk_, books_, file_dialog_,
           [this, &market] {
             auto client = std::make_unique<BenchClient>(market, &values_);
             clients_.push_back(client.get());
@@ -19,9 +19,9 @@ BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
   desk_.status = &window_;
   desk_.accounts = &accounts_;
   desk_.market_order = &order_;
-  desk_.positions = &trade_;
-  desk_.net = &net_;
   desk_.close_positions = &close_positions_;
+  books_.positions.observe(trade_);
+  books_.positions.observe(close_positions_);
   accounts_.attach(order_);
   if (const auto loaded = accounts_.load(); !loaded) throw std::runtime_error(loaded.error().text());
   connect(accounts);

@@ -54,19 +54,18 @@ class BenchTerminal {
   MessageQueue messages_;
   MGeneral general_{paths_, clock_, sound_, prompt_, messages_};
   CLocalSettings locale_{locale_port_};
-  SymbolCollection symbols_;
-  AccountBook account_book_;
+  Books books_;
   Desk desk_;
   frmMdiNew window_{general_};
   AccountSummary first_values_{.balance = 1000.0, .equity = 1000.0, .free_margin = 1000.0};
   const AccountSummary* values_ = &first_values_;
   std::vector<BenchClient*> clients_;  // owned by their sessions
   frmMain accounts_;
-  frmorder order_{general_, accounts_, symbols_};
+  frmorder order_{general_, accounts_, books_.symbols};
   CQuestionBox question_box_{prompt_, messages_};
   CNetPos net_{general_};
-  frmTrade trade_{general_, question_box_, desk_, symbols_};
-  frmClosePos close_positions_{general_, question_box_, accounts_, trade_, symbols_};
+  frmTrade trade_{general_, question_box_, books_.positions, net_};
+  frmClosePos close_positions_{general_, question_box_, accounts_, trade_, books_.positions, books_.symbols};
 };
 
 }  // namespace tutti::bench

@@ -9,7 +9,7 @@ void position_figures(const BenchMarket& market) {
   PositionDriver at_1000{market, 500, 1000};
   PositionDriver at_10000{market, 500, 10'000};
   CloseGrid grid{market, 500, 1000};
-  figure("net_event_over_floor",
+  figure("position_event_over_plain_floor",
          interleaved_ratio([&] { return at_10000.profits(); }, [&] { return at_10000.profits_floor(); }));
   figure("net_10000_over_1000",
          interleaved_ratio([&] { return at_10000.profits(); }, [&] { return at_1000.profits(); }));

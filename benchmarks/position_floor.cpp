@@ -1,23 +1,6 @@
 #include "benchmarks/position_floor.h"
 
-#include <array>
-#include <charconv>
-
 namespace tutti::bench {
-namespace {
-
-constexpr int digits = 15;
-
-double through_text(double value) {
-  std::array<char, 32> text;
-  const auto written =
-      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits);
-  double out = 0.0;
-  std::from_chars(text.data(), written.ptr, out);
-  return out;
-}
-
-}  // namespace
 
 PositionFloor::PositionFloor(std::size_t accounts, std::size_t symbols)
     : by_symbol_(symbols),
@@ -38,12 +21,11 @@ void PositionFloor::changed(const OpenPosition& event) {
   const auto at = place_of_.find(event.ticket);
   if (at == place_of_.end()) return;
   Held& held = held_[at->second];
-  const double profit = through_text(event.floating_pl);
-  const double change = profit - held.profit;
+  const double change = event.floating_pl - held.profit;
   held.current_price = event.current_price;
   held.commission = event.commission;
   held.interest = event.interest;
-  held.profit = profit;
+  held.profit = event.floating_pl;
   by_symbol_[held.symbol] += change;
   by_account_[held.account] += change;
   by_both_[held.symbol * by_account_.size() + held.account] += change;

@@ -12,11 +12,9 @@ namespace tutti::bench {
 
 // The least that a profit event can cost, done straight: no session, no rows, no check of the values.
 //
-// The position is found by its ticket in one hash look-up, since the contract tells no other name of it. The
-// profit becomes a text of up to 15 digits and is read back, since that is how the net positions are told of
-// it; both with the standard library and without a string. Four sums take the difference: of symbol, account,
-// both, and all. Price, commission, interest and profit go into the position's place of a flat array. What
-// has changed is marked with one bit each, for whoever shows it.
+// The position is found by its ticket in one hash look-up, since the contract tells no other name of it. Four
+// sums take the difference: of symbol, account, both, and all. Price, commission, interest and profit go into
+// the position's place of a flat array. What has changed is marked with one bit each, for whoever shows it.
 class PositionFloor {
  public:
   PositionFloor(std::size_t accounts, std::size_t symbols);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -13,8 +14,10 @@
 namespace tutti {
 namespace {
 
-constexpr std::array<double, 16> powers_of_ten = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+// All that a double holds exactly.
+constexpr std::array<double, 23> powers_of_ten = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 // Reads a number at the start of `text`; `used` receives how many characters it took, 0 when there is none.
 double scan(std::string_view text, std::size_t& used) {
@@ -81,11 +84,28 @@ std::string number_text(double value) {
 }
 
 double as_text_reads(double value) {
-  // A value that is the nearest double to a decimal of up to five places and 15 digits is its own text.
-  constexpr double scale = 1e5;
-  const double scaled = nearest_even(value * scale);
-  if (std::fabs(scaled) < 1e15 && scaled / scale == value) return value;
-  return read_number(number_text(value));
+  constexpr double smallest = 1e-7;
+  constexpr double fifteen_digits = 1e15;
+  const double size = std::fabs(value);
+  // 0 and what is no number are read too.
+  if (!(size >= smallest && size < fifteen_digits)) return read_number(number_text(value));
+  // The power of ten that puts fifteen digits in front of the point. It goes by the power of two, times the
+  // logarithm of two, so the product may still have a digit more.
+  const int exponent = static_cast<int>(std::bit_cast<std::uint64_t>(size) >> 52) - 1023;
+  auto power = static_cast<std::size_t>(14 - (exponent * 1233 >> 12));
+  if (size * powers_of_ten[power] >= fifteen_digits) --power;
+  const double scale = powers_of_ten[power];
+  const double product = size * scale;
+  constexpr double no_fraction = 4503599627370496.0;  // 2^52, to which no fraction can be added
+  double digits = (product + no_fraction) - no_fraction;
+  // Halfway, it is what the product has rounded off that decides.
+  if (const double rest = product - digits; std::fabs(rest) == 0.5) {
+    const double lost = std::fma(size, scale, -product);
+    if (rest > 0.0 && lost > 0.0) digits += 1.0;
+    if (rest < 0.0 && lost < 0.0) digits -= 1.0;
+  }
+  // Both are exact, so the quotient is the double nearest to the decimal number.
+  return std::copysign(digits / scale, value);
 }
 
 std::string summary_text(double value) {
@@ -103,6 +123,10 @@ std::string fixed_text(double value, int decimals) {
   // What rounds to 0 has no sign.
   if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos) text.erase(0, 1);
   return text;
+}
+
+double as_fixed_reads(double value, int decimals) {
+  return read_number(fixed_text(value, decimals));
 }
 
 double round_half_even(double value, int decimals) {

@@ -23,8 +23,10 @@ std::optional<std::int32_t> parse_int32(std::string_view text);
 // ones, no leading blank, C locale.
 std::string number_text(double value);
 
-// What read_number(number_text(value)) gives, without making the text where that is sure.
+// What read_number(number_text(value)) gives, mostly without making the text.
 double as_text_reads(double value);
+// The same for fixed_text.
+double as_fixed_reads(double value, int decimals);
 
 // At most two decimals, half to even, no padding, no grouping, never "-0".
 std::string summary_text(double value);

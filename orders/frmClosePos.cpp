@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "accounts/account_texts.h"
+#include "core/numbers.h"
 
 namespace tutti {
 namespace {
@@ -15,20 +16,24 @@ constexpr std::string_view position_prefix = "            #";
 constexpr std::string_view no_price_text = "Close";
 constexpr std::string_view column_widths = "12,38,10,40";
 
-std::string position_text(const Row& open) {
-  return std::string{position_prefix} + open.text(frmTrade::ticket) + " " + open.text(frmTrade::type) + " " +
-         open.text(frmTrade::amount) + " " + open.text(frmTrade::symbol) + " at " +
-         open.text(frmTrade::open_price);
+std::string position_text(const PositionBook::Record& open) {
+  return std::string{position_prefix} + std::to_string(open.ticket) + " " + frmTrade::type_text(open) + " " +
+         number_text(open.amount) + " " + open.symbol + " at " + fixed_text(open.open_price, open.digits);
+}
+
+RowKey key_of(const OpenPosition& position) {
+  return ticket_key(position.ticket, position.account);
 }
 
 }  // namespace
 
 frmClosePos::frmClosePos(MGeneral& general, CQuestionBox& question_box, frmMain& accounts_list,
-                         const frmTrade& trade, const SymbolCollection& symbols)
+                         const frmTrade& trade, const PositionBook& book, const SymbolCollection& symbols)
     : general_(general),
       question_box_(question_box),
       accounts_list_(accounts_list),
       trade_(trade),
+      book_(book),
       symbols_(symbols) {
   CloseSymbols.on_choose = [this] { CloseSymbols_Click(); };
   chkAllClients.on_click = [this] { check_all(); };
@@ -104,22 +109,20 @@ std::vector<frmClosePos::Wanted> frmClosePos::wanted() const {
   // Grouped first, since putting rows into the middle of a grid is slow.
   struct Group {
     std::int32_t account;
-    std::vector<const Row*> positions;
+    std::vector<const Record*> positions;
   };
   std::vector<Group> groups;
   tsl::robin_map<std::int32_t, std::size_t> group_of;
-  for (const Row& open : trade_.lvwOpenPos) {
-    if (!open.reads(frmTrade::symbol, symbol_name_)) continue;
-    const std::int32_t number = open.key().account();
-    const auto [at, is_new] = group_of.emplace(number, groups.size());
-    if (is_new) groups.push_back({number, {}});
-    groups[at->second].positions.push_back(&open);
+  for (const Record* open : book_.of_symbol(symbol_name_)) {
+    const auto [at, is_new] = group_of.emplace(open->account, groups.size());
+    if (is_new) groups.push_back({open->account, {}});
+    groups[at->second].positions.push_back(open);
   }
   for (const Group& group : groups) {
     if (!connected(group.account)) continue;
     out.push_back({client_key(group.account), nullptr});
     for (auto open = group.positions.rbegin(); open != group.positions.rend(); ++open)
-      out.push_back({(*open)->key(), *open});
+      out.push_back({key_of(**open), *open});
   }
   return out;
 }
@@ -139,29 +142,23 @@ Row& frmClosePos::add_client(std::int32_t number) {
   return *row;
 }
 
-void frmClosePos::Add(const OpenPosition& position) {
+void frmClosePos::Add(const Record& position) {
   if (!displayed_ || position.symbol != symbol_name_) return;
-  const Row* open = trade_.lvwOpenPos.find(ticket_key(position.ticket, position.account));
-  if (open != nullptr) add_row(*open);
-}
-
-void frmClosePos::add_row(const Row& open) {
-  const std::int32_t number = open.key().account();
-  Row* row = MSH.find(open.key());
+  Row* row = MSH.find(key_of(position));
   if (row == nullptr) {
-    if (!connected(number)) return;
-    row = MSH.insert(MSH.index_of(add_client(number)) + 1, open.key());
+    if (!connected(position.account)) return;
+    row = MSH.insert(MSH.index_of(add_client(position.account)) + 1, key_of(position));
     chkAllClients.set_checked(false);
   }
-  write_position(*row, open);
+  write_position(*row, position);
 }
 
-void frmClosePos::write_position(Row& row, const Row& open) {
+void frmClosePos::write_position(Row& row, const Record& open) {
   const std::string text = position_text(open);
   const auto has = [&text](const char* word) { return text.find(word) != std::string::npos; };
   const bool is_new = row.cell(Column::status).empty();
   row.set_text(Column::status, text);
-  row.set_number(Column::amount, open.cell(frmTrade::amount).stored_number());
+  row.set_number(Column::amount, open.amount);
   row.data<RowData>().kind = has("Sell") ? Kind::sell : has("Buy") ? Kind::buy : Kind::other;
   if (is_new) write_no_price(row);
 }
@@ -200,9 +197,9 @@ void frmClosePos::prices(SymbolHandle handle, const Symbol& symbol) {
   if (symbol.ask != ask_ || symbol.bid != bid_ || overwritten_) RefreshPrice(symbol.ask, symbol.bid);
 }
 
-void frmClosePos::position_closed(std::int64_t ticket, std::int32_t number) {
-  answers_.erase(ticket_key(ticket, number));
-  if (displayed_) Remove(ticket, number);
+void frmClosePos::removed(const Record& position) {
+  answers_.erase(key_of(position));
+  if (displayed_) Remove(position.ticket, position.account);
 }
 
 void frmClosePos::Remove(std::int64_t ticket, std::int32_t number) {
@@ -220,9 +217,8 @@ void frmClosePos::remove_if_empty(Row& above) {
 
 void frmClosePos::add_account(std::int32_t number) {
   if (!displayed_ || symbol_name_.empty()) return;
-  for (const Row& open : trade_.lvwOpenPos) {
-    if (open.key().account() == number && open.reads(frmTrade::symbol, symbol_name_)) add_row(open);
-  }
+  for (const Record* open : book_.of_account(number))
+    Add(*open);
   if (Row* row = get_index(number)) remove_if_empty(*row);
 }
 
@@ -230,7 +226,7 @@ void frmClosePos::remove_account(std::int32_t number) {
   Row* above = displayed_ ? get_index(number) : nullptr;
   if (above == nullptr) return;
   for (Row* position : positions_of(*above)) {
-    if (trade_.lvwOpenPos.find(position->key()) == nullptr) MSH.remove(*position);
+    if (book_.find(position->key().number(), number) == nullptr) MSH.remove(*position);
   }
   // Another session may have the account connected.
   if (connected(number)) return remove_if_empty(*above);

@@ -11,6 +11,7 @@
 #include <tsl/robin_set.h>
 
 #include "accounts/frmMain.h"
+#include "books/position_book.h"
 #include "books/symbol_collection.h"
 #include "core/CQuestionBox.h"
 #include "core/MGeneral.h"
@@ -31,7 +32,7 @@ namespace tutti {
 // The grid has two kinds of rows: an account, keyed "C" and its number, and right below it its positions,
 // keyed "T", the ticket and the account, the one that came last on top. While the window is hidden the grid
 // stands still; showing it brings it up to date, and the marks of the positions that are still there stay.
-class frmClosePos final : public ClosePositionsDesk {
+class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observer {
  public:
   enum Column : std::size_t { account, status, amount, action };
   // Types of the questions whose yes closes the marked positions, and one position.
@@ -43,8 +44,10 @@ class frmClosePos final : public ClosePositionsDesk {
   static constexpr Rgb marked_ground{254, 255, 255};
   static constexpr Rgb unmarked_ground{255, 255, 255};
 
+  using Record = PositionBook::Record;
+
   frmClosePos(MGeneral& general, CQuestionBox& question_box, frmMain& accounts_list, const frmTrade& trade,
-              const SymbolCollection& symbols);
+              const PositionBook& book, const SymbolCollection& symbols);
 
   ComboBox CloseSymbols;
   RowList MSH;
@@ -60,7 +63,7 @@ class frmClosePos final : public ClosePositionsDesk {
   // Fills the grid with the positions of the chosen symbol, none of them marked.
   void CloseSymbols_Click();
   // A position that is open now: its row is added under its account's, or brought up to date.
-  void Add(const OpenPosition& position);
+  void Add(const Record& position);
   // Row of a connected account, made at the end of the grid when it has none.
   Row& add_client(std::int32_t account);
   // Takes a position out, and its account's row when that has none left.
@@ -117,10 +120,12 @@ class frmClosePos final : public ClosePositionsDesk {
   void remove_account(std::int32_t account) override;
   void account_state(std::int32_t account, AccountState state) override;
   void refresh_symbols() override;
-  void position_opened(const OpenPosition& position) override { Add(position); }
-  void position_closed(std::int64_t ticket, std::int32_t account) override;
   void prices(SymbolHandle handle, const Symbol& symbol) override;
   void result(std::int64_t ticket, std::int32_t account, std::string_view text) override;
+
+  // PositionBook::Observer. What an account leaves goes with the account.
+  void changed(const Record& position) override { Add(position); }
+  void removed(const Record& position) override;
 
  private:
   // What a row is, by its texts; kept in the row so that a price need not read them.
@@ -134,7 +139,7 @@ class frmClosePos final : public ClosePositionsDesk {
   // A row of the grid as it should be now: a position that is open, or an account, which has no `open`.
   struct Wanted {
     RowKey key;
-    const Row* open = nullptr;
+    const Record* open = nullptr;
   };
   void rebuild();
   // Brings the rows up to date when they are the ones that there should be; false when others should be.
@@ -146,11 +151,10 @@ class frmClosePos final : public ClosePositionsDesk {
     const auto* data = account.data_if<RowData>();
     return data != nullptr && data->kind == Kind::account && data->state == state;
   }
-  void write_position(Row& row, const Row& open);
+  void write_position(Row& row, const Record& open);
   void write_no_price(Row& row);
   void write_price(Row& row) const;
   void write_action(Row& row, std::string_view text);
-  void add_row(const Row& open);
   void remove_if_empty(Row& account);
   void take_out(Row& account);
 
@@ -168,6 +172,7 @@ class frmClosePos final : public ClosePositionsDesk {
   CQuestionBox& question_box_;
   frmMain& accounts_list_;
   const frmTrade& trade_;
+  const PositionBook& book_;
   const SymbolCollection& symbols_;
   std::vector<std::string> headers_;
   AccountState logged_out_state_ = AccountState::disconnected;

@@ -8,16 +8,16 @@ namespace {
 constexpr std::string_view accepted_word = " Accepted";
 constexpr std::string_view rejected_word = " rejected";
 
-// A row of the pending orders view that is of a new market order, not of a close.
-bool is_new_order(const Row& row) {
-  const std::string type = row.text(frmPending::type);
-  return type == "Buy" || type == "Sell" || type == "New";
+// A new market order, not a close.
+bool is_new_order(const PendingOrder& order) {
+  return order.kind == "OP";
 }
 
 }  // namespace
 
-frmPriceChanged::frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending)
-    : general_(general), market_order_(market_order), pending_(pending) {
+frmPriceChanged::frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending,
+                                 const OrderBook& orders)
+    : general_(general), market_order_(market_order), pending_(pending), orders_(orders) {
   cmdAccept.on_click = [this] { cmdAccept_Click(); };
   cmdReject.on_click = [this] { cmdReject_Click(); };
 }
@@ -50,8 +50,8 @@ void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, st
     Displayed(true);
   }
   caption_ = std::to_string(seconds_left) + " / " + std::to_string(seconds_all);
-  const Row* pending_row = pending_.lvwPending.find(order_key(order, account));
-  if (pending_row != nullptr && is_new_order(*pending_row)) {
+  const OrderBook::Record* listed = orders_.find(order, account);
+  if (listed != nullptr && is_new_order(*listed)) {
     in_rows_[account] = {&session, order};
     market_order_.show_requote(
         account, "Requote " + number_text(new_price) + ", " + std::to_string(seconds_left) + " s");
@@ -106,10 +106,10 @@ void frmPriceChanged::hide() {
 
 bool frmPriceChanged::settle(std::int64_t order, std::int32_t account, std::string_view word) {
   end_requote(order, account);
-  Row* pending_row = pending_.lvwPending.find(order_key(order, account));
-  if (pending_row == nullptr) return false;
-  const bool new_order = is_new_order(*pending_row);
-  pending_.Remove(*pending_row);
+  const OrderBook::Record* listed = orders_.find(order, account);
+  if (listed == nullptr) return false;
+  const bool new_order = is_new_order(*listed);
+  pending_.Removeorder(order, account);
   if (!new_order) return false;
   const Row* row = market_order_.account_row(account);
   if (row == nullptr || !row->checked()) return false;

@@ -22,7 +22,7 @@ namespace tutti {
 // countdown the server drives. Unanswered, the requote is rejected when its time is over.
 class frmPriceChanged final : public RequoteDesk, public Displayable {
  public:
-  frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending);
+  frmPriceChanged(MGeneral& general, frmorder& market_order, frmPending& pending, const OrderBook& orders);
 
   Label framOriginal{"Original Order"};
   Label lblOrder;
@@ -87,6 +87,7 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   MGeneral& general_;
   frmorder& market_order_;
   frmPending& pending_;
+  const OrderBook& orders_;
   std::string caption_ = "Re-quoting screen";
   CClientAPIManager* session_ = nullptr;  // of the order on show
   std::int64_t order_ = 0;

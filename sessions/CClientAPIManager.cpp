@@ -17,8 +17,8 @@ void CClientAPIManager::carry_on(Step&& step) {
 
 CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const LoginData& login,
                                      const Shared& shared)
-    : scope_(*client, shared.general, shared.desk, shared.symbols, shared.accounts,
-             shared.accounts.add(login.user, login.account, login.server)),
+    : scope_(*client, shared.general, shared.desk, shared.books,
+             shared.books.accounts.add(login.user, login.account, login.server)),
       windows_(shared.windows),
       book_(shared.book),
       gate_(shared.gate),

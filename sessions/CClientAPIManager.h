@@ -31,9 +31,8 @@ class CClientAPIManager final : public CLAPICLASS {
     MGeneral& general;
     Desk& desk;
     const AccountWindows& windows;
-    SymbolCollection& symbols;
+    Books& books;
     CLoginOptions& options;
-    AccountBook& accounts;
     RequestBook& book;
     RequestGate& gate;
   };
@@ -120,6 +119,8 @@ class CClientAPIManager final : public CLAPICLASS {
   void journal_unanswered() { requests_.give_up_all(); }
   // No word came for one of them in too long.
   void overdue(SentOrder& request) { requests_.overdue(request); }
+  // An order of the account has ended with the answer to its requote: it is listed no more.
+  void order_ended(std::int64_t order) { scope_.orders.remove(order, account()); }
 
   void AllDataAreLoaded() override;
   void CloseOrderResult(const OrderReport& report) override { meant(requests_.close_result(report)); }

@@ -7,15 +7,13 @@
 
 namespace tutti {
 
-CClientAPIManagers::CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk,
-                                       SymbolCollection& symbols, CLoginOptions& options,
-                                       AccountBook& accounts, std::size_t capacity)
+CClientAPIManagers::CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, Books& books,
+                                       CLoginOptions& options, std::size_t capacity)
     : make_client_(std::move(make_client)),
       general_(general),
       desk_(desk),
-      symbols_(symbols),
+      books_(books),
       options_(options),
-      accounts_(accounts),
       capacity_(capacity) {}
 
 CClientAPIManagers::~CClientAPIManagers() = default;
@@ -27,7 +25,7 @@ CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_v
   }
   sessions_.push_back(std::make_unique<CClientAPIManager>(
       make_client_(), login,
-      CClientAPIManager::Shared{general_, desk_, windows_, symbols_, options_, accounts_, requests_, gate_}));
+      CClientAPIManager::Shared{general_, desk_, windows_, books_, options_, requests_, gate_}));
   CClientAPIManager& session = *sessions_.back();
   session.key(static_cast<std::int16_t>(sessions_.size()));
   by_account_.emplace(session.account(), &session);
@@ -78,7 +76,7 @@ void CClientAPIManagers::RClear(int number) {
   session->shut_down();
   desk_.requote->session_gone(*session);
   desk_.accounts->remove_client(*session);
-  accounts_.remove(session->ClientListItem().handle);
+  books_.accounts.remove(session->ClientListItem().handle);
   if (current_ == session) current_ = nullptr;
   // A handler that removes its own account goes on in the session that it belongs to.
   retired_.push_back(std::move(sessions_[static_cast<std::size_t>(number) - 1]));
@@ -143,7 +141,7 @@ double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf d
 
 void CClientAPIManagers::fan_out(std::int32_t side) {
   const std::string sound = general_.paths.full("\\sounds\\OrderOk.wav");
-  const SymbolHandle symbol = symbols_.find(desk_.market_order->symbol());
+  const SymbolHandle symbol = books_.symbols.find(desk_.market_order->symbol());
   fan_out_.clear();
   fan_out_sorted_ = false;
   for (const auto& session : sessions_) {

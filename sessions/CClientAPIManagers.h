@@ -22,8 +22,8 @@ class CClientAPIManagers {
   // More accounts than this are refused.
   static constexpr std::size_t max_accounts = 500;
 
-  CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, SymbolCollection& symbols,
-                     CLoginOptions& options, AccountBook& accounts, std::size_t capacity = max_accounts);
+  CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, Books& books,
+                     CLoginOptions& options, std::size_t capacity = max_accounts);
   ~CClientAPIManagers();
 
   // New session and its row; logged in at once when asked. nullptr, after a message, when the collection is
@@ -94,10 +94,9 @@ class CClientAPIManagers {
   ClientFactory make_client_;
   MGeneral& general_;
   Desk& desk_;
-  SymbolCollection& symbols_;
+  Books& books_;
   CLoginOptions& options_;
-  AccountBook& accounts_;
-  AccountWindows windows_{desk_, *this};
+  AccountWindows windows_{desk_, books_, *this};
   RequestBook requests_;
   RequestGate gate_{requests_, general_.clock};
   std::chrono::milliseconds next_look_{0};  // at the clock

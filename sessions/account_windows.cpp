@@ -21,7 +21,7 @@ void AccountWindows::keep_positions(std::int32_t account, const Sessions& of) co
       if (const OpenPosition* position = client.OpenPositionItem(index)) kept.insert(position->ticket);
     }
   }
-  desk_.positions->remove_account(account, kept);
+  books_.positions.keep_only(account, kept);
 }
 
 void AccountWindows::keep_orders(std::int32_t account, const Sessions& of) const {
@@ -32,7 +32,7 @@ void AccountWindows::keep_orders(std::int32_t account, const Sessions& of) const
       if (const PendingOrder* order = client.PendingOrderItem(index)) kept.insert(order->order);
     }
   }
-  desk_.pending->remove_account(account, kept);
+  books_.orders.keep_only(account, kept);
 }
 
 void AccountWindows::leave(const CClientAPIManager& gone) const {

@@ -3,19 +3,21 @@
 #include <cstdint>
 #include <vector>
 
+#include "books/books.h"
 #include "sessions/desk.h"
 
 namespace tutti {
 
 class CClientAPIManagers;
 
-// What the windows show of an account number, kept right as its sessions come and go.
+// What the books and windows have of an account number, kept right as its sessions come and go.
 //
 // One number may stand in several rows of the accounts list, under different user names. What a session
 // leaves behind stays as far as another session of the number that is logged in has it as well.
 class AccountWindows {
  public:
-  AccountWindows(Desk& desk, const CClientAPIManagers& sessions) : desk_(desk), sessions_(sessions) {}
+  AccountWindows(Desk& desk, Books& books, const CClientAPIManagers& sessions)
+      : desk_(desk), books_(books), sessions_(sessions) {}
 
   // The session has ended: it leaves everything that lists connected accounts or what they hold.
   void leave(const CClientAPIManager& gone) const;
@@ -33,6 +35,7 @@ class AccountWindows {
   void keep_orders(std::int32_t account, const Sessions& of) const;
 
   Desk& desk_;
+  Books& books_;
   const CClientAPIManagers& sessions_;
 };
 

@@ -6,15 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include <tsl/robin_set.h>
-
 #include "books/account_book.h"
 #include "books/sent_order.h"
 #include "books/symbol_collection.h"
 #include "core/totals.h"
-#include "sessions/contract/open_position.h"
 #include "sessions/contract/order_report.h"
-#include "sessions/contract/pending_order.h"
 #include "sessions/contract/requote.h"
 #include "sessions/contract/symbol.h"
 
@@ -24,9 +20,6 @@
 namespace tutti {
 
 class CClientAPIManager;
-
-// Numbers of positions or orders of one account.
-using Numbers = tsl::robin_set<std::int64_t>;
 
 // The accounts list. Each of its rows shows the record of a session, keyed by the session's number.
 class AccountsDesk {
@@ -98,44 +91,15 @@ class ClosePositionsDesk {
   // What a session of the account is now.
   virtual void account_state(std::int32_t /*account*/, AccountState) {}
   virtual void refresh_symbols() {}
-  virtual void position_opened(const OpenPosition&) {}
-  virtual void position_closed(std::int64_t /*ticket*/, std::int32_t /*account*/) {}
   virtual void prices(SymbolHandle, const Symbol&) {}
   virtual void result(std::int64_t /*ticket*/, std::int32_t /*account*/, std::string_view /*text*/) {}
 };
 
-class PositionBook {
+class PendingDesk {
  public:
-  virtual ~PositionBook() = default;
-  virtual void position(const OpenPosition&) {}
-  virtual void remove_position(std::int64_t /*ticket*/, std::int32_t /*account*/) {}
-  // All of the account but those.
-  virtual void remove_account(std::int32_t /*account*/, const Numbers& /*kept*/) {}
-  virtual void floating_changed(const OpenPosition&) {}
-};
-
-class PendingBook {
- public:
-  virtual ~PendingBook() = default;
-  virtual void order(const PendingOrder&) {}
-  virtual void remove_order(std::int64_t /*order*/, std::int32_t /*account*/) {}
-  // All of the account but those.
-  virtual void remove_account(std::int32_t /*account*/, const Numbers& /*kept*/) {}
+  virtual ~PendingDesk() = default;
   // A text about an order: what became of a request for it.
   virtual void order_text(std::int64_t /*order*/, std::int32_t /*account*/, std::string_view /*text*/) {}
-};
-
-// Net positions over all accounts.
-class NetDesk {
- public:
-  virtual ~NetDesk() = default;
-  // A position that is new, or that has other values than before.
-  virtual void position_added(const OpenPosition&) {}
-  virtual void remove_position(std::int64_t /*ticket*/, std::int32_t /*account*/) {}
-  // All of the account but those.
-  virtual void remove_account(std::int32_t /*account*/, const Numbers& /*kept*/) {}
-  // The profit as text, with the decimal separator in force.
-  virtual void floating_changed(const OpenPosition&, std::string_view /*profit*/) {}
 };
 
 class MarketWatchDesk {
@@ -182,9 +146,7 @@ struct Desk {
   MarketOrderDesk no_market_order_;
   EntryOrderDesk no_entry_order_;
   ClosePositionsDesk no_close_positions_;
-  PositionBook no_positions_;
-  PendingBook no_pending_;
-  NetDesk no_net_;
+  PendingDesk no_pending_;
   MarketWatchDesk no_market_watch_;
   RequoteDesk no_requote_;
   StatusDesk no_status_;
@@ -198,9 +160,7 @@ struct Desk {
   MarketOrderDesk* market_order = &no_market_order_;
   EntryOrderDesk* entry_order = &no_entry_order_;
   ClosePositionsDesk* close_positions = &no_close_positions_;
-  PositionBook* positions = &no_positions_;
-  PendingBook* pending = &no_pending_;
-  NetDesk* net = &no_net_;
+  PendingDesk* pending = &no_pending_;
   MarketWatchDesk* market_watch = &no_market_watch_;
   RequoteDesk* requote = &no_requote_;
   StatusDesk* status = &no_status_;

@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "core/numbers.h"
-
 namespace tutti {
 namespace {
 
@@ -70,23 +68,16 @@ void SessionRecords::positions_loaded() {
 void SessionRecords::position(const OpenPosition& position) {
   if (!usable(position)) return scope_.refuse("Position #" + std::to_string(position.ticket));
   lists_account_ = true;
-  scope_.desk.positions->position(position);
-  scope_.desk.close_positions->position_opened(position);
+  scope_.positions.write(position, scope_.symbols.digits(position.symbol));
 }
 
 void SessionRecords::position_gone(const OpenPosition& position) {
-  scope_.desk.positions->remove_position(position.ticket, position.account);
-  scope_.desk.close_positions->position_closed(position.ticket, position.account);
+  scope_.positions.remove(position.ticket, position.account);
 }
 
 void SessionRecords::floating_changed(const OpenPosition& position) {
   if (!usable(position)) return scope_.refuse("The profit of position #" + std::to_string(position.ticket));
-  scope_.desk.positions->floating_changed(position);
-  std::string profit = number_text(position.floating_pl);
-  const auto point = profit.find('.');
-  const CLocalSettings* locale = scope_.general.locale;
-  if (point != std::string::npos && locale != nullptr && locale->LocalDecimal() == ",") profit[point] = ',';
-  scope_.desk.net->floating_changed(position, profit);
+  scope_.positions.write_worth(position);
 }
 
 void SessionRecords::orders_loaded() {
@@ -98,11 +89,16 @@ void SessionRecords::orders_loaded() {
 void SessionRecords::order(const PendingOrder& order) {
   if (!usable(order)) return scope_.refuse("Order #" + std::to_string(order.order));
   lists_account_ = true;
-  scope_.desk.pending->order(order);
+  list(order);
+}
+
+void SessionRecords::list(const PendingOrder& order) {
+  const Symbol* symbol = scope_.client.SymbolRecord(order.symbol);
+  scope_.orders.write(order, symbol == nullptr ? 5 : symbol->digits);
 }
 
 void SessionRecords::order_gone(const PendingOrder& order) {
-  scope_.desk.pending->remove_order(order.order, order.account);
+  scope_.orders.remove(order.order, order.account);
 }
 
 }  // namespace tutti

@@ -6,7 +6,7 @@
 
 namespace tutti {
 
-// The positions and waiting orders of an account session, from the library's lists into the windows.
+// The positions and waiting orders of an account session, from the library's lists into the books.
 class SessionRecords {
  public:
   explicit SessionRecords(SessionScope& scope) : scope_(scope) {}
@@ -32,6 +32,8 @@ class SessionRecords {
   void orders_loaded();
   void order(const PendingOrder& order);
   void order_gone(const PendingOrder& order);
+  // Lists an order that the library has not told of yet.
+  void list(const PendingOrder& order);
 
  private:
   SessionScope& scope_;

@@ -42,8 +42,7 @@ bool SessionRequests::new_order(const OrderReport& report) {
   const bool done = report.result == result::succeeded;
   const bool dealing = done && report.state == order_state::pending;
   const bool ours = sent_.settle(sent_.opening(report), report);
-  if (ours && dealing)
-    scope_.desk.pending->order(in_dealing(report, scope_.account, "OP", scope_.general.clock.now()));
+  if (ours && dealing) records_.list(in_dealing(report, scope_.account, "OP", scope_.general.clock.now()));
   const std::string line = dealing ? "Order " + std::to_string(report.number) + " in Pending mode"
                            : done  ? accepted_text(report)
                                    : std::string{result_texts::new_order(report.result)};
@@ -114,8 +113,7 @@ void SessionRequests::tell_close(const OrderReport& report, bool ours) {
   scope_.log("Request close ticket #" + number + std::string{result_texts::type_word(report.operation)} +
              number_text(report.amount) + report.symbol + " at " + number_text(report.price));
   const bool pending = report.state == order_state::pending;
-  if (ours && pending)
-    scope_.desk.pending->order(in_dealing(report, scope_.account, "CP", scope_.general.clock.now()));
+  if (ours && pending) records_.list(in_dealing(report, scope_.account, "CP", scope_.general.clock.now()));
   const std::string text =
       pending ? "Position in pending mode" : "Postion " + number + " is closed successfuly";
   scope_.log(text);
@@ -190,7 +188,7 @@ void SessionRequests::entry_executed(const OrderReport& report) {
   // It was placed, then, whether that was told or not.
   if (report.id != 0)
     sent_.settle(sent_.named(report.id), result::succeeded, Outcome::accepted, report.number);
-  scope_.desk.pending->remove_order(report.number, scope_.account);
+  scope_.orders.remove(report.number, scope_.account);
   scope_.log("Entry Order " + std::to_string(report.number) + " [" +
              std::string{result_texts::buy_or_sell(report.operation)} + " " + number_text(report.amount) +
              " " + report.symbol + "] " + "has been executed");

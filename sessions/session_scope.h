@@ -5,25 +5,25 @@
 #include <string>
 #include <string_view>
 
-#include "books/account_book.h"
-#include "books/symbol_collection.h"
+#include "books/books.h"
 #include "core/MGeneral.h"
 #include "sessions/contract/account_client.h"
 #include "sessions/desk.h"
 
 namespace tutti {
 
-// What the parts of one account session share: the account, its connection, which can't send, its record, and
-// where its news go.
+// What the parts of one account session share: the account, its connection, which can't send, the books that
+// it writes with its own record of the accounts, and where its other news go.
 class SessionScope {
  public:
-  SessionScope(AccountClient& connection, MGeneral& all, Desk& windows, SymbolCollection& names,
-               AccountBook& accounts, AccountEntry& own)
+  SessionScope(AccountClient& connection, MGeneral& all, Desk& windows, Books& books, AccountEntry& own)
       : client(connection),
         general(all),
         desk(windows),
-        symbols(names),
-        book(accounts),
+        symbols(books.symbols),
+        positions(books.positions),
+        orders(books.orders),
+        book(books.accounts),
         record(own),
         account(own.account) {}
 
@@ -31,6 +31,8 @@ class SessionScope {
   MGeneral& general;
   Desk& desk;
   SymbolCollection& symbols;
+  PositionBook& positions;
+  OrderBook& orders;
   AccountBook& book;
   AccountEntry& record;
   const std::int32_t account;

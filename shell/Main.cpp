@@ -58,22 +58,21 @@ tl::expected<void, FileError> Main::show_main_window() {
   window_ = std::make_unique<frmMdiNew>(general_);
   desk_.status = window_.get();
   journal_->on_incomplete = [this](std::string_view text) { window_->warn(text); };
-  accounts_ = std::make_unique<frmMain>(general_, desk_, symbols_, account_book_, ports_.file_dialog,
-                                        server_.make_client, server_.endpoint);
+  accounts_ = std::make_unique<frmMain>(general_, desk_, books_, ports_.file_dialog, server_.make_client,
+                                        server_.endpoint);
   desk_.accounts = accounts_.get();
-  market_order_ = std::make_unique<frmorder>(general_, *accounts_, symbols_);
+  market_order_ = std::make_unique<frmorder>(general_, *accounts_, books_.symbols);
   desk_.market_order = market_order_.get();
   accounts_->attach(*market_order_);
-  entry_order_ = std::make_unique<frmlimitorder>(general_, *accounts_, symbols_);
+  entry_order_ = std::make_unique<frmlimitorder>(general_, *accounts_, books_.symbols);
   desk_.entry_order = entry_order_.get();
-  market_watch_ = std::make_unique<frmMW>(general_, symbols_);
+  market_watch_ = std::make_unique<frmMW>(general_, books_.symbols);
   market_watch_->to_market_order = [this](std::string_view symbol) { market_order_->take_symbol(symbol); };
   market_watch_->to_entry_order = [this](std::string_view symbol) { entry_order_->take_symbol(symbol); };
   desk_.market_watch = market_watch_.get();
-  trade_ = std::make_unique<frmTrade>(general_, *question_box_, desk_, symbols_);
-  desk_.positions = trade_.get();
-  desk_.net = net_positions_.get();
-  net_trade_ = std::make_unique<frmNetTrade>(general_, *net_positions_, symbols_);
+  trade_ = std::make_unique<frmTrade>(general_, *question_box_, books_.positions, *net_positions_);
+  books_.positions.observe(*trade_);
+  net_trade_ = std::make_unique<frmNetTrade>(general_, *net_positions_, books_.symbols);
   net_matrix_ = std::make_unique<NetMatrix>(general_, *net_positions_);
   sure_->logout_all = [this] { accounts_->logout_all(); };
   sure_->remove_all = [this] { accounts_->mnuclear_Click(); };
@@ -83,12 +82,13 @@ tl::expected<void, FileError> Main::show_main_window() {
   if (auto loaded = accounts_->load(); !loaded) return loaded;
 
   // What needs the session collection, which the accounts list has just made.
-  pending_ = std::make_unique<frmPending>(general_, accounts_->sessions());
+  pending_ = std::make_unique<frmPending>(general_, accounts_->sessions(), books_.orders);
   desk_.pending = pending_.get();
+  books_.orders.observe(*pending_);
   const auto edit = [this](const frmPending::EditRequest& request) { entry_order_->EdirMode(request); };
   pending_->EdirMode = edit;
   trade_->EdirMode = edit;
-  requote_ = std::make_unique<frmPriceChanged>(general_, *market_order_, *pending_);
+  requote_ = std::make_unique<frmPriceChanged>(general_, *market_order_, *pending_, books_.orders);
   desk_.requote = requote_.get();
   connect_closing();
   return {};
@@ -96,8 +96,10 @@ tl::expected<void, FileError> Main::show_main_window() {
 
 // Everything that closes positions, and what is picked for it elsewhere.
 void Main::connect_closing() {
-  close_positions_ = std::make_unique<frmClosePos>(general_, *question_box_, *accounts_, *trade_, symbols_);
+  close_positions_ = std::make_unique<frmClosePos>(general_, *question_box_, *accounts_, *trade_,
+                                                   books_.positions, books_.symbols);
   desk_.close_positions = close_positions_.get();
+  books_.positions.observe(*close_positions_);
   close_helper_ = std::make_unique<CloseHelper>(general_, accounts_->sessions());
   const auto close = [this](const frmTrade::Close& position) {
     return close_helper_->close(position.ticket, position.amount, position.account);

@@ -93,8 +93,10 @@ class Main {
   frmPriceChanged& requote() { return *requote_; }
   frmJournal& journal_window() { return *journal_window_; }
   CJournal& journal() { return *journal_; }
-  SymbolCollection& symbols() { return symbols_; }
-  const AccountBook& account_book() const { return account_book_; }
+  SymbolCollection& symbols() { return books_.symbols; }
+  const AccountBook& account_book() const { return books_.accounts; }
+  PositionBook& positions() { return books_.positions; }
+  OrderBook& orders() { return books_.orders; }
   Culf& colours() { return *colours_; }
   CHTMLHELP& help() { return *help_; }
   COpenPos& open_positions() { return *open_positions_; }
@@ -117,8 +119,7 @@ class Main {
   ServerSide server_;
   MessageQueue messages_;
   MGeneral general_;
-  SymbolCollection symbols_;
-  AccountBook account_book_;
+  Books books_;
   Desk desk_;
 
   std::unique_ptr<Culf> colours_;

@@ -2,13 +2,13 @@
 
 namespace tutti {
 
-Holdings::Holdings(const frmTrade& positions, const CClientAPIManagers& sessions,
+Holdings::Holdings(const PositionBook& positions, const CClientAPIManagers& sessions,
                    const std::optional<std::set<std::int32_t>>& accounts) {
   const auto meant = [&accounts](std::int32_t number) { return !accounts || accounts->contains(number); };
-  for (const Row& row : positions.lvwOpenPos) {
-    if (!meant(static_cast<std::int32_t>(row.cell(frmTrade::account).stored_number()))) continue;
-    sums_.add(row.text(frmTrade::symbol), row.cell(frmTrade::amount).stored_number());
-    sums_.add_profit(row.cell(frmTrade::profit).stored_number());
+  for (const PositionBook::Record* position : positions.all()) {
+    if (!meant(position->account)) continue;
+    sums_.add(position->symbol, position->amount);
+    sums_.add_profit(position->floating_pl);
   }
   for (const auto& session : sessions.Children())
     if (meant(session->account())) on_their_way_ += session->unanswered();

@@ -5,8 +5,8 @@
 #include <set>
 #include <string>
 
+#include "books/position_book.h"
 #include "sessions/CClientAPIManagers.h"
-#include "views/frmTrade.h"
 #include "views/lot_sums.h"
 
 namespace tutti {
@@ -16,7 +16,7 @@ namespace tutti {
 class Holdings {
  public:
   // `accounts`: their numbers; nothing for all accounts there are.
-  Holdings(const frmTrade& positions, const CClientAPIManagers& sessions,
+  Holdings(const PositionBook& positions, const CClientAPIManagers& sessions,
            const std::optional<std::set<std::int32_t>>& accounts = {});
 
   int positions() const { return sums_.count(); }

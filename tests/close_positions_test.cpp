@@ -185,7 +185,7 @@ TEST(ClosePositions, QuestionsTellWhatTheyAreAbout) {
   for (const auto& [ticket, profit] : {std::pair{11, -20.5}, {21, 3.25}, {22, 4.0}}) {
     OpenPosition moved = desk.client(ticket / 10).positions[ticket == 22 ? 1 : 0];
     moved.floating_pl = profit;
-    trade.floating_changed(moved);
+    desk.client(ticket / 10).sink->PosFloatingPLChanged(moved);
   }
   trade.chkAll.click();
   trade.lvwOpenPos.tick(trade.lvwOpenPos.row(2), false);

@@ -1,10 +1,12 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <optional>
+#include <random>
 
 #include "apps/times.h"
 #include "core/CLocalSettings.h"
@@ -53,6 +55,13 @@ TEST(Numbers, WriterGivesFifteenDigitsAndSummariesTwoDecimals) {
   for (const auto& [text, value] : general) {
     EXPECT_EQ(number_text(value), text);
     EXPECT_EQ(as_text_reads(value), read_number(text)) << text;
+  }
+  // Of every size, and halfway between two numbers of fifteen digits.
+  std::mt19937_64 random{7};
+  for (int i = 0; i < 20'000; ++i) {
+    const double any = std::ldexp(static_cast<double>(random()), static_cast<int>(random() % 110) - 100);
+    for (const double value : {any, -std::floor(any) - 0.5})
+      ASSERT_EQ(as_text_reads(value), read_number(number_text(value))) << number_text(value);
   }
   const std::pair<const char*, double> summary[] = {{"0", 0},        {"15.3", 15.3},    {"0.12", 0.125},
                                                     {"0.38", 0.375}, {"-0.12", -0.125}, {"0", -0.005},

@@ -38,6 +38,27 @@ struct Netting : ScriptedTerminal {
   }
 };
 
+TEST(NetPositions, AProfitIsPassedOnWithTheDecimalSeparatorInForce) {
+  struct Port final : LocalePort {
+    void set(int, int, std::string_view) override {}
+    int get(int, int item, std::string& buffer) const override {
+      return buffer[0] = item == 14 ? decimal : '\'', 2;
+    }
+    char decimal = '.';
+  } port;
+  Netting desk;
+  CLocalSettings*& locale = desk.main->general().locale;
+  CLocalSettings* const own = locale;
+  for (const auto& [decimal, text] : {std::pair{'.', "-12.5"}, {',', "-12,5"}}) {
+    port.decimal = decimal;
+    CLocalSettings settings{port};
+    locale = &settings;
+    EXPECT_EQ(desk.main->net_positions().profit_text(-12.5), text);
+    EXPECT_EQ(settings.StringToNumber(text), -12.5);
+    locale = own;
+  }
+}
+
 TEST(NetPositions, ListsShowSumsAveragesAndTotals) {
   Netting desk;
   EXPECT_TRUE(desk.net().lvwNet.empty());

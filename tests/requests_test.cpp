@@ -47,7 +47,7 @@ struct Requests : ::testing::Test {
   }
   CLAPICLASS& sink(CClientAPIManager& session) { return *rig.client(session).sink; }
   const SentOrder& buy(CClientAPIManager& session, double lots = 0.5) {
-    return session.market_order(1, rig.symbols.find("EURUSD"), lots);
+    return session.market_order(1, rig.books.symbols.find("EURUSD"), lots);
   }
   // An answer to an order of half a lot, as it names the request.
   void answer(CClientAPIManager& session, RequestId id, std::int64_t number, std::int32_t state = 1,

@@ -18,8 +18,8 @@ Heard both(const std::string& text, Heard more = {}) {
 }
 
 // What is read again from the client after an answer that matches nothing.
-const Heard lists_again{"positions has 13",     "close opened 13",    "pending has LO 12 81",
-                        "positions removes 81", "pending removes 81", "close removes 81"};
+const Heard lists_again{"positions has 13", "pending has LO 12 81", "positions removes 81",
+                        "pending removes 81", "close removes 81"};
 
 // An answer that matches nothing: all that is written but the rows of orders.
 Heard stray(Heard lines) {
@@ -245,17 +245,18 @@ TEST_F(SessionAnswered, OrdersThatAreExecutedOrGoThroughDealing) {
   writes_once(
       [&] { sink.MarketOrderRejected(close); },
       both("Closing has been rejected", {"requote rejected 12", "close 12: Closing has been rejected"}));
+  during([&] { sink.NewOpenPosition({.ticket = 12, .account = 81, .symbol = "EURUSD"}); });
   session.close_position(12, 0.5);
   writes([&] { sink.MarketOrderAccepted(close); },
-         both("Ticket #12 has been closed successfully",
-              {"requote accepted 12", "positions drops 12", "close closed 12"}));
+         both("Ticket #12 has been closed successfully", {"requote accepted 12", "positions drops 12"}));
   client.positions[0].ticket = 12;  // a part of it is left
   session.close_position(12, 0.5);
   writes([&] { sink.MarketOrderAccepted(close); },
-         both("Ticket #12 has been closed successfully",
-              {"requote accepted 12", "positions has 12", "close opened 12"}));
+         both("Ticket #12 has been closed successfully", {"requote accepted 12", "positions has 12"}));
+  during([&] { sink.PendingOrdersLoaded(); });
   writes([&] { sink.LimitOrderAccepted(report(1, 1, 2)); },
          {"pending drops 12", in_journal + "Entry Order 12 [buy 0.5 EURUSD] has been executed"});
+  during([&] { sink.PendingOrdersLoaded(); });
   writes([&] { sink.LimitOrderAccepted(report(1, 1, -1)); },
          {"pending drops 12", in_journal + "Entry Order 12 [sell 0.5 EURUSD] has been executed"});
   writes([&] { sink.LimitOrderCanceledCannotHdg(12, 81); }, {in_pending + no_hedge, box + no_hedge});
@@ -271,7 +272,7 @@ TEST_F(SessionAnswered, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {
   during([&] { sink.SymbolsLoaded(); });
   const auto order = [&](double amount, Outcome outcome) {
     client.request_code = outcome == Outcome::refused ? request::invalid_lots : request::taken;
-    session.market_order(1, rig.symbols.find("EURUSD"), amount);
+    session.market_order(1, rig.books.symbols.find("EURUSD"), amount);
   };
   const auto answer = [&](std::int64_t number, double amount, std::int32_t state) {
     OrderReport reply = report(1, state);

@@ -26,7 +26,7 @@ TEST(SessionCollection, The501stAccountIsRefused) {
   rig.sessions.Clear();
   EXPECT_EQ(rig.sessions.Count(), 0);
   EXPECT_EQ(rig.sessions.current(), nullptr);
-  EXPECT_TRUE(rig.accounts.listed().empty());
+  EXPECT_TRUE(rig.books.accounts.listed().empty());
 }
 
 TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRecords) {
@@ -41,12 +41,13 @@ TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRecords) {
     EXPECT_EQ(std::count(heard.begin(), heard.end(), std::string{window} + " removes 82"), 1) << window;
   EXPECT_EQ(rig.general.totals.balance, 8.0);
   EXPECT_EQ(rig.sessions.by_account(82), nullptr);
-  ASSERT_EQ(rig.accounts.listed().size(), 3u);
+  ASSERT_EQ(rig.books.accounts.listed().size(), 3u);
   for (const auto& [number, account] : {std::pair{1, 81}, {2, 83}, {3, 84}}) {
     const CClientAPIManager* session = rig.sessions.Item("C" + std::to_string(number));
     ASSERT_NE(session, nullptr);
     EXPECT_EQ(session->account(), account);
-    EXPECT_EQ(rig.accounts.listed().at(static_cast<std::size_t>(number) - 1), &session->ClientListItem());
+    EXPECT_EQ(rig.books.accounts.listed().at(static_cast<std::size_t>(number) - 1),
+              &session->ClientListItem());
     EXPECT_EQ(session->ClientListItem().shown.note, "note " + std::to_string(account));
   }
   for (const char* missing : {"C0", "C4", "S1", "C", "", "C65537", "C4294967297"})

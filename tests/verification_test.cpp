@@ -19,18 +19,19 @@ TEST(Verification, FindsEveryWrongNetSum) {
   ScenarioDesk desk{still_market(2)};
   desk.open("2");
   CNetPos& net = desk.main->net_positions();
-  const OpenPosition right = desk.server.accounts()[1].positions().at(0).record;
-  OpenPosition more = right, sold = right, dearer = right, richer = right, unknown = right;
+  const PositionBook& book = desk.main->positions();
+  const PositionBook::Record right = *book.of_account(first + 1).at(0);
+  PositionBook::Record more = right, sold = right, dearer = right, richer = right, unknown = right;
   more.amount += 0.5;
   sold.side = operation::sell;
   dearer.open_price += 0.0001;
   richer.floating_pl += 0.01;
-  unknown.ticket = 1;
+  unknown.slot = 7;
   unknown.symbol = "GBPUSD";
   // At each place where they are added up; over several symbols there is no average.
   const Texts places{"account 500101: net positions", "account 500101: EURUSD", "EURUSD",
                      "Total(All Clients)"};
-  const std::pair<OpenPosition, Texts> cases[] = {
+  const std::pair<PositionBook::Record, Texts> cases[] = {
       {more, {" long", " net"}}, {sold, {" long", " short", " net"}}, {dearer, {}}, {richer, {" profit"}}};
   for (const auto& [wrong, values] : cases) {
     net.position_added(wrong);
@@ -43,7 +44,6 @@ TEST(Verification, FindsEveryWrongNetSum) {
         expected.push_back(place + value);
     }
     EXPECT_EQ(found, expected);
-    net.remove_position(wrong.ticket, wrong.account);
     net.position_added(right);
     EXPECT_EQ(desk.differences(), Texts{});
   }
@@ -51,10 +51,10 @@ TEST(Verification, FindsEveryWrongNetSum) {
   const Texts more_than_booked = names(desk.differences());
   for (const char* const place : {"account 500101: GBPUSD long", "GBPUSD accounts", "GBPUSD profit"})
     EXPECT_EQ(std::count(more_than_booked.begin(), more_than_booked.end(), place), 1) << place;
-  net.remove_position(unknown.ticket, unknown.account);
+  net.remove_position(unknown);
 
-  for (const std::int32_t account : {first, first + 1})
-    net.remove_account(account, {});
+  for (const PositionBook::Record* position : book.all())
+    net.remove_position(*position);
   const Texts missing = desk.differences();
   for (const char* const difference : {"EURUSD has positions, but is not among the net positions",
                                        "account 500100: net positions long shows 0, the server has 1",

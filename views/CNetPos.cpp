@@ -56,52 +56,43 @@ void CNetPos::take(const Held& held) {
   touch(held);
 }
 
-void CNetPos::position_added(const OpenPosition& position) {
-  const Held now{symbol_place(position.symbol),
-                 account_place(position.account),
-                 position.side,
-                 position.amount,
-                 position.open_price,
-                 position.floating_pl};
-  const auto [at, is_new] = held_.emplace(ticket_key(position.ticket, position.account), now);
-  if (!is_new) {
-    take(at->second);
-    at.value() = now;
-  }
-  put(now);
+void CNetPos::position_added(const PositionBook::Record& position) {
+  if (position.slot >= held_.size()) held_.resize(position.slot + std::size_t{1});
+  remove_position(position);
+  Held& held = held_[position.slot];
+  held = {symbol_place(position.symbol),
+          account_place(position.account),
+          position.side,
+          position.amount,
+          position.open_price,
+          position.floating_pl};
+  put(held);
 }
 
-void CNetPos::remove_position(std::int64_t ticket, std::int32_t account) {
-  const auto at = held_.find(ticket_key(ticket, account));
-  if (at == held_.end()) return;
-  take(at->second);
-  held_.erase(at);
+void CNetPos::remove_position(const PositionBook::Record& position) {
+  Held& held = held_[position.slot];
+  if (held.symbol == nothing) return;
+  take(held);
+  held = {};
 }
 
-void CNetPos::remove_account(std::int32_t number, const Numbers& kept) {
-  const auto place = place_of_account_.find(number);
-  if (place == place_of_account_.end() || accounts_[place->second].sum.positions() == 0) return;
-  for (auto at = held_.begin(); at != held_.end();) {
-    if (at->first.account() != number || kept.contains(at->first.number())) {
-      ++at;
-    } else {
-      take(at->second);
-      at = held_.erase(at);
-    }
-  }
-}
-
-void CNetPos::floating_changed(const OpenPosition& position, std::string_view profit) {
-  const auto at = held_.find(ticket_key(position.ticket, position.account));
-  if (at == held_.end()) return;
-  Held& held = at.value();
-  const double now =
-      general_.locale != nullptr ? general_.locale->StringToNumber(profit) : read_number(profit);
+void CNetPos::floating_changed(const PositionBook::Record& position) {
+  Held& held = held_[position.slot];
+  // What the text of the profit says, without the text.
+  const double now = as_text_reads(position.floating_pl);
   OfSymbol& symbol = symbols_[held.symbol];
   for (NetSum* sum : {&symbol.sum, &symbol.by_account[held.account], &accounts_[held.account].sum, &total_})
     sum->change_floating(held.profit, now);
   held.profit = now;
   touch(held);
+}
+
+std::string CNetPos::profit_text(double profit) const {
+  std::string text = number_text(profit);
+  const auto point = text.find('.');
+  if (point != std::string::npos && general_.locale != nullptr && general_.locale->LocalDecimal() == ",")
+    text[point] = ',';
+  return text;
 }
 
 }  // namespace tutti

@@ -7,16 +7,17 @@
 
 #include <tsl/robin_map.h>
 
+#include "books/position_book.h"
 #include "core/MGeneral.h"
 #include "core/displayable.h"
-#include "sessions/desk.h"
 #include "views/net_sum.h"
 
 namespace tutti {
 
 // Net positions: all open positions of the connected accounts, added up per symbol, per account, and per
-// both. Whoever shows them pulls what changed since it looked last, by the stamps.
-class CNetPos final : public NetDesk, public Displayable {
+// both. The open positions window tells of changes; whoever shows sums pulls what changed since it looked
+// last, by the stamps.
+class CNetPos final : public Displayable {
  public:
   // Symbols and accounts keep their places for the whole run; those without positions have a sum of none.
   struct OfSymbol {
@@ -47,15 +48,19 @@ class CNetPos final : public NetDesk, public Displayable {
   int accounts_in_market() const { return accounts_in_market_; }
   std::uint64_t stamp() const { return stamp_; }
 
-  // NetDesk
-  void position_added(const OpenPosition& position) override;
-  void remove_position(std::int64_t ticket, std::int32_t account) override;
-  void remove_account(std::int32_t account, const Numbers& kept) override;
-  void floating_changed(const OpenPosition& position, std::string_view profit) override;
+  // A position that is new, or that has other values than before.
+  void position_added(const PositionBook::Record& position);
+  void remove_position(const PositionBook::Record& position);
+  void floating_changed(const PositionBook::Record& position);
+
+  // A profit as it is passed on to be added up: as text, with the decimal separator in force.
+  std::string profit_text(double profit) const;
 
  private:
+  static constexpr std::uint32_t nothing = ~std::uint32_t{0};
+
   struct Held {
-    std::uint32_t symbol = 0;  // places
+    std::uint32_t symbol = nothing;  // places; `nothing` while the slot has no position
     std::uint32_t account = 0;
     std::int32_t side = 0;
     double lots = 0.0;
@@ -70,7 +75,7 @@ class CNetPos final : public NetDesk, public Displayable {
   void touch(const Held& held);
 
   const MGeneral& general_;
-  tsl::robin_map<RowKey, Held, RowKey::Hash> held_;  // by ticket and account
+  std::vector<Held> held_;  // by slot
   tsl::robin_map<std::int32_t, std::uint32_t> place_of_account_;
   std::vector<OfSymbol> symbols_;
   std::vector<OfAccount> accounts_;

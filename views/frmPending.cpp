@@ -3,15 +3,17 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/numbers.h"
 #include "core/texts.h"
 #include "views/lot_sums.h"
 
 namespace tutti {
 
-frmPending::frmPending(MGeneral& general, CClientAPIManagers& sessions)
-    : general_(general), sessions_(sessions) {
+frmPending::frmPending(MGeneral& general, CClientAPIManagers& sessions, const OrderBook& book)
+    : general_(general), sessions_(sessions), book_(book) {
   ColumnWidthsPer("");
   lvwPending.set_column_tip(Column::time, server_time_tip);
+  lvwPending.set_make_cells([this](Row& row) { make_cells(row); });
   lvwPending.on_activate = [this](Row& row) { edit(row); };
   lbbCancel.on_click = [this] { CloseIoID(); };
 }
@@ -21,23 +23,10 @@ void frmPending::ColumnWidthsPer(std::string widths) {
   general_.column_widths(lvwPending, column_widths_);
 }
 
-std::int32_t frmPending::account_of(const Row& row) {
-  return static_cast<std::int32_t>(row.cell(Column::account).stored_number());
-}
-
-int frmPending::digits(std::int32_t number, std::string_view name) const {
-  const CClientAPIManager* session = sessions_.logged_in(number);
-  const Symbol* record = session == nullptr ? nullptr : session->ClientAPIF().SymbolRecord(name);
-  return record == nullptr ? 5 : record->digits;
-}
-
-Row& frmPending::Add(std::int64_t number, std::int32_t account_number) {
-  const RowKey key = order_key(number, account_number);
+Row& frmPending::Add(const Record& order) {
+  const RowKey key = order_key(order.order, order.account);
   Row* row = lvwPending.find(key);
-  if (row == nullptr) row = lvwPending.add(key);
-  row->set_whole(Column::order_number, number);
-  Updateaccount(*row, account_number);
-  return *row;
+  return row != nullptr ? *row : *lvwPending.add(key);
 }
 
 void frmPending::Updateaccount(Row& row, std::int32_t number) {
@@ -49,28 +38,31 @@ void frmPending::UpdateSlTp(Row& row, double stop, double profit, int decimals) 
   row.set_fixed_or_empty(Column::take_profit, profit, decimals);
 }
 
-void frmPending::AddOrder(const PendingOrder& order) {
-  Row& row = Add(order.order, order.account);
-  const int decimals = digits(order.account, order.symbol);
-  row.set_text(Column::type, TypeDesc(order.kind, order.reference));
-  row.set_number(Column::amount, order.amount);
-  row.set_text(Column::symbol, order.symbol);
-  row.set_fixed(Column::price, order.price, decimals);
-  UpdateSlTp(row, order.stop_loss, order.take_profit, decimals);
-  row.set_text(Column::time, general_.full_time_text(order.time));
-  auto& data = row.data<RowData>();
-  data.kind = order.kind;
-  data.operation = order.operation;
-  data.reference = order.reference;
+void frmPending::make_cells(Row& row) const {
+  const Record* order = record_of(row);
+  if (order == nullptr) return;
+  row.set_whole(Column::order_number, order->order);
+  Updateaccount(row, order->account);
+  row.set_text(Column::type, TypeDesc(order->kind, order->reference));
+  row.set_number(Column::amount, order->amount);
+  row.set_text(Column::symbol, order->symbol);
+  row.set_fixed(Column::price, order->price, order->digits);
+  UpdateSlTp(row, order->stop_loss, order->take_profit, order->digits);
+  row.set_text(Column::time, general_.full_time_text(order->time));
+}
+
+void frmPending::Remove(const Record& order) {
+  if (Row* row = lvwPending.find(order_key(order.order, order.account))) lvwPending.remove(*row);
+}
+
+void frmPending::removeClientinfo(std::int32_t number, std::span<const Record> gone) {
+  if (gone.empty()) return;
+  lvwPending.remove_if(
+      [&](const Row& row) { return row.key().account() == number && record_of(row) == nullptr; });
 }
 
 void frmPending::Removeorder(std::int64_t number, std::int32_t of_account) {
-  if (Row* row = lvwPending.find(order_key(number, of_account))) Remove(*row);
-}
-
-void frmPending::removeClientinfo(std::int32_t number, const Numbers& kept) {
-  lvwPending.remove_if(
-      [&](const Row& row) { return row.key().account() == number && !kept.contains(row.key().number()); });
+  if (CClientAPIManager* session = sessions_.by_account(of_account)) session->order_ended(number);
 }
 
 void frmPending::order_text(std::int64_t number, std::int32_t of_account, std::string_view text) {
@@ -108,22 +100,20 @@ std::string frmPending::OrderTypeDesc(std::string_view kind, std::int32_t op) {
   }
 }
 
-std::int32_t frmPending::side(const Row& row) {
-  const auto* data = row.data_if<RowData>();
-  if (data == nullptr || data->operation == 0) return 0;
+std::int32_t frmPending::side(const Record& order) {
+  if (order.operation == 0) return 0;
   // Of a close it is the side of the position.
-  return (data->operation > 0) == (data->kind != "CP") ? operation::buy : operation::sell;
+  return (order.operation > 0) == (order.kind != "CP") ? operation::buy : operation::sell;
 }
 
-std::string frmPending::side_text(const Row& row) {
-  const std::int32_t does = side(row);
+std::string frmPending::side_text(const Record& order) {
+  const std::int32_t does = side(order);
   if (does == 0) return {};
-  const auto& data = *row.data_if<RowData>();
-  if (data.kind == "LO") return OrderTypeDesc(data.kind, data.operation);
+  if (order.kind == "LO") return OrderTypeDesc(order.kind, order.operation);
   std::string out = does == operation::buy ? "Buy" : "Sell";
-  if (data.kind == "OP") return out + " at market";
+  if (order.kind == "OP") return out + " at market";
   const char* position = does == operation::buy ? " a sold position" : " a bought position";
-  return out + (data.kind == "CP" ? ", closes" : ", SL/TP of") + position;
+  return out + (order.kind == "CP" ? ", closes" : ", SL/TP of") + position;
 }
 
 frmPending::Category frmPending::OrderType(std::string_view type_text) {
@@ -133,32 +123,32 @@ frmPending::Category frmPending::OrderType(std::string_view type_text) {
 }
 
 void frmPending::edit(const Row& row) {
-  const std::string name = row.text(Column::symbol);
+  const Record* order = record_of(row);
+  if (order == nullptr) return;
   const auto sessions = sessions_.Children();
   const bool visible = std::any_of(sessions.begin(), sessions.end(), [&](const auto& session) {
-    return sessions_.Check_Visibility(name, session->account());
+    return sessions_.Check_Visibility(order->symbol, session->account());
   });
-  if (!visible) return general_.message_box(name + " is not visible for any of the connected accounts");
-  const auto* data = row.data_if<RowData>();
-  if (data == nullptr || !EdirMode) return;
-  const bool stops = OrderType(row.text(Column::type)) == stops_of_position;
+  if (!visible)
+    return general_.message_box(order->symbol + " is not visible for any of the connected accounts");
+  if (!EdirMode) return;
+  const bool stops = OrderType(TypeDesc(order->kind, order->reference)) == stops_of_position;
+  const auto price = [&](double value) { return as_fixed_reads(value, order->digits); };
   EdirMode({.mode = stops ? "SLTP " : "Limit Orders",
-            .type_text = OrderTypeDesc(data->kind, data->operation),
-            .symbol = name,
-            .account = account_of(row),
-            .number = stops ? data->reference : row.key().number(),
-            .amount = row.cell(Column::amount).number(),
-            .price = row.cell(Column::price).number(),
-            .stop_loss = row.cell(Column::stop_loss).number(),
-            .take_profit = row.cell(Column::take_profit).number()});
+            .type_text = OrderTypeDesc(order->kind, order->operation),
+            .symbol = order->symbol,
+            .account = order->account,
+            .number = stops ? order->reference : order->order,
+            .amount = as_text_reads(order->amount),
+            .price = price(order->price),
+            .stop_loss = price(order->stop_loss),
+            .take_profit = price(order->take_profit)});
 }
 
-std::vector<frmPending::Cancel> frmPending::ticked() const {
-  std::vector<Cancel> out;
-  for (const Row& row : lvwPending) {
-    const auto* data = row.data_if<RowData>();
-    if (row.checked() && data != nullptr) out.push_back({row.key().number(), account_of(row), data->kind});
-  }
+std::vector<const frmPending::Record*> frmPending::ticked() const {
+  std::vector<const Record*> out;
+  for (const Row& row : lvwPending)
+    if (row.checked()) out.push_back(record_of(row));
   return out;
 }
 
@@ -172,14 +162,16 @@ void frmPending::CloseIoID() {
   if (ticked().empty()) return general_.message_box("No selected orders");
   constexpr int yes = 1;
   LotSums sums{"order"};
-  for (const Row& row : lvwPending)
-    if (row.checked()) sums.add(row.text(Column::symbol), row.cell(Column::amount).number());
+  for (const Record* order : ticked())
+    sums.add(order->symbol, as_text_reads(order->amount));
   if (general_.msg_box.GeneralQuestionMsg("Are you sure you want to cancel selected order(s)?",
                                           sums.text()) != yes)
     return;
   int refused = 0;
   // Read again after the question, and whole before the first request, since events go on.
-  const std::vector<Cancel> orders = ticked();
+  std::vector<Cancel> orders;
+  for (const Record* order : ticked())
+    orders.push_back({order->order, order->account, order->kind});
   for (const Cancel& cancel : orders) {
     std::string why;
     if (cancel.kind != "LO" && cancel.kind != "ST") {

@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "books/order_book.h"
 #include "core/MGeneral.h"
 #include "core/label.h"
 #include "core/row_list.h"
@@ -15,8 +17,9 @@
 namespace tutti {
 
 // Pending orders window: market orders in dealing, entry orders, and the SL/TP orders of positions, of all
-// logged-in accounts. Rows are keyed "P", the order number and the account.
-class frmPending final : public PendingBook {
+// logged-in accounts. Rows are keyed "P", the order number and the account, and show their record of the
+// book.
+class frmPending final : public PendingDesk, public OrderBook::Observer {
  public:
   enum Column : std::size_t {
     order_number,
@@ -45,7 +48,9 @@ class frmPending final : public PendingBook {
     double take_profit = 0.0;
   };
 
-  frmPending(MGeneral& general, CClientAPIManagers& sessions);
+  using Record = OrderBook::Record;
+
+  frmPending(MGeneral& general, CClientAPIManagers& sessions, const OrderBook& book);
 
   RowList lvwPending{{"Order", "Account", "Type", "Amount", "Symbol", "Price", "S/L", "T/P", "Date/Time"}};
   Label lbbCancel{"Cancel selected orders"};
@@ -54,14 +59,15 @@ class frmPending final : public PendingBook {
   void ColumnWidthsPer(std::string widths);
 
   // Adds the order's row, or refreshes it.
-  void AddOrder(const PendingOrder& order);
-  Row& Add(std::int64_t order, std::int32_t account);
-  void Updateaccount(Row& row, std::int32_t account);
-  void UpdateSlTp(Row& row, double stop_loss, double take_profit, int decimals);
-  void Remove(Row& row) { lvwPending.remove(row); }
+  void AddOrder(const Record& order) { Add(order).outdate(); }
+  Row& Add(const Record& order);
+  static void Updateaccount(Row& row, std::int32_t account);
+  static void UpdateSlTp(Row& row, double stop_loss, double take_profit, int decimals);
+  void Remove(const Record& order);
+  // What an account that was refused, removed or disconnected leaves behind.
+  void removeClientinfo(std::int32_t account, std::span<const Record> gone);
+  // The order has ended: its session takes it out of the book.
   void Removeorder(std::int64_t order, std::int32_t account);
-  // Every row of an account that was refused, removed or disconnected, but those.
-  void removeClientinfo(std::int32_t account, const Numbers& kept = {});
   // A request in dealing was settled: its row goes.
   void MarketOrderAccepted(std::int64_t order, std::int32_t account) { Removeorder(order, account); }
   void MarketOrderRejected(std::int64_t order, std::int32_t account) { Removeorder(order, account); }
@@ -71,11 +77,14 @@ class frmPending final : public PendingBook {
   // Type text for the entry order window: side and kind of an entry order, the side of an SL/TP order.
   static std::string OrderTypeDesc(std::string_view kind, std::int32_t operation);
   static Category OrderType(std::string_view type_text);
-  // What a row's order does in the market: operation::buy or operation::sell, 0 when it is not known. A close
-  // and the SL/TP of a bought position sell.
-  static std::int32_t side(const Row& row);
+  // What an order does in the market: operation::buy or operation::sell, 0 when it is not known. A close and
+  // the SL/TP of a bought position sell.
+  static std::int32_t side(const Record& order);
   // The same with what kind of order it is: "Sell stop", "Buy at market", "Sell, closes a bought position".
-  static std::string side_text(const Row& row);
+  static std::string side_text(const Record& order);
+  const Record* record_of(const Row& row) const {
+    return book_.find(row.key().number(), row.key().account());
+  }
 
   // "Cancel selected orders": asks, then sends one request per ticked row.
   void CloseIoID();
@@ -86,17 +95,18 @@ class frmPending final : public PendingBook {
   // What was last said about the row's order; empty when nothing.
   static std::string note(const Row& row);
 
-  // PendingBook
-  void order(const PendingOrder& order) override { AddOrder(order); }
-  void remove_order(std::int64_t order, std::int32_t account) override { Removeorder(order, account); }
-  void remove_account(std::int32_t account, const Numbers& kept) override { removeClientinfo(account, kept); }
+  // PendingDesk
   void order_text(std::int64_t order, std::int32_t account, std::string_view text) override;
+
+  // OrderBook::Observer
+  void changed(const Record& order) override { AddOrder(order); }
+  void removed(const Record& order) override { Remove(order); }
+  void account_left(std::int32_t account, std::span<const Record> gone) override {
+    removeClientinfo(account, gone);
+  }
 
  private:
   struct RowData {
-    std::string kind;
-    std::int32_t operation = 0;
-    std::int64_t reference = 0;
     std::string note;
   };
   struct Cancel {
@@ -105,14 +115,14 @@ class frmPending final : public PendingBook {
     std::string kind;
   };
 
-  static std::int32_t account_of(const Row& row);
-  int digits(std::int32_t account, std::string_view symbol) const;
-  std::vector<Cancel> ticked() const;
+  void make_cells(Row& row) const;
+  std::vector<const Record*> ticked() const;
   // Request code of one cancel request.
   std::int32_t send(const Cancel& cancel);
 
   MGeneral& general_;
   CClientAPIManagers& sessions_;
+  const OrderBook& book_;
   std::string column_widths_;
 };
 

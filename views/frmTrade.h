@@ -2,24 +2,25 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "books/symbol_collection.h"
+#include "books/position_book.h"
 #include "core/CQuestionBox.h"
 #include "core/MGeneral.h"
 #include "core/check_box.h"
 #include "core/label.h"
 #include "core/row_list.h"
-#include "sessions/desk.h"
+#include "views/CNetPos.h"
 #include "views/frmPending.h"
 
 namespace tutti {
 
 // Open positions window ("Trade"): one row per open position of any logged-in account, keyed "T", the ticket
-// and the account, with live price and profit. Closes the ticked ones.
-class frmTrade final : public PositionBook {
+// and the account, with live price and profit. Closes the ticked ones. A row shows its record of the book.
+class frmTrade final : public PositionBook::Observer {
  public:
   enum Column : std::size_t {
     ticket,
@@ -49,7 +50,9 @@ class frmTrade final : public PositionBook {
     std::int32_t account = 0;
   };
 
-  frmTrade(MGeneral& general, CQuestionBox& question_box, Desk& desk, const SymbolCollection& symbols);
+  using Record = PositionBook::Record;
+
+  frmTrade(MGeneral& general, CQuestionBox& question_box, const PositionBook& book, CNetPos& net);
 
   RowList lvwOpenPos{{"Ticket", "Account", "Date/Time", "Type", "Amount", "Symbol", "Open Price",
                       "Current Price", "S/L", "T/P", "Comm", "Interest", "P/L"}};
@@ -60,10 +63,11 @@ class frmTrade final : public PositionBook {
   const std::string& ColumnWidthsPer() const { return column_widths_; }
   void ColumnWidthsPer(std::string widths);
 
-  void AddPosition(const OpenPosition& position);
-  void RemovePosition(std::int64_t ticket, std::int32_t account);
-  // All positions of an account that is no longer connected, but those.
-  void RemovePending(std::int32_t account, const Numbers& kept = {});
+  // Adds the position's row, or refreshes it, and tells the net positions.
+  void AddPosition(const Record& position);
+  void RemovePosition(const Record& position);
+  // What an account that is no longer connected leaves behind.
+  void RemovePending(std::int32_t account, std::span<const Record> gone);
   // Asks whether this one is to be closed, ticked or not, and closes no other.
   void close_one(const Row& row);
   // What these positions are in all, for the question whether to close them. One that is gone is not told.
@@ -77,25 +81,40 @@ class frmTrade final : public PositionBook {
   // Edit mode of the entry order window; set by start-up.
   std::function<void(const frmPending::EditRequest&)> EdirMode;
 
-  // PositionBook
-  void position(const OpenPosition& position) override { AddPosition(position); }
-  void remove_position(std::int64_t ticket, std::int32_t account) override {
-    RemovePosition(ticket, account);
+  static const char* type_text(const Record& position) { return position.side > 0 ? "Buy" : "Sell"; }
+
+  // PositionBook::Observer
+  void changed(const Record& position) override { AddPosition(position); }
+  void worth_changed(const Record& position) override {
+    rows_[position.slot].row->outdate();
+    net_.floating_changed(position);
   }
-  void remove_account(std::int32_t account, const Numbers& kept) override { RemovePending(account, kept); }
-  void floating_changed(const OpenPosition& position) override;
+  void removed(const Record& position) override { RemovePosition(position); }
+  void account_left(std::int32_t account, std::span<const Record> gone) override {
+    RemovePending(account, gone);
+  }
 
  private:
+  // The row of a slot, and the stamp of what its cells show but for the worth.
+  struct Shown {
+    Row* row = nullptr;
+    std::uint64_t written = 0;
+  };
+
+  void make_cells(Row& row);
   void lbbClose_Click();
   void chkAll_Click();
-  static Close close_of(const Row& row);
-  const Row* row_of(const Close& position) const;
+  const Record* record_of(const Row& row) const {
+    return book_.find(row.key().number(), row.key().account());
+  }
+  static Close close_of(const Record& position);
   std::vector<Close> ticked() const;
 
   MGeneral& general_;
   CQuestionBox& question_box_;
-  Desk& desk_;
-  const SymbolCollection& symbols_;
+  const PositionBook& book_;
+  CNetPos& net_;
+  std::vector<Shown> rows_;  // by slot
   std::string column_widths_;
 };
 

@@ -21,8 +21,8 @@ using Column = frmPending::Column;
 const std::vector<std::size_t> numbers{Column::order_number, Column::account,   Column::amount,
                                        Column::price,        Column::stop_loss, Column::take_profit};
 
-Side side(const Row& row, std::size_t column) {
-  const std::int32_t does = column == Column::type ? frmPending::side(row) : 0;
+Side side(const frmPending::Record* order, std::size_t column) {
+  const std::int32_t does = order != nullptr && column == Column::type ? frmPending::side(*order) : 0;
   return does > 0 ? Side::buy : does < 0 ? Side::sell : Side::none;
 }
 
@@ -33,11 +33,16 @@ FrmPendingWindow::FrmPendingWindow(frmPending& form, Screen& screen)
   list_->setObjectName(QStringLiteral("lvwPending"));
   list_->columns().keep_readable({"00000000", "000000", "SL/TP (00000000)000", "00.00", "AUDNZD", "00000.00",
                                   "00000.00", "00000.00", "0000-00-00 00:00:00"});
-  list_->set_sides(side);
-  list_->set_ink([](const Row& row, std::size_t column) { return theme::side_colour(side(row, column)); });
-  list_->set_tip([](const Row& row, std::size_t) {
+  const auto side_of = [&form](const Row& row, std::size_t column) {
+    return side(form.record_of(row), column);
+  };
+  list_->set_sides(side_of);
+  list_->set_ink(
+      [side_of](const Row& row, std::size_t column) { return theme::side_colour(side_of(row, column)); });
+  list_->set_tip([&form](const Row& row, std::size_t) {
     const std::string note = frmPending::note(row);
-    return frmPending::side_text(row) + (note.empty() ? "" : "\n") + note;
+    const auto* order = form.record_of(row);
+    return (order == nullptr ? "" : frmPending::side_text(*order)) + (note.empty() ? "" : "\n") + note;
   });
 
   Binder binder{screen, *this};

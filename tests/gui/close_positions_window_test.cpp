@@ -151,7 +151,7 @@ TEST(ClosePositionsWindow, NothingIsDoneToARowThatWasNotMeant) {
   rig.buy("2");
   rig.run(1s);
   // While the button is down its row is freed, and one of the same account is made in its place.
-  const OpenPosition other{.ticket = rig.ticket(3), .account = rig.account(3), .symbol = "EURUSD"};
+  const PositionBook::Record& other = *rig.main().positions().find(rig.ticket(3), rig.account(3));
   rig.remove(3);
   rig.run(0ms);
   const QPoint pressed = cell_point(list, 1, status);

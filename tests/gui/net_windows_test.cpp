@@ -20,12 +20,13 @@ using Blocks = std::vector<std::pair<std::string, std::vector<std::int32_t>>>;
 struct NetTest : ::testing::Test {
   // Lots below 0 are sold.
   void hold(std::int32_t account, const char* symbol, double lots, double profit) {
-    book.position_added({.ticket = ++ticket,
-                         .account = account,
-                         .side = lots > 0.0 ? operation::buy : operation::sell,
-                         .symbol = symbol,
-                         .amount = std::abs(lots),
-                         .floating_pl = profit});
+    const OpenPosition position{.ticket = ++ticket,
+                                .account = account,
+                                .side = lots > 0.0 ? operation::buy : operation::sell,
+                                .symbol = symbol,
+                                .amount = std::abs(lots),
+                                .floating_pl = profit};
+    rig.main().positions().write(position, 5);
   }
   void hold_some() {
     hold(1, "EURUSD", 1.0, 10.0);
@@ -43,7 +44,6 @@ struct NetTest : ::testing::Test {
   Blocks handed() { return std::exchange(handed_over, {}); }
 
   GuiRig rig{DealerConfig::sample(1)};
-  CNetPos& book = rig.main().net_positions();
   std::int64_t ticket = 0;
   Blocks handed_over;
 };
@@ -191,7 +191,7 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   // What stands selected is the same cells, of the accounts that are left.
   drag(at(0, gbp), at(2, gbp));
   EXPECT_EQ(line(), before);
-  book.remove_account(3, {});
+  rig.main().positions().keep_only(3, {});
   hold(1, "AUDUSD", 1.0, 0.0);
   rig.screen.acted();
   EXPECT_EQ(line(), "1 account, 1 symbol, -1.5 lots net");

@@ -95,13 +95,14 @@ TEST_F(TradeTest, TheSummaryLineKeepsItsBlanksAndFont) {
 struct PendingTest : ::testing::Test {
   PendingTest() {
     show(window);
-    form.AddOrder({.order = 7001, .account = 500101, .kind = "LO", .symbol = "EURUSD", .amount = 0.5});
-    form.AddOrder({.order = 7002, .account = 500102, .kind = "OP", .symbol = "EURUSD", .amount = 0.5});
+    book.write({.order = 7001, .account = 500101, .kind = "LO", .symbol = "EURUSD", .amount = 0.5}, 5);
+    book.write({.order = 7002, .account = 500102, .kind = "OP", .symbol = "EURUSD", .amount = 0.5}, 5);
     rig.screen.acted();
   }
 
   GuiRig rig{DealerConfig::sample(2)};
   frmPending& form = rig.main().pending();
+  OrderBook& book = rig.main().orders();
   Desktop desktop{rig};
   FrmPendingWindow& window = desktop.panes().pending();
   RowListView& list = window.list();
@@ -114,7 +115,7 @@ TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
   EXPECT_EQ(note(), "");
   click_cell(list, 1, frmPending::symbol);
   EXPECT_EQ(note(), "Order 7002: Order 7002 in Pending mode");
-  form.Removeorder(7002, 500102);
+  book.remove(7002, 500102);
   rig.run(50ms);
   EXPECT_EQ(note(), "");
 }
@@ -135,8 +136,8 @@ TEST_F(PendingTest, EveryRowShowsWhetherItBuysOrSells) {
       {"LO", 0, Side::none, ""},
   };
   for (const Case& c : cases) {
-    form.AddOrder(
-        {.order = 7001, .account = 500101, .kind = c.kind, .operation = c.operation, .symbol = "EURUSD"});
+    book.write(
+        {.order = 7001, .account = 500101, .kind = c.kind, .operation = c.operation, .symbol = "EURUSD"}, 5);
     const Row& row = form.lvwPending.row(0);
     const RowDelegate& look = list.delegate();
     EXPECT_EQ(look.side(row, frmPending::type), c.side) << c.tip;

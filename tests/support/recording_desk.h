@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -59,9 +60,7 @@ class RecordingDesk {
     desk.market_order = &market_order;
     desk.entry_order = &entry_order;
     desk.close_positions = &close_positions;
-    desk.positions = &positions;
     desk.pending = &pending;
-    desk.net = &net;
     desk.market_watch = &market_watch;
     desk.requote = &requote;
     desk.status = &status;
@@ -117,40 +116,42 @@ class RecordingDesk {
     void add_account(std::int32_t account) override { say("adds", account); }
     void remove_account(std::int32_t account) override { say("removes", account); }
     void refresh_symbols() override { say("symbols"); }
-    void position_opened(const OpenPosition& position) override { say("opened", position.ticket); }
-    void position_closed(std::int64_t ticket, std::int32_t) override { say("closed", ticket); }
     void prices(SymbolHandle, const Symbol& symbol) override { say("prices", symbol.name); }
     void result(std::int64_t ticket, std::int32_t, std::string_view text) override {
       say(word(ticket) + ":", text);
     }
   } close_positions{"close", heard};
 
-  class Positions final : public PositionBook, Voice {
+  template <class Book>
+  class Records : public Book::Observer, protected Voice {
    public:
+    using Record = typename Book::Record;
     using Voice::Voice;
-    void position(const OpenPosition& position) override { say("has", position.ticket); }
-    void remove_position(std::int64_t ticket, std::int32_t) override { say("drops", ticket); }
-    void remove_account(std::int32_t account, const Numbers&) override { say("removes", account); }
+    void account_left(std::int32_t account, std::span<const Record>) override { say("removes", account); }
+  };
+
+  class Positions final : public Records<PositionBook> {
+   public:
+    using Records::Records;
+    void changed(const Record& position) override { say("has", position.ticket); }
+    void worth_changed(const Record& position) override { say(position.ticket, position.floating_pl); }
+    void removed(const Record& position) override { say("drops", position.ticket); }
   } positions{"positions", heard};
 
-  class Pending final : public PendingBook, Voice {
+  class Orders final : public Records<OrderBook> {
+   public:
+    using Records::Records;
+    void changed(const Record& order) override { say("has", order.kind, order.order, order.account); }
+    void removed(const Record& order) override { say("drops", order.order); }
+  } orders{"pending", heard};
+
+  class Pending final : public PendingDesk, Voice {
    public:
     using Voice::Voice;
-    void order(const PendingOrder& order) override { say("has", order.kind, order.order, order.account); }
-    void remove_order(std::int64_t order, std::int32_t) override { say("drops", order); }
-    void remove_account(std::int32_t account, const Numbers&) override { say("removes", account); }
     void order_text(std::int64_t order, std::int32_t, std::string_view text) override {
       say(word(order) + ":", text);
     }
   } pending{"pending", heard};
-
-  class Net final : public NetDesk, Voice {
-   public:
-    using Voice::Voice;
-    void floating_changed(const OpenPosition& position, std::string_view profit) override {
-      say(position.ticket, profit);
-    }
-  } net{"net", heard};
 
   class MarketWatch final : public MarketWatchDesk, Voice {
    public:

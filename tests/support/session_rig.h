@@ -24,6 +24,8 @@ class SessionRig {
     general.locale = &locale_settings;
     general.journal = &journal;
     general.key = KeyFile{home.key_file()};
+    books.positions.observe(windows.positions);
+    books.orders.observe(windows.orders);
   }
 
   CClientAPIManager& add(std::int32_t account, const std::string& user = "BOB") {
@@ -75,11 +77,10 @@ class SessionRig {
   MGeneral general{paths, clock, sound, prompt, messages};
   RecordingDesk windows;
   Lines journal{windows.heard};
-  SymbolCollection symbols;
+  Books books;
   CLoginOptions options{general, {"10.0.0.9", 443}};
-  AccountBook accounts;
-  CClientAPIManagers sessions{
-      [] { return std::make_unique<ScriptedClient>(); }, general, windows.desk, symbols, options, accounts};
+  CClientAPIManagers sessions{[] { return std::make_unique<ScriptedClient>(); }, general, windows.desk, books,
+                              options};
 };
 
 }  // namespace tutti::testing

@@ -1,0 +1,135 @@
+#include "books/record_book.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "books/order_book.h"
+#include "books/position_book.h"
+
+namespace tutti {
+namespace {
+
+std::int64_t number_of(const OpenPosition& position) {
+  return position.ticket;
+}
+
+std::int64_t number_of(const PendingOrder& order) {
+  return order.order;
+}
+
+}  // namespace
+
+template <class Item>
+void RecordBook<Item>::write(const Item& item, int digits) {
+  const auto [at, is_new] = slot_of_.emplace(Key{number_of(item), item.account}, Slot{});
+  if (is_new) at.value() = free_slot();
+  const Slot slot = at->second;
+  Record& record = records_[slot];
+  const bool new_symbol = is_new || record.symbol != item.symbol;
+  if (new_symbol && !is_new) {
+    Slots& before = by_symbol_[record.symbol];
+    before.erase(place_in(before, record));
+  }
+  static_cast<Item&>(record) = item;
+  record.digits = digits;
+  record.stamp = record.written = ++stamp_;
+  if (is_new) {
+    record.slot = slot;
+    record.arrival = ++arrivals_;
+    by_account_[item.account].push_back(slot);
+  }
+  if (new_symbol) {
+    Slots& now = by_symbol_[item.symbol];
+    now.insert(place_in(now, record), slot);
+  }
+  for (Observer* observer : observers_)
+    observer->changed(record);
+}
+
+template <class Item>
+void RecordBook<Item>::remove(std::int64_t number, std::int32_t account) {
+  const auto at = slot_of_.find(Key{number, account});
+  if (at == slot_of_.end()) return;
+  const Record gone = take_out(at->second);
+  for (Observer* observer : observers_)
+    observer->removed(gone);
+  free_.push_back(gone.slot);
+}
+
+template <class Item>
+void RecordBook<Item>::keep_only(std::int32_t account, const Numbers& kept) {
+  std::vector<Record> gone;
+  for (const Record* record : of_account(account))
+    if (!kept.contains(number_of(*record))) gone.push_back(take_out(record->slot));
+  for (Observer* observer : observers_)
+    observer->account_left(account, gone);
+  for (const Record& record : gone)
+    free_.push_back(record.slot);
+}
+
+template <class Item>
+std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::all() const {
+  std::vector<const Record*> out;
+  for (const auto& [key, slot] : slot_of_)
+    out.push_back(&records_[slot]);
+  std::sort(out.begin(), out.end(), [](const Record* a, const Record* b) { return a->arrival < b->arrival; });
+  return out;
+}
+
+template <class Item>
+std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::of_account(
+    std::int32_t account) const {
+  const auto at = by_account_.find(account);
+  return at == by_account_.end() ? std::vector<const Record*>{} : records_at(at->second);
+}
+
+template <class Item>
+std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::of_symbol(
+    const std::string& symbol) const {
+  const auto at = by_symbol_.find(symbol);
+  return at == by_symbol_.end() ? std::vector<const Record*>{} : records_at(at->second);
+}
+
+template <class Item>
+typename RecordBook<Item>::Slot RecordBook<Item>::free_slot() {
+  if (free_.empty()) {
+    records_.emplace_back();
+    return static_cast<Slot>(records_.size() - 1);
+  }
+  const Slot slot = free_.back();
+  free_.pop_back();
+  return slot;
+}
+
+template <class Item>
+typename RecordBook<Item>::Record RecordBook<Item>::take_out(Slot slot) {
+  Record& record = records_[slot];
+  Slots& of_account = by_account_[record.account];
+  of_account.erase(place_in(of_account, record));
+  Slots& of_symbol = by_symbol_[record.symbol];
+  of_symbol.erase(place_in(of_symbol, record));
+  slot_of_.erase(Key{number_of(record), record.account});
+  ++stamp_;
+  return std::exchange(record, Record{});
+}
+
+// Where the record stands, or would stand, among those that came before and after it.
+template <class Item>
+typename RecordBook<Item>::Slots::iterator RecordBook<Item>::place_in(Slots& slots, const Record& record) {
+  return std::lower_bound(
+      slots.begin(), slots.end(), record.arrival,
+      [this](Slot slot, std::uint64_t arrival) { return records_[slot].arrival < arrival; });
+}
+
+template <class Item>
+std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::records_at(const Slots& slots) const {
+  std::vector<const Record*> out;
+  for (const Slot slot : slots)
+    out.push_back(&records_[slot]);
+  return out;
+}
+
+template class RecordBook<OpenPosition>;
+template class RecordBook<PendingOrder>;
+
+}  // namespace tutti

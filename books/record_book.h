@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <tsl/robin_map.h>
+#include <tsl/robin_set.h>
+
+namespace tutti {
+
+// Numbers of positions or orders of one account.
+using Numbers = tsl::robin_set<std::int64_t>;
+
+// What the accounts hold of one kind, open positions or pending orders: a record each, by number and account,
+// since two accounts may be given the same number. Sessions write; everybody reads.
+//
+// Records lie side by side under dense numbers, so that an event costs one look-up and whoever shows records
+// may keep what belongs to one under its number. Every change raises the stamp of the record and of the book.
+// Pointers to records are good until the book is written next.
+template <class Item>
+class RecordBook {
+ public:
+  // 0 and up; that of a record that went is given to one that comes later.
+  using Slot = std::uint32_t;
+  struct Record : Item {
+    int digits = 5;  // decimals of its prices
+    Slot slot = 0;
+    std::uint64_t arrival = 0;  // ascends in the order in which the records came
+    std::uint64_t stamp = 0;    // of its last change
+    std::uint64_t written = 0;  // the same, without those of its worth alone
+  };
+
+  // Whoever shows the records is told of each change when it is done. Nobody writes the book from here.
+  class Observer {
+   public:
+    virtual ~Observer() = default;
+    // A record that is new, or that has other values.
+    virtual void changed(const Record&) {}
+    // Only price, costs and profit of a position are others.
+    virtual void worth_changed(const Record&) {}
+    // One that is no more in the book. Its slot is not given away yet.
+    virtual void removed(const Record&) {}
+    // Those of an account that are no more in the book, in the order in which they came; there may be none.
+    virtual void account_left(std::int32_t /*account*/, std::span<const Record> /*gone*/) {}
+  };
+
+  RecordBook() = default;
+  RecordBook(const RecordBook&) = delete;
+  RecordBook& operator=(const RecordBook&) = delete;
+
+  // In the order in which they are told. An observer stays until the last write.
+  void observe(Observer& observer) { observers_.push_back(&observer); }
+
+  // Takes a record in, or gives it other values. `digits`: decimals of its prices.
+  void write(const Item& item, int digits);
+  // One that is not there is ignored.
+  void remove(std::int64_t number, std::int32_t account);
+  // Removes all of an account but those.
+  void keep_only(std::int32_t account, const Numbers& kept);
+
+  // nullptr when there is none.
+  const Record* find(std::int64_t number, std::int32_t account) const {
+    const auto at = slot_of_.find(Key{number, account});
+    return at == slot_of_.end() ? nullptr : &records_[at->second];
+  }
+  // In the order in which they came.
+  std::vector<const Record*> all() const;
+  std::vector<const Record*> of_account(std::int32_t account) const;
+  std::vector<const Record*> of_symbol(const std::string& symbol) const;
+  std::size_t size() const { return slot_of_.size(); }
+  std::uint64_t stamp() const { return stamp_; }
+
+ protected:
+  Record* find_to_write(std::int64_t number, std::int32_t account) {
+    const auto at = slot_of_.find(Key{number, account});
+    return at == slot_of_.end() ? nullptr : &records_[at->second];
+  }
+  std::uint64_t next_stamp() { return ++stamp_; }
+  const std::vector<Observer*>& observers() const { return observers_; }
+
+ private:
+  struct Key {
+    std::int64_t number = 0;
+    std::int32_t account = 0;
+    bool operator==(const Key&) const = default;
+  };
+  struct KeyHash {
+    std::size_t operator()(const Key& key) const {
+      // Odd and large, so that accounts next to each other with the same numbers are spread.
+      constexpr std::uint64_t spread = 0x9E37'79B9'7F4A'7C15;
+      return static_cast<std::size_t>(static_cast<std::uint64_t>(key.number) ^
+                                      static_cast<std::uint64_t>(key.account) * spread);
+    }
+  };
+  using Slots = std::vector<Slot>;  // in the order in which the records came
+
+  Slot free_slot();
+  Record take_out(Slot slot);
+  Slots::iterator place_in(Slots& slots, const Record& record);
+  std::vector<const Record*> records_at(const Slots& slots) const;
+
+  std::vector<Record> records_;  // by slot
+  Slots free_;
+  tsl::robin_map<Key, Slot, KeyHash> slot_of_;
+  tsl::robin_map<std::int32_t, Slots> by_account_;
+  tsl::robin_map<std::string, Slots> by_symbol_;
+  std::vector<Observer*> observers_;
+  std::uint64_t arrivals_ = 0;
+  std::uint64_t stamp_ = 0;
+};
+
+}  // namespace tutti
