@@ -200,10 +200,9 @@ std::int16_t frmMain::askycodekeypress(std::int16_t key, std::string_view text) 
   return 0;
 }
 
-std::string frmMain::Result(std::int32_t code, std::int32_t account, std::string_view kind,
+std::string frmMain::Result(RequestCode code, std::int32_t account, std::string_view kind,
                             std::string_view description, double price, std::string_view stop_loss,
                             std::string_view take_profit) {
-  constexpr std::int32_t invalid_symbol_id = 9;
   switch (code) {
     case request::taken:
       general_.log("Request " + std::string{kind} + " " + std::string{description} + " at " +
@@ -225,7 +224,7 @@ std::string frmMain::Result(std::int32_t code, std::int32_t account, std::string
       return "Invalid Ticket";
     case request::invalid_lots:
       return "Invalid Lots";
-    case invalid_symbol_id:
+    case request::invalid_symbol_id:
       return "Invalid SymbolID";
     case request::invalid_order_id:
       return "Invalid Order ID";

@@ -19,6 +19,7 @@
 #include "core/timer.h"
 #include "sessions/CClientAPIManagers.h"
 #include "sessions/CLoginOptions.h"
+#include "sessions/contract/codes.h"
 #include "sessions/desk.h"
 #include "sessions/frmaccount.h"
 
@@ -135,7 +136,7 @@ class frmMain final : public AccountsDesk, public Displayable {
   static std::int16_t askycodekeypress(std::int16_t key, std::string_view text);
   // Text of a request code for the result columns. A request that was taken is journaled with its data and
   // sounds. `kind` is "SLTP " for a stop-loss/take-profit request.
-  std::string Result(std::int32_t code, std::int32_t account, std::string_view kind,
+  std::string Result(RequestCode code, std::int32_t account, std::string_view kind,
                      std::string_view description, double price, std::string_view stop_loss,
                      std::string_view take_profit);
   // Splits an amount over the market order window's ticked accounts; see Distribution.

@@ -16,8 +16,8 @@
 namespace tutti {
 namespace {
 
-const char* side_text(std::int32_t operation) {
-  return operation > 0 ? "buy" : "sell";
+const char* side_text(Operation operation) {
+  return buys(operation) ? "buy" : "sell";
 }
 
 // What the dealing server has taken and not brought to its end, in the order in which it falls due.
@@ -26,7 +26,7 @@ Json in_flight_json(const CommandContext& context) {
       {"number", "account", "request", "stage", "side", "amount", "symbol", "reference", "price", "due"}};
   for (const TradeRequest& request : context.server().requests()) {
     out.add({request.number, request.account, name_of(request.kind), name_of(request.stage),
-             side_text(request.kind == TradeKind::close ? -request.operation : request.operation),
+             side_text(request.kind == TradeKind::close ? opposite(request.operation) : request.operation),
              json_number(request.amount), request.symbol,
              request.reference != 0 ? Json(request.reference) : Json{},
              request.price > 0.0 ? json_number(request.price) : Json{}, utc_text(request.due)});

@@ -36,7 +36,7 @@ std::string_view request_words(TradeKind kind) {
 std::string earlier_request_text(const Outcome& outcome) {
   return fmt::format("{} #{} of account {} from the earlier run: {}", request_words(outcome.kind),
                      outcome.number, outcome.account,
-                     outcome.result == 0 ? "Rejected" : result_texts::general(outcome.result));
+                     outcome.result == ResultCode::none ? "Rejected" : result_texts::general(outcome.result));
 }
 
 }  // namespace tutti

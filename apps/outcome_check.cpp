@@ -108,7 +108,7 @@ void OutcomeCheck::expect_set_off(const Outcome& outcome, const std::string& num
 }
 
 std::string OutcomeCheck::entry_answer(const Outcome& outcome, const std::string& number) {
-  const std::int32_t code = outcome.result;
+  const ResultCode code = outcome.result;
   const auto behind = [](std::string start, std::string_view text) {
     return text.empty() ? std::string{} : start.append(text);
   };

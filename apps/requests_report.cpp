@@ -40,7 +40,7 @@ std::string RequestsReport::result(const Asked& asked) const {
     default:
       return "unknown";
   }
-  if (request->result_code != 0 && request->result_code != tutti::result::succeeded) {
+  if (request->result_code != ResultCode::none && request->result_code != tutti::result::succeeded) {
     return std::string{trim(CClientAPIManager::ResultDescription(request->result_code))};
   }
   const std::string_view text = trim(request::text(request->request_code));

@@ -65,7 +65,7 @@ void SplitRun::describe_sent(const SentOrder& order, Line& line) {
       break;
     case SentOrder::Outcome::refused:
       // Some codes write nothing into the row; the operator is told all the same.
-      if (line.result.empty() && order.result_code != 0) {
+      if (line.result.empty() && order.result_code != ResultCode::none) {
         line.result = CClientAPIManager::ResultDescription(order.result_code);
       } else if (line.result.empty()) {
         line.result = fmt::format("refused, request code {}", order.request_code);

@@ -46,7 +46,7 @@ class SplitRun {
     std::int32_t account = 0;
     std::string user;
     std::optional<double> share;
-    std::optional<std::int32_t> request_code;
+    std::optional<RequestCode> request_code;
     bool accepted = false;
     bool unknown = false;  // no answer came
     std::string result;

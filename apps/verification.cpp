@@ -35,9 +35,9 @@ struct BookedNet {
   std::set<std::int32_t> accounts;
 
   void add(const OpenPosition& position, std::int32_t account) {
-    const bool buys = position.side > 0;
-    (buys ? bought : sold) += position.amount;
-    (buys ? bought_value : sold_value) += position.amount * position.open_price;
+    const bool long_side = buys(position.side);
+    (long_side ? bought : sold) += position.amount;
+    (long_side ? bought_value : sold_value) += position.amount * position.open_price;
     floating += position.floating_pl;
     accounts.insert(account);
   }
@@ -127,7 +127,7 @@ void Verification::check_positions() {
               main_.general().locale->StringToNumber(passed_on), booked.floating_pl, half_a_cent);
       compare(number, what + " stop loss", shown->stop_loss, booked.stop_loss, 1e-9);
       compare(number, what + " take profit", shown->take_profit, booked.take_profit, 1e-9);
-      if ((shown->side > 0) != (booked.side > 0) || shown->symbol != booked.symbol)
+      if (buys(shown->side) != buys(booked.side) || shown->symbol != booked.symbol)
         differ(number, what + " side or symbol differs");
     }
   }

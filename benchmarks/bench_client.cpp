@@ -2,8 +2,8 @@
 
 namespace tutti::bench {
 
-std::int32_t BenchClient::NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount,
-                                         std::string_view, std::string_view, RequestId) {
+RequestCode BenchClient::NewMarketOrder(Operation side, std::int32_t symbol_id, double amount,
+                                        std::string_view, std::string_view, RequestId) {
   last_side_ = side;
   last_symbol_ = symbol_id;
   last_amount_ = amount;

@@ -6,6 +6,7 @@
 
 #include "benchmarks/bench_market.h"
 #include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti::bench {
 
@@ -34,15 +35,15 @@ class BenchClient final : public ClientAPI {
   const OpenPosition* OpenPositionItem(int) const override { return nullptr; }
   int PendingOrderCount() const override { return 0; }
   const PendingOrder* PendingOrderItem(int) const override { return nullptr; }
-  std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
-                              std::string_view, RequestId) override;
-  std::int32_t NewEntryOrder(const EntryOrder&, RequestId) override { return request::taken; }
-  std::int32_t UpdateEntryOrder(std::int64_t, double, const StopPrices&, RequestId) override {
+  RequestCode NewMarketOrder(Operation side, std::int32_t symbol_id, double amount, std::string_view,
+                             std::string_view, RequestId) override;
+  RequestCode NewEntryOrder(const EntryOrder&, RequestId) override { return request::taken; }
+  RequestCode UpdateEntryOrder(std::int64_t, double, const StopPrices&, RequestId) override {
     return request::taken;
   }
-  std::int32_t AcceptRequote(std::int64_t, RequestId) override { return request::taken; }
-  std::int32_t RejectRequote(std::int64_t, RequestId) override { return request::taken; }
-  std::int32_t ClosePosition(std::string_view, std::string_view, std::string_view, RequestId) override {
+  RequestCode AcceptRequote(std::int64_t, RequestId) override { return request::taken; }
+  RequestCode RejectRequote(std::int64_t, RequestId) override { return request::taken; }
+  RequestCode ClosePosition(std::string_view, std::string_view, std::string_view, RequestId) override {
     return request::taken;
   }
   bool LoggedIn() const override { return logged_in_; }
@@ -50,20 +51,20 @@ class BenchClient final : public ClientAPI {
   SummaryAnswer GetAccountSummary(std::int32_t) const override {
     return {.values = **values_, .result = result::succeeded};
   }
-  std::int32_t UpdateSLTP(std::int64_t, const StopPrices&, RequestId) override { return request::taken; }
+  RequestCode UpdateSLTP(std::int64_t, const StopPrices&, RequestId) override { return request::taken; }
   double EvaluateSLTPPrice(std::int32_t, double, std::string_view, double, double& value) const override {
     return value = 0.0;
   }
   double SymbolLimitDistance(std::string_view) const override { return 0.0; }
   double SymbolStopDistance(std::string_view) const override { return 0.0; }
   std::optional<AccountInfo> FindAccount(std::int32_t) const override { return std::nullopt; }
-  std::int32_t DeleteEntryOrder(std::int64_t, RequestId) override { return request::taken; }
-  std::int32_t DeleteSLTPOrder(std::int64_t, RequestId) override { return request::taken; }
+  RequestCode DeleteEntryOrder(std::int64_t, RequestId) override { return request::taken; }
+  RequestCode DeleteSLTPOrder(std::int64_t, RequestId) override { return request::taken; }
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
   BookEra Era() const override { return 0; }
-  std::int32_t AskRequest(RequestId, BookEra) override { return request::silent; }
-  std::int32_t AskExecutions(TimePoint) override { return request::silent; }
+  RequestCode AskRequest(RequestId, BookEra) override { return request::silent; }
+  RequestCode AskExecutions(TimePoint) override { return request::silent; }
 
  private:
   CLAPICLASS* sink_ = nullptr;

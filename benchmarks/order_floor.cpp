@@ -28,7 +28,7 @@ void OrderFloor::distribute(double amount, std::string_view symbol, int decimals
   }
 }
 
-void OrderFloor::fan_out(std::int32_t side, std::string_view symbol) {
+void OrderFloor::fan_out(Operation side, std::string_view symbol) {
   for (std::size_t i = 0; i < clients_.size(); ++i) {
     const auto at = identifiers_[i].find(symbol);
     Order& order = orders_[i];

@@ -6,6 +6,7 @@
 
 #include "benchmarks/bench_market.h"
 #include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti::bench {
 
@@ -19,16 +20,16 @@ class OrderFloor {
   // questions again for the shares.
   void distribute(double amount, std::string_view symbol, int decimals);
   // One order per account: its identifier of the symbol looked up by name, the order made, and sent.
-  void fan_out(std::int32_t side, std::string_view symbol);
+  void fan_out(Operation side, std::string_view symbol);
 
   const std::vector<double>& shares() const { return shares_; }
 
  private:
   struct Order {
     double amount = 0.0;
-    std::int32_t side = 0;
+    Operation side{};
     std::int32_t symbol_id = 0;
-    std::int32_t request_code = 0;
+    RequestCode request_code{};
   };
 
   std::vector<ClientAPI*> clients_;

@@ -32,7 +32,7 @@ SentOrder& RequestBook::add(SentOrder request) {
   return added;
 }
 
-void RequestBook::note_code(SentOrder& request, std::int32_t request_code) {
+void RequestBook::note_code(SentOrder& request, RequestCode request_code) {
   request.request_code = request_code;
   request.outcome =
       request_code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused;
@@ -63,7 +63,7 @@ SentOrder* RequestBook::fitting(Sender sender, const Figures& figures) {
   if (const auto at = known.find({figures.kind, figures.number}); figures.number != 0 && at != known.end())
     return at->second;
   return only(sender, figures.kind, [&](const SentOrder& o) {
-    return o.number == 0 && o.symbol == figures.symbol && (o.side > 0) == (figures.side > 0) &&
+    return o.number == 0 && o.symbol == figures.symbol && buys(o.side) == buys(figures.side) &&
            std::fabs(o.amount - figures.lots) <= same_lots;
   });
 }
@@ -84,12 +84,12 @@ const SentOrder& RequestBook::last_new(Sender sender, RequestKind kind) const {
   return out == nullptr ? none : *out;
 }
 
-void RequestBook::settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome,
+void RequestBook::settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome,
                          std::int64_t order, std::chrono::milliseconds now) {
   request.outcome = outcome;
   // One that was given up, and is with the dealer after all, is waited for again.
   if (!request.settled() && !std::exchange(request.timed, true)) words_.emplace_back(now, &request);
-  if (result != 0) request.result_code = result;
+  if (result != ResultCode::none) request.result_code = result;
   request.last_word = now;
   Sent& sent = of(request.sender);
   if (order != 0 && is_new_order(request.kind)) {

@@ -12,6 +12,7 @@
 #include <tsl/robin_set.h>
 
 #include "books/sent_order.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -29,14 +30,14 @@ class RequestBook {
     RequestKind kind = RequestKind::open;
     std::int64_t number = 0;  // 0: not told, or not known here
     SymbolHandle symbol = no_symbol;
-    std::int32_t side = 0;  // operation:: code, of which the sign counts
+    Operation side{};  // of which only the side counts
     double lots = 0.0;
   };
 
   // Takes in a request that is about to leave. Its id is greater than every one before.
   SentOrder& add(SentOrder request);
   // What the call that sent it answered. Of a repetition that is refused what is on its way stays the last.
-  void note_code(SentOrder& request, std::int32_t request_code);
+  void note_code(SentOrder& request, RequestCode request_code);
 
   const SentOrder* find(RequestId id) const;
   // The one of an account that this id names, whichever of its sessions sent it; nullptr when there is none.
@@ -62,7 +63,7 @@ class RequestBook {
   const SentOrder& last_new(Sender sender, RequestKind kind) const;
 
   // What became of it. `order` is the number it is known by from now on, 0: as before.
-  void settle(SentOrder& request, std::int32_t result, SentOrder::Outcome outcome, std::int64_t order,
+  void settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome, std::int64_t order,
               std::chrono::milliseconds now);
   // The broker has it, and said so.
   void heard_of(SentOrder& request, std::chrono::milliseconds now) { request.last_word = now; }

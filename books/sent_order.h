@@ -38,10 +38,10 @@ struct SentOrder {
   std::int64_t number = 0;  // order or ticket; of a new order known once a result told it
   double amount = 0.0;      // lots
   double price = 0.0;       // of an entry order
-  std::int32_t side = 0;    // operation:: code
+  Operation side{};
   SymbolHandle symbol = no_symbol;
-  std::int32_t request_code = 0;
-  std::int32_t result_code = 0;  // 0 until a result came
+  RequestCode request_code{};
+  ResultCode result_code{};  // 0 until a result came
   Outcome outcome = Outcome::none;
   std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
   int round = 0;                 // the sender's own mark, handed back with the outcome
@@ -58,7 +58,7 @@ struct SentOrder {
   }
 
   // What a result code says.
-  static Outcome outcome_of(std::int32_t result_code) {
+  static Outcome outcome_of(ResultCode result_code) {
     return result_code == result::succeeded ? Outcome::accepted : Outcome::refused;
   }
 };

@@ -35,7 +35,7 @@ bool frmPriceChanged::to_be_answered(const CClientAPIManager& session, std::int6
 }
 
 void frmPriceChanged::SetData(CClientAPIManager& session, std::int64_t order, std::int32_t account,
-                              std::int32_t side, double amount, std::string_view symbol, double price,
+                              Operation side, double amount, std::string_view symbol, double price,
                               double new_price, std::int16_t seconds_left, std::int16_t seconds_all) {
   const bool first_tick = seconds_left == seconds_all;
   if (!to_be_answered(session, order, first_tick)) return;
@@ -88,7 +88,7 @@ void frmPriceChanged::answer_shown(bool accept) {
 void frmPriceChanged::answer(CClientAPIManager& session, std::int64_t order, std::int32_t account,
                              bool accept) {
   answered_.insert({&session, order});
-  const std::int32_t code = session.answer_requote(order, accept).request_code;
+  const RequestCode code = session.answer_requote(order, accept).request_code;
   if (&session == session_ && order == order_) hide();
   const bool row_written = settle(order, account, accept ? accepted_word : rejected_word);
   // The dealer may not have taken the answer; the row then says why instead.

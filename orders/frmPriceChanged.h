@@ -13,6 +13,7 @@
 #include "core/displayable.h"
 #include "core/label.h"
 #include "orders/frmorder.h"
+#include "sessions/contract/codes.h"
 #include "sessions/desk.h"
 #include "views/frmPending.h"
 
@@ -39,7 +40,7 @@ class frmPriceChanged final : public RequoteDesk, public Displayable {
   std::int32_t account() const { return account_; }
 
   // One tick of the countdown. `side` 1 is buy, any other sell; amount in lots.
-  void SetData(CClientAPIManager& session, std::int64_t order, std::int32_t account, std::int32_t side,
+  void SetData(CClientAPIManager& session, std::int64_t order, std::int32_t account, Operation side,
                double amount, std::string_view symbol, double price, double new_price,
                std::int16_t seconds_left, std::int16_t seconds_all);
   void cmdAccept_Click();

@@ -213,7 +213,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   bool send_stops();
   // Sends for a row what `send` sends, by the account's session, and reports the request code.
   void send(Row& row, std::string_view kind, const std::string& description, double price,
-            const std::function<std::int32_t(CClientAPIManager&)>& send);
+            const std::function<RequestCode(CClientAPIManager&)>& send);
 
   MGeneral& general_;
   frmMain& accounts_list_;

@@ -137,7 +137,7 @@ bool frmlimitorder::send_stops() {
 }
 
 void frmlimitorder::send(Row& row, std::string_view kind, const std::string& description, double price,
-                         const std::function<std::int32_t(CClientAPIManager&)>& send) {
+                         const std::function<RequestCode(CClientAPIManager&)>& send) {
   const auto number = static_cast<std::int32_t>(row.key().number());
   auto& data = row.data<RowData>();
   data.stop_loss = txtsl.text();
@@ -146,7 +146,7 @@ void frmlimitorder::send(Row& row, std::string_view kind, const std::string& des
   data.price = price;
   data.round = round_;
   CClientAPIManager* session = accounts_list_.sessions().logged_in(number);
-  const std::int32_t code = session == nullptr ? request::invalid_account : send(*session);
+  const RequestCode code = session == nullptr ? request::invalid_account : send(*session);
   answers_[number] = code == request::taken ? OrderAnswer::waiting : OrderAnswer::refused;
   // SL/TP that are taken are journaled when they are carried out.
   if (code == request::taken && kind == edit_stops) return;

@@ -220,7 +220,7 @@ std::optional<double> frmorder::ticked_share(std::int32_t number) const {
   return row->cell(Column::amount).number();
 }
 
-void frmorder::request_ended(std::int32_t, std::int32_t) {
+void frmorder::request_ended(std::int32_t, RequestCode) {
   ++requests_refused_;
 }
 

@@ -16,6 +16,7 @@
 #include "core/text_box.h"
 #include "orders/account_rows.h"
 #include "orders/order_answer.h"
+#include "sessions/contract/codes.h"
 #include "sessions/desk.h"
 
 namespace tutti {
@@ -92,7 +93,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   std::optional<double> ticked_share(std::int32_t account) const override;
   bool wants_lot_limits() const override { return !has_lot_limits_; }
   void lot_limits(double, double) override { has_lot_limits_ = true; }
-  void request_ended(std::int32_t account, std::int32_t request_code) override;
+  void request_ended(std::int32_t account, RequestCode request_code) override;
   void nothing_sent() override { Enableds(true); }
 
   // Requests of the last Buy or Sell that were not taken.

@@ -4,7 +4,7 @@
 
 namespace tutti::pricing {
 
-double profit(std::int32_t side, double lots, double contract_size, double from, double to, double rate) {
+double profit(Operation side, double lots, double contract_size, double from, double to, double rate) {
   const double difference = side == operation::buy ? to - from : from - to;
   return difference * lots * contract_size * rate;
 }

@@ -78,7 +78,7 @@ std::string CClientAPIManager::SummaryDesc(double balance, double equity, double
          "  EffMargin: " + summary_text(effective_margin);
 }
 
-const SentOrder& CClientAPIManager::market_order(std::int32_t side, SymbolHandle symbol, double amount) {
+const SentOrder& CClientAPIManager::market_order(Operation side, SymbolHandle symbol, double amount) {
   return gate_.market_order(sender(), side, symbol, symbol_id(symbol), amount);
 }
 
@@ -164,11 +164,11 @@ void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {
   write_note(unknown_account_note);
 }
 
-std::string_view CClientAPIManager::ResultDescription(std::int32_t code) {
+std::string_view CClientAPIManager::ResultDescription(ResultCode code) {
   return result_texts::general(code);
 }
 
-std::string_view CClientAPIManager::BuySellDesc(std::int32_t operation) {
+std::string_view CClientAPIManager::BuySellDesc(Operation operation) {
   return result_texts::buy_or_sell(operation);
 }
 

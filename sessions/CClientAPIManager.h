@@ -11,6 +11,7 @@
 #include "sessions/RequestGate.h"
 #include "sessions/account_windows.h"
 #include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
 #include "sessions/session_connection.h"
 #include "sessions/session_market.h"
 #include "sessions/session_records.h"
@@ -84,8 +85,8 @@ class CClientAPIManager final : public CLAPICLASS {
   // Takes one symbol out of the application's symbol collection.
   void RemoveData(std::string_view symbol) { scope_.symbols.remove(symbol); }
 
-  static std::string_view ResultDescription(std::int32_t code);
-  static std::string_view BuySellDesc(std::int32_t operation);
+  static std::string_view ResultDescription(ResultCode code);
+  static std::string_view BuySellDesc(Operation operation);
 
   // Marks an account that the server does not know.
   static constexpr std::string_view unknown_account_note = "Invalid account ID";
@@ -98,7 +99,7 @@ class CClientAPIManager final : public CLAPICLASS {
   // Each sends one request, amounts in lots, and answers its record, which says at once whether it was taken
   // and later what became of it. The entry order window is told of entry orders, updates and stops, with the
   // mark of its round.
-  const SentOrder& market_order(std::int32_t side, SymbolHandle symbol, double amount);
+  const SentOrder& market_order(Operation side, SymbolHandle symbol, double amount);
   const SentOrder& close_position(std::int64_t ticket, double amount);
   const SentOrder& cancel_order(std::int64_t order, bool stops_of_position);
   const SentOrder& place_entry(const EntryOrder& order, SymbolHandle symbol, int round);
@@ -124,12 +125,12 @@ class CClientAPIManager final : public CLAPICLASS {
 
   void AllDataAreLoaded() override;
   void CloseOrderResult(const OrderReport& report) override { meant(requests_.close_result(report)); }
-  void DeleteLimitOrderResult(std::int64_t order, std::int32_t result, RequestId id) override {
+  void DeleteLimitOrderResult(std::int64_t order, ResultCode result, RequestId id) override {
     meant(requests_.delete_entry(order, result, id));
   }
   void DeleteOpenPosition(const OpenPosition& position) override { records_.position_gone(position); }
   void DeletePendingOrder(const PendingOrder& order) override { records_.order_gone(order); }
-  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId id) override {
+  void DeleteSLTPOrderResult(std::int64_t order, ResultCode result, RequestId id) override {
     meant(requests_.delete_stops(order, result, id));
   }
   void InvalidUsernamePassword() override { connection_.invalid_login(); }
@@ -146,13 +147,13 @@ class CClientAPIManager final : public CLAPICLASS {
   void MarketOrderRejected(const OrderReport& report) override {
     meant(requests_.market_order_rejected(report));
   }
-  void NewLimitOrderResult(std::int64_t order, std::int32_t result, RequestId id) override {
+  void NewLimitOrderResult(std::int64_t order, ResultCode result, RequestId id) override {
     meant(requests_.new_entry(order, result, id));
   }
   void NewOpenPosition(const OpenPosition& position) override { records_.position(position); }
   void NewOrderResult(const OrderReport& report) override { meant(requests_.new_order(report)); }
   void NewPendingOrder(const PendingOrder& order) override { records_.order(order); }
-  void NewSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId id) override {
+  void NewSLTPOrderResult(std::int64_t order, ResultCode result, RequestId id) override {
     meant(requests_.new_stops(order, result, id));
   }
   void OrderTimer(const Requote& requote) override;
@@ -168,14 +169,14 @@ class CClientAPIManager final : public CLAPICLASS {
   void SymbolHighLowChanged(const Symbol& symbol) override { market_.high_low_changed(symbol); }
   void SymbolPricesChanged(const Symbol& symbol) override { market_.prices_changed(symbol); }
   void SymbolsLoaded() override { market_.symbols_loaded(); }
-  void UpdateLimitOrderResult(std::int64_t order, std::int32_t result, RequestId id) override {
+  void UpdateLimitOrderResult(std::int64_t order, ResultCode result, RequestId id) override {
     meant(requests_.update_entry(order, result, id));
   }
   void UpdateOpenPosition(const OpenPosition& position) override { records_.position(position); }
-  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t result, RequestId id) override {
+  void UpdateSLTPOrderResult(std::int64_t order, ResultCode result, RequestId id) override {
     meant(requests_.update_stops(order, result, id));
   }
-  void WaitingMode(std::int32_t mode) override { connection_.waiting_mode(mode); }
+  void WaitingMode(ConnectionMode mode) override { connection_.waiting_mode(mode); }
   void ConnectionState(bool connected) override;
   void OpenPositionsLoaded() override { records_.positions_loaded(); }
   void SummariesChanged(const AccountSummary& summary) override { CLAPICLASS_SummariesChanged(summary); }

@@ -139,7 +139,7 @@ double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf d
   return answer;
 }
 
-void CClientAPIManagers::fan_out(std::int32_t side) {
+void CClientAPIManagers::fan_out(Operation side) {
   const std::string sound = general_.paths.full("\\sounds\\OrderOk.wav");
   const SymbolHandle symbol = books_.symbols.find(desk_.market_order->symbol());
   fan_out_.clear();
@@ -195,7 +195,7 @@ void CClientAPIManagers::look_at_the_clock() {
                          " is unknown. Check the positions; the journal says of which accounts");
 }
 
-void CClientAPIManagers::Result(std::int32_t code, std::int32_t account, RowKey row_key) {
+void CClientAPIManagers::Result(RequestCode code, std::int32_t account, RowKey row_key) {
   // A request that was taken has nothing to report, whatever the account's row says.
   if (code == request::taken) return;
   const CClientAPIManager* session = Item(row_key.number());

@@ -11,6 +11,7 @@
 
 #include "sessions/CClientAPIManager.h"
 #include "sessions/account_windows.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -82,12 +83,12 @@ class CClientAPIManagers {
   // whenever time has gone by.
   void look_at_the_clock();
   // Reports the request code of a market order. `row_key` is the account's key in the accounts list.
-  void Result(std::int32_t code, std::int32_t account, RowKey row_key);
+  void Result(RequestCode code, std::int32_t account, RowKey row_key);
 
  private:
   using DistanceOf = double (AccountClient::*)(std::string_view) const;
 
-  void fan_out(std::int32_t side);
+  void fan_out(Operation side);
   double widest_distance(std::string_view symbol, DistanceOf distance_of) const;
   void index_accounts();
 

@@ -26,7 +26,7 @@ const SentOrder& RequestGate::send(Sender sender, SentOrder request, Call&& call
   return noted;
 }
 
-const SentOrder& RequestGate::market_order(Sender sender, std::int32_t side, SymbolHandle symbol,
+const SentOrder& RequestGate::market_order(Sender sender, Operation side, SymbolHandle symbol,
                                            std::int32_t symbol_id, double amount) {
   return send(sender, {.kind = RequestKind::open, .amount = amount, .side = side, .symbol = symbol},
               [&](OrderOperations& to, RequestId id) {
@@ -54,8 +54,8 @@ const SentOrder& RequestGate::place_entry(Sender sender, const EntryOrder& order
               {.kind = RequestKind::entry,
                .amount = order.amount,
                .price = order.price,
-               .side = order.side > 0 ? (stop ? operation::buy_stop : operation::buy)
-                                      : (stop ? operation::sell_stop : operation::sell),
+               .side = buys(order.side) ? (stop ? operation::buy_stop : operation::buy)
+                                        : (stop ? operation::sell_stop : operation::sell),
                .symbol = symbol,
                .round = round},
               [&](OrderOperations& to, RequestId id) { return to.NewEntryOrder(order, id); });

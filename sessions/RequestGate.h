@@ -6,6 +6,7 @@
 
 #include "books/request_book.h"
 #include "books/request_ids.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/order_operations.h"
 
 namespace tutti {
@@ -24,7 +25,7 @@ class RequestGate {
   void leave(Sender sender) { senders_[sender - 1].operations = nullptr; }
 
   // Amounts in lots, `side` an operation:: code. `symbol_id` is the account's own number of the symbol.
-  const SentOrder& market_order(Sender sender, std::int32_t side, SymbolHandle symbol, std::int32_t symbol_id,
+  const SentOrder& market_order(Sender sender, Operation side, SymbolHandle symbol, std::int32_t symbol_id,
                                 double amount);
   const SentOrder& close(Sender sender, std::int64_t ticket, double amount);
   // `stops_of_position`: the order is the SL/TP of a position, not an entry order.

@@ -10,6 +10,7 @@
 #include "books/sent_order.h"
 #include "books/symbol_collection.h"
 #include "core/totals.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/order_report.h"
 #include "sessions/contract/requote.h"
 #include "sessions/contract/symbol.h"
@@ -62,7 +63,7 @@ class MarketOrderDesk : public OrderRowsDesk {
   virtual bool wants_lot_limits() const { return false; }
   virtual void lot_limits(double /*minimum*/, double /*maximum*/) {}
   // An account's request was not taken.
-  virtual void request_ended(std::int32_t /*account*/, std::int32_t /*request_code*/) {}
+  virtual void request_ended(std::int32_t /*account*/, RequestCode /*request_code*/) {}
   // The fan-out found nobody to send for.
   virtual void nothing_sent() {}
 };

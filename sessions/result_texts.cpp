@@ -1,220 +1,190 @@
 #include "sessions/result_texts.h"
 
-#include "sessions/contract/codes.h"
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
 
 namespace tutti::result_texts {
+namespace {
 
-std::string_view general(std::int32_t code) {
-  switch (code) {
-    case result::succeeded:
-      return "Succeeded";
-    case result::not_enough_money:
-      return "Not enough money";
-    case result::trading_closed:
-      return "Trading is closed";
-    case result::market_conditions:
-      return "Failed - Market conditions";
-    case result::bad_connection:
-      return "Failed - Bad connection";
-    case result::position_closed:
-      return "Position is closed";
-    case result::has_pending_orders:
-      return "Position has pending orders";
-    case result::invalid_amount:
-      return "Invalid amount";
-    case result::order_not_found:
-      return "Order not found";
-    case result::all_managed:
-      return "All amount are managed";
-    case result::unable:
-      return "Unable to do operation";
-    case result::hedging_not_allowed:
-      return "Hedging not allowed";
-    case result::failed:
-      return "Failed";
-    default:
-      return "UNDEFINED RESULT";
-  }
+// Of close {0} is the ticket, {1} the account.
+struct Texts {
+  ResultCode code;
+  std::string_view general, new_order, delete_entry, new_entry, update_entry, new_stops;
+  std::string_view close_line{}, close_row{}, close_message{};
+};
+
+// A row per code, a column per event; an empty text is none of its own.
+constexpr Texts table[] = {
+    {.code = result::succeeded,
+     .general = "Succeeded",
+     .new_order = "",
+     .delete_entry = " Canceled successfully",
+     .new_entry = "Succeeded",
+     .update_entry = "has been updated",
+     .new_stops = ""},
+    {.code = result::not_enough_money,
+     .general = "Not enough money",
+     .new_order = "Not enough money",
+     .delete_entry = " Not Enough Money",
+     .new_entry = "Not Enough Money",
+     .update_entry = " Not Enough Money ",
+     .new_stops = "NotEnoughMoney",
+     .close_line = " not enough money",
+     .close_row = " not enough money",
+     .close_message = " not enough money for account {1}"},
+    {.code = result::trading_closed,
+     .general = "Trading is closed",
+     .new_order = "Trading Is Closed",
+     .delete_entry = " Trading Is Closed",
+     .new_entry = "Trading Is Closed",
+     .update_entry = " Trading Is Closed ",
+     .new_stops = "Trading Is Closed",
+     .close_line = "Order {0} trading is closed",
+     .close_row = " Trading is closed",
+     .close_message = "{0} trading is closed for account {1}"},
+    {.code = result::market_conditions,
+     .general = "Failed - Market conditions",
+     .new_order = "Not Taken According to market Connditions",
+     .delete_entry = " Unable to get  quote on this symbol due to market conditions",
+     .new_entry = "Unable MarketConditions",
+     .update_entry = "",
+     .new_stops = "Unable to get  quote on this symbol due to market conditions",
+     .close_line = "Unable to get  quote on this symbol due to market conditions",
+     .close_row = "Unable to get  quote on this symbol due to market conditions",
+     .close_message = "Order {0} is Unable to get  quote on this symbol due to market conditions"},
+    {.code = result::bad_connection,
+     .general = "Failed - Bad connection",
+     .new_order = "Bad Connection",
+     .delete_entry = " Unable Bad Connection",
+     .new_entry = "Unable Bad Connection",
+     .update_entry = " Unable Bad Connection",
+     .new_stops = "Unable to get  quote due to a bad connection, Please try again",
+     .close_line = "Unable to get  quote due to  bad connection, Please try again",
+     .close_row = "Order {0} is Unable to get quote due to bad connection, Please try again ",
+     .close_message = "Order {0} is Unable to get  quote due to  bad connection, Please try again"},
+    {.code = result::position_closed,
+     .general = "Position is closed",
+     .new_order = "Position Is Closed",
+     .delete_entry = " Position Is Closed ",
+     .new_entry = "Position Is Closed",
+     .update_entry = " Position Is Closed ",
+     .new_stops = "Position Is Closed ",
+     .close_line = "Order {0} is closed",
+     .close_row = "Order {0} is closed",
+     .close_message = "Position {0} is closed"},
+    {.code = result::position_pending,
+     .general = "",
+     .new_order = "Position in peniding Order",
+     .delete_entry = " Position Is Pending",
+     .new_entry = "Position Is Pending",
+     .update_entry = " Position Is Pending ",
+     .new_stops = "Position Is Pending",
+     .close_line = "Position {0} is in pending mode",
+     .close_row = "Position {0} is in pending mode",
+     .close_message = "Position {0} is in pending mode"},
+    {.code = result::has_pending_orders,
+     .general = "Position has pending orders",
+     .new_order = "Position Has Pending Orders",
+     .delete_entry = " Position Has Pending Orders",
+     .new_entry = "Position Has Pending Orders",
+     .update_entry = " Position Has Pending Orders ",
+     .new_stops = "Position Has Pending Orders",
+     .close_line = "Position {0} has pending orders",
+     .close_row = "Position {0} has pending orders",
+     .close_message = "Position {0} has pending orders"},
+    {.code = result::invalid_amount,
+     .general = "Invalid amount",
+     .new_order = "",
+     .delete_entry = " Invalid Amount",
+     .new_entry = "Invalid Amount",
+     .update_entry = " Invalid Amount ",
+     .new_stops = "InvalidAmount"},
+    {.code = result::order_not_found,
+     .general = "Order not found",
+     .new_order = "",
+     .delete_entry = " NotFound",
+     .new_entry = "Not Found",
+     .update_entry = " Not Found ",
+     .new_stops = "NotFound"},
+    {.code = result::all_managed,
+     .general = "All amount are managed",
+     .new_order = "",
+     .delete_entry = " All Amount Are Managed",
+     .new_entry = "",
+     .update_entry = " All Amount Are Managed ",
+     .new_stops = "All Amount Are Managed"},
+    {.code = result::unable,
+     .general = "Unable to do operation",
+     .new_order = "",
+     .delete_entry = " Unable ToDo Operation",
+     .new_entry = "",
+     .update_entry = "",
+     .new_stops = "Unable ToDo Operation"},
+    {.code = result::hedging_not_allowed,
+     .general = "Hedging not allowed",
+     .new_order = "Heddging Not Allowed",
+     .delete_entry = "",
+     .new_entry = "",
+     .update_entry = " Hedging Not Allowed ",
+     .new_stops = ""},
+    {.code = result::failed,
+     .general = "Failed",
+     .new_order = "",
+     .delete_entry = "",
+     .new_entry = "",
+     .update_entry = " Failed Result ",
+     .new_stops = ""},
+};
+
+constexpr Texts none_of_its_own{};
+
+const Texts& of(ResultCode code) {
+  const auto* row = std::find_if(std::begin(table), std::end(table),
+                                 [&](const Texts& texts) { return texts.code == code; });
+  return row == std::end(table) ? none_of_its_own : *row;
 }
 
-std::string_view new_order(std::int32_t code) {
-  switch (code) {
-    case result::not_enough_money:
-      return "Not enough money";
-    case result::trading_closed:
-      return "Trading Is Closed";
-    case result::market_conditions:
-      return "Not Taken According to market Connditions";
-    case result::bad_connection:
-      return "Bad Connection";
-    case result::position_closed:
-      return "Position Is Closed";
-    case result::position_pending:
-      return "Position in peniding Order";
-    case result::has_pending_orders:
-      return "Position Has Pending Orders";
-    case result::hedging_not_allowed:
-      return "Heddging Not Allowed";
-    default:
-      return "";
-  }
+}  // namespace
+
+std::string_view general(ResultCode code) {
+  const std::string_view text = of(code).general;
+  return text.empty() ? "UNDEFINED RESULT" : text;
 }
 
-std::string_view delete_entry(std::int32_t code) {
-  switch (code) {
-    case result::succeeded:
-      return " Canceled successfully";
-    case result::not_enough_money:
-      return " Not Enough Money";
-    case result::trading_closed:
-      return " Trading Is Closed";
-    case result::market_conditions:
-      return " Unable to get  quote on this symbol due to market conditions";
-    case result::bad_connection:
-      return " Unable Bad Connection";
-    case result::position_closed:
-      return " Position Is Closed ";
-    case result::position_pending:
-      return " Position Is Pending";
-    case result::has_pending_orders:
-      return " Position Has Pending Orders";
-    case result::invalid_amount:
-      return " Invalid Amount";
-    case result::order_not_found:
-      return " NotFound";
-    case result::all_managed:
-      return " All Amount Are Managed";
-    case result::unable:
-      return " Unable ToDo Operation";
-    default:
-      return " Unable To Do Operation";
-  }
+std::string_view new_order(ResultCode code) {
+  return of(code).new_order;
 }
 
-std::string_view new_entry(std::int32_t code) {
-  switch (code) {
-    case result::succeeded:
-      return "Succeeded";
-    case result::not_enough_money:
-      return "Not Enough Money";
-    case result::trading_closed:
-      return "Trading Is Closed";
-    case result::market_conditions:
-      return "Unable MarketConditions";
-    case result::bad_connection:
-      return "Unable Bad Connection";
-    case result::position_closed:
-      return "Position Is Closed";
-    case result::position_pending:
-      return "Position Is Pending";
-    case result::has_pending_orders:
-      return "Position Has Pending Orders";
-    case result::invalid_amount:
-      return "Invalid Amount";
-    case result::order_not_found:
-      return "Not Found";
-    default:
-      return "";
-  }
+std::string_view delete_entry(ResultCode code) {
+  const std::string_view text = of(code).delete_entry;
+  return text.empty() ? " Unable To Do Operation" : text;
 }
 
-std::string_view update_entry(std::int32_t code) {
-  switch (code) {
-    case result::succeeded:
-      return "has been updated";
-    case result::not_enough_money:
-      return " Not Enough Money ";
-    case result::trading_closed:
-      return " Trading Is Closed ";
-    case result::bad_connection:
-      return " Unable Bad Connection";
-    case result::position_closed:
-      return " Position Is Closed ";
-    case result::position_pending:
-      return " Position Is Pending ";
-    case result::has_pending_orders:
-      return " Position Has Pending Orders ";
-    case result::invalid_amount:
-      return " Invalid Amount ";
-    case result::order_not_found:
-      return " Not Found ";
-    case result::all_managed:
-      return " All Amount Are Managed ";
-    case result::hedging_not_allowed:
-      return " Hedging Not Allowed ";
-    case result::failed:
-      return " Failed Result ";
-    default:
-      return "";
-  }
+std::string_view new_entry(ResultCode code) {
+  return of(code).new_entry;
 }
 
-std::string_view new_stops(std::int32_t code) {
-  switch (code) {
-    case result::not_enough_money:
-      return "NotEnoughMoney";
-    case result::trading_closed:
-      return "Trading Is Closed";
-    case result::market_conditions:
-      return "Unable to get  quote on this symbol due to market conditions";
-    case result::bad_connection:
-      return "Unable to get  quote due to a bad connection, Please try again";
-    case result::position_closed:
-      return "Position Is Closed ";
-    case result::position_pending:
-      return "Position Is Pending";
-    case result::has_pending_orders:
-      return "Position Has Pending Orders";
-    case result::invalid_amount:
-      return "InvalidAmount";
-    case result::order_not_found:
-      return "NotFound";
-    case result::all_managed:
-      return "All Amount Are Managed";
-    case result::unable:
-      return "Unable ToDo Operation";
-    default:
-      return "";
-  }
+std::string_view update_entry(ResultCode code) {
+  return of(code).update_entry;
 }
 
-CloseTexts close(std::int32_t code, std::int64_t ticket, std::int32_t account) {
-  const std::string number = std::to_string(ticket);
-  const auto the_same = [](const std::string& text) { return CloseTexts{text, text, text}; };
-  switch (code) {
-    case result::not_enough_money: {
-      const std::string text = " not enough money";
-      return {text, text, text + " for account " + std::to_string(account)};
-    }
-    case result::trading_closed:
-      return {"Order " + number + " trading is closed", " Trading is closed",
-              number + " trading is closed for account " + std::to_string(account)};
-    case result::market_conditions: {
-      const std::string text = "Unable to get  quote on this symbol due to market conditions";
-      return {text, text,
-              "Order " + number + " is Unable to get  quote on this symbol due to market conditions"};
-    }
-    case result::bad_connection:
-      return {"Unable to get  quote due to  bad connection, Please try again",
-              "Order " + number + " is Unable to get quote due to bad connection, Please try again ",
-              "Order " + number + " is Unable to get  quote due to  bad connection, Please try again"};
-    case result::position_closed:
-      return {"Order " + number + " is closed", "Order " + number + " is closed",
-              "Position " + number + " is closed"};
-    case result::position_pending:
-      return the_same("Position " + number + " is in pending mode");
-    case result::has_pending_orders:
-      return the_same("Position " + number + " has pending orders");
-    default:
-      return {};
-  }
+std::string_view new_stops(ResultCode code) {
+  return of(code).new_stops;
 }
 
-std::string_view buy_or_sell(std::int32_t operation) {
+CloseTexts close(ResultCode code, std::int64_t ticket, std::int32_t account) {
+  const Texts& texts = of(code);
+  const auto filled = [&](std::string_view text) { return fmt::format(fmt::runtime(text), ticket, account); };
+  return {filled(texts.close_line), filled(texts.close_row), filled(texts.close_message)};
+}
+
+std::string_view buy_or_sell(Operation operation) {
   return operation == operation::buy || operation == operation::buy_stop ? "buy" : "sell";
 }
 
-std::string_view type_word(std::int32_t operation) {
+std::string_view type_word(Operation operation) {
   switch (operation) {
     case operation::sell_stop:
       return " Sell Stop ";
@@ -229,7 +199,7 @@ std::string_view type_word(std::int32_t operation) {
   }
 }
 
-std::string update_entry_line(std::int64_t order, std::int32_t code) {
+std::string update_entry_line(std::int64_t order, ResultCode code) {
   const std::string_view text = update_entry(code);
   return text.empty() ? std::string{} : "Order #" + std::to_string(order) + std::string{text};
 }

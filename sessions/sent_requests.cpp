@@ -30,18 +30,18 @@ SentOrder* SentRequests::change(RequestKind kind, std::int64_t order, RequestId 
   return id != 0 ? named(id) : book_.fitting(sender_, {.kind = kind, .number = order});
 }
 
-SentOrder* SentRequests::entry(std::int64_t order, std::int32_t code, RequestId id) {
+SentOrder* SentRequests::entry(std::int64_t order, ResultCode code, RequestId id) {
   return id != 0 ? named(id) : unnamed_entry(order, code);
 }
 
-SentOrder* SentRequests::stops(std::int64_t order, std::int32_t code, RequestId id) {
+SentOrder* SentRequests::stops(std::int64_t order, ResultCode code, RequestId id) {
   return id != 0 ? named(id) : unnamed_stops(order, code);
 }
 
 // The answer names no more than a number. That of a success is known to the server, as an order or as the
 // position it has become; what was asked for is read from there. Of several open requests nobody knows which
 // one was refused.
-SentOrder* SentRequests::unnamed_entry(std::int64_t order, std::int32_t code) {
+SentOrder* SentRequests::unnamed_entry(std::int64_t order, ResultCode code) {
   if (book_.last(sender_, RequestKind::entry, order) != nullptr || code != result::succeeded) {
     const SentOrder* known = book_.last(sender_, RequestKind::entry, order);
     return known != nullptr ? named(known->id)
@@ -69,7 +69,7 @@ SentOrder* SentRequests::unnamed_entry(std::int64_t order, std::int32_t code) {
 
 // The answer to stops names their order, which is a new one when the position had none before, and may be
 // gone when it is refused.
-SentOrder* SentRequests::unnamed_stops(std::int64_t order, std::int32_t code) {
+SentOrder* SentRequests::unnamed_stops(std::int64_t order, ResultCode code) {
   const auto only = [&](auto&& meant) { return book_.only(sender_, RequestKind::stops, meant); };
   if (SentOrder* had = only([&](const SentOrder& o) { return o.stops_order == order; })) return had;
   if (const PendingOrder* placed = records_.pending_order(order))
@@ -80,7 +80,7 @@ SentOrder* SentRequests::unnamed_stops(std::int64_t order, std::int32_t code) {
   });
 }
 
-bool SentRequests::settle(SentOrder* meant, std::int32_t code, Outcome outcome, std::int64_t order) {
+bool SentRequests::settle(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order) {
   // A word that comes again, or too late, changes nothing; what was given up it settles after all.
   if (meant == nullptr || (meant->settled() && meant->outcome != Outcome::unknown)) return false;
   book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
@@ -97,7 +97,7 @@ bool SentRequests::settle(SentOrder* meant, const OrderReport& report) {
   return settle(meant, report, report.result, outcome);
 }
 
-bool SentRequests::settle(SentOrder* meant, const OrderReport& report, std::int32_t code, Outcome outcome) {
+bool SentRequests::settle(SentOrder* meant, const OrderReport& report, ResultCode code, Outcome outcome) {
   // A fill that is told again is none.
   if (!book_.is_new_execution(sender_, report.execution)) return false;
   if (outcome == Outcome::accepted && report.left > 0.0) outcome = Outcome::partly;
@@ -108,7 +108,7 @@ bool SentRequests::settle(SentOrder* meant, const OrderReport& report, std::int3
 
 void SentRequests::end_requote(std::int64_t order) {
   if (const SentOrder* answer = book_.last(sender_, RequestKind::requote, order))
-    settle(named(answer->id), 0, Outcome::accepted);
+    settle(named(answer->id), ResultCode::none, Outcome::accepted);
 }
 
 void SentRequests::dealer_has(std::int64_t number) {
@@ -116,7 +116,7 @@ void SentRequests::dealer_has(std::int64_t number) {
     const SentOrder* last = book_.last(sender_, kind, number);
     if (last == nullptr) continue;
     SentOrder& order = *named(last->id);
-    if (order.outcome == Outcome::unknown) settle(&order, 0, Outcome::pending);
+    if (order.outcome == Outcome::unknown) settle(&order, ResultCode::none, Outcome::pending);
     if (!order.settled()) book_.heard_of(order, scope_.general.clock.elapsed());
   }
 }

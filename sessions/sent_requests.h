@@ -23,21 +23,19 @@ class SentRequests {
   SentOrder* dealt(const OrderReport& report);
   SentOrder* closing(const OrderReport& report);
   // Of the answers that tell no more than an order number and a result code.
-  SentOrder* entry(std::int64_t order, std::int32_t code, RequestId id);
-  SentOrder* stops(std::int64_t order, std::int32_t code, RequestId id);
+  SentOrder* entry(std::int64_t order, ResultCode code, RequestId id);
+  SentOrder* stops(std::int64_t order, ResultCode code, RequestId id);
   SentOrder* change(RequestKind kind, std::int64_t order, RequestId id);
   SentOrder* named(RequestId id) { return book_.named(scope_.account, id); }
 
   // What became of it; `order` as in RequestBook::settle. False, and nothing changed, where nothing is meant
   // or the outcome is known already: a word that comes again or too late. What was given up it settles after
   // all. The entry order window is told of its requests.
-  bool settle(SentOrder* meant, std::int32_t code, SentOrder::Outcome outcome, std::int64_t order = 0);
-  bool settle(SentOrder* meant, std::int32_t code) {
-    return settle(meant, code, SentOrder::outcome_of(code));
-  }
+  bool settle(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order = 0);
+  bool settle(SentOrder* meant, ResultCode code) { return settle(meant, code, SentOrder::outcome_of(code)); }
   // The same with what the report says was filled; a fill that is told again changes nothing.
   bool settle(SentOrder* meant, const OrderReport& report);
-  bool settle(SentOrder* meant, const OrderReport& report, std::int32_t code, SentOrder::Outcome outcome);
+  bool settle(SentOrder* meant, const OrderReport& report, ResultCode code, SentOrder::Outcome outcome);
   // The order that the answer to a requote was for has ended, and with it the answer.
   void end_requote(std::int64_t order);
   // The dealer has what is known by this number.
@@ -47,8 +45,8 @@ class SentRequests {
   std::vector<SentOrder*> open() const { return book_.open(sender_); }
 
  private:
-  SentOrder* unnamed_entry(std::int64_t order, std::int32_t code);
-  SentOrder* unnamed_stops(std::int64_t order, std::int32_t code);
+  SentOrder* unnamed_entry(std::int64_t order, ResultCode code);
+  SentOrder* unnamed_stops(std::int64_t order, ResultCode code);
 
   SessionScope& scope_;
   const SessionRecords& records_;

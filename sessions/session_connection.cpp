@@ -75,7 +75,7 @@ void SessionConnection::lost() {
   scope_.book.set_state(scope_.record, AccountState::disconnected);
 }
 
-void SessionConnection::waiting_mode(std::int32_t mode) {
+void SessionConnection::waiting_mode(ConnectionMode mode) {
   if (mode >= waiting_mode::normal && mode <= waiting_mode::connecting)
     waiting_ = mode != waiting_mode::normal;
   Desk& desk = scope_.desk;

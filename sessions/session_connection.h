@@ -7,6 +7,7 @@
 #include "core/totals.h"
 #include "sessions/CLoginOptions.h"
 #include "sessions/connection_report.h"
+#include "sessions/contract/codes.h"
 #include "sessions/session_scope.h"
 
 namespace tutti {
@@ -30,7 +31,7 @@ class SessionConnection {
   void show_state(bool connected);
   void connected();
   void lost();
-  void waiting_mode(std::int32_t mode);
+  void waiting_mode(ConnectionMode mode);
   void session_disconnected();
   void invalid_login();
   // The account number is none of the user's.

@@ -14,13 +14,13 @@ constexpr std::string_view alert = "\\sounds\\Alert.wav";
 
 // "Order #12 [BUY 0.5 EURUSD] has been accepted"
 std::string accepted_text(const OrderReport& report) {
-  return "Order #" + std::to_string(report.number) + " [" + (report.operation > 0 ? "BUY" : "SELL") + " " +
+  return "Order #" + std::to_string(report.number) + " [" + (buys(report.operation) ? "BUY" : "SELL") + " " +
          number_text(report.amount) + " " + report.symbol + "] has been accepted";
 }
 
 // "BUY 0.5 EURUSD"
 std::string words(const SentOrder& order, const SymbolCollection& symbols) {
-  return (order.side > 0 ? "BUY " : "SELL ") + number_text(order.amount) + " " +
+  return (buys(order.side) ? "BUY " : "SELL ") + number_text(order.amount) + " " +
          (order.symbol == no_symbol ? "" : symbols.entry(order.symbol).name);
 }
 
@@ -60,8 +60,8 @@ bool SessionRequests::new_order(const OrderReport& report) {
 
 bool SessionRequests::market_order_accepted(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
-  const bool ours =
-      sent_.settle(close ? sent_.closing(report) : sent_.dealt(report), report, 0, Outcome::accepted);
+  const bool ours = sent_.settle(close ? sent_.closing(report) : sent_.dealt(report), report,
+                                 ResultCode::none, Outcome::accepted);
   sent_.end_requote(report.number);
   if (close) {
     scope_.log_order(report.number,
@@ -78,7 +78,7 @@ bool SessionRequests::market_order_accepted(const OrderReport& report) {
 bool SessionRequests::market_order_rejected(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
   const bool ours = sent_.settle(close ? sent_.closing(report) : sent_.dealt(report), report,
-                                 close ? 0 : report.result, Outcome::refused);
+                                 close ? ResultCode::none : report.result, Outcome::refused);
   sent_.end_requote(report.number);
   if (close) {
     constexpr std::string_view text = "Closing has been rejected";
@@ -120,7 +120,7 @@ void SessionRequests::tell_close(const OrderReport& report, bool ours) {
   write_row(text);
 }
 
-bool SessionRequests::new_entry(std::int64_t order, std::int32_t code, RequestId id) {
+bool SessionRequests::new_entry(std::int64_t order, ResultCode code, RequestId id) {
   const bool ours = sent_.settle(sent_.entry(order, code, id), code, SentOrder::outcome_of(code), order);
   const std::string_view text = result_texts::new_entry(code);
   if (code == result::all_managed) {
@@ -135,7 +135,7 @@ bool SessionRequests::new_entry(std::int64_t order, std::int32_t code, RequestId
   return ours;
 }
 
-bool SessionRequests::update_entry(std::int64_t order, std::int32_t code, RequestId id) {
+bool SessionRequests::update_entry(std::int64_t order, ResultCode code, RequestId id) {
   const bool ours = sent_.settle(sent_.change(RequestKind::update, order, id), code);
   const std::string line = result_texts::update_entry_line(order, code);
   if (!line.empty()) scope_.log_order(order, line);
@@ -148,7 +148,7 @@ bool SessionRequests::update_entry(std::int64_t order, std::int32_t code, Reques
   return true;
 }
 
-bool SessionRequests::delete_entry(std::int64_t order, std::int32_t code, RequestId id) {
+bool SessionRequests::delete_entry(std::int64_t order, ResultCode code, RequestId id) {
   const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code);
   const std::string text =
       "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
@@ -157,7 +157,7 @@ bool SessionRequests::delete_entry(std::int64_t order, std::int32_t code, Reques
   return ours;
 }
 
-bool SessionRequests::new_stops(std::int64_t order, std::int32_t code, RequestId id) {
+bool SessionRequests::new_stops(std::int64_t order, ResultCode code, RequestId id) {
   const bool ours = sent_.settle(sent_.stops(order, code, id), code);
   scope_.log_order(order, result_texts::new_stops_line(order));
   const std::string_view refusal = result_texts::new_stops(code);
@@ -168,7 +168,7 @@ bool SessionRequests::new_stops(std::int64_t order, std::int32_t code, RequestId
   return true;
 }
 
-bool SessionRequests::update_stops(std::int64_t order, std::int32_t code, RequestId id) {
+bool SessionRequests::update_stops(std::int64_t order, ResultCode code, RequestId id) {
   const bool ours = sent_.settle(sent_.stops(order, code, id), code);
   scope_.log("Updating SL/TP order #" + std::to_string(order) + " result #" +
              std::string{result_texts::general(code)});
@@ -177,7 +177,7 @@ bool SessionRequests::update_stops(std::int64_t order, std::int32_t code, Reques
   return ours;
 }
 
-bool SessionRequests::delete_stops(std::int64_t order, std::int32_t code, RequestId id) {
+bool SessionRequests::delete_stops(std::int64_t order, ResultCode code, RequestId id) {
   const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code);
   scope_.log_order(
       order, "Delete SLTP Order #" + std::to_string(order) + " " + std::string{result_texts::general(code)});
@@ -208,7 +208,7 @@ void SessionRequests::give_up(SentOrder& request) {
       : request.kind == RequestKind::entry
           ? "Entry order " + words(request, scope_.symbols) + " at " + number_text(request.price)
           : "The request for #" + std::to_string(request.number);
-  sent_.settle(&request, 0, Outcome::unknown);
+  sent_.settle(&request, ResultCode::none, Outcome::unknown);
   if (request.kind == RequestKind::requote) return;  // the order that it is for is told of
   scope_.log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
              std::to_string(scope_.account));

@@ -33,12 +33,12 @@ class SessionRequests {
   bool market_order_accepted(const OrderReport& report);
   bool market_order_rejected(const OrderReport& report);
   bool close_result(const OrderReport& report);
-  bool new_entry(std::int64_t order, std::int32_t code, RequestId id);
-  bool update_entry(std::int64_t order, std::int32_t code, RequestId id);
-  bool delete_entry(std::int64_t order, std::int32_t code, RequestId id);
-  bool new_stops(std::int64_t order, std::int32_t code, RequestId id);
-  bool update_stops(std::int64_t order, std::int32_t code, RequestId id);
-  bool delete_stops(std::int64_t order, std::int32_t code, RequestId id);
+  bool new_entry(std::int64_t order, ResultCode code, RequestId id);
+  bool update_entry(std::int64_t order, ResultCode code, RequestId id);
+  bool delete_entry(std::int64_t order, ResultCode code, RequestId id);
+  bool new_stops(std::int64_t order, ResultCode code, RequestId id);
+  bool update_stops(std::int64_t order, ResultCode code, RequestId id);
+  bool delete_stops(std::int64_t order, ResultCode code, RequestId id);
   // What prices set off; no request is meant.
   void entry_executed(const OrderReport& report);
   void entry_cancelled(std::int64_t order, std::int32_t account, std::string_view why);

@@ -58,8 +58,8 @@ TEST(AccountRows, EqualNumbersOfTwoAccountsStandInTwoRows) {
 // that only the second row's user has.
 struct TwoRows : ScriptedTerminal {
   TwoRows() {
-    const OpenPosition both{.ticket = 11, .account = 1, .side = 1, .symbol = "EURUSD"},
-        own{.ticket = 12, .account = 1, .side = 1, .symbol = "EURUSD"};
+    const OpenPosition both{.ticket = 11, .account = 1, .side = operation::buy, .symbol = "EURUSD"},
+        own{.ticket = 12, .account = 1, .side = operation::buy, .symbol = "EURUSD"};
     const PendingOrder order{.order = 21, .account = 1, .kind = "LO", .symbol = "EURUSD"},
         own_order{.order = 22, .account = 1, .kind = "OP", .symbol = "EURUSD"};
     first.positions = {both};

@@ -360,7 +360,8 @@ TEST(AccountsList, AmountKeysAndRequestTexts) {
       {"Invalid Order ID", 10},   {"Invalid Price", 21},         {"Success Result", 1}};
   for (const auto& [text, code] : cases) {
     EXPECT_TRUE(terminal.sound.take().empty());
-    EXPECT_EQ(terminal.main->accounts().Result(code, 5, "SLTP ", "#12", 1.0845, "1.08", "1.09"), text);
+    EXPECT_EQ(terminal.main->accounts().Result(RequestCode{code}, 5, "SLTP ", "#12", 1.0845, "1.08", "1.09"),
+              text);
   }
   EXPECT_EQ(terminal.sound.take(), Texts{"OrderOk.wav"});
   EXPECT_EQ(terminal.journal().back(), "5 Request SLTP  #12 at 1.0845 ( SL= 1.08 TP= 1.09 )");

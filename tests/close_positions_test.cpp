@@ -28,7 +28,7 @@ struct Closing : ScriptedTerminal {
     form().refresh_symbols();
   }
   frmClosePos& form() { return main->close_positions(); }
-  void open(std::int32_t account, std::int64_t ticket, std::int32_t side = operation::buy,
+  void open(std::int32_t account, std::int64_t ticket, Operation side = operation::buy,
             const char* symbol = "EURUSD", double amount = 0.5) {
     const OpenPosition position{.ticket = ticket,
                                 .account = account,
@@ -289,10 +289,10 @@ TEST(ClosePositions, AccountsLoseTheirRowsWithTheConnection) {
   EXPECT_EQ(states(), Texts{"Disconnected"});
 
   // A login that does not get through, and one that does.
-  desk.client(1).sink->WaitingMode(2);
+  desk.client(1).sink->WaitingMode(waiting_mode::connecting);
   desk.client(1).sink->ConnectionState(false);
   EXPECT_EQ(states(), Texts{"Disconnected"});
-  desk.client(1).sink->WaitingMode(2);
+  desk.client(1).sink->WaitingMode(waiting_mode::connecting);
   // Positions that come before the account is connected are in the grid when its data are complete.
   desk.client(1).sink->OpenPositionsLoaded();
   EXPECT_EQ(states(), Texts{"Connecting"});
@@ -367,10 +367,11 @@ TEST(ClosePositions, RefusalsInTheMiddleOfTheRunStopNobody) {
   DealerConfig config = still_market(50);
   config.ticks.insert(config.ticks.begin(), {5s, "EURUSD", 1.09, 1.0902});
   config.order_latency = 20ms;
-  config.faults = {fault(FaultKind::refuse, {first + 5}, FaultPoint::close, request::no_privilege),
-                   fault(FaultKind::refuse, {first + 10}, FaultPoint::close, request::invalid_lots),
-                   fault(FaultKind::reject, {first + 15}, FaultPoint::close, result::trading_closed),
-                   fault(FaultKind::pending, {first + 20}, FaultPoint::close, 0, 10s)};
+  config.faults = {
+      fault(FaultKind::refuse, {first + 5}, FaultPoint::close, format_as(request::no_privilege)),
+      fault(FaultKind::refuse, {first + 10}, FaultPoint::close, format_as(request::invalid_lots)),
+      fault(FaultKind::reject, {first + 15}, FaultPoint::close, format_as(result::trading_closed)),
+      fault(FaultKind::pending, {first + 20}, FaultPoint::close, 0, 10s)};
   for (FaultConfig& once : config.faults)
     once.times = 1;
   for (AccountConfig& account : config.accounts)

@@ -62,7 +62,7 @@ TEST(DealerFaults, OrdersGoWrongAsTheScriptSays) {
     config.faults = {typical(one.kind, {FaultPoint::open})};
     DealerRig rig(config);
     const auto seat = rig.trader(0);
-    EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.1), one.code);
+    EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.1), RequestCode{one.code});
     EXPECT_EQ(rig.heard(seat, 500), one.soon);
     EXPECT_EQ(rig.heard(seat, 3'000), one.later);
     ASSERT_EQ(rig.server.outcomes().size(), 1U);
@@ -72,7 +72,7 @@ TEST(DealerFaults, OrdersGoWrongAsTheScriptSays) {
     EXPECT_EQ(opened, one.kind != FaultKind::swallow && one.kind != FaultKind::refuse &&
                           one.kind != FaultKind::reject);
     EXPECT_EQ(outcome.told, one.told);
-    EXPECT_EQ(outcome.number == 0, one.code != request::taken);
+    EXPECT_EQ(outcome.number == 0, one.code != 1);
   }
 }
 
@@ -108,7 +108,7 @@ TEST(DealerFaults, CountsRunPerAccountFromTheGivenMoment) {
   std::string codes[3];
   const auto send_all = [&] {
     for (std::size_t i = 0; i < 3; ++i)
-      codes[i] += std::to_string(DealerRig::send(seats[i], buy, "EURUSD", 0.01));
+      codes[i] += std::to_string(format_as(DealerRig::send(seats[i], buy, "EURUSD", 0.01)));
   };
   send_all();
   rig.run(10'000);

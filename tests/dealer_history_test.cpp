@@ -11,7 +11,7 @@ TEST(DealerHistory, ARequestThatComesAgainIsExecutedOnce) {
     std::int64_t ticket, order, stops;
   };
   // As it was, or with something else in it.
-  using Send = std::function<std::int32_t(ClientAPI&, const Scene&, bool other, RequestId)>;
+  using Send = std::function<RequestCode(ClientAPI&, const Scene&, bool other, RequestId)>;
   const struct {
     Send send;
     Words answers;  // until its end

@@ -82,7 +82,7 @@ TEST(DealerLog, WhatTheBookCanNotHoldIsRefusedAtOnce) {
   };
   const auto limit = EntryKind::limit, stop = EntryKind::stop;
   const auto taken = request::taken, lots = request::invalid_lots, price = request::invalid_price;
-  const std::pair<std::function<std::int32_t()>, std::int32_t> cases[] = {
+  const std::pair<std::function<RequestCode()>, RequestCode> cases[] = {
       {[&] { return DealerRig::send(seat, buy, "EURUSD", 1e-9); }, lots},
       {[&] { return DealerRig::send(seat, buy, "EURUSD", 1e-8); }, taken},
       {[&] { return DealerRig::send(seat, buy, "XAUUSD", 0.1); }, taken},
@@ -159,7 +159,8 @@ TEST(DealerLog, RequestsKeepTheirDueTime) {
     rig.run(1);
     ASSERT_EQ(rig.server.outcomes().size(), before + 1);
     EXPECT_EQ(rig.server.outcomes().back().account, request.account);
-    EXPECT_EQ(rig.server.outcomes().back().result, request.account == first + 2 ? 0 : 1);
+    EXPECT_EQ(rig.server.outcomes().back().result,
+              request.account == first + 2 ? ResultCode::none : result::succeeded);
   }
   KeptRig last(home, config, noon + seconds{300});
   last.run(1'000);

@@ -99,7 +99,7 @@ TEST(DealerChanges, ChangesOfEntryOrdersAndStopsAreCheckedAndDone) {
     *seat.seen = {};
     EXPECT_EQ(seat.client->UpdateEntryOrder(one.number, one.price,
                                             stop_prices(one.stop_loss, one.take_profit), next_id()),
-              one.code)
+              RequestCode{one.code})
         << one.price;
     EXPECT_EQ(rig.heard(seat, 200), one.code == 1 ? (Words{"update 1", "+LO"}) : Words{});
     if (one.code != 1) continue;
@@ -115,7 +115,7 @@ TEST(DealerChanges, ChangesOfEntryOrdersAndStopsAreCheckedAndDone) {
   };
   for (const Case& one : positions)
     EXPECT_EQ(seat.client->UpdateSLTP(one.number, stop_prices(one.stop_loss, one.take_profit), next_id()),
-              one.code)
+              RequestCode{one.code})
         << one.stop_loss << ' ' << one.take_profit;
 }
 
@@ -148,7 +148,7 @@ TEST(DealerChanges, DistancesBelongToTheAccount) {
 
 TEST(DealerTriggers, EntryOrdersAreExecutedWhenTheirPriceComes) {
   const struct {
-    std::int32_t operation;
+    Operation operation;
     double price, stop_loss, take_profit;
     Tick before, at;
     double done_at;
@@ -183,7 +183,7 @@ TEST(DealerTriggers, EntryOrdersAreExecutedWhenTheirPriceComes) {
     if (!stopped) continue;
     const PendingOrder row = *seat.client->PendingOrderItem(1);
     EXPECT_EQ(row.reference, position.ticket);
-    EXPECT_EQ(row.operation, -position.side) << "it closes the position";
+    EXPECT_EQ(row.operation, opposite(position.side)) << "it closes the position";
     EXPECT_EQ(row.amount, 0.3);
     EXPECT_EQ(row.stop_loss, one.stop_loss);
     EXPECT_EQ(row.take_profit, one.take_profit);
@@ -192,7 +192,7 @@ TEST(DealerTriggers, EntryOrdersAreExecutedWhenTheirPriceComes) {
 
 TEST(DealerTriggers, StopsCloseThePositionAtTheMarket) {
   const struct {
-    std::int32_t side;
+    Operation side;
     double stop_loss, take_profit;
     Tick before, at;
     double done_at;
@@ -218,7 +218,7 @@ TEST(DealerTriggers, StopsCloseThePositionAtTheMarket) {
     *seat.seen = {};
     EXPECT_EQ(rig.heard(seat, 1'000), (Words{"stopped 0", "-ST", "deleted", "summary"})) << one.done_at;
     EXPECT_NEAR(seat.client->GetAccountSummary(first).values.balance,
-                50'000.0 + one.side * 0.5 * 100'000 * (one.done_at - open_price), 1e-6);
+                50'000.0 + sign(one.side) * 0.5 * 100'000 * (one.done_at - open_price), 1e-6);
     const Outcome& outcome = rig.server.outcomes().back();
     EXPECT_TRUE(outcome.set_off && outcome.told);
     EXPECT_EQ(outcome.number, order);
@@ -230,7 +230,7 @@ TEST(DealerTriggers, WhatCanNotBeExecutedIsCancelledOrWaits) {
   const struct {
     std::function<void(DealerConfig&)> change;
     Words words;
-    std::int32_t result;  // 0: it waits
+    int result;  // 0: it waits
   } cases[] = {
       {[](DealerConfig& c) { c.accounts[0].balance = -1.0; }, {"no money 0", "-LO", "summary"}, 2},
       {[](DealerConfig& c) { c.accounts[0].hedging = false; }, {"no hedging 0", "-LO", "summary"}, 13},
@@ -254,7 +254,7 @@ TEST(DealerTriggers, WhatCanNotBeExecutedIsCancelledOrWaits) {
     const auto& outcomes = rig.server.outcomes();
     EXPECT_EQ(outcomes.back().set_off, one.result != 0);
     if (one.result != 0) {
-      EXPECT_EQ(outcomes.back().result, one.result);
+      EXPECT_EQ(outcomes.back().result, ResultCode{one.result});
     }
     const std::size_t count = outcomes.size();
     rig.run(5'000);
@@ -265,7 +265,7 @@ TEST(DealerTriggers, WhatCanNotBeExecutedIsCancelledOrWaits) {
 TEST(DealerTriggers, AStopWaitsWhileItsPositionIsInDealingAndGoesWithIt) {
   for (const bool accepted : {true, false}) {
     DealerConfig config = ticking({tick(2, 1.07, 1.0702)});
-    config.accounts[0].reply_close_result = accepted ? 0 : result::bad_connection;
+    config.accounts[0].reply_close_result = accepted ? ResultCode::none : result::bad_connection;
     config.faults = {fault(FaultKind::pending, {FaultPoint::close}, 0, seconds{3})};
     DealerRig rig(config);
     const auto seat = rig.trader(0);

@@ -46,7 +46,7 @@ TEST(DealerRequests, PendingOrdersAreListedUntilTheDealerDecides) {
     EXPECT_EQ(10 * seat.client->PendingOrderCount() + seat.client->OpenPositionCount(), accepted ? 1 : 0);
     const Outcome& outcome = rig.server.outcomes().back();
     EXPECT_EQ(outcome.number, waits.order);
-    EXPECT_EQ(outcome.result, accepted ? 1 : 2);
+    EXPECT_EQ(outcome.result, accepted ? result::succeeded : result::not_enough_money);
     EXPECT_TRUE(outcome.dealt && outcome.told);
   }
 }
@@ -77,7 +77,8 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
       config.faults[0].points = 30;
       const std::string does = one.does;
       if (does == "no money")
-        (close ? config.accounts[0].reply_close_result : config.accounts[0].reply_result) = 2;
+        (close ? config.accounts[0].reply_close_result : config.accounts[0].reply_result) =
+            result::not_enough_money;
       DealerRig rig(config);
       const auto seat = rig.trader(0);
       if (close) {
@@ -92,9 +93,9 @@ TEST(DealerRequests, RequotesCountDownAndEndInEveryWay) {
       EXPECT_NEAR(first.new_price, close ? 1.0842 : 1.08492, 1e-9);
       rig.run(one.at);
       if (does == "accept" || does == "no money") {
-        EXPECT_EQ(seat.client->AcceptRequote(first.order, next_id()), one.code) << one.at;
+        EXPECT_EQ(seat.client->AcceptRequote(first.order, next_id()), RequestCode{one.code}) << one.at;
       } else if (does == "reject") {
-        EXPECT_EQ(seat.client->RejectRequote(first.order, next_id()), one.code) << one.at;
+        EXPECT_EQ(seat.client->RejectRequote(first.order, next_id()), RequestCode{one.code}) << one.at;
       }
       rig.run(10'000);
       Words expected = close ? Words{"close pending", "+CP"} : Words{"order pending", "+OP"};
@@ -130,7 +131,7 @@ TEST(DealerRequests, EveryCodeIsReachable) {
   struct Kind {
     FaultPoint point;
     Words answer;  // behind the first word comes the code
-    std::function<std::int32_t(const DealerRig::Seat&)> send;
+    std::function<RequestCode(const DealerRig::Seat&)> send;
   };
   const Kind kinds[] = {
       {FaultPoint::open,
@@ -149,7 +150,7 @@ TEST(DealerRequests, EveryCodeIsReachable) {
        [&](const auto& seat) { return seat.client->UpdateSLTP(ticket, stop_prices(1.08, 0), next_id()); }},
   };
   using Change = std::function<void(DealerConfig&)>;
-  const auto ask = [&](const Kind& kind, std::int32_t request, std::int32_t result, const Change& change) {
+  const auto ask = [&](const Kind& kind, int request, int result, const Change& change) {
     DealerConfig config = still_market();
     change(config);
     DealerRig rig(config);
@@ -157,13 +158,13 @@ TEST(DealerRequests, EveryCodeIsReachable) {
     home.write("dealer-book.toml", book);
     ASSERT_TRUE(rig.server.keep_book(home.path()));
     const auto seat = rig.trader(0);
-    EXPECT_EQ(kind.send(seat), request);
+    EXPECT_EQ(kind.send(seat), RequestCode{request});
     rig.run(200);
     Words answer = request == 1 ? kind.answer : Words{};
     if (request == 1) answer[0] += std::to_string(result);
     EXPECT_EQ(seat.seen->events, answer);
-    EXPECT_EQ(rig.server.outcomes().back().request, request);
-    EXPECT_EQ(rig.server.outcomes().back().result, result);
+    EXPECT_EQ(rig.server.outcomes().back().request, RequestCode{request});
+    EXPECT_EQ(rig.server.outcomes().back().result, ResultCode{result});
     EXPECT_EQ(seat.client->OpenPositionCount() + seat.client->PendingOrderCount(), 2);
     EXPECT_EQ(seat.client->PendingOrderItem(1)->price, 1.07);
     EXPECT_EQ(seat.client->OpenPositionItem(1)->stop_loss, 0.0);
@@ -182,14 +183,14 @@ TEST(DealerRequests, EveryCodeIsReachable) {
     for (const std::int32_t code : {2, 5, 6, 7, 8, 9, 10, 11, 12, 13, 100})
       go_wrong(kind, FaultKind::reject, code);
   }
-  ask(kinds[0], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_request = 5; });
-  ask(kinds[1], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_close_request = 5; });
+  ask(kinds[0], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_request = request::silent; });
+  ask(kinds[1], 5, 0, [](DealerConfig& c) { c.accounts[0].reply_close_request = request::silent; });
 }
 
 TEST(DealerRequests, SwapAndCommissionMakeTheBooksAdd) {
   // The clock starts on a Monday noon; the midnight that ends Wednesday counts three times.
   const struct {
-    std::int32_t side;
+    Operation side;
     int days, midnights;  // that charge
     double nights;        // points per lot
   } cases[] = {{buy, 1, 1, -6.5}, {buy, 3, 3, -6.5 * 5}, {sell, 8, 6, 2.1 * 8}};
@@ -233,27 +234,36 @@ TEST(DealerRequests, EntryOrdersAreKeptAndCancelled) {
   const auto limit = EntryKind::limit, breakout = EntryKind::stop;
   // The market is 1.08450 to 1.08462, orders must be 50 points away.
   const struct {
-    std::int32_t side;
+    Operation side;
     EntryKind kind;
     double amount, price, stop_loss, take_profit;  // 0: none
     std::int32_t code;
   } cases[] = {
-      {1, limit, 0.1, 1.0841, 1.08, 1.09, 1},  {1, limit, 0.1, 1.0842, 0, 0, 21},
-      {-1, limit, 0.1, 1.0850, 0, 0, 1},       {-1, limit, 0.1, 1.0849, 0, 0, 21},
-      {1, breakout, 0.1, 1.0852, 0, 0, 1},     {1, breakout, 0.1, 1.0846, 0, 0, 21},
-      {-1, breakout, 0.1, 1.0840, 1.09, 0, 1}, {-1, breakout, 0.1, 1.0850, 0, 0, 21},
-      {1, limit, 0.1, 1.08, 1.09, 0, 21},      {1, limit, 0.1, 1.08, 0, 1.07, 21},
-      {1, limit, 0.1, nan, 0, 0, 21},          {1, limit, nan, 1.08, 0, 0, 8},
-      {2, limit, 0.1, 1.08, 0, 0, 5},          {1, limit, 0.1, 1.08, nan, 0, 21},
+      {buy, limit, 0.1, 1.0841, 1.08, 1.09, 1},
+      {buy, limit, 0.1, 1.0842, 0, 0, 21},
+      {sell, limit, 0.1, 1.0850, 0, 0, 1},
+      {sell, limit, 0.1, 1.0849, 0, 0, 21},
+      {buy, breakout, 0.1, 1.0852, 0, 0, 1},
+      {buy, breakout, 0.1, 1.0846, 0, 0, 21},
+      {sell, breakout, 0.1, 1.0840, 1.09, 0, 1},
+      {sell, breakout, 0.1, 1.0850, 0, 0, 21},
+      {buy, limit, 0.1, 1.08, 1.09, 0, 21},
+      {buy, limit, 0.1, 1.08, 0, 1.07, 21},
+      {buy, limit, 0.1, nan, 0, 0, 21},
+      {buy, limit, nan, 1.08, 0, 0, 8},
+      {operation::buy_stop, limit, 0.1, 1.08, 0, 0, 5},
+      {buy, limit, 0.1, 1.08, nan, 0, 21},
   };
   for (const auto& one : cases) {
     *seat.seen = {};
     EXPECT_EQ(enter(seat, one.side, one.kind, one.amount, one.price, one.stop_loss, one.take_profit),
-              one.code)
+              RequestCode{one.code})
         << one.price << ' ' << one.amount;
-    EXPECT_EQ(rig.heard(seat, 200), one.code == request::taken ? (Words{"entry 1", "+LO"}) : Words{});
-    if (one.code != request::taken) continue;
-    EXPECT_EQ(seat.seen->orders.at(0).operation, one.kind == limit ? one.side : 2 * one.side);
+    EXPECT_EQ(rig.heard(seat, 200), one.code == 1 ? (Words{"entry 1", "+LO"}) : Words{});
+    if (one.code != 1) continue;
+    EXPECT_EQ(seat.seen->orders.at(0).operation, one.kind == limit ? one.side
+                                                 : one.side == buy ? operation::buy_stop
+                                                                   : operation::sell_stop);
     EXPECT_EQ(seat.seen->orders.at(0).stop_loss, one.stop_loss);
   }
   EXPECT_EQ(seat.client->PendingOrderCount(), 6);

@@ -12,6 +12,7 @@
 #include "core/numbers.h"
 #include "dealer/link/dealing_server.h"
 #include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -40,7 +41,9 @@ class DealerRecorder final : public CLAPICLASS {
   double last_bid = 0.0;
   std::function<void()> on_report;
 
-  void WaitingMode(std::int32_t mode) override { events.push_back("waiting " + std::to_string(mode)); }
+  void WaitingMode(ConnectionMode mode) override {
+    events.push_back("waiting " + std::to_string(static_cast<int>(mode)));
+  }
   void ConnectionState(bool connected) override {
     events.push_back(connected ? "connected" : "disconnected");
   }
@@ -63,29 +66,35 @@ class DealerRecorder final : public CLAPICLASS {
   void CloseOrderResult(const OrderReport& report) override { take("close ", report); }
   void MarketOrderAccepted(const OrderReport& report) override { take("accepted ", report); }
   void MarketOrderRejected(const OrderReport& report) override { take("rejected ", report); }
-  void NewLimitOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+  void NewLimitOrderResult(std::int64_t order, ResultCode code, RequestId id) override {
     note("entry ", order, code, id);
   }
-  void DeleteLimitOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+  void DeleteLimitOrderResult(std::int64_t order, ResultCode code, RequestId id) override {
     note("cancel ", order, code, id);
   }
-  void DeleteSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+  void DeleteSLTPOrderResult(std::int64_t order, ResultCode code, RequestId id) override {
     note("stops ", order, code, id);
   }
-  void UpdateLimitOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+  void UpdateLimitOrderResult(std::int64_t order, ResultCode code, RequestId id) override {
     note("update ", order, code, id);
   }
-  void NewSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+  void NewSLTPOrderResult(std::int64_t order, ResultCode code, RequestId id) override {
     note("new stops ", order, code, id);
   }
-  void UpdateSLTPOrderResult(std::int64_t order, std::int32_t code, RequestId id) override {
+  void UpdateSLTPOrderResult(std::int64_t order, ResultCode code, RequestId id) override {
     note("update stops ", order, code, id);
   }
   void LimitOrderAccepted(const OrderReport& report) override { take("executed ", report); }
-  void LimitOrderCanceledCannotHdg(std::int64_t id, std::int32_t) override { note("no hedging ", id, 0); }
-  void LimitOrderCanceledNoMoney(std::int64_t order, std::int32_t) override { note("no money ", order, 0); }
-  void SlTpOrderAccepted(std::int64_t order) override { note("stopped ", order, 0); }
-  void SlTpOrderCanceledNoMoney(std::int64_t order) override { note("not stopped ", order, 0); }
+  void LimitOrderCanceledCannotHdg(std::int64_t id, std::int32_t) override {
+    note("no hedging ", id, ResultCode::none);
+  }
+  void LimitOrderCanceledNoMoney(std::int64_t order, std::int32_t) override {
+    note("no money ", order, ResultCode::none);
+  }
+  void SlTpOrderAccepted(std::int64_t order) override { note("stopped ", order, ResultCode::none); }
+  void SlTpOrderCanceledNoMoney(std::int64_t order) override {
+    note("not stopped ", order, ResultCode::none);
+  }
   void NewPendingOrder(const PendingOrder& order) override {
     events.push_back("+" + order.kind);
     orders.push_back(order);
@@ -112,7 +121,7 @@ class DealerRecorder final : public CLAPICLASS {
   }
 
  private:
-  void note(const char* word, std::int64_t order, std::int32_t result, RequestId id = 0) {
+  void note(const char* word, std::int64_t order, ResultCode result, RequestId id = 0) {
     OrderReport report;
     report.number = order;
     report.result = result;
@@ -121,7 +130,7 @@ class DealerRecorder final : public CLAPICLASS {
   }
   void take(const char* word, const OrderReport& report) {
     const bool pending = report.state == order_state::pending;
-    events.push_back(word + (pending ? "pending" : std::to_string(report.result)));
+    events.push_back(word + (pending ? "pending" : std::to_string(format_as(report.result))));
     reports.push_back(report);
     if (on_report) on_report();
   }
@@ -169,7 +178,7 @@ struct DealerRig {
     *result.seen = {};
     return result;
   }
-  static std::int32_t send(const Seat& seat, std::int32_t side, const char* symbol, double amount) {
+  static RequestCode send(const Seat& seat, Operation side, const char* symbol, double amount) {
     const Symbol* found = seat.client->FindSymbol(symbol);
     return seat.client->NewMarketOrder(side, found != nullptr ? found->id : 0, amount, "", "", next_id());
   }
@@ -185,7 +194,7 @@ inline DealerConfig still_market(int accounts = 3) {
   return config;
 }
 
-inline FaultConfig fault(FaultKind kind, std::vector<FaultPoint> on, std::int32_t code = 0,
+inline FaultConfig fault(FaultKind kind, std::vector<FaultPoint> on, int code = 0,
                          std::chrono::milliseconds wait = {}, std::vector<std::int32_t> accounts = {}) {
   FaultConfig fault;
   fault.kind = kind;
@@ -205,16 +214,16 @@ inline StopPrices stop_prices(double stop_loss, double take_profit) {
   return {stop_loss, take_profit, stop_loss != 0.0, take_profit != 0.0};
 }
 
-inline std::int32_t enter(const DealerRig::Seat& seat, std::int32_t side, EntryKind kind, double amount,
-                          double price, double stop_loss = 0, double take_profit = 0,
-                          const char* symbol = "EURUSD") {
+inline RequestCode enter(const DealerRig::Seat& seat, Operation side, EntryKind kind, double amount,
+                         double price, double stop_loss = 0, double take_profit = 0,
+                         const char* symbol = "EURUSD") {
   return seat.client->NewEntryOrder({side, kind, seat.client->FindSymbol(symbol)->id, amount, price,
                                      stop_loss, take_profit, stop_loss != 0, take_profit != 0},
                                     next_id());
 }
 
 // A position of half a lot and its ticket; nothing is recorded.
-inline std::int64_t open_half(DealerRig& rig, const DealerRig::Seat& seat, std::int32_t side) {
+inline std::int64_t open_half(DealerRig& rig, const DealerRig::Seat& seat, Operation side) {
   DealerRig::send(seat, side, "EURUSD", 0.5);
   rig.run(200);
   *seat.seen = {};

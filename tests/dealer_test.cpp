@@ -32,7 +32,8 @@ TEST(Dealer, LoginsEndAsTheirDataDeserve) {
     EXPECT_EQ(seat.client->FindAccount(one.data.account).has_value(), one.found);
     EXPECT_EQ(seat.client->SymbolCount(), one.found ? 21 : 0);
     if (!one.found) {
-      EXPECT_EQ(seat.client->NewMarketOrder(1, 1, 1.0, "", "", next_id()), request::invalid_account);
+      EXPECT_EQ(seat.client->NewMarketOrder(operation::buy, 1, 1.0, "", "", next_id()),
+                request::invalid_account);
     }
   }
 }
@@ -69,7 +70,7 @@ TEST(Dealer, AnOrderMovesTheSummaryAsArithmeticSays) {
   const double eur = 1.08456, gbp = 1.26528, jpy = 149.487;  // middle prices
   const struct {
     const char *currency, *symbol;
-    std::int32_t side;
+    Operation side;
     double margin;    // of two lots at leverage 100, in account currency
     double floating;  // right after opening: the spread
   } cases[] = {
@@ -100,7 +101,7 @@ TEST(Dealer, AnOrderMovesTheSummaryAsArithmeticSays) {
 
 TEST(Dealer, AmountsAndSymbolsOfOrdersAreChecked) {
   struct Case {
-    std::int32_t request, result;
+    int request, result;
     double amount;
     std::function<void(DealerConfig&)> change;
   };
@@ -123,9 +124,10 @@ TEST(Dealer, AmountsAndSymbolsOfOrdersAreChecked) {
     one.change(config);
     DealerRig rig(config);
     const auto seat = rig.trader(0);
-    EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", one.amount), one.request) << one.amount;
+    EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", one.amount), RequestCode{one.request}) << one.amount;
     rig.run(200);
-    EXPECT_EQ(seat.seen->reports.empty() ? 0 : seat.seen->reports[0].result, one.result) << one.amount;
+    EXPECT_EQ(seat.seen->reports.empty() ? 0 : format_as(seat.seen->reports[0].result), one.result)
+        << one.amount;
     EXPECT_EQ(seat.seen->opened.size(), one.result == 1 ? 1U : 0U);
   }
 }

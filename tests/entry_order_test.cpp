@@ -299,7 +299,7 @@ TEST(EntryOrder, ARefusedRowKeepsItsShareAndIsNotSent) {
   desk.client(2).summary.values.equity = -1;
   desk.client(4).summary.values.equity = -std::numeric_limits<double>::infinity();
   desk.client(3).summary.values.free_margin = std::numeric_limits<double>::infinity();
-  desk.client(1).request_code = 99;
+  desk.client(1).request_code = RequestCode{99};
   desk.fill_in(buy_limit, "1.3");
   desk.distribute("0");
   EXPECT_EQ(desk.rows(), "x1|x1|x1|x1|");
@@ -420,11 +420,11 @@ TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
 
 TEST(EntryOrder, WaitingDisablesSubmit) {
   EntryTerminal desk;
-  for (const int mode : {2, 1}) {
+  for (const auto mode : {waiting_mode::connecting, waiting_mode::waiting}) {
     desk.client(1).sink->WaitingMode(mode);
     EXPECT_FALSE(desk.form.cmdsubmitlimiorder.enabled());
     desk.form.cmdlimiorderdis.set_enabled(false);
-    desk.client(1).sink->WaitingMode(0);
+    desk.client(1).sink->WaitingMode(waiting_mode::normal);
     EXPECT_TRUE(desk.form.cmdsubmitlimiorder.enabled() && desk.form.cmdlimiorderdis.enabled());
   }
 }

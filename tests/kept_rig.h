@@ -18,8 +18,8 @@ inline std::string books(const DealingServer& server) {
     const BookState::Account state = account.state();
     text += std::to_string(state.number) + " " + number_text(state.balance);
     for (const OpenPosition& one : state.positions)
-      text += " #" + std::to_string(one.ticket) + (one.side > 0 ? "+" : "-") + number_text(one.amount) + "@" +
-              number_text(one.open_price) + "/" + number_text(one.interest);
+      text += " #" + std::to_string(one.ticket) + (buys(one.side) ? "+" : "-") + number_text(one.amount) +
+              "@" + number_text(one.open_price) + "/" + number_text(one.interest);
     for (const PendingOrder& one : state.orders)
       text += " " + one.kind + std::to_string(one.order) + ":" + number_text(one.price) + "," +
               number_text(one.stop_loss) + "," + number_text(one.take_profit);

@@ -226,7 +226,7 @@ TEST(MarketOrder, EveryAccountOfTheLastRoundIsCounted) {
       out += "-LWARU"[static_cast<int>(form.answer_of(row))];
     return out + " " + frmorder::answers_text(form.answers());
   };
-  const auto answer = [&](std::size_t account, std::int32_t code, std::int32_t state) {
+  const auto answer = [&](std::size_t account, ResultCode code, OrderState state) {
     desk.clients[account - 1]->sink->NewOrderResult({.number = static_cast<std::int64_t>(account),
                                                      .result = code,
                                                      .state = state,
@@ -245,7 +245,7 @@ TEST(MarketOrder, EveryAccountOfTheLastRoundIsCounted) {
   EXPECT_EQ(answers(), "WRWWWWL-- 1 refused, 5 waiting");
   EXPECT_EQ(sessions.unanswered(), 5);
   answer(1, result::succeeded, order_state::executed);
-  answer(3, result::not_enough_money, 0);
+  answer(3, result::not_enough_money, OrderState::none);
   answer(4, result::succeeded, order_state::pending);
   desk.clients[5]->sink->ConnectionState(false);  // takes its row along
   EXPECT_EQ(answers(), "ARRWWL-- 1 accepted, 2 refused, 2 waiting, 1 unknown");

@@ -47,16 +47,16 @@ struct Requests : ::testing::Test {
   }
   CLAPICLASS& sink(CClientAPIManager& session) { return *rig.client(session).sink; }
   const SentOrder& buy(CClientAPIManager& session, double lots = 0.5) {
-    return session.market_order(1, rig.books.symbols.find("EURUSD"), lots);
+    return session.market_order(operation::buy, rig.books.symbols.find("EURUSD"), lots);
   }
   // An answer to an order of half a lot, as it names the request.
-  void answer(CClientAPIManager& session, RequestId id, std::int64_t number, std::int32_t state = 1,
-              double left = 0.0) {
+  void answer(CClientAPIManager& session, RequestId id, std::int64_t number,
+              OrderState state = order_state::executed, double left = 0.0) {
     OrderReport report{.number = number,
                        .account = session.account(),
                        .result = result::succeeded,
                        .state = state,
-                       .operation = 1,
+                       .operation = operation::buy,
                        .amount = 0.5,
                        .symbol = "EURUSD"};
     report.id = id;
@@ -152,13 +152,13 @@ TEST_F(Requests, LateAnswersFindWhatWasGivenUp) {
 TEST_F(Requests, ARefusedRepetitionLeavesTheCloseThatIsOnItsWay) {
   const SentOrder& dealt = one.close_position(12, 0.5);
   const SentOrder& again = one.close_position(12, 0.5);
-  const auto tell = [&](const SentOrder& close, std::int32_t code, std::int32_t state) {
+  const auto tell = [&](const SentOrder& close, ResultCode code, OrderState state) {
     OrderReport report{.number = 12, .account = 81, .result = code, .state = state, .symbol = ""};
     report.id = close.id;
     rig.during([&] { sink(one).CloseOrderResult(report); });
   };
   tell(dealt, result::succeeded, order_state::pending);
-  tell(again, result::position_pending, 0);
+  tell(again, result::position_pending, OrderState::none);
   EXPECT_EQ(one.sent_request(RequestKind::close, 12), &dealt);
   EXPECT_EQ(again.outcome, Outcome::refused);
 }
@@ -168,9 +168,9 @@ TEST_F(Requests, AreFilledInPartsAndEveryFillOnce) {
   const auto fill = [&](const char* name, double all) {
     OrderReport report{.number = 30,
                        .account = 81,
-                       .result = 1,
-                       .state = 1,
-                       .operation = 1,
+                       .result = result::succeeded,
+                       .state = order_state::executed,
+                       .operation = operation::buy,
                        .amount = 0.5,
                        .symbol = "EURUSD"};
     report.id = order.id;

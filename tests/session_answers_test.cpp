@@ -61,7 +61,7 @@ const Texts general_texts{
 // An event that carries a result code: its texts, that of all other codes if there is one, and what is
 // written where.
 struct Family {
-  void (CLAPICLASS::*fire)(std::int64_t, std::int32_t, RequestId);
+  void (CLAPICLASS::*fire)(std::int64_t, ResultCode, RequestId);
   std::function<void(CClientAPIManager&)> send;  // what it answers
   Texts texts;
   std::optional<std::string> other;
@@ -70,7 +70,7 @@ struct Family {
 
 const Family families[] = {
     {&CLAPICLASS::NewLimitOrderResult,
-     [](auto& session) { session.place_entry({.side = 1, .amount = 0.5}, no_symbol, 1); },
+     [](auto& session) { session.place_entry({.side = operation::buy, .amount = 0.5}, no_symbol, 1); },
      {{"Succeeded", "Not Enough Money", "Trading Is Closed", "Unable MarketConditions",
        "Unable Bad Connection", "Position Is Closed", "Position Is Pending", "Position Has Pending Orders",
        "Invalid Amount", "Not Found", "Order 12 :All Lots Are Managed"},
@@ -141,7 +141,7 @@ TEST(SessionAnswers, EveryResultCodeHasItsTextsInItsWindows) {
       SCOPED_TRACE(std::to_string(&family - families) + " " + std::to_string(code));
       Answers one;
       family.send(one.session);
-      one.writes_once([&] { (one.sink.*family.fire)(12, code, 0); },
+      one.writes_once([&] { (one.sink.*family.fire)(12, ResultCode{code}, 0); },
                       text ? family.written(code, *text) : Heard{});
     }
   }
@@ -153,7 +153,7 @@ TEST(SessionAnswers, MarketOrdersThatAreRefused) {
                      "Position Has Pending Orders", "", "", "", "", "Heddging Not Allowed"},
                     ""};
   for (const std::int32_t code : codes) {
-    if (code == result::succeeded) continue;
+    if (code == 1) continue;
     const std::string text = texts.of(code);
     const std::string sound = code == 13 ? "sound Alert.wav" : "sound NoEquity.wav";
     Answers one;
@@ -189,14 +189,14 @@ TEST_F(SessionAnswered, CloseResultsDifferInJournalRowAndMessage) {
   }
   EXPECT_TRUE(rig.prompt.shown.empty()) << "a handler never waits";
   const char* const types[] = {" Sell Stop ", " Sell ", "", " Buy ", " Buy Stop "};
-  for (const std::int32_t operation : {-2, -1, 1, 2}) {
+  for (const int operation : {-2, -1, 1, 2}) {
     const std::string request =
         std::string{"Request close ticket #12"} + types[operation + 2] + "0.5EURUSD at 1.0845";
     session.close_position(12, 0.5);
-    writes([&] { sink.CloseOrderResult(report(1, order_state::pending, operation)); },
+    writes([&] { sink.CloseOrderResult(report(1, 2, Operation{operation})); },
            {in_journal + request, in_journal + "Position in pending mode", "pending has CP 12 81",
             "close 12: Position in pending mode"});
-    writes_once([&] { sink.CloseOrderResult(report(1, order_state::executed, operation)); },
+    writes_once([&] { sink.CloseOrderResult(report(1, 1, Operation{operation})); },
                 {in_journal + request, in_journal + "Postion 12 is closed successfuly",
                  "close 12: Postion 12 is closed successfuly"});
   }
@@ -209,8 +209,8 @@ TEST_F(SessionAnswered, OrdersThatAreExecutedOrGoThroughDealing) {
   const std::string no_money = "Limit Order:12 cancelled because there is no money for account number #81";
   OrderReport close = report(1, 1);
   close.request_kind = request_kind::close;
-  for (const std::int32_t side : {1, -1}) {
-    const std::string& done = side > 0 ? bought : sold;
+  for (const Operation side : {operation::buy, operation::sell}) {
+    const std::string& done = buys(side) ? bought : sold;
     for (const bool accepted : {true, false}) {
       Answers executed, dealt;
       for (Answers* one : {&executed, &dealt})
@@ -254,10 +254,10 @@ TEST_F(SessionAnswered, OrdersThatAreExecutedOrGoThroughDealing) {
   writes([&] { sink.MarketOrderAccepted(close); },
          both("Ticket #12 has been closed successfully", {"requote accepted 12", "positions has 12"}));
   during([&] { sink.PendingOrdersLoaded(); });
-  writes([&] { sink.LimitOrderAccepted(report(1, 1, 2)); },
+  writes([&] { sink.LimitOrderAccepted(report(1, 1, operation::buy_stop)); },
          {"pending drops 12", in_journal + "Entry Order 12 [buy 0.5 EURUSD] has been executed"});
   during([&] { sink.PendingOrdersLoaded(); });
-  writes([&] { sink.LimitOrderAccepted(report(1, 1, -1)); },
+  writes([&] { sink.LimitOrderAccepted(report(1, 1, operation::sell)); },
          {"pending drops 12", in_journal + "Entry Order 12 [sell 0.5 EURUSD] has been executed"});
   writes([&] { sink.LimitOrderCanceledCannotHdg(12, 81); }, {in_pending + no_hedge, box + no_hedge});
   writes([&] { sink.LimitOrderCanceledNoMoney(12, 81); }, {in_pending + no_money, box + no_money});
@@ -272,10 +272,10 @@ TEST_F(SessionAnswered, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {
   during([&] { sink.SymbolsLoaded(); });
   const auto order = [&](double amount, Outcome outcome) {
     client.request_code = outcome == Outcome::refused ? request::invalid_lots : request::taken;
-    session.market_order(1, rig.books.symbols.find("EURUSD"), amount);
+    session.market_order(operation::buy, rig.books.symbols.find("EURUSD"), amount);
   };
-  const auto answer = [&](std::int64_t number, double amount, std::int32_t state) {
-    OrderReport reply = report(1, state);
+  const auto answer = [&](std::int64_t number, double amount, OrderState state) {
+    OrderReport reply = report(1, format_as(state));
     reply.number = number;
     reply.amount = amount;
     during([&] { sink.NewOrderResult(reply); });

@@ -103,7 +103,7 @@ TEST(SessionCollection, RequestCodesAreReportedUnlessTheAccountIsInvalid) {
     Heard expected;
     if (at != texts.end()) expected = {"journal 81: " + at->second, "market 81: " + at->second};
     if (code != 1) expected.push_back("market ended 81 " + std::to_string(code));
-    const auto report = [&] { rig.sessions.Result(code, 81, client_key(1)); };
+    const auto report = [&] { rig.sessions.Result(RequestCode{code}, 81, client_key(1)); };
     session.write_note("Invalid username or password");
     EXPECT_EQ(rig.during(report), expected) << code;
     session.write_note("Invalid account ID");

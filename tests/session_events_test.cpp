@@ -31,12 +31,13 @@ TEST_F(SessionEvents, OtherEventsReachTheirWindows) {
   EXPECT_EQ(rig.options.CurrentServer(), "10.0.0.2:444");
   writes([&] { sink.ServerRouted("10.0.0.3:1", "444"); },
          {"journal 81: The server's new address was refused: it holds a character that no address has"});
-  writes([&] { sink.WaitingMode(2); }, {"entry submit off"});
-  writes([&] { sink.WaitingMode(1); },
+  writes([&] { sink.WaitingMode(ConnectionMode{2}); }, {"entry submit off"});
+  writes([&] { sink.WaitingMode(ConnectionMode{1}); },
          {"status 100025 reads Waiting", "status 100026 reads Connected", "entry submit off"});
-  writes([&] { sink.WaitingMode(0); }, {"status 100025 reads ", "status 100017 on", "status 100018 on",
-                                        "status 100019 on", "status 100020 on", "entry distribute on"});
-  writes([&] { sink.WaitingMode(3); }, {});
+  writes([&] { sink.WaitingMode(ConnectionMode{0}); },
+         {"status 100025 reads ", "status 100017 on", "status 100018 on", "status 100019 on",
+          "status 100020 on", "entry distribute on"});
+  writes([&] { sink.WaitingMode(ConnectionMode{3}); }, {});
   writes([&] { sink.SessionDisconnected(); },
          {"Session Disconnected: account 81 Session disconnected", "sound Disconnect.wav",
           "journal 81: Not connected: Session disconnected"});
@@ -57,7 +58,7 @@ TEST_F(SessionEvents, StatesOfTheAccountsRow) {
     EXPECT_EQ(rig.books.accounts.connected(81), told == connected) << what;
   };
   client.summary.values.balance = 7.0;
-  during([&] { sink.WaitingMode(2); });
+  during([&] { sink.WaitingMode(ConnectionMode{2}); });
   row_reads(connecting, connecting, Ink::red);
   during([&] { sink.ConnectionState(true); });
   row_reads(connected, connected, Ink::white);
@@ -83,7 +84,7 @@ TEST_F(SessionEvents, WhyAnAccountIsNotConnected) {
   const std::string not_connected = "journal 81: Not connected: ";
   const auto on = [&] { sink.ConnectionState(true); };
   const auto off = [&] { sink.ConnectionState(false); };
-  const auto begin = [&] { sink.WaitingMode(2); };
+  const auto begin = [&] { sink.WaitingMode(ConnectionMode{2}); };
   const struct {
     std::vector<std::function<void()>> events;
     std::string reason;  // empty: nothing is told

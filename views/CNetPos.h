@@ -10,6 +10,7 @@
 #include "books/position_book.h"
 #include "core/MGeneral.h"
 #include "core/displayable.h"
+#include "sessions/contract/codes.h"
 #include "views/net_sum.h"
 
 namespace tutti {
@@ -62,7 +63,7 @@ class CNetPos final : public Displayable {
   struct Held {
     std::uint32_t symbol = nothing;  // places; `nothing` while the slot has no position
     std::uint32_t account = 0;
-    std::int32_t side = 0;
+    Operation side{};
     double lots = 0.0;
     double price = 0.0;
     double profit = 0.0;

@@ -83,8 +83,8 @@ std::string frmPending::TypeDesc(std::string_view kind, std::int64_t reference) 
   return "";
 }
 
-std::string frmPending::OrderTypeDesc(std::string_view kind, std::int32_t op) {
-  if (kind == "ST") return op > 0 ? "Buy(Manage)" : "Sell(Manage)";
+std::string frmPending::OrderTypeDesc(std::string_view kind, Operation op) {
+  if (kind == "ST") return buys(op) ? "Buy(Manage)" : "Sell(Manage)";
   if (kind != "LO") return "";
   switch (op) {
     case operation::buy:
@@ -100,15 +100,15 @@ std::string frmPending::OrderTypeDesc(std::string_view kind, std::int32_t op) {
   }
 }
 
-std::int32_t frmPending::side(const Record& order) {
-  if (order.operation == 0) return 0;
+Operation frmPending::side(const Record& order) {
+  if (order.operation == Operation::none) return Operation::none;
   // Of a close it is the side of the position.
-  return (order.operation > 0) == (order.kind != "CP") ? operation::buy : operation::sell;
+  return buys(order.operation) == (order.kind != "CP") ? operation::buy : operation::sell;
 }
 
 std::string frmPending::side_text(const Record& order) {
-  const std::int32_t does = side(order);
-  if (does == 0) return {};
+  const Operation does = side(order);
+  if (does == Operation::none) return {};
   if (order.kind == "LO") return OrderTypeDesc(order.kind, order.operation);
   std::string out = does == operation::buy ? "Buy" : "Sell";
   if (order.kind == "OP") return out + " at market";
@@ -152,7 +152,7 @@ std::vector<const frmPending::Record*> frmPending::ticked() const {
   return out;
 }
 
-std::int32_t frmPending::send(const Cancel& cancel) {
+RequestCode frmPending::send(const Cancel& cancel) {
   CClientAPIManager* session = sessions_.logged_in(cancel.account);
   if (session == nullptr) return request::invalid_account;
   return session->cancel_order(cancel.order, cancel.kind == "ST").request_code;
@@ -176,9 +176,9 @@ void frmPending::CloseIoID() {
     std::string why;
     if (cancel.kind != "LO" && cancel.kind != "ST") {
       why = "it is in dealing";
-    } else if (const std::int32_t code = send(cancel); code != request::taken) {
+    } else if (const RequestCode code = send(cancel); code != request::taken) {
       const std::string_view text = trim(request::text(code));
-      why = text.empty() ? "request code " + std::to_string(code) : std::string{text};
+      why = text.empty() ? "request code " + std::to_string(format_as(code)) : std::string{text};
     }
     if (why.empty()) continue;
     ++refused;

@@ -12,6 +12,7 @@
 #include "core/label.h"
 #include "core/row_list.h"
 #include "sessions/CClientAPIManagers.h"
+#include "sessions/contract/codes.h"
 #include "sessions/desk.h"
 
 namespace tutti {
@@ -75,11 +76,11 @@ class frmPending final : public PendingDesk, public OrderBook::Observer {
   // Type column of an order from its kind code and the ticket it belongs to.
   static std::string TypeDesc(std::string_view kind, std::int64_t reference);
   // Type text for the entry order window: side and kind of an entry order, the side of an SL/TP order.
-  static std::string OrderTypeDesc(std::string_view kind, std::int32_t operation);
+  static std::string OrderTypeDesc(std::string_view kind, Operation operation);
   static Category OrderType(std::string_view type_text);
-  // What an order does in the market: operation::buy or operation::sell, 0 when it is not known. A close and
+  // What an order does in the market: buy or sell, none when it is not known. A close and
   // the SL/TP of a bought position sell.
-  static std::int32_t side(const Record& order);
+  static Operation side(const Record& order);
   // The same with what kind of order it is: "Sell stop", "Buy at market", "Sell, closes a bought position".
   static std::string side_text(const Record& order);
   const Record* record_of(const Row& row) const {
@@ -118,7 +119,7 @@ class frmPending final : public PendingDesk, public OrderBook::Observer {
   void make_cells(Row& row) const;
   std::vector<const Record*> ticked() const;
   // Request code of one cancel request.
-  std::int32_t send(const Cancel& cancel);
+  RequestCode send(const Cancel& cancel);
 
   MGeneral& general_;
   CClientAPIManagers& sessions_;

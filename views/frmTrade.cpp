@@ -110,7 +110,7 @@ void frmTrade::edit(const Row& row) const {
   const auto price = [&](double value) { return as_fixed_reads(value, position->digits); };
   // The side of an SL/TP order is that of the close it will be: a bought position is managed by a sale.
   EdirMode({.mode = "SLTP ",
-            .type_text = position->side > 0 ? "Sell(Manage)" : "Buy(Manage)",
+            .type_text = buys(position->side) ? "Sell(Manage)" : "Buy(Manage)",
             .symbol = position->symbol,
             .account = position->account,
             .number = position->ticket,

@@ -81,7 +81,7 @@ class frmTrade final : public PositionBook::Observer {
   // Edit mode of the entry order window; set by start-up.
   std::function<void(const frmPending::EditRequest&)> EdirMode;
 
-  static const char* type_text(const Record& position) { return position.side > 0 ? "Buy" : "Sell"; }
+  static const char* type_text(const Record& position) { return buys(position.side) ? "Buy" : "Sell"; }
 
   // PositionBook::Observer
   void changed(const Record& position) override { AddPosition(position); }

@@ -4,16 +4,16 @@
 
 namespace tutti {
 
-void NetSum::add(std::int32_t side, double lots, double price, double profit) {
-  Side& of = side > 0 ? long_ : short_;
+void NetSum::add(Operation side, double lots, double price, double profit) {
+  Side& of = buys(side) ? long_ : short_;
   of.lots.add(lots);
   of.value.add(lots * price);
   ++of.positions;
   floating_.add(profit);
 }
 
-void NetSum::take(std::int32_t side, double lots, double price, double profit) {
-  Side& of = side > 0 ? long_ : short_;
+void NetSum::take(Operation side, double lots, double price, double profit) {
+  Side& of = buys(side) ? long_ : short_;
   of.lots.add(-lots);
   of.value.add(-lots * price);
   if (--of.positions == 0) of = {};

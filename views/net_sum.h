@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "core/compensated_sum.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -10,8 +11,8 @@ namespace tutti {
 class NetSum {
  public:
   // Takes a position in, or out again; `lots` are 0 or above. A side without positions is exactly 0.
-  void add(std::int32_t side, double lots, double price, double profit);
-  void take(std::int32_t side, double lots, double price, double profit);
+  void add(Operation side, double lots, double price, double profit);
+  void take(Operation side, double lots, double price, double profit);
   // A position's profit has changed.
   void change_floating(double from, double to) {
     floating_.add(-from);

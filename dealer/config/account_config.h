@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/secret.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -33,10 +34,10 @@ struct AccountConfig {
   std::optional<double> stop_distance;
   // Codes that every market order (close) is refused or ends with; 0: as it deserves. A result is the
   // dealer's last word: an order that is taken into dealing becomes pending first.
-  std::int32_t reply_request = 0;
-  std::int32_t reply_result = 0;
-  std::int32_t reply_close_request = 0;
-  std::int32_t reply_close_result = 0;
+  RequestCode reply_request{};
+  ResultCode reply_result{};
+  RequestCode reply_close_request{};
+  ResultCode reply_close_result{};
   std::chrono::milliseconds dealing{0};  // how long market orders and closes are pending; 0: not at all
 };
 

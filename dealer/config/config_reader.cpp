@@ -156,10 +156,10 @@ class ConfigReader {
     reader.flag("hedging", read.hedging);
     read_distance(reader, "limit_distance", read.limit_distance);
     read_distance(reader, "stop_distance", read.stop_distance);
-    reader.integer("reply_request", read.reply_request, 0, 1000);
-    reader.integer("reply_result", read.reply_result, 0, 1000);
-    reader.integer("reply_close_request", read.reply_close_request, 0, 1000);
-    reader.integer("reply_close_result", read.reply_close_result, 0, 1000);
+    reader.code("reply_request", read.reply_request, 0, 1000);
+    reader.code("reply_result", read.reply_result, 0, 1000);
+    reader.code("reply_close_request", read.reply_close_request, 0, 1000);
+    reader.code("reply_close_result", read.reply_close_result, 0, 1000);
     reader.seconds("dealing_seconds", read.dealing, 0.0, longest_dealing);
     reader.finish();
     if (known)

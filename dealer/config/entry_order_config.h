@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <string>
 
+#include "sessions/contract/codes.h"
+
 namespace tutti {
 
 // One order that waits on an account from the start.
 struct EntryOrderConfig {
   std::int32_t account = 0;
-  std::int32_t operation = 0;  // operation:: code, buy_stop and sell_stop for stop orders
+  Operation operation{};  // operation:: code, buy_stop and sell_stop for stop orders
   std::string symbol;
   double amount = 0.0;  // lots
   double price = 0.0;

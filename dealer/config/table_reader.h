@@ -36,6 +36,12 @@ class TableReader {
   void number(std::string_view key, double& value, double low, double high);
   void integer(std::string_view key, std::int64_t& value, std::int64_t low, std::int64_t high);
   void integer(std::string_view key, std::int32_t& value, std::int32_t low, std::int32_t high);
+  // A code of the contract, one that it does not name included.
+  void code(std::string_view key, ContractCode auto& value, std::int32_t low, std::int32_t high) {
+    std::int32_t number = format_as(value);
+    integer(key, number, low, high);
+    value = std::remove_cvref_t<decltype(value)>{number};
+  }
   void flag(std::string_view key, bool& value);
   void text(std::string_view key, std::string& value);
   void texts(std::string_view key, std::vector<std::string>& value);
@@ -87,8 +93,7 @@ Value read_word(TableReader& reader, std::string_view key, const Word<Value> (&w
   return missing;
 }
 
-// The words for operation:: codes.
-inline constexpr Word<std::int32_t> side_words[] = {
+inline constexpr Word<Operation> side_words[] = {
     {"buy", operation::buy},
     {"sell", operation::sell},
     {"buy_stop", operation::buy_stop},

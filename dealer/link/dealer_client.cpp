@@ -74,23 +74,23 @@ const PendingOrder* DealerClient::PendingOrderItem(int index) const {
   return &session_->account()->orders()[static_cast<std::size_t>(index - 1)];
 }
 
-std::int32_t DealerClient::send(const Instruction& wanted) {
+RequestCode DealerClient::send(const Instruction& wanted) {
   TradingAccount* account = session_->account();
   return account != nullptr ? gate_.send(*account, wanted) : request::invalid_account;
 }
 
-std::int32_t DealerClient::answer_requote(std::int64_t order, bool accept, RequestId id) {
+RequestCode DealerClient::answer_requote(std::int64_t order, bool accept, RequestId id) {
   TradingAccount* account = session_->account();
   return account != nullptr ? gate_.answer_requote(*account, order, accept, id) : request::invalid_account;
 }
 
-std::int32_t DealerClient::NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount,
-                                          std::string_view, std::string_view, RequestId id) {
+RequestCode DealerClient::NewMarketOrder(Operation side, std::int32_t symbol_id, double amount,
+                                         std::string_view, std::string_view, RequestId id) {
   return send({.id = id, .side = side, .symbol = place_of(symbol_id), .amount = amount});
 }
 
-std::int32_t DealerClient::ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
-                                         RequestId id) {
+RequestCode DealerClient::ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
+                                        RequestId id) {
   const std::string_view digits = trim(ticket);
   std::int64_t number = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
@@ -101,7 +101,7 @@ std::int32_t DealerClient::ClosePosition(std::string_view ticket, std::string_vi
                .amount = parse_number(amount).value_or(0.0)});
 }
 
-std::int32_t DealerClient::NewEntryOrder(const EntryOrder& order, RequestId id) {
+RequestCode DealerClient::NewEntryOrder(const EntryOrder& order, RequestId id) {
   return send({.kind = TradeKind::entry,
                .id = id,
                .side = order.side,
@@ -112,29 +112,29 @@ std::int32_t DealerClient::NewEntryOrder(const EntryOrder& order, RequestId id) 
                .stops = {order.stop_loss, order.take_profit, order.has_stop_loss, order.has_take_profit}});
 }
 
-std::int32_t DealerClient::UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
-                                            RequestId id) {
+RequestCode DealerClient::UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                                           RequestId id) {
   return send(
       {.kind = TradeKind::update_entry, .id = id, .reference = order, .price = price, .stops = stops});
 }
 
-std::int32_t DealerClient::UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) {
+RequestCode DealerClient::UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) {
   return send({.kind = TradeKind::set_stops, .id = id, .reference = ticket, .stops = stops});
 }
 
-std::int32_t DealerClient::AcceptRequote(std::int64_t order, RequestId id) {
+RequestCode DealerClient::AcceptRequote(std::int64_t order, RequestId id) {
   return answer_requote(order, true, id);
 }
 
-std::int32_t DealerClient::RejectRequote(std::int64_t order, RequestId id) {
+RequestCode DealerClient::RejectRequote(std::int64_t order, RequestId id) {
   return answer_requote(order, false, id);
 }
 
-std::int32_t DealerClient::DeleteEntryOrder(std::int64_t order, RequestId id) {
+RequestCode DealerClient::DeleteEntryOrder(std::int64_t order, RequestId id) {
   return send({.kind = TradeKind::cancel_entry, .id = id, .reference = order});
 }
 
-std::int32_t DealerClient::DeleteSLTPOrder(std::int64_t order, RequestId id) {
+RequestCode DealerClient::DeleteSLTPOrder(std::int64_t order, RequestId id) {
   return send({.kind = TradeKind::cancel_stops, .id = id, .reference = order});
 }
 
@@ -142,12 +142,12 @@ BookEra DealerClient::Era() const {
   return LoggedIn() ? gate_.era() : 0;
 }
 
-std::int32_t DealerClient::AskRequest(RequestId id, BookEra era) {
+RequestCode DealerClient::AskRequest(RequestId id, BookEra era) {
   TradingAccount* account = session_->account();
   return account != nullptr ? gate_.ask_request(*account, id, era) : request::invalid_account;
 }
 
-std::int32_t DealerClient::AskExecutions(TimePoint since) {
+RequestCode DealerClient::AskExecutions(TimePoint since) {
   TradingAccount* account = session_->account();
   return account != nullptr ? gate_.ask_executions(*account, since) : request::invalid_account;
 }

@@ -5,6 +5,7 @@
 #include "dealer/link/dealer_session.h"
 #include "dealer/link/server_gate.h"
 #include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -27,19 +28,19 @@ class DealerClient final : public ClientAPI {
   const OpenPosition* OpenPositionItem(int index) const override;
   int PendingOrderCount() const override;
   const PendingOrder* PendingOrderItem(int index) const override;
-  std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
-                              std::string_view, RequestId id) override;
-  std::int32_t NewEntryOrder(const EntryOrder& order, RequestId id) override;
-  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
-                                RequestId id) override;
-  std::int32_t AcceptRequote(std::int64_t order, RequestId id) override;
-  std::int32_t RejectRequote(std::int64_t order, RequestId id) override;
-  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
-                             RequestId id) override;
+  RequestCode NewMarketOrder(Operation side, std::int32_t symbol_id, double amount, std::string_view,
+                             std::string_view, RequestId id) override;
+  RequestCode NewEntryOrder(const EntryOrder& order, RequestId id) override;
+  RequestCode UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                               RequestId id) override;
+  RequestCode AcceptRequote(std::int64_t order, RequestId id) override;
+  RequestCode RejectRequote(std::int64_t order, RequestId id) override;
+  RequestCode ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
+                            RequestId id) override;
   bool LoggedIn() const override;
   void Logout() override;
   SummaryAnswer GetAccountSummary(std::int32_t account) const override;
-  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) override;
+  RequestCode UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) override;
   double EvaluateSLTPPrice(std::int32_t symbol_id, double at_price, std::string_view, double price,
                            double& value) const override;
   double SymbolLimitDistance(std::string_view symbol) const override;
@@ -48,10 +49,10 @@ class DealerClient final : public ClientAPI {
   double MinimumLot() const override;
   double MaximumLot() const override;
   BookEra Era() const override;
-  std::int32_t AskRequest(RequestId id, BookEra era) override;
-  std::int32_t AskExecutions(TimePoint since) override;
-  std::int32_t DeleteEntryOrder(std::int64_t order, RequestId id) override;
-  std::int32_t DeleteSLTPOrder(std::int64_t order, RequestId id) override;
+  RequestCode AskRequest(RequestId id, BookEra era) override;
+  RequestCode AskExecutions(TimePoint since) override;
+  RequestCode DeleteEntryOrder(std::int64_t order, RequestId id) override;
+  RequestCode DeleteSLTPOrder(std::int64_t order, RequestId id) override;
 
  private:
   // Place in the market of a symbol that the account carries.
@@ -59,8 +60,8 @@ class DealerClient final : public ClientAPI {
   std::optional<std::size_t> carried(std::string_view symbol) const;
 
   // invalid_account when nobody is logged in.
-  std::int32_t send(const Instruction& wanted);
-  std::int32_t answer_requote(std::int64_t order, bool accept, RequestId id);
+  RequestCode send(const Instruction& wanted);
+  RequestCode answer_requote(std::int64_t order, bool accept, RequestId id);
   // Account of the logged-in user; nullptr when he does not own the number.
   const TradingAccount* own(std::int32_t number) const;
 

@@ -199,22 +199,22 @@ std::unique_ptr<DealerSession> DealingServer::make_session() {
   return std::make_unique<DealerSession>(queue_, market_, faults_);
 }
 
-std::int32_t DealingServer::send(TradingAccount& account, const Instruction& wanted) {
+RequestCode DealingServer::send(TradingAccount& account, const Instruction& wanted) {
   return front_.send(account, wanted, now());
 }
 
-std::int32_t DealingServer::answer_requote(TradingAccount& account, std::int64_t order, bool accept,
-                                           RequestId id) {
+RequestCode DealingServer::answer_requote(TradingAccount& account, std::int64_t order, bool accept,
+                                          RequestId id) {
   return front_.answer_requote(account, order, accept, id, now());
 }
 
-std::int32_t DealingServer::ask_request(TradingAccount& account, RequestId id, BookEra era) {
+RequestCode DealingServer::ask_request(TradingAccount& account, RequestId id, BookEra era) {
   if (book_.failure() || id <= 0) return request::silent;
   front_.ask(account, id, era == book_.era());
   return request::taken;
 }
 
-std::int32_t DealingServer::ask_executions(TradingAccount& account, TimePoint since) {
+RequestCode DealingServer::ask_executions(TradingAccount& account, TimePoint since) {
   if (book_.failure()) return request::silent;
   front_.ask_fills(account, since);
   return request::taken;

@@ -30,6 +30,7 @@
 #include "dealer/trading/trigger_desk.h"
 #include "pricing/rate_table.h"
 #include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -94,12 +95,11 @@ class DealingServer final : public EventSource, private ServerGate {
   void login(DealerSession& session, const LoginData& data) override;
   void logout(DealerSession& session) override;
   const TradingAccount* owned_account(std::string_view user, std::int32_t number) const override;
-  std::int32_t send(TradingAccount& account, const Instruction& wanted) override;
-  std::int32_t answer_requote(TradingAccount& account, std::int64_t order, bool accept,
-                              RequestId id) override;
+  RequestCode send(TradingAccount& account, const Instruction& wanted) override;
+  RequestCode answer_requote(TradingAccount& account, std::int64_t order, bool accept, RequestId id) override;
   BookEra era() const override { return book_.era(); }
-  std::int32_t ask_request(TradingAccount& account, RequestId id, BookEra era) override;
-  std::int32_t ask_executions(TradingAccount& account, TimePoint since) override;
+  RequestCode ask_request(TradingAccount& account, RequestId id, BookEra era) override;
+  RequestCode ask_executions(TradingAccount& account, TimePoint since) override;
   double smallest_lot() const override { return config_.min_lot; }
   double largest_lot() const override { return config_.max_lot; }
 

@@ -10,6 +10,7 @@
 #include "dealer/trading/answer_news.h"
 #include "dealer/trading/told_news.h"
 #include "sessions/contract/account_summary.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/pending_order.h"
 #include "sessions/contract/requote.h"
@@ -30,7 +31,7 @@ enum class Signal : std::uint8_t {
   symbols_loaded,
 };
 struct WaitingNews {
-  std::int32_t mode = 0;
+  ConnectionMode mode{};
 };
 struct ConnectionNews {
   bool connected = false;

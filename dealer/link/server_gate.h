@@ -7,6 +7,7 @@
 #include "dealer/link/dealer_session.h"
 #include "dealer/trading/instruction.h"
 #include "dealer/trading/trading_account.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/login_data.h"
 
 namespace tutti {
@@ -24,14 +25,14 @@ class ServerGate {
   virtual const TradingAccount* owned_account(std::string_view user, std::int32_t number) const = 0;
 
   // The two answer a request code at once.
-  virtual std::int32_t send(TradingAccount& account, const Instruction& wanted) = 0;
-  virtual std::int32_t answer_requote(TradingAccount& account, std::int64_t order, bool accept,
-                                      RequestId id) = 0;
+  virtual RequestCode send(TradingAccount& account, const Instruction& wanted) = 0;
+  virtual RequestCode answer_requote(TradingAccount& account, std::int64_t order, bool accept,
+                                     RequestId id) = 0;
 
   // As AccountClient has them.
   virtual BookEra era() const = 0;
-  virtual std::int32_t ask_request(TradingAccount& account, RequestId id, BookEra era) = 0;
-  virtual std::int32_t ask_executions(TradingAccount& account, TimePoint since) = 0;
+  virtual RequestCode ask_request(TradingAccount& account, RequestId id, BookEra era) = 0;
+  virtual RequestCode ask_executions(TradingAccount& account, TimePoint since) = 0;
 
   // Of one order, in lots.
   virtual double smallest_lot() const = 0;

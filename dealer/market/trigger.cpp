@@ -12,20 +12,20 @@ constexpr double slack = 1e-9;
 
 Trigger trigger_of(const PendingOrder& order) {
   Trigger trigger;
-  const bool buys = order.operation > 0;
-  trigger.ask = buys;
+  const bool bought = buys(order.operation);
+  trigger.ask = bought;
   const auto at_or_below = [&](double price) { trigger.below = price + slack; };
   const auto at_or_above = [&](double price) { trigger.above = price - slack; };
   if (order.kind == "LO") {
     const bool limit = order.operation == operation::buy || order.operation == operation::sell;
-    if (buys == limit)
+    if (bought == limit)
       at_or_below(order.price);
     else
       at_or_above(order.price);
   } else if (order.kind == "ST") {
     // Buying closes what was sold, whose loss lies above.
-    const double low = buys ? order.take_profit : order.stop_loss;
-    const double high = buys ? order.stop_loss : order.take_profit;
+    const double low = bought ? order.take_profit : order.stop_loss;
+    const double high = bought ? order.stop_loss : order.take_profit;
     if (low > 0.0) at_or_below(low);
     if (high > 0.0) at_or_above(high);
   }

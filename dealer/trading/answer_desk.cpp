@@ -33,7 +33,7 @@ AnswerNews::Event answer_to(const TradeRequest& request, bool succeeded) {
   return Answer::order;
 }
 
-OrderReport report_on(const TradeRequest& request, std::int32_t result, double price, TimePoint at) {
+OrderReport report_on(const TradeRequest& request, ResultCode result, double price, TimePoint at) {
   OrderReport report;
   report.number = request.known_as();
   report.account = request.account;

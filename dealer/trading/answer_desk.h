@@ -10,12 +10,13 @@
 #include "dealer/trading/mishap.h"
 #include "dealer/trading/trade_request.h"
 #include "dealer/trading/trading_account.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
 // The event that ends a request, or makes it pending.
 AnswerNews::Event answer_to(const TradeRequest& request, bool succeeded);
-OrderReport report_on(const TradeRequest& request, std::int32_t result, double price, TimePoint at);
+OrderReport report_on(const TradeRequest& request, ResultCode result, double price, TimePoint at);
 
 // Hands answers to the listener of an account, as the fault script will have it: never,
 // twice, or late.

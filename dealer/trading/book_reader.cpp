@@ -225,7 +225,8 @@ void BookReader::read_position(const toml::table& table) {
   for (const char* key : {"ticket", "open_price", "open_time_ms"})
     reader.require(key);
   read_order(reader, position.account, position.side, position.symbol, position.amount);
-  if (std::abs(position.side) != operation::buy) reader.complain("side", "must be \"buy\" or \"sell\"");
+  if (position.side != operation::buy && position.side != operation::sell)
+    reader.complain("side", "must be \"buy\" or \"sell\"");
   reader.integer("ticket", position.ticket, 1, largest);
   reader.number("open_price", position.open_price, 0.0, highest_price);
   reader.number("commission", position.commission, -most_money, most_money);
@@ -277,8 +278,8 @@ void BookReader::read_request(const toml::table& table) {
 }
 
 // The four values that positions, orders and requests have in common.
-void BookReader::read_order(TableReader& reader, std::int32_t& account, std::int32_t& side,
-                            std::string& symbol, double& amount) {
+void BookReader::read_order(TableReader& reader, std::int32_t& account, Operation& side, std::string& symbol,
+                            double& amount) {
   for (const char* key : {"account", "side", "symbol", "amount"})
     reader.require(key);
   reader.integer("account", account, 1, largest_account);
@@ -297,7 +298,7 @@ void BookReader::check_waiting(TableReader& reader, const PendingOrder& order) {
   for (const OpenPosition& position : account(order.account).positions) {
     if (position.ticket != order.reference) continue;
     if (position.symbol != order.symbol) reader.complain("symbol", "is not that of the position");
-    if ((position.side > 0) == (order.operation > 0)) reader.complain("side", "does not close the position");
+    if (buys(position.side) == buys(order.operation)) reader.complain("side", "does not close the position");
   }
 }
 

@@ -60,7 +60,7 @@ class BookReader {
   void read_request(const toml::table& table);
   void read_era(TableReader& reader);
   void read_history_texts(TableReader& reader);
-  void read_order(TableReader& reader, std::int32_t& account, std::int32_t& side, std::string& symbol,
+  void read_order(TableReader& reader, std::int32_t& account, Operation& side, std::string& symbol,
                   double& amount);
   void check_waiting(TableReader& reader, const PendingOrder& order);
   // False with a fault when the number can't be given to this; else notes that it is.

@@ -18,7 +18,7 @@ std::int64_t milliseconds(TimePoint time) {
 }
 
 // No name of a symbol has a character that needs more than the quotes.
-std::string order_fields(std::int32_t account, std::int32_t side, const std::string& symbol, double amount) {
+std::string order_fields(std::int32_t account, Operation side, const std::string& symbol, double amount) {
   return fmt::format("account = {}, side = \"{}\", symbol = \"{}\", amount = {}", account,
                      word_of(side_words, side), symbol, amount);
 }

@@ -32,10 +32,10 @@ void add(Mishap& mishap, const FaultConfig& fault) {
       mishap.unknown_ticket = true;
       break;
     case FaultKind::refuse:
-      mishap.refuse = fault.code;
+      mishap.refuse = RequestCode{fault.code};
       break;
     case FaultKind::reject:
-      mishap.reject = fault.code;
+      mishap.reject = ResultCode{fault.code};
       break;
     case FaultKind::pending:
       mishap.pending = fault.wait;

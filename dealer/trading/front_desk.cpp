@@ -6,7 +6,7 @@
 
 namespace tutti {
 
-std::int32_t FrontDesk::send(TradingAccount& account, const Instruction& wanted, TimePoint now) {
+RequestCode FrontDesk::send(TradingAccount& account, const Instruction& wanted, TimePoint now) {
   if (wanted.id <= 0) return desk_.send(account, wanted, now);
   const StopPrices& stops = wanted.stops;
   const std::string digest = checksum(fmt::format(
@@ -18,8 +18,8 @@ std::int32_t FrontDesk::send(TradingAccount& account, const Instruction& wanted,
               [&] { return desk_.send(account, wanted, now); });
 }
 
-std::int32_t FrontDesk::answer_requote(TradingAccount& account, std::int64_t order, bool accept, RequestId id,
-                                       TimePoint now) {
+RequestCode FrontDesk::answer_requote(TradingAccount& account, std::int64_t order, bool accept, RequestId id,
+                                      TimePoint now) {
   const auto answer = [&] { return desk_.answer_requote(account, order, accept, now); };
   if (id <= 0) return answer();
   const std::string digest =
@@ -27,19 +27,19 @@ std::int32_t FrontDesk::answer_requote(TradingAccount& account, std::int64_t ord
   return once(account, id, digest, RequestState::executed, answer);
 }
 
-std::int32_t FrontDesk::once(TradingAccount& account, RequestId id, const std::string& digest,
-                             RequestState taken, const std::function<std::int32_t()>& act) {
+RequestCode FrontDesk::once(TradingAccount& account, RequestId id, const std::string& digest,
+                            RequestState taken, const std::function<RequestCode()>& act) {
   const std::int32_t number = account.config().number;
   if (const RequestRecord* known = history_.find(number, id)) return repeat(account, *known, digest);
   history_.add({.id = id, .account = number, .digest = digest});
-  const std::int32_t code = act();
+  const RequestCode code = act();
   history_.set_code(number, id, code);
   history_.set_state(number, id, code == request::taken ? taken : RequestState::refused);
   return code;
 }
 
-std::int32_t FrontDesk::repeat(const TradingAccount& account, const RequestRecord& known,
-                               const std::string& digest) {
+RequestCode FrontDesk::repeat(const TradingAccount& account, const RequestRecord& known,
+                              const std::string& digest) {
   if (known.digest.empty()) return request::id_burnt;
   if (known.digest != digest) return request::other_request;
   AccountListener* listener = account.listener();

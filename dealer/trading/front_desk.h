@@ -9,6 +9,7 @@
 #include "dealer/trading/instruction.h"
 #include "dealer/trading/order_desk.h"
 #include "dealer/trading/request_history.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -21,9 +22,9 @@ class FrontDesk {
       : market_(market), desk_(desk), history_(history) {}
 
   // The two answer a request code.
-  std::int32_t send(TradingAccount& account, const Instruction& wanted, TimePoint now);
-  std::int32_t answer_requote(TradingAccount& account, std::int64_t order, bool accept, RequestId id,
-                              TimePoint now);
+  RequestCode send(TradingAccount& account, const Instruction& wanted, TimePoint now);
+  RequestCode answer_requote(TradingAccount& account, std::int64_t order, bool accept, RequestId id,
+                             TimePoint now);
 
   // Tells the account's listener what became of a request that was sent to the server's present book, or to
   // another. One that is not known, and was sent to this book, has not come and is refused should it still
@@ -33,10 +34,10 @@ class FrontDesk {
   void ask_fills(const TradingAccount& account, TimePoint since) const;
 
  private:
-  std::int32_t once(TradingAccount& account, RequestId id, const std::string& digest, RequestState taken,
-                    const std::function<std::int32_t()>& act);
-  static std::int32_t repeat(const TradingAccount& account, const RequestRecord& known,
-                             const std::string& digest);
+  RequestCode once(TradingAccount& account, RequestId id, const std::string& digest, RequestState taken,
+                   const std::function<RequestCode()>& act);
+  static RequestCode repeat(const TradingAccount& account, const RequestRecord& known,
+                            const std::string& digest);
 
   const Market& market_;
   OrderDesk& desk_;

@@ -25,6 +25,11 @@ class Fields {
     if constexpr (std::is_floating_point_v<Number>)
       if (!std::isfinite(value)) good_ = false;
   }
+  void take(ContractCode auto& value) {
+    std::int32_t number = 0;
+    take(number);
+    value = std::remove_cvref_t<decltype(value)>{number};
+  }
   void take(std::string& value) { value = next(); }
   void take(TimePoint& value) {
     std::int64_t milliseconds = 0;

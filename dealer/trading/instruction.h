@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "dealer/trading/trade_request.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/entry_order.h"
 #include "sessions/contract/request_id.h"
 
@@ -15,7 +16,7 @@ struct Instruction {
   TradeKind kind = TradeKind::open;
   RequestId id = 0;
   std::int64_t reference = 0;  // ticket or order that it is about; 0 for a new order
-  std::int32_t side = 0;       // of a new order
+  Operation side{};            // of a new order
   EntryKind entry = EntryKind::limit;
   // Of a new order; nothing when the account does not carry it.
   std::optional<std::size_t> symbol = std::nullopt;

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "sessions/contract/codes.h"
+
 namespace tutti {
 
 // What the fault script does to one login or order.
@@ -14,8 +16,8 @@ struct Mishap {
   bool swallow = false;
   bool twice = false;
   bool unknown_ticket = false;
-  std::int32_t refuse = 0;  // request code; 0: as it deserves
-  std::int32_t reject = 0;  // result code; 0: as it deserves
+  RequestCode refuse{};  // none: as it deserves
+  ResultCode reject{};   // none: as it deserves
   std::chrono::milliseconds delay{0};
   std::chrono::milliseconds late{0};
   std::optional<std::chrono::milliseconds> pending;

@@ -78,12 +78,12 @@ OrderDesk::OrderDesk(const DealerConfig& config, const Market& market, FaultScri
       rules_(config, market),
       execution_(market) {}
 
-std::int32_t OrderDesk::send(TradingAccount& account, const Instruction& wanted, TimePoint now) {
+RequestCode OrderDesk::send(TradingAccount& account, const Instruction& wanted, TimePoint now) {
   TradeRequest request = make_request(account, market_, wanted);
-  std::int32_t code = rules_.admit(account, wanted);
+  RequestCode code = rules_.admit(account, wanted);
   const Mishap mishap =
       shut_ ? Mishap{} : faults_.strike(account.config().number, point_of(wanted.kind), now);
-  if (mishap.refuse != 0) code = mishap.refuse;
+  if (mishap.refuse != RequestCode::none) code = mishap.refuse;
   if (shut_) code = request::silent;
   if (code != request::taken) {
     log(request, {.request = code}, now);
@@ -156,7 +156,7 @@ void OrderDesk::run(TimePoint at) {
         finish(flight, verdict(flight), at);
         break;
       case Stage::rejected:
-        finish(flight, 0, at);
+        finish(flight, ResultCode::none, at);
         break;
     }
   }
@@ -172,15 +172,15 @@ double OrderDesk::price(const TradeRequest& request) const {
   return request.price > 0.0 ? request.price : rules_.price(request);
 }
 
-std::int32_t OrderDesk::verdict(const Flight& flight) const {
+ResultCode OrderDesk::verdict(const Flight& flight) const {
   const auto configured = TradeRules::configured_result(*flight.account, flight.request.kind);
-  if (configured != 0) return configured;
+  if (configured != ResultCode::none) return configured;
   return rules_.judge(*flight.account, flight.request, price(flight.request));
 }
 
 void OrderDesk::arrive(Flight flight, TimePoint at) {
   const TradeRequest& request = flight.request;
-  if (flight.mishap.reject != 0) return finish(flight, flight.mishap.reject, at);
+  if (flight.mishap.reject != ResultCode::none) return finish(flight, flight.mishap.reject, at);
   if (is_market(request.kind)) {
     const auto wait = flight.mishap.pending.value_or(rules_.dealing_time(*flight.account, request));
     if (wait.count() > 0 || flight.mishap.requote_seconds > 0) {
@@ -206,7 +206,7 @@ void OrderDesk::enter_dealing(Flight flight, std::chrono::milliseconds wait, Tim
 }
 
 // A `result` of 0 is a rejection without a reason of the server's own.
-void OrderDesk::finish(const Flight& flight, std::int32_t result, TimePoint at) {
+void OrderDesk::finish(const Flight& flight, ResultCode result, TimePoint at) {
   const TradeRequest& request = flight.request;
   TradingAccount& account = *flight.account;
   const bool done = result == result::succeeded;

@@ -17,6 +17,7 @@
 #include "dealer/trading/trade_request.h"
 #include "dealer/trading/trade_rules.h"
 #include "dealer/trading/trading_account.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -32,9 +33,9 @@ class OrderDesk {
             AnswerDesk& answers);
 
   // Refuses an instruction or sends it on its way; the request code.
-  std::int32_t send(TradingAccount& account, const Instruction& wanted, TimePoint now);
+  RequestCode send(TradingAccount& account, const Instruction& wanted, TimePoint now);
   // `order` as in OrderTimer.
-  std::int32_t answer_requote(TradingAccount& account, std::int64_t order, bool accept, TimePoint now);
+  RequestCode answer_requote(TradingAccount& account, std::int64_t order, bool accept, TimePoint now);
 
   std::optional<TimePoint> next_due() const;
   // Does what is due at `at` or before.
@@ -71,7 +72,7 @@ class OrderDesk {
   // The price agreed on, or else the market's.
   double price(const TradeRequest& request) const;
   // The dealer's last word.
-  std::int32_t verdict(const Flight& flight) const;
+  ResultCode verdict(const Flight& flight) const;
 
   // Stations of a request.
   void arrive(Flight flight, TimePoint at);
@@ -79,9 +80,9 @@ class OrderDesk {
   void deal(Flight flight, TimePoint at);
   void tick(Flight flight, TimePoint at);
   Flights::iterator find_requote(const TradingAccount& account, std::int64_t order);
-  std::int32_t no_requote(const TradingAccount& account, std::int64_t order) const;
+  RequestCode no_requote(const TradingAccount& account, std::int64_t order) const;
   void leave_dealing(Flights::iterator at, TradeRequest::Stage stage, TimePoint now);
-  void finish(const Flight& flight, std::int32_t result, TimePoint at);
+  void finish(const Flight& flight, ResultCode result, TimePoint at);
 
   const DealerConfig& config_;
   const Market& market_;

@@ -25,7 +25,7 @@ void OrderDesk::deal(Flight flight, TimePoint at) {
     return tick(std::move(flight), at);
   }
   if (!flight.requoted) return finish(flight, verdict(flight), at);
-  if (flight.seconds_left == 0) return finish(flight, 0, at);
+  if (flight.seconds_left == 0) return finish(flight, ResultCode::none, at);
   --flight.seconds_left;
   tick(std::move(flight), at);
 }
@@ -57,8 +57,8 @@ OrderDesk::Flights::iterator OrderDesk::find_requote(const TradingAccount& accou
   });
 }
 
-std::int32_t OrderDesk::answer_requote(TradingAccount& account, std::int64_t order, bool accept,
-                                       TimePoint now) {
+RequestCode OrderDesk::answer_requote(TradingAccount& account, std::int64_t order, bool accept,
+                                      TimePoint now) {
   if (shut_) return request::silent;
   const auto at = find_requote(account, order);
   if (at == flights_.end()) return no_requote(account, order);
@@ -69,7 +69,7 @@ std::int32_t OrderDesk::answer_requote(TradingAccount& account, std::int64_t ord
 }
 
 // The last thing that happened to the number says whether there was a requote that ran out.
-std::int32_t OrderDesk::no_requote(const TradingAccount& account, std::int64_t order) const {
+RequestCode OrderDesk::no_requote(const TradingAccount& account, std::int64_t order) const {
   const auto& outcomes = recorder_.outcomes();
   const auto last = std::find_if(outcomes.rbegin(), outcomes.rend(), [&](const Outcome& outcome) {
     return outcome.number == order && outcome.account == account.config().number;

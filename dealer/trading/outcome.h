@@ -4,6 +4,7 @@
 
 #include "core/clock.h"
 #include "dealer/trading/trade_request.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -17,9 +18,9 @@ struct Outcome {
   // As the client knows it: order number, ticket of a close, order of a change or cancellation; of stops the
   // SL/TP order that the answer names, or the ticket when there is no answer. 0 for a refused new order.
   std::int64_t number = 0;
-  std::int32_t request = 0;  // request:: code; above 1 the request was never taken
+  RequestCode request{};  // above `taken` the request was never taken
   // result:: code; 0 when refused, swallowed, or rejected by the operator or by time.
-  std::int32_t result = 0;
+  ResultCode result{};
   bool updated = false;  // of stops: an SL/TP order was there already, UpdateSLTPOrderResult is the answer
   bool set_off = false;  // by a price, not a request; a result above 1 has cancelled the order
   bool dealt = false;    // was pending first

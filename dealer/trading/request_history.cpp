@@ -56,7 +56,7 @@ void RequestHistory::forget(std::int32_t account, RequestId id) {
   unstored_.erase({account, id});
 }
 
-void RequestHistory::set_code(std::int32_t account, RequestId id, std::int32_t code) {
+void RequestHistory::set_code(std::int32_t account, RequestId id, RequestCode code) {
   if (RequestRecord* record = change(account, id)) record->code = code;
 }
 

@@ -10,6 +10,7 @@
 #include "core/clock.h"
 #include "dealer/trading/book_state.h"
 #include "dealer/trading/history_state.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -30,7 +31,7 @@ class RequestHistory {
   // It got lost, and was never here.
   void forget(std::int32_t account, RequestId id);
   // What follows does nothing for requests that are not known.
-  void set_code(std::int32_t account, RequestId id, std::int32_t code);
+  void set_code(std::int32_t account, RequestId id, RequestCode code);
   void set_state(std::int32_t account, RequestId id, RequestState state);
   void answer(const AnswerNews& answer, RequestState state);
   // The entry order has gone without an event of its own.

@@ -17,7 +17,7 @@ struct RequestRecord {
   std::int32_t account = 0;
   // Of all that was asked for; empty: the id was asked about before it came, and is burnt.
   std::string digest{};
-  std::int32_t code = request::taken;  // answered at once
+  RequestCode code = request::taken;  // answered at once
   RequestState state = RequestState::waiting;
   std::optional<AnswerNews> answer{};  // its last result event; nothing while it has none
 

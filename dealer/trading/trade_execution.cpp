@@ -74,7 +74,7 @@ void TradeExecution::set_stops(const TradeRequest& request, TradingAccount& acco
     order.order = request.number;
     order.kind = "ST";
     order.reference = position.ticket;
-    order.operation = -position.side;  // what it does when its time comes
+    order.operation = opposite(position.side);  // what it does when its time comes
     order.symbol = position.symbol;
     order.amount = position.amount;
     order.price = position.open_price;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/clock.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/request_id.h"
 
 namespace tutti {
@@ -35,7 +36,7 @@ struct TradeRequest {
   RequestId id = 0;  // that it came with; 0: none
   TradeKind kind = TradeKind::open;
   std::int64_t reference = 0;  // position to close or to set stops of, order to change or cancel; else 0
-  std::int32_t operation = 0;  // operation:: code of the order, or of the position or order it refers to
+  Operation operation{};       // operation:: code of the order, or of the position or order it refers to
   std::string symbol;
   double amount = 0.0;     // lots
   double price = 0.0;      // of an entry order; agreed on, once a market request is in dealing; else 0

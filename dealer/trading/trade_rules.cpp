@@ -15,7 +15,7 @@ constexpr double tolerance = 1e-9;
 
 // A stop loss below and a take profit above the price of a bought order; the other way round for a sold one.
 bool fits(const Instruction& order) {
-  const double side = order.side;
+  const double side = sign(order.side);
   const auto away = [&](bool given, double price, double direction) {
     return !given || (bounds::is_price(price) && (price - order.price) * side * direction > 0.0);
   };
@@ -23,13 +23,13 @@ bool fits(const Instruction& order) {
          away(order.stops.has_take_profit, order.stops.take_profit, 1.0);
 }
 
-bool is_side(std::int32_t side) {
+bool is_side(Operation side) {
   return side == operation::buy || side == operation::sell;
 }
 
 }  // namespace
 
-std::int32_t TradeRules::admit(const TradingAccount& account, const Instruction& wanted) const {
+RequestCode TradeRules::admit(const TradingAccount& account, const Instruction& wanted) const {
   const AccountConfig& config = account.config();
   if (wanted.kind == TradeKind::open && config.reply_request > request::taken) return config.reply_request;
   if (wanted.kind == TradeKind::close && config.reply_close_request > request::taken)
@@ -54,13 +54,13 @@ std::int32_t TradeRules::admit(const TradingAccount& account, const Instruction&
   return account.find_order(wanted.reference, kind) != nullptr ? request::taken : request::invalid_order_id;
 }
 
-std::int32_t TradeRules::admit_open(const TradingAccount& account, const Instruction& wanted) const {
+RequestCode TradeRules::admit_open(const TradingAccount& account, const Instruction& wanted) const {
   if (!is_side(wanted.side)) return request::silent;
   if (!orderable(wanted.amount)) return request::invalid_lots;
   return wanted.symbol && priced(account, *wanted.symbol) ? request::taken : request::invalid_price;
 }
 
-std::int32_t TradeRules::admit_close(const TradingAccount& account, const Instruction& wanted) const {
+RequestCode TradeRules::admit_close(const TradingAccount& account, const Instruction& wanted) const {
   const TradingAccount::Position* position = account.find_position(wanted.reference);
   if (position == nullptr) return request::invalid_ticket;
   const bool within =
@@ -68,19 +68,19 @@ std::int32_t TradeRules::admit_close(const TradingAccount& account, const Instru
   return within ? request::taken : request::invalid_lots;
 }
 
-std::int32_t TradeRules::admit_entry(const TradingAccount& account, const Instruction& wanted) const {
+RequestCode TradeRules::admit_entry(const TradingAccount& account, const Instruction& wanted) const {
   if (!is_side(wanted.side)) return request::silent;
   if (!orderable(wanted.amount)) return request::invalid_lots;
   return wanted.symbol && well_priced(account, wanted, *wanted.symbol) ? request::taken
                                                                        : request::invalid_price;
 }
 
-std::int32_t TradeRules::admit_update(const TradingAccount& account, const Instruction& wanted) const {
+RequestCode TradeRules::admit_update(const TradingAccount& account, const Instruction& wanted) const {
   const PendingOrder* found = account.find_order(wanted.reference, "LO");
   if (found == nullptr) return request::invalid_order_id;
   const bool limit = found->operation == operation::buy || found->operation == operation::sell;
   Instruction changed = wanted;
-  changed.side = found->operation > 0 ? operation::buy : operation::sell;
+  changed.side = buys(found->operation) ? operation::buy : operation::sell;
   changed.entry = limit ? EntryKind::limit : EntryKind::stop;
   return well_priced(account, changed, *market_.find(found->symbol)) ? request::taken
                                                                      : request::invalid_price;
@@ -93,18 +93,18 @@ bool TradeRules::well_priced(const TradingAccount& account, const Instruction& o
   // A buy limit and a sell stop lie below the market, the other two above it.
   const bool limit = order.entry == EntryKind::limit;
   const double market = order.side == operation::buy ? quote.ask : quote.bid;
-  const double gap = (order.price - market) * (limit ? -order.side : order.side);
+  const double gap = (order.price - market) * sign(limit ? opposite(order.side) : order.side);
   const double points = limit ? account.limit_distance(symbol) : account.stop_distance(symbol);
   return gap >= scaled(symbol, points) - tolerance;
 }
 
-std::int32_t TradeRules::admit_stops(const TradingAccount& account, const Instruction& wanted) const {
+RequestCode TradeRules::admit_stops(const TradingAccount& account, const Instruction& wanted) const {
   const TradingAccount::Position* position = account.find_position(wanted.reference);
   if (position == nullptr) return request::invalid_ticket;
   const std::size_t symbol = position->symbol;
   const Quote& quote = market_.quote(symbol);
   if (!quote.known()) return request::invalid_price;
-  const double side = position->record.side;
+  const double side = sign(position->record.side);
   const double market = side > 0.0 ? quote.bid : quote.ask;
   const auto far = [&](bool given, double price, double direction, double points) {
     if (!given) return true;
@@ -117,8 +117,7 @@ std::int32_t TradeRules::admit_stops(const TradingAccount& account, const Instru
   return fit ? request::taken : request::invalid_price;
 }
 
-std::int32_t TradeRules::judge(const TradingAccount& account, const TradeRequest& request,
-                               double price) const {
+ResultCode TradeRules::judge(const TradingAccount& account, const TradeRequest& request, double price) const {
   switch (request.kind) {
     case TradeKind::open:
       return judge_open(account, request, price);
@@ -140,20 +139,20 @@ std::int32_t TradeRules::judge(const TradingAccount& account, const TradeRequest
   return account.find_order(request.reference, kind) != nullptr ? result::succeeded : result::order_not_found;
 }
 
-std::int32_t TradeRules::judge_update(const TradingAccount& account, const TradeRequest& request) const {
+ResultCode TradeRules::judge_update(const TradingAccount& account, const TradeRequest& request) const {
   if (account.find_order(request.reference, "LO") == nullptr) return result::order_not_found;
   return judge_symbol(account, place(request));
 }
 
-std::int32_t TradeRules::judge_stops(const TradingAccount& account, const TradeRequest& request) const {
+ResultCode TradeRules::judge_stops(const TradingAccount& account, const TradeRequest& request) const {
   if (account.find_position(request.reference) == nullptr) return result::position_closed;
   const bool none = request.stop_loss == 0.0 && request.take_profit == 0.0;
   if (none && account.stops_of(request.reference) == nullptr) return result::order_not_found;
   return judge_symbol(account, place(request));
 }
 
-std::int32_t TradeRules::judge_open(const TradingAccount& account, const TradeRequest& request,
-                                    double price) const {
+ResultCode TradeRules::judge_open(const TradingAccount& account, const TradeRequest& request,
+                                  double price) const {
   const std::size_t symbol = place(request);
   if (const auto code = judge_symbol(account, symbol); code != result::succeeded) return code;
   if (!account.config().hedging && account.opposed(symbol, request.operation))
@@ -164,7 +163,7 @@ std::int32_t TradeRules::judge_open(const TradingAccount& account, const TradeRe
              : result::succeeded;
 }
 
-std::int32_t TradeRules::judge_close(const TradingAccount& account, const TradeRequest& request) const {
+ResultCode TradeRules::judge_close(const TradingAccount& account, const TradeRequest& request) const {
   const TradingAccount::Position* position = account.find_position(request.reference);
   if (position == nullptr) return result::position_closed;
   // While one close of a position is in dealing, another can't be.
@@ -176,7 +175,7 @@ std::int32_t TradeRules::judge_close(const TradingAccount& account, const TradeR
   return fits ? result::succeeded : result::invalid_amount;
 }
 
-std::int32_t TradeRules::judge_symbol(const TradingAccount& account, std::size_t symbol) const {
+ResultCode TradeRules::judge_symbol(const TradingAccount& account, std::size_t symbol) const {
   switch (market_.symbol(symbol).trading) {
     case Trading::closed:
       return result::trading_closed;
@@ -194,27 +193,27 @@ bool TradeRules::lacks_price(const TradingAccount& account, const TradeRequest& 
   return !cancels && request.stage != TradeRequest::Stage::rejected && !priced(account, place(request));
 }
 
-std::int32_t TradeRules::configured_result(const TradingAccount& account, TradeKind kind) {
+ResultCode TradeRules::configured_result(const TradingAccount& account, TradeKind kind) {
   const AccountConfig& config = account.config();
   if (kind == TradeKind::open && config.reply_result > result::succeeded) return config.reply_result;
   if (kind == TradeKind::close && config.reply_close_result > result::succeeded)
     return config.reply_close_result;
-  return 0;
+  return ResultCode::none;
 }
 
-bool TradeRules::buys(const TradeRequest& request) {
+bool TradeRules::buys_in_market(const TradeRequest& request) {
   return (request.kind == TradeKind::close) != (request.operation == operation::buy);
 }
 
 double TradeRules::price(const TradeRequest& request) const {
   const Quote& quote = market_.quote(place(request));
-  return buys(request) ? quote.ask : quote.bid;
+  return buys_in_market(request) ? quote.ask : quote.bid;
 }
 
 double TradeRules::worse_price(const TradeRequest& request, double price, double points) const {
   const std::int32_t digits = market_.symbol(place(request)).digits;
   const double point = std::pow(10.0, -digits);
-  const double worse = round_half_even(price + (buys(request) ? points : -points) * point, digits);
+  const double worse = round_half_even(price + (buys_in_market(request) ? points : -points) * point, digits);
   return std::clamp(worse, point, bounds::highest_price);
 }
 

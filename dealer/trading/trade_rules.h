@@ -9,6 +9,7 @@
 #include "dealer/trading/instruction.h"
 #include "dealer/trading/trade_request.h"
 #include "dealer/trading/trading_account.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -19,12 +20,12 @@ class TradeRules {
   TradeRules(const DealerConfig& config, const Market& market) : config_(config), market_(market) {}
 
   // Request code, answered while the client calls.
-  std::int32_t admit(const TradingAccount& account, const Instruction& wanted) const;
+  RequestCode admit(const TradingAccount& account, const Instruction& wanted) const;
 
   // Result code of a request at the market as it is. Market orders and closes are judged at `price`.
-  std::int32_t judge(const TradingAccount& account, const TradeRequest& request, double price) const;
+  ResultCode judge(const TradingAccount& account, const TradeRequest& request, double price) const;
   // The result code an account is configured to end such a request with; 0 when none.
-  static std::int32_t configured_result(const TradingAccount& account, TradeKind kind);
+  static ResultCode configured_result(const TradingAccount& account, TradeKind kind);
 
   // Whether it can't be done only because its symbol, or a rate for it, has no price yet.
   bool lacks_price(const TradingAccount& account, const TradeRequest& request) const;
@@ -37,17 +38,17 @@ class TradeRules {
   std::chrono::milliseconds dealing_time(const TradingAccount& account, const TradeRequest& request) const;
 
  private:
-  std::int32_t admit_open(const TradingAccount& account, const Instruction& wanted) const;
-  std::int32_t admit_close(const TradingAccount& account, const Instruction& wanted) const;
-  std::int32_t admit_entry(const TradingAccount& account, const Instruction& wanted) const;
-  std::int32_t admit_update(const TradingAccount& account, const Instruction& wanted) const;
-  std::int32_t admit_stops(const TradingAccount& account, const Instruction& wanted) const;
-  std::int32_t judge_open(const TradingAccount& account, const TradeRequest& request, double price) const;
-  std::int32_t judge_close(const TradingAccount& account, const TradeRequest& request) const;
-  std::int32_t judge_update(const TradingAccount& account, const TradeRequest& request) const;
-  std::int32_t judge_stops(const TradingAccount& account, const TradeRequest& request) const;
+  RequestCode admit_open(const TradingAccount& account, const Instruction& wanted) const;
+  RequestCode admit_close(const TradingAccount& account, const Instruction& wanted) const;
+  RequestCode admit_entry(const TradingAccount& account, const Instruction& wanted) const;
+  RequestCode admit_update(const TradingAccount& account, const Instruction& wanted) const;
+  RequestCode admit_stops(const TradingAccount& account, const Instruction& wanted) const;
+  ResultCode judge_open(const TradingAccount& account, const TradeRequest& request, double price) const;
+  ResultCode judge_close(const TradingAccount& account, const TradeRequest& request) const;
+  ResultCode judge_update(const TradingAccount& account, const TradeRequest& request) const;
+  ResultCode judge_stops(const TradingAccount& account, const TradeRequest& request) const;
   // What the state of the symbol allows, whatever the order.
-  std::int32_t judge_symbol(const TradingAccount& account, std::size_t symbol) const;
+  ResultCode judge_symbol(const TradingAccount& account, std::size_t symbol) const;
   // Whether an entry order's prices are on their sides, and the order far enough from the market.
   bool well_priced(const TradingAccount& account, const Instruction& order, std::size_t symbol) const;
   double scaled(std::size_t symbol, double points) const;  // as a price difference
@@ -58,7 +59,7 @@ class TradeRules {
   bool tradable(double amount) const;   // not below the smallest lot, and a multiple of the step
   std::size_t place(const TradeRequest& request) const { return *market_.find(request.symbol); }
   // Whether a market order or close buys.
-  static bool buys(const TradeRequest& request);
+  static bool buys_in_market(const TradeRequest& request);
 
   const DealerConfig& config_;
   const Market& market_;

@@ -87,7 +87,7 @@ void TradingAccount::remove_order(std::int64_t order) {
   std::erase_if(orders_, [&](const PendingOrder& other) { return other.order == order; });
 }
 
-bool TradingAccount::opposed(std::size_t symbol, std::int32_t side) const {
+bool TradingAccount::opposed(std::size_t symbol, Operation side) const {
   return std::any_of(positions_.begin(), positions_.end(), [&](const Position& position) {
     return position.symbol == symbol && position.record.side != side;
   });
@@ -135,7 +135,7 @@ bool TradingAccount::revalue() {
   return changed;
 }
 
-double TradingAccount::free_margin_with(std::size_t symbol, std::int32_t side, double amount,
+double TradingAccount::free_margin_with(std::size_t symbol, Operation side, double amount,
                                         double price) const {
   const Quote& quote = market_.quote(symbol);
   const double closing = side == operation::buy ? quote.bid : quote.ask;
@@ -143,7 +143,7 @@ double TradingAccount::free_margin_with(std::size_t symbol, std::int32_t side, d
          commission(symbol, amount);
 }
 
-double TradingAccount::profit(std::size_t symbol, std::int32_t side, double amount, double from,
+double TradingAccount::profit(std::size_t symbol, Operation side, double amount, double from,
                               double to) const {
   return pricing::profit(side, amount, market_.symbol(symbol).contract_size, from, to,
                          rates_.profit(currency_, symbol));

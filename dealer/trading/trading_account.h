@@ -13,6 +13,7 @@
 #include "dealer/trading/book_state.h"
 #include "pricing/rate_table.h"
 #include "sessions/contract/account_summary.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/pending_order.h"
 
@@ -42,7 +43,7 @@ class TradingAccount {
   std::vector<Position>& positions() { return positions_; }
   Position* find_position(std::int64_t ticket);
   const Position* find_position(std::int64_t ticket) const;
-  bool opposed(std::size_t symbol, std::int32_t side) const;  // holds a position on the other side
+  bool opposed(std::size_t symbol, Operation side) const;  // holds a position on the other side
   // Points from the market that limits and take profits, and stops and stop losses, must keep at least.
   double limit_distance(std::size_t symbol) const;
   double stop_distance(std::size_t symbol) const;
@@ -64,9 +65,9 @@ class TradingAccount {
   bool revalue();
   // Free margin that is left once `amount` lots more are open at a price; what they lose at once, and their
   // commission, are taken off.
-  double free_margin_with(std::size_t symbol, std::int32_t side, double amount, double price) const;
+  double free_margin_with(std::size_t symbol, Operation side, double amount, double price) const;
   // Profit in account currency of `amount` lots between two prices.
-  double profit(std::size_t symbol, std::int32_t side, double amount, double from, double to) const;
+  double profit(std::size_t symbol, Operation side, double amount, double from, double to) const;
   // Whether every rate that margin and profit of the symbol need is known.
   bool rates_known(std::size_t symbol) const;
 

@@ -21,14 +21,14 @@ TradeRequest request_of(const PendingOrder& order, const TradingAccount::Positio
   }
   request.kind = TradeKind::open;
   request.number = order.order;
-  request.operation = order.operation > 0 ? operation::buy : operation::sell;
+  request.operation = buys(order.operation) ? operation::buy : operation::sell;
   request.amount = order.amount;
   request.stop_loss = order.stop_loss;
   request.take_profit = order.take_profit;
   return request;
 }
 
-Answer event_of(bool entry, std::int32_t code) {
+Answer event_of(bool entry, ResultCode code) {
   if (code == result::succeeded) return entry ? Answer::entry_done : Answer::stops_done;
   if (!entry) return Answer::stops_no_money;
   return code == result::hedging_not_allowed ? Answer::entry_no_hedging : Answer::entry_no_money;
@@ -81,17 +81,17 @@ void TriggerDesk::set_off(TradingAccount& account, std::int64_t number, TimePoin
   const TradingAccount::Position* position = entry ? nullptr : account.find_position(order.reference);
   // The order must close what it belongs to, and nothing else.
   const bool fits = position != nullptr && position->record.symbol == order.symbol &&
-                    (position->record.side > 0) != (order.operation > 0);
+                    buys(position->record.side) != buys(order.operation);
   if (!entry && !fits) return;
   account.revalue();
   const TradeRequest request = request_of(order, position);
   const double price = rules_.price(request);
-  std::int32_t code = rules_.judge(account, request, price);
+  ResultCode code = rules_.judge(account, request, price);
   const bool final = code == result::succeeded ||
                      (entry && (code == result::not_enough_money || code == result::hedging_not_allowed));
   if (!final) return;
   const Mishap mishap = faults_.strike(account.config().number, FaultPoint::trigger, at);
-  if (mishap.reject != 0) code = mishap.reject;
+  if (mishap.reject != ResultCode::none) code = mishap.reject;
   recorder_.note_change(account);
 
   OrderReport report;

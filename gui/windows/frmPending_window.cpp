@@ -22,8 +22,9 @@ const std::vector<std::size_t> numbers{Column::order_number, Column::account,   
                                        Column::price,        Column::stop_loss, Column::take_profit};
 
 Side side(const frmPending::Record* order, std::size_t column) {
-  const std::int32_t does = order != nullptr && column == Column::type ? frmPending::side(*order) : 0;
-  return does > 0 ? Side::buy : does < 0 ? Side::sell : Side::none;
+  const Operation does =
+      order != nullptr && column == Column::type ? frmPending::side(*order) : Operation::none;
+  return does == Operation::none ? Side::none : buys(does) ? Side::buy : Side::sell;
 }
 
 }  // namespace

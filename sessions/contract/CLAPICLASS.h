@@ -6,6 +6,7 @@
 
 #include "core/clock.h"
 #include "sessions/contract/account_summary.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/execution.h"
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/order_report.h"
@@ -30,10 +31,10 @@ class CLAPICLASS {
   // The initial data of a login (symbols, positions, orders, summary) are complete.
   virtual void AllDataAreLoaded() {}
   virtual void CloseOrderResult(const OrderReport&) {}
-  virtual void DeleteLimitOrderResult(std::int64_t /*order*/, std::int32_t /*result*/, RequestId = 0) {}
+  virtual void DeleteLimitOrderResult(std::int64_t /*order*/, ResultCode /*result*/, RequestId = 0) {}
   virtual void DeleteOpenPosition(const OpenPosition&) {}
   virtual void DeletePendingOrder(const PendingOrder&) {}
-  virtual void DeleteSLTPOrderResult(std::int64_t /*order*/, std::int32_t /*result*/, RequestId = 0) {}
+  virtual void DeleteSLTPOrderResult(std::int64_t /*order*/, ResultCode /*result*/, RequestId = 0) {}
   // The login was refused.
   virtual void InvalidUsernamePassword() {}
   // An entry order was executed.
@@ -43,12 +44,12 @@ class CLAPICLASS {
   // A market order or close that was pending is accepted (rejected).
   virtual void MarketOrderAccepted(const OrderReport&) {}
   virtual void MarketOrderRejected(const OrderReport&) {}
-  virtual void NewLimitOrderResult(std::int64_t /*order*/, std::int32_t /*result*/, RequestId = 0) {}
+  virtual void NewLimitOrderResult(std::int64_t /*order*/, ResultCode /*result*/, RequestId = 0) {}
   virtual void NewOpenPosition(const OpenPosition&) {}
   // Outcome of a market order: executed at once, taken into dealing (pending), or refused.
   virtual void NewOrderResult(const OrderReport&) {}
   virtual void NewPendingOrder(const PendingOrder&) {}
-  virtual void NewSLTPOrderResult(std::int64_t /*order*/, std::int32_t /*result*/, RequestId = 0) {}
+  virtual void NewSLTPOrderResult(std::int64_t /*order*/, ResultCode /*result*/, RequestId = 0) {}
   // Once a second while a requoted request waits for the operator.
   virtual void OrderTimer(const Requote&) {}
   virtual void PendingOrdersLoaded() {}
@@ -62,11 +63,10 @@ class CLAPICLASS {
   virtual void SymbolHighLowChanged(const Symbol&) {}
   virtual void SymbolPricesChanged(const Symbol&) {}
   virtual void SymbolsLoaded() {}
-  virtual void UpdateLimitOrderResult(std::int64_t /*order*/, std::int32_t /*result*/, RequestId = 0) {}
+  virtual void UpdateLimitOrderResult(std::int64_t /*order*/, ResultCode /*result*/, RequestId = 0) {}
   virtual void UpdateOpenPosition(const OpenPosition&) {}
-  virtual void UpdateSLTPOrderResult(std::int64_t /*order*/, std::int32_t /*result*/, RequestId = 0) {}
-  // waiting_mode:: code.
-  virtual void WaitingMode(std::int32_t /*mode*/) {}
+  virtual void UpdateSLTPOrderResult(std::int64_t /*order*/, ResultCode /*result*/, RequestId = 0) {}
+  virtual void WaitingMode(ConnectionMode /*mode*/) {}
   virtual void ConnectionState(bool /*connected*/) {}
   virtual void OpenPositionsLoaded() {}
   virtual void SummariesChanged(const AccountSummary&) {}

@@ -69,9 +69,9 @@ class AccountClient {
   virtual BookEra Era() const = 0;
   // What became of a request that was sent while the server had the book of `era`. Answers a request code;
   // RequestTold follows.
-  virtual std::int32_t AskRequest(RequestId id, BookEra era) = 0;
+  virtual RequestCode AskRequest(RequestId id, BookEra era) = 0;
   // The account's fills since a moment of the server's time. Answers a request code; ExecutionsTold follows.
-  virtual std::int32_t AskExecutions(TimePoint since) = 0;
+  virtual RequestCode AskExecutions(TimePoint since) = 0;
 };
 
 }  // namespace tutti

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "sessions/contract/codes.h"
+
 namespace tutti {
 
 // The seven values of an account, in the server's order and signs, in account currency.
@@ -18,7 +20,7 @@ struct AccountSummary {
 // Answer of GetAccountSummary. The values count only when result is result::succeeded.
 struct SummaryAnswer {
   AccountSummary values;
-  std::int32_t result = 0;
+  ResultCode result{};
 };
 
 }  // namespace tutti

@@ -2,7 +2,7 @@
 
 namespace tutti::request {
 
-std::string_view text(std::int32_t code) {
+std::string_view text(RequestCode code) {
   switch (code) {
     case no_privilege:
       return "No Privilege ";

@@ -2,13 +2,15 @@
 
 #include <cstdint>
 
+#include "sessions/contract/codes.h"
+
 namespace tutti {
 
 enum class EntryKind : std::uint8_t { limit, stop };
 
 // The data of a new entry order.
 struct EntryOrder {
-  std::int32_t side = 0;  // operation::buy or operation::sell
+  Operation side{};  // operation::buy or operation::sell
   EntryKind kind = EntryKind::limit;
   std::int32_t symbol_id = 0;
   double amount = 0.0;  // lots

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/clock.h"
+#include "sessions/contract/codes.h"
 #include "sessions/contract/request_id.h"
 
 namespace tutti {
@@ -14,8 +15,8 @@ struct Execution {
   RequestId id = 0;         // request it is a fill of; 0 when it is none of a terminal's
   std::int64_t number = 0;  // order number; of a close the ticket of its position
   std::int32_t account = 0;
-  bool closes = false;         // else it opened, or added to, a position
-  std::int32_t operation = 0;  // operation:: code
+  bool closes = false;  // else it opened, or added to, a position
+  Operation operation{};
   std::string symbol;
   double lots = 0.0;  // of this fill
   double price = 0.0;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/clock.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -11,7 +12,7 @@ namespace tutti {
 struct OpenPosition {
   std::int64_t ticket = 0;  // unique over all accounts of the server
   std::int32_t account = 0;
-  std::int32_t side = 0;  // operation::buy or operation::sell
+  Operation side{};  // operation::buy or operation::sell
   std::int32_t symbol_id = 0;
   std::string symbol;
   double amount = 0.0;  // lots, above 0

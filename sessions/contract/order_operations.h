@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "sessions/contract/codes.h"
 #include "sessions/contract/entry_order.h"
 #include "sessions/contract/request_id.h"
 
@@ -19,22 +20,22 @@ class OrderOperations {
   virtual ~OrderOperations() = default;
 
   // Market order of `amount` lots at the market price; the two texts are reserved and sent empty.
-  virtual std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount,
-                                      std::string_view reserved1, std::string_view reserved2,
-                                      RequestId id) = 0;
-  virtual std::int32_t NewEntryOrder(const EntryOrder& order, RequestId id) = 0;
-  virtual std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
-                                        RequestId id) = 0;
-  virtual std::int32_t AcceptRequote(std::int64_t order, RequestId id) = 0;
-  virtual std::int32_t RejectRequote(std::int64_t order, RequestId id) = 0;
+  virtual RequestCode NewMarketOrder(Operation side, std::int32_t symbol_id, double amount,
+                                     std::string_view reserved1, std::string_view reserved2,
+                                     RequestId id) = 0;
+  virtual RequestCode NewEntryOrder(const EntryOrder& order, RequestId id) = 0;
+  virtual RequestCode UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                                       RequestId id) = 0;
+  virtual RequestCode AcceptRequote(std::int64_t order, RequestId id) = 0;
+  virtual RequestCode RejectRequote(std::int64_t order, RequestId id) = 0;
   // Ticket as a whole number, amount in lots as default number text, and a reserved text sent empty.
-  virtual std::int32_t ClosePosition(std::string_view ticket, std::string_view amount,
-                                     std::string_view reserved, RequestId id) = 0;
-  virtual std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) = 0;
+  virtual RequestCode ClosePosition(std::string_view ticket, std::string_view amount,
+                                    std::string_view reserved, RequestId id) = 0;
+  virtual RequestCode UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) = 0;
   // Cancel an entry order, or the SL/TP order of a position; answered by DeleteLimitOrderResult and
   // DeleteSLTPOrderResult.
-  virtual std::int32_t DeleteEntryOrder(std::int64_t order, RequestId id) = 0;
-  virtual std::int32_t DeleteSLTPOrder(std::int64_t order, RequestId id) = 0;
+  virtual RequestCode DeleteEntryOrder(std::int64_t order, RequestId id) = 0;
+  virtual RequestCode DeleteSLTPOrder(std::int64_t order, RequestId id) = 0;
 };
 
 }  // namespace tutti

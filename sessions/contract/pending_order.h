@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/clock.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti {
 
@@ -13,7 +14,7 @@ struct PendingOrder {
   std::int32_t account = 0;
   std::string kind;            // "OP" new market order, "CP" close, "LO" entry order, "ST" SL/TP
   std::int64_t reference = 0;  // ticket the order belongs to, for "CP" and "ST"
-  std::int32_t operation = 0;  // operation:: code
+  Operation operation{};
   std::int32_t symbol_id = 0;
   std::string symbol;
   double amount = 0.0;  // lots

@@ -3,14 +3,16 @@
 #include <cstdint>
 #include <string>
 
+#include "sessions/contract/codes.h"
+
 namespace tutti {
 
 // One tick of the countdown of a market request that the dealer answered with a new price.
 struct Requote {
   std::int64_t order = 0;
   std::int32_t account = 0;
-  std::int32_t operation = 0;  // operation:: code
-  double amount = 0.0;         // lots
+  Operation operation{};
+  double amount = 0.0;  // lots
   std::string symbol;
   double price = 0.0;      // asked for
   double new_price = 0.0;  // offered

@@ -250,8 +250,8 @@ TEST(ClosePositionsWindow, AClickOnCloseAsksAndClosesThatOne) {
 
 TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
   std::vector<FaultConfig> faults{
-      fault(FaultKind::reject, {first + 1}, FaultPoint::close, result::trading_closed),
-      fault(FaultKind::refuse, {first + 2}, FaultPoint::close, request::no_privilege)};
+      fault(FaultKind::reject, {first + 1}, FaultPoint::close, format_as(result::trading_closed)),
+      fault(FaultKind::refuse, {first + 2}, FaultPoint::close, format_as(request::no_privilege))};
   for (FaultConfig& each : faults)
     each.times = 2;
   ClosingRig rig{faults};

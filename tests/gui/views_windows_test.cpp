@@ -123,7 +123,7 @@ TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
 TEST_F(PendingTest, EveryRowShowsWhetherItBuysOrSells) {
   struct Case {
     const char* kind;
-    std::int32_t operation;
+    Operation operation;
     Side side;
     const char* tip;
   };
@@ -133,7 +133,7 @@ TEST_F(PendingTest, EveryRowShowsWhetherItBuysOrSells) {
       {"OP", operation::sell, Side::sell, "Sell at market"},
       {"CP", operation::buy, Side::sell, "Sell, closes a bought position"},
       {"ST", operation::buy, Side::buy, "Buy, SL/TP of a sold position"},
-      {"LO", 0, Side::none, ""},
+      {"LO", {}, Side::none, ""},
   };
   for (const Case& c : cases) {
     book.write(

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "sessions/contract/codes.h"
 #include "tests/support/session_rig.h"
 
 namespace tutti::testing {
@@ -18,7 +19,7 @@ struct OneSession {
                       .account = 81,
                       .kind = "LO",
                       .reference = 13,
-                      .operation = 1,
+                      .operation = operation::buy,
                       .symbol = "EURUSD",
                       .amount = 0.5}};
     client.positions = {{.ticket = 13, .account = 81, .symbol = "EURUSD", .floating_pl = -12.5}};
@@ -28,12 +29,12 @@ struct OneSession {
   void writes(const std::function<void()>& step, const Heard& lines) {
     EXPECT_EQ(during(step), sorted(lines));
   }
-  void send(std::int32_t side = 1) { session.market_order(side, no_symbol, 0.5); }
-  static OrderReport report(std::int32_t result, std::int32_t state, std::int32_t operation = 1) {
+  void send(Operation side = operation::buy) { session.market_order(side, no_symbol, 0.5); }
+  static OrderReport report(int result, int state, Operation operation = operation::buy) {
     return {.number = 12,
             .account = 81,
-            .result = result,
-            .state = state,
+            .result = ResultCode{result},
+            .state = OrderState{state},
             .operation = operation,
             .amount = 0.5,
             .symbol = "EURUSD",

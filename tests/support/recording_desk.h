@@ -96,7 +96,9 @@ class RecordingDesk {
     bool asks_lots = false;
     bool wants_lot_limits() const override { return asks_lots; }
     void lot_limits(double low, double high) override { say("lots", low, high); }
-    void request_ended(std::int32_t account, std::int32_t code) override { say("ended", account, code); }
+    void request_ended(std::int32_t account, RequestCode code) override {
+      say("ended", account, format_as(code));
+    }
   } market_order{"market", heard};
 
   class EntryOrders final : public RecordingOrderRows<EntryOrderDesk> {

@@ -6,6 +6,7 @@
 
 #include "core/numbers.h"
 #include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
 
 namespace tutti::testing {
 
@@ -21,7 +22,7 @@ class ScriptedClient final : public ClientAPI {
   std::vector<PendingOrder> orders;
   SummaryAnswer summary{.values = {}, .result = result::succeeded};
   std::optional<AccountInfo> info;
-  std::int32_t request_code = request::taken;
+  RequestCode request_code = request::taken;
   double limit_distance = 0.0;
   double stop_distance = 0.0;
   // "side symbol-id amount"; "entry side limit|stop symbol-id amount at price [sl] [tp]"; "update" and
@@ -51,29 +52,30 @@ class ScriptedClient final : public ClientAPI {
   const PendingOrder* PendingOrderItem(int index) const override {
     return &orders[static_cast<std::size_t>(index) - 1];
   }
-  std::int32_t NewMarketOrder(std::int32_t side, std::int32_t symbol_id, double amount, std::string_view,
-                              std::string_view, RequestId id) override {
+  RequestCode NewMarketOrder(Operation side, std::int32_t symbol_id, double amount, std::string_view,
+                             std::string_view, RequestId id) override {
     named(id);
-    sent.push_back(std::to_string(side) + " " + std::to_string(symbol_id) + " " + std::to_string(amount));
+    sent.push_back(std::to_string(format_as(side)) + " " + std::to_string(symbol_id) + " " +
+                   std::to_string(amount));
     return request_code;
   }
-  std::int32_t NewEntryOrder(const EntryOrder& o, RequestId id) override {
+  RequestCode NewEntryOrder(const EntryOrder& o, RequestId id) override {
     named(id);
-    sent.push_back("entry " + std::to_string(o.side) + (o.kind == EntryKind::limit ? " limit " : " stop ") +
-                   std::to_string(o.symbol_id) + " " + number_text(o.amount) + " at " + number_text(o.price) +
-                   stops_text(o));
+    sent.push_back("entry " + std::to_string(format_as(o.side)) +
+                   (o.kind == EntryKind::limit ? " limit " : " stop ") + std::to_string(o.symbol_id) + " " +
+                   number_text(o.amount) + " at " + number_text(o.price) + stops_text(o));
     return request_code;
   }
-  std::int32_t UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
-                                RequestId id) override {
+  RequestCode UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                               RequestId id) override {
     named(id);
     sent.push_back("update " + std::to_string(order) + " at " + number_text(price) + stops_text(stops));
     return request_code;
   }
-  std::int32_t AcceptRequote(std::int64_t, RequestId id) override { return named(id); }
-  std::int32_t RejectRequote(std::int64_t, RequestId id) override { return named(id); }
-  std::int32_t ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
-                             RequestId id) override {
+  RequestCode AcceptRequote(std::int64_t, RequestId id) override { return named(id); }
+  RequestCode RejectRequote(std::int64_t, RequestId id) override { return named(id); }
+  RequestCode ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
+                            RequestId id) override {
     named(id);
     sent.push_back("close " + std::string{ticket} + " " + std::string{amount});
     if (log != nullptr) log->push_back(std::to_string(login_data.account) + " " + sent.back());
@@ -82,7 +84,7 @@ class ScriptedClient final : public ClientAPI {
   bool LoggedIn() const override { return logged_in; }
   void Logout() override {}
   SummaryAnswer GetAccountSummary(std::int32_t) const override { return summary; }
-  std::int32_t UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) override {
+  RequestCode UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) override {
     named(id);
     sent.push_back("stops " + std::to_string(ticket) + stops_text(stops));
     return request_code;
@@ -94,16 +96,16 @@ class ScriptedClient final : public ClientAPI {
   double SymbolLimitDistance(std::string_view) const override { return limit_distance; }
   double SymbolStopDistance(std::string_view) const override { return stop_distance; }
   std::optional<AccountInfo> FindAccount(std::int32_t) const override { return info; }
-  std::int32_t DeleteEntryOrder(std::int64_t, RequestId id) override { return named(id); }
-  std::int32_t DeleteSLTPOrder(std::int64_t, RequestId id) override { return named(id); }
+  RequestCode DeleteEntryOrder(std::int64_t, RequestId id) override { return named(id); }
+  RequestCode DeleteSLTPOrder(std::int64_t, RequestId id) override { return named(id); }
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
   BookEra Era() const override { return 0; }
-  std::int32_t AskRequest(RequestId, BookEra) override { return request::silent; }
-  std::int32_t AskExecutions(TimePoint) override { return request::silent; }
+  RequestCode AskRequest(RequestId, BookEra) override { return request::silent; }
+  RequestCode AskExecutions(TimePoint) override { return request::silent; }
 
  private:
-  std::int32_t named(RequestId id) {
+  RequestCode named(RequestId id) {
     ids.push_back(id);
     return request_code;
   }
