@@ -10,6 +10,7 @@
 #include "apps/output.h"
 #include "apps/terminal.h"
 #include "core/clock.h"
+#include "dealer/link/dealing_server.h"
 
 namespace tutti {
 
@@ -30,11 +31,13 @@ struct CommandOptions {
 // waits.
 class CommandContext {
  public:
-  CommandContext(Terminal& terminal, const CommandPorts& ports, const CommandOptions& options)
-      : terminal_(terminal), ports_(ports), options_(options) {}
+  CommandContext(Terminal& terminal, const DealingServer& server, const CommandPorts& ports,
+                 const CommandOptions& options)
+      : terminal_(terminal), server_(server), ports_(ports), options_(options) {}
 
   Main& main() const { return terminal_.main(); }
-  const DealingServer& server() const { return terminal_.server(); }
+  // The server within the program, for what only it can tell.
+  const DealingServer& server() const { return server_; }
   Console& console() const { return ports_.console; }
   const Clock& clock() const { return ports_.clock; }
   OutputForm form() const { return options_.form; }
@@ -72,6 +75,7 @@ class CommandContext {
   std::vector<std::size_t> unconnected(const std::vector<std::int32_t>& accounts) const;
 
   Terminal& terminal_;
+  const DealingServer& server_;
   const CommandPorts& ports_;
   CommandOptions options_;
 };

@@ -16,7 +16,7 @@
 #include "core/locale_port.h"
 #include "core/prompt.h"
 #include "core/sound_port.h"
-#include "dealer/link/dealing_server.h"
+#include "sessions/contract/backend.h"
 #include "shell/Main.h"
 
 namespace tutti {
@@ -56,53 +56,46 @@ inline constexpr int some_unknown = 4;  // no answer came: it may have been exec
 inline constexpr int signalled = 128;   // more by the number of the signal that ended the program
 }  // namespace exit_status
 
-// A whole terminal: the embedded dealing server in real time, and the program on top of it. Whoever opens it
-// brings the ports to the operator, and shows what waits in the message queue.
+// A whole terminal in real time: what stands behind the clients, and the program on top of it. Whoever opens
+// it brings the ports to the operator, and shows what waits in the message queue.
 class Terminal {
  public:
-  // Locks the home folder, reads the configuration and the book, starts the program. Fails when another
+  // Makes what stands behind the clients, from the files in the home folder, which nobody else has by then.
+  using Opener = std::function<tl::expected<std::unique_ptr<Backend>, FileError>(const TerminalOptions&)>;
+
+  // Locks the home folder, opens what stands behind the clients, starts the program. Fails when another
   // terminal has the folder, or when data can't be read.
   static tl::expected<std::unique_ptr<Terminal>, FileError> open(const TerminalOptions& options,
-                                                                 OperatorPorts ports);
+                                                                 OperatorPorts ports, const Opener& opener);
   ~Terminal();
   // Whether a home folder has no saved account yet.
   static tl::expected<bool, FileError> is_new(const std::filesystem::path& home);
 
   Main& main() { return *main_; }
-  const DealingServer& server() const { return *server_; }
   const TerminalOptions& options() const { return options_; }
 
-  // Brings the server up to the clock, delivers up to `limit` events and runs the timers that are due;
+  // Brings the backend up to the clock, delivers up to `limit` events and runs the timers that are due;
   // answers how many events were delivered. As many as the limit: there may be more.
   std::size_t advance(std::size_t limit = std::numeric_limits<std::size_t>::max());
-  // When the server next has something to do by itself; nothing while only an operation of the program can
+  // When the backend next has something to do by itself; nothing while only an operation of the program can
   // change that.
-  std::optional<TimePoint> next_due() const { return server_->next_due(); }
+  std::optional<TimePoint> next_due() const { return backend_->next_due(); }
 
-  // Closes the dealing server's book at the end of the program. What a crash leaves is taken up all the same.
-  tl::expected<void, FileError> save_book() { return server_->save_book(); }
+  // Closes the backend at the end of the program. What a crash leaves is taken up all the same.
+  tl::expected<void, FileError> close() { return backend_->close(); }
 
  private:
   Terminal(TerminalOptions options, OperatorPorts ports);
-  tl::expected<void, FileError> start();
+  tl::expected<void, FileError> start(const Opener& opener);
   tl::expected<void, FileError> write_first_list();
-  // Notes what the book of this folder was made with; tells the operator when that was another dealing
-  // server.
-  tl::expected<void, FileError> tell_of_another_dealer();
-  // What the operator must know of the dealing server's book: journaled, and a message.
-  void tell_of_book(const std::string& text);
-  // Journals what came of requests whose outcome was unknown when the earlier run ended, and says so.
-  void tell_of_earlier_requests();
-  // Tells once when the book can't be stored, and once when it can again.
-  void watch_book();
+  void tell_notices();
 
   TerminalOptions options_;
   std::optional<HomeLock> lock_;  // let go last
   OperatorPorts ports_;
   ProcessLocale locale_;
-  std::unique_ptr<DealingServer> server_;
+  std::unique_ptr<Backend> backend_;
   std::unique_ptr<Main> main_;
-  bool book_failed_ = false;  // as the operator was told last
 };
 
 }  // namespace tutti

@@ -10,6 +10,7 @@
 #include "apps/command_line.h"
 #include "apps/command_set.h"
 #include "apps/console_prompt.h"
+#include "apps/embedded_dealer.h"
 #include "core/numbers.h"
 
 namespace tutti {
@@ -116,19 +117,25 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
       ports.pause(std::chrono::milliseconds{50});
       return ports.signal() == 0 && ports.clock.elapsed() - began <= options.wait_for_home;
     };
-    const auto terminal =
-        Terminal::open(opened, {prompt, sound, file_dialog, ports.clock,
-                                [&](std::string_view text) { console.tell(text); }, try_again});
+    const EmbeddedDealer* dealer = nullptr;  // the terminal's
+    const auto terminal = Terminal::open(opened,
+                                         {prompt, sound, file_dialog, ports.clock,
+                                          [&](std::string_view text) { console.tell(text); }, try_again},
+                                         [&](const TerminalOptions& home) {
+                                           auto opened_dealer = EmbeddedDealer::open(home, ports.clock);
+                                           if (opened_dealer) dealer = opened_dealer->get();
+                                           return opened_dealer;
+                                         });
     if (!terminal) {
       console.fail(terminal.error().text());
       return status;
     }
-    CommandContext context{**terminal, ports, options.command};
+    CommandContext context{**terminal, dealer->server(), ports, options.command};
     context.on_step = [&] { show_messages(context.main(), prompt); };
     status = carry_out(command, context);
     context.journal_unanswered();
     show_messages(context.main(), prompt);
-    if (const auto saved = (*terminal)->save_book(); !saved) {
+    if (const auto saved = (*terminal)->close(); !saved) {
       console.fail("The dealing server's book was not saved: {}", saved.error().text());
       status = exit_status::unreadable_data;
     }

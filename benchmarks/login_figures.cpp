@@ -63,7 +63,8 @@ void login_figures() {
   }
   const std::size_t before = heap_in_use();
   Main main{home.path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
-            ServerSide{[&] { return server.make_client(); }, server, server.config().endpoint}};
+            ServerSide{
+                [&](const LoginData&) { return server.make_client(); }, {&server}, server.config().endpoint}};
   figure("login_500_ms", time_of([&] { log_all_in(main, clock, server); }) / 1e6);
   figure("bytes_per_session", static_cast<double>(heap_in_use() - before) / accounts);
 }

@@ -24,7 +24,7 @@ CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_v
     return nullptr;
   }
   sessions_.push_back(std::make_unique<CClientAPIManager>(
-      make_client_(), login,
+      make_client_(login), login,
       CClientAPIManager::Shared{general_, desk_, windows_, books_, options_, requests_, gate_}));
   CClientAPIManager& session = *sessions_.back();
   session.key(static_cast<std::int16_t>(sessions_.size()));

@@ -15,6 +15,7 @@ Main::Main(std::filesystem::path application_folder, const MachinePorts& ports, 
     : paths_(std::move(application_folder)),
       ports_(ports),
       server_(std::move(server)),
+      events_(server_.events),
       general_(paths_, ports_.clock, ports_.sound, ports_.prompt, messages_) {
   general_.key = KeyFile{ports_.key_file};
 }
@@ -51,7 +52,7 @@ void Main::create_objects() {
   general_.locale = locale_.get();
   pending_orders_ = std::make_unique<CPendingOrds>();
   help_ = std::make_unique<CHTMLHELP>();
-  pump_ = std::make_unique<EventPump>(server_.events, *journal_, messages_);
+  pump_ = std::make_unique<EventPump>(events_, *journal_, messages_);
 }
 
 tl::expected<void, FileError> Main::show_main_window() {

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <vector>
 
 #include <tl/expected.hpp>
 
@@ -12,6 +13,7 @@
 #include "core/CQuestionBox.h"
 #include "core/MGeneral.h"
 #include "core/event_pump.h"
+#include "core/event_sources.h"
 #include "core/frmSure.h"
 #include "core/message_queue.h"
 #include "core/paths.h"
@@ -51,7 +53,7 @@ struct MachinePorts {
 // What stands behind the trading clients, and the address it answers to.
 struct ServerSide {
   ClientFactory make_client;
-  EventSource& events;
+  std::vector<EventSource*> events;
   Endpoint endpoint;
   bool simulated = false;  // it is the server within the program, with made-up prices and money
 };
@@ -117,6 +119,7 @@ class Main {
   Paths paths_;
   MachinePorts ports_;
   ServerSide server_;
+  EventSources events_;
   MessageQueue messages_;
   MGeneral general_;
   Books books_;

@@ -17,6 +17,7 @@
 
 #include "accounts/saved_lists.h"
 #include "apps/command_line.h"
+#include "apps/embedded_dealer.h"
 #include "apps/first_start.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
@@ -85,7 +86,10 @@ struct Opened {
     options.home = folder.path();
     options.sample_accounts = 3;
   }
-  auto open() { return Terminal::open(options, {prompt, sound, dialog, clock, {}}); }
+  auto open() {
+    return Terminal::open(options, {prompt, sound, dialog, clock, {}},
+                          [this](const TerminalOptions& home) { return EmbeddedDealer::open(home, clock); });
+  }
   TemporaryFolder folder;
   RecordingPrompt prompt;
   RecordingSound sound;

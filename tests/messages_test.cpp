@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "core/event_pump.h"
+#include "core/event_sources.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
@@ -105,9 +106,11 @@ class ListedEvents final : public EventSource, public Journal {
 };
 
 TEST(Pump, AnErrorEndsItsHandlerAloneAndIsJournaled) {
-  ListedEvents source;
+  ListedEvents source, other;
   MessageQueue queue;
-  EventPump pump{source, source, queue};
+  EventSources sources{{&other, &source}};
+  EXPECT_EQ(sources.delivered_account(), -1);
+  EventPump pump{sources, source, queue};
   std::string seen;
   source.events = {[&] { seen += queue.in_handler() ? "a" : "?"; },
                    [&] { throw std::runtime_error("broken"); },
@@ -121,6 +124,18 @@ TEST(Pump, AnErrorEndsItsHandlerAloneAndIsJournaled) {
   ASSERT_EQ(source.journal.size(), 1u);
   EXPECT_TRUE(source.journal[0].starts_with("2 ") && source.journal[0].ends_with("broken"))
       << source.journal[0];
+
+  // The other has its turn between them, and nobody waits for it when it has nothing.
+  seen.clear();
+  for (ListedEvents* each : {&source, &other})
+    each->events.insert(each->events.end(), 3,
+                        [&seen, each, &source] { seen += each == &source ? "s" : "o"; });
+  EXPECT_EQ(pump.deliver(4), 4u);
+  EXPECT_EQ(sources.delivered_account(), source.delivered_account());
+  other.events.emplace_back([&] { seen += "o"; });
+  EXPECT_EQ(pump.deliver(), 3u);
+  EXPECT_EQ(seen, "osososo");
+  EXPECT_EQ(sources.delivered_account(), 4);
 }
 
 TEST(Sound, TheSwitchIsGoodForOneSound) {

@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include "apps/command_line.h"
+#include "apps/embedded_dealer.h"
 #include "apps/first_start.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
@@ -98,7 +99,7 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
   const int status = signals.caught() == 0 ? QCoreApplication::exec() : 0;
   heartbeat.stop();
   if (signals.caught() != 0) window.save_layout();
-  if (const auto saved = terminal.save_book(); !saved) {
+  if (const auto saved = terminal.close(); !saved) {
     terminal.main().general().log("The dealing server's book was not saved: " + saved.error().text(), -1);
     return exit_status::unreadable_data;
   }
@@ -134,10 +135,13 @@ int open_and_run(const StopSignals& signals, Arguments& arguments) {
       return exit_status::some_refused;
   }
   arguments.add_account = ask_first(prompt, arguments.terminal) == FirstStart::own_account;
-  const auto terminal = Terminal::open(
-      arguments.terminal, {prompt, sound, files, clock, [](std::string_view text) {
-                             std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
-                           }});
+  const auto terminal =
+      Terminal::open(arguments.terminal,
+                     {prompt, sound, files, clock,
+                      [](std::string_view text) {
+                        std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
+                      }},
+                     [&clock](const TerminalOptions& home) { return EmbeddedDealer::open(home, clock); });
   if (!terminal) {
     prompt.system_box(terminal.error().text(), "Tutti can't start");
     return exit_status::unreadable_data;

@@ -12,7 +12,8 @@ namespace tutti {
 // through one half of it; the other half sends.
 class ClientAPI : public AccountClient, public OrderOperations {};
 
-// Makes the trading client of a new session.
-using ClientFactory = std::function<std::unique_ptr<ClientAPI>()>;
+// Makes the trading client of a new session. What it will log in with says which broker it is for; the client
+// gets it by SetLoginData.
+using ClientFactory = std::function<std::unique_ptr<ClientAPI>(const LoginData&)>;
 
 }  // namespace tutti

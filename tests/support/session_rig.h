@@ -79,8 +79,8 @@ class SessionRig {
   Lines journal{windows.heard};
   Books books;
   CLoginOptions options{general, {"10.0.0.9", 443}};
-  CClientAPIManagers sessions{[] { return std::make_unique<ScriptedClient>(); }, general, windows.desk, books,
-                              options};
+  CClientAPIManagers sessions{[](const LoginData&) { return std::make_unique<ScriptedClient>(); }, general,
+                              windows.desk, books, options};
 };
 
 }  // namespace tutti::testing

@@ -63,9 +63,12 @@ TestTerminal::TestTerminal(DealerConfig config)
 
 TestTerminal::TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder> folder)
     : home(std::move(folder)), server(std::move(config), clock) {
-  main = std::make_unique<Main>(
-      home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog, home->key_file()},
-      ServerSide{[this] { return server.make_client(); }, server, server.config().endpoint, true});
+  main = std::make_unique<Main>(home->path(),
+                                MachinePorts{clock, prompt, sound, locale, file_dialog, home->key_file()},
+                                ServerSide{[this](const LoginData&) { return server.make_client(); },
+                                           {&server},
+                                           server.config().endpoint,
+                                           true});
 }
 
 void TestTerminal::save_accounts() {
