@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "accounts/account_texts.h"
 #include "accounts/distribution.h"
 #include "core/numbers.h"
 #include "core/texts.h"
@@ -27,14 +26,10 @@ frmMain::frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog
       lists_(general.files, general.paths) {
   txteditLo.set_visible(false);
   m_oTimer.on_tick = [this] { m_oTimer_Tick(); };
-  lvwClients.set_make_cells([this](Row& row) { make_cells(row); });
-  books_.accounts.on_shown = [this](const AccountEntry& account) {
-    if (Row* row = row_of(account)) row->outdate();
-  };
 }
 
 tl::expected<void, FileError> frmMain::load() {
-  general_.column_widths(lvwClients, "4,9,9,10,10,8,8,8,8,8,8,8,8");
+  general_.column_widths(lvwClients, ClientRows::widths);
   options_ = std::make_unique<CLoginOptions>(general_, own_server_);
   if (auto read = options_->InitializeFromFile(); !read) return read;
   sessions_ =
@@ -45,71 +40,8 @@ tl::expected<void, FileError> frmMain::load() {
   return {};
 }
 
-Row* frmMain::addToListView(const AccountEntry& account, std::int32_t index) {
-  Row* row = lvwClients.add(client_key(index));
-  if (row == nullptr) return nullptr;
-  auto& data = row->data<RowData>();
-  data.account = &account;
-  data.duplicate_key = account_key(account.user, account.account);
-  if (rows_.size() <= account.handle) rows_.resize(account.handle + std::size_t{1});
-  rows_[account.handle] = row;
-  row->outdate();
-  return row;
-}
-
-void frmMain::make_cells(Row& row) const {
-  const AccountEntry& account = record_of(row);
-  const AccountEntry::Shown& shown = account.shown;
-  row.set_number(Column::index, static_cast<double>(row.key().number()), NumberFormat::index);
-  row.set_text(Column::user_name, upper(account.user));
-  row.set_text(Column::state, state_text(shown.state), shown.ink);
-  row.set_number(Column::account, account.account);
-  row.set_text(Column::notes, shown.note);
-  if (!shown.has_values) return row.clear_cells(Column::balance, Column::free_margin);
-  row.set_number(Column::balance, shown.values.balance, NumberFormat::summary);
-  row.set_number(Column::floating, shown.values.floating_pl, NumberFormat::summary);
-  row.set_number(Column::credit, shown.values.credit, NumberFormat::summary);
-  row.set_number(Column::equity, shown.values.equity, NumberFormat::summary);
-  row.set_number(Column::used_margin, shown.values.used_margin, NumberFormat::summary);
-  row.set_number(Column::margin_level, shown.values.margin_level, NumberFormat::percent);
-  row.set_number(Column::free_margin, shown.values.free_margin, NumberFormat::summary);
-}
-
-const AccountEntry& frmMain::record_of(const Row& row) const {
-  return *row.data_if<RowData>()->account;
-}
-
-Row* frmMain::row_of(const AccountEntry& account) const {
-  return account.handle < rows_.size() ? rows_[account.handle] : nullptr;
-}
-
-void frmMain::add_client(const CClientAPIManager& session) {
-  addToListView(session.ClientListItem(), session.key());
-}
-
-void frmMain::remove_client(const CClientAPIManager& session) {
-  Row* row = row_of(session.ClientListItem());
-  if (row == nullptr) return;
-  rows_[session.ClientListItem().handle] = nullptr;
-  lvwClients.remove(*row);
-}
-
-void frmMain::renumber_client(const CClientAPIManager& session) {
-  Row* row = row_of(session.ClientListItem());
-  if (row == nullptr) return;
-  lvwClients.rekey(*row, client_key(session.key()));
-  row->outdate();
-}
-
 void frmMain::select_client(const CClientAPIManager& session) {
   if (Row* row = row_of(session.ClientListItem())) lvwClients.select(*row);
-}
-
-bool frmMain::has_account(std::string_view key) const {
-  return std::any_of(lvwClients.begin(), lvwClients.end(), [&](const Row& row) {
-    const auto* data = row.data_if<RowData>();
-    return data != nullptr && data->duplicate_key == key;
-  });
 }
 
 Row* frmMain::selected_client() const {
@@ -139,51 +71,10 @@ void frmMain::loadmainsymbols() {
   if (CClientAPIManager* session = sessions_->current()) session->LoadMWPprices();
 }
 
-void frmMain::m_oTimer_Tick() {
-  const TimePoint now = general_.clock.now();
-  for (Row& row : lvwClients) {
-    auto& data = row.data<RowData>();
-    if (data.account->shown.state != AccountState::connecting) {
-      data.connecting_since.reset();
-      continue;
-    }
-    if (!data.connecting_since) data.connecting_since = now;
-    data.connecting_for = std::chrono::duration_cast<std::chrono::seconds>(now - *data.connecting_since);
-  }
-  TimePoint newest{};
-  for (const auto& symbol : books_.symbols.entries())
-    newest = std::max(newest, symbol.quote_time);
-  if (newest != TimePoint{}) quote_age_ = std::chrono::duration_cast<std::chrono::seconds>(now - newest);
-}
-
-std::optional<std::chrono::seconds> frmMain::connecting_for(const Row& row) const {
-  const auto* data = row.data_if<RowData>();
-  if (data == nullptr || !data->connecting_since) return std::nullopt;
-  return data->connecting_for;
-}
-
-frmMain::Connections frmMain::connections() const {
-  Connections out;
-  for (const AccountEntry* account : books_.accounts.listed()) {
-    ++out.all;
-    if (account->connected()) ++out.connected;
-    if (account->shown.state == AccountState::connecting) ++out.connecting;
-  }
-  return out;
-}
-
 void frmMain::edit_notes(Row& row) {
-  edited_notes_ = row.data<RowData>().duplicate_key;
+  edited_notes_ = ClientRows::duplicate_key(row);
   txteditLo.set_text(row.text(Column::notes));
   txteditLo.set_visible(true);
-}
-
-// The row may have gone, or got another number, while its notes were edited.
-Row* frmMain::edited_row() {
-  for (Row& row : lvwClients) {
-    if (row.data<RowData>().duplicate_key == edited_notes_) return &row;
-  }
-  return nullptr;
 }
 
 void frmMain::commit_notes() {

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "accounts/client_rows.h"
 #include "accounts/order_window.h"
 #include "accounts/saved_lists.h"
 #include "core/MGeneral.h"
@@ -32,26 +31,13 @@ namespace tutti {
 // the session collection and the account dialog from load() on.
 class frmMain final : public AccountsDesk, public Displayable {
  public:
-  enum Column : std::size_t {
-    index,
-    user_name,
-    state,
-    account,
-    notes,
-    balance,
-    floating,
-    credit,
-    equity,
-    used_margin,
-    margin_level,
-    free_margin
-  };
+  using Column = ClientRows::Column;
+  using enum ClientRows::Column;
 
   frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog, ClientFactory make_client,
           Endpoint own_server, std::size_t capacity = CClientAPIManagers::max_accounts);
 
-  RowList lvwClients{{"Index", "Username", "Connection Status ", "Account", "Notes", "Balance", "Flt P/L",
-                      "Credit", "Equity", "Used Margin", "Margin Level", "Free Margin"}};
+  RowList lvwClients{ClientRows::headers()};
   TextBox txteditLo;
   Label labelinfo1;
   Label labelinfo2;
@@ -79,10 +65,10 @@ class frmMain final : public AccountsDesk, public Displayable {
   bool loaded() const { return loaded_; }
 
   // Rows.
-  Row* addToListView(const AccountEntry& account, std::int32_t index);
-  // What a row shows; nullptr where the account has no row.
-  const AccountEntry& record_of(const Row& row) const;
-  Row* row_of(const AccountEntry& account) const;
+  Row* addToListView(const AccountEntry& account, std::int32_t index) { return rows_.add(account, index); }
+  // What a row shows, and the row that shows a record; nullptr where it has none.
+  static const AccountEntry& record_of(const Row& row) { return ClientRows::record(row); }
+  Row* row_of(const AccountEntry& account) const { return rows_.of(account); }
   void refreshsummery_Click(Row& row);
   // The same for the selected rows that are connected.
   void refresh_summaries();
@@ -115,22 +101,13 @@ class frmMain final : public AccountsDesk, public Displayable {
   void edit_notes(Row& row);
   void commit_notes();
   void cancel_notes() { txteditLo.set_visible(false); }
-  // The row whose notes are in the editor; nullptr when it has gone.
-  Row* edited_row();
+  // The row whose notes are in the editor; nullptr when it has gone. It may have got another number.
+  Row* edited_row() { return rows_.of(edited_notes_); }
 
   // Polled by whoever has the thread.
   Timer m_oTimer{std::chrono::seconds{1}};
-  // Once a second: how long each row has been connecting, and how old the newest quote is.
-  void m_oTimer_Tick();
-  std::optional<std::chrono::seconds> connecting_for(const Row& row) const;
-  std::chrono::seconds quote_age() const { return quote_age_; }
-  // How many rows are connected, and how many on their way.
-  struct Connections {
-    int connected = 0;
-    int connecting = 0;
-    int all = 0;
-  };
-  Connections connections() const;
+  // Once a second: what no answer came for in too long is given up.
+  void m_oTimer_Tick() { sessions_->look_at_the_clock(); }
 
   // Key filter of every amount and price box: digits, one ".", Backspace; 0 swallows the key.
   static std::int16_t askycodekeypress(std::int16_t key, std::string_view text);
@@ -147,34 +124,30 @@ class frmMain final : public AccountsDesk, public Displayable {
   static bool ValidateData(std::string_view user, std::string_view password, std::string_view account);
 
   // AccountsDesk
-  void add_client(const CClientAPIManager& session) override;
-  void remove_client(const CClientAPIManager& session) override;
-  void renumber_client(const CClientAPIManager& session) override;
+  void add_client(const CClientAPIManager& session) override {
+    addToListView(session.ClientListItem(), session.key());
+  }
+  void remove_client(const CClientAPIManager& session) override { rows_.remove(session.ClientListItem()); }
+  void renumber_client(const CClientAPIManager& session) override {
+    rows_.renumber(session.ClientListItem(), session.key());
+  }
   void select_client(const CClientAPIManager& session) override;
-  bool has_account(std::string_view account_key) const override;
+  bool has_account(std::string_view key) const override { return rows_.of(key) != nullptr; }
   bool has_selection() const override { return selected_client() != nullptr; }
   void record_connected(const CClientAPIManager& session) override;
   void replace_account(std::string_view key, const CClientAPIManager& session) override;
 
  private:
-  struct RowData {
-    const AccountEntry* account = nullptr;
-    std::string duplicate_key;
-    std::optional<TimePoint> connecting_since;
-    std::chrono::seconds connecting_for{0};
-  };
-
   CClientAPIManager* session_of(const Row& row) const;
   std::vector<Row*> all_rows();
   void remove_rows(const std::vector<Row*>& rows);
   void forget(const std::vector<std::string>& keys);
   void report(const tl::expected<void, FileError>& done, std::int32_t account);
-  void make_cells(Row& row) const;
 
   MGeneral& general_;
   Desk& desk_;
   Books& books_;
-  std::vector<Row*> rows_;  // by handle of the record
+  ClientRows rows_{lvwClients, books_.accounts};
   ClientFactory make_client_;
   Endpoint own_server_;
   std::size_t capacity_;
@@ -184,7 +157,6 @@ class frmMain final : public AccountsDesk, public Displayable {
   std::unique_ptr<frmaccount> account_dialog_;
   OrderWindow* order_window_ = nullptr;
   std::string edited_notes_;  // duplicate key of the row whose notes are in the editor
-  std::chrono::seconds quote_age_{0};
   bool loaded_ = false;
 };
 

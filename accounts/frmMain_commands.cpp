@@ -92,16 +92,13 @@ void frmMain::cmdfunlogin() {
 }
 
 void frmMain::LoginClient(RowKey key) {
-  Row* row = lvwClients.find(key);
-  if (row == nullptr) return;
-  CClientAPIManager* session = session_of(*row);
-  if (session != nullptr && session->log_in()) row->data<RowData>().connecting_since = general_.clock.now();
+  const Row* row = lvwClients.find(key);
+  CClientAPIManager* session = row == nullptr ? nullptr : session_of(*row);
+  if (session != nullptr) session->log_in();
 }
 
 void frmMain::login_account(std::string_view key) {
-  for (Row& row : lvwClients) {
-    if (row.data<RowData>().duplicate_key == key) return LoginClient(row.key());
-  }
+  if (const Row* row = rows_.of(key)) LoginClient(row->key());
 }
 
 void frmMain::end_sessions() {

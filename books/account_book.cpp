@@ -33,6 +33,16 @@ bool AccountBook::connected(std::int32_t account) const {
                      [](const AccountEntry* record) { return record->connected(); });
 }
 
+AccountBook::Counts AccountBook::counts() const {
+  Counts out;
+  for (const AccountEntry* record : listed_) {
+    ++out.all;
+    if (record->connected()) ++out.connected;
+    if (record->shown.state == AccountState::connecting) ++out.connecting;
+  }
+  return out;
+}
+
 void AccountBook::set_note(AccountEntry& record, std::string_view note) {
   // Who takes over what stands there has written nothing.
   if (note == record.shown.note) return;

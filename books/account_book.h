@@ -68,6 +68,13 @@ class AccountBook {
   const std::vector<const AccountEntry*>& listed() const { return listed_; }
   // Any session of the account is.
   bool connected(std::int32_t account) const;
+  // How many sessions are connected, and how many on their way.
+  struct Counts {
+    int connected = 0;
+    int connecting = 0;
+    int all = 0;
+  };
+  Counts counts() const;
   // Raised with every change of a record, and when one comes or leaves.
   std::uint64_t stamp() const { return stamp_; }
 

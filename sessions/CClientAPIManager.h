@@ -47,8 +47,8 @@ class CClientAPIManager final : public CLAPICLASS {
   // out, then takes the session's values out of the totals and journals what is still unanswered.
   void shut_down();
 
-  // The operator's login, of a session that is shown as disconnected and of no other: whether it begins.
-  bool log_in() { return connection_.log_in(); }
+  // The operator's login, which begins only when the session is shown as disconnected.
+  void log_in() { connection_.log_in(); }
   // The operator's logout; the session stays, its row is emptied.
   void log_out() { connection_.log_out(); }
   // What the row shows when the session comes into the accounts list.

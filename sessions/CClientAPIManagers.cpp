@@ -176,11 +176,7 @@ int CClientAPIManagers::unanswered() const {
 }
 
 void CClientAPIManagers::look_at_the_clock() {
-  // Once a second, so that what falls due together is told together.
-  const auto now = general_.clock.elapsed();
-  if (now < next_look_) return;
-  next_look_ = now + std::chrono::seconds{1};
-  std::vector<SentOrder*> overdue = requests_.overdue(now);
+  std::vector<SentOrder*> overdue = requests_.overdue(general_.clock.elapsed());
   std::size_t given_up = 0;
   for (SentOrder* request : overdue) {
     const auto session = std::find_if(sessions_.begin(), sessions_.end(),

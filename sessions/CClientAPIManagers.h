@@ -79,8 +79,8 @@ class CClientAPIManagers {
   const RequestBook& requests() const { return requests_; }
   // Requests of all sessions that are still to be answered.
   int unanswered() const;
-  // Gives up what no word came for in too long, journaled, with one message for all of it. To be called
-  // whenever time has gone by.
+  // Gives up what no word came for in too long, journaled, with one message for all of it. To be called once
+  // a second, so that what falls due together is told together.
   void look_at_the_clock();
   // Reports the request code of a market order. `row_key` is the account's key in the accounts list.
   void Result(RequestCode code, std::int32_t account, RowKey row_key);
@@ -100,7 +100,6 @@ class CClientAPIManagers {
   AccountWindows windows_{desk_, books_, *this};
   RequestBook requests_;
   RequestGate gate_{requests_, general_.clock};
-  std::chrono::milliseconds next_look_{0};  // at the clock
   std::size_t capacity_;
   std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
   std::vector<std::unique_ptr<CClientAPIManager>>

@@ -31,14 +31,12 @@ void SessionConnection::release_totals() {
   scope_.book.set_values(scope_.record, {});
 }
 
-bool SessionConnection::log_in() {
-  const bool begins = scope_.record.shown.state == AccountState::disconnected;
-  if (begins) {
+void SessionConnection::log_in() {
+  if (scope_.record.shown.state == AccountState::disconnected) {
     scope_.client.Login();
     scope_.book.show_state(scope_.record, AccountState::connecting, Ink::red);
   }
   scope_.book.recolour(scope_.record);
-  return begins;
 }
 
 void SessionConnection::log_out() {

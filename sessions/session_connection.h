@@ -20,8 +20,8 @@ class SessionConnection {
 
   // Takes the session's values out of the global totals and shows the totals line.
   void release_totals();
-  // The operator logs in, which answers whether a login begins, or out: that the connection ends is no news.
-  bool log_in();
+  // The operator logs in, or out: that the connection ends is no news.
+  void log_in();
   void log_out();
   // The session ends for good: nobody else says any more that its wait is over.
   void shut_down();

@@ -116,8 +116,7 @@ void Main::connect_closing() {
 }
 
 void Main::poll_timers(bool events_wait) {
-  accounts_->m_oTimer.poll(ports_.clock.now());
-  if (!events_wait) accounts_->sessions().look_at_the_clock();
+  if (!events_wait) accounts_->m_oTimer.poll(ports_.clock.now());
   if (window_->stamp() == totals_shown_) return;
   totals_shown_ = window_->stamp();
   trade_->lbmSummaries.set_text(window_->totals_pane());

@@ -105,7 +105,7 @@ TEST(Home, ATerminalRunsOnThePortsItIsGiven) {
   const auto terminal = desk.open();
   ASSERT_TRUE(terminal) << terminal.error().text();
   Main& main = (*terminal)->main();
-  const frmMain::Connections at_start = main.accounts().connections();
+  const AccountBook::Counts at_start = main.account_book().counts();
   EXPECT_EQ((std::array{at_start.all, at_start.connecting, at_start.connected}), (std::array{3, 3, 0}));
   EXPECT_TRUE((*terminal)->next_due());
   EXPECT_EQ((*terminal)->advance(0), 0u);

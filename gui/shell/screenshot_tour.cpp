@@ -82,7 +82,7 @@ void ScreenshotTour::keep(QWidget& widget, const std::string& name) {
 void ScreenshotTour::plan() {
   then(
       [this] {
-        const frmMain::Connections now = main_.accounts().connections();
+        const AccountBook::Counts now = main_.account_book().counts();
         return now.connecting == 0 && now.connected > 0 &&
                static_cast<int>(main_.market_order().lvwConClients.size()) >= now.connected;
       },

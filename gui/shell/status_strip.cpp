@@ -79,7 +79,7 @@ void StatusStrip::refresh() {
 }
 
 void StatusStrip::refresh_connections() {
-  const frmMain::Connections now = main_.accounts().connections();
+  const AccountBook::Counts now = main_.account_book().counts();
   show_text(*connected_, QStringLiteral("%1 / %2 connected").arg(now.connected).arg(now.all));
   const bool all = now.all > 0 && now.connected == now.all;
   const QRgb colour = all                 ? theme::colour(Ink::green).rgb()

@@ -194,7 +194,7 @@ TEST_F(DesktopTest, LeavingAsksWhileAnythingIsHeldOrOnItsWay) {
 TEST_F(DesktopTest, LoggingOutSeveralAccountsAsksWithWhatTheyHold) {
   rig.buy("12");
   rig.run(1s);
-  const auto connected = [this] { return rig.main().accounts().connections().connected; };
+  const auto connected = [this] { return rig.main().account_book().counts().connected; };
   const auto disconnect = [this](int first, int last, Qt::Key answer) {
     to_front("accounts");
     click_cell(window->panes().accounts().list(), first, 1);

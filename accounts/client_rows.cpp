@@ -1,0 +1,73 @@
+#include "accounts/client_rows.h"
+
+#include "accounts/account_texts.h"
+#include "core/texts.h"
+#include "sessions/account_record.h"
+
+namespace tutti {
+
+std::vector<std::string> ClientRows::headers() {
+  return {"Index",  "Username", "Connection Status ", "Account",      "Notes",      "Balance", "Flt P/L",
+          "Credit", "Equity",   "Used Margin",        "Margin Level", "Free Margin"};
+}
+
+ClientRows::ClientRows(RowList& list, AccountBook& book) : list_(list) {
+  list_.set_make_cells(make_cells);
+  book.on_shown = [this](const AccountEntry& account) {
+    if (Row* row = of(account)) row->outdate();
+  };
+}
+
+Row* ClientRows::add(const AccountEntry& account, std::int32_t number) {
+  Row* row = list_.add(client_key(number));
+  if (row == nullptr) return nullptr;
+  row->data<RowData>() = {&account, account_key(account.user, account.account)};
+  if (rows_.size() <= account.handle) rows_.resize(account.handle + std::size_t{1});
+  rows_[account.handle] = row;
+  row->outdate();
+  return row;
+}
+
+void ClientRows::make_cells(Row& row) {
+  const AccountEntry& account = record(row);
+  const AccountEntry::Shown& shown = account.shown;
+  row.set_number(index, static_cast<double>(row.key().number()), NumberFormat::index);
+  row.set_text(user_name, upper(account.user));
+  row.set_text(state, state_text(shown.state), shown.ink);
+  row.set_number(Column::account, account.account);
+  row.set_text(notes, shown.note);
+  if (!shown.has_values) return row.clear_cells(balance, free_margin);
+  row.set_number(balance, shown.values.balance, NumberFormat::summary);
+  row.set_number(floating, shown.values.floating_pl, NumberFormat::summary);
+  row.set_number(credit, shown.values.credit, NumberFormat::summary);
+  row.set_number(equity, shown.values.equity, NumberFormat::summary);
+  row.set_number(used_margin, shown.values.used_margin, NumberFormat::summary);
+  row.set_number(margin_level, shown.values.margin_level, NumberFormat::percent);
+  row.set_number(free_margin, shown.values.free_margin, NumberFormat::summary);
+}
+
+void ClientRows::remove(const AccountEntry& account) {
+  Row* row = of(account);
+  if (row == nullptr) return;
+  rows_[account.handle] = nullptr;
+  list_.remove(*row);
+}
+
+void ClientRows::renumber(const AccountEntry& account, std::int32_t number) {
+  Row* row = of(account);
+  if (row == nullptr) return;
+  list_.rekey(*row, client_key(number));
+  row->outdate();
+}
+
+Row* ClientRows::of(const AccountEntry& account) const {
+  return account.handle < rows_.size() ? rows_[account.handle] : nullptr;
+}
+
+Row* ClientRows::of(std::string_view key) const {
+  for (Row& row : list_)
+    if (duplicate_key(row) == key) return &row;
+  return nullptr;
+}
+
+}  // namespace tutti

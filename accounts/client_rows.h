@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "books/account_book.h"
+#include "core/row_list.h"
+
+namespace tutti {
+
+// The rows of the accounts list, keyed "C" and the number of a session, and the records that they show: their
+// cells are made from these when somebody reads them.
+class ClientRows {
+ public:
+  enum Column : std::size_t {
+    index,
+    user_name,
+    state,
+    account,
+    notes,
+    balance,
+    floating,
+    credit,
+    equity,
+    used_margin,
+    margin_level,
+    free_margin
+  };
+  static std::vector<std::string> headers();
+  static constexpr std::string_view widths = "4,9,9,10,10,8,8,8,8,8,8,8,8";
+
+  // `list` and `book` outlive it.
+  ClientRows(RowList& list, AccountBook& book);
+  ClientRows(const ClientRows&) = delete;
+  ClientRows& operator=(const ClientRows&) = delete;
+
+  // nullptr when the number is taken.
+  Row* add(const AccountEntry& account, std::int32_t number);
+  void remove(const AccountEntry& account);
+  void renumber(const AccountEntry& account, std::int32_t number);
+  // The row of an account, by its record or by its duplicate key; nullptr when it has none.
+  Row* of(const AccountEntry& account) const;
+  Row* of(std::string_view duplicate_key) const;
+  static const AccountEntry& record(const Row& row) { return *row.data_if<RowData>()->account; }
+  static const std::string& duplicate_key(const Row& row) { return row.data_if<RowData>()->duplicate_key; }
+
+ private:
+  struct RowData {
+    const AccountEntry* account = nullptr;
+    std::string duplicate_key;
+  };
+
+  static void make_cells(Row& row);
+
+  RowList& list_;
+  std::vector<Row*> rows_;  // by handle of the record; nullptr where it has none
+};
+
+}  // namespace tutti
