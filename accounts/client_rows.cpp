@@ -31,10 +31,13 @@ Row* ClientRows::add(const AccountEntry& account, std::int32_t number) {
 void ClientRows::make_cells(Row& row) {
   const AccountEntry& account = record(row);
   const AccountEntry::Shown& shown = account.shown;
+  // Whose record it is stays.
+  if (row.cell(Column::account).empty()) {
+    row.set_text(user_name, upper(account.user));
+    row.set_number(Column::account, account.account);
+  }
   row.set_number(index, static_cast<double>(row.key().number()), NumberFormat::index);
-  row.set_text(user_name, upper(account.user));
   row.set_text(state, state_text(shown.state), shown.ink);
-  row.set_number(Column::account, account.account);
   row.set_text(notes, shown.note);
   if (!shown.has_values) return row.clear_cells(balance, free_margin);
   row.set_number(balance, shown.values.balance, NumberFormat::summary);
