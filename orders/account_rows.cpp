@@ -13,6 +13,13 @@ Row* AccountRows::add(std::int32_t number, std::string_view share) {
   return row;
 }
 
+std::vector<std::int32_t> AccountRows::accounts() const {
+  std::vector<std::int32_t> out;
+  for (const Row& row : list_)
+    out.push_back(static_cast<std::int32_t>(row.key().number()));
+  return out;
+}
+
 void AccountRows::update_result(RowKey key, std::string_view text) {
   if (Row* row = list_.find(key)) row->set_text(Column::result_text, text);
 }

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/MGeneral.h"
 #include "core/row_list.h"
@@ -44,6 +45,7 @@ class AccountRows {
   Row* add(std::int32_t account, std::string_view amount);
   static bool came_back(const Row& row) { return row.reads(Column::result_text, came_back_text); }
   Row* find(std::int32_t account) const { return list_.find(client_key(account)); }
+  std::vector<std::int32_t> accounts() const;
   void update_result(RowKey key, std::string_view text);
   void update_amount(RowKey key, double amount);
   void remove(std::int32_t account);

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,22 +16,15 @@
 #include "core/label.h"
 #include "core/text_box.h"
 #include "orders/account_rows.h"
-#include "orders/order_answer.h"
-#include "orders/price_conditions.h"
+#include "orders/entry_draft.h"
+#include "orders/entry_edit.h"
+#include "orders/entry_hints.h"
+#include "orders/entry_market.h"
+#include "orders/entry_round.h"
 #include "sessions/desk.h"
 #include "views/frmPending.h"
 
 namespace tutti {
-
-// The prices of the form as numbers, for a drawing of them. What is not there is not known or not typed.
-struct PriceSketch {
-  std::optional<double> bid, ask;
-  std::optional<double> entry, stop_loss, take_profit;
-  std::optional<double> price_limit;  // the at-price lies beyond it, on the side of price_sign
-  std::optional<double> stop_loss_bound, take_profit_bound;
-  std::string_view price_sign;  // "<", ">" or empty
-  int digits = 5;
-};
 
 // Entry order window: one limit or stop order, with stop loss and take profit if wanted, for many accounts.
 // Distribute computes each ticked account's share, Submit sends. In its edit modes Submit sends the new
@@ -120,21 +112,21 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   // Back to a new order, with nothing typed and nothing ticked. Results stay.
   void clearFrmlimit();
   // An SL/TP request of this window was carried out.
-  void ManageSuccSLTPResult(std::int64_t order, std::int32_t account);
-  const std::string& mode() const { return mode_; }
+  void ManageSuccSLTPResult(std::int64_t, std::int32_t account) { round_.stops_carried_out(account); }
+  std::string mode() const { return std::string{!edit_ ? "" : edit_->stops() ? edit_stops : edit_order}; }
   // The order or ticket in edit mode, and its account.
-  std::int64_t edited() const { return edit_.number; }
-  std::int32_t edited_account() const { return edit_.account; }
+  std::int64_t edited() const { return edit_ ? edit_->request.number : 0; }
+  std::int32_t edited_account() const { return edit_ ? edit_->request.account : 0; }
 
   // In-place editor of a share, for new orders only; as that of the market order window.
-  bool open_editor(Row& row, std::size_t column) { return !editing_ && rows_.open_editor(row, column); }
+  bool open_editor(Row& row, std::size_t column) { return !edit_ && rows_.open_editor(row, column); }
   bool commit_editor() { return rows_.commit_editor(); }
   void cancel_editor() { rows_.cancel_editor(); }
   double GetLvwDeltaX(std::size_t column) const { return rows_.left_edge(column); }
   RowKey editor_row() const { return rows_.editor_row(); }
 
   // What the window shows beside the controls.
-  PriceSketch sketch() const;
+  PriceSketch sketch() const { return hints_.sketch(edit_); }
   Shares shares() const { return rows_.shares(); }
   ShareFault share_fault(const Row& row) const { return rows_.fault_of(row); }
   double minimum_lot() const { return general_.minimum_lot; }
@@ -142,12 +134,12 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   std::string left_out_text() const { return rows_.left_out_text(); }
   const AccountBook& account_book() const { return accounts_list_.account_book(); }
   // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
-  OrderAnswer answer_of(const Row& row) const;
-  OrderAnswers answers() const;
+  OrderAnswer answer_of(const Row& row) const { return round_.answer_of(row); }
+  OrderAnswers answers() const { return round_.answers(); }
   // Submit would take the stop loss and the take profit as they are typed.
-  bool stops_accepted() const { return check_stops() == Check::good; }
+  bool stops_accepted() const { return draft_.fault() == EntryDraft::Fault::none; }
   // The last press of Submit sent something, be it that it was not taken.
-  bool submitted() const { return !answers_.empty(); }
+  bool submitted() const { return !round_.empty(); }
 
   // EntryOrderDesk
   void add_account(std::int32_t account) override { Add(account); }
@@ -156,14 +148,16 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
     UpdateResult(client_key(account), text);
   }
   void symbols_changed() override;
-  std::vector<std::int32_t> accounts() const override;
+  std::vector<std::int32_t> accounts() const override { return rows_.accounts(); }
   void submit_available(bool available) override { cmdsubmitlimiorder.set_enabled(available); }
   void distribute_available() override;
   void prices(SymbolHandle symbol, const Symbol& record) override;
   void stop_request_succeeded(std::int64_t order, std::int32_t account) override {
     ManageSuccSLTPResult(order, account);
   }
-  void request_settled(const SentOrder& order, std::int32_t account) override;
+  void request_settled(const SentOrder& order, std::int32_t account) override {
+    round_.settled(order, account);
+  }
 
   // OrderWindow
   RowList& account_rows() override { return lvwConClients; }
@@ -171,66 +165,37 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   std::string_view no_balance_text() const override { return " no Balance  "; }
 
  private:
-  struct RowData {
-    // The operator ticked the row, or pressed Distribute with it ticked. If it is not ticked all the same,
-    // the account was refused.
-    bool wanted = false;
-    // What was sent last for the row, for when its result comes.
-    std::string stop_loss;
-    std::string take_profit;
-    std::string description;
-    double price = 0.0;
-    int round = 0;
-    bool stops_done = false;  // the SL/TP of that round were carried out
-  };
-  enum class Check { good, stop_loss_bad, take_profit_bad };
-
   void cblimitordersymbols_Click();
   void cblimiordertype_Click();
   void chkAllClients_Click();
-  void LblCheck_Click();
   void cmdsubmitlimiorder_Click();
   void ticked(Row& row);
 
-  EntryType type() const { return static_cast<EntryType>(cblimiordertype.index()); }
-  double number(const TextBox& box) const { return general_.locale->StringToNumber(box.text()); }
-  std::optional<double> typed(const TextBox& box) const;
-  void look_up_offsets();
-  std::optional<PriceConditions> conditions() const;
-  void write(const PriceConditions& conditions);
-  std::string brings(std::string_view tag, const TextBox& price) const;
-  void set_edit_controls(bool editing);
+  EntryType type() const { return draft_.type(); }
+  void set_edit_controls();
 
   // Submit.
   bool required_fields_filled();
-  bool every_share_there();
-  Check check_stops() const;
   bool prices_accepted();
-  StopPrices stop_prices() const;
-  void begin_round();
   bool send_new_orders();
   bool send_update();
   bool send_stops();
-  // Sends for a row what `send` sends, by the account's session, and reports the request code.
-  void send(Row& row, std::string_view kind, const std::string& description, double price,
-            const std::function<RequestCode(CClientAPIManager&)>& send);
+  void send(Row& row, std::string_view kind, std::string description, double price,
+            const std::function<RequestCode(CClientAPIManager&, int round)>& send);
 
   MGeneral& general_;
   frmMain& accounts_list_;
   SymbolCollection& symbols_;
   AccountRows rows_{general_, lvwConClients, txtEditPrice};
+  EntryRound round_{general_, accounts_list_, rows_, edit_stops};
+  EntryDraft draft_{general_, cblimiordertype, txtlimitorderammount, txtatprice, txtsl, txttp};
+  EntryMarket market_{symbols_};
+  EntryHints hints_{draft_,
+                    market_,
+                    {lblpricecondition, lblcondition, lblslcondition, lblslbound, lblslchanged,
+                     lbltpcondition, lbltpbound, lbltpchanged}};
   std::string column_widths_;
-  std::string mode_;
-  bool editing_ = false;
-  std::string side_;  // of the position in edit mode "SLTP ": "Buy" or "Sell"
-  EditRequest edit_;  // what is edited
-
-  SymbolHandle symbol_ = no_symbol;  // the chosen one
-  MarketDistances market_;           // as the conditions were told last
-  bool offsets_stale_ = true;        // accounts came or went since the distances were asked for
-
-  int round_ = 0;
-  std::map<std::int32_t, OrderAnswer> answers_;  // of the round, by account
+  std::optional<EntryEdit> edit_;  // nothing for a new order
 };
 
 }  // namespace tutti

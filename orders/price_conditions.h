@@ -42,4 +42,14 @@ std::optional<PriceConditions> entry_conditions(EntryType type, const MarketDist
 // Of the SL/TP of a position, by the form's side text; nothing for texts other than "Buy" and "Sell".
 std::optional<PriceConditions> position_conditions(std::string_view side, const MarketDistances& market);
 
+// The prices of the form as numbers, for a drawing of them. What is not there is not known or not typed.
+struct PriceSketch {
+  std::optional<double> bid, ask;
+  std::optional<double> entry, stop_loss, take_profit;
+  std::optional<double> price_limit;  // the at-price lies beyond it, on the side of price_sign
+  std::optional<double> stop_loss_bound, take_profit_bound;
+  std::string_view price_sign;  // "<", ">" or empty
+  int digits = 5;
+};
+
 }  // namespace tutti

@@ -1,0 +1,82 @@
+#include "orders/entry_round.h"
+
+#include <utility>
+
+#include "core/numbers.h"
+#include "core/texts.h"
+#include "sessions/result_texts.h"
+
+namespace tutti {
+
+void EntryRound::begin() {
+  ++round_;
+  answers_.clear();
+}
+
+std::string EntryRound::report(RequestCode code, std::int32_t number, const Request& request) {
+  return accounts_list_.Result(code, number, request.kind, request.description, request.price,
+                               request.stop_loss, request.take_profit);
+}
+
+void EntryRound::send(Row& row, Request request,
+                      const std::function<RequestCode(CClientAPIManager&, int)>& send) {
+  const auto number = static_cast<std::int32_t>(row.key().number());
+  auto& data = row.data<RowData>();
+  data.sent = std::move(request);
+  data.round = round_;
+  CClientAPIManager* session = accounts_list_.sessions().logged_in(number);
+  const RequestCode code = session == nullptr ? request::invalid_account : send(*session, round_);
+  answers_[number] = code == request::taken ? OrderAnswer::waiting : OrderAnswer::refused;
+  // SL/TP that are taken are journaled when they are carried out.
+  if (code == request::taken && data.sent.kind == stops_) return;
+  const std::string text = report(code, number, data.sent);
+  // A refusal without a text is counted and nothing more.
+  if (code == request::taken || text.empty()) return;
+  note(row, text);
+  general_.log("Request " + std::string{trim(data.sent.kind)} + " " + data.sent.description + " at " +
+                   number_text(data.sent.price) + " was not taken: " + text,
+               number);
+}
+
+void EntryRound::settled(const SentOrder& order, std::int32_t number) {
+  const auto at = answers_.find(number);
+  if (order.round == round_ && at != answers_.end()) at->second = answer_from(order.outcome);
+  Row* row = rows_.find(number);
+  if (row == nullptr) return;
+  // Of an update some refusals say nothing.
+  if (order.kind == RequestKind::update && order.outcome == SentOrder::Outcome::refused &&
+      result_texts::update_entry(order.result_code).empty())
+    return note(*row, "");
+  // Handlers that have a text of their own write it over this one.
+  note(*row, order.outcome == SentOrder::Outcome::unknown
+                 ? "unknown"
+                 : CClientAPIManager::ResultDescription(order.result_code));
+  auto& data = row->data<RowData>();
+  if (order.kind == RequestKind::stops && order.round == data.round)
+    data.stops_done = order.outcome == SentOrder::Outcome::accepted;
+}
+
+void EntryRound::stops_carried_out(std::int32_t number) {
+  Row* row = rows_.find(number);
+  if (row == nullptr) return;
+  auto& data = row->data<RowData>();
+  if (!std::exchange(data.stops_done, false)) return;
+  data.sent.kind = stops_;
+  note(*row, report(request::taken, number, data.sent));
+}
+
+OrderAnswer EntryRound::answer_of(const Row& row) const {
+  const auto at = answers_.find(static_cast<std::int32_t>(row.key().number()));
+  if (at != answers_.end()) return at->second;
+  const auto* data = row.data_if<RowData>();
+  return data != nullptr && data->wanted && !row.checked() ? OrderAnswer::left_out : OrderAnswer::none;
+}
+
+OrderAnswers EntryRound::answers() const {
+  OrderAnswers out;
+  for (const auto& [number, answer] : answers_)
+    out.count(answer);
+  return out;
+}
+
+}  // namespace tutti
