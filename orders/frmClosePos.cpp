@@ -2,24 +2,14 @@
 
 #include "orders/frmClosePos.h"
 
+#include <tsl/robin_map.h>
 #include <algorithm>
 #include <utility>
-
-#include "accounts/account_texts.h"
-#include "core/numbers.h"
 
 namespace tutti {
 namespace {
 
-// Twelve blanks: the ticket is read back as what stands behind them.
-constexpr std::string_view position_prefix = "            #";
-constexpr std::string_view no_price_text = "Close";
 constexpr std::string_view column_widths = "12,38,10,40";
-
-std::string position_text(const PositionBook::Record& open) {
-  return std::string{position_prefix} + std::to_string(open.ticket) + " " + frmTrade::type_text(open) + " " +
-         number_text(open.amount) + " " + open.symbol + " at " + fixed_text(open.open_price, open.digits);
-}
 
 RowKey key_of(const OpenPosition& position) {
   return ticket_key(position.ticket, position.account);
@@ -54,10 +44,10 @@ void frmClosePos::Displayed(bool displayed) {
   if (displayed_ == displayed) return;
   displayed_ = displayed;
   if (!displayed || renew()) return;
-  const std::vector<frmTrade::Close> marks = marked_positions();
+  const std::vector<frmTrade::Close> marks = rows_.marked_positions();
   rebuild();
   for (const frmTrade::Close& position : marks) {
-    if (Row* row = searchpos(position.ticket, position.account)) mark(*row, true);
+    if (Row* row = searchpos(position.ticket, position.account)) CloseRows::mark(*row, true);
   }
   // Positions that came meanwhile are not marked.
   const auto positions = std::count_if(MSH.begin(), MSH.end(), is_position);
@@ -74,12 +64,12 @@ void frmClosePos::rebuild() {
   MSH.set_headers(headers_);
   symbol_name_ = CloseSymbols.text();
   symbol_ = symbols_.find(symbol_name_);
-  ask_ = bid_ = 0.0;
+  rows_.forget_prices();
   for (const Wanted& each : wanted()) {
     if (each.open == nullptr) {
       add_client(static_cast<std::int32_t>(each.key.number()));
     } else {
-      write_position(*MSH.add(each.key), *each.open);
+      rows_.write(*MSH.add(each.key), *each.open);
     }
   }
 }
@@ -90,14 +80,14 @@ bool frmClosePos::renew() {
   const auto same = [](const Row& row, const Wanted& each) { return row.key() == each.key; };
   if (!std::equal(MSH.begin(), MSH.end(), rows.begin(), rows.end(), same)) return false;
   symbol_ = symbols_.find(symbol_name_);
-  ask_ = bid_ = 0.0;
+  rows_.forget_prices();
   for (std::size_t at = 0; at < rows.size(); ++at) {
     Row& row = MSH.row(at);
     if (rows[at].open == nullptr) {
-      show_state(row, AccountState::connected);
+      CloseRows::show_state(row, AccountState::connected);
     } else {
-      write_position(row, *rows[at].open);
-      write_no_price(row);
+      rows_.write(row, *rows[at].open);
+      rows_.write_no_price(row);
     }
   }
   return true;
@@ -127,21 +117,6 @@ std::vector<frmClosePos::Wanted> frmClosePos::wanted() const {
   return out;
 }
 
-void frmClosePos::show_state(Row& above, AccountState state) {
-  above.data<RowData>() = {Kind::account, state};
-  above.set_text(Column::status, state_text(state));
-}
-
-Row& frmClosePos::add_client(std::int32_t number) {
-  Row* row = get_index(number);
-  if (row == nullptr) {
-    row = MSH.add(client_key(number));
-    row->set_number(Column::account, number);
-  }
-  show_state(*row, AccountState::connected);
-  return *row;
-}
-
 void frmClosePos::Add(const Record& position) {
   if (!displayed_ || position.symbol != symbol_name_) return;
   Row* row = MSH.find(key_of(position));
@@ -150,55 +125,17 @@ void frmClosePos::Add(const Record& position) {
     row = MSH.insert(MSH.index_of(add_client(position.account)) + 1, key_of(position));
     chkAllClients.set_checked(false);
   }
-  write_position(*row, position);
-}
-
-void frmClosePos::write_position(Row& row, const Record& open) {
-  const std::string text = position_text(open);
-  const auto has = [&text](const char* word) { return text.find(word) != std::string::npos; };
-  const bool is_new = row.cell(Column::status).empty();
-  row.set_text(Column::status, text);
-  row.set_number(Column::amount, open.amount);
-  row.data<RowData>().kind = has("Sell") ? Kind::sell : has("Buy") ? Kind::buy : Kind::other;
-  if (is_new) write_no_price(row);
-}
-
-void frmClosePos::write_no_price(Row& row) {
-  row.set_text(Column::action, no_price_text);
-  write_price(row);
-  // A request that is still on its way is to be seen as such.
-  if (answer_of(row) == OrderAnswer::waiting) write_action(row, waiting_text);
-}
-
-// Of a request, until the next price.
-void frmClosePos::write_action(Row& row, std::string_view text) {
-  row.set_text(Column::action, text);
-  overwritten_ = true;
-}
-
-void frmClosePos::write_price(Row& row) const {
-  const auto* data = row.data_if<RowData>();
-  if (data == nullptr) return;
-  if (data->kind == Kind::sell && bid_ != 0.0) row.set_number(Column::action, bid_, NumberFormat::close_at);
-  if (data->kind == Kind::buy && ask_ != 0.0) row.set_number(Column::action, ask_, NumberFormat::close_at);
-}
-
-void frmClosePos::RefreshPrice(double ask, double bid) {
-  ask_ = ask;
-  bid_ = bid;
-  overwritten_ = false;
-  for (Row& row : MSH)
-    write_price(row);
+  rows_.write(*row, position);
 }
 
 void frmClosePos::prices(SymbolHandle handle, const Symbol& symbol) {
   if (!displayed_ || handle != symbol_) return;
   // Every account of the symbol tells of the same price, which is no change after the first of them.
-  if (symbol.ask != ask_ || symbol.bid != bid_ || overwritten_) RefreshPrice(symbol.ask, symbol.bid);
+  if (!rows_.shows_prices(symbol.ask, symbol.bid)) RefreshPrice(symbol.ask, symbol.bid);
 }
 
 void frmClosePos::removed(const Record& position) {
-  answers_.erase(key_of(position));
+  round_.forget(key_of(position));
   if (displayed_) Remove(position.ticket, position.account);
 }
 
@@ -207,38 +144,27 @@ void frmClosePos::Remove(std::int64_t ticket, std::int32_t number) {
   if (row == nullptr) return;
   Row* above = get_index(number);
   MSH.remove(*row);
-  if (above != nullptr) remove_if_empty(*above);
-}
-
-// An account that is not connected stays, so that the operator sees why its positions are gone.
-void frmClosePos::remove_if_empty(Row& above) {
-  if (shows_connected(above) && positions_of(above).empty()) MSH.remove(above);
+  if (above != nullptr) rows_.remove_if_empty(*above);
 }
 
 void frmClosePos::add_account(std::int32_t number) {
   if (!displayed_ || symbol_name_.empty()) return;
   for (const Record* open : book_.of_account(number))
     Add(*open);
-  if (Row* row = get_index(number)) remove_if_empty(*row);
+  if (Row* row = get_index(number)) rows_.remove_if_empty(*row);
 }
 
 void frmClosePos::remove_account(std::int32_t number) {
   Row* above = displayed_ ? get_index(number) : nullptr;
   if (above == nullptr) return;
-  for (Row* position : positions_of(*above)) {
+  for (Row* position : rows_.positions_of(*above)) {
     if (book_.find(position->key().number(), number) == nullptr) MSH.remove(*position);
   }
   // Another session may have the account connected.
-  if (connected(number)) return remove_if_empty(*above);
-  show_state(*above, logged_out_state_);
+  if (connected(number)) return rows_.remove_if_empty(*above);
+  CloseRows::show_state(*above, logged_out_state_);
   // One that has left the accounts list leaves this one, too.
-  if (accounts_list_.sessions().by_account(number) == nullptr) take_out(*above);
-}
-
-void frmClosePos::take_out(Row& above) {
-  for (Row* position : positions_of(above))
-    MSH.remove(*position);
-  MSH.remove(above);
+  if (accounts_list_.sessions().by_account(number) == nullptr) rows_.take_out(*above);
 }
 
 void frmClosePos::account_state(std::int32_t number, AccountState state) {
@@ -246,9 +172,9 @@ void frmClosePos::account_state(std::int32_t number, AccountState state) {
   // Another session may have the account connected.
   if (row == nullptr || (state != AccountState::connected && connected(number))) return;
   if (state == AccountState::invalid) {
-    take_out(*row);
+    rows_.take_out(*row);
   } else {
-    show_state(*row, state);
+    CloseRows::show_state(*row, state);
   }
 }
 
@@ -261,9 +187,8 @@ void frmClosePos::refresh_symbols() {
 }
 
 void frmClosePos::result(std::int64_t ticket, std::int32_t number, std::string_view text) {
-  answers_[ticket_key(ticket, number)] = text;
-  unsent_.erase(ticket_key(ticket, number));
-  if (Row* row = searchpos(ticket, number)) write_action(*row, text);
+  round_.result(ticket_key(ticket, number), text);
+  if (Row* row = searchpos(ticket, number)) rows_.write_action(*row, text);
 }
 
 }  // namespace tutti

@@ -7,9 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include <tsl/robin_map.h>
-#include <tsl/robin_set.h>
-
 #include "accounts/frmMain.h"
 #include "books/position_book.h"
 #include "books/symbol_collection.h"
@@ -19,6 +16,7 @@
 #include "core/combo_box.h"
 #include "core/label.h"
 #include "core/row_list.h"
+#include "orders/close_rows.h"
 #include "orders/order_answer.h"
 #include "sessions/desk.h"
 #include "views/frmTrade.h"
@@ -34,15 +32,12 @@ namespace tutti {
 // stands still; showing it brings it up to date, and the marks of the positions that are still there stay.
 class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observer {
  public:
-  enum Column : std::size_t { account, status, amount, action };
+  using Column = CloseRows::Column;
+  using enum CloseRows::Column;
   // Types of the questions whose yes closes the marked positions, and one position.
   static constexpr std::int32_t marked_question = 2;
   static constexpr std::int32_t single_question = 4;
-  // What Action reads from a request on until its answer, or the next price.
-  static constexpr std::string_view waiting_text = " Waiting.....";
-  // The mark of a position is the ground of its Status cell and nothing else. Both look the same.
-  static constexpr Rgb marked_ground{254, 255, 255};
-  static constexpr Rgb unmarked_ground{255, 255, 255};
+  static constexpr std::string_view waiting_text = CloseRows::waiting_text;
 
   using Record = PositionBook::Record;
 
@@ -65,16 +60,14 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   // A position that is open now: its row is added under its account's, or brought up to date.
   void Add(const Record& position);
   // Row of a connected account, made at the end of the grid when it has none.
-  Row& add_client(std::int32_t account);
+  Row& add_client(std::int32_t account) { return rows_.add(account); }
   // Takes a position out, and its account's row when that has none left.
   void Remove(std::int64_t ticket, std::int32_t account);
   // nullptr when the grid has no such row.
-  Row* get_index(std::int32_t account) const { return MSH.find(client_key(account)); }
-  Row* searchpos(std::int64_t ticket, std::int32_t account) const {
-    return MSH.find(ticket_key(ticket, account));
-  }
+  Row* get_index(std::int32_t account) const { return rows_.find(account); }
+  Row* searchpos(std::int64_t ticket, std::int32_t account) const { return rows_.find(ticket, account); }
   // Each position shows the price of its own side: a Buy the ask, a Sell the bid.
-  void RefreshPrice(double ask, double bid);
+  void RefreshPrice(double ask, double bid) { rows_.show_prices(ask, bid); }
 
   // A click on a cell. On "Close" it asks and closes that position; on any other cell of a position it
   // toggles the mark; on an account it marks all its positions, or unmarks them when all are.
@@ -99,20 +92,25 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   std::function<void()> show;
   std::function<void(const Row&)> reveal;
 
-  static bool is_position(const Row& row) { return row.key().prefix() == ticket_key(0, 0).prefix(); }
-  static bool marked(const Row& row) { return row.cell(Column::status).ground() == marked_ground; }
-  std::size_t marked_count() const;
+  static bool is_position(const Row& row) { return CloseRows::is_position(row); }
+  static bool marked(const Row& row) { return CloseRows::marked(row); }
+  std::size_t marked_count() const { return rows_.marked_count(); }
   // What became of the last close request for a row's position, and what the server said of one that was
   // refused or is in dealing.
-  OrderAnswer answer_of(const Row& row) const;
-  std::string_view answer_text(const Row& row) const;
+  OrderAnswer answer_of(const Row& row) const {
+    return is_position(row) ? round_.answer_of(row.key()) : OrderAnswer::none;
+  }
+  std::string_view answer_text(const Row& row) const {
+    return is_position(row) ? round_.text_of(row.key()) : std::string_view{};
+  }
   // What an account's row says of it.
-  static bool shows_connected(const Row& account) { return shows(account, AccountState::connected); }
+  static bool shows_connected(const Row& account) {
+    return CloseRows::shows(account, AccountState::connected);
+  }
   // The user names that the account of a row stands under.
   std::string user_names(const Row& row) const;
-  // What became of all requests of the last close. Counts those on their way, so whoever shows it may ask
-  // once a frame.
-  OrderAnswers answers();
+  // What became of all requests of the last close; as CloseRound.
+  OrderAnswers answers() { return round_.answers(); }
 
   // ClosePositionsDesk
   void prepare(const std::vector<std::string>& headers, AccountState logged_out) override;
@@ -128,13 +126,6 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   void removed(const Record& position) override;
 
  private:
-  // What a row is, by its texts; kept in the row so that a price need not read them.
-  enum class Kind : std::uint8_t { account, buy, sell, other };
-  struct RowData {
-    Kind kind = Kind::other;
-    AccountState state = AccountState::disconnected;  // that an account's row shows
-  };
-
   // frmClosePos.cpp
   // A row of the grid as it should be now: a position that is open, or an account, which has no `open`.
   struct Wanted {
@@ -146,26 +137,9 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   bool renew();
   std::vector<Wanted> wanted() const;
   bool connected(std::int32_t account) const { return accounts_list_.account_book().connected(account); }
-  static void show_state(Row& account, AccountState state);
-  static bool shows(const Row& account, AccountState state) {
-    const auto* data = account.data_if<RowData>();
-    return data != nullptr && data->kind == Kind::account && data->state == state;
-  }
-  void write_position(Row& row, const Record& open);
-  void write_no_price(Row& row);
-  void write_price(Row& row) const;
-  void write_action(Row& row, std::string_view text);
-  void remove_if_empty(Row& account);
-  void take_out(Row& account);
 
   // frmClosePos_close.cpp
-  std::vector<Row*> positions_of(const Row& account);
-  static void mark(Row& row, bool marked);
-  std::vector<frmTrade::Close> marked_positions() const;
-  static std::int64_t ticket_of(const Row& row);
   void send(const std::vector<frmTrade::Close>& positions);
-  const SentOrder* close_request(RowKey position) const;
-  bool not_sent(RowKey position, const SentOrder* sent) const;
   void take_block();
 
   MGeneral& general_;
@@ -178,16 +152,11 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   AccountState logged_out_state_ = AccountState::disconnected;
   bool displayed_ = false;
   std::string symbol_name_;
-  SymbolHandle symbol_ = no_symbol;  // the one the grid is of
-  double ask_ = 0.0;                 // that came since the grid is of it, 0 until one does
-  double bid_ = 0.0;
-  bool overwritten_ = false;                                   // something else stands where the price did
-  std::uint64_t names_stamp_ = ~std::uint64_t{0};              // of the symbols that are offered
-  std::deque<PositionBlock> blocks_;                           // that wait
-  std::vector<frmTrade::Close> sent_;                          // with the last close and not settled yet
-  tsl::robin_set<RowKey, RowKey::Hash> unsent_;                // whose last close was not even sent
-  OrderAnswers settled_;                                       // the others of the last close
-  tsl::robin_map<RowKey, std::string, RowKey::Hash> answers_;  // last results of closes, by position
+  SymbolHandle symbol_ = no_symbol;                // the one the grid is of
+  std::uint64_t names_stamp_ = ~std::uint64_t{0};  // of the symbols that are offered
+  std::deque<PositionBlock> blocks_;               // that wait
+  CloseRound round_{accounts_list_};
+  CloseRows rows_{MSH, round_};
 };
 
 }  // namespace tutti
