@@ -318,6 +318,14 @@ TEST(SavedAccounts, AnEditLeavesTheOldOrTheNewLineAtEveryMoment) {
   for (const auto& [file, password] :
        {std::pair{std::string{records}, "NEW"}, {records + std::string{"new"}, "OLD"}})
     EXPECT_EQ(decode_record(sorted_lines(terminal.home->read(file)).at(0), **key.find())->password, password);
+
+  // What only the connected are known to have comes into the list of all.
+  terminal.home->write(all_list, "ASPEN,ASPEN02,500101\n");
+  const Paths paths{home};
+  const TextFile files{paths};
+  ASSERT_TRUE((SavedLists{files, paths}.replace("ALDER,500100", {"ALDER", std::string{"newer"}, 500'100})));
+  for (const char* file : {all_list, connected_list})
+    EXPECT_EQ(sorted_lines(terminal.home->read(file)), (Texts{"ALDER,newer,500100", "ASPEN,ASPEN02,500101"}));
 }
 
 TEST(SavedAccounts, EqualLinesAreWrittenOnceAndSaveAsCopiesTheConnected) {

@@ -34,6 +34,7 @@ TEST(Numbers, ReaderStopsAtTheFirstForeignCharacter) {
       {"-inf", 0}, {"1e999", 0}, {"0x1F", 0},     {"\t5", 0}};
   for (const auto& [text, value] : cases)
     EXPECT_EQ(read_number(text), value) << '"' << text << '"';
+  EXPECT_EQ(read_number(std::string_view{"1234"}.substr(0, 2)), 12.0) << "not what stands behind the text";
   EXPECT_EQ(read_integer("-7.9"), -7);
   EXPECT_EQ(read_integer("9999999999"), std::numeric_limits<std::int32_t>::max());
   // The strict readers want the whole text.

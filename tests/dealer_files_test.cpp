@@ -41,6 +41,7 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
       {"seed = 1\nsed = 2\n", "line 2: sed"},
       {"\nminimum_lot = \"1\"\n", "line 2: minimum_lot"},
       {"endpoint = \"here\"\n", "line 1: endpoint"},
+      {"symbol = [1]\n", "line 1: symbol must be written as [[symbol]]"},
       {"[[symbol]]\nname = \"NEW\"\nprofit = \"USD\"\n", "line 1: base is missing"},
       {"[[symbol]]\nname = \"EURUSD\"\n[[symbol]]\nname = \"EURUSD\"\n", "line 4: name is given twice"},
       {"[[account]]\nnumber = 1\nuser = \"A\"\npassword = \"B\"\ncurrency = \"XXX\"\n", "to XXX"},
@@ -218,6 +219,7 @@ TEST_F(DealerFiles, ADamagedBookChangesNothing) {
   const std::pair<std::string, const char*> cases[] = {
       {"", "version is missing"},
       {"version = 2\nnext_number = 1\n", "line 1: version"},
+      {"version = 1\nnext_number = 1\nera = \"12x\"\n", "line 3: era must be"},
       {head + "balance = nan\ncredit = 0\n", "line 5: balance"},
       {position + "open_time_ms = 1\nsymbol = \"EURUSD\"\namount = 1\nticket = 50\n", "line 14: ticket"},
       {position + "open_time_ms = 1\nsymbol = \"NONE\"\namount = 1\nticket = 5\n", "trades NONE"},

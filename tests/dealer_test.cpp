@@ -192,6 +192,31 @@ TEST(Dealer, PricesThatWaitAreToldOnceAndLatest) {
   EXPECT_EQ(seat.seen->prices, 20);
   EXPECT_EQ(seat.seen->events, (Words{"summary", "order 1", "opened", "summary"}));
   EXPECT_EQ(seat.seen->last_bid, rig.server.market().quote(0).bid);
+
+  // What waited goes with the sink, and the next is told.
+  rig.clock.advance(std::chrono::seconds{25});
+  rig.server.advance();
+  seat.client->set_sink(nullptr);
+  seat.client->set_sink(seat.seen.get());
+  rig.clock.advance(std::chrono::seconds{25});
+  rig.server.advance();
+  rig.drain();
+  EXPECT_EQ(seat.seen->prices, 40);
+}
+
+TEST(Dealer, PricesWalkWithoutDrift) {
+  DealerRig rig(DealerConfig::sample(1));
+  for (int second = 0; second < 300; ++second) {
+    rig.clock.advance(std::chrono::seconds{1});
+    rig.server.advance();
+  }
+  const Market& market = rig.server.market();
+  for (std::size_t i = 0; i < market.count(); ++i) {
+    const SymbolConfig& symbol = market.symbol(i);
+    const double moves =
+        (market.quote(i).bid - symbol.bid) * std::pow(10.0, symbol.digits) / symbol.volatility;
+    EXPECT_LT(std::abs(moves), 150.0) << symbol.name;
+  }
 }
 
 TEST(Dealer, NothingReachesASinkThatWasTakenAway) {
@@ -200,10 +225,11 @@ TEST(Dealer, NothingReachesASinkThatWasTakenAway) {
   DealerRig::send(seat, buy, "EURUSD", 1.0);
   rig.clock.advance(std::chrono::milliseconds{200});
   rig.server.advance();
-  seat.client->set_sink(nullptr);
-  seat.client->set_sink(seat.seen.get());
+  std::remove_reference_t<decltype(*seat.seen)> next;
+  seat.client->set_sink(&next);
   rig.drain();
-  EXPECT_TRUE(seat.seen->events.empty());
+  EXPECT_TRUE(seat.seen->events.empty() && next.events.empty());
+  seat.client->set_sink(seat.seen.get());
 
   // The client goes while its own event runs and an order is on its way; the order is executed all the same.
   seat.seen->on_report = [&] {

@@ -450,6 +450,7 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   RowList& orders = desk.main->pending().lvwPending;
   RowList& positions = desk.main->trade().lvwOpenPos;
 
+  desk.client(1).profit_per_point = 100.0;
   desk.distribute("3");
   orders.activate(orders.row(0));
   EXPECT_EQ(state(), "Limit Orders Sell Stop 0.5 1.20000 1.25000 . -|x0.5|-|");
@@ -459,6 +460,7 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   form.cmdsubmitlimiorder.click();
   EXPECT_EQ(desk.boxes(), Texts{"Alert: Invalid Price"});
   desk.type(form.txtsl, "1.3");
+  EXPECT_EQ(form.lbltpchanged.text() + " " + form.lblslchanged.text(), "5 -10") << "of a sale";
   form.cmdsubmitlimiorder.click();
   EXPECT_EQ(desk.sent(2), Texts{"update 40 at 1.1 sl 1.3 tp 1"});
   EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
@@ -474,7 +476,6 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
 
   // A position from either list; its stop loss is on the side that the texts would refuse.
-  desk.client(1).profit_per_point = 100.0;
   positions.activate(positions.row(0));
   EXPECT_EQ(state(), "SLTP  Buy Limit 2 . . 1.70000 -|-|x2| at off");
   EXPECT_EQ(form.lbltpchanged.text(), "50");

@@ -146,6 +146,7 @@ TEST_F(SessionEvents, TotalsFollowSummariesAndDisconnections) {
   during([&] { other.SummariesChanged({.balance = 1e14}); });
   during([&] { other.SummariesChanged({.balance = 0.3}); });
   EXPECT_EQ(rig.general.totals.balance, 1000.5 + 1e14 - 1e14 + 0.3);
+  EXPECT_EQ(rig.totals().find("   Flt"), std::string::npos) << "the blanks of a summary";
   EXPECT_EQ(session.SummaryDesc(1.256, -0.001, 2.5), "Balance: 1.26  Equity: 0  EffMargin: 2.5");
 }
 
