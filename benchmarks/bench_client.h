@@ -71,7 +71,7 @@ class BenchClient final : public ClientAPI {
   const AccountSummary* const* values_;
   const BenchMarket& market_;
   double last_amount_ = 0.0;
-  std::int32_t last_side_ = 0;
+  Operation last_side_ = Operation::none;
   std::int32_t last_symbol_ = 0;
   bool logged_in_ = false;
 };

@@ -9,7 +9,7 @@ namespace tutti::bench {
 BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
     : accounts_(
           general_, desk_, books_, file_dialog_,
-          [this, &market] {
+          [this, &market](const LoginData&) {
             auto client = std::make_unique<BenchClient>(market, &values_);
             clients_.push_back(client.get());
             return client;
