@@ -114,9 +114,14 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   form.Displayed(true);
   EXPECT_EQ(grid(form), (Texts{"2|Connected||", "*" + row(21, "Buy", "Close"), "3|Connected||",
                                row(31, "Buy", "Close")}));
-  // A click on the symbol unmarks everything, the box included.
+  // A click on the symbol unmarks everything, the box included, as unmarking one unticks the box.
   form.chkAllClients.click();
   EXPECT_EQ(form.marked_count(), 2u);
+  for (const std::size_t left : {1u, 2u}) {
+    form.click(form.MSH.row(1), 0);
+    EXPECT_TRUE(form.marked_count() == left && !form.chkAllClients.checked()) << left;
+  }
+  form.chkAllClients.click();
   form.CloseSymbols.choose("EURUSD");
   EXPECT_EQ(form.marked_count(), 0u);
   EXPECT_FALSE(form.chkAllClients.checked());

@@ -160,6 +160,7 @@ TEST(Tuttictl, EveryCommandExplainsItself) {
                                                       ".*\n\nExit status: 0 .*;\n  2 wrong usage"}))
         << rig.out;
   }
+  EXPECT_NE(rig.out.find("Exit status: 0 no difference, 1 differences"), std::string::npos);
 }
 
 // A day on two accounts: each command once for people and once for machines.
