@@ -17,9 +17,15 @@ void Row::Deleter::operator()(Row* row) const {
 
 void Row::make_cells() const {
   assert(shared_->make_cells);
+  // Should the maker fail, what stands there is out of date still.
+  struct Making {
+    Age& age;
+    Age then = Age::outdated;
+    ~Making() { age = then; }
+  } making{age_};
   age_ = Age::being_made;
   shared_->make_cells(const_cast<Row&>(*this));
-  age_ = Age::current;
+  making.then = Age::current;
 }
 
 }  // namespace tutti
