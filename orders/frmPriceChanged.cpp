@@ -10,7 +10,7 @@ constexpr std::string_view rejected_word = " rejected";
 
 // A new market order, not a close.
 bool is_new_order(const PendingOrder& order) {
-  return order.kind == "OP";
+  return order.kind == OrderKind::open;
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ std::int64_t SessionRecords::stops_order_of(std::int64_t ticket) const {
   std::int64_t out = 0;
   for (int index = 1; index <= scope_.client.PendingOrderCount(); ++index) {
     const PendingOrder* item = scope_.client.PendingOrderItem(index);
-    if (item != nullptr && item->kind == "ST" && item->reference == ticket) out = item->order;
+    if (item != nullptr && item->kind == OrderKind::stops && item->reference == ticket) out = item->order;
   }
   return out;
 }

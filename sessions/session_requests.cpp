@@ -24,11 +24,11 @@ std::string words(const SentOrder& order, const SymbolCollection& symbols) {
          (order.symbol == no_symbol ? "" : symbols.entry(order.symbol).name);
 }
 
-PendingOrder in_dealing(const OrderReport& report, std::int32_t account, const char* kind, TimePoint now) {
+PendingOrder in_dealing(const OrderReport& report, std::int32_t account, OrderKind kind, TimePoint now) {
   return {.order = report.number,
           .account = account,
           .kind = kind,
-          .reference = std::string_view{kind} == "CP" ? report.number : 0,
+          .reference = kind == OrderKind::close ? report.number : 0,
           .operation = report.operation,
           .symbol = report.symbol,
           .amount = report.amount,
@@ -42,7 +42,8 @@ bool SessionRequests::new_order(const OrderReport& report) {
   const bool done = report.result == result::succeeded;
   const bool dealing = done && report.state == order_state::pending;
   const bool ours = sent_.settle(sent_.opening(report), report);
-  if (ours && dealing) records_.list(in_dealing(report, scope_.account, "OP", scope_.general.clock.now()));
+  if (ours && dealing)
+    records_.list(in_dealing(report, scope_.account, OrderKind::open, scope_.general.clock.now()));
   const std::string line = dealing ? "Order " + std::to_string(report.number) + " in Pending mode"
                            : done  ? accepted_text(report)
                                    : std::string{result_texts::new_order(report.result)};
@@ -113,7 +114,8 @@ void SessionRequests::tell_close(const OrderReport& report, bool ours) {
   scope_.log("Request close ticket #" + number + std::string{result_texts::type_word(report.operation)} +
              number_text(report.amount) + report.symbol + " at " + number_text(report.price));
   const bool pending = report.state == order_state::pending;
-  if (ours && pending) records_.list(in_dealing(report, scope_.account, "CP", scope_.general.clock.now()));
+  if (ours && pending)
+    records_.list(in_dealing(report, scope_.account, OrderKind::close, scope_.general.clock.now()));
   const std::string text =
       pending ? "Position in pending mode" : "Postion " + number + " is closed successfuly";
   scope_.log(text);

@@ -17,7 +17,7 @@ TEST(AccountRows, EqualNumbersOfTwoAccountsStandInTwoRows) {
   ScriptedTerminal desk;
   Main& main = *desk.main;
   OpenPosition position{.ticket = 7, .side = operation::buy, .symbol = "EURUSD", .amount = 0.5};
-  PendingOrder order{.order = 9, .kind = "OP", .symbol = "EURUSD", .amount = 1.0};
+  PendingOrder order{.order = 9, .kind = OrderKind::open, .symbol = "EURUSD", .amount = 1.0};
   for (const std::int32_t account : {1, 2}) {
     position.account = order.account = account;
     desk.client(account).sink->NewOpenPosition(position);
@@ -60,8 +60,8 @@ struct TwoRows : ScriptedTerminal {
   TwoRows() {
     const OpenPosition both{.ticket = 11, .account = 1, .side = operation::buy, .symbol = "EURUSD"},
         own{.ticket = 12, .account = 1, .side = operation::buy, .symbol = "EURUSD"};
-    const PendingOrder order{.order = 21, .account = 1, .kind = "LO", .symbol = "EURUSD"},
-        own_order{.order = 22, .account = 1, .kind = "OP", .symbol = "EURUSD"};
+    const PendingOrder order{.order = 21, .account = 1, .kind = OrderKind::entry, .symbol = "EURUSD"},
+        own_order{.order = 22, .account = 1, .kind = OrderKind::open, .symbol = "EURUSD"};
     first.positions = {both};
     first.orders = {order};
     second.positions = {both, own};

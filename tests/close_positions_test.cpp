@@ -216,7 +216,7 @@ TEST(ClosePositions, QuestionsTellWhatTheyAreAbout) {
   EXPECT_EQ(desk.prompt.take_texts(),
             (Texts{sure_of_one, sure_of_one, sure_of_one, "Position 22 is no longer open"}));
 
-  desk.client(1).sink->NewPendingOrder({40, 1, "LO", 0, operation::buy, 71, "EURUSD", 0.5, 1.2});
+  desk.client(1).sink->NewPendingOrder({40, 1, OrderKind::entry, 0, operation::buy, 71, "EURUSD", 0.5, 1.2});
   frmPending& pending = desk.main->pending();
   pending.lvwPending.tick(pending.lvwPending.row(0), true);
   pending.lbbCancel.click();

@@ -96,10 +96,12 @@ class DealerRecorder final : public CLAPICLASS {
     note("not stopped ", order, ResultCode::none);
   }
   void NewPendingOrder(const PendingOrder& order) override {
-    events.push_back("+" + order.kind);
+    events.push_back("+" + std::string{order_kind::text(order.kind)});
     orders.push_back(order);
   }
-  void DeletePendingOrder(const PendingOrder& order) override { events.push_back("-" + order.kind); }
+  void DeletePendingOrder(const PendingOrder& order) override {
+    events.push_back("-" + std::string{order_kind::text(order.kind)});
+  }
   void OrderTimer(const Requote& requote) override {
     events.push_back("tick " + std::to_string(requote.seconds_left));
     requotes.push_back(requote);

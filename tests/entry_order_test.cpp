@@ -236,7 +236,7 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   place("1.3");
   place("1.2");
   // The second is answered first; the order in the server's list tells which one it is.
-  client.orders = {{22, 1, "LO", 0, operation::buy, 70, "EURUSD", 1.0, 1.2}};
+  client.orders = {{22, 1, OrderKind::entry, 0, operation::buy, 70, "EURUSD", 1.0, 1.2}};
   client.sink->NewLimitOrderResult(22, result::succeeded);
   EXPECT_EQ(session.last_entry().number, 22);
   EXPECT_EQ(desk.answers(), "1 accepted");
@@ -265,7 +265,7 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   EXPECT_EQ(session.sent_request(RequestKind::cancel, 22)->outcome, SentOrder::Outcome::refused);
   EXPECT_EQ(session.sent_request(RequestKind::close, 22)->outcome, SentOrder::Outcome::waiting);
   // Stops of two positions: an SL/TP order that is there already, and a new one.
-  client.orders = {{.order = 31, .account = 1, .kind = "ST", .reference = 7, .symbol = "EURUSD"}};
+  client.orders = {{.order = 31, .account = 1, .kind = OrderKind::stops, .reference = 7, .symbol = "EURUSD"}};
   session.set_stops(6, {}, 0);
   session.set_stops(7, {}, 0);
   client.sink->UpdateSLTPOrderResult(31, result::succeeded);
@@ -441,7 +441,7 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
       out += " " + (box->text().empty() ? "." : box->text());
     return out + " " + desk.rows() + (form.txtatprice.enabled() ? "" : " at off");
   };
-  const PendingOrder order{40, 2, "LO", 0, operation::sell_stop, 71, "EURUSD", 0.5, 1.2, 1.25};
+  const PendingOrder order{40, 2, OrderKind::entry, 0, operation::sell_stop, 71, "EURUSD", 0.5, 1.2, 1.25};
   OpenPosition position{.ticket = 50, .account = 3, .side = operation::buy, .symbol = "EURUSD", .amount = 2};
   position.open_price = 1.45, position.current_price = 1.5, position.take_profit = 1.7;
   desk.client(2).orders = {order};
@@ -484,7 +484,8 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   EXPECT_EQ(form.sketch().entry, 1.45);
   form.cmdsubmitlimiorder.click();
   EXPECT_EQ(desk.sent(3), Texts{"stops 50 sl 1.4 tp 1.7"});
-  desk.client(3).orders = {{.order = 60, .account = 3, .kind = "ST", .reference = 50, .symbol = "EURUSD"}};
+  desk.client(3).orders = {
+      {.order = 60, .account = 3, .kind = OrderKind::stops, .reference = 50, .symbol = "EURUSD"}};
   desk.client(3).sink->NewSLTPOrderResult(60, result::succeeded);
   EXPECT_EQ(desk.rows() + desk.answers(), "-|-|- Success Result|1 accepted");
   EXPECT_TRUE(desk.journaled("3 Request SLTP  #50 Buy EURUSD at 1.45 ( SL= 1.4 TP= 1.70000 )"));
@@ -494,7 +495,7 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   EXPECT_EQ(desk.rows(), "-|-|- Invalid Price|");
   EXPECT_TRUE(desk.journaled("3 Request SLTP #50 Buy EURUSD at 1.45 was not taken: Invalid Price"));
   // An SL/TP order edits its position.
-  desk.client(3).sink->NewPendingOrder({61, 3, "ST", 50, operation::sell, 72, "EURUSD", 2});
+  desk.client(3).sink->NewPendingOrder({61, 3, OrderKind::stops, 50, operation::sell, 72, "EURUSD", 2});
   orders.activate(*orders.find(order_key(61, 3)));
   EXPECT_EQ(form.edited(), 50);
   EXPECT_EQ(shown, 5);

@@ -21,8 +21,8 @@ inline std::string books(const DealingServer& server) {
       text += " #" + std::to_string(one.ticket) + (buys(one.side) ? "+" : "-") + number_text(one.amount) +
               "@" + number_text(one.open_price) + "/" + number_text(one.interest);
     for (const PendingOrder& one : state.orders)
-      text += " " + one.kind + std::to_string(one.order) + ":" + number_text(one.price) + "," +
-              number_text(one.stop_loss) + "," + number_text(one.take_profit);
+      text += " " + std::string{order_kind::text(one.kind)} + std::to_string(one.order) + ":" +
+              number_text(one.price) + "," + number_text(one.stop_loss) + "," + number_text(one.take_profit);
     text += "\n";
   }
   return text;

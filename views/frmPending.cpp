@@ -74,18 +74,25 @@ std::string frmPending::note(const Row& row) {
   return data == nullptr ? std::string{} : data->note;
 }
 
-std::string frmPending::TypeDesc(std::string_view kind, std::int64_t reference) {
-  const std::string ticket = std::to_string(reference);
-  if (kind == "OP") return "New";
-  if (kind == "CP") return "Liq (" + ticket + ")";
-  if (kind == "LO") return "Limit/Stop";
-  if (kind == "ST") return "SL/TP (" + ticket + ")";
+std::string frmPending::TypeDesc(OrderKind kind, std::int64_t reference) {
+  switch (kind) {
+    case OrderKind::open:
+      return "New";
+    case OrderKind::close:
+      return "Liq (" + std::to_string(reference) + ")";
+    case OrderKind::entry:
+      return "Limit/Stop";
+    case OrderKind::stops:
+      return "SL/TP (" + std::to_string(reference) + ")";
+    case OrderKind::none:
+      break;
+  }
   return "";
 }
 
-std::string frmPending::OrderTypeDesc(std::string_view kind, Operation op) {
-  if (kind == "ST") return buys(op) ? "Buy(Manage)" : "Sell(Manage)";
-  if (kind != "LO") return "";
+std::string frmPending::OrderTypeDesc(OrderKind kind, Operation op) {
+  if (kind == OrderKind::stops) return buys(op) ? "Buy(Manage)" : "Sell(Manage)";
+  if (kind != OrderKind::entry) return "";
   switch (op) {
     case operation::buy:
       return "Buy limit";
@@ -103,17 +110,17 @@ std::string frmPending::OrderTypeDesc(std::string_view kind, Operation op) {
 Operation frmPending::side(const Record& order) {
   if (order.operation == Operation::none) return Operation::none;
   // Of a close it is the side of the position.
-  return buys(order.operation) == (order.kind != "CP") ? operation::buy : operation::sell;
+  return buys(order.operation) == (order.kind != OrderKind::close) ? operation::buy : operation::sell;
 }
 
 std::string frmPending::side_text(const Record& order) {
   const Operation does = side(order);
   if (does == Operation::none) return {};
-  if (order.kind == "LO") return OrderTypeDesc(order.kind, order.operation);
+  if (order.kind == OrderKind::entry) return OrderTypeDesc(order.kind, order.operation);
   std::string out = does == operation::buy ? "Buy" : "Sell";
-  if (order.kind == "OP") return out + " at market";
+  if (order.kind == OrderKind::open) return out + " at market";
   const char* position = does == operation::buy ? " a sold position" : " a bought position";
-  return out + (order.kind == "CP" ? ", closes" : ", SL/TP of") + position;
+  return out + (order.kind == OrderKind::close ? ", closes" : ", SL/TP of") + position;
 }
 
 frmPending::Category frmPending::OrderType(std::string_view type_text) {
@@ -155,7 +162,7 @@ std::vector<const frmPending::Record*> frmPending::ticked() const {
 RequestCode frmPending::send(const Cancel& cancel) {
   CClientAPIManager* session = sessions_.logged_in(cancel.account);
   if (session == nullptr) return request::invalid_account;
-  return session->cancel_order(cancel.order, cancel.kind == "ST").request_code;
+  return session->cancel_order(cancel.order, cancel.kind == OrderKind::stops).request_code;
 }
 
 void frmPending::CloseIoID() {
@@ -174,7 +181,7 @@ void frmPending::CloseIoID() {
     orders.push_back({order->order, order->account, order->kind});
   for (const Cancel& cancel : orders) {
     std::string why;
-    if (cancel.kind != "LO" && cancel.kind != "ST") {
+    if (cancel.kind != OrderKind::entry && cancel.kind != OrderKind::stops) {
       why = "it is in dealing";
     } else if (const RequestCode code = send(cancel); code != request::taken) {
       const std::string_view text = trim(request::text(code));

@@ -73,10 +73,10 @@ class frmPending final : public PendingDesk, public OrderBook::Observer {
   void MarketOrderAccepted(std::int64_t order, std::int32_t account) { Removeorder(order, account); }
   void MarketOrderRejected(std::int64_t order, std::int32_t account) { Removeorder(order, account); }
 
-  // Type column of an order from its kind code and the ticket it belongs to.
-  static std::string TypeDesc(std::string_view kind, std::int64_t reference);
+  // Type column of an order from its kind and the ticket it belongs to.
+  static std::string TypeDesc(OrderKind kind, std::int64_t reference);
   // Type text for the entry order window: side and kind of an entry order, the side of an SL/TP order.
-  static std::string OrderTypeDesc(std::string_view kind, Operation operation);
+  static std::string OrderTypeDesc(OrderKind kind, Operation operation);
   static Category OrderType(std::string_view type_text);
   // What an order does in the market: buy or sell, none when it is not known. A close and
   // the SL/TP of a bought position sell.
@@ -113,7 +113,7 @@ class frmPending final : public PendingDesk, public OrderBook::Observer {
   struct Cancel {
     std::int64_t order = 0;
     std::int32_t account = 0;
-    std::string kind;
+    OrderKind kind{};
   };
 
   void make_cells(Row& row) const;

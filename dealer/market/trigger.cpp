@@ -16,13 +16,13 @@ Trigger trigger_of(const PendingOrder& order) {
   trigger.ask = bought;
   const auto at_or_below = [&](double price) { trigger.below = price + slack; };
   const auto at_or_above = [&](double price) { trigger.above = price - slack; };
-  if (order.kind == "LO") {
+  if (order.kind == OrderKind::entry) {
     const bool limit = order.operation == operation::buy || order.operation == operation::sell;
     if (bought == limit)
       at_or_below(order.price);
     else
       at_or_above(order.price);
-  } else if (order.kind == "ST") {
+  } else if (order.kind == OrderKind::stops) {
     // Buying closes what was sold, whose loss lies above.
     const double low = bought ? order.take_profit : order.stop_loss;
     const double high = bought ? order.stop_loss : order.take_profit;

@@ -20,7 +20,7 @@ struct Trigger {
   }
 };
 
-// Of what is in dealing nothing is ever reached. An "ST" order looks at the price at which its position
+// Of what is in dealing nothing is ever reached. An SL/TP order looks at the price at which its position
 // closes.
 Trigger trigger_of(const PendingOrder& order);
 

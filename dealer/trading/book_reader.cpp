@@ -245,8 +245,11 @@ void BookReader::read_pending(const toml::table& table) {
     reader.require(key);
   read_order(reader, order.account, order.operation, order.symbol, order.amount);
   reader.integer("number", order.order, 1, largest);
-  reader.text("kind", order.kind);
-  if (order.kind != "LO" && order.kind != "ST") reader.complain("kind", "must be \"LO\" or \"ST\"");
+  std::string kind;
+  reader.text("kind", kind);
+  order.kind = order_kind::of_text(kind);
+  if (order.kind != OrderKind::entry && order.kind != OrderKind::stops)
+    reader.complain("kind", "must be \"LO\" or \"ST\"");
   reader.integer("reference", order.reference, 1, largest);
   read_prices(reader, order.price, order.stop_loss, order.take_profit);
   read_time(reader, "time_ms", order.time);
@@ -291,8 +294,8 @@ void BookReader::read_order(TableReader& reader, std::int32_t& account, Operatio
 
 // An order that would close another thing than it belongs to, or be set off by any price, must not wait.
 void BookReader::check_waiting(TableReader& reader, const PendingOrder& order) {
-  if (order.kind == "LO" && order.price <= 0.0) reader.complain("price", "must be above 0");
-  if (order.kind != "ST") return;
+  if (order.kind == OrderKind::entry && order.price <= 0.0) reader.complain("price", "must be above 0");
+  if (order.kind != OrderKind::stops) return;
   reader.require("reference");
   if (fault_) return;
   for (const OpenPosition& position : account(order.account).positions) {

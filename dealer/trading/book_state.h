@@ -19,7 +19,8 @@ struct BookState {
     double balance = 0.0;
     double credit = 0.0;
     std::vector<OpenPosition> positions;
-    std::vector<PendingOrder> orders;  // "LO" and "ST"; market requests in dealing are among the requests
+    std::vector<PendingOrder>
+        orders;  // entry orders and SL/TP; market requests in dealing are among the requests
   };
 
   BookEra era = 0;               // 0: none is told

@@ -44,7 +44,8 @@ std::string fields(std::int32_t account, const OpenPosition& position) {
 }
 
 std::string fields(std::int32_t account, const PendingOrder& order) {
-  return fmt::format("number = {}, kind = \"{}\", {}, time_ms = {}{}", order.order, order.kind,
+  return fmt::format("number = {}, kind = \"{}\", {}, time_ms = {}{}", order.order,
+                     order_kind::text(order.kind),
                      order_fields(account, order.operation, order.symbol, order.amount),
                      milliseconds(order.time), price_fields(order));
 }

@@ -10,7 +10,7 @@ void place_configured_orders(const DealerConfig& config, OrderNumbers& numbers, 
     if (configured.account != account.config().number) continue;
     PendingOrder order{.order = numbers.take(),
                        .account = account.config().number,
-                       .kind = std::string{configured.ticket > 0 ? "ST" : "LO"},
+                       .kind = configured.ticket > 0 ? OrderKind::stops : OrderKind::entry,
                        .reference = configured.ticket,
                        .operation = configured.operation,
                        .symbol_id = 0,

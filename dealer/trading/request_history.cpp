@@ -18,7 +18,8 @@ bool works(const BookState& book, const RequestRecord& record) {
   return std::any_of(book.accounts.begin(), book.accounts.end(), [&](const BookState::Account& account) {
     return account.number == record.account &&
            std::any_of(account.orders.begin(), account.orders.end(), [&](const PendingOrder& order) {
-             return order.kind == "LO" && record.answer && order.order == record.answer->report.number;
+             return order.kind == OrderKind::entry && record.answer &&
+                    order.order == record.answer->report.number;
            });
   });
 }

@@ -7,7 +7,9 @@ namespace tutti {
 PendingOrder TradeExecution::row_of(const TradeRequest& request, TimePoint at) {
   PendingOrder order;
   order.order = request.known_as();
-  order.kind = request.kind == TradeKind::open ? "OP" : request.kind == TradeKind::close ? "CP" : "LO";
+  order.kind = request.kind == TradeKind::open    ? OrderKind::open
+               : request.kind == TradeKind::close ? OrderKind::close
+                                                  : OrderKind::entry;
   order.reference = request.reference;
   order.operation = request.operation;
   order.symbol = request.symbol;
@@ -72,7 +74,7 @@ void TradeExecution::set_stops(const TradeRequest& request, TradingAccount& acco
     order = *found;
   } else {
     order.order = request.number;
-    order.kind = "ST";
+    order.kind = OrderKind::stops;
     order.reference = position.ticket;
     order.operation = opposite(position.side);  // what it does when its time comes
     order.symbol = position.symbol;

@@ -50,7 +50,7 @@ RequestCode TradeRules::admit(const TradingAccount& account, const Instruction& 
     case TradeKind::cancel_stops:
       break;
   }
-  const char* kind = wanted.kind == TradeKind::cancel_entry ? "LO" : "ST";
+  const OrderKind kind = wanted.kind == TradeKind::cancel_entry ? OrderKind::entry : OrderKind::stops;
   return account.find_order(wanted.reference, kind) != nullptr ? request::taken : request::invalid_order_id;
 }
 
@@ -76,7 +76,7 @@ RequestCode TradeRules::admit_entry(const TradingAccount& account, const Instruc
 }
 
 RequestCode TradeRules::admit_update(const TradingAccount& account, const Instruction& wanted) const {
-  const PendingOrder* found = account.find_order(wanted.reference, "LO");
+  const PendingOrder* found = account.find_order(wanted.reference, OrderKind::entry);
   if (found == nullptr) return request::invalid_order_id;
   const bool limit = found->operation == operation::buy || found->operation == operation::sell;
   Instruction changed = wanted;
@@ -135,12 +135,12 @@ ResultCode TradeRules::judge(const TradingAccount& account, const TradeRequest& 
       break;
   }
   // The ticket of an executed entry order is its number, so that a close in dealing may have it too.
-  const char* kind = request.kind == TradeKind::cancel_entry ? "LO" : "ST";
+  const OrderKind kind = request.kind == TradeKind::cancel_entry ? OrderKind::entry : OrderKind::stops;
   return account.find_order(request.reference, kind) != nullptr ? result::succeeded : result::order_not_found;
 }
 
 ResultCode TradeRules::judge_update(const TradingAccount& account, const TradeRequest& request) const {
-  if (account.find_order(request.reference, "LO") == nullptr) return result::order_not_found;
+  if (account.find_order(request.reference, OrderKind::entry) == nullptr) return result::order_not_found;
   return judge_symbol(account, place(request));
 }
 

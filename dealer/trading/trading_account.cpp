@@ -60,14 +60,14 @@ const PendingOrder* TradingAccount::find_order(std::int64_t order) const {
   return at == orders_.end() ? nullptr : &*at;
 }
 
-const PendingOrder* TradingAccount::find_order(std::int64_t order, std::string_view kind) const {
+const PendingOrder* TradingAccount::find_order(std::int64_t order, OrderKind kind) const {
   const PendingOrder* found = find_order(order);
   return found != nullptr && found->kind == kind ? found : nullptr;
 }
 
 const PendingOrder* TradingAccount::stops_of(std::int64_t ticket) const {
   const auto at = std::find_if(orders_.begin(), orders_.end(), [&](const PendingOrder& order) {
-    return order.kind == "ST" && order.reference == ticket;
+    return order.kind == OrderKind::stops && order.reference == ticket;
   });
   return at == orders_.end() ? nullptr : &*at;
 }
@@ -208,7 +208,7 @@ double TradingAccount::commission(std::size_t symbol, double amount) const {
 BookState::Account TradingAccount::state() const {
   BookState::Account state{config_.number, balance_, credit_, {}, {}};
   for (const PendingOrder& order : orders_)
-    if (order.kind == "LO" || order.kind == "ST") state.orders.push_back(order);
+    if (order.kind == OrderKind::entry || order.kind == OrderKind::stops) state.orders.push_back(order);
   for (const Position& position : positions_)
     state.positions.push_back(position.record);
   return state;

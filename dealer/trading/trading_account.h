@@ -52,7 +52,7 @@ class TradingAccount {
   const std::vector<PendingOrder>& orders() const { return orders_; }
   const PendingOrder* find_order(std::int64_t order) const;
   // The same, of one kind only.
-  const PendingOrder* find_order(std::int64_t order, std::string_view kind) const;
+  const PendingOrder* find_order(std::int64_t order, OrderKind kind) const;
   // The SL/TP order of a position; nullptr when there is none.
   const PendingOrder* stops_of(std::int64_t ticket) const;
   // `order` carries all but the account and the symbol's number.

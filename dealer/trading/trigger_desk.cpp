@@ -77,7 +77,7 @@ void TriggerDesk::set_off(TradingAccount& account, std::int64_t number, TimePoin
   const PendingOrder* found = account.find_order(number);
   if (found == nullptr) return;
   const PendingOrder order = *found;
-  const bool entry = order.kind == "LO";
+  const bool entry = order.kind == OrderKind::entry;
   const TradingAccount::Position* position = entry ? nullptr : account.find_position(order.reference);
   // The order must close what it belongs to, and nothing else.
   const bool fits = position != nullptr && position->record.symbol == order.symbol &&
@@ -126,7 +126,7 @@ void TriggerDesk::carry_out(TradingAccount& account, const PendingOrder& order, 
   const bool done = report.result == result::succeeded;
   TradeRequest other;
   if (!done) {
-    other.kind = order.kind == "LO" ? TradeKind::cancel_entry : TradeKind::cancel_stops;
+    other.kind = order.kind == OrderKind::entry ? TradeKind::cancel_entry : TradeKind::cancel_stops;
     other.reference = order.order;
     execution_.execute(other, account, 0.0, at);
   } else {

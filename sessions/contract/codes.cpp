@@ -1,8 +1,34 @@
 #include "sessions/contract/codes.h"
 
-namespace tutti::request {
+namespace tutti {
+namespace {
 
-std::string_view text(RequestCode code) {
+struct KindText {
+  OrderKind kind = OrderKind::none;
+  std::string_view text;
+};
+constexpr KindText kind_texts[] = {
+    {OrderKind::open, "OP"},
+    {OrderKind::close, "CP"},
+    {OrderKind::entry, "LO"},
+    {OrderKind::stops, "ST"},
+};
+
+}  // namespace
+
+std::string_view order_kind::text(OrderKind kind) {
+  for (const KindText& each : kind_texts)
+    if (each.kind == kind) return each.text;
+  return {};
+}
+
+OrderKind order_kind::of_text(std::string_view text) {
+  for (const KindText& each : kind_texts)
+    if (each.text == text) return each.kind;
+  return OrderKind::none;
+}
+
+std::string_view request::text(RequestCode code) {
   switch (code) {
     case no_privilege:
       return "No Privilege ";
@@ -25,4 +51,4 @@ std::string_view text(RequestCode code) {
   }
 }
 
-}  // namespace tutti::request
+}  // namespace tutti

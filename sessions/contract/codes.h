@@ -79,6 +79,21 @@ constexpr Operation opposite(Operation operation) {
   return Operation{-static_cast<std::int32_t>(operation)};
 }
 
+// What a pending order is.
+enum class OrderKind : std::int32_t {
+  none = 0,   // not known
+  open = 1,   // a new market order in dealing
+  close = 2,  // a close in dealing
+  entry = 3,
+  stops = 4,  // SL/TP of a position
+};
+namespace order_kind {
+// "OP", "CP", "LO" and "ST", as files have them; empty for `none`.
+std::string_view text(OrderKind kind);
+// The kind with that text; `none` when there is no such.
+OrderKind of_text(std::string_view text);
+}  // namespace order_kind
+
 // How far the market order or close of a report has come.
 enum class OrderState : std::int32_t { none = 0, executed = 1, pending = 2 };
 namespace order_state {

@@ -12,8 +12,8 @@ namespace tutti {
 struct PendingOrder {
   std::int64_t order = 0;  // unique over all accounts of the server, tickets included
   std::int32_t account = 0;
-  std::string kind;            // "OP" new market order, "CP" close, "LO" entry order, "ST" SL/TP
-  std::int64_t reference = 0;  // ticket the order belongs to, for "CP" and "ST"
+  OrderKind kind{};
+  std::int64_t reference = 0;  // ticket that a close or SL/TP belongs to
   Operation operation{};
   std::int32_t symbol_id = 0;
   std::string symbol;

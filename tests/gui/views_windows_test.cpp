@@ -95,8 +95,10 @@ TEST_F(TradeTest, TheSummaryLineKeepsItsBlanksAndFont) {
 struct PendingTest : ::testing::Test {
   PendingTest() {
     show(window);
-    book.write({.order = 7001, .account = 500101, .kind = "LO", .symbol = "EURUSD", .amount = 0.5}, 5);
-    book.write({.order = 7002, .account = 500102, .kind = "OP", .symbol = "EURUSD", .amount = 0.5}, 5);
+    book.write(
+        {.order = 7001, .account = 500101, .kind = OrderKind::entry, .symbol = "EURUSD", .amount = 0.5}, 5);
+    book.write({.order = 7002, .account = 500102, .kind = OrderKind::open, .symbol = "EURUSD", .amount = 0.5},
+               5);
     rig.screen.acted();
   }
 
@@ -122,18 +124,18 @@ TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
 
 TEST_F(PendingTest, EveryRowShowsWhetherItBuysOrSells) {
   struct Case {
-    const char* kind;
+    OrderKind kind;
     Operation operation;
     Side side;
     const char* tip;
   };
   const Case cases[] = {
-      {"LO", operation::buy, Side::buy, "Buy limit"},
-      {"LO", operation::sell_stop, Side::sell, "Sell stop"},
-      {"OP", operation::sell, Side::sell, "Sell at market"},
-      {"CP", operation::buy, Side::sell, "Sell, closes a bought position"},
-      {"ST", operation::buy, Side::buy, "Buy, SL/TP of a sold position"},
-      {"LO", {}, Side::none, ""},
+      {OrderKind::entry, operation::buy, Side::buy, "Buy limit"},
+      {OrderKind::entry, operation::sell_stop, Side::sell, "Sell stop"},
+      {OrderKind::open, operation::sell, Side::sell, "Sell at market"},
+      {OrderKind::close, operation::buy, Side::sell, "Sell, closes a bought position"},
+      {OrderKind::stops, operation::buy, Side::buy, "Buy, SL/TP of a sold position"},
+      {OrderKind::entry, {}, Side::none, ""},
   };
   for (const Case& c : cases) {
     book.write(

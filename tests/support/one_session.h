@@ -17,7 +17,7 @@ struct OneSession {
   OneSession() {
     client.orders = {{.order = 12,
                       .account = 81,
-                      .kind = "LO",
+                      .kind = OrderKind::entry,
                       .reference = 13,
                       .operation = operation::buy,
                       .symbol = "EURUSD",

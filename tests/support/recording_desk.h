@@ -143,7 +143,9 @@ class RecordingDesk {
   class Orders final : public Records<OrderBook> {
    public:
     using Records::Records;
-    void changed(const Record& order) override { say("has", order.kind, order.order, order.account); }
+    void changed(const Record& order) override {
+      say("has", order_kind::text(order.kind), order.order, order.account);
+    }
     void removed(const Record& order) override { say("drops", order.order); }
   } orders{"pending", heard};
 
