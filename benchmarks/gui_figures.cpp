@@ -122,7 +122,8 @@ void cell_costs(Gui& gui) {
 // program repaints: with less of it in the caches than in a row of repaints.
 double repaint_time(Gui& gui, const GuiLoad& load) {
   constexpr std::chrono::milliseconds frame{16};
-  Heartbeat heartbeat{gui.window.screen(), source_of(load)};
+  const SystemClock clock;
+  Heartbeat heartbeat{gui.window.screen(), clock, source_of(load)};
   heartbeat.start();
   std::vector<double> repaints;
   for (int i = 0; i < 101; ++i) {

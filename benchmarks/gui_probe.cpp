@@ -43,7 +43,8 @@ class Probe final : public QObject {
 std::vector<double> probe_latencies(Screen& screen, const GuiLoad& load, std::size_t probes) {
   QEventLoop loop;
   Probe probe{probes, loop};
-  Heartbeat heartbeat{screen, source_of(load)};
+  const SystemClock clock;
+  Heartbeat heartbeat{screen, clock, source_of(load)};
   heartbeat.start();
   std::thread poster{[&probe, probes] {
     std::mt19937 random{1};

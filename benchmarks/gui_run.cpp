@@ -34,7 +34,8 @@ Heartbeat::Source source_of(const GuiLoad& load, std::size_t* delivered) {
 GuiRun run_gui(Screen& screen, const PaintCount& paints, const GuiLoad& load) {
   constexpr std::chrono::milliseconds wall{330};
   std::size_t events = 0;
-  Heartbeat heartbeat{screen, source_of(load, &events)};
+  const SystemClock clock;
+  Heartbeat heartbeat{screen, clock, source_of(load, &events)};
   QEventLoop loop;
   QTimer::singleShot(wall, &loop, &QEventLoop::quit);
   QElapsedTimer timer;

@@ -81,6 +81,7 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
   for (const int command : {frmMdiNew::show_accounts, frmMdiNew::show_journal})
     terminal.main().window().execute(command);
   Heartbeat heartbeat{screen,
+                      terminal.main().general().clock,
                       {[&terminal](std::size_t limit) { return terminal.advance(limit); },
                        [&terminal] { return until_due(terminal); }}};
   heartbeat.start();

@@ -41,9 +41,11 @@ void Screen::add_pane(QWidget& pane) {
 }
 
 // By index: a step may show a window that adds steps of its own.
-void Screen::settle() const {
+void Screen::settle() {
+  if (std::exchange(settling_, true)) return;
   for (std::size_t i = 0; i < settle_.size(); ++i)
     settle_[i].run();
+  settling_ = false;
 }
 
 void Screen::refresh() {

@@ -51,4 +51,10 @@ void set_tab_order(const QWidget& window, std::initializer_list<const char*> nam
   }
 }
 
+void show_steady(QLabel& label, const QString& text) {
+  if (label.text() == text) return;
+  label.setText(text);
+  if (label.sizeHint() != label.size()) label.setFixedSize(label.sizeHint());
+}
+
 }  // namespace tutti

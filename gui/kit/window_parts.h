@@ -25,6 +25,10 @@ QComboBox* make_combo(const char* name);
 QLabel* make_line(const char* name);
 void show_line(QLabel& line, const std::string& text, bool warn);
 
+// Text of a label that changes by itself, such as a time: the windows around it are laid out anew only when
+// it needs another size.
+void show_steady(QLabel& label, const QString& text);
+
 // A layout of one widget with room around it, as at the foot of a window.
 QLayout* make_foot(QWidget* widget);
 

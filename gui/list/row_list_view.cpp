@@ -71,6 +71,8 @@ void RowListView::refresh() {
   if (standing_ && (!isVisible() || screen_.frame() > frame_ + 1)) standing_->forget();
   frame_ = screen_.frame();
   if (!isVisible()) return;
+  // The toolkit would leave it for later, and have the list painted once more then.
+  executeDelayedItemsLayout();
   const int first = rowAt(0);
   const int below = rowAt(viewport()->height() - 1);
   const int last = below < 0 ? model_.rowCount() - 1 : below;

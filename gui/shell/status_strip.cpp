@@ -6,6 +6,7 @@
 #include "gui/kit/elided_label.h"
 #include "gui/kit/screen.h"
 #include "gui/kit/theme.h"
+#include "gui/kit/window_parts.h"
 #include "gui/windows/not_connected_line.h"
 #include "shell/Main.h"
 
@@ -75,7 +76,7 @@ void StatusStrip::refresh() {
   warning_->setToolTip(warning);
   show_text(*waiting_, QString::fromStdString(form.control(StatusDesk::waiting_control).text));
   show_text(*connected_control_, QString::fromStdString(form.control(StatusDesk::connected_control).text));
-  show_text(*server_time_, QString::fromStdString(form.server_time_pane()));
+  show_steady(*server_time_, QString::fromStdString(form.server_time_pane()));
 }
 
 void StatusStrip::refresh_connections() {

@@ -94,6 +94,7 @@ void FrmPriceChangedWindow::follow() {
   if (account_->text() != account) account_->setText(account);
   // Off also while the buttons are dead, so that a press begun at the price before is given up.
   const bool alive = !form_.buttons_dead();
+  if (!alive) screen_.stir();
   if (answers_->isEnabled() != alive) {
     answers_->setEnabled(alive);
     if (alive) reject_->setFocus(Qt::OtherFocusReason);

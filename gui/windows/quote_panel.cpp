@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "gui/kit/screen.h"
+#include "gui/kit/window_parts.h"
 #include "gui/windows/price_label.h"
 #include "gui/windows/simulation_badge.h"
 
@@ -101,7 +102,7 @@ void QuotePanel::follow() {
   const SymbolHandle handle = symbols_.find(name);
   if (handle == no_symbol) {
     clear();
-    return age_->clear();
+    return show_steady(*age_, {});
   }
   const SymbolCollection::Entry& entry = symbols_.entry(handle);
   for (PriceLabel* each : bids_)
@@ -109,8 +110,7 @@ void QuotePanel::follow() {
   for (PriceLabel* each : asks_)
     each->show_price(entry.ask, entry.digits);
   const bool quoted = entry.bid > 0.0 || entry.ask > 0.0;
-  const QString age = quoted ? age_text(age_of(entry)) : QString{};
-  if (age_->text() != age) age_->setText(age);
+  show_steady(*age_, quoted ? age_text(age_of(entry)) : QString{});
 }
 
 }  // namespace tutti

@@ -4,6 +4,7 @@
 
 #include <QDockWidget>
 #include <memory>
+#include <utility>
 
 #include "gui/shell/frmMdiNew_window.h"
 #include "tests/gui/gui_rig.h"
@@ -12,6 +13,7 @@ namespace tutti::testing {
 
 // The whole desktop on a terminal whose accounts are logged in.
 struct DesktopRig : ::testing::Test {
+  explicit DesktopRig(DealerConfig config = DealerConfig::sample()) : rig(std::move(config)) {}
   void SetUp() override { open(); }
   void open() {
     rig.terminal.prompt.screen = &prompt;
