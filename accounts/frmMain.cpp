@@ -1,16 +1,13 @@
 #include "accounts/frmMain.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "accounts/distribution.h"
 #include "core/numbers.h"
 #include "core/texts.h"
 
 namespace tutti {
 
-frmMain::frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog, ClientFactory make_client,
-                 Endpoint own_server, std::size_t capacity)
+frmMain::frmMain(MGeneral& general, Desk& desk, Books& books, CLoginOptions& options,
+                 CClientAPIManagers& sessions, FileDialog& dialog)
     : labelinfo1(
           "Note:- No guarantee to deliver your order to the server with the requested prices as this depends "
           "on your internet speed."),
@@ -20,9 +17,8 @@ frmMain::frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog
       general_(general),
       desk_(desk),
       books_(books),
-      make_client_(std::move(make_client)),
-      own_server_(std::move(own_server)),
-      capacity_(capacity),
+      options_(options),
+      sessions_(sessions),
       lists_(general.files, general.paths) {
   txteditLo.set_visible(false);
   m_oTimer.on_tick = [this] { m_oTimer_Tick(); };
@@ -30,11 +26,7 @@ frmMain::frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog
 
 tl::expected<void, FileError> frmMain::load() {
   general_.column_widths(lvwClients, ClientRows::widths);
-  options_ = std::make_unique<CLoginOptions>(general_, own_server_);
-  if (auto read = options_->InitializeFromFile(); !read) return read;
-  sessions_ =
-      std::make_unique<CClientAPIManagers>(make_client_, general_, desk_, books_, *options_, capacity_);
-  account_dialog_ = std::make_unique<frmaccount>(general_, desk_, *options_, *sessions_);
+  if (auto read = options_.InitializeFromFile(); !read) return read;
   if (auto read = LoadAccounts(); !read) return read;
   loadmainsymbols();
   return {};
@@ -54,7 +46,7 @@ Row* frmMain::mainClientListItem() const {
 }
 
 CClientAPIManager* frmMain::session_of(const Row& row) const {
-  return sessions_->Item(row.key().number());
+  return sessions_.Item(row.key().number());
 }
 
 void frmMain::refreshsummery_Click(Row& row) {
@@ -63,12 +55,12 @@ void frmMain::refreshsummery_Click(Row& row) {
 }
 
 void frmMain::empty_notes() {
-  for (const auto& session : sessions_->Children())
+  for (const auto& session : sessions_.Children())
     session->write_note("");
 }
 
 void frmMain::loadmainsymbols() {
-  if (CClientAPIManager* session = sessions_->current()) session->LoadMWPprices();
+  if (CClientAPIManager* session = sessions_.current()) session->LoadMWPprices();
 }
 
 void frmMain::edit_notes(Row& row) {
@@ -128,7 +120,7 @@ std::string frmMain::Result(RequestCode code, std::int32_t account, std::string_
 
 void frmMain::Distribute(double amount, std::int16_t type, const SymbolCollection::Entry& symbol) {
   assert(order_window_ != nullptr);
-  Distribution{general_, *sessions_, *order_window_}.run(amount, type, symbol.name);
+  Distribution{general_, sessions_, *order_window_}.run(amount, type, symbol.name);
 }
 
 bool frmMain::ValidateData(std::string_view user, std::string_view password, std::string_view account) {

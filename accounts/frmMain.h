@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,15 +26,14 @@ namespace tutti {
 // Accounts list: one row per client account with its connection state and summary. Logs accounts in and out,
 // removes, saves and loads them, and splits amounts over the accounts of the market order window.
 //
-// Rows are keyed "C" and the session number and show its record of the account book. Holds the login options,
-// the session collection and the account dialog from load() on.
+// Rows are keyed "C" and the session number and show its record of the account book.
 class frmMain final : public AccountsDesk, public Displayable {
  public:
   using Column = ClientRows::Column;
   using enum ClientRows::Column;
 
-  frmMain(MGeneral& general, Desk& desk, Books& books, FileDialog& dialog, ClientFactory make_client,
-          Endpoint own_server, std::size_t capacity = CClientAPIManagers::max_accounts);
+  frmMain(MGeneral& general, Desk& desk, Books& books, CLoginOptions& options, CClientAPIManagers& sessions,
+          FileDialog& dialog);
 
   RowList lvwClients{ClientRows::headers()};
   TextBox txteditLo;
@@ -44,17 +42,13 @@ class frmMain final : public AccountsDesk, public Displayable {
   WaveControl& MMCWave;
   FileDialog& CommonDialog1;
 
-  // Makes login options and collection, sets the widths, reads the saved list and logs its accounts in. Fails
-  // when a data file can't be read; the text names file and line.
+  // Sets the widths, reads the login options and the saved list and logs its accounts in. Fails when a data
+  // file can't be read; the text names file and line.
   tl::expected<void, FileError> load();
-  // Ends every session, saving nothing; the terminal is about to close.
-  void end_sessions();
   void attach(OrderWindow& window) { order_window_ = &window; }
 
-  CLoginOptions& login_options() { return *options_; }
-  CClientAPIManagers& sessions() { return *sessions_; }
   const AccountBook& account_book() const { return books_.accounts; }
-  frmaccount& account_dialog() { return *account_dialog_; }
+  frmaccount& account_dialog() { return account_dialog_; }
 
   // Saved lists.
   tl::expected<void, FileError> LoadAccounts();
@@ -82,7 +76,7 @@ class frmMain final : public AccountsDesk, public Displayable {
   void loadmainsymbols();
 
   // Commands of the operator. Keys are those of the list.
-  void add_account() { account_dialog_->open_add(); }
+  void add_account() { account_dialog_.open_add(); }
   void edit_account();
   void cmdfunlogin();
   void LoginClient(RowKey key);
@@ -107,7 +101,7 @@ class frmMain final : public AccountsDesk, public Displayable {
   // Polled by whoever has the thread.
   Timer m_oTimer{std::chrono::seconds{1}};
   // Once a second: what no answer came for in too long is given up.
-  void m_oTimer_Tick() { sessions_->look_at_the_clock(); }
+  void m_oTimer_Tick() { sessions_.look_at_the_clock(); }
 
   // Key filter of every amount and price box: digits, one ".", Backspace; 0 swallows the key.
   static std::int16_t askycodekeypress(std::int16_t key, std::string_view text);
@@ -148,13 +142,10 @@ class frmMain final : public AccountsDesk, public Displayable {
   Desk& desk_;
   Books& books_;
   ClientRows rows_{lvwClients, books_.accounts};
-  ClientFactory make_client_;
-  Endpoint own_server_;
-  std::size_t capacity_;
+  CLoginOptions& options_;
+  CClientAPIManagers& sessions_;
   SavedLists lists_;
-  std::unique_ptr<CLoginOptions> options_;
-  std::unique_ptr<CClientAPIManagers> sessions_;
-  std::unique_ptr<frmaccount> account_dialog_;
+  frmaccount account_dialog_{general_, desk_, options_, sessions_};
   OrderWindow* order_window_ = nullptr;
   std::string edited_notes_;  // duplicate key of the row whose notes are in the editor
   bool loaded_ = false;

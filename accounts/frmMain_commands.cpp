@@ -14,10 +14,10 @@ tl::expected<void, FileError> frmMain::LoadAccounts() {
   const auto content = lists_.read_all();
   if (!content) return tl::unexpected(content.error());
   for (const SavedLists::Record& record : content->records) {
-    const auto added = account_dialog_->accept_quietly(record.user, record.password.reveal(),
-                                                       std::to_string(record.account));
+    const auto added =
+        account_dialog_.accept_quietly(record.user, record.password.reveal(), std::to_string(record.account));
     if (added == frmaccount::Added::full) break;
-    if (added == frmaccount::Added::yes) LoginClient(client_key(sessions_->Count()));
+    if (added == frmaccount::Added::yes) LoginClient(client_key(sessions_.Count()));
   }
   if (!content->skipped_lines.empty()) {
     general_.log_skipped(
@@ -51,7 +51,7 @@ void frmMain::replace_account(std::string_view key, const CClientAPIManager& ses
 
 void frmMain::forget(const std::vector<std::string>& keys) {
   report(lists_.forget(keys), no_account);
-  report(options_->records().remove(keys), no_account);
+  report(options_.records().remove(keys), no_account);
 }
 
 void frmMain::mnuload_Click() {
@@ -62,7 +62,7 @@ void frmMain::mnuload_Click() {
     return Message("The list was not loaded, nothing is changed: " + taken.error().text());
   }
   report(general_.files.remove(lists_.connected()), no_account);
-  sessions_->Clear();
+  sessions_.Clear();
   if (const auto read = LoadAccounts(); !read) Message("The list was not loaded: " + read.error().text());
   desk_.close_positions->refresh_symbols();
 }
@@ -80,10 +80,10 @@ void frmMain::edit_account() {
   const Row* row = selected_client();
   const CClientAPIManager* session = row == nullptr ? nullptr : session_of(*row);
   if (session == nullptr) return;
-  const auto found = options_->records().find(session->duplicate_key());
+  const auto found = options_.records().find(session->duplicate_key());
   if (!found) general_.log("Account information not read: " + found.error().text(), session->account());
   const AccountRecord* record = found && *found ? &**found : nullptr;
-  account_dialog_->open_edit(*session, record != nullptr, record != nullptr && record->auto_login);
+  account_dialog_.open_edit(*session, record != nullptr, record != nullptr && record->auto_login);
 }
 
 void frmMain::cmdfunlogin() {
@@ -101,18 +101,14 @@ void frmMain::login_account(std::string_view key) {
   if (const Row* row = rows_.of(key)) LoginClient(row->key());
 }
 
-void frmMain::end_sessions() {
-  if (sessions_ != nullptr) sessions_->Clear();
-}
-
 void frmMain::LogoutClient(RowKey key) {
   const Row* row = lvwClients.find(key);
   CClientAPIManager* session = row == nullptr ? nullptr : session_of(*row);
   if (session == nullptr) return;
-  sessions_->windows().leave_pending(*session);
+  sessions_.windows().leave_pending(*session);
   session->log_out();
   general_.play_sound("\\sounds\\Disconnect.wav");
-  sessions_->windows().leave_market_order(*session);
+  sessions_.windows().leave_market_order(*session);
   desk_.close_positions->refresh_symbols();
 }
 
@@ -166,12 +162,12 @@ void frmMain::remove_rows(const std::vector<Row*>& rows) {
     if (session == nullptr) continue;
     gone.push_back(session);
     keys.push_back(session->duplicate_key());
-    sessions_->windows().leave_pending(*session);
+    sessions_.windows().leave_pending(*session);
   }
   // From the last one up, so that few sessions stand behind the removed one.
   std::sort(gone.begin(), gone.end(), [](const auto* a, const auto* b) { return a->key() > b->key(); });
   for (CClientAPIManager* session : gone)
-    sessions_->Remove(client_key(session->key()).text());
+    sessions_.Remove(client_key(session->key()).text());
   if (!keys.empty()) forget(keys);
   desk_.close_positions->refresh_symbols();
 }

@@ -49,13 +49,13 @@ bool CommandContext::log_in() {
 }
 
 void CommandContext::journal_unanswered() {
-  for (const auto& session : main().accounts().sessions().Children())
+  for (const auto& session : main().sessions().Children())
     session->journal_unanswered();
 }
 
 bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {
   for (const std::int32_t account : accounts) {
-    if (main().accounts().sessions().by_account(account) != nullptr) continue;
+    if (main().sessions().by_account(account) != nullptr) continue;
     console().fail("Account {} is not in the accounts list", account);
     return false;
   }
@@ -64,15 +64,14 @@ bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {
 
 std::vector<std::size_t> CommandContext::unconnected(const std::vector<std::int32_t>& accounts) const {
   std::vector<std::size_t> out;
-  const CClientAPIManagers& sessions = main().accounts().sessions();
-  for (const auto& session : sessions.Children()) {
-    const std::int32_t number = session->account();
+  const AccountBook& book = main().account_book();
+  for (const AccountEntry* each : book.listed()) {
     const bool asked =
-        accounts.empty() || std::find(accounts.begin(), accounts.end(), number) != accounts.end();
+        accounts.empty() || std::find(accounts.begin(), accounts.end(), each->account) != accounts.end();
     // A number may stand in two rows: any of them will do, and it counts once.
-    const bool counted = sessions.by_account(number) != session.get();
-    if (asked && !counted && sessions.logged_in(number) == nullptr)
-      out.push_back(static_cast<std::size_t>(number));
+    const auto number = static_cast<std::size_t>(each->account);
+    const bool counted = std::find(out.begin(), out.end(), number) != out.end();
+    if (asked && !counted && !book.connected(each->account)) out.push_back(number);
   }
   return out;
 }

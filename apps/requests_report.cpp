@@ -12,7 +12,7 @@ namespace tutti {
 
 const SentOrder* RequestsReport::sent(const Asked& asked) const {
   // Where a number stands in two rows either session may have sent it.
-  for (const auto& session : context_.main().accounts().sessions().Children()) {
+  for (const auto& session : context_.main().sessions().Children()) {
     if (session->account() != asked.account) continue;
     if (const SentOrder* request = session->sent_request(kind_, asked.number)) return request;
   }

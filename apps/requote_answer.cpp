@@ -53,7 +53,7 @@ bool RequoteAnswer::take(CClientAPIManager& session, const Requote& requote) {
 CClientAPIManager* RequoteAnswer::session_of(const Requote& requote) const {
   Main& main = context_.main();
   const bool dealing = main.orders().find(requote.order, requote.account) != nullptr;
-  return dealing ? main.accounts().sessions().logged_in(requote.account) : nullptr;
+  return dealing ? main.sessions().logged_in(requote.account) : nullptr;
 }
 
 void RequoteAnswer::step() {

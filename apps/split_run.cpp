@@ -92,7 +92,7 @@ std::string SplitRun::sure_refusal(const CClientAPIManager& session, const Row& 
 
 void SplitRun::describe(const CClientAPIManager& session, Line& line) const {
   // The row is that of the session that is logged in, where a number stands in two.
-  const CClientAPIManager* trading = main_.accounts().sessions().logged_in(session.account());
+  const CClientAPIManager* trading = main_.sessions().logged_in(session.account());
   const Row* row = trading == nullptr || trading == &session
                        ? controls_.rows.find(client_key(session.account()))
                        : nullptr;
@@ -114,7 +114,7 @@ void SplitRun::describe(const CClientAPIManager& session, Line& line) const {
 
 std::vector<SplitRun::Line> SplitRun::lines() const {
   std::vector<Line> out;
-  for (const auto& session : main_.accounts().sessions().Children()) {
+  for (const auto& session : main_.sessions().Children()) {
     if (!chosen(session->account())) continue;
     Line line;
     line.account = session->account();

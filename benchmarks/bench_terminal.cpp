@@ -7,14 +7,13 @@
 namespace tutti::bench {
 
 BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
-    : accounts_(
-          general_, desk_, books_, file_dialog_,
+    : sessions_(
           [this, &market](const LoginData&) {
             auto client = std::make_unique<BenchClient>(market, &values_);
             clients_.push_back(client.get());
             return client;
           },
-          Endpoint{}, accounts) {
+          general_, desk_, books_, login_options_, accounts) {
   general_.locale = &locale_;
   desk_.status = &window_;
   desk_.accounts = &accounts_;
@@ -28,7 +27,7 @@ BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
 }
 
 BenchTerminal::~BenchTerminal() {
-  accounts_.end_sessions();
+  sessions_.Clear();
 }
 
 void BenchTerminal::connect(std::size_t accounts) {

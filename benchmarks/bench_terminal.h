@@ -28,7 +28,7 @@ class BenchTerminal {
 
   std::size_t size() const { return clients_.size(); }
   BenchClient& client(std::size_t index) { return *clients_[index]; }
-  CClientAPIManagers& sessions() { return accounts_.sessions(); }
+  CClientAPIManagers& sessions() { return sessions_; }
   // What every account's summary query answers from now on, unless its client is told otherwise.
   void set_values(const AccountSummary* values) { values_ = values; }
   frmorder& order() { return order_; }
@@ -60,12 +60,15 @@ class BenchTerminal {
   AccountSummary first_values_{.balance = 1000.0, .equity = 1000.0, .free_margin = 1000.0};
   const AccountSummary* values_ = &first_values_;
   std::vector<BenchClient*> clients_;  // owned by their sessions
-  frmMain accounts_;
-  frmorder order_{general_, accounts_, books_.symbols};
+  CLoginOptions login_options_{general_, Endpoint{}};
+  CClientAPIManagers sessions_;
+  frmMain accounts_{general_, desk_, books_, login_options_, sessions_, file_dialog_};
+  frmorder order_{general_, accounts_, sessions_, books_.symbols};
   CQuestionBox question_box_{prompt_, messages_};
   CNetPos net_{general_};
   frmTrade trade_{general_, question_box_, books_.positions, net_};
-  frmClosePos close_positions_{general_, question_box_, accounts_, trade_, books_.positions, books_.symbols};
+  frmClosePos close_positions_{general_, question_box_,    sessions_,     books_.accounts,
+                               trade_,   books_.positions, books_.symbols};
 };
 
 }  // namespace tutti::bench

@@ -48,8 +48,8 @@ struct AccountEntry {
   std::string user;  // as typed
   Endpoint server;
 
-  // Its row reads so.
-  bool connected() const { return shown.state == AccountState::connected; }
+  // Its row reads so, and is there.
+  bool connected() const { return listed && shown.state == AccountState::connected; }
 };
 
 // What is known of every account session. Sessions write, everybody reads. Records stay where they are for

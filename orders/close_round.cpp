@@ -31,7 +31,7 @@ void CloseRound::result(RowKey position, std::string_view text) {
 }
 
 const SentOrder* CloseRound::request_for(RowKey position) const {
-  const CClientAPIManager* session = accounts_list_.sessions().by_account(position.account());
+  const CClientAPIManager* session = sessions_.by_account(position.account());
   return session == nullptr ? nullptr : session->sent_request(RequestKind::close, position.number());
 }
 

@@ -7,8 +7,8 @@
 #include <tsl/robin_map.h>
 #include <tsl/robin_set.h>
 
-#include "accounts/frmMain.h"
 #include "orders/order_answer.h"
+#include "sessions/CClientAPIManagers.h"
 #include "views/frmTrade.h"
 
 namespace tutti {
@@ -18,7 +18,7 @@ namespace tutti {
 class CloseRound {
  public:
   // Keeps a reference.
-  explicit CloseRound(frmMain& accounts_list) : accounts_list_(accounts_list) {}
+  explicit CloseRound(const CClientAPIManagers& sessions) : sessions_(sessions) {}
 
   // A close begins: what follows belongs to it.
   void begin();
@@ -41,7 +41,7 @@ class CloseRound {
   const SentOrder* request_for(RowKey position) const;
   bool not_sent(RowKey position, const SentOrder* sent) const;
 
-  frmMain& accounts_list_;
+  const CClientAPIManagers& sessions_;
   std::vector<frmTrade::Close> sent_;                        // with the last close and not settled yet
   OrderAnswers settled_;                                     // the others of the last close
   tsl::robin_set<RowKey, RowKey::Hash> unsent_;              // whose last close was not even sent

@@ -24,7 +24,7 @@ void EntryRound::send(Row& row, Request request,
   auto& data = row.data<RowData>();
   data.sent = std::move(request);
   data.round = round_;
-  CClientAPIManager* session = accounts_list_.sessions().logged_in(number);
+  CClientAPIManager* session = sessions_.logged_in(number);
   const RequestCode code = session == nullptr ? request::invalid_account : send(*session, round_);
   answers_[number] = code == request::taken ? OrderAnswer::waiting : OrderAnswer::refused;
   // SL/TP that are taken are journaled when they are carried out.

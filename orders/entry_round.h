@@ -36,8 +36,9 @@ class EntryRound {
   };
 
   // Keeps references to all. `stops`: the kind of requests that are told when they are carried out.
-  EntryRound(MGeneral& general, frmMain& accounts_list, const AccountRows& rows, std::string_view stops)
-      : general_(general), accounts_list_(accounts_list), rows_(rows), stops_(stops) {}
+  EntryRound(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions, const AccountRows& rows,
+             std::string_view stops)
+      : general_(general), accounts_list_(accounts_list), sessions_(sessions), rows_(rows), stops_(stops) {}
 
   // A new one, in which nothing is sent yet.
   void begin();
@@ -59,6 +60,7 @@ class EntryRound {
 
   MGeneral& general_;
   frmMain& accounts_list_;
+  CClientAPIManagers& sessions_;
   const AccountRows& rows_;
   std::string_view stops_;
   int round_ = 0;

@@ -17,11 +17,13 @@ RowKey key_of(const OpenPosition& position) {
 
 }  // namespace
 
-frmClosePos::frmClosePos(MGeneral& general, CQuestionBox& question_box, frmMain& accounts_list,
-                         const frmTrade& trade, const PositionBook& book, const SymbolCollection& symbols)
+frmClosePos::frmClosePos(MGeneral& general, CQuestionBox& question_box, const CClientAPIManagers& sessions,
+                         const AccountBook& accounts, const frmTrade& trade, const PositionBook& book,
+                         const SymbolCollection& symbols)
     : general_(general),
       question_box_(question_box),
-      accounts_list_(accounts_list),
+      sessions_(sessions),
+      accounts_(accounts),
       trade_(trade),
       book_(book),
       symbols_(symbols) {
@@ -164,7 +166,7 @@ void frmClosePos::remove_account(std::int32_t number) {
   if (connected(number)) return rows_.remove_if_empty(*above);
   CloseRows::show_state(*above, logged_out_state_);
   // One that has left the accounts list leaves this one, too.
-  if (accounts_list_.sessions().by_account(number) == nullptr) rows_.take_out(*above);
+  if (sessions_.by_account(number) == nullptr) rows_.take_out(*above);
 }
 
 void frmClosePos::account_state(std::int32_t number, AccountState state) {

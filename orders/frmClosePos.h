@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "accounts/frmMain.h"
+#include "books/account_book.h"
 #include "books/position_book.h"
 #include "books/symbol_collection.h"
 #include "core/CQuestionBox.h"
@@ -18,6 +18,7 @@
 #include "core/row_list.h"
 #include "orders/close_rows.h"
 #include "orders/order_answer.h"
+#include "sessions/CClientAPIManagers.h"
 #include "sessions/desk.h"
 #include "views/frmTrade.h"
 #include "views/position_block.h"
@@ -41,8 +42,9 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
 
   using Record = PositionBook::Record;
 
-  frmClosePos(MGeneral& general, CQuestionBox& question_box, frmMain& accounts_list, const frmTrade& trade,
-              const PositionBook& book, const SymbolCollection& symbols);
+  frmClosePos(MGeneral& general, CQuestionBox& question_box, const CClientAPIManagers& sessions,
+              const AccountBook& accounts, const frmTrade& trade, const PositionBook& book,
+              const SymbolCollection& symbols);
 
   ComboBox CloseSymbols;
   RowList MSH;
@@ -136,7 +138,7 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   // Brings the rows up to date when they are the ones that there should be; false when others should be.
   bool renew();
   std::vector<Wanted> wanted() const;
-  bool connected(std::int32_t account) const { return accounts_list_.account_book().connected(account); }
+  bool connected(std::int32_t account) const { return accounts_.connected(account); }
 
   // frmClosePos_close.cpp
   void send(const std::vector<frmTrade::Close>& positions);
@@ -144,7 +146,8 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
 
   MGeneral& general_;
   CQuestionBox& question_box_;
-  frmMain& accounts_list_;
+  const CClientAPIManagers& sessions_;
+  const AccountBook& accounts_;
   const frmTrade& trade_;
   const PositionBook& book_;
   const SymbolCollection& symbols_;
@@ -155,7 +158,7 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   SymbolHandle symbol_ = no_symbol;                // the one the grid is of
   std::uint64_t names_stamp_ = ~std::uint64_t{0};  // of the symbols that are offered
   std::deque<PositionBlock> blocks_;               // that wait
-  CloseRound round_{accounts_list_};
+  CloseRound round_{sessions_};
   CloseRows rows_{MSH, round_};
 };
 

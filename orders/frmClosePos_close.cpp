@@ -76,7 +76,7 @@ void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
 }
 
 std::string frmClosePos::user_names(const Row& row) const {
-  return tutti::user_names(accounts_list_.account_book(), CloseRows::account_of(row));
+  return tutti::user_names(accounts_, CloseRows::account_of(row));
 }
 
 void frmClosePos::take(std::vector<PositionBlock> blocks) {

@@ -8,8 +8,9 @@
 
 namespace tutti {
 
-frmlimitorder::frmlimitorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& symbols)
-    : general_(general), accounts_list_(accounts_list), symbols_(symbols) {
+frmlimitorder::frmlimitorder(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions,
+                             SymbolCollection& symbols)
+    : general_(general), accounts_list_(accounts_list), sessions_(sessions), symbols_(symbols) {
   cblimiordertype.set_items({"Buy Limit", "Sell Limit", "Buy Stop", "Sell Stop"});
   CBlimitorderdis.set_items(
       {"Distribute as equal parts", "Distribute by margin Ratio", "Distribute by equity Ratio"});
@@ -119,12 +120,12 @@ void frmlimitorder::prices(SymbolHandle symbol, const Symbol&) {
 
 void frmlimitorder::limitorderpricechange() {
   if (cblimitordersymbols.index() < 0 || !market_.chosen()) return;
-  market_.take(accounts_list_.sessions());
+  market_.take(sessions_);
   hints_.tell_bounds(edit_);
 }
 
 void frmlimitorder::sltpprice() {
-  hints_.tell_profits(accounts_list_.sessions(), edit_);
+  hints_.tell_profits(sessions_, edit_);
 }
 
 void frmlimitorder::Distribute() {
@@ -132,7 +133,7 @@ void frmlimitorder::Distribute() {
   round_.begin();
   for (Row& row : lvwConClients)
     row.data<EntryRound::RowData>().wanted = row.checked();
-  Distribution{general_, accounts_list_.sessions(), *this}.run(
+  Distribution{general_, sessions_, *this}.run(
       draft_.lots(), static_cast<std::int16_t>(CBlimitorderdis.index()), cblimitordersymbols.text());
 }
 

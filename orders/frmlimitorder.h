@@ -40,7 +40,8 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   static constexpr std::string_view edit_order = "Limit Orders";
   static constexpr std::string_view edit_stops = "SLTP ";
 
-  frmlimitorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& symbols);
+  frmlimitorder(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions,
+                SymbolCollection& symbols);
 
   ComboBox cblimitordersymbols;
   ComboBox cblimiordertype;
@@ -185,9 +186,10 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
 
   MGeneral& general_;
   frmMain& accounts_list_;
+  CClientAPIManagers& sessions_;
   SymbolCollection& symbols_;
   AccountRows rows_{general_, lvwConClients, txtEditPrice};
-  EntryRound round_{general_, accounts_list_, rows_, edit_stops};
+  EntryRound round_{general_, accounts_list_, sessions_, rows_, edit_stops};
   EntryDraft draft_{general_, cblimiordertype, txtlimitorderammount, txtatprice, txtsl, txttp};
   EntryMarket market_{symbols_};
   EntryHints hints_{draft_,

@@ -33,8 +33,9 @@ Answer combined(Orders own) {
 
 }  // namespace
 
-frmorder::frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& symbols)
-    : general_(general), accounts_list_(accounts_list), symbols_(symbols) {
+frmorder::frmorder(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions,
+                   SymbolCollection& symbols)
+    : general_(general), accounts_list_(accounts_list), sessions_(sessions), symbols_(symbols) {
   CBdis.set_items({"Distribute as equal parts", "Distribute by margin Ratio", "Distribute by equity Ratio"});
   ColumnWidthsPer("20,12,67");
   Enableds(true);
@@ -157,8 +158,7 @@ void frmorder::chkAllClients_Click() {
       row.set_text(Column::result_text, "");
       continue;
     }
-    const SummaryAnswer answer =
-        accounts_list_.sessions().summary_of(static_cast<std::int32_t>(row.key().number()));
+    const SummaryAnswer answer = sessions_.summary_of(static_cast<std::int32_t>(row.key().number()));
     const bool known = answer.result == result::succeeded;
     row.set_checked(known && answer.values.equity > 0.0);
     rows_.ticked(row);
@@ -211,7 +211,7 @@ void frmorder::send(void (CClientAPIManagers::*function)()) {
   Enableds(true);
   requests_refused_ = 0;
   sent_ = true;
-  (accounts_list_.sessions().*function)();
+  (sessions_.*function)();
 }
 
 std::optional<double> frmorder::ticked_share(std::int32_t number) const {
@@ -227,7 +227,7 @@ void frmorder::request_ended(std::int32_t, RequestCode) {
 frmorder::Answer frmorder::answer_of(const Row& row) const {
   if (sent_) {
     const auto number = static_cast<std::int32_t>(row.key().number());
-    const Orders all = accounts_list_.sessions().last_fan_out();
+    const Orders all = sessions_.last_fan_out();
     const auto first =
         std::lower_bound(all.begin(), all.end(), number,
                          [](const SentOrder* order, auto wanted) { return order->account < wanted; });
@@ -241,7 +241,7 @@ frmorder::Answer frmorder::answer_of(const Row& row) const {
 frmorder::Answers frmorder::answers() const {
   Answers out;
   if (!sent_) return out;
-  Orders rest = accounts_list_.sessions().last_fan_out();
+  Orders rest = sessions_.last_fan_out();
   while (!rest.empty()) {
     const Orders own = of_one_account(rest, rest.front()->account);
     rest = rest.subspan(own.size());

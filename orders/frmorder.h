@@ -29,7 +29,8 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
  public:
   enum Column : std::size_t { account, amount, result_text };
 
-  frmorder(MGeneral& general, frmMain& accounts_list, SymbolCollection& symbols);
+  frmorder(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions,
+           SymbolCollection& symbols);
 
   TextBox txtLvw;
   TextBox txtEditPrice;
@@ -146,6 +147,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
 
   MGeneral& general_;
   frmMain& accounts_list_;
+  CClientAPIManagers& sessions_;
   SymbolCollection& symbols_;
   SymbolCollection::Entry symbol_;  // the chosen symbol when Distribute was pressed; empty when not found
   std::string column_widths_;

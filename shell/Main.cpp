@@ -16,13 +16,15 @@ Main::Main(std::filesystem::path application_folder, const MachinePorts& ports, 
       ports_(ports),
       server_(std::move(server)),
       events_(server_.events),
-      general_(paths_, ports_.clock, ports_.sound, ports_.prompt, messages_) {
+      general_(paths_, ports_.clock, ports_.sound, ports_.prompt, messages_),
+      login_options_(general_, server_.endpoint),
+      sessions_(server_.make_client, general_, desk_, books_, login_options_) {
   general_.key = KeyFile{ports_.key_file};
 }
 
 Main::~Main() {
   // Sessions write into the windows while they end, so they go while every window still stands.
-  if (accounts_ != nullptr) accounts_->end_sessions();
+  sessions_.Clear();
 }
 
 tl::expected<void, FileError> Main::start() {
@@ -59,13 +61,13 @@ tl::expected<void, FileError> Main::show_main_window() {
   window_ = std::make_unique<frmMdiNew>(general_);
   desk_.status = window_.get();
   journal_->on_incomplete = [this](std::string_view text) { window_->warn(text); };
-  accounts_ = std::make_unique<frmMain>(general_, desk_, books_, ports_.file_dialog, server_.make_client,
-                                        server_.endpoint);
+  accounts_ =
+      std::make_unique<frmMain>(general_, desk_, books_, login_options_, sessions_, ports_.file_dialog);
   desk_.accounts = accounts_.get();
-  market_order_ = std::make_unique<frmorder>(general_, *accounts_, books_.symbols);
+  market_order_ = std::make_unique<frmorder>(general_, *accounts_, sessions_, books_.symbols);
   desk_.market_order = market_order_.get();
   accounts_->attach(*market_order_);
-  entry_order_ = std::make_unique<frmlimitorder>(general_, *accounts_, books_.symbols);
+  entry_order_ = std::make_unique<frmlimitorder>(general_, *accounts_, sessions_, books_.symbols);
   desk_.entry_order = entry_order_.get();
   market_watch_ = std::make_unique<frmMW>(general_, books_.symbols);
   market_watch_->to_market_order = [this](std::string_view symbol) { market_order_->take_symbol(symbol); };
@@ -82,8 +84,7 @@ tl::expected<void, FileError> Main::show_main_window() {
   window_->Displayed(true);
   if (auto loaded = accounts_->load(); !loaded) return loaded;
 
-  // What needs the session collection, which the accounts list has just made.
-  pending_ = std::make_unique<frmPending>(general_, accounts_->sessions(), books_.orders);
+  pending_ = std::make_unique<frmPending>(general_, sessions_, books_.orders);
   desk_.pending = pending_.get();
   books_.orders.observe(*pending_);
   const auto edit = [this](const frmPending::EditRequest& request) { entry_order_->EdirMode(request); };
@@ -97,11 +98,11 @@ tl::expected<void, FileError> Main::show_main_window() {
 
 // Everything that closes positions, and what is picked for it elsewhere.
 void Main::connect_closing() {
-  close_positions_ = std::make_unique<frmClosePos>(general_, *question_box_, *accounts_, *trade_,
-                                                   books_.positions, books_.symbols);
+  close_positions_ = std::make_unique<frmClosePos>(general_, *question_box_, sessions_, books_.accounts,
+                                                   *trade_, books_.positions, books_.symbols);
   desk_.close_positions = close_positions_.get();
   books_.positions.observe(*close_positions_);
-  close_helper_ = std::make_unique<CloseHelper>(general_, accounts_->sessions());
+  close_helper_ = std::make_unique<CloseHelper>(general_, sessions_);
   const auto close = [this](const frmTrade::Close& position) {
     return close_helper_->close(position.ticket, position.amount, position.account);
   };
@@ -127,18 +128,16 @@ void Main::prepare_result_lists() {
 }
 
 tl::expected<void, FileError> Main::load_saved_accounts() {
-  const auto records = accounts_->login_options().records().read_all();
+  const auto records = login_options_.records().read_all();
   if (!records) return tl::unexpected(records.error());
-  CClientAPIManagers& sessions = accounts_->sessions();
-  const CLoginOptions& options = accounts_->login_options();
   for (const AccountRecord& record : *records) {
     const std::string key = account_key(record.user, record.account);
     if (accounts_->has_account(key)) {
       if (record.auto_login) accounts_->login_account(key);
       continue;
     }
-    const LoginData login{record.user, record.password.copy(), record.account, options.current()};
-    if (sessions.Add(login, "", record.auto_login) == nullptr) break;
+    const LoginData login{record.user, record.password.copy(), record.account, login_options_.current()};
+    if (sessions_.Add(login, "", record.auto_login) == nullptr) break;
     accounts_->savedListViw(record.user, record.password.reveal(), record.account);
   }
   return {};

@@ -22,6 +22,8 @@
 #include "orders/frmPriceChanged.h"
 #include "orders/frmlimitorder.h"
 #include "orders/frmorder.h"
+#include "sessions/CClientAPIManagers.h"
+#include "sessions/CLoginOptions.h"
 #include "sessions/desk.h"
 #include "shell/CHTMLHELP.h"
 #include "shell/Culf.h"
@@ -83,6 +85,8 @@ class Main {
   CQuestionBox& question_box() { return *question_box_; }
   frmSure& sure() { return *sure_; }
   frmMdiNew& window() { return *window_; }
+  CLoginOptions& login_options() { return login_options_; }
+  CClientAPIManagers& sessions() { return sessions_; }
   frmMain& accounts() { return *accounts_; }
   frmorder& market_order() { return *market_order_; }
   frmlimitorder& entry_order() { return *entry_order_; }
@@ -97,8 +101,8 @@ class Main {
   CJournal& journal() { return *journal_; }
   SymbolCollection& symbols() { return books_.symbols; }
   const AccountBook& account_book() const { return books_.accounts; }
-  PositionBook& positions() { return books_.positions; }
-  OrderBook& orders() { return books_.orders; }
+  const PositionBook& positions() const { return books_.positions; }
+  const OrderBook& orders() const { return books_.orders; }
   Culf& colours() { return *colours_; }
   CHTMLHELP& help() { return *help_; }
   COpenPos& open_positions() { return *open_positions_; }
@@ -124,6 +128,8 @@ class Main {
   MGeneral general_;
   Books books_;
   Desk desk_;
+  CLoginOptions login_options_;
+  CClientAPIManagers sessions_;
 
   std::unique_ptr<Culf> colours_;
   std::unique_ptr<CQuestionBox> question_box_;

@@ -126,7 +126,7 @@ TEST(AccountRows, ASecondRowTakesAwayOnlyItsOwn) {
     // What ends is another order of the account, and its other session.
     frmPriceChanged& requote = desk.main->requote();
     requote.API_MarketOrderRejected(99, 1);
-    requote.session_gone(*desk.accounts().sessions().by_account(1));
+    requote.session_gone(*desk.main->sessions().by_account(1));
     EXPECT_EQ(desk.result(1), counting);
     way.go(desk);
     EXPECT_EQ(desk.shown(), way.leaves_positions
@@ -176,7 +176,7 @@ TEST(AccountRows, TheRowThatACloseNeedsIsNamed) {
   EXPECT_EQ(desk.form.answers().text(), "2 refused");
   EXPECT_EQ(desk.form.answer_of(*desk.form.searchpos(11, 1)), OrderAnswer::refused);
   EXPECT_EQ(desk.take_messages().size(), 2u);
-  desk.accounts().sessions().Remove("C1");
+  desk.main->sessions().Remove("C1");
   desk.main->trade().close_helper({11, 0.5, 1});
   EXPECT_EQ(desk.log, Texts{"1 close 11 0.5"});
   EXPECT_EQ(desk.take_messages(), Texts{});

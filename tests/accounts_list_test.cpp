@@ -69,7 +69,7 @@ TEST(AccountsList, SaysWhoIsNotConnectedAndWhy) {
               frmaccount::Added::yes);
   EXPECT_EQ(not_connected_text(book), "2 accounts are not connected; what they hold is not in this view");
   EXPECT_EQ(user_names(book, 500'103), terminal.client(500'103).text(frmMain::user_name) + ", OTHER");
-  terminal.main->accounts().sessions().Remove(terminal.client(500'101).key().text());
+  terminal.main->sessions().Remove(terminal.client(500'101).key().text());
   EXPECT_EQ(not_connected_text(book), "1 account is not connected; what it holds is not in this view");
 }
 
@@ -341,8 +341,9 @@ TEST(SavedAccounts, EqualLinesAreWrittenOnceAndSaveAsCopiesTheConnected) {
   for (const char* password : {"secret", "", "secret", "other"})
     list.savedListViw("ann", password, 5);
   EXPECT_EQ(terminal.home->read(all_list), "ann,secret,5\nann,other,5\n");
-  list.sessions().Add({"ASPEN", "ASPEN02", 500'101, terminal.server.config().endpoint}, "new", true);
-  list.sessions().Add({"ALDER", "ALDER01", 500'100, terminal.server.config().endpoint}, "", false);
+  terminal.main->sessions().Add({"ASPEN", "ASPEN02", 500'101, terminal.server.config().endpoint}, "new",
+                                true);
+  terminal.main->sessions().Add({"ALDER", "ALDER01", 500'100, terminal.server.config().endpoint}, "", false);
   terminal.run(2s);
   list.mnusaveas_Click();
   EXPECT_EQ(elsewhere.read("mine.buf"), "ASPEN,ASPEN02,500101\n");

@@ -318,7 +318,7 @@ TEST(ClosePositions, AccountsLoseTheirRowsWithTheConnection) {
   // One that is taken off the accounts list leaves this one as well, whatever it holds.
   desk.open(3, 31);
   EXPECT_EQ(states(), (Texts{"Connected", "#"}));
-  desk.main->accounts().sessions().RClear(3);
+  desk.main->sessions().RClear(3);
   EXPECT_EQ(states(), Texts{});
 }
 

@@ -207,7 +207,7 @@ TEST(EntryOrder, SubmitGoesStepByStep) {
   EXPECT_EQ(desk.answers(), "1 refused, 2 waiting");
   EXPECT_EQ(submit(), fill);
 
-  CClientAPIManagers& sessions = desk.main->accounts().sessions();
+  CClientAPIManagers& sessions = desk.main->sessions();
   EXPECT_EQ(sessions.unanswered(), 2);
   // A success that nobody's order belongs to settles nothing; one that was executed already does.
   desk.client(1).sink->NewLimitOrderResult(10, result::succeeded);
@@ -227,7 +227,7 @@ TEST(EntryOrder, SubmitGoesStepByStep) {
 TEST(EntryOrder, AnswersFindTheirRequests) {
   EntryTerminal desk{{{5, 5}}};
   ScriptedClient& client = desk.client(1);
-  CClientAPIManager& session = *desk.main->accounts().sessions().Item(1);
+  CClientAPIManager& session = *desk.main->sessions().Item(1);
   const auto place = [&](const char* at) {
     desk.fill_in(buy_limit, at);
     desk.distribute("1");

@@ -219,7 +219,7 @@ TEST(MarketOrder, OneShareIsCorrectedInPlace) {
 TEST(MarketOrder, EveryAccountOfTheLastRoundIsCounted) {
   MarketTerminal desk{{{5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}, {5, 5}, {-1, 5}, {5, 5}}};
   frmorder& form = desk.main->market_order();
-  CClientAPIManagers& sessions = desk.main->accounts().sessions();
+  CClientAPIManagers& sessions = desk.main->sessions();
   const auto answers = [&] {
     std::string out;
     for (const Row& row : form.lvwConClients)

@@ -297,8 +297,7 @@ TEST(AccountFile, PasswordsStandNowhereButInThePlainLists) {
   terminal.start_logged_in();
   EXPECT_EQ(terminal.client(500'100).text(2), "Connected");
   for (const AccountConfig& account : config.accounts)
-    EXPECT_TRUE(terminal.main->accounts().login_options().SetData(account.user, account.password,
-                                                                  account.number, true));
+    EXPECT_TRUE(terminal.main->login_options().SetData(account.user, account.password, account.number, true));
   int files = 0;
   for (const auto& entry : fs::recursive_directory_iterator{terminal.home->path()}) {
     const std::string name = entry.path().filename().string();

@@ -374,7 +374,7 @@ TEST(Scenario, AFanOutOverFiftyAccountsEndsEverywhere) {
   }
   for (const TradingAccount& account : desk.server.accounts())
     EXPECT_LE(account.positions().size(), 1u);
-  for (const auto& session : desk.main->accounts().sessions().Children()) {
+  for (const auto& session : desk.main->sessions().Children()) {
     const State state = session->last_order().outcome;
     const int place = struck(session->account());
     // Whoever was never answered is still waited for; its connection stands.

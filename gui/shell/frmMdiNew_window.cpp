@@ -95,7 +95,7 @@ void FrmMdiNewWindow::save_layout() {
 
 // Orders go on at the dealing server whether anybody sees their answers or not.
 void FrmMdiNewWindow::closeEvent(QCloseEvent* event) {
-  const Holdings held{main_.positions(), main_.accounts().sessions()};
+  const Holdings held{main_.positions(), main_.sessions()};
   const auto counted = [](int count, const char* one, const char* more) {
     return std::to_string(count) + (count == 1 ? one : more);
   };

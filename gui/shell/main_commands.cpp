@@ -376,7 +376,7 @@ void MainCommands::disconnect_selected() {
   }
   if (meant.size() <= 1) return form.MnuDisconnecte_Click();
   if (!confirm("Log out " + std::to_string(meant.size()) + " accounts?",
-               Holdings{to_.main.positions(), form.sessions(), numbers}.text()))
+               Holdings{to_.main.positions(), to_.main.sessions(), numbers}.text()))
     return;
   std::vector<RowKey> keys;
   for (const Row& row : form.lvwClients)

@@ -142,9 +142,7 @@ void ScreenshotTour::plan_orders() {
     picture(pane.name.toStdString(), [widget = pane.widget] { return widget; });
   }
   then([] { return true; },
-       [this] {
-         window_.panes().journal().show_history(main_.accounts().sessions().Children().front()->account());
-       });
+       [this] { window_.panes().journal().show_history(main_.sessions().Children().front()->account()); });
   picture("journal_history", [this] { return &window_.panes().journal(); });
   then([] { return true; }, [this] { window_.panes().journal().show_live(); });
 }
@@ -206,7 +204,7 @@ void ScreenshotTour::plan_boxes() {
        [this] {
          window_.messages().dismiss_all();
          const MessageQueue::HandlerScope handler{main_.messages()};
-         for (const auto& session : main_.accounts().sessions().Children()) {
+         for (const auto& session : main_.sessions().Children()) {
            if (session->key() <= 12) session->SessionDisconnected();
          }
        });

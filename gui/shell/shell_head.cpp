@@ -27,7 +27,7 @@ ShellHead::ShellHead(Main& main, Panes& panes, Screen& screen, QMenuBar& bar) : 
     const std::size_t chosen = panes.order_list_in_front().checked_count();
     accounts->show_text(QStringLiteral("Accounts %1").arg(main.accounts().lvwClients.size()), false);
     ticked->show_text(QStringLiteral("Ticked %1").arg(chosen), chosen > 0);
-    const CLoginOptions& options = main.accounts().login_options();
+    const CLoginOptions& options = main.login_options();
     server->show_text(QString::fromStdString(options.CurrentServerDesc()), false);
     server->setHidden(options.CurrentServerIP().empty());
     // The menu bar looks at the size of its corner only when it is given one.

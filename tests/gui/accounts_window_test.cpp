@@ -97,7 +97,7 @@ TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
 TEST_F(AccountsWindowTest, OfServersThatReadAlikeThePickedOneIsTaken) {
   FrmaccountWindow& dialog = desktop.window.account_dialog();
   rig.terminal.home->write("manage/SERVER.BUF", "Main&&h&&1&&Main&&h&&2&&Other&&h&&3\nh:1\n0\n\n");
-  ASSERT_TRUE(form.login_options().InitializeFromFile());
+  ASSERT_TRUE(rig.main().login_options().InitializeFromFile());
   form.add_account();
   rig.run(10ms);
   auto& box = *dialog.findChild<QComboBox*>();
@@ -105,8 +105,8 @@ TEST_F(AccountsWindowTest, OfServersThatReadAlikeThePickedOneIsTaken) {
     QTest::keyClick(&box, Qt::Key_Down);
     rig.run(10ms);
     EXPECT_EQ(box.currentIndex(), expected);
-    ASSERT_TRUE(form.login_options().Servers(form.account_dialog().CBServer));
-    EXPECT_EQ(form.login_options().CurrentServerPort(), expected + 1);
+    ASSERT_TRUE(rig.main().login_options().Servers(form.account_dialog().CBServer));
+    EXPECT_EQ(rig.main().login_options().CurrentServerPort(), expected + 1);
   }
 }
 
@@ -152,8 +152,8 @@ TEST_F(AccountsWindowTest, NotesFollowTheirRowAndEndWithIt) {
 }
 
 TEST_F(AccountsWindowTest, FindKeepsTheSelectionOnWhatIsShown) {
-  form.sessions().Item(2)->write_note("k\xC3\xB6ln");
-  form.sessions().Item(5)->write_note("family Birch");
+  rig.main().sessions().Item(2)->write_note("k\xC3\xB6ln");
+  rig.main().sessions().Item(5)->write_note("family Birch");
   click_cell(view, 4, frmMain::account);
   const struct {
     const char* text;

@@ -372,7 +372,7 @@ TEST(ClosePositionsWindow, MarkedOnlyHidesWhatTakesNoPart) {
     EXPECT_EQ(seen(), (Places{0, 2, 6, 8}));
   }
   // One goes by itself, and with it its account.
-  rig.main().accounts().sessions().by_account(rig.account(1))->close_position(rig.ticket(1), 0.5);
+  rig.main().sessions().by_account(rig.account(1))->close_position(rig.ticket(1), 0.5);
   rig.run(500ms);
   EXPECT_EQ(seen(), (Places{5, 7}));
   EXPECT_EQ(rig.marked(), Places{1});

@@ -115,8 +115,8 @@ TEST_F(DesktopTest, AnOpenSymbolListLeavesKeysAndTheScreenToTheOthers) {
   EXPECT_FALSE(list.isVisible() || box.hasFocus());
   EXPECT_TRUE(search());
   frmPriceChanged& requote = rig.main().requote();
-  requote.SetData(*rig.main().accounts().sessions().by_account(500100), 77, 500100, operation::buy, 0.5,
-                  "EURUSD", 1.08, 1.09, 10, 10);
+  requote.SetData(*rig.main().sessions().by_account(500100), 77, 500100, operation::buy, 0.5, "EURUSD", 1.08,
+                  1.09, 10, 10);
   rig.run(10ms);
   EXPECT_TRUE(requote.Displayed() && !list.isVisible());
   rig.run(dead_time);

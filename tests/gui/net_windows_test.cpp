@@ -26,7 +26,7 @@ struct NetTest : ::testing::Test {
                                 .symbol = symbol,
                                 .amount = std::abs(lots),
                                 .floating_pl = profit};
-    rig.main().positions().write(position, 5);
+    sink.NewOpenPosition(position);
   }
   void hold_some() {
     hold(1, "EURUSD", 1.0, 10.0);
@@ -44,6 +44,7 @@ struct NetTest : ::testing::Test {
   Blocks handed() { return std::exchange(handed_over, {}); }
 
   GuiRig rig{DealerConfig::sample(1)};
+  CLAPICLASS& sink = *rig.main().sessions().Item(1);
   std::int64_t ticket = 0;
   Blocks handed_over;
 };
@@ -191,7 +192,7 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   // What stands selected is the same cells, of the accounts that are left.
   drag(at(0, gbp), at(2, gbp));
   EXPECT_EQ(line(), before);
-  rig.main().positions().keep_only(3, {});
+  sink.DeleteOpenPosition({.ticket = 5, .account = 3, .symbol = {}});
   hold(1, "AUDUSD", 1.0, 0.0);
   rig.screen.acted();
   EXPECT_EQ(line(), "1 account, 1 symbol, -1.5 lots net");

@@ -95,16 +95,16 @@ TEST_F(TradeTest, TheSummaryLineKeepsItsBlanksAndFont) {
 struct PendingTest : ::testing::Test {
   PendingTest() {
     show(window);
-    book.write(
-        {.order = 7001, .account = 500101, .kind = OrderKind::entry, .symbol = "EURUSD", .amount = 0.5}, 5);
-    book.write({.order = 7002, .account = 500102, .kind = OrderKind::open, .symbol = "EURUSD", .amount = 0.5},
-               5);
+    sink.NewPendingOrder(
+        {.order = 7001, .account = 500101, .kind = OrderKind::entry, .symbol = "EURUSD", .amount = 0.5});
+    sink.NewPendingOrder(
+        {.order = 7002, .account = 500102, .kind = OrderKind::open, .symbol = "EURUSD", .amount = 0.5});
     rig.screen.acted();
   }
 
   GuiRig rig{DealerConfig::sample(2)};
   frmPending& form = rig.main().pending();
-  OrderBook& book = rig.main().orders();
+  CLAPICLASS& sink = *rig.main().sessions().Item(1);
   Desktop desktop{rig};
   FrmPendingWindow& window = desktop.panes().pending();
   RowListView& list = window.list();
@@ -117,7 +117,7 @@ TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
   EXPECT_EQ(note(), "");
   click_cell(list, 1, frmPending::symbol);
   EXPECT_EQ(note(), "Order 7002: Order 7002 in Pending mode");
-  book.remove(7002, 500102);
+  sink.DeletePendingOrder({.order = 7002, .account = 500102, .symbol = {}});
   rig.run(50ms);
   EXPECT_EQ(note(), "");
 }
@@ -138,8 +138,8 @@ TEST_F(PendingTest, EveryRowShowsWhetherItBuysOrSells) {
       {OrderKind::entry, {}, Side::none, ""},
   };
   for (const Case& c : cases) {
-    book.write(
-        {.order = 7001, .account = 500101, .kind = c.kind, .operation = c.operation, .symbol = "EURUSD"}, 5);
+    sink.NewPendingOrder(
+        {.order = 7001, .account = 500101, .kind = c.kind, .operation = c.operation, .symbol = "EURUSD"});
     const Row& row = form.lvwPending.row(0);
     const RowDelegate& look = list.delegate();
     EXPECT_EQ(look.side(row, frmPending::type), c.side) << c.tip;

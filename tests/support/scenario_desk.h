@@ -44,9 +44,7 @@ struct ScenarioDesk : TestTerminal {
   }
   RowList& positions() { return main->trade().lvwOpenPos; }
   RowList& orders() { return main->pending().lvwPending; }
-  CClientAPIManager& session(std::int32_t account) {
-    return *main->accounts().sessions().by_account(account);
-  }
+  CClientAPIManager& session(std::int32_t account) { return *main->sessions().by_account(account); }
   std::int64_t ticket(std::size_t row) { return positions().row(row).key().number(); }
   Texts differences() { return Verification{*main, server}.run(); }
   // Sorted, since accounts log in and fill in an order of the server's own.

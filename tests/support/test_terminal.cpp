@@ -99,11 +99,11 @@ void TestTerminal::start_logged_in() {
 }
 
 Row& TestTerminal::client(std::int32_t account) {
-  return *main->accounts().row_of(main->accounts().sessions().by_account(account)->ClientListItem());
+  return *main->accounts().row_of(main->sessions().by_account(account)->ClientListItem());
 }
 
 void TestTerminal::note(std::int32_t account, std::string_view text) {
-  main->accounts().sessions().by_account(account)->write_note(text);
+  main->sessions().by_account(account)->write_note(text);
 }
 
 Row* TestTerminal::order_row(std::int32_t account) {
