@@ -91,6 +91,7 @@ void OrderDriver::answer_orders() {
     report.amount = client->last_amount();
     client->sink()->NewOrderResult(report);
   }
+  terminal_.sessions().look_at_the_clock();
 }
 
 void OrderDriver::check() const {

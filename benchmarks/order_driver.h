@@ -22,7 +22,7 @@ class OrderDriver {
   double fan_out_floor();
 
  private:
-  // Tells every session that its order was executed.
+  // Tells every session that its order was executed, and lets the terminal do what it does each second.
   void answer_orders();
   // Both ways must have led to the same shares and orders.
   void check() const;

@@ -19,16 +19,13 @@ RequestBook::Sent& RequestBook::of(Sender sender) {
   return sent_[sender];
 }
 
-SentOrder& RequestBook::add(SentOrder request) {
-  assert(request.id > (all_.empty() ? 0 : all_.back().id));
-  all_.push_back(request);
-  SentOrder& added = all_.back();
+SentOrder& RequestBook::add(const SentOrder& request) {
+  assert(request.id > (all_.size() == 0 ? 0 : all_[all_.size() - 1].id));
+  SentOrder& added = all_.add(request);
   Sent& sent = of(added.sender);
   sent.alive.push_back(&added);
   if (added.kind == RequestKind::open) sent.last_open = &added;
   if (added.kind == RequestKind::entry) sent.last_entry = &added;
-  added.timed = true;
-  words_.emplace_back(added.last_word, &added);
   return added;
 }
 
@@ -43,16 +40,29 @@ void RequestBook::note_code(SentOrder& request, RequestCode request_code) {
   if (last == nullptr || last->settled() || !request.settled()) last = &request;
 }
 
+std::size_t RequestBook::place_of(RequestId id) const {
+  // By halves, since ids ascend.
+  std::size_t first = 0;
+  std::size_t end = all_.size();
+  while (first < end) {
+    const std::size_t middle = first + (end - first) / 2;
+    if (all_[middle].id < id) {
+      first = middle + 1;
+    } else {
+      end = middle;
+    }
+  }
+  return first < all_.size() && all_[first].id == id ? first : all_.size();
+}
+
 const SentOrder* RequestBook::find(RequestId id) const {
-  const auto at = std::lower_bound(all_.begin(), all_.end(), id,
-                                   [](const SentOrder& request, RequestId key) { return request.id < key; });
-  return at == all_.end() || at->id != id ? nullptr : &*at;
+  const std::size_t place = place_of(id);
+  return place == all_.size() ? nullptr : &all_[place];
 }
 
 SentOrder* RequestBook::named(std::int32_t account, RequestId id) {
-  const auto at = std::lower_bound(all_.begin(), all_.end(), id,
-                                   [](const SentOrder& request, RequestId key) { return request.id < key; });
-  return at == all_.end() || at->id != id || at->account != account ? nullptr : &*at;
+  const std::size_t place = place_of(id);
+  return place == all_.size() || all_[place].account != account ? nullptr : &all_[place];
 }
 
 SentOrder* RequestBook::fitting(Sender sender, const Figures& figures) {
@@ -87,10 +97,9 @@ const SentOrder& RequestBook::last_new(Sender sender, RequestKind kind) const {
 void RequestBook::settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome,
                          std::int64_t order, std::chrono::milliseconds now) {
   request.outcome = outcome;
-  // One that was given up, and is with the dealer after all, is waited for again.
-  if (!request.settled() && !std::exchange(request.timed, true)) words_.emplace_back(now, &request);
   if (result != ResultCode::none) request.result_code = result;
-  request.last_word = now;
+  // One that was given up, and is with the dealer after all, is waited for again.
+  if (!request.settled()) heard_of(request, now);
   Sent& sent = of(request.sender);
   if (order != 0 && is_new_order(request.kind)) {
     request.number = order;
@@ -127,25 +136,32 @@ std::vector<SentOrder*> RequestBook::open(Sender sender) const {
   return out;
 }
 
+void RequestBook::heard_of(SentOrder& request, std::chrono::milliseconds now) {
+  request.last_word = now;
+  if (!std::exchange(request.heard_of, true)) heard_.push_back(&request);
+}
+
 std::vector<SentOrder*> RequestBook::overdue(std::chrono::milliseconds now) {
   std::vector<SentOrder*> out;
-  while (!words_.empty() && words_.front().first + patience <= now) {
-    SentOrder* request = words_.front().second;
-    words_.pop_front();
-    request->timed = false;
+  const auto awaited = [](const SentOrder& request) {
     // What was executed in part may stay so for as long as the market wants.
-    if (request->settled() || request->outcome == SentOrder::Outcome::partly) continue;
-    if (request->last_word + patience <= now) {
-      out.push_back(request);
-    } else {
-      // Heard of since. Those behind it were sent later, but perhaps heard of earlier.
-      request->timed = true;
-      const std::pair<std::chrono::milliseconds, SentOrder*> again{request->last_word, request};
-      words_.insert(std::upper_bound(words_.begin(), words_.end(), again,
-                                     [](const auto& a, const auto& b) { return a.first < b.first; }),
-                    again);
-    }
+    return !request.settled() && request.outcome != SentOrder::Outcome::partly;
+  };
+  for (; looked_at_ < all_.size(); ++looked_at_) {
+    SentOrder& request = all_[looked_at_];
+    if (request.heard_of || !awaited(request)) continue;
+    if (request.last_word + patience > now) break;
+    out.push_back(&request);
   }
+  std::erase_if(heard_, [&](SentOrder* request) {
+    if (awaited(*request)) {
+      if (request->last_word + patience > now) return false;
+      out.push_back(request);
+    }
+    request->heard_of = false;
+    return true;
+  });
+  std::sort(out.begin(), out.end(), [](const SentOrder* a, const SentOrder* b) { return a->id < b->id; });
   return out;
 }
 

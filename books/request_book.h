@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,6 +10,7 @@
 #include <tsl/robin_map.h>
 #include <tsl/robin_set.h>
 
+#include "books/record_blocks.h"
 #include "books/sent_order.h"
 #include "sessions/contract/codes.h"
 
@@ -34,8 +34,11 @@ class RequestBook {
     double lots = 0.0;
   };
 
-  // Takes in a request that is about to leave. Its id is greater than every one before.
-  SentOrder& add(SentOrder request);
+  // Takes in a request that is about to leave. Its id is greater than every one before, and it is sent no
+  // earlier.
+  SentOrder& add(const SentOrder& request);
+  // So many that come next find their room made. To be called while nobody waits.
+  void make_room(std::size_t count) { all_.make_room(count); }
   // What the call that sent it answered. Of a repetition that is refused what is on its way stays the last.
   void note_code(SentOrder& request, RequestCode request_code);
 
@@ -66,7 +69,7 @@ class RequestBook {
   void settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome, std::int64_t order,
               std::chrono::milliseconds now);
   // The broker has it, and said so.
-  void heard_of(SentOrder& request, std::chrono::milliseconds now) { request.last_word = now; }
+  void heard_of(SentOrder& request, std::chrono::milliseconds now);
   // False for a fill that was told before.
   bool is_new_execution(Sender sender, const std::string& execution);
 
@@ -86,9 +89,9 @@ class RequestBook {
   };
   struct Sent {
     std::vector<SentOrder*> alive;  // without a result, or unknown; oldest first
-    tsl::robin_map<Slot, SentOrder*, SlotHash> last;
     SentOrder* last_open = nullptr;
     SentOrder* last_entry = nullptr;
+    tsl::robin_map<Slot, SentOrder*, SlotHash> last;
     tsl::robin_set<std::string> executions;
   };
 
@@ -96,9 +99,13 @@ class RequestBook {
   const Sent* find_sent(Sender sender) const { return sender < sent_.size() ? &sent_[sender] : nullptr; }
   std::vector<SentOrder*>& alive(Sender sender) { return of(sender).alive; }
 
-  std::deque<SentOrder> all_;                                           // ids ascend
-  std::vector<Sent> sent_;                                              // by sender
-  std::deque<std::pair<std::chrono::milliseconds, SentOrder*>> words_;  // when each is looked at, in order
+  // As many as there are when there is none.
+  std::size_t place_of(RequestId id) const;
+
+  RecordBlocks<SentOrder> all_;    // ids ascend
+  std::vector<Sent> sent_;         // by sender
+  std::size_t looked_at_ = 0;      // those before it were looked at since they are due
+  std::vector<SentOrder*> heard_;  // what the broker has said a word about, and may be without a result
 };
 
 }  // namespace tutti

@@ -1,5 +1,6 @@
 #include "books/request_ids.h"
 
+#include <memory>
 #include <random>
 #include <utility>
 
@@ -14,7 +15,7 @@ constexpr int place_bits = 10;
 
 RequestIds::RequestIds(const Clock& clock, std::function<std::uint32_t()> random)
     : clock_(clock), random_(std::move(random)) {
-  if (!random_) random_ = [] { return std::random_device{}(); };
+  if (!random_) random_ = [device = std::make_shared<std::random_device>()] { return (*device)(); };
 }
 
 RequestId RequestIds::next() {

@@ -34,23 +34,23 @@ struct SentOrder {
     unknown,   // nobody knows: no word came for long, or the connection was lost before the result
   };
 
-  RequestKind kind = RequestKind::open;
   std::int64_t number = 0;  // order or ticket; of a new order known once a result told it
   double amount = 0.0;      // lots
   double price = 0.0;       // of an entry order
-  Operation side{};
+  double filled = 0.0;      // lots, as reported so far
+  RequestId id = 0;
+  std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
+  std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
   SymbolHandle symbol = no_symbol;
+  Operation side{};
   RequestCode request_code{};
   ResultCode result_code{};  // 0 until a result came
-  Outcome outcome = Outcome::none;
-  std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
-  int round = 0;                 // the sender's own mark, handed back with the outcome
-  RequestId id = 0;
+  int round = 0;             // the sender's own mark, handed back with the outcome
   Sender sender = 0;
   std::int32_t account = 0;
-  double filled = 0.0;                     // lots, as reported so far
-  std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
-  bool timed = false;                      // the book will look how long it has been silent
+  RequestKind kind = RequestKind::open;
+  Outcome outcome = Outcome::none;
+  bool heard_of = false;  // the broker said a word since it was sent; the book's own
 
   // Nothing more is expected of it. A late word may still come for one that is unknown.
   bool settled() const {

@@ -176,6 +176,7 @@ int CClientAPIManagers::unanswered() const {
 }
 
 void CClientAPIManagers::look_at_the_clock() {
+  requests_.make_room(sessions_.size());
   std::vector<SentOrder*> overdue = requests_.overdue(general_.clock.elapsed());
   std::size_t given_up = 0;
   for (SentOrder* request : overdue) {

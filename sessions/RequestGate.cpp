@@ -13,7 +13,7 @@ Sender RequestGate::join(std::int32_t account, OrderOperations& operations) {
 }
 
 template <class Call>
-const SentOrder& RequestGate::send(Sender sender, SentOrder request, Call&& call) {
+const SentOrder& RequestGate::send(Sender sender, SentOrder&& request, Call&& call) {
   const Way& way = senders_[sender - 1];
   request.id = ids_.next();
   request.sender = sender;
@@ -28,21 +28,21 @@ const SentOrder& RequestGate::send(Sender sender, SentOrder request, Call&& call
 
 const SentOrder& RequestGate::market_order(Sender sender, Operation side, SymbolHandle symbol,
                                            std::int32_t symbol_id, double amount) {
-  return send(sender, {.kind = RequestKind::open, .amount = amount, .side = side, .symbol = symbol},
+  return send(sender, {.amount = amount, .symbol = symbol, .side = side, .kind = RequestKind::open},
               [&](OrderOperations& to, RequestId id) {
                 return to.NewMarketOrder(side, symbol_id, amount, "", "", id);
               });
 }
 
 const SentOrder& RequestGate::close(Sender sender, std::int64_t ticket, double amount) {
-  return send(sender, {.kind = RequestKind::close, .number = ticket, .amount = amount},
+  return send(sender, {.number = ticket, .amount = amount, .kind = RequestKind::close},
               [&](OrderOperations& to, RequestId id) {
                 return to.ClosePosition(std::to_string(ticket), number_text(amount), "", id);
               });
 }
 
 const SentOrder& RequestGate::cancel(Sender sender, std::int64_t order, bool stops_of_position) {
-  return send(sender, {.kind = RequestKind::cancel, .number = order}, [&](OrderOperations& to, RequestId id) {
+  return send(sender, {.number = order, .kind = RequestKind::cancel}, [&](OrderOperations& to, RequestId id) {
     return stops_of_position ? to.DeleteSLTPOrder(order, id) : to.DeleteEntryOrder(order, id);
   });
 }
@@ -51,32 +51,32 @@ const SentOrder& RequestGate::place_entry(Sender sender, const EntryOrder& order
                                           int round) {
   const bool stop = order.kind == EntryKind::stop;
   return send(sender,
-              {.kind = RequestKind::entry,
-               .amount = order.amount,
+              {.amount = order.amount,
                .price = order.price,
+               .symbol = symbol,
                .side = buys(order.side) ? (stop ? operation::buy_stop : operation::buy)
                                         : (stop ? operation::sell_stop : operation::sell),
-               .symbol = symbol,
-               .round = round},
+               .round = round,
+               .kind = RequestKind::entry},
               [&](OrderOperations& to, RequestId id) { return to.NewEntryOrder(order, id); });
 }
 
 const SentOrder& RequestGate::update_entry(Sender sender, std::int64_t order, double price,
                                            const StopPrices& stops, int round) {
   return send(
-      sender, {.kind = RequestKind::update, .number = order, .price = price, .round = round},
+      sender, {.number = order, .price = price, .round = round, .kind = RequestKind::update},
       [&](OrderOperations& to, RequestId id) { return to.UpdateEntryOrder(order, price, stops, id); });
 }
 
 const SentOrder& RequestGate::set_stops(Sender sender, std::int64_t ticket, const StopPrices& stops,
                                         std::int64_t stops_order, int round) {
   return send(sender,
-              {.kind = RequestKind::stops, .number = ticket, .stops_order = stops_order, .round = round},
+              {.number = ticket, .stops_order = stops_order, .round = round, .kind = RequestKind::stops},
               [&](OrderOperations& to, RequestId id) { return to.UpdateSLTP(ticket, stops, id); });
 }
 
 const SentOrder& RequestGate::answer_requote(Sender sender, std::int64_t order, bool accept) {
-  return send(sender, {.kind = RequestKind::requote, .number = order},
+  return send(sender, {.number = order, .kind = RequestKind::requote},
               [&](OrderOperations& to, RequestId id) {
                 return accept ? to.AcceptRequote(order, id) : to.RejectRequote(order, id);
               });

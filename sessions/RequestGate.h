@@ -46,7 +46,7 @@ class RequestGate {
   };
 
   template <class Call>
-  const SentOrder& send(Sender sender, SentOrder request, Call&& call);
+  const SentOrder& send(Sender sender, SentOrder&& request, Call&& call);
 
   RequestBook& book_;
   const Clock& clock_;
