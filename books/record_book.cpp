@@ -7,23 +7,12 @@
 #include "books/position_book.h"
 
 namespace tutti {
-namespace {
-
-std::int64_t number_of(const OpenPosition& position) {
-  return position.ticket;
-}
-
-std::int64_t number_of(const PendingOrder& order) {
-  return order.order;
-}
-
-}  // namespace
 
 template <class Item>
 void RecordBook<Item>::write(const Item& item, int digits) {
-  const auto [at, is_new] = slot_of_.emplace(Key{number_of(item), item.account}, Slot{});
-  if (is_new) at.value() = free_slot();
-  const Slot slot = at->second;
+  Record* const there = find_to_write(number_of(item), item.account);
+  const bool is_new = there == nullptr;
+  const Slot slot = is_new ? free_slot() : there->slot;
   Record& record = records_[slot];
   const bool new_symbol = is_new || record.symbol != item.symbol;
   if (new_symbol && !is_new) {
@@ -35,6 +24,7 @@ void RecordBook<Item>::write(const Item& item, int digits) {
   record.stamp = record.written = ++stamp_;
   if (is_new) {
     record.slot = slot;
+    index_.insert(slot);
     record.arrival = ++arrivals_;
     by_account_[item.account].push_back(slot);
   }
@@ -48,9 +38,9 @@ void RecordBook<Item>::write(const Item& item, int digits) {
 
 template <class Item>
 void RecordBook<Item>::remove(std::int64_t number, std::int32_t account) {
-  const auto at = slot_of_.find(Key{number, account});
-  if (at == slot_of_.end()) return;
-  const Record gone = take_out(at->second);
+  const Record* there = find(number, account);
+  if (there == nullptr) return;
+  const Record gone = take_out(there->slot);
   for (Observer* observer : observers_)
     observer->removed(gone);
   free_.push_back(gone.slot);
@@ -70,7 +60,7 @@ void RecordBook<Item>::keep_only(std::int32_t account, const Numbers& kept) {
 template <class Item>
 std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::all() const {
   std::vector<const Record*> out;
-  for (const auto& [key, slot] : slot_of_)
+  for (const Slot slot : index_)
     out.push_back(&records_[slot]);
   std::sort(out.begin(), out.end(), [](const Record* a, const Record* b) { return a->arrival < b->arrival; });
   return out;
@@ -108,7 +98,7 @@ typename RecordBook<Item>::Record RecordBook<Item>::take_out(Slot slot) {
   of_account.erase(place_in(of_account, record));
   Slots& of_symbol = by_symbol_[record.symbol];
   of_symbol.erase(place_in(of_symbol, record));
-  slot_of_.erase(Key{number_of(record), record.account});
+  index_.erase(slot);
   ++stamp_;
   return std::exchange(record, Record{});
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -9,7 +10,17 @@
 #include <tsl/robin_map.h>
 #include <tsl/robin_set.h>
 
+#include "sessions/contract/open_position.h"
+#include "sessions/contract/pending_order.h"
+
 namespace tutti {
+
+inline std::int64_t number_of(const OpenPosition& position) {
+  return position.ticket;
+}
+inline std::int64_t number_of(const PendingOrder& order) {
+  return order.order;
+}
 
 // Numbers of positions or orders of one account.
 using Numbers = tsl::robin_set<std::int64_t>;
@@ -26,11 +37,11 @@ class RecordBook {
   // 0 and up; that of a record that went is given to one that comes later.
   using Slot = std::uint32_t;
   struct Record : Item {
-    int digits = 5;  // decimals of its prices
     Slot slot = 0;
-    std::uint64_t arrival = 0;  // ascends in the order in which the records came
+    int digits = 5;             // decimals of its prices
     std::uint64_t stamp = 0;    // of its last change
     std::uint64_t written = 0;  // the same, without those of its worth alone
+    std::uint64_t arrival = 0;  // ascends in the order in which the records came
   };
 
   // Whoever shows the records is told of each change when it is done. Nobody writes the book from here.
@@ -63,20 +74,20 @@ class RecordBook {
 
   // nullptr when there is none.
   const Record* find(std::int64_t number, std::int32_t account) const {
-    const auto at = slot_of_.find(Key{number, account});
-    return at == slot_of_.end() ? nullptr : &records_[at->second];
+    const auto at = index_.find(Key{number, account});
+    return at == index_.end() ? nullptr : &records_[*at];
   }
   // In the order in which they came.
   std::vector<const Record*> all() const;
   std::vector<const Record*> of_account(std::int32_t account) const;
   std::vector<const Record*> of_symbol(const std::string& symbol) const;
-  std::size_t size() const { return slot_of_.size(); }
+  std::size_t size() const { return index_.size(); }
   std::uint64_t stamp() const { return stamp_; }
 
  protected:
   Record* find_to_write(std::int64_t number, std::int32_t account) {
-    const auto at = slot_of_.find(Key{number, account});
-    return at == slot_of_.end() ? nullptr : &records_[at->second];
+    const auto at = index_.find(Key{number, account});
+    return at == index_.end() ? nullptr : &records_[*at];
   }
   std::uint64_t next_stamp() { return ++stamp_; }
   const std::vector<Observer*>& observers() const { return observers_; }
@@ -87,14 +98,27 @@ class RecordBook {
     std::int32_t account = 0;
     bool operator==(const Key&) const = default;
   };
-  struct KeyHash {
+  static Key key_of(const Record& record) { return {number_of(record), record.account}; }
+  // The index holds slots alone, so that it stays in the cache however many records there are.
+  struct Hash {
+    const std::vector<Record>* records;
     std::size_t operator()(const Key& key) const {
       // Odd and large, so that accounts next to each other with the same numbers are spread.
       constexpr std::uint64_t spread = 0x9E37'79B9'7F4A'7C15;
       return static_cast<std::size_t>(static_cast<std::uint64_t>(key.number) ^
                                       static_cast<std::uint64_t>(key.account) * spread);
     }
+    std::size_t operator()(Slot slot) const { return (*this)(key_of((*records)[slot])); }
   };
+  struct Equal {
+    using is_transparent = void;
+    const std::vector<Record>* records;
+    bool operator()(const Key& key, Slot slot) const { return key == key_of((*records)[slot]); }
+    bool operator()(Slot slot, const Key& key) const { return (*this)(key, slot); }
+    bool operator()(Slot a, Slot b) const { return a == b; }
+  };
+  static constexpr bool keeps_hashes = true;
+  using Index = tsl::robin_set<Slot, Hash, Equal, std::allocator<Slot>, keeps_hashes>;
   using Slots = std::vector<Slot>;  // in the order in which the records came
 
   Slot free_slot();
@@ -104,7 +128,7 @@ class RecordBook {
 
   std::vector<Record> records_;  // by slot
   Slots free_;
-  tsl::robin_map<Key, Slot, KeyHash> slot_of_;
+  Index index_{0, Hash{&records_}, Equal{&records_}};
   tsl::robin_map<std::int32_t, Slots> by_account_;
   tsl::robin_map<std::string, Slots> by_symbol_;
   std::vector<Observer*> observers_;

@@ -8,9 +8,11 @@ namespace tutti {
 // apart. Without it one damaged record of 10^12 would cost all others their decimals, even once it is gone.
 class CompensatedSum {
  public:
-  void add(double value) {
+  // `rest`: what was rounded off from the value, no more than half of its last digit.
+  void add(double value, double rest = 0.0) {
     const double sum = sum_ + value;
-    lost_ += std::fabs(sum_) >= std::fabs(value) ? (sum_ - sum) + value : (value - sum) + sum_;
+    const double taken = sum - sum_;
+    lost_ += (sum_ - (sum - taken)) + (value - taken) + rest;
     sum_ = sum;
   }
   void clear() { sum_ = lost_ = 0.0; }

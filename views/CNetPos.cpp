@@ -40,7 +40,7 @@ void CNetPos::put(const Held& held) {
   NetSum& both = symbol.by_account[held.account];
   if (both.positions() == 0) ++symbol.accounts;
   if (account.sum.positions() == 0) ++accounts_in_market_;
-  for (NetSum* sum : {&symbol.sum, &account.sum, &both, &total_})
+  for (NetSum* sum : {&symbol.sum, &account.sum, &both})
     sum->add(held.side, held.lots, held.price, held.profit);
   touch(held);
 }
@@ -49,7 +49,7 @@ void CNetPos::take(const Held& held) {
   OfSymbol& symbol = symbols_[held.symbol];
   OfAccount& account = accounts_[held.account];
   NetSum& both = symbol.by_account[held.account];
-  for (NetSum* sum : {&symbol.sum, &account.sum, &both, &total_})
+  for (NetSum* sum : {&symbol.sum, &account.sum, &both})
     sum->take(held.side, held.lots, held.price, held.profit);
   if (both.positions() == 0) --symbol.accounts;
   if (account.sum.positions() == 0) --accounts_in_market_;
@@ -78,13 +78,19 @@ void CNetPos::remove_position(const PositionBook::Record& position) {
 
 void CNetPos::floating_changed(const PositionBook::Record& position) {
   Held& held = held_[position.slot];
-  // What the text of the profit says, without the text.
-  const double now = as_text_reads(position.floating_pl);
+  const NetSum::Change change{held.profit, position.floating_pl};
   OfSymbol& symbol = symbols_[held.symbol];
-  for (NetSum* sum : {&symbol.sum, &symbol.by_account[held.account], &accounts_[held.account].sum, &total_})
-    sum->change_floating(held.profit, now);
-  held.profit = now;
+  for (NetSum* sum : {&symbol.sum, &symbol.by_account[held.account], &accounts_[held.account].sum})
+    sum->change_floating(change);
+  held.profit = position.floating_pl;
   touch(held);
+}
+
+NetSum CNetPos::total() const {
+  NetSum out;
+  for (const OfAccount& account : accounts_)
+    out.add(account.sum);
+  return out;
 }
 
 std::string CNetPos::profit_text(double profit) const {

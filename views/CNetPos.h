@@ -43,8 +43,8 @@ class CNetPos final : public Displayable {
   const NetSum& of(const OfAccount& account, std::size_t symbol) const {
     return symbols_[symbol].by_account[static_cast<std::size_t>(&account - accounts_.data())];
   }
-  // Everything. Lots of different symbols are added up as they are.
-  const NetSum& total() const { return total_; }
+  // Everything, added up with every call. Lots of different symbols are added up as they are.
+  NetSum total() const;
   // Accounts that hold any position.
   int accounts_in_market() const { return accounts_in_market_; }
   std::uint64_t stamp() const { return stamp_; }
@@ -80,7 +80,6 @@ class CNetPos final : public Displayable {
   tsl::robin_map<std::int32_t, std::uint32_t> place_of_account_;
   std::vector<OfSymbol> symbols_;
   std::vector<OfAccount> accounts_;
-  NetSum total_;
   int accounts_in_market_ = 0;
   std::uint64_t stamp_ = 0;
 };

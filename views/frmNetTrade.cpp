@@ -80,9 +80,10 @@ void frmNetTrade::write(Row& row, const CNetPos::OfSymbol& symbol) const {
 
 void frmNetTrade::write_total() {
   Row& row = general_.total_row(lvwNet);
-  if (book_.total().positions() == 0) return lvwNet.remove(row);
+  const NetSum total = book_.total();
+  if (total.positions() == 0) return lvwNet.remove(row);
   row.set_number(Column::accounts, book_.accounts_in_market());
-  write_sum(row, Column::bought, book_.total(), 0);
+  write_sum(row, Column::bought, total, 0);
   // Prices of different symbols have no average.
   row.set_text(Column::bought_at, "");
   row.set_text(Column::sold_at, "");

@@ -60,10 +60,11 @@ void NetMatrix::refresh() {
   }
   if (!lvwNetMatrix.empty()) {
     Row& row = general_.total_row(lvwNetMatrix);
-    write(row, book_.total(), Column::total);
+    const NetSum total = book_.total();
+    write(row, total, Column::total);
     for (std::size_t place = 0; place < book_.symbols().size(); ++place)
       write(row, book_.symbols()[place].sum, first_symbol + place);
-    if (book_.total().positions() == 0) lvwNetMatrix.remove(row);
+    if (total.positions() == 0) lvwNetMatrix.remove(row);
   }
   seen_ = book_.stamp();
 }

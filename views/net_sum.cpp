@@ -21,6 +21,12 @@ void NetSum::take(Operation side, double lots, double price, double profit) {
   if (positions() == 0) floating_.clear();
 }
 
+void NetSum::add(const NetSum& other) {
+  long_.add(other.long_);
+  short_.add(other.short_);
+  floating_.add(other.floating_.value());
+}
+
 double NetSum::floating_total() const {
   return round_half_even(floating(), 2);
 }

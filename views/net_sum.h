@@ -13,11 +13,17 @@ class NetSum {
   // Takes a position in, or out again; `lots` are 0 or above. A side without positions is exactly 0.
   void add(Operation side, double lots, double price, double profit);
   void take(Operation side, double lots, double price, double profit);
-  // A position's profit has changed.
-  void change_floating(double from, double to) {
-    floating_.add(-from);
-    floating_.add(to);
-  }
+  void add(const NetSum& other);
+  // What the profit of a position has changed by, exactly.
+  struct Change {
+    Change(double from, double to) : by(to - from) {
+      const double back = to - by;
+      rest = (to - (by + back)) + (back - from);
+    }
+    double by;
+    double rest;  // that rounding took off
+  };
+  void change_floating(const Change& change) { floating_.add(change.by, change.rest); }
 
   std::int32_t positions() const { return long_.positions + short_.positions; }
   // Lots, without the noise of adding up: net is above 0 when more was bought than sold.
@@ -37,6 +43,11 @@ class NetSum {
     CompensatedSum value;  // lots times open price
     std::int32_t positions = 0;
 
+    void add(const Side& other) {
+      lots.add(other.lots.value());
+      value.add(other.value.value());
+      positions += other.positions;
+    }
     double average() const { return lots.value() > 0.0 ? value.value() / lots.value() : 0.0; }
   };
 

@@ -17,13 +17,13 @@ struct OpenPosition {
   std::string symbol;
   double amount = 0.0;  // lots, above 0
   double open_price = 0.0;
+  double stop_loss = 0.0;    // 0 when none
+  double take_profit = 0.0;  // 0 when none
+  TimePoint open_time{};
   double current_price = 0.0;  // closing side: bid for a buy, ask for a sell
-  double stop_loss = 0.0;      // 0 when none
-  double take_profit = 0.0;    // 0 when none
   double commission = 0.0;     // account currency
   double interest = 0.0;       // account currency
   double floating_pl = 0.0;    // account currency, without commission and interest
-  TimePoint open_time{};
 };
 
 }  // namespace tutti
