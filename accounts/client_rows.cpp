@@ -12,19 +12,16 @@ std::vector<std::string> ClientRows::headers() {
 }
 
 ClientRows::ClientRows(RowList& list, AccountBook& book) : list_(list) {
-  list_.set_make_cells(make_cells);
-  book.on_shown = [this](const AccountEntry& account) {
-    if (Row* row = of(account)) row->outdate();
-  };
+  list_.set_make_cells([this](Row& row) { make_cells(row); });
+  book.on_shown = [this](const AccountEntry& account) { rows_.outdate(account.handle); };
 }
 
 Row* ClientRows::add(const AccountEntry& account, std::int32_t number) {
   Row* row = list_.add(client_key(number));
   if (row == nullptr) return nullptr;
   row->data<RowData>() = {&account, account_key(account.user, account.account)};
-  if (rows_.size() <= account.handle) rows_.resize(account.handle + std::size_t{1});
-  rows_[account.handle] = row;
-  row->outdate();
+  rows_.put(account.handle, *row);
+  rows_.outdate(account.handle);
   return row;
 }
 
@@ -39,32 +36,29 @@ void ClientRows::make_cells(Row& row) {
   row.set_number(index, static_cast<double>(row.key().number()), NumberFormat::index);
   row.set_text(state, state_text(shown.state), shown.ink);
   row.set_text(notes, shown.note);
-  if (!shown.has_values) return row.clear_cells(balance, free_margin);
-  row.set_number(balance, shown.values.balance, NumberFormat::summary);
-  row.set_number(floating, shown.values.floating_pl, NumberFormat::summary);
-  row.set_number(credit, shown.values.credit, NumberFormat::summary);
-  row.set_number(equity, shown.values.equity, NumberFormat::summary);
-  row.set_number(used_margin, shown.values.used_margin, NumberFormat::summary);
-  row.set_number(margin_level, shown.values.margin_level, NumberFormat::percent);
-  row.set_number(free_margin, shown.values.free_margin, NumberFormat::summary);
+  if (shown.has_values) {
+    row.set_number(balance, shown.values.balance, NumberFormat::summary);
+    row.set_number(floating, shown.values.floating_pl, NumberFormat::summary);
+    row.set_number(credit, shown.values.credit, NumberFormat::summary);
+    row.set_number(equity, shown.values.equity, NumberFormat::summary);
+    row.set_number(used_margin, shown.values.used_margin, NumberFormat::summary);
+    row.set_number(margin_level, shown.values.margin_level, NumberFormat::percent);
+    row.set_number(free_margin, shown.values.free_margin, NumberFormat::summary);
+  } else {
+    row.clear_cells(balance, free_margin);
+  }
+  rows_.made(account.handle);
 }
 
 void ClientRows::remove(const AccountEntry& account) {
-  Row* row = of(account);
-  if (row == nullptr) return;
-  rows_[account.handle] = nullptr;
-  list_.remove(*row);
+  if (of(account) != nullptr) list_.remove(rows_.take(account.handle));
 }
 
 void ClientRows::renumber(const AccountEntry& account, std::int32_t number) {
   Row* row = of(account);
   if (row == nullptr) return;
   list_.rekey(*row, client_key(number));
-  row->outdate();
-}
-
-Row* ClientRows::of(const AccountEntry& account) const {
-  return account.handle < rows_.size() ? rows_[account.handle] : nullptr;
+  rows_.outdate(account.handle);
 }
 
 Row* ClientRows::of(std::string_view key) const {

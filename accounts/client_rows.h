@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "books/account_book.h"
+#include "core/record_rows.h"
 #include "core/row_list.h"
 
 namespace tutti {
@@ -41,7 +42,7 @@ class ClientRows {
   void remove(const AccountEntry& account);
   void renumber(const AccountEntry& account, std::int32_t number);
   // The row of an account, by its record or by its duplicate key; nullptr when it has none.
-  Row* of(const AccountEntry& account) const;
+  Row* of(const AccountEntry& account) const { return rows_.of(account.handle); }
   Row* of(std::string_view duplicate_key) const;
   static const AccountEntry& record(const Row& row) { return *row.data_if<RowData>()->account; }
   static const std::string& duplicate_key(const Row& row) { return row.data_if<RowData>()->duplicate_key; }
@@ -52,10 +53,10 @@ class ClientRows {
     std::string duplicate_key;
   };
 
-  static void make_cells(Row& row);
+  void make_cells(Row& row);
 
   RowList& list_;
-  std::vector<Row*> rows_;  // by handle of the record; nullptr where it has none
+  RecordRows rows_;  // by handle
 };
 
 }  // namespace tutti

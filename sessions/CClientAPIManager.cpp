@@ -59,18 +59,22 @@ void CClientAPIManager::query_summary() {
 }
 
 void CClientAPIManager::Summary(std::int32_t account, AccountSummary& out) {
-  SummaryAnswer answer{.values = {}, .result = result::failed};
-  try {
-    answer = client_->GetAccountSummary(account);
-  } catch (const std::exception&) {
-    // An error of the library is an answer that failed.
-  }
+  const SummaryAnswer answer = ask_summary(account);
   if (answer.result == result::succeeded) {
     out = answer.values;
     return;
   }
   out = {.floating_pl = out.floating_pl};
   scope_.general.totals.floating_pl = 0.0;
+}
+
+SummaryAnswer CClientAPIManager::ask_summary(std::int32_t account) const {
+  try {
+    return client_->GetAccountSummary(account);
+  } catch (const std::exception&) {
+    // An error of the library is an answer that failed.
+    return {.values = {}, .result = result::failed};
+  }
 }
 
 std::string CClientAPIManager::SummaryDesc(double balance, double equity, double effective_margin) const {

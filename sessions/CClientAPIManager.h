@@ -185,6 +185,7 @@ class CClientAPIManager final : public CLAPICLASS {
   void CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
     if (connection_.summaries_changed(reported)) query_summary();
   }
+  SummaryAnswer ask_summary(std::int32_t account) const;
   // An answer that meant no open request: what the account has is read again.
   void meant(bool a_request) {
     if (!a_request) windows_.read_again(*this);

@@ -1,5 +1,6 @@
 #include "views/frmTrade.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/numbers.h"
@@ -28,19 +29,18 @@ void frmTrade::ColumnWidthsPer(std::string widths) {
 }
 
 void frmTrade::AddPosition(const Record& position) {
-  if (position.slot >= rows_.size()) rows_.resize(position.slot + std::size_t{1});
-  Row*& row = rows_[position.slot].row;
-  if (row == nullptr) row = lvwOpenPos.add(ticket_key(position.ticket, position.account));
-  row->outdate();
+  if (rows_.of(position.slot) == nullptr) {
+    rows_.put(position.slot, *lvwOpenPos.add(ticket_key(position.ticket, position.account)));
+    written_.resize(std::max(written_.size(), position.slot + std::size_t{1}));
+  }
+  rows_.outdate(position.slot);
   net_.position_added(position);
 }
 
 void frmTrade::make_cells(Row& row) {
   const Record* position = record_of(row);
   if (position == nullptr) return;
-  Shown& shown = rows_[position->slot];
-  if (shown.written != position->written) {
-    shown.written = position->written;
+  if (std::exchange(written_[position->slot], position->written) != position->written) {
     row.set_whole(Column::ticket, position->ticket);
     row.set_number(Column::account, position->account);
     row.set_text(Column::time, general_.full_time_text(position->open_time));
@@ -55,10 +55,11 @@ void frmTrade::make_cells(Row& row) {
   row.set_fixed(Column::commission, position->commission, money_decimals);
   row.set_fixed(Column::interest, position->interest, money_decimals);
   row.set_fixed(Column::profit, position->floating_pl, money_decimals);
+  rows_.made(position->slot);
 }
 
 void frmTrade::RemovePosition(const Record& position) {
-  lvwOpenPos.remove(*std::exchange(rows_[position.slot], {}).row);
+  lvwOpenPos.remove(rows_.take(position.slot));
   net_.remove_position(position);
 }
 
@@ -67,7 +68,7 @@ void frmTrade::RemovePending(std::int32_t number, std::span<const Record> gone) 
   lvwOpenPos.remove_if(
       [&](const Row& row) { return row.key().account() == number && record_of(row) == nullptr; });
   for (const Record& position : gone) {
-    rows_[position.slot] = {};
+    rows_.take(position.slot);
     net_.remove_position(position);
   }
 }

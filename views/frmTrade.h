@@ -12,6 +12,7 @@
 #include "core/MGeneral.h"
 #include "core/check_box.h"
 #include "core/label.h"
+#include "core/record_rows.h"
 #include "core/row_list.h"
 #include "views/CNetPos.h"
 #include "views/frmPending.h"
@@ -86,7 +87,7 @@ class frmTrade final : public PositionBook::Observer {
   // PositionBook::Observer
   void changed(const Record& position) override { AddPosition(position); }
   void worth_changed(const Record& position) override {
-    rows_[position.slot].row->outdate();
+    rows_.outdate(position.slot);
     net_.floating_changed(position);
   }
   void removed(const Record& position) override { RemovePosition(position); }
@@ -95,12 +96,6 @@ class frmTrade final : public PositionBook::Observer {
   }
 
  private:
-  // The row of a slot, and the stamp of what its cells show but for the worth.
-  struct Shown {
-    Row* row = nullptr;
-    std::uint64_t written = 0;
-  };
-
   void make_cells(Row& row);
   void lbbClose_Click();
   void chkAll_Click();
@@ -114,7 +109,8 @@ class frmTrade final : public PositionBook::Observer {
   CQuestionBox& question_box_;
   const PositionBook& book_;
   CNetPos& net_;
-  std::vector<Shown> rows_;  // by slot
+  RecordRows rows_;                     // by slot
+  std::vector<std::uint64_t> written_;  // by slot: stamp of what the row's cells show but for the worth
   std::string column_widths_;
 };
 
