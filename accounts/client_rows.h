@@ -43,7 +43,7 @@ class ClientRows {
   void renumber(const AccountEntry& account, std::int32_t number);
   // The row of an account, by its record or by its duplicate key; nullptr when it has none.
   Row* of(const AccountEntry& account) const { return rows_.of(account.handle); }
-  Row* of(std::string_view duplicate_key) const;
+  Row* of(std::string_view key) const;
   static const AccountEntry& record(const Row& row) { return *row.data_if<RowData>()->account; }
   static const std::string& duplicate_key(const Row& row) { return row.data_if<RowData>()->duplicate_key; }
 

@@ -25,7 +25,7 @@ frmMain::frmMain(MGeneral& general, Desk& desk, Books& books, CLoginOptions& opt
 }
 
 tl::expected<void, FileError> frmMain::load() {
-  general_.column_widths(lvwClients, ClientRows::widths);
+  lvwClients.set_column_widths(ClientRows::widths);
   if (auto read = options_.InitializeFromFile(); !read) return read;
   if (auto read = LoadAccounts(); !read) return read;
   loadmainsymbols();

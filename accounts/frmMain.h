@@ -81,7 +81,7 @@ class frmMain final : public AccountsDesk, public Displayable {
   void cmdfunlogin();
   void LoginClient(RowKey key);
   // The same for the row with a duplicate key.
-  void login_account(std::string_view account_key);
+  void login_account(std::string_view key);
   void LogoutClient(RowKey key);
   void MnuConnecte_Click();
   void MnuDisconnecte_Click();

@@ -4,6 +4,7 @@
 
 #include "apps/commands.h"
 #include "apps/output.h"
+#include "views/total_row.h"
 
 namespace tutti {
 namespace {
@@ -73,8 +74,7 @@ void print_accounts(CommandContext& context) {
       write_sum(row, bought, sum);
     }
   }
-  if (context.form() == OutputForm::text && !list.empty())
-    write_sum(context.main().general().total_row(list), bought, book.total());
+  if (context.form() == OutputForm::text && !list.empty()) write_sum(total_row(list), bought, book.total());
   print(context, list,
         {{"account", account},
          {"symbol", symbol, Holds::words},

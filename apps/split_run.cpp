@@ -81,9 +81,9 @@ std::string SplitRun::sure_refusal(const CClientAPIManager& session, const Row& 
     case ShareFault::zero_or_below:
       return "the share is not above 0";
     case ShareFault::below_minimum:
-      return "below the smallest lot of " + number_text(main_.general().minimum_lot);
+      return "below the smallest lot of " + number_text(main_.general().lots.minimum);
     case ShareFault::above_maximum:
-      return "above the largest lot of " + number_text(main_.general().maximum_lot);
+      return "above the largest lot of " + number_text(main_.general().lots.maximum);
     case ShareFault::none:
       break;
   }
@@ -139,7 +139,7 @@ std::string SplitRun::text(const std::vector<Line>& lines) const {
   out +=
       fmt::format("Shares {} of {} lots; {} zero or below, {} below the smallest lot of {}\n",
                   number_text(lots_of_sum(shares_.sum)), arguments_.amount, shares_.zero + shares_.negative,
-                  shares_.below_minimum, number_text(main_.general().minimum_lot));
+                  shares_.below_minimum, number_text(main_.general().lots.minimum));
   if (arguments_.dry_run) return out;
   const auto accepted =
       std::count_if(lines.begin(), lines.end(), [](const Line& line) { return line.accepted; });

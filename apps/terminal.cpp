@@ -36,7 +36,7 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
       ServerSide{[this](const LoginData& login) { return backend_->make_client(login); }, backend_->events(),
                  backend_->endpoint(), backend_->simulated()});
   main_->general().outside = ports_.tell;
-  if (!options_.precision.empty()) main_->general().hold_amount_precision(options_.precision);
+  if (!options_.precision.empty()) main_->general().precision.hold(options_.precision);
   if (auto started = main_->start(); !started) return started;
   tell_notices();
   return {};

@@ -39,7 +39,7 @@ class BenchTerminal {
   frmClosePos& close_positions() { return close_positions_; }
   const frmClosePos& close_positions() const { return close_positions_; }
   static std::int32_t account_of(std::size_t index) { return 1000 + static_cast<std::int32_t>(index); }
-  void hold_amount_precision(int decimals) { general_.hold_amount_precision(std::to_string(decimals)); }
+  void hold_amount_precision(int decimals) { general_.precision.hold(std::to_string(decimals)); }
 
  private:
   void connect(std::size_t accounts);
@@ -56,7 +56,7 @@ class BenchTerminal {
   CLocalSettings locale_{locale_port_};
   Books books_;
   Desk desk_;
-  frmMdiNew window_{general_};
+  frmMdiNew window_{general_.totals};
   AccountSummary first_values_{.balance = 1000.0, .equity = 1000.0, .free_margin = 1000.0};
   const AccountSummary* values_ = &first_values_;
   std::vector<BenchClient*> clients_;  // owned by their sessions

@@ -19,7 +19,7 @@ class RequestIds {
   RequestId next();
 
  private:
-  void begin_block(std::int64_t second);
+  void begin_block(std::int64_t now);
 
   const Clock& clock_;
   std::function<std::uint32_t()> random_;

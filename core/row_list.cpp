@@ -4,6 +4,9 @@
 #include <iterator>
 #include <utility>
 
+#include "core/numbers.h"
+#include "core/texts.h"
+
 namespace tutti {
 
 RowList::RowList(std::vector<std::string> headers) {
@@ -25,6 +28,17 @@ void RowList::set_column_width(std::size_t column, double percent) {
   assert(column < columns_.size());
   columns_[column].width = percent;
   ++shared_.stamp;
+}
+
+void RowList::set_column_widths(std::string_view percents) {
+  if (percents.empty()) {
+    for (std::size_t column = 0; column < columns_.size(); ++column)
+      set_column_width(column, 100.0 / static_cast<double>(columns_.size()));
+    return;
+  }
+  const auto pieces = split(percents, ",");
+  for (std::size_t column = 0; column < std::min(columns_.size(), pieces.size()); ++column)
+    set_column_width(column, read_number(pieces[column]));
 }
 
 void RowList::set_column_tip(std::size_t column, std::string_view tip) {

@@ -40,6 +40,9 @@ class RowList {
   // since rows are made for the columns that there are.
   void set_headers(std::vector<std::string> headers);
   void set_column_width(std::size_t column, double percent);
+  // Widths in percent from a text of numbers separated by ","; more numbers than columns are not used, and an
+  // empty text spreads the columns evenly.
+  void set_column_widths(std::string_view percents);
   void set_column_tip(std::size_t column, std::string_view tip);
 
   std::size_t size() const { return rows_.size(); }

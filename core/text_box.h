@@ -27,6 +27,7 @@ class TextBox {
   void set_visible(bool visible) { visible_ = visible; }
   // Selection in bytes; held to the text.
   void select(std::size_t start, std::size_t length);
+  void select_all() { select(0, text_.size()); }
 
   // Keys one after another, as pressed: each passes on_key, then replaces the selection; Backspace (8) takes
   // the selection or the character before it. Does nothing while the box is off. on_edited runs per key.

@@ -4,12 +4,12 @@
 
 namespace tutti {
 
-Row* AccountRows::add(std::int32_t number, std::string_view share) {
-  Row* row = list_.add(client_key(number));
+Row* AccountRows::add(std::int32_t account, std::string_view amount) {
+  Row* row = list_.add(client_key(account));
   if (row == nullptr) return nullptr;
-  row->set_number(Column::account, number);
-  row->set_text(Column::amount, share);
-  if (ticked_when_gone_.erase(number) > 0) row->set_text(Column::result_text, came_back_text);
+  row->set_number(Column::account, account);
+  row->set_text(Column::amount, amount);
+  if (ticked_when_gone_.erase(account) > 0) row->set_text(Column::result_text, came_back_text);
   return row;
 }
 
@@ -24,14 +24,14 @@ void AccountRows::update_result(RowKey key, std::string_view text) {
   if (Row* row = list_.find(key)) row->set_text(Column::result_text, text);
 }
 
-void AccountRows::update_amount(RowKey key, double share) {
-  if (Row* row = list_.find(key)) row->set_number(Column::amount, share);
+void AccountRows::update_amount(RowKey key, double amount) {
+  if (Row* row = list_.find(key)) row->set_number(Column::amount, amount);
 }
 
-void AccountRows::remove(std::int32_t number) {
-  Row* row = find(number);
+void AccountRows::remove(std::int32_t account) {
+  Row* row = find(account);
   if (row == nullptr) return;
-  if (was_ticked(*row)) ticked_when_gone_.insert(number);
+  if (was_ticked(*row)) ticked_when_gone_.insert(account);
   list_.remove(*row);
 }
 
@@ -62,9 +62,8 @@ ShareFault AccountRows::fault_of(const Row& row) const {
   if (!row.checked() || cell.empty()) return ShareFault::none;
   const double share = cell.number();
   if (share <= 0.0) return ShareFault::zero_or_below;
-  if (share < general_.minimum_lot) return ShareFault::below_minimum;
-  return general_.maximum_lot > 0.0 && share > general_.maximum_lot ? ShareFault::above_maximum
-                                                                    : ShareFault::none;
+  if (share < lots_.minimum) return ShareFault::below_minimum;
+  return lots_.maximum > 0.0 && share > lots_.maximum ? ShareFault::above_maximum : ShareFault::none;
 }
 
 Shares AccountRows::shares() const {
@@ -92,7 +91,7 @@ bool AccountRows::open_editor(Row& row, std::size_t column) {
   move_editor(row.key(), column);
   editor_.set_text(row.text(column));
   editor_.set_visible(true);
-  general_.select_text(editor_);
+  editor_.select_all();
   return true;
 }
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/MGeneral.h"
+#include "core/lot_limits.h"
 #include "core/row_list.h"
 #include "core/text_box.h"
 
@@ -35,8 +35,8 @@ class AccountRows {
  public:
   enum Column : std::size_t { account, amount, result_text };
 
-  AccountRows(MGeneral& general, RowList& list, TextBox& editor)
-      : general_(general), list_(list), editor_(editor) {
+  AccountRows(const LotLimits& lots, RowList& list, TextBox& editor)
+      : lots_(lots), list_(list), editor_(editor) {
     editor_.set_visible(false);
   }
 
@@ -78,7 +78,7 @@ class AccountRows {
 
   static constexpr std::string_view came_back_text = "Was ticked before it was disconnected";
 
-  MGeneral& general_;
+  const LotLimits& lots_;
   RowList& list_;
   TextBox& editor_;
   RowKey editor_row_;

@@ -13,8 +13,8 @@ void EntryRound::begin() {
   answers_.clear();
 }
 
-std::string EntryRound::report(RequestCode code, std::int32_t number, const Request& request) {
-  return accounts_list_.Result(code, number, request.kind, request.description, request.price,
+std::string EntryRound::report(RequestCode code, std::int32_t account, const Request& request) {
+  return accounts_list_.Result(code, account, request.kind, request.description, request.price,
                                request.stop_loss, request.take_profit);
 }
 
@@ -38,10 +38,10 @@ void EntryRound::send(Row& row, Request request,
                number);
 }
 
-void EntryRound::settled(const SentOrder& order, std::int32_t number) {
-  const auto at = answers_.find(number);
+void EntryRound::settled(const SentOrder& order, std::int32_t account) {
+  const auto at = answers_.find(account);
   if (order.round == round_ && at != answers_.end()) at->second = answer_from(order.outcome);
-  Row* row = rows_.find(number);
+  Row* row = rows_.find(account);
   if (row == nullptr) return;
   // Of an update some refusals say nothing.
   if (order.kind == RequestKind::update && order.outcome == SentOrder::Outcome::refused &&
@@ -56,13 +56,13 @@ void EntryRound::settled(const SentOrder& order, std::int32_t number) {
     data.stops_done = order.outcome == SentOrder::Outcome::accepted;
 }
 
-void EntryRound::stops_carried_out(std::int32_t number) {
-  Row* row = rows_.find(number);
+void EntryRound::stops_carried_out(std::int32_t account) {
+  Row* row = rows_.find(account);
   if (row == nullptr) return;
   auto& data = row->data<RowData>();
   if (!std::exchange(data.stops_done, false)) return;
   data.sent.kind = stops_;
-  note(*row, report(request::taken, number, data.sent));
+  note(*row, report(request::taken, account, data.sent));
 }
 
 OrderAnswer EntryRound::answer_of(const Row& row) const {

@@ -39,7 +39,7 @@ void frmClosePos::prepare(const std::vector<std::string>& headers, AccountState 
   headers_ = headers;
   logged_out_state_ = logged_out;
   rebuild();
-  general_.column_widths(MSH, column_widths);
+  MSH.set_column_widths(column_widths);
 }
 
 void frmClosePos::Displayed(bool displayed) {
@@ -141,38 +141,38 @@ void frmClosePos::removed(const Record& position) {
   if (displayed_) Remove(position.ticket, position.account);
 }
 
-void frmClosePos::Remove(std::int64_t ticket, std::int32_t number) {
-  Row* row = searchpos(ticket, number);
+void frmClosePos::Remove(std::int64_t ticket, std::int32_t account) {
+  Row* row = searchpos(ticket, account);
   if (row == nullptr) return;
-  Row* above = get_index(number);
+  Row* above = get_index(account);
   MSH.remove(*row);
   if (above != nullptr) rows_.remove_if_empty(*above);
 }
 
-void frmClosePos::add_account(std::int32_t number) {
+void frmClosePos::add_account(std::int32_t account) {
   if (!displayed_ || symbol_name_.empty()) return;
-  for (const Record* open : book_.of_account(number))
+  for (const Record* open : book_.of_account(account))
     Add(*open);
-  if (Row* row = get_index(number)) rows_.remove_if_empty(*row);
+  if (Row* row = get_index(account)) rows_.remove_if_empty(*row);
 }
 
-void frmClosePos::remove_account(std::int32_t number) {
-  Row* above = displayed_ ? get_index(number) : nullptr;
+void frmClosePos::remove_account(std::int32_t account) {
+  Row* above = displayed_ ? get_index(account) : nullptr;
   if (above == nullptr) return;
   for (Row* position : rows_.positions_of(*above)) {
-    if (book_.find(position->key().number(), number) == nullptr) MSH.remove(*position);
+    if (book_.find(position->key().number(), account) == nullptr) MSH.remove(*position);
   }
   // Another session may have the account connected.
-  if (connected(number)) return rows_.remove_if_empty(*above);
+  if (connected(account)) return rows_.remove_if_empty(*above);
   CloseRows::show_state(*above, logged_out_state_);
   // One that has left the accounts list leaves this one, too.
-  if (sessions_.by_account(number) == nullptr) rows_.take_out(*above);
+  if (sessions_.by_account(account) == nullptr) rows_.take_out(*above);
 }
 
-void frmClosePos::account_state(std::int32_t number, AccountState state) {
-  Row* row = displayed_ ? get_index(number) : nullptr;
+void frmClosePos::account_state(std::int32_t account, AccountState state) {
+  Row* row = displayed_ ? get_index(account) : nullptr;
   // Another session may have the account connected.
-  if (row == nullptr || (state != AccountState::connected && connected(number))) return;
+  if (row == nullptr || (state != AccountState::connected && connected(account))) return;
   if (state == AccountState::invalid) {
     rows_.take_out(*row);
   } else {
@@ -188,9 +188,9 @@ void frmClosePos::refresh_symbols() {
   if (chosen && CloseSymbols.text().empty()) CloseSymbols_Click();
 }
 
-void frmClosePos::result(std::int64_t ticket, std::int32_t number, std::string_view text) {
-  round_.result(ticket_key(ticket, number), text);
-  if (Row* row = searchpos(ticket, number)) rows_.write_action(*row, text);
+void frmClosePos::result(std::int64_t ticket, std::int32_t account, std::string_view text) {
+  round_.result(ticket_key(ticket, account), text);
+  if (Row* row = searchpos(ticket, account)) rows_.write_action(*row, text);
 }
 
 }  // namespace tutti

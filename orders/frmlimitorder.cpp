@@ -34,7 +34,7 @@ frmlimitorder::frmlimitorder(MGeneral& general, frmMain& accounts_list, CClientA
 
 void frmlimitorder::ColumnWidthsPer(std::string widths) {
   column_widths_ = std::move(widths);
-  general_.column_widths(lvwConClients, column_widths_);
+  lvwConClients.set_column_widths(column_widths_);
 }
 
 void frmlimitorder::Displayed(bool displayed) {
@@ -46,15 +46,15 @@ void frmlimitorder::Displayed(bool displayed) {
   cblimitordersymbols_Click();
 }
 
-void frmlimitorder::Add(std::int32_t number) {
-  Row* row = rows_.add(number, "");
+void frmlimitorder::Add(std::int32_t account) {
+  Row* row = rows_.add(account, "");
   if (row == nullptr) return;
   row->data<EntryRound::RowData>().wanted = rows_.came_back(*row);
   market_.outdate();
 }
 
-void frmlimitorder::remove_account(std::int32_t number) {
-  Remove(number);
+void frmlimitorder::remove_account(std::int32_t account) {
+  Remove(account);
   market_.outdate();
 }
 

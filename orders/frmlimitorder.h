@@ -130,8 +130,8 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   PriceSketch sketch() const { return hints_.sketch(edit_); }
   Shares shares() const { return rows_.shares(); }
   ShareFault share_fault(const Row& row) const { return rows_.fault_of(row); }
-  double minimum_lot() const { return general_.minimum_lot; }
-  double maximum_lot() const { return general_.maximum_lot; }
+  double minimum_lot() const { return general_.lots.minimum; }
+  double maximum_lot() const { return general_.lots.maximum; }
   std::string left_out_text() const { return rows_.left_out_text(); }
   const AccountBook& account_book() const { return accounts_list_.account_book(); }
   // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
@@ -188,7 +188,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   frmMain& accounts_list_;
   CClientAPIManagers& sessions_;
   SymbolCollection& symbols_;
-  AccountRows rows_{general_, lvwConClients, txtEditPrice};
+  AccountRows rows_{general_.lots, lvwConClients, txtEditPrice};
   EntryRound round_{general_, accounts_list_, sessions_, rows_, edit_stops};
   EntryDraft draft_{general_, cblimiordertype, txtlimitorderammount, txtatprice, txtsl, txttp};
   EntryMarket market_{symbols_};

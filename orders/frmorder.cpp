@@ -67,34 +67,34 @@ frmorder::frmorder(MGeneral& general, frmMain& accounts_list, CClientAPIManagers
 
 void frmorder::ColumnWidthsPer(std::string widths) {
   column_widths_ = std::move(widths);
-  general_.column_widths(lvwConClients, column_widths_);
+  lvwConClients.set_column_widths(column_widths_);
 }
 
-void frmorder::Add(std::int32_t number, std::string_view share, double result) {
-  Row* row = rows_.add(number, share);
+void frmorder::Add(std::int32_t account, std::string_view amount, double result) {
+  Row* row = rows_.add(account, amount);
   if (row == nullptr) return;
   row->data<RowData>().wanted = rows_.came_back(*row);
   if (result != 0.0) row->set_number(Column::result_text, result);
 }
 
-void frmorder::UpdateResult(std::string_view text, std::int32_t number) {
-  rows_.update_result(client_key(number), text);
+void frmorder::UpdateResult(std::string_view text, std::int32_t account) {
+  rows_.update_result(client_key(account), text);
 }
 
-void frmorder::updateAmount(std::int32_t, double share, RowKey key) {
-  rows_.update_amount(key, share);
+void frmorder::updateAmount(std::int32_t, double amount, RowKey key) {
+  rows_.update_amount(key, amount);
 }
 
-void frmorder::Remove(std::int32_t number) {
-  rows_.remove(number);
+void frmorder::Remove(std::int32_t account) {
+  rows_.remove(account);
 }
 
 void frmorder::addNote(Row& row, std::string_view text) {
   row.set_text(Column::result_text, text);
 }
 
-void frmorder::show_requote(std::int32_t number, std::string_view text) {
-  Row* row = rows_.find(number);
+void frmorder::show_requote(std::int32_t account, std::string_view text) {
+  Row* row = rows_.find(account);
   if (row == nullptr) return;
   if (!row->checked()) return put_back(*row);
   auto& data = row->data<RowData>();
@@ -104,8 +104,8 @@ void frmorder::show_requote(std::int32_t number, std::string_view text) {
   addNote(*row, text);
 }
 
-void frmorder::end_requote(std::int32_t number) {
-  if (Row* row = rows_.find(number)) put_back(*row);
+void frmorder::end_requote(std::int32_t account) {
+  if (Row* row = rows_.find(account)) put_back(*row);
 }
 
 void frmorder::put_back(Row& row) {
@@ -214,8 +214,8 @@ void frmorder::send(void (CClientAPIManagers::*function)()) {
   (sessions_.*function)();
 }
 
-std::optional<double> frmorder::ticked_share(std::int32_t number) const {
-  const Row* row = account_row(number);
+std::optional<double> frmorder::ticked_share(std::int32_t account) const {
+  const Row* row = account_row(account);
   if (row == nullptr || !row->checked()) return std::nullopt;
   return row->cell(Column::amount).number();
 }

@@ -78,8 +78,8 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   using Shares = tutti::Shares;
   Shares shares() const { return rows_.shares(); }
   ShareFault share_fault(const Row& row) const { return rows_.fault_of(row); }
-  double minimum_lot() const { return general_.minimum_lot; }
-  double maximum_lot() const { return general_.maximum_lot; }
+  double minimum_lot() const { return general_.lots.minimum; }
+  double maximum_lot() const { return general_.lots.maximum; }
   std::string left_out_text() const { return rows_.left_out_text(); }
   const AccountBook& account_book() const { return accounts_list_.account_book(); }
   // nullptr when the account has none.
@@ -151,7 +151,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   SymbolCollection& symbols_;
   SymbolCollection::Entry symbol_;  // the chosen symbol when Distribute was pressed; empty when not found
   std::string column_widths_;
-  AccountRows rows_{general_, lvwConClients, txtLvw};
+  AccountRows rows_{general_.lots, lvwConClients, txtLvw};
   int requests_refused_ = 0;
   bool has_lot_limits_ = false;
   bool sent_ = false;  // Buy or Sell was pressed since the last Distribute

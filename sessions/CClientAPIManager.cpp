@@ -145,9 +145,9 @@ void CClientAPIManager::AllDataAreLoaded() {
     DisInvalidAcc(std::to_string(key_));
   } else {
     if (desk.market_order->wants_lot_limits()) {
-      general.minimum_lot = client_->MinimumLot();
-      general.maximum_lot = client_->MaximumLot();
-      desk.market_order->lot_limits(general.minimum_lot, general.maximum_lot);
+      general.lots.minimum = client_->MinimumLot();
+      general.lots.maximum = client_->MaximumLot();
+      desk.market_order->lot_limits(general.lots.minimum, general.lots.maximum);
     }
     desk.market_order->add_account(account());
     desk.close_positions->add_account(account());

@@ -9,6 +9,7 @@
 
 #include <tsl/robin_map.h>
 
+#include "core/row_key.h"
 #include "sessions/CClientAPIManager.h"
 #include "sessions/account_windows.h"
 #include "sessions/contract/codes.h"

@@ -38,7 +38,7 @@ class frmaccount : public Displayable {
   void cmdLoginAA_Click();
   void cmdcancel_Click() { close(); }
   // A box got the focus: its whole text is selected.
-  void focus(TextBox& box) const { general_.select_text(box); }
+  void focus(TextBox& box) const { box.select_all(); }
 
   // The accept path for a list that is loaded: no messages of its own, the server file stays as it is.
   enum class Added { yes, duplicate, invalid, full };

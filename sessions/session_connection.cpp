@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/numbers.h"
+#include "core/time_texts.h"
 
 namespace tutti {
 namespace {
@@ -145,7 +146,7 @@ void SessionConnection::queried(const AccountSummary& answer) {
 }
 
 void SessionConnection::server_time(TimePoint time) {
-  scope_.desk.status->server_time(scope_.general.full_time_text(time));
+  scope_.desk.status->server_time(full_time_text(time));
 }
 
 void SessionConnection::server_routed(std::string_view address, std::string_view port) {

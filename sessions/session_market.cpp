@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/time_texts.h"
+
 namespace tutti {
 namespace {
 
@@ -31,7 +33,7 @@ void SessionMarket::symbols_loaded() {
     }
     const SymbolHandle handle = scope_.symbols.add(shown);
     ids_.add(handle, symbol->id);
-    scope_.desk.market_watch->symbol(handle, shown, scope_.general.short_time_text(shown.quote_time));
+    scope_.desk.market_watch->symbol(handle, shown, short_time_text(shown.quote_time));
   }
   if (scope_.symbols.names_stamp() == names_before) return;
   scope_.desk.market_order->symbols_changed();
@@ -44,7 +46,7 @@ void SessionMarket::fill_market_watch() const {
     const Symbol* symbol = scope_.client.SymbolItem(index);
     const SymbolHandle handle = symbol == nullptr ? no_symbol : scope_.symbols.find(symbol->name);
     if (handle == no_symbol) continue;
-    scope_.desk.market_watch->symbol(handle, *symbol, scope_.general.short_time_text(symbol->quote_time));
+    scope_.desk.market_watch->symbol(handle, *symbol, short_time_text(symbol->quote_time));
   }
 }
 

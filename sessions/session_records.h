@@ -22,7 +22,7 @@ class SessionRecords {
   // The SL/TP order of a position; 0 when it has none.
   std::int64_t stops_order_of(std::int64_t ticket) const;
   // Brings one of them, or all, to what the library has now.
-  void refresh_pending(std::int64_t order);
+  void refresh_pending(std::int64_t number);
   void refresh_position(std::int64_t ticket);
 
   void positions_loaded();

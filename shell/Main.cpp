@@ -6,7 +6,6 @@
 
 namespace tutti {
 namespace {
-constexpr std::int32_t global_mode = 3;
 constexpr std::uint32_t highlighted_bgr = 0xD2B54D;
 constexpr std::uint32_t normal_bgr = 0x800000;
 }  // namespace
@@ -43,10 +42,8 @@ void Main::create_objects() {
   colours_ = std::make_unique<Culf>();
   question_box_ = std::make_unique<CQuestionBox>(ports_.prompt, messages_);
   sure_ = std::make_unique<frmSure>(ports_.prompt);
-  general_.mode = global_mode;
-  general_.workstation_file = paths_.full("\\manage\\wsinfo.dat");
-  journal_window_ = std::make_unique<frmJournal>(general_);
-  journal_ = std::make_unique<CJournal>(general_, *journal_window_);
+  journal_window_ = std::make_unique<frmJournal>(ports_.clock);
+  journal_ = std::make_unique<CJournal>(paths_, ports_.clock, *journal_window_);
   general_.journal = journal_.get();
   open_positions_ = std::make_unique<COpenPos>();
   net_positions_ = std::make_unique<CNetPos>(general_);
@@ -58,9 +55,12 @@ void Main::create_objects() {
 }
 
 tl::expected<void, FileError> Main::show_main_window() {
-  window_ = std::make_unique<frmMdiNew>(general_);
+  window_ = std::make_unique<frmMdiNew>(general_.totals);
   desk_.status = window_.get();
-  journal_->on_incomplete = [this](std::string_view text) { window_->warn(text); };
+  journal_->on_incomplete = [this](std::string_view text) {
+    general_.tell_outside(text);
+    window_->warn(text);
+  };
   accounts_ =
       std::make_unique<frmMain>(general_, desk_, books_, login_options_, sessions_, ports_.file_dialog);
   desk_.accounts = accounts_.get();
@@ -69,14 +69,14 @@ tl::expected<void, FileError> Main::show_main_window() {
   accounts_->attach(*market_order_);
   entry_order_ = std::make_unique<frmlimitorder>(general_, *accounts_, sessions_, books_.symbols);
   desk_.entry_order = entry_order_.get();
-  market_watch_ = std::make_unique<frmMW>(general_, books_.symbols);
+  market_watch_ = std::make_unique<frmMW>(books_.symbols);
   market_watch_->to_market_order = [this](std::string_view symbol) { market_order_->take_symbol(symbol); };
   market_watch_->to_entry_order = [this](std::string_view symbol) { entry_order_->take_symbol(symbol); };
   desk_.market_watch = market_watch_.get();
   trade_ = std::make_unique<frmTrade>(general_, *question_box_, books_.positions, *net_positions_);
   books_.positions.observe(*trade_);
-  net_trade_ = std::make_unique<frmNetTrade>(general_, *net_positions_, books_.symbols);
-  net_matrix_ = std::make_unique<NetMatrix>(general_, *net_positions_);
+  net_trade_ = std::make_unique<frmNetTrade>(*net_positions_, books_.symbols);
+  net_matrix_ = std::make_unique<NetMatrix>(*net_positions_);
   sure_->logout_all = [this] { accounts_->logout_all(); };
   sure_->remove_all = [this] { accounts_->mnuclear_Click(); };
   window_->set_command(frmMdiNew::show_journal, [this] { journal_->Displayed(true); });

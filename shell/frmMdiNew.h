@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/MGeneral.h"
 #include "core/displayable.h"
+#include "core/totals.h"
 #include "sessions/desk.h"
 
 namespace tutti {
@@ -24,10 +24,10 @@ class frmMdiNew final : public StatusDesk, public Displayable {
     bool enabled = false;
   };
 
-  explicit frmMdiNew(const MGeneral& general);
+  explicit frmMdiNew(const Totals& totals);
 
   // The totals line, in the form of the event that changed it last. Made when asked for.
-  std::string totals_pane() const { return totals_text(general_.totals, totals_form_); }
+  std::string totals_pane() const { return totals_text(totals_, totals_form_); }
   const std::string& server_time_pane() const { return server_time_; }
   // What the operator must not overlook for as long as the program runs; empty while there is nothing.
   const std::string& warning_pane() const { return warning_; }
@@ -52,7 +52,7 @@ class frmMdiNew final : public StatusDesk, public Displayable {
   void control_enabled(int id, bool enabled) override;
 
  private:
-  const MGeneral& general_;
+  const Totals& totals_;
   TotalsForm totals_form_ = TotalsForm::summaries_changed;
   std::string server_time_;
   std::string warning_;

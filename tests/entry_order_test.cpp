@@ -19,7 +19,7 @@ struct EntryTerminal : ScriptedTerminal {
     }
     quote(1.5, 1.6);
     form.Displayed(true);
-    main->general().set_amount_precision("2");
+    main->general().precision.set("2");
   }
   void quote(double bid, double ask) {
     for (ScriptedClient* client : clients) {

@@ -1,3 +1,4 @@
+#include "core/time_texts.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
@@ -23,7 +24,7 @@ TEST_F(JournalTest, EveryEventIsOneRowOnTopAndOneLine) {
   log("second", 7);
   EXPECT_EQ(terminal.journal(), (Texts{"12345 first", "7 second"}));
   EXPECT_EQ(window->lvwJournal.row(0).text(0), "2025-12-31 20:31:01");
-  EXPECT_EQ(terminal.main->general().full_time_text(terminal.clock.now()), "2026-01-01 00:01:01");
+  EXPECT_EQ(full_time_text(terminal.clock.now()), "2026-01-01 00:01:01");
   EXPECT_EQ(window->entries(), 2);
   EXPECT_EQ(terminal.home->read("History/JN12345.his"), "2026-01-01 00:00:00*,%$first\n");
   EXPECT_EQ(terminal.home->read("History/JN7.his"), "2025-12-31 20:31:01*,%$second\n");

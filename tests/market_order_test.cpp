@@ -72,7 +72,7 @@ TEST(DistributionTest, SharesByEveryRule) {
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string{c.amount} + " by rule " + std::to_string(c.rule) + ": " + c.state);
     MarketTerminal desk{c.summaries};
-    desk.main->general().set_amount_precision(c.precision);
+    desk.main->general().precision.set(c.precision);
     desk.tick_all();
     desk.main->market_order().UpdateResult("before", 1);
     desk.distribute(c.amount, c.rule);
@@ -286,10 +286,10 @@ TEST(MarketOrder, SharesAreSummedOverTheTickedRows) {
       out += "-0<>"[static_cast<int>(form.share_fault(row))];
     return out;
   };
-  desk.main->general().minimum_lot = desk.main->general().maximum_lot = 0.0;  // nobody told them yet
+  desk.main->general().lots.minimum = desk.main->general().lots.maximum = 0.0;  // nobody told them yet
   EXPECT_EQ(told(), "0.004; 4 1 1 1 0 0; --00--");
-  desk.main->general().minimum_lot = 0.01;
-  desk.main->general().maximum_lot = 100.0;
+  desk.main->general().lots.minimum = 0.01;
+  desk.main->general().lots.maximum = 100.0;
   EXPECT_EQ(told(), "0.004; 4 1 1 1 1 1; ><00--");
 }
 
@@ -361,7 +361,7 @@ TEST(MarketOrder, DecimalsOfTheSettingsFile) {
     TestTerminal terminal{DealerConfig::sample(1)};
     terminal.home->write("manage/Settings.buf", std::string{text} + "\r\n");
     terminal.start_logged_in();
-    EXPECT_EQ(terminal.main->general().amount_decimals(), decimals) << text;
+    EXPECT_EQ(terminal.main->general().precision.decimals(), decimals) << text;
   }
 }
 

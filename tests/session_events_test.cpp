@@ -202,8 +202,8 @@ TEST_F(SessionEvents, LoadedDataOfAKnownAccountReachTheOrderWindows) {
   const Heard known{"market lots 0.01 100", "market adds 81", "close adds 81",
                     "entry adds 81",        "close symbols",  "sound Connect.WAV"};
   EXPECT_EQ(during([&] { sink.AllDataAreLoaded(); }), sorted(known)) << "not marked connected";
-  EXPECT_EQ(rig.general.minimum_lot, 0.01);
-  EXPECT_EQ(rig.general.maximum_lot, 100.0);
+  EXPECT_EQ(rig.general.lots.minimum, 0.01);
+  EXPECT_EQ(rig.general.lots.maximum, 100.0);
   during([&] { sink.ConnectionState(true); });
   rig.windows.market_order.asks_lots = false;
   Heard connected{known.begin() + 1, known.end()};

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/line_reader.h"
+#include "core/time_texts.h"
 
 namespace tutti {
 
@@ -11,20 +12,20 @@ namespace {
 constexpr std::string_view separator = "*,%$";
 }
 
-CJournal::CJournal(MGeneral& general, frmJournal& window)
-    : general_(general), window_(window), files_(general.paths) {}
+CJournal::CJournal(const Paths& paths, const Clock& clock, frmJournal& window)
+    : paths_(paths), clock_(clock), window_(window), files_(paths) {}
 
 void CJournal::log(std::string_view message, std::int32_t account) {
   window_.Add(message, account);
   if (window_.live()) {
-    append(general_.now_text(), message, account);
+    append(now_text(clock_), message, account);
   } else {
     Add(message, account);
   }
 }
 
 void CJournal::Add(std::string_view message, std::int32_t id) {
-  const std::string time = general_.now_text();
+  const std::string time = now_text(clock_);
   addToListView(time, message, id);
   append(time, message, id);
 }
@@ -50,7 +51,6 @@ void CJournal::append(std::string_view time, std::string_view message, std::int3
   // The rows on the screen are what remains.
   const std::string text =
       "The journal is not complete, its lines can't be written: " + written.error().text();
-  general_.tell_outside(text);
   if (on_incomplete) on_incomplete(text);
 }
 
@@ -59,7 +59,7 @@ tl::expected<void, FileError> CJournal::read(std::int32_t id, const Take& take) 
   const auto there = files_.exists(name);
   if (!there) return tl::unexpected(there.error());
   if (!*there) return {};
-  return read_lines(general_.paths.file(name), [&take](std::string_view line) {
+  return read_lines(paths_.file(name), [&take](std::string_view line) {
     if (line.empty()) return;
     const auto end = line.find(separator);
     if (end == std::string_view::npos) return take(line, "");
@@ -82,7 +82,7 @@ void CJournal::reload() {
   ClearList();
   const auto all = read(
       id_, [this](std::string_view time, std::string_view message) { addToListView(time, message, id_); });
-  if (!all) addToListView(general_.now_text(), "The history can't be read: " + all.error().text(), id_);
+  if (!all) addToListView(now_text(clock_), "The history can't be read: " + all.error().text(), id_);
 }
 
 void CJournal::ClearFile() {
@@ -96,7 +96,7 @@ std::string CJournal::FileName(std::int32_t id) const {
 
 // Lines that belong to no account have a file of their own, whatever is on show.
 std::string CJournal::history_file(std::int32_t id) const {
-  return general_.paths.full("\\History\\JN" + std::to_string(id) + ".his");
+  return paths_.full("\\History\\JN" + std::to_string(id) + ".his");
 }
 
 }  // namespace tutti

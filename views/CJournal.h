@@ -5,8 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/clock.h"
 #include "core/displayable.h"
 #include "core/journal.h"
+#include "core/paths.h"
 #include "core/text_file.h"
 #include "views/frmJournal.h"
 
@@ -16,7 +18,7 @@ namespace tutti {
 // in the journal window's list. The terminal's one logging helper: every event is one row and one line.
 class CJournal final : public Journal, public Displayable {
  public:
-  CJournal(MGeneral& general, frmJournal& window);
+  CJournal(const Paths& paths, const Clock& clock, frmJournal& window);
 
   // One event: a live row while no history is shown, else a row of the history it belongs to; always one
   // line of the account's file.
@@ -45,7 +47,8 @@ class CJournal final : public Journal, public Displayable {
   void append(std::string_view time, std::string_view message, std::int32_t id);
   void reload();
 
-  MGeneral& general_;
+  const Paths& paths_;
+  const Clock& clock_;
   frmJournal& window_;
   std::int32_t id_ = -1;
   TextFile files_;

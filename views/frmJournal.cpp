@@ -3,20 +3,23 @@
 #include <iterator>
 #include <utility>
 
+#include "core/journal.h"
+#include "core/time_texts.h"
+
 namespace tutti {
 
-frmJournal::frmJournal(MGeneral& general) : general_(general) {
+frmJournal::frmJournal(const Clock& clock) : clock_(clock) {
   ColumnWidthsPer("15,15,68");
   lvwJournal.set_column_tip(0, "By the clock of this computer");
 }
 
 void frmJournal::ColumnWidthsPer(std::string widths) {
   column_widths_ = std::move(widths);
-  general_.column_widths(lvwJournal, column_widths_);
+  lvwJournal.set_column_widths(column_widths_);
 }
 
 void frmJournal::Add(std::string_view message, std::int32_t account, std::string_view) {
-  const std::string time = general_.now_text();
+  const std::string time = now_text(clock_);
   ++entries_;
   if (live_) {
     addToListView(time, account, message);

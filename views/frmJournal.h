@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/MGeneral.h"
+#include "core/clock.h"
 #include "core/row_list.h"
 
 namespace tutti {
@@ -15,7 +15,7 @@ namespace tutti {
 // Journal window: the list of what happened, newest first.
 class frmJournal {
  public:
-  explicit frmJournal(MGeneral& general);
+  explicit frmJournal(const Clock& clock);
 
   RowList lvwJournal{{"Time", "Account", "Message"}};
 
@@ -41,7 +41,7 @@ class frmJournal {
     std::string message;
   };
 
-  MGeneral& general_;
+  const Clock& clock_;
   std::string column_widths_;
   std::uint16_t entries_ = 0;
   bool live_ = true;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "core/time_texts.h"
+
 namespace tutti {
 namespace {
 
@@ -27,7 +29,7 @@ std::int64_t minute_of(TimePoint time) {
 
 }  // namespace
 
-frmMW::frmMW(MGeneral& general, const SymbolCollection& symbols) : general_(general), symbols_(symbols) {
+frmMW::frmMW(const SymbolCollection& symbols) : symbols_(symbols) {
   ColumnWidthsPer("18,15,15,10,15,15,12");
   lvwMW.set_column_tip(Column::time, server_time_tip);
   lvwMW.on_activate = [this](Row& row) {
@@ -37,7 +39,7 @@ frmMW::frmMW(MGeneral& general, const SymbolCollection& symbols) : general_(gene
 
 void frmMW::ColumnWidthsPer(std::string widths) {
   column_widths_ = std::move(widths);
-  general_.column_widths(lvwMW, column_widths_);
+  lvwMW.set_column_widths(column_widths_);
 }
 
 void frmMW::clear() {
@@ -72,7 +74,7 @@ void frmMW::prices(SymbolHandle handle, const Symbol&) {
   const std::int64_t minute = minute_of(now.quote_time);
   if (minute == shown.minute) return;
   shown.minute = minute;
-  shown.row->set_text(Column::time, general_.short_time_text(now.quote_time));
+  shown.row->set_text(Column::time, short_time_text(now.quote_time));
 }
 
 void frmMW::write(Row& row, const SymbolCollection::Entry& now) {

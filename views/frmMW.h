@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "books/symbol_collection.h"
-#include "core/MGeneral.h"
 #include "core/displayable.h"
 #include "core/row_list.h"
 #include "sessions/desk.h"
@@ -19,7 +18,7 @@ class frmMW final : public MarketWatchDesk, public Displayable {
  public:
   enum Column : std::size_t { symbol_name, bid, ask, spread, high, low, time };
 
-  frmMW(MGeneral& general, const SymbolCollection& symbols);
+  explicit frmMW(const SymbolCollection& symbols);
 
   // Bid and Ask are green after a rise and red after a fall, until they move the next time. The spread is a
   // whole number of points, one point being a unit of the price's last decimal.
@@ -51,7 +50,6 @@ class frmMW final : public MarketWatchDesk, public Displayable {
 
   static void write(Row& row, const SymbolCollection::Entry& now);
 
-  MGeneral& general_;
   const SymbolCollection& symbols_;
   std::string column_widths_;
   std::vector<Shown> shown_;  // by handle

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "views/ordered_row.h"
+#include "views/total_row.h"
 
 namespace tutti {
 namespace {
@@ -22,10 +23,10 @@ void write_sum(Row& row, std::size_t first, const NetSum& sum, int digits) {
 
 }  // namespace
 
-frmNetTrade::frmNetTrade(MGeneral& general, const CNetPos& book, const SymbolCollection& symbols)
-    : general_(general), book_(book), symbols_(symbols) {
-  general_.column_widths(lvwNet, "14,10,11,14,11,14,11,15");
-  general_.column_widths(lvwNetAccounts, "16,13,15,13,15,12,16");
+frmNetTrade::frmNetTrade(const CNetPos& book, const SymbolCollection& symbols)
+    : book_(book), symbols_(symbols) {
+  lvwNet.set_column_widths("14,10,11,14,11,14,11,15");
+  lvwNetAccounts.set_column_widths("16,13,15,13,15,12,16");
   lvwNet.on_select = [this](const Row& row) { pick(row); };
   lvwNet.on_activate = [this](const Row& row) {
     pick(row);
@@ -79,7 +80,7 @@ void frmNetTrade::write(Row& row, const CNetPos::OfSymbol& symbol) const {
 }
 
 void frmNetTrade::write_total() {
-  Row& row = general_.total_row(lvwNet);
+  Row& row = total_row(lvwNet);
   const NetSum total = book_.total();
   if (total.positions() == 0) return lvwNet.remove(row);
   row.set_number(Column::accounts, book_.accounts_in_market());

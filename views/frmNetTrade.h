@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "books/symbol_collection.h"
-#include "core/MGeneral.h"
 #include "core/label.h"
 #include "core/row_list.h"
 #include "views/CNetPos.h"
@@ -30,7 +29,7 @@ class frmNetTrade final {
     of_floating
   };
 
-  frmNetTrade(MGeneral& general, const CNetPos& book, const SymbolCollection& symbols);
+  frmNetTrade(const CNetPos& book, const SymbolCollection& symbols);
 
   // Ordered by name, keyed "S" and the symbol's place; the total row has no key.
   RowList lvwNet{{"Symbol", "Accounts", "Long", "Avg Long", "Short", "Avg Short", "Net", "P/L"}};
@@ -60,7 +59,6 @@ class frmNetTrade final {
   void write(Row& row, const CNetPos::OfSymbol& symbol) const;
   void write_total();
 
-  MGeneral& general_;
   const CNetPos& book_;
   const SymbolCollection& symbols_;
   int picked_ = -1;         // place of the symbol, -1 when none

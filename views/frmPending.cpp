@@ -5,6 +5,7 @@
 
 #include "core/numbers.h"
 #include "core/texts.h"
+#include "core/time_texts.h"
 #include "views/lot_sums.h"
 
 namespace tutti {
@@ -20,7 +21,7 @@ frmPending::frmPending(MGeneral& general, CClientAPIManagers& sessions, const Or
 
 void frmPending::ColumnWidthsPer(std::string widths) {
   column_widths_ = std::move(widths);
-  general_.column_widths(lvwPending, column_widths_);
+  lvwPending.set_column_widths(column_widths_);
 }
 
 Row& frmPending::Add(const Record& order) {
@@ -29,13 +30,13 @@ Row& frmPending::Add(const Record& order) {
   return row != nullptr ? *row : *lvwPending.add(key);
 }
 
-void frmPending::Updateaccount(Row& row, std::int32_t number) {
-  row.set_number(Column::account, number);
+void frmPending::Updateaccount(Row& row, std::int32_t account) {
+  row.set_number(Column::account, account);
 }
 
-void frmPending::UpdateSlTp(Row& row, double stop, double profit, int decimals) {
-  row.set_fixed_or_empty(Column::stop_loss, stop, decimals);
-  row.set_fixed_or_empty(Column::take_profit, profit, decimals);
+void frmPending::UpdateSlTp(Row& row, double stop_loss, double take_profit, int decimals) {
+  row.set_fixed_or_empty(Column::stop_loss, stop_loss, decimals);
+  row.set_fixed_or_empty(Column::take_profit, take_profit, decimals);
 }
 
 void frmPending::make_cells(Row& row) const {
@@ -48,25 +49,25 @@ void frmPending::make_cells(Row& row) const {
   row.set_text(Column::symbol, order->symbol);
   row.set_fixed(Column::price, order->price, order->digits);
   UpdateSlTp(row, order->stop_loss, order->take_profit, order->digits);
-  row.set_text(Column::time, general_.full_time_text(order->time));
+  row.set_text(Column::time, full_time_text(order->time));
 }
 
 void frmPending::Remove(const Record& order) {
   if (Row* row = lvwPending.find(order_key(order.order, order.account))) lvwPending.remove(*row);
 }
 
-void frmPending::removeClientinfo(std::int32_t number, std::span<const Record> gone) {
+void frmPending::removeClientinfo(std::int32_t account, std::span<const Record> gone) {
   if (gone.empty()) return;
   lvwPending.remove_if(
-      [&](const Row& row) { return row.key().account() == number && record_of(row) == nullptr; });
+      [&](const Row& row) { return row.key().account() == account && record_of(row) == nullptr; });
 }
 
-void frmPending::Removeorder(std::int64_t number, std::int32_t of_account) {
-  if (CClientAPIManager* session = sessions_.by_account(of_account)) session->order_ended(number);
+void frmPending::Removeorder(std::int64_t order, std::int32_t account) {
+  if (CClientAPIManager* session = sessions_.by_account(account)) session->order_ended(order);
 }
 
-void frmPending::order_text(std::int64_t number, std::int32_t of_account, std::string_view text) {
-  if (Row* row = lvwPending.find(order_key(number, of_account))) row->data<RowData>().note = text;
+void frmPending::order_text(std::int64_t order, std::int32_t account, std::string_view text) {
+  if (Row* row = lvwPending.find(order_key(order, account))) row->data<RowData>().note = text;
 }
 
 std::string frmPending::note(const Row& row) {
@@ -90,10 +91,10 @@ std::string frmPending::TypeDesc(OrderKind kind, std::int64_t reference) {
   return "";
 }
 
-std::string frmPending::OrderTypeDesc(OrderKind kind, Operation op) {
-  if (kind == OrderKind::stops) return buys(op) ? "Buy(Manage)" : "Sell(Manage)";
+std::string frmPending::OrderTypeDesc(OrderKind kind, Operation operation) {
+  if (kind == OrderKind::stops) return buys(operation) ? "Buy(Manage)" : "Sell(Manage)";
   if (kind != OrderKind::entry) return "";
-  switch (op) {
+  switch (operation) {
     case operation::buy:
       return "Buy limit";
     case operation::sell:

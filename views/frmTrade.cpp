@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/numbers.h"
+#include "core/time_texts.h"
 #include "views/lot_sums.h"
 
 namespace tutti {
@@ -25,7 +26,7 @@ frmTrade::frmTrade(MGeneral& general, CQuestionBox& question_box, const Position
 
 void frmTrade::ColumnWidthsPer(std::string widths) {
   column_widths_ = std::move(widths);
-  general_.column_widths(lvwOpenPos, column_widths_);
+  lvwOpenPos.set_column_widths(column_widths_);
 }
 
 void frmTrade::AddPosition(const Record& position) {
@@ -43,7 +44,7 @@ void frmTrade::make_cells(Row& row) {
   if (std::exchange(written_[position->slot], position->written) != position->written) {
     row.set_whole(Column::ticket, position->ticket);
     row.set_number(Column::account, position->account);
-    row.set_text(Column::time, general_.full_time_text(position->open_time));
+    row.set_text(Column::time, full_time_text(position->open_time));
     row.set_text(Column::type, type_text(*position));
     row.set_number(Column::amount, position->amount);
     row.set_text(Column::symbol, position->symbol);
@@ -63,10 +64,10 @@ void frmTrade::RemovePosition(const Record& position) {
   net_.remove_position(position);
 }
 
-void frmTrade::RemovePending(std::int32_t number, std::span<const Record> gone) {
+void frmTrade::RemovePending(std::int32_t account, std::span<const Record> gone) {
   if (gone.empty()) return;
   lvwOpenPos.remove_if(
-      [&](const Row& row) { return row.key().account() == number && record_of(row) == nullptr; });
+      [&](const Row& row) { return row.key().account() == account && record_of(row) == nullptr; });
   for (const Record& position : gone) {
     rows_.take(position.slot);
     net_.remove_position(position);

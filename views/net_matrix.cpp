@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "views/ordered_row.h"
+#include "views/total_row.h"
 
 namespace tutti {
 namespace {
@@ -13,7 +14,7 @@ constexpr int money_decimals = 2;
 
 }  // namespace
 
-NetMatrix::NetMatrix(MGeneral& general, const CNetPos& book) : general_(general), book_(book) {
+NetMatrix::NetMatrix(const CNetPos& book) : book_(book) {
   shown.set_items({"Net lots", "P/L"});
   shown.set_index(0);
   // Everything is written anew.
@@ -59,7 +60,7 @@ void NetMatrix::refresh() {
       write(row, book_.of(each, place), first_symbol + place);
   }
   if (!lvwNetMatrix.empty()) {
-    Row& row = general_.total_row(lvwNetMatrix);
+    Row& row = total_row(lvwNetMatrix);
     const NetSum total = book_.total();
     write(row, total, Column::total);
     for (std::size_t place = 0; place < book_.symbols().size(); ++place)

@@ -4,7 +4,6 @@
 #include <functional>
 #include <vector>
 
-#include "core/MGeneral.h"
 #include "core/combo_box.h"
 #include "core/row_list.h"
 #include "views/CNetPos.h"
@@ -19,7 +18,7 @@ class NetMatrix final {
   // Columns; the symbols follow in the order in which their first positions came, so that none ever moves.
   enum Column : std::size_t { account, total, first_symbol };
 
-  NetMatrix(MGeneral& general, const CNetPos& book);
+  explicit NetMatrix(const CNetPos& book);
 
   // Ordered by number, keyed "C" and the account number; the total row at the end has no key. A cell without
   // positions is empty.
@@ -58,7 +57,6 @@ class NetMatrix final {
   void each_held(const std::vector<Picked>& cells, Take take) const;
   void write(Row& row, const NetSum& sum, std::size_t column) const;
 
-  MGeneral& general_;
   const CNetPos& book_;
   std::uint64_t seen_ = 0;  // stamp of the book that the list shows
 };

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/texts.h"
+#include "core/time_texts.h"
 #include "gui/kit/desktop_sound.h"
 #include "gui/kit/in_sight.h"
 #include "gui/kit/screen.h"
@@ -354,7 +355,7 @@ void MainCommands::export_active() {
   const QString title = pane.dock == nullptr ? QStringLiteral("Accounts") : pane.dock->windowTitle();
   // Colons are no part of a file's name everywhere.
   const QString now =
-      QString::fromStdString(to_.main.general().now_text()).replace(QLatin1Char{':'}, QLatin1Char{'-'});
+      QString::fromStdString(now_text(to_.main.general().clock)).replace(QLatin1Char{':'}, QLatin1Char{'-'});
   export_csv(*list, QStringLiteral("%1 %2").arg(title, now).toStdString(), to_.files,
              [this](const std::string& text) { to_.main.general().message_box(text); });
 }

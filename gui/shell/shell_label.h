@@ -12,7 +12,7 @@ class ShellLabel final : public QLabel {
  public:
   explicit ShellLabel(const Culf& colours, QWidget* parent = nullptr);
 
-  void show_text(const QString& text, bool highlighted);
+  void show_text(const QString& new_text, bool highlighted);
 
  private:
   const Culf& colours_;

@@ -61,7 +61,7 @@ class TestTerminal {
  public:
   explicit TestTerminal(DealerConfig config = DealerConfig::sample());
   // A second start in the same folder is made with another object on it.
-  TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder> home);
+  TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder> folder);
 
   // Writes the accounts of the configuration as the saved list. To be called before start.
   void save_accounts();
