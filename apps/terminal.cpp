@@ -30,14 +30,15 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
   backend_ = std::move(*backend);
   if (auto written = write_first_list(); !written) return written;
 
-  main_ = std::make_unique<Main>(
-      options_.home,
-      MachinePorts{ports_.clock, ports_.prompt, ports_.sound, locale_, ports_.file_dialog, options_.key_file},
-      ServerSide{[this](const LoginData& login) { return backend_->make_client(login); }, backend_->events(),
-                 backend_->endpoint(), backend_->simulated()});
-  main_->general().outside = ports_.tell;
+  auto started =
+      Main::start(options_.home,
+                  MachinePorts{ports_.clock, ports_.prompt, ports_.sound, locale_, ports_.file_dialog,
+                               options_.key_file, ports_.tell},
+                  ServerSide{[this](const LoginData& login) { return backend_->make_client(login); },
+                             backend_->events(), backend_->endpoint(), backend_->simulated()});
+  if (!started) return tl::unexpected(started.error());
+  main_ = std::move(*started);
   if (!options_.precision.empty()) main_->general().precision.hold(options_.precision);
-  if (auto started = main_->start(); !started) return started;
   tell_notices();
   return {};
 }

@@ -1,6 +1,8 @@
 #include <malloc.h>
 
 #include <chrono>
+#include <filesystem>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -32,8 +34,13 @@ std::string saved_list(const DealerConfig& config) {
 
 // Starts the program and runs it until every account is in the market order window, which is the last thing
 // its data do.
-void log_all_in(Main& main, ManualClock& clock, DealingServer& server) {
-  if (const auto started = main.start(); !started) throw std::runtime_error(started.error().text());
+std::unique_ptr<Main> log_all_in(const std::filesystem::path& home, const MachinePorts& ports,
+                                 ManualClock& clock, DealingServer& server) {
+  auto started = Main::start(
+      home, ports,
+      {[&](const LoginData&) { return server.make_client(); }, {&server}, server.config().endpoint});
+  if (!started) throw std::runtime_error(started.error().text());
+  Main& main = **started;
   const std::size_t all = server.config().accounts.size();
   for (auto left = 10'000ms; main.market_order().lvwConClients.size() < all; left -= 10ms) {
     if (left == 0ms) throw std::runtime_error("not every account logged in");
@@ -41,6 +48,7 @@ void log_all_in(Main& main, ManualClock& clock, DealingServer& server) {
     server.advance();
     main.deliver_events();
   }
+  return std::move(*started);
 }
 
 }  // namespace
@@ -62,10 +70,9 @@ void login_figures() {
     throw std::runtime_error(written.error().text());
   }
   const std::size_t before = heap_in_use();
-  Main main{home.path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
-            ServerSide{
-                [&](const LoginData&) { return server.make_client(); }, {&server}, server.config().endpoint}};
-  figure("login_500_ms", time_of([&] { log_all_in(main, clock, server); }) / 1e6);
+  std::unique_ptr<Main> main;
+  const MachinePorts ports{clock, prompt, sound, locale, file_dialog};
+  figure("login_500_ms", time_of([&] { main = log_all_in(home.path(), ports, clock, server); }) / 1e6);
   figure("bytes_per_session", static_cast<double>(heap_in_use() - before) / accounts);
 }
 

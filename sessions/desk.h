@@ -139,8 +139,8 @@ class StatusDesk {
   virtual void control_enabled(int /*control*/, bool /*enabled*/) {}
 };
 
-// One receiver of each kind. Start-up makes the desk before anything else, with receivers that ignore, and
-// attaches each window as it creates it. The sessions end before the first window goes.
+// One receiver of each kind. Start-up makes the desk before the windows, with receivers that ignore, and
+// attaches them before the first account is loaded. The sessions end before the first window goes.
 struct Desk {
  private:
   AccountsDesk no_accounts_;

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <limits>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 #include <tl/expected.hpp>
@@ -50,6 +53,7 @@ struct MachinePorts {
   LocalePort& locale;
   FileDialog& file_dialog;
   std::filesystem::path key_file = {};  // key of the account records; empty: where KeyFile looks for it
+  std::function<void(std::string_view text)> outside = {};  // standard error of the program; may be empty
 };
 
 // What stands behind the trading clients, and the address it answers to.
@@ -64,96 +68,96 @@ struct ServerSide {
 // fixed order. One terminal per object. Sessions end first, while every window they write to still stands.
 class Main {
  public:
-  Main(std::filesystem::path application_folder, const MachinePorts& ports, ServerSide server);
+  // Creates the objects, shows the main window, loads the saved accounts, and opens the pump last. Fails when
+  // a data file can't be read; the error names file and line.
+  static tl::expected<std::unique_ptr<Main>, FileError> start(std::filesystem::path application_folder,
+                                                              const MachinePorts& ports, ServerSide server);
   ~Main();
   Main(const Main&) = delete;
   Main& operator=(const Main&) = delete;
 
-  // Creates the objects, shows the main window, loads the saved accounts, and opens the pump last. Fails when
-  // a data file can't be read; the error names file and line. Called once.
-  tl::expected<void, FileError> start();
-
   // Delivers waiting events, up to `limit`, and answers how many; to be called whenever the thread is free.
   std::size_t deliver_events(std::size_t limit = std::numeric_limits<std::size_t>::max()) {
-    return pump_->deliver(limit);
+    return pump_.deliver(limit);
   }
   // Runs the timers that are due; to be called as often. While events wait nobody is silent yet.
   void poll_timers(bool events_wait = false);
 
   MGeneral& general() { return general_; }
   MessageQueue& messages() { return messages_; }
-  CQuestionBox& question_box() { return *question_box_; }
-  frmSure& sure() { return *sure_; }
-  frmMdiNew& window() { return *window_; }
+  CQuestionBox& question_box() { return question_box_; }
+  frmSure& sure() { return sure_; }
+  frmMdiNew& window() { return window_; }
   CLoginOptions& login_options() { return login_options_; }
   CClientAPIManagers& sessions() { return sessions_; }
-  frmMain& accounts() { return *accounts_; }
-  frmorder& market_order() { return *market_order_; }
-  frmlimitorder& entry_order() { return *entry_order_; }
-  frmMW& market_watch() { return *market_watch_; }
-  frmTrade& trade() { return *trade_; }
-  frmPending& pending() { return *pending_; }
-  frmClosePos& close_positions() { return *close_positions_; }
-  frmNetTrade& net_trade() { return *net_trade_; }
-  NetMatrix& net_matrix() { return *net_matrix_; }
-  frmPriceChanged& requote() { return *requote_; }
-  frmJournal& journal_window() { return *journal_window_; }
-  CJournal& journal() { return *journal_; }
+  frmMain& accounts() { return accounts_; }
+  frmorder& market_order() { return market_order_; }
+  frmlimitorder& entry_order() { return entry_order_; }
+  frmMW& market_watch() { return market_watch_; }
+  frmTrade& trade() { return trade_; }
+  frmPending& pending() { return pending_; }
+  frmClosePos& close_positions() { return close_positions_; }
+  frmNetTrade& net_trade() { return net_trade_; }
+  NetMatrix& net_matrix() { return net_matrix_; }
+  frmPriceChanged& requote() { return requote_; }
+  frmJournal& journal_window() { return journal_window_; }
+  CJournal& journal() { return journal_; }
   SymbolCollection& symbols() { return books_.symbols; }
   const AccountBook& account_book() const { return books_.accounts; }
   const PositionBook& positions() const { return books_.positions; }
   const OrderBook& orders() const { return books_.orders; }
-  Culf& colours() { return *colours_; }
-  CHTMLHELP& help() { return *help_; }
-  COpenPos& open_positions() { return *open_positions_; }
-  CPendingOrds& pending_orders() { return *pending_orders_; }
-  CNetPos& net_positions() { return *net_positions_; }
+  Culf& colours() { return colours_; }
+  CHTMLHELP& help() { return help_; }
+  COpenPos& open_positions() { return open_positions_; }
+  CPendingOrds& pending_orders() { return pending_orders_; }
+  CNetPos& net_positions() { return net_positions_; }
   // Whether orders go to the server within the program, which the operator must never take for the market.
   bool simulated() const { return server_.simulated; }
   // Read from its files with every call.
   BrokerCard broker() const { return BrokerCard::read(paths_); }
 
  private:
-  void create_objects();
-  tl::expected<void, FileError> show_main_window();
+  Main(std::filesystem::path application_folder, const MachinePorts& ports, ServerSide server);
+  void connect();
   void connect_closing();
-  void prepare_result_lists();
+  tl::expected<void, FileError> run();
   tl::expected<void, FileError> load_saved_accounts();
 
   Paths paths_;
   MachinePorts ports_;
   ServerSide server_;
-  EventSources events_;
+  EventSources events_{server_.events};
   MessageQueue messages_;
-  MGeneral general_;
+  MGeneral general_{paths_, ports_.clock, ports_.sound, ports_.prompt, messages_};
   Books books_;
   Desk desk_;
-  CLoginOptions login_options_;
-  CClientAPIManagers sessions_;
 
-  std::unique_ptr<Culf> colours_;
-  std::unique_ptr<CQuestionBox> question_box_;
-  std::unique_ptr<frmSure> sure_;
-  std::unique_ptr<frmJournal> journal_window_;
-  std::unique_ptr<CJournal> journal_;
-  std::unique_ptr<COpenPos> open_positions_;
-  std::unique_ptr<CNetPos> net_positions_;
-  std::unique_ptr<CLocalSettings> locale_;
-  std::unique_ptr<CPendingOrds> pending_orders_;
-  std::unique_ptr<CHTMLHELP> help_;
-  std::unique_ptr<frmMdiNew> window_;
-  std::unique_ptr<frmMain> accounts_;
-  std::unique_ptr<frmTrade> trade_;
-  std::unique_ptr<frmNetTrade> net_trade_;
-  std::unique_ptr<NetMatrix> net_matrix_;
-  std::unique_ptr<frmorder> market_order_;
-  std::unique_ptr<frmlimitorder> entry_order_;
-  std::unique_ptr<frmMW> market_watch_;
-  std::unique_ptr<frmPending> pending_;
-  std::unique_ptr<frmPriceChanged> requote_;
-  std::unique_ptr<frmClosePos> close_positions_;
-  std::unique_ptr<CloseHelper> close_helper_;
-  std::unique_ptr<EventPump> pump_;
+  Culf colours_;
+  CQuestionBox question_box_{ports_.prompt, messages_};
+  frmSure sure_{ports_.prompt};
+  frmJournal journal_window_{ports_.clock};
+  CJournal journal_{paths_, ports_.clock, journal_window_};
+  COpenPos open_positions_;
+  CNetPos net_positions_{general_};
+  CLocalSettings locale_{ports_.locale};
+  CPendingOrds pending_orders_;
+  CHTMLHELP help_;
+  EventPump pump_{events_, journal_, messages_};
+  frmMdiNew window_{general_.totals};
+  CLoginOptions login_options_{general_, server_.endpoint};
+  CClientAPIManagers sessions_{server_.make_client, general_, desk_, books_, login_options_};
+  frmMain accounts_{general_, desk_, books_, login_options_, sessions_, ports_.file_dialog};
+  frmorder market_order_{general_, accounts_, sessions_, books_.symbols};
+  frmlimitorder entry_order_{general_, accounts_, sessions_, books_.symbols};
+  frmMW market_watch_{books_.symbols};
+  frmTrade trade_{general_, question_box_, books_.positions, net_positions_};
+  frmNetTrade net_trade_{net_positions_, books_.symbols};
+  NetMatrix net_matrix_{net_positions_};
+  frmPending pending_{general_, sessions_, books_.orders};
+  frmPriceChanged requote_{general_, market_order_, pending_, books_.orders};
+  frmClosePos close_positions_{general_, question_box_,    sessions_,     books_.accounts,
+                               trade_,   books_.positions, books_.symbols};
+  CloseHelper close_helper_{general_, sessions_};
   std::uint64_t totals_shown_ = 0;  // stamp of the main window's state that the summary label shows
 };
 

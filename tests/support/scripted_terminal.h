@@ -29,12 +29,12 @@ struct ScriptedTerminal : TestTerminal {
     for (std::size_t i = 1; i <= summaries.size(); ++i)
       list += "user,secret," + std::to_string(i) + "\n";
     home->write("manage/savelvinfo.buf", list);
-    const auto make_client = [this](const LoginData&) {
-      clients.push_back(new ScriptedClient);
-      return std::unique_ptr<ClientAPI>{clients.back()};
-    };
-    main = std::make_unique<Main>(home->path(), MachinePorts{clock, prompt, sound, locale, file_dialog},
-                                  ServerSide{make_client, {&server}, {}});
+    behind = {[this](const LoginData&) {
+                clients.push_back(new ScriptedClient);
+                return std::unique_ptr<ClientAPI>{clients.back()};
+              },
+              {&server},
+              {}};
     if (!start() || clients.size() != summaries.size()) throw std::runtime_error("not started");
     for (std::size_t i = 0; i < clients.size(); ++i)
       connect(*clients[i], summaries[i].first, summaries[i].second);

@@ -62,14 +62,12 @@ TestTerminal::TestTerminal(DealerConfig config)
     : TestTerminal(std::move(config), std::make_shared<TemporaryFolder>()) {}
 
 TestTerminal::TestTerminal(DealerConfig config, std::shared_ptr<TemporaryFolder> folder)
-    : home(std::move(folder)), server(std::move(config), clock) {
-  main = std::make_unique<Main>(home->path(),
-                                MachinePorts{clock, prompt, sound, locale, file_dialog, home->key_file()},
-                                ServerSide{[this](const LoginData&) { return server.make_client(); },
-                                           {&server},
-                                           server.config().endpoint,
-                                           true});
-}
+    : home(std::move(folder)),
+      server(std::move(config), clock),
+      behind{[this](const LoginData&) { return server.make_client(); },
+             {&server},
+             server.config().endpoint,
+             true} {}
 
 void TestTerminal::save_accounts() {
   std::string lines;
@@ -80,7 +78,11 @@ void TestTerminal::save_accounts() {
 }
 
 tl::expected<void, FileError> TestTerminal::start() {
-  return main->start();
+  auto started =
+      Main::start(home->path(), {clock, prompt, sound, locale, file_dialog, home->key_file()}, behind);
+  if (!started) return tl::unexpected(started.error());
+  main = std::move(*started);
+  return {};
 }
 
 void TestTerminal::run(std::chrono::milliseconds time) {

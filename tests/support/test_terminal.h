@@ -86,7 +86,8 @@ class TestTerminal {
   ProcessLocale locale;
   FakeFileDialog file_dialog;
   DealingServer server;
-  std::unique_ptr<Main> main;
+  ServerSide behind;           // what start() puts behind the clients: the server
+  std::unique_ptr<Main> main;  // from start() on
 };
 
 }  // namespace tutti::testing
