@@ -68,7 +68,12 @@ class Application final : public QApplication {
 // Answers the exit status once the operator has left.
 int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopFileDialog& files,
         Screen& screen, const StopSignals& signals, const Arguments& arguments) {
-  FrmMdiNewWindow window{terminal.main(), screen, prompt, sound, files};
+  std::optional<FrmMdiNewWindow> made;
+  {
+    const theme::WithoutSheet bare{*qApp};
+    made.emplace(terminal.main(), screen, prompt, sound, files);
+  }
+  FrmMdiNewWindow& window = *made;
   files.set_parent(&window);
   window.restore_layout();
   if (!arguments.size.empty()) {

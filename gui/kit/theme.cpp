@@ -158,6 +158,15 @@ void apply(QApplication& application) {
   application.setStyleSheet(QString::fromLatin1(sheet));
 }
 
+WithoutSheet::WithoutSheet(QApplication& application)
+    : application_(application), sheet_(application.styleSheet()) {
+  application_.setStyleSheet({});
+}
+
+WithoutSheet::~WithoutSheet() {
+  application_.setStyleSheet(sheet_);
+}
+
 const QFont& font() {
   static const QFont made = make_font(QFont::Normal);
   return made;

@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QString>
 
 #include "core/colours.h"
 
@@ -46,6 +47,21 @@ inline constexpr int cell_padding = 8;
 
 // Style, palette, fonts and style sheet, and the compiled-in files; once, before the first window.
 void apply(QApplication& application);
+
+// While it lives the application goes without its style sheet: a widget that is made under one is gone
+// through again with every parent it gets, which is most of the time that a window of many widgets takes to
+// be made. To be gone before the window is shown.
+class WithoutSheet {
+ public:
+  explicit WithoutSheet(QApplication& application);
+  ~WithoutSheet();
+  WithoutSheet(const WithoutSheet&) = delete;
+  WithoutSheet& operator=(const WithoutSheet&) = delete;
+
+ private:
+  QApplication& application_;
+  QString sheet_;
+};
 
 // 12 px; digits have equal width.
 const QFont& font();
