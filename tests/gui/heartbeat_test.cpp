@@ -99,5 +99,16 @@ TEST_F(HeartbeatTest, WhatTheOperatorDoesWakesIt) {
   EXPECT_EQ(rig.screen.frame(), frame + 1);
 }
 
+TEST_F(HeartbeatTest, ARequoteTakesAnAnswerAsSoonAsItsDeadTimeIsOver) {
+  CClientAPIManager& session = *rig.main().sessions().by_account(500100);
+  rig.main().requote().SetData(session, 77, 500100, operation::buy, 0.5, "EURUSD", 1.08, 1.09, 10, 10);
+  rig.screen.stir();
+  live_for(dead_time - 32ms);
+  const auto& accept = part<QAbstractButton>(window->requote(), "cmdAccept");
+  EXPECT_FALSE(accept.isEnabled());
+  live_for(64ms);
+  EXPECT_TRUE(accept.isEnabled());
+}
+
 }  // namespace
 }  // namespace tutti::testing
