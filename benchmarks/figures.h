@@ -20,5 +20,8 @@ void login_figures();
 // The accounts list on a screen: what it adds to events, what cells cost, how long input waits, and how soon
 // the list is there.
 void gui_figures(const BenchMarket& market);
+// The whole program with 500 accounts and its main window: idle, its first paint, keys in a storm of prices,
+// and how long it keeps the GUI thread at most.
+void program_figures();
 
 }  // namespace tutti::bench

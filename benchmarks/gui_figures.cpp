@@ -1,6 +1,5 @@
-#include <QApplication>
+#include <QCoreApplication>
 #include <QEventLoop>
-#include <QLoggingCategory>
 #include <QTableView>
 #include <QTimer>
 #include <chrono>
@@ -63,13 +62,6 @@ void event_costs(Gui& gui) {
       interleaved_ratio([&] { return saturated(gui.summary_events()); },
                         [&] { return cpu_per(events, [&] { gui.events.summaries(passes * accounts); }); }));
 
-  TableRival rival{window.list()};
-  Screen no_screen;
-  const GuiLoad rival_load{[&](std::size_t count) { rival.rows(count); }};
-  figure("gui_qtablewidget_over_ours",
-         interleaved_ratio([&] { return run_gui(no_screen, rival.paints(), rival_load).cpu_per_event; },
-                           [&] { return saturated(gui.row_events()); }));
-
   AccountsWindow with_totals{gui.terminal, true};
   figure("gui_totals_line_cost",
          interleaved_ratio(
@@ -79,26 +71,22 @@ void event_costs(Gui& gui) {
              [&] { return saturated(gui.summary_events()); }));
 }
 
-// The same view, told of every event as a model of the toolkit's usually tells, and never asked once a frame.
-void per_event_model(Gui& gui, const char* name, double per_second) {
-  AccountsWindow& window = gui.window;
-  RowListModel& model = window.list().rows();
-  Screen no_screen;
-  const GuiLoad telling{[&](std::size_t count) {
-                          for (std::size_t i = 0; i < count; ++i) {
-                            const int place = static_cast<int>(gui.events.place());
-                            gui.events.summaries(1);
-                            Q_EMIT model.dataChanged(model.index(place, frmMain::balance),
-                                                     model.index(place, frmMain::free_margin));
-                          }
-                        },
-                        per_second};
+// The same events and the same list as a standard item model of the toolkit's in its own view, which is told
+// once a frame what changed.
+void coalesced_model(Gui& gui, CoalescedRival& rival, const char* name, double per_second) {
+  const GuiLoad rival_load{[&](std::size_t count) {
+                             for (std::size_t i = 0; i < count; ++i) {
+                               rival.changed(gui.events.place());
+                               gui.events.summaries(1);
+                             }
+                           },
+                           per_second};
   figure(name, interleaved_ratio(
                    [&] {
-                     const GuiLoad load = gui.summary_events(per_second);
-                     return run_gui(window.screen(), window.paints(), load).cpu_per_second;
+                     return run_gui(gui.window.screen(), gui.window.paints(), gui.summary_events(per_second))
+                         .cpu_per_second;
                    },
-                   [&] { return run_gui(no_screen, window.paints(), telling).cpu_per_second; }));
+                   [&] { return run_gui(rival.screen(), rival.paints(), rival_load).cpu_per_second; }));
 }
 
 double repaint_per_cell(QTableView& view) {
@@ -130,7 +118,10 @@ double repaint_time(Gui& gui, const GuiLoad& load) {
     QEventLoop loop;
     QTimer::singleShot(frame, &loop, &QEventLoop::quit);
     loop.exec();
+    // It would leave painting to its frames.
+    heartbeat.stop();
     repaints.push_back(time_of([&] { gui.window.list().viewport()->repaint(); }));
+    heartbeat.start();
   }
   return median(std::move(repaints));
 }
@@ -167,19 +158,14 @@ double first_paint_of_bare_window() {
 }  // namespace
 
 void gui_figures(const BenchMarket& market) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  // It complains of every window that it knows no size hints.
-  QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
-  int count = 1;
-  char name[] = "tutti_bench";
-  char* arguments[] = {name, nullptr};
-  QApplication application{count, arguments};
-  theme::apply(application);
   Gui gui{market};
   wait_for_paint(gui.window.paints());
   event_costs(gui);
-  per_event_model(gui, "gui_cpu_over_per_event_model_100k", 100'000.0);
-  per_event_model(gui, "gui_cpu_over_per_event_model_5k", 5'000.0);
+  {
+    CoalescedRival rival{gui.window.list()};
+    coalesced_model(gui, rival, "cpu_over_coalesced_model_100k", 100'000.0);
+    coalesced_model(gui, rival, "cpu_over_coalesced_model_5k", 5'000.0);
+  }
   cell_costs(gui);
   latencies(gui);
   figure("first_paint_500_over_bare_window",

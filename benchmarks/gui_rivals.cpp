@@ -3,7 +3,6 @@
 #include <QHeaderView>
 
 #include "accounts/frmMain.h"
-#include "benchmarks/event_driver.h"
 #include "gui/kit/theme.h"
 
 namespace tutti::bench {
@@ -23,38 +22,30 @@ void look_like(QTableView& view, const RowListView& like) {
 
 }  // namespace
 
-TableRival::TableRival(const RowListView& like)
-    : table_(new QTableWidget{like.model()->rowCount(), like.model()->columnCount()}),
-      paints_(*table_),
-      values_(changing_summaries()) {
-  const QAbstractItemModel& model = *like.model();
-  for (int column = 0; column < model.columnCount(); ++column) {
-    table_->setHorizontalHeaderItem(
-        column, new QTableWidgetItem{model.headerData(column, Qt::Horizontal).toString()});
-    for (int row = 0; row < model.rowCount(); ++row)
-      table_->setItem(row, column, new QTableWidgetItem{model.index(row, column).data().toString()});
-  }
-  look_like(*table_, like);
-  window_.setCentralWidget(table_);
+CoalescedRival::CoalescedRival(RowListView& like)
+    : list_(like.rows()), view_(new QTableView), model_(list_.rowCount(), list_.columnCount()) {
+  dirty_.resize(static_cast<std::size_t>(list_.rowCount()));
+  for (int row = 0; row < list_.rowCount(); ++row)
+    for (int column = 0; column < list_.columnCount(); ++column)
+      model_.setItem(row, column, new QStandardItem{list_.index(row, column).data().toString()});
+  view_->setModel(&model_);
+  look_like(*view_, like);
+  window_.setCentralWidget(view_);
+  paints_ = std::make_unique<PaintCount>(*view_);
   show_window(window_);
+  screen_.on_refresh(*view_, [this] {
+    for (std::size_t place = 0; place < dirty_.size(); ++place)
+      if (dirty_[place]) write(place);
+  });
 }
 
-void TableRival::rows(std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const AccountSummary& values = values_[next_];
-    if (++next_ == values_.size()) next_ = 0;
-    const auto show = [this](std::size_t column, double value) {
-      table_->item(row_, static_cast<int>(column))->setText(QString::number(value, 'f', 2));
-    };
-    show(frmMain::balance, values.balance);
-    show(frmMain::floating, values.floating_pl);
-    show(frmMain::credit, values.credit);
-    show(frmMain::equity, values.equity);
-    show(frmMain::used_margin, values.used_margin * -1.0);
-    show(frmMain::margin_level, values.margin_level * 100.0);
-    show(frmMain::free_margin, values.free_margin);
-    if (++row_ == table_->rowCount()) row_ = 0;
-  }
+void CoalescedRival::write(std::size_t place) {
+  dirty_[place] = false;
+  const Row& row = *list_.row_at(static_cast<int>(place));
+  for (const std::size_t column : {frmMain::balance, frmMain::floating, frmMain::credit, frmMain::equity,
+                                   frmMain::used_margin, frmMain::margin_level, frmMain::free_margin})
+    model_.item(static_cast<int>(place), static_cast<int>(column))
+        ->setText(QString::fromStdString(row.text(column)));
 }
 
 StockView::StockView(RowListView& like) : view_(new QTableView) {

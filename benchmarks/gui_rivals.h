@@ -1,32 +1,37 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QStandardItemModel>
 #include <QTableView>
-#include <QTableWidget>
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "benchmarks/gui_windows.h"
-#include "sessions/contract/account_summary.h"
 
 namespace tutti::bench {
 
-// The accounts list as a table of the toolkit's own items.
-class TableRival {
+// The accounts list as a standard item model of the toolkit's, in its own view. What changed is written into
+// the items once a frame, when its screen is refreshed.
+class CoalescedRival {
  public:
-  explicit TableRival(const RowListView& like);
+  explicit CoalescedRival(RowListView& like);
 
-  // One row's seven numbers after the other.
-  void rows(std::size_t count);
-  const PaintCount& paints() const { return paints_; }
+  // The row of the list at this place changes.
+  void changed(std::size_t place) { dirty_[place] = true; }
+  Screen& screen() { return screen_; }
+  const PaintCount& paints() const { return *paints_; }
 
  private:
+  void write(std::size_t place);
+
+  RowListModel& list_;
   QMainWindow window_;
-  QTableWidget* table_;
-  PaintCount paints_;
-  std::vector<AccountSummary> values_;
-  int row_ = 0;
-  std::size_t next_ = 0;
+  Screen screen_;
+  QTableView* view_;
+  QStandardItemModel model_;
+  std::unique_ptr<PaintCount> paints_;
+  std::vector<bool> dirty_;
 };
 
 // The accounts list's model in the toolkit's own view with its own delegate, as large as the accounts list.
