@@ -95,10 +95,8 @@ milliseconds Heartbeat::beat() {
     more = count == batch;
     delivered_ = delivered_ || count > 0;
   }
-  const auto until_frame = [this] {
-    const milliseconds apart = delivered_ || screen_.stirred() ? frame : quiet_frame;
-    return shown_at_ + apart - clock_.elapsed();
-  };
+  const auto to_show = [this] { return delivered_ || screen_.stirred(); };
+  const auto until_frame = [&] { return shown_at_ + (to_show() ? frame : quiet_frame) - clock_.elapsed(); };
   if (until_frame() <= until_frame().zero()) {
     shown_at_ = clock_.elapsed();
     delivered_ = false;
@@ -106,7 +104,9 @@ milliseconds Heartbeat::beat() {
     paint();
   }
   if (more) return milliseconds{0};
-  return std::max(std::min(source_.idle(), until_frame()), milliseconds{1});
+  // What falls due before a frame that comes anyway is shown with it, however soon it is delivered.
+  const milliseconds wait = to_show() ? until_frame() : std::min(source_.idle(), until_frame());
+  return std::max(wait, milliseconds{1});
 }
 
 void Heartbeat::paint() {
