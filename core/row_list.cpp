@@ -1,7 +1,6 @@
 #include "core/row_list.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "core/numbers.h"
@@ -47,7 +46,7 @@ void RowList::set_column_tip(std::size_t column, std::string_view tip) {
 }
 
 Row* RowList::insert(std::size_t index, RowKey key) {
-  assert(index <= rows_.size());
+  assert(index <= size());
   if (!key.empty() && by_key_.contains(key)) return nullptr;
   auto owned = Row::make(key, columns_.size(), &shared_);
   Row* row = owned.get();
@@ -55,10 +54,13 @@ Row* RowList::insert(std::size_t index, RowKey key) {
     // The rows behind keep their places; only the list's first place moves.
     row->place_ = --first_place_;
     rows_.push_front(std::move(owned));
+  } else if (index == size()) {
+    row->place_ = first_place_ + static_cast<std::int64_t>(rows_.size());
+    rows_.push_back(std::move(owned));
   } else {
-    row->place_ = first_place_ + static_cast<std::int64_t>(index);
+    without_holes();
     const auto at = rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(index), std::move(owned));
-    std::for_each(std::next(at), rows_.end(), [](auto& behind) { ++behind->place_; });
+    number_from(at, first_place_ + static_cast<std::int64_t>(index));
   }
   if (!key.empty()) by_key_.emplace(key, row);
   structure_changed();
@@ -66,29 +68,39 @@ Row* RowList::insert(std::size_t index, RowKey key) {
 }
 
 void RowList::remove(Row& row) {
-  const std::size_t index = index_of(row);
-  assert(index < rows_.size() && rows_[index].get() == &row);
+  const auto at = rows_.begin() + static_cast<std::ptrdiff_t>(row.place_ - first_place_);
+  assert(at->get() == &row);
   if (!row.key_.empty()) by_key_.erase(row.key_);
   if (current_ == &row) current_ = nullptr;
-  if (index == 0) {
-    ++first_place_;
+  at->reset();
+  ++holes_;
+  for (; !rows_.empty() && rows_.front() == nullptr; --holes_, ++first_place_)
     rows_.pop_front();
-  } else {
-    const auto at = rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(index));
-    std::for_each(at, rows_.end(), [](auto& behind) { --behind->place_; });
-  }
+  for (; !rows_.empty() && rows_.back() == nullptr; --holes_)
+    rows_.pop_back();
   structure_changed();
 }
 
+void RowList::close_holes() const {
+  std::erase(rows_, nullptr);
+  holes_ = 0;
+  number_from(rows_.begin(), first_place_);
+}
+
+void RowList::number_from(Rows::iterator first, std::int64_t place) const {
+  for (; first != rows_.end(); ++first)
+    (*first)->place_ = place++;
+}
+
 std::size_t RowList::remove_if(const std::function<bool(const Row&)>& gone) {
-  const std::size_t before = rows_.size();
+  const std::size_t before = size();
   Row* current = current_ != nullptr && gone(*current_) ? nullptr : current_;
   if (std::none_of(begin(), end(), gone)) return 0;
   auto kept = take_all();
   std::erase_if(kept, [&](const auto& row) { return gone(*row); });
   put_back(std::move(kept));
   current_ = current;
-  return before - rows_.size();
+  return before - size();
 }
 
 void RowList::clear() {
@@ -105,6 +117,7 @@ bool RowList::rekey(Row& row, RowKey key) {
 }
 
 std::deque<Row::Owner> RowList::take_all() {
+  without_holes();
   by_key_.clear();
   current_ = nullptr;
   first_place_ = 0;
@@ -118,26 +131,24 @@ void RowList::put_back(std::deque<Row::Owner> rows) {
     // Whoever keeps account of which rows he has seen has forgotten those that were away.
     row->touch();
   }
+  without_holes();
   rows.insert(rows.end(), std::make_move_iterator(rows_.begin()), std::make_move_iterator(rows_.end()));
   rows_ = std::move(rows);
   first_place_ = 0;
-  std::int64_t place = 0;
-  for (auto& row : rows_)
-    row->place_ = place++;
+  number_from(rows_.begin(), first_place_);
   structure_changed();
 }
 
 std::vector<Row*> RowList::selected() const {
   std::vector<Row*> out;
   for (const auto& row : rows_) {
-    if (row->selected_) out.push_back(row.get());
+    if (row != nullptr && row->selected_) out.push_back(row.get());
   }
   return out;
 }
 
 std::size_t RowList::checked_count() const {
-  return static_cast<std::size_t>(
-      std::count_if(rows_.begin(), rows_.end(), [](const auto& row) { return row->checked_; }));
+  return static_cast<std::size_t>(std::count_if(begin(), end(), [](const Row& row) { return row.checked_; }));
 }
 
 void RowList::tick(Row& row, bool checked) {
@@ -146,8 +157,8 @@ void RowList::tick(Row& row, bool checked) {
 }
 
 void RowList::select(Row& row) {
-  for (auto& other : rows_) {
-    if (other->selected_ && other.get() != &row) other->set_selected(false);
+  for (Row& other : *this) {
+    if (other.selected_ && &other != &row) other.set_selected(false);
   }
   row.set_selected(true);
   current_ = &row;

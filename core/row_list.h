@@ -24,7 +24,8 @@ struct Column {
 
 // The state of every list and grid: ordered rows, each with an optional unique key.
 //
-// Find is one hash look-up, insertion at either end is cheap, elsewhere it costs as much as the rows behind.
+// Find is one hash look-up. Insertion at either end is cheap, elsewhere it costs as much as the rows behind.
+// Removal is cheap; the places of what is left are counted anew when somebody asks for one.
 // Every change raises stamp(); a change in which rows there are, or in their order, also raises
 // structure_stamp(). What a program does is silent; tick, select and activate are the operator's and run the
 // handler. Indices run from 0.
@@ -45,11 +46,14 @@ class RowList {
   void set_column_widths(std::string_view percents);
   void set_column_tip(std::size_t column, std::string_view tip);
 
-  std::size_t size() const { return rows_.size(); }
+  std::size_t size() const { return rows_.size() - holes_; }
   bool empty() const { return rows_.empty(); }
-  Row& row(std::size_t index) { return *rows_[index]; }
-  const Row& row(std::size_t index) const { return *rows_[index]; }
-  std::size_t index_of(const Row& row) const { return static_cast<std::size_t>(row.place_ - first_place_); }
+  Row& row(std::size_t index) { return *without_holes()[index]; }
+  const Row& row(std::size_t index) const { return *without_holes()[index]; }
+  std::size_t index_of(const Row& row) const {
+    without_holes();
+    return static_cast<std::size_t>(row.place_ - first_place_);
+  }
 
   // nullptr when no row has the key.
   Row* find(RowKey key) const {
@@ -59,7 +63,7 @@ class RowList {
 
   // nullptr when the key is taken. An empty key is never taken.
   Row* insert(std::size_t index, RowKey key = {});
-  Row* add(RowKey key = {}) { return insert(rows_.size(), key); }
+  Row* add(RowKey key = {}) { return insert(size(), key); }
   void remove(Row& row);
   void clear();
   // Removes all rows for which `gone` holds, in one pass; answers how many.
@@ -90,37 +94,49 @@ class RowList {
   std::function<void(Row&)> on_select;
   std::function<void(Row&)> on_activate;
 
-  auto begin() { return Iterator{rows_.begin()}; }
-  auto end() { return Iterator{rows_.end()}; }
-  auto begin() const { return Iterator{rows_.begin()}; }
-  auto end() const { return Iterator{rows_.end()}; }
+  auto begin() { return Iterator<Rows::iterator, Row>{rows_.begin(), rows_.end()}; }
+  auto end() { return Iterator<Rows::iterator, Row>{rows_.end(), rows_.end()}; }
+  auto begin() const { return Iterator<Rows::const_iterator, Row>{rows_.cbegin(), rows_.cend()}; }
+  auto end() const { return Iterator<Rows::const_iterator, Row>{rows_.cend(), rows_.cend()}; }
 
  private:
-  template <class It>
+  using Rows = std::deque<Row::Owner>;
+
+  template <class It, class Value>
   struct Iterator {
     using iterator_category = std::forward_iterator_tag;
     using value_type = Row;
     using difference_type = std::ptrdiff_t;
-    using pointer = Row*;
-    using reference = Row&;
+    using pointer = Value*;
+    using reference = Value&;
 
     It at;
-    Row& operator*() const { return **at; }
+    It end;
+    Value& operator*() const { return **at; }
     Iterator& operator++() {
-      ++at;
+      do {
+        ++at;
+      } while (at != end && *at == nullptr);
       return *this;
     }
     bool operator==(const Iterator& other) const { return at == other.at; }
   };
-  template <class It>
-  Iterator(It) -> Iterator<It>;
 
   void structure_changed() { structure_stamp_ = ++shared_.stamp; }
 
   std::vector<Column> columns_;
-  std::deque<Row::Owner> rows_;
+  // Closes the holes, to nobody's notice, and answers the rows.
+  const Rows& without_holes() const {
+    if (holes_ > 0) close_holes();
+    return rows_;
+  }
+  void close_holes() const;
+  void number_from(Rows::iterator first, std::int64_t place) const;
+
+  mutable Rows rows_;  // with holes where rows were removed, but at neither end
+  mutable std::size_t holes_ = 0;
   tsl::robin_map<RowKey, Row*, RowKey::Hash> by_key_;
-  std::int64_t first_place_ = 0;
+  mutable std::int64_t first_place_ = 0;
   Row* current_ = nullptr;
   Row::Shared shared_;
   std::uint64_t structure_stamp_ = 0;

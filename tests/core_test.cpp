@@ -145,6 +145,24 @@ TEST(RowLists, KeepKeysAndPlacesThroughEveryChange) {
       EXPECT_EQ(each.selected(), &each == &row);
   }
 
+  // Nobody asks for a place between these.
+  Row* gone[] = {list.add(ticket_key(5, 81)), list.insert(1, ticket_key(6, 81)), list.add(ticket_key(7, 81)),
+                 list.insert(2)};
+  list.add(ticket_key(8, 81));
+  for (Row* row : gone)
+    list.remove(*row);
+  EXPECT_EQ(list.size(), 4u);
+  EXPECT_EQ(keys_of(list), "- P-2 C1 T8 ");
+  EXPECT_EQ(list.checked_count() + list.selected().size(), 1u);
+  list.insert(0, ticket_key(3, 81));
+  expect_places(list);
+  list.remove(*list.find(order_key(-2, 81)));
+  list.remove(*list.find(ticket_key(8, 81)));
+  list.remove(*list.find(ticket_key(3, 81)));
+  list.insert(1, order_key(-2, 81));
+  EXPECT_EQ(keys_of(list), "- P-2 C1 ");
+  expect_places(list);
+
   auto aside = list.take_all();
   EXPECT_TRUE(list.empty());
   EXPECT_EQ(list.find(client_key(1)), nullptr);

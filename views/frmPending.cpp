@@ -56,10 +56,9 @@ void frmPending::Remove(const Record& order) {
   if (Row* row = lvwPending.find(order_key(order.order, order.account))) lvwPending.remove(*row);
 }
 
-void frmPending::removeClientinfo(std::int32_t account, std::span<const Record> gone) {
-  if (gone.empty()) return;
-  lvwPending.remove_if(
-      [&](const Row& row) { return row.key().account() == account && record_of(row) == nullptr; });
+void frmPending::removeClientinfo(std::span<const Record> gone) {
+  for (const Record& order : gone)
+    Remove(order);
 }
 
 void frmPending::Removeorder(std::int64_t order, std::int32_t account) {

@@ -66,7 +66,7 @@ class frmPending final : public PendingDesk, public OrderBook::Observer {
   static void UpdateSlTp(Row& row, double stop_loss, double take_profit, int decimals);
   void Remove(const Record& order);
   // What an account that was refused, removed or disconnected leaves behind.
-  void removeClientinfo(std::int32_t account, std::span<const Record> gone);
+  void removeClientinfo(std::span<const Record> gone);
   // The order has ended: its session takes it out of the book.
   void Removeorder(std::int64_t order, std::int32_t account);
   // A request in dealing was settled: its row goes.
@@ -102,9 +102,7 @@ class frmPending final : public PendingDesk, public OrderBook::Observer {
   // OrderBook::Observer
   void changed(const Record& order) override { AddOrder(order); }
   void removed(const Record& order) override { Remove(order); }
-  void account_left(std::int32_t account, std::span<const Record> gone) override {
-    removeClientinfo(account, gone);
-  }
+  void account_left(std::int32_t, std::span<const Record> gone) override { removeClientinfo(gone); }
 
  private:
   struct RowData {

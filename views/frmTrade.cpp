@@ -64,14 +64,9 @@ void frmTrade::RemovePosition(const Record& position) {
   net_.remove_position(position);
 }
 
-void frmTrade::RemovePending(std::int32_t account, std::span<const Record> gone) {
-  if (gone.empty()) return;
-  lvwOpenPos.remove_if(
-      [&](const Row& row) { return row.key().account() == account && record_of(row) == nullptr; });
-  for (const Record& position : gone) {
-    rows_.take(position.slot);
-    net_.remove_position(position);
-  }
+void frmTrade::RemovePending(std::span<const Record> gone) {
+  for (const Record& position : gone)
+    RemovePosition(position);
 }
 
 void frmTrade::chkAll_Click() {

@@ -68,7 +68,7 @@ class frmTrade final : public PositionBook::Observer {
   void AddPosition(const Record& position);
   void RemovePosition(const Record& position);
   // What an account that is no longer connected leaves behind.
-  void RemovePending(std::int32_t account, std::span<const Record> gone);
+  void RemovePending(std::span<const Record> gone);
   // Asks whether this one is to be closed, ticked or not, and closes no other.
   void close_one(const Row& row);
   // What these positions are in all, for the question whether to close them. One that is gone is not told.
@@ -91,9 +91,7 @@ class frmTrade final : public PositionBook::Observer {
     net_.floating_changed(position);
   }
   void removed(const Record& position) override { RemovePosition(position); }
-  void account_left(std::int32_t account, std::span<const Record> gone) override {
-    RemovePending(account, gone);
-  }
+  void account_left(std::int32_t, std::span<const Record> gone) override { RemovePending(gone); }
 
  private:
   void make_cells(Row& row);
