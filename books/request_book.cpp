@@ -26,6 +26,7 @@ SentOrder& RequestBook::add(const SentOrder& request) {
   sent.alive.push_back(&added);
   if (added.kind == RequestKind::open) sent.last_open = &added;
   if (added.kind == RequestKind::entry) sent.last_entry = &added;
+  if (of_entry_window(added.kind)) sent.last_of_entry_window = &added;
   return added;
 }
 
@@ -94,8 +95,16 @@ const SentOrder& RequestBook::last_new(Sender sender, RequestKind kind) const {
   return out == nullptr ? none : *out;
 }
 
+bool RequestBook::is_last(const SentOrder& request) const {
+  const Sent* sent = find_sent(request.sender);
+  if (request.kind == RequestKind::open) return sent->last_open == &request;
+  if (of_entry_window(request.kind)) return sent->last_of_entry_window == &request;
+  return last(request.sender, request.kind, request.number) == &request;
+}
+
 void RequestBook::settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome,
                          std::int64_t order, std::chrono::milliseconds now) {
+  if (outcome == SentOrder::Outcome::unknown && request.kind != RequestKind::requote) ++given_up_;
   request.outcome = outcome;
   if (result != ResultCode::none) request.result_code = result;
   // One that was given up, and is with the dealer after all, is waited for again.

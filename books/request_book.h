@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -65,6 +66,9 @@ class RequestBook {
   // The last market order (entry order) of a sender; its outcome is `none` when there is none.
   const SentOrder& last_new(Sender sender, RequestKind kind) const;
 
+  // No later request of the sender has taken its place in the window that it was sent from: market orders
+  // have one, what the entry order window sends another, closes and cancels one for each number.
+  bool is_last(const SentOrder& request) const;
   // What became of it. `order` is the number it is known by from now on, 0: as before.
   void settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome, std::int64_t order,
               std::chrono::milliseconds now);
@@ -75,6 +79,17 @@ class RequestBook {
 
   // Without a result; answers to requotes don't count, which end with the order they are for.
   int unanswered(Sender sender) const;
+  // How many nobody knows the outcome of, of those of a sender for which `counted` holds.
+  template <class Counted>
+  int unknown(Sender sender, Counted&& counted) const {
+    const Sent* sent = find_sent(sender);
+    if (sent == nullptr) return 0;
+    return static_cast<int>(std::count_if(sent->alive.begin(), sent->alive.end(), [&](const SentOrder* each) {
+      return each->outcome == SentOrder::Outcome::unknown && counted(*each);
+    }));
+  }
+  // How many became unknown since this was asked last; answers to requotes don't count.
+  int take_given_up() { return std::exchange(given_up_, 0); }
   // Those of a sender, oldest first.
   std::vector<SentOrder*> open(Sender sender) const;
   // Those without a word for longer than patience, oldest first.
@@ -91,6 +106,7 @@ class RequestBook {
     std::vector<SentOrder*> alive;  // without a result, or unknown; oldest first
     SentOrder* last_open = nullptr;
     SentOrder* last_entry = nullptr;
+    SentOrder* last_of_entry_window = nullptr;  // a new order, an update, or the stops of a position
     tsl::robin_map<Slot, SentOrder*, SlotHash> last;
     tsl::robin_set<std::string> executions;
   };
@@ -102,7 +118,8 @@ class RequestBook {
   // As many as there are when there is none.
   std::size_t place_of(RequestId id) const;
 
-  RecordBlocks<SentOrder> all_;    // ids ascend
+  RecordBlocks<SentOrder> all_;  // ids ascend
+  int given_up_ = 0;
   std::vector<Sent> sent_;         // by sender
   std::size_t looked_at_ = 0;      // those before it were looked at since they are due
   std::vector<SentOrder*> heard_;  // what the broker has said a word about, and may be without a result

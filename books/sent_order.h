@@ -19,6 +19,11 @@ enum class RequestKind : std::uint8_t {
   requote,  // the operator's answer to a new price
 };
 
+// What the entry order window sends.
+inline bool of_entry_window(RequestKind kind) {
+  return kind == RequestKind::entry || kind == RequestKind::update || kind == RequestKind::stops;
+}
+
 // Number of a session, given once and good for the whole run; 0 is none.
 using Sender = std::uint32_t;
 

@@ -1,5 +1,7 @@
 #include "orders/close_round.h"
 
+#include <algorithm>
+
 namespace tutti {
 namespace {
 
@@ -68,6 +70,9 @@ OrderAnswers CloseRound::answers() {
   });
   open.accepted = settled_.accepted;
   open.refused = settled_.refused;
+  const int unknown =
+      sessions_.unknown([](const SentOrder& each) { return each.kind == RequestKind::close; });
+  open.unknown_before = std::max(unknown - open.unknown, 0);
   return open;
 }
 

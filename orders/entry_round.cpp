@@ -42,7 +42,8 @@ void EntryRound::settled(const SentOrder& order, std::int32_t account) {
   const auto at = answers_.find(account);
   if (order.round == round_ && at != answers_.end()) at->second = answer_from(order.outcome);
   Row* row = rows_.find(account);
-  if (row == nullptr) return;
+  // The row tells of what was sent for it last.
+  if (row == nullptr || order.round != row->data<RowData>().round) return;
   // Of an update some refusals say nothing.
   if (order.kind == RequestKind::update && order.outcome == SentOrder::Outcome::refused &&
       result_texts::update_entry(order.result_code).empty())
@@ -52,8 +53,7 @@ void EntryRound::settled(const SentOrder& order, std::int32_t account) {
                  ? "unknown"
                  : CClientAPIManager::ResultDescription(order.result_code));
   auto& data = row->data<RowData>();
-  if (order.kind == RequestKind::stops && order.round == data.round)
-    data.stops_done = order.outcome == SentOrder::Outcome::accepted;
+  if (order.kind == RequestKind::stops) data.stops_done = order.outcome == SentOrder::Outcome::accepted;
 }
 
 void EntryRound::stops_carried_out(std::int32_t account) {
@@ -76,6 +76,8 @@ OrderAnswers EntryRound::answers() const {
   OrderAnswers out;
   for (const auto& [number, answer] : answers_)
     out.count(answer);
+  out.unknown_before = sessions_.unknown(
+      [this](const SentOrder& order) { return of_entry_window(order.kind) && order.round != round_; });
   return out;
 }
 

@@ -240,8 +240,13 @@ frmorder::Answer frmorder::answer_of(const Row& row) const {
 
 frmorder::Answers frmorder::answers() const {
   Answers out;
-  if (!sent_) return out;
-  Orders rest = sessions_.last_fan_out();
+  Orders rest = sent_ ? sessions_.last_fan_out() : Orders{};
+  // Ids ascend, and within the last round all come after the first.
+  RequestId first = std::numeric_limits<RequestId>::max();
+  for (const SentOrder* order : rest)
+    first = std::min(first, order->id);
+  out.unknown_before = sessions_.unknown(
+      [&](const SentOrder& order) { return order.kind == RequestKind::open && order.id < first; });
   while (!rest.empty()) {
     const Orders own = of_one_account(rest, rest.front()->account);
     rest = rest.subspan(own.size());

@@ -40,8 +40,9 @@ void OrderAnswers::count(OrderAnswer answer) {
 
 std::string OrderAnswers::text() const {
   std::string out;
-  for (const auto& [count, word] : {std::pair{accepted, " accepted"}, std::pair{refused, " refused"},
-                                    std::pair{waiting, " waiting"}, std::pair{unknown, " unknown"}}) {
+  for (const auto& [count, word] :
+       {std::pair{accepted, " accepted"}, std::pair{refused, " refused"}, std::pair{waiting, " waiting"},
+        std::pair{unknown, " unknown"}, std::pair{unknown_before, " unknown of earlier rounds"}}) {
     if (count > 0) out += (out.empty() ? "" : ", ") + std::to_string(count) + word;
   }
   return out;

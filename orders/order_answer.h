@@ -14,7 +14,7 @@ enum class OrderAnswer {
   waiting,
   accepted,
   refused,
-  unknown,  // the connection was lost before the result came
+  unknown,  // the connection was lost before the result came, or none came in time
 };
 
 OrderAnswer answer_from(SentOrder::Outcome outcome);
@@ -25,10 +25,12 @@ struct OrderAnswers {
   int refused = 0;
   int waiting = 0;
   int unknown = 0;
+  int unknown_before = 0;  // requests of earlier rounds
 
   // One account more; `none` and `left_out` are not counted.
   void count(OrderAnswer answer);
-  // "487 accepted, 9 refused, 4 waiting, 2 unknown", without the parts that are 0.
+  // "487 accepted, 9 refused, 4 waiting, 2 unknown, 1 unknown of earlier rounds", without the parts that are
+  // 0.
   std::string text() const;
 };
 

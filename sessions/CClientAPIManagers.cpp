@@ -168,6 +168,13 @@ std::span<const SentOrder* const> CClientAPIManagers::last_fan_out() {
   return fan_out_;
 }
 
+int CClientAPIManagers::unknown(const std::function<bool(const SentOrder&)>& counted) const {
+  int out = 0;
+  for (const auto& session : sessions_)
+    out += requests_.unknown(session->sender(), counted);
+  return out;
+}
+
 int CClientAPIManagers::unanswered() const {
   int out = 0;
   for (const auto& session : sessions_)
@@ -177,15 +184,12 @@ int CClientAPIManagers::unanswered() const {
 
 void CClientAPIManagers::look_at_the_clock() {
   requests_.make_room(sessions_.size());
-  std::vector<SentOrder*> overdue = requests_.overdue(general_.clock.elapsed());
-  std::size_t given_up = 0;
-  for (SentOrder* request : overdue) {
+  for (SentOrder* request : requests_.overdue(general_.clock.elapsed())) {
     const auto session = std::find_if(sessions_.begin(), sessions_.end(),
                                       [&](const auto& each) { return each->sender() == request->sender; });
-    if (session == sessions_.end()) continue;
-    (*session)->overdue(*request);
-    if (request->kind != RequestKind::requote) ++given_up;
+    if (session != sessions_.end()) (*session)->overdue(*request);
   }
+  const int given_up = requests_.take_given_up();
   if (given_up == 0) return;
   general_.queue_message(std::to_string(given_up) + (given_up == 1 ? " request has" : " requests have") +
                          " no answer: what became of " + (given_up == 1 ? "it" : "them") +

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -80,8 +81,10 @@ class CClientAPIManagers {
   const RequestBook& requests() const { return requests_; }
   // Requests of all sessions that are still to be answered.
   int unanswered() const;
-  // Gives up what no word came for in too long, journaled, with one message for all of it. To be called once
-  // a second, so that what falls due together is told together.
+  // Requests of all sessions that nobody knows the outcome of, of those for which `counted` holds.
+  int unknown(const std::function<bool(const SentOrder&)>& counted) const;
+  // Gives up what no word came for in too long, journaled. What was given up since, for that or with its
+  // connection, has one message. To be called once a second, so that what comes together is told together.
   void look_at_the_clock();
   // Reports the request code of a market order. `row_key` is the account's key in the accounts list.
   void Result(RequestCode code, std::int32_t account, RowKey row_key);

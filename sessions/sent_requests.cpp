@@ -84,9 +84,7 @@ bool SentRequests::settle(SentOrder* meant, ResultCode code, Outcome outcome, st
   // A word that comes again, or too late, changes nothing; what was given up it settles after all.
   if (meant == nullptr || (meant->settled() && meant->outcome != Outcome::unknown)) return false;
   book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
-  const bool of_entry_window = meant->kind == RequestKind::entry || meant->kind == RequestKind::update ||
-                               meant->kind == RequestKind::stops;
-  if (of_entry_window) scope_.desk.entry_order->request_settled(*meant, scope_.account);
+  if (of_entry_window(meant->kind)) scope_.desk.entry_order->request_settled(*meant, scope_.account);
   return true;
 }
 

@@ -41,6 +41,9 @@ class SentRequests {
   // The dealer has what is known by this number.
   void dealer_has(std::int64_t number);
 
+  // Nothing was sent since from the window that shows it: its row is this one's.
+  bool has_row(const SentOrder* meant) const { return meant != nullptr && book_.is_last(*meant); }
+
   // Those without a result, oldest first.
   std::vector<SentOrder*> open() const { return book_.open(sender_); }
 

@@ -41,7 +41,8 @@ PendingOrder in_dealing(const OrderReport& report, std::int32_t account, OrderKi
 bool SessionRequests::new_order(const OrderReport& report) {
   const bool done = report.result == result::succeeded;
   const bool dealing = done && report.state == order_state::pending;
-  const bool ours = sent_.settle(sent_.opening(report), report);
+  SentOrder* meant = sent_.opening(report);
+  const bool ours = sent_.settle(meant, report);
   if (ours && dealing)
     records_.list(in_dealing(report, scope_.account, OrderKind::open, scope_.general.clock.now()));
   const std::string line = dealing ? "Order " + std::to_string(report.number) + " in Pending mode"
@@ -49,7 +50,7 @@ bool SessionRequests::new_order(const OrderReport& report) {
                                    : std::string{result_texts::new_order(report.result)};
   if (line.empty()) return ours;
   scope_.log(line);
-  if (ours) {
+  if (ours && sent_.has_row(meant)) {
     scope_.desk.market_order->result(dealing ? "Order in Pending mode"
                                      : done  ? "Market Order Accepted"
                                              : std::string_view{line},
@@ -61,8 +62,8 @@ bool SessionRequests::new_order(const OrderReport& report) {
 
 bool SessionRequests::market_order_accepted(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
-  const bool ours = sent_.settle(close ? sent_.closing(report) : sent_.dealt(report), report,
-                                 ResultCode::none, Outcome::accepted);
+  SentOrder* meant = close ? sent_.closing(report) : sent_.dealt(report);
+  const bool ours = sent_.settle(meant, report, ResultCode::none, Outcome::accepted);
   sent_.end_requote(report.number);
   if (close) {
     scope_.log_order(report.number,
@@ -70,7 +71,8 @@ bool SessionRequests::market_order_accepted(const OrderReport& report) {
     if (ours) records_.refresh_position(report.number);
   } else {
     scope_.log_order(report.number, accepted_text(report));
-    if (ours) scope_.desk.market_order->result("Market Order Accepted", scope_.account);
+    if (ours && sent_.has_row(meant))
+      scope_.desk.market_order->result("Market Order Accepted", scope_.account);
   }
   scope_.desk.requote->order_accepted(report.number, scope_.account);
   return ours;
@@ -78,8 +80,8 @@ bool SessionRequests::market_order_accepted(const OrderReport& report) {
 
 bool SessionRequests::market_order_rejected(const OrderReport& report) {
   const bool close = report.request_kind == request_kind::close;
-  const bool ours = sent_.settle(close ? sent_.closing(report) : sent_.dealt(report), report,
-                                 close ? ResultCode::none : report.result, Outcome::refused);
+  SentOrder* meant = close ? sent_.closing(report) : sent_.dealt(report);
+  const bool ours = sent_.settle(meant, report, close ? ResultCode::none : report.result, Outcome::refused);
   sent_.end_requote(report.number);
   if (close) {
     constexpr std::string_view text = "Closing has been rejected";
@@ -87,7 +89,8 @@ bool SessionRequests::market_order_rejected(const OrderReport& report) {
     if (ours) scope_.desk.close_positions->result(report.number, scope_.account, text);
   } else {
     scope_.log_order(report.number, "Order " + std::to_string(report.number) + " has been rejected");
-    if (ours) scope_.desk.market_order->result("order has been rejected", scope_.account);
+    if (ours && sent_.has_row(meant))
+      scope_.desk.market_order->result("order has been rejected", scope_.account);
   }
   scope_.desk.requote->order_rejected(report.number, scope_.account);
   return ours;
@@ -123,13 +126,14 @@ void SessionRequests::tell_close(const OrderReport& report, bool ours) {
 }
 
 bool SessionRequests::new_entry(std::int64_t order, ResultCode code, RequestId id) {
-  const bool ours = sent_.settle(sent_.entry(order, code, id), code, SentOrder::outcome_of(code), order);
+  SentOrder* meant = sent_.entry(order, code, id);
+  const bool ours = sent_.settle(meant, code, SentOrder::outcome_of(code), order);
   const std::string_view text = result_texts::new_entry(code);
   if (code == result::all_managed) {
     scope_.log_order(order, "Order " + std::to_string(order) + " :All Lots Are Managed");
   } else if (!text.empty()) {
     scope_.log_order(order, code == result::bad_connection ? "Unable_Bad Connection" : text);
-    if (ours) scope_.desk.entry_order->result(text, scope_.account);
+    if (ours && sent_.has_row(meant)) scope_.desk.entry_order->result(text, scope_.account);
     if (ours && code == result::succeeded) records_.refresh_pending(order);
     if (code != result::position_pending)
       scope_.general.play_sound(code == result::succeeded ? order_ok : no_equity);
@@ -138,13 +142,14 @@ bool SessionRequests::new_entry(std::int64_t order, ResultCode code, RequestId i
 }
 
 bool SessionRequests::update_entry(std::int64_t order, ResultCode code, RequestId id) {
-  const bool ours = sent_.settle(sent_.change(RequestKind::update, order, id), code);
+  SentOrder* meant = sent_.change(RequestKind::update, order, id);
+  const bool ours = sent_.settle(meant, code);
   const std::string line = result_texts::update_entry_line(order, code);
   if (!line.empty()) scope_.log_order(order, line);
   if (!ours) return false;
   if (code == result::succeeded) {
     records_.refresh_pending(order);
-  } else if (!line.empty()) {
+  } else if (!line.empty() && sent_.has_row(meant)) {
     scope_.desk.entry_order->result(line, scope_.account);
   }
   return true;
@@ -219,7 +224,10 @@ void SessionRequests::give_up(SentOrder& request) {
 void SessionRequests::overdue(SentOrder& request) {
   give_up(request);
   constexpr std::string_view text = "unknown";
-  if (request.kind == RequestKind::open) scope_.desk.market_order->result(text, scope_.account);
+  if (request.kind == RequestKind::open && sent_.has_row(&request))
+    scope_.desk.market_order->result(text, scope_.account);
+  if (request.kind == RequestKind::cancel)
+    scope_.desk.pending->order_text(request.number, scope_.account, "The outcome of its cancel is unknown");
   if (request.kind == RequestKind::close)
     scope_.desk.close_positions->result(request.number, scope_.account, text);
 }

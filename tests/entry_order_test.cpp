@@ -243,7 +243,8 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   client.sink->NewLimitOrderResult(22, result::succeeded);
   EXPECT_EQ(session.unanswered(), 1);  // told twice, it settles no other
   client.sink->NewLimitOrderResult(21, result::not_enough_money);
-  EXPECT_EQ(desk.rows() + desk.answers(), "- Not Enough Money|1 accepted");
+  // Its row tells of the later order.
+  EXPECT_EQ(desk.rows() + desk.answers(), "- Succeeded|1 accepted");
   EXPECT_EQ(session.unanswered(), 0);
   // A refusal does not say which of several orders it is for.
   place("1.3");
@@ -256,7 +257,7 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   desk.clock.advance(30s);
   desk.main->poll_timers();
   EXPECT_EQ(session.unanswered(), 0);
-  EXPECT_EQ(desk.rows() + desk.answers(), "- unknown|1 unknown");
+  EXPECT_EQ(desk.rows() + desk.answers(), "- unknown|1 unknown, 1 unknown of earlier rounds");
 
   // An order that was executed while it was being cancelled: its number is the ticket's now.
   session.cancel_order(22, false);

@@ -103,17 +103,20 @@ TEST_F(Requests, AnAnswerSettlesTheRequestThatItNamesAndNoOther) {
 TEST_F(Requests, WithoutAWordForHalfAMinuteTheyAreUnknown) {
   const SentOrder& silent = buy(one);
   one.close_position(12, 0.5);
+  one.cancel_order(44, false);
   const SentOrder& dealt = buy(two);
   EXPECT_EQ(wait(29s), Heard{});
   answer(two, dealt.id, 30, order_state::pending);
   const Heard lines = wait(1s);
   const std::string tail =
       " was sent, but no result came: the outcome is unknown, check the positions of account 81";
-  EXPECT_EQ(lines,
-            sorted({"Alert: 2 requests have no answer: what became of them is unknown. Check the "
-                    "positions; the journal says of which accounts",
-                    "close 12: unknown", "market 81: unknown", "journal 81: Order BUY 0.5 EURUSD" + tail,
-                    "journal 81: The request for #12" + tail}));
+  EXPECT_EQ(
+      lines,
+      sorted({"Alert: 3 requests have no answer: what became of them is unknown. Check the "
+              "positions; the journal says of which accounts",
+              "close 12: unknown", "market 81: unknown", "journal 81: Order BUY 0.5 EURUSD" + tail,
+              "journal 81: The request for #12" + tail, "pending 44: The outcome of its cancel is unknown",
+              "journal 81: The request for #44" + tail}));
   EXPECT_EQ(rig.sessions.unanswered(), 1);
   EXPECT_EQ(wait(1s), Heard{});
   // A countdown is a word, too.
@@ -121,9 +124,16 @@ TEST_F(Requests, WithoutAWordForHalfAMinuteTheyAreUnknown) {
   EXPECT_EQ(wait(29s), Heard{});
   EXPECT_EQ(wait(1s).size(), 3U);
   EXPECT_EQ(dealt.outcome, Outcome::unknown);
-  // What comes late settles it after all, once.
+  // What comes late settles it after all, once. The row is a later order's by then.
+  const auto anything = [](const SentOrder&) { return true; };
+  EXPECT_EQ(rig.sessions.unknown(anything), 4);
+  const SentOrder& later = buy(one);
   answer(one, silent.id, 31);
   EXPECT_EQ(silent.outcome, Outcome::accepted);
+  EXPECT_EQ(heard, Heard{"journal 81: Order #31 [BUY 0.5 EURUSD] has been accepted"});
+  answer(one, later.id, 32);
+  EXPECT_EQ(std::count(heard.begin(), heard.end(), "market 81: Market Order Accepted"), 1);
+  EXPECT_EQ(rig.sessions.unknown(anything), 3);
   answer(two, dealt.id, 30, order_state::pending);
   EXPECT_EQ(dealt.outcome, Outcome::pending);
   EXPECT_EQ(wait().size(), 3U);
@@ -134,7 +144,9 @@ TEST_F(Requests, WithoutAWordForHalfAMinuteTheyAreUnknown) {
 TEST_F(Requests, LateAnswersFindWhatWasGivenUp) {
   const SentOrder& lost = buy(one);
   rig.during([&] { sink(one).ConnectionState(false); });
-  rig.clock.advance(5s);
+  const auto told = wait(5s);
+  EXPECT_EQ(told, Heard{"Alert: 1 request has no answer: what became of it is unknown. Check the positions; "
+                        "the journal says of which accounts"});
   answer(one, lost.id, 30, order_state::pending);
   EXPECT_EQ(wait(29s), Heard{});
   EXPECT_EQ(wait(1s).size(), 3U) << "told once";
