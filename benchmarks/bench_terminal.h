@@ -31,6 +31,7 @@ class BenchTerminal {
   CClientAPIManagers& sessions() { return sessions_; }
   // What every account's summary query answers from now on, unless its client is told otherwise.
   void set_values(const AccountSummary* values) { values_ = values; }
+  MGeneral& general() { return general_; }
   frmorder& order() { return order_; }
   frmMain& accounts() { return accounts_; }
   frmMdiNew& window() { return window_; }

@@ -19,10 +19,10 @@ std::string row_name(const CClientAPIManager& session) {
 bool CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account) {
   CClientAPIManager* session = sessions_.by_account(account);
   if (session == nullptr) return false;
-  const std::string position = "Unable to close position #" + std::to_string(ticket);
+  const auto position = [ticket] { return "Unable to close position #" + std::to_string(ticket); };
   if (!session->ClientAPIF().LoggedIn()) {
     if (const CClientAPIManager* other = sessions_.logged_in(account)) {
-      report(position + ", account " + std::to_string(account) + ": " + row_name(*session) +
+      report(position() + ", account " + std::to_string(account) + ": " + row_name(*session) +
                  " of the accounts list is not logged in, only " + row_name(*other) +
                  " is. Closes go by the first row of an account number: log that one in or remove "
                  "it, then close again",
@@ -32,10 +32,10 @@ bool CloseHelper::close(std::int64_t ticket, double amount, std::int32_t account
   }
   switch (session->close_position(ticket, amount).request_code) {
     case request::no_privilege:
-      report(position + ", account " + std::to_string(account) + " does not have privilege", account);
+      report(position() + ", account " + std::to_string(account) + " does not have privilege", account);
       break;
     case request::invalid_lots:
-      report(position + ", The amount: " + number_text(amount) + " is invalid", account);
+      report(position() + ", The amount: " + number_text(amount) + " is invalid", account);
       break;
     default:
       break;
