@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -53,7 +54,11 @@ class frmMain final : public AccountsDesk, public Displayable {
   // Saved lists.
   tl::expected<void, FileError> LoadAccounts();
   void savedListViw(std::string_view user, std::string_view password, std::int32_t account);
+  // Written by write_connected().
   void saveConnected(std::string_view user, std::string_view password, std::int32_t account);
+  // Takes those that have connected since into both lists, all in one go. While there are `more_to_come` it
+  // waits for them, but not for long.
+  void write_connected(bool more_to_come = false);
   void mnuload_Click();
   void mnusaveas_Click();
   bool loaded() const { return loaded_; }
@@ -146,6 +151,8 @@ class frmMain final : public AccountsDesk, public Displayable {
   CClientAPIManagers& sessions_;
   SavedLists lists_;
   frmaccount account_dialog_{general_, desk_, options_, sessions_};
+  std::vector<SavedLists::Record> connected_meanwhile_;
+  std::chrono::milliseconds connected_written_{0};  // on the clock's elapsed time
   OrderWindow* order_window_ = nullptr;
   std::string edited_notes_;  // duplicate key of the row whose notes are in the editor
   bool loaded_ = false;

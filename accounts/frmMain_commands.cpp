@@ -1,6 +1,7 @@
 // What the operator does in the accounts list: log in and out, edit, remove, save and load.
 
 #include <algorithm>
+#include <utility>
 
 #include "accounts/frmMain.h"
 #include "core/texts.h"
@@ -30,26 +31,38 @@ tl::expected<void, FileError> frmMain::LoadAccounts() {
 
 void frmMain::savedListViw(std::string_view user, std::string_view password, std::int32_t account) {
   if (!ValidateData(user, password, std::to_string(account))) return;
-  report(lists_.append(lists_.all(), {std::string{user}, password, account}), account);
+  const SavedLists::Record record{std::string{user}, password, account};
+  report(lists_.append(lists_.all(), {&record, 1}), account);
 }
 
 void frmMain::saveConnected(std::string_view user, std::string_view password, std::int32_t account) {
   if (!ValidateData(user, password, std::to_string(account))) return;
-  report(lists_.append(lists_.connected(), {std::string{user}, password, account}), account);
+  connected_meanwhile_.push_back({std::string{user}, password, account});
 }
 
 void frmMain::record_connected(const CClientAPIManager& session) {
-  report(lists_.update(lists_.all(), {session.user(), session.password().copy(), session.account()}),
-         session.account());
   saveConnected(session.user(), session.password().reveal(), session.account());
 }
 
+void frmMain::write_connected(bool more_to_come) {
+  constexpr std::chrono::milliseconds longest{250};
+  const auto now = general_.clock.elapsed();
+  if (connected_meanwhile_.empty() || (more_to_come && now < connected_written_ + longest)) return;
+  connected_written_ = now;
+  const auto records = std::exchange(connected_meanwhile_, {});
+  const std::int32_t whose = records.size() == 1 ? records[0].account : no_account;
+  report(lists_.update(lists_.all(), records), whose);
+  report(lists_.append(lists_.connected(), records), whose);
+}
+
 void frmMain::replace_account(std::string_view key, const CClientAPIManager& session) {
+  write_connected();
   report(lists_.replace(key, {session.user(), session.password().copy(), session.account()}),
          session.account());
 }
 
 void frmMain::forget(const std::vector<std::string>& keys) {
+  write_connected();
   report(lists_.forget(keys), no_account);
   report(options_.records().remove(keys), no_account);
 }
@@ -58,6 +71,7 @@ void frmMain::mnuload_Click() {
   const std::string chosen =
       CommonDialog1.open_file("Load File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*");
   if (chosen.empty()) return;
+  write_connected();
   if (const auto taken = lists_.load(chosen); !taken) {
     return Message("The list was not loaded, nothing is changed: " + taken.error().text());
   }
@@ -72,6 +86,7 @@ void frmMain::mnusaveas_Click() {
   const std::string chosen =
       CommonDialog1.save_file("Save File", "C:\\", "Text Files (*.buf)|*.buf|All Files (*.*)|*.*", "");
   if (chosen.empty()) return;
+  write_connected();
   const auto copied = general_.files.copy(lists_.connected(), chosen);
   if (!copied) Message("The list of connected accounts was not saved: " + copied.error().text());
 }

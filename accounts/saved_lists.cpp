@@ -1,7 +1,12 @@
 #include "accounts/saved_lists.h"
 
 #include <algorithm>
+#include <deque>
 #include <optional>
+#include <utility>
+
+#include <tsl/robin_map.h>
+#include <tsl/robin_set.h>
 
 #include "core/numbers.h"
 #include "core/texts.h"
@@ -86,29 +91,42 @@ tl::expected<void, FileError> SavedLists::load(std::string_view chosen) const {
   return before->empty() ? forget_old() : tl::expected<void, FileError>{};
 }
 
-tl::expected<void, FileError> SavedLists::append(const std::string& list, const Record& record) const {
-  if (record.user.empty() || record.password.empty()) return {};
-  const auto text = files_.content(list);
-  if (!text) return tl::unexpected(text.error());
-  const auto lines = TextFile::lines_of(text->reveal());
-  const Secret line = line_of(record);
-  if (std::find(lines.begin(), lines.end(), line.reveal()) != lines.end()) return {};
-  return append_line(list, line.reveal());
-}
-
-tl::expected<void, FileError> SavedLists::update(const std::string& list, const Record& record) const {
-  if (record.user.empty() || record.password.empty()) return {};
+tl::expected<void, FileError> SavedLists::add(const std::string& list, std::span<const Record> records,
+                                              bool by_key) const {
   const auto text = files_.content(list);
   if (!text) return tl::unexpected(text.error());
   auto lines = TextFile::lines_of(text->reveal());
-  const Secret line = line_of(record);
-  if (std::find(lines.begin(), lines.end(), line.reveal()) != lines.end()) return {};
-  const std::string key = account_key(record.user, record.account);
-  const auto at =
-      std::find_if(lines.begin(), lines.end(), [&](std::string_view other) { return key_of(other) == key; });
-  if (at == lines.end()) return append_line(list, line.reveal());
-  *at = line.reveal();
-  return write_lines(list, lines);
+  const std::size_t before = lines.size();
+  tsl::robin_set<std::string_view> there(lines.begin(), lines.end());
+  tsl::robin_map<std::string, std::size_t> place_of;  // by key, of the first line that has it
+  for (std::size_t place = 0; by_key && place < lines.size(); ++place)
+    place_of.emplace(key_of(lines[place]), place);
+  std::deque<Secret> added;  // they stay where they are
+  bool changed = false;
+  for (const Record& record : records) {
+    if (record.user.empty() || record.password.empty()) continue;
+    const std::string_view line = added.emplace_back(line_of(record)).reveal();
+    if (!there.insert(line).second) continue;
+    const auto [at, is_new] = by_key
+                                  ? place_of.emplace(account_key(record.user, record.account), lines.size())
+                                  : std::pair{place_of.end(), true};
+    if (is_new) {
+      lines.push_back(line);
+    } else {
+      lines[at->second] = line;
+      changed = changed || at->second < before;
+    }
+  }
+  if (changed) return write_lines(list, lines);
+  if (lines.size() == before) return {};
+  std::vector<std::string_view> pieces;
+  for (std::size_t place = before; place < lines.size(); ++place) {
+    if (place > before) pieces.emplace_back("\n");
+    pieces.push_back(lines[place]);
+  }
+  const auto written = files_.write_line(list, Secret::joined(pieces).reveal(), TextFile::Mode::append);
+  if (written) files_.keep_private(list);
+  return written;
 }
 
 tl::expected<void, FileError> SavedLists::replace(std::string_view key, const Record& record) const {
@@ -122,7 +140,7 @@ tl::expected<void, FileError> SavedLists::replace(std::string_view key, const Re
                                  [&](std::string_view other) { return key_of(other) == key; });
     if (at == lines.end()) {
       if (list != &all_) continue;
-      if (auto added = update(all_, record); !added) return added;
+      if (auto added = update(all_, {&record, 1}); !added) return added;
       continue;
     }
     *at = line.reveal();
@@ -149,12 +167,6 @@ tl::expected<void, FileError> SavedLists::forget(const std::vector<std::string>&
     if (auto written = write_lines(*list, lines); !written) return written;
   }
   return {};
-}
-
-tl::expected<void, FileError> SavedLists::append_line(const std::string& list, std::string_view line) const {
-  const auto written = files_.write_line(list, line, TextFile::Mode::append);
-  if (written) files_.keep_private(list);
-  return written;
 }
 
 tl::expected<void, FileError> SavedLists::write_lines(const std::string& list,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,10 +44,14 @@ class SavedLists {
   tl::expected<void, FileError> load(std::string_view chosen) const;
   // Takes away what load() kept.
   tl::expected<void, FileError> forget_old() const { return files_.remove(old_list()); }
-  // Appends unless an equal line is there; nothing is written when a field is empty.
-  tl::expected<void, FileError> append(const std::string& list, const Record& record) const;
-  // Puts the record in the place of the line with its key, or at the end.
-  tl::expected<void, FileError> update(const std::string& list, const Record& record) const;
+  // Appends those whose line is not there yet, in one go; one with an empty field is left out.
+  tl::expected<void, FileError> append(const std::string& list, std::span<const Record> records) const {
+    return add(list, records, false);
+  }
+  // Puts each in the place of the line with its key, or at the end.
+  tl::expected<void, FileError> update(const std::string& list, std::span<const Record> records) const {
+    return add(list, records, true);
+  }
   // Puts the record in the place of another account's line, in both lists; the full list gets it in any case.
   tl::expected<void, FileError> replace(std::string_view key, const Record& record) const;
   // Takes the lines of these account keys out of both lists.
@@ -54,7 +59,8 @@ class SavedLists {
 
  private:
   std::string old_list() const { return all_ + ".old"; }
-  tl::expected<void, FileError> append_line(const std::string& list, std::string_view line) const;
+  tl::expected<void, FileError> add(const std::string& list, std::span<const Record> records,
+                                    bool by_key) const;
   tl::expected<void, FileError> write_lines(const std::string& list,
                                             const std::vector<std::string_view>& lines) const;
 

@@ -19,7 +19,10 @@ class Descriptor {
   explicit Descriptor(int fd) : fd_(fd) {}
   ~Descriptor() { close(); }
   Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  Descriptor& operator=(Descriptor&&) = delete;
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(fd_, other.fd_);
+    return *this;
+  }
 
   // Opens a file for reading; what is no regular file is refused, and waits for nobody.
   static tl::expected<Descriptor, FileError> open_to_read(const std::filesystem::path& file);

@@ -8,6 +8,7 @@
 #include <optional>
 #include <utility>
 
+#include "core/appended_file.h"
 #include "core/descriptor.h"
 
 namespace tutti {
@@ -34,24 +35,6 @@ tl::expected<mode_t, FileError> mode_after(const fs::path& file) {
   }
   if (!S_ISREG(status.st_mode)) return tl::unexpected(no_regular_file(file));
   return status.st_mode & private_folder;
-}
-
-// Opens a file for appending. A new one is the operator's whatever the mask of the process.
-Descriptor open_to_append(const fs::path& file) {
-  constexpr int how = O_RDWR | O_APPEND | O_CLOEXEC | O_NONBLOCK;
-  for (;;) {
-    const int there = ::open(file.c_str(), how);
-    if (there >= 0 || errno != ENOENT) return Descriptor{there};
-    const int made = ::open(file.c_str(), how | O_CREAT | O_EXCL, private_file);
-    if (made >= 0) (void)::fchmod(made, private_file);
-    if (made >= 0 || errno != EEXIST) return Descriptor{made};
-  }
-}
-
-// True when what is appended would go on with the last line of a file of `size` bytes.
-bool ends_within_a_line(const Descriptor& file, off_t size) {
-  char last = '\n';
-  return size > 0 && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
 }
 
 }  // namespace
@@ -95,21 +78,9 @@ tl::expected<void, FileError> replace_file(const fs::path& file, std::string_vie
 }
 
 tl::expected<void, FileError> append_file(const fs::path& file, std::string_view content) {
-  if (auto made = make_private_folder(file.parent_path()); !made) return made;
-  Descriptor out = open_to_append(file);
-  struct stat before {};
-  if (!out.open() || ::fstat(out.get(), &before) != 0) return tl::unexpected(system_failure(file, errno));
-  if (!S_ISREG(before.st_mode)) return tl::unexpected(no_regular_file(file));
-  const bool written = ends_within_a_line(out, before.st_size)
-                           ? out.write(Secret::joined({"\n", content}).reveal())
-                           : out.write(content);
-  if (!written) {
-    const int code = errno;
-    (void)!::ftruncate(out.get(), before.st_size);
-    return tl::unexpected(system_failure(file, code));
-  }
-  if (!out.close()) return tl::unexpected(system_failure(file, errno));
-  return {};
+  auto out = AppendedFile::open(file);
+  if (!out) return tl::unexpected(out.error());
+  return out->append(content).and_then([&] { return out->close(); });
 }
 
 tl::expected<bool, FileError> file_exists(const fs::path& file) {

@@ -22,8 +22,7 @@ inline constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 // replaced one keeps its mode without the rights of others. Missing folders are made with mode 0700.
 tl::expected<void, FileError> replace_file(const std::filesystem::path& file, std::string_view content);
 
-// Appends lines in one write; the file is made with mode 0600 when it is missing. A last line without an end,
-// as a crash or an editor leaves it, is ended first. What can't be written whole is taken back.
+// Appends lines as AppendedFile does, and closes the file.
 tl::expected<void, FileError> append_file(const std::filesystem::path& file, std::string_view content);
 
 // Makes a folder and those above it that are missing, each with mode 0700 whatever the mask of the process.

@@ -13,11 +13,6 @@ namespace {
 
 constexpr std::size_t first_room = 64u << 10;  // bytes
 
-std::string_view without_return(std::string_view line) {
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
-}
-
 }  // namespace
 
 tl::expected<void, FileError> read_lines(const std::filesystem::path& file,

@@ -16,4 +16,10 @@ namespace tutti {
 tl::expected<void, FileError> read_lines(const std::filesystem::path& file,
                                          const std::function<void(std::string_view line)>& take);
 
+// A line without the carriage return that stands before its end in files of other systems.
+inline std::string_view without_return(std::string_view line) {
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
 }  // namespace tutti

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/line_reader.h"
 #include "core/texts.h"
 
 namespace tutti {
@@ -26,7 +27,7 @@ tl::expected<Secret, FileError> TextFile::read(std::string_view name) const {
 std::vector<std::string_view> TextFile::lines_of(std::string_view content) {
   auto lines = split(content, "\n");
   for (std::string_view& line : lines)
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    line = without_return(line);
   // What stands behind the last line end is a line only when it holds something.
   if (lines.back().empty()) lines.pop_back();
   return lines;

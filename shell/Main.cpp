@@ -30,6 +30,9 @@ Main::Main(std::filesystem::path application_folder, const MachinePorts& ports, 
 Main::~Main() {
   // Sessions write into the windows while they end, so they go while every window still stands.
   sessions_.Clear();
+  accounts_.write_connected();
+  journal_.flush();
+  journal_.on_incomplete = {};
 }
 
 tl::expected<void, FileError> Main::run() {
@@ -87,8 +90,15 @@ void Main::connect_closing() {
   net_matrix_.close = take;
 }
 
+std::size_t Main::deliver_events(std::size_t limit) {
+  const std::size_t delivered = pump_.deliver(limit);
+  accounts_.write_connected(delivered == limit);
+  return delivered;
+}
+
 void Main::poll_timers(bool events_wait) {
   if (!events_wait) accounts_.m_oTimer.poll(ports_.clock.now());
+  journal_.flush();
   if (window_.stamp() == totals_shown_) return;
   totals_shown_ = window_.stamp();
   trade_.lbmSummaries.set_text(window_.totals_pane());

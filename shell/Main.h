@@ -77,9 +77,7 @@ class Main {
   Main& operator=(const Main&) = delete;
 
   // Delivers waiting events, up to `limit`, and answers how many; to be called whenever the thread is free.
-  std::size_t deliver_events(std::size_t limit = std::numeric_limits<std::size_t>::max()) {
-    return pump_.deliver(limit);
-  }
+  std::size_t deliver_events(std::size_t limit = std::numeric_limits<std::size_t>::max());
   // Runs the timers that are due; to be called as often. While events wait nobody is silent yet.
   void poll_timers(bool events_wait = false);
 

@@ -9,8 +9,17 @@
 namespace tutti {
 
 namespace {
+
 constexpr std::string_view separator = "*,%$";
+
+void take_apart(std::string_view line, const CJournal::Take& take) {
+  const auto end = line.find(separator);
+  if (end == std::string_view::npos) return take(line, "");
+  const std::string_view rest = line.substr(end + separator.size());
+  take(line.substr(0, end), rest.substr(0, rest.find(separator)));
 }
+
+}  // namespace
 
 CJournal::CJournal(const Paths& paths, const Clock& clock, frmJournal& window)
     : paths_(paths), clock_(clock), window_(window), files_(paths) {}
@@ -46,7 +55,11 @@ void CJournal::append(std::string_view time, std::string_view message, std::int3
   std::replace(line.begin(), line.end(), '\n', ' ');
   for (auto at = line.find(separator, behind_time); at != std::string::npos; at = line.find(separator, at))
     line.insert(at + 2, 1, ' ');
-  const auto written = files_.write_line(history_file(id), line, TextFile::Mode::append);
+  files_.add(id, line);
+}
+
+void CJournal::flush() {
+  const auto written = files_.flush();
   if (written || std::exchange(incomplete_, true)) return;
   // The rows on the screen are what remains.
   const std::string text =
@@ -54,22 +67,20 @@ void CJournal::append(std::string_view time, std::string_view message, std::int3
   if (on_incomplete) on_incomplete(text);
 }
 
-tl::expected<void, FileError> CJournal::read(std::int32_t id, const Take& take) const {
+tl::expected<void, FileError> CJournal::read(std::int32_t id, const Take& take) {
+  flush();
   const std::string name = FileName(id);
-  const auto there = files_.exists(name);
+  const auto there = TextFile{paths_}.exists(name);
   if (!there) return tl::unexpected(there.error());
   if (!*there) return {};
   return read_lines(paths_.file(name), [&take](std::string_view line) {
-    if (line.empty()) return;
-    const auto end = line.find(separator);
-    if (end == std::string_view::npos) return take(line, "");
-    const std::string_view rest = line.substr(end + separator.size());
-    take(line.substr(0, end), rest.substr(0, rest.find(separator)));
+    if (!line.empty()) take_apart(line, take);
   });
 }
 
 void CJournal::vID(std::int32_t id) {
   id_ = id;
+  older_.reset();
   if (id == no_account) {
     window_.restore_live();
   } else {
@@ -80,23 +91,42 @@ void CJournal::vID(std::int32_t id) {
 
 void CJournal::reload() {
   ClearList();
-  const auto all = read(
-      id_, [this](std::string_view time, std::string_view message) { addToListView(time, message, id_); });
-  if (!all) addToListView(now_text(clock_), "The history can't be read: " + all.error().text(), id_);
+  flush();
+  const std::string name = FileName(id_);
+  const auto there = TextFile{paths_}.exists(name);
+  if (there && !*there) return;
+  auto file = there ? LinesFromEnd::open(paths_.file(name)) : tl::unexpected(there.error());
+  if (!file) {
+    return addToListView(now_text(clock_), "The history can't be read: " + file.error().text(), id_);
+  }
+  older_ = std::move(*file);
+  show_older();
+}
+
+void CJournal::show_older(std::size_t bytes) {
+  if (!has_older()) return;
+  const auto add = [this](std::string_view time, std::string_view message) {
+    Row& row = *window_.lvwJournal.add();
+    row.set_text(0, time);
+    row.set_text(2, message);
+  };
+  const auto read = older_->read(bytes, [&](std::string_view line) {
+    if (!line.empty()) take_apart(line, add);
+  });
+  if (read) return;
+  add(now_text(clock_), "What is older can't be read: " + read.error().text());
+  older_.reset();
+}
+
+void CJournal::show_all() {
+  while (has_older())
+    show_older(page);
 }
 
 void CJournal::ClearFile() {
-  (void)files_.remove(FileName(id_));
+  (void)files_.remove(id_);
+  older_.reset();
   ClearList();
-}
-
-std::string CJournal::FileName(std::int32_t id) const {
-  return history_file(id == -1 ? id_ : id);
-}
-
-// Lines that belong to no account have a file of their own, whatever is on show.
-std::string CJournal::history_file(std::int32_t id) const {
-  return paths_.full("\\History\\JN" + std::to_string(id) + ".his");
 }
 
 }  // namespace tutti

@@ -25,6 +25,7 @@ void frmJournal::Add(std::string_view message, std::int32_t account, std::string
     addToListView(time, account, message);
   } else {
     arrived_meanwhile_.push_back({time, account, std::string{message}});
+    if (arrived_meanwhile_.size() > most_live) arrived_meanwhile_.pop_front();
   }
 }
 
@@ -33,6 +34,12 @@ void frmJournal::addToListView(std::string_view time, std::int32_t account, std:
   row.set_text(0, time);
   if (account != no_account) row.set_number(1, account);
   row.set_text(2, message);
+  // The oldest entry makes way, and its row says so; the row that said so before goes.
+  const auto last = [this]() -> Row& { return lvwJournal.row(lvwJournal.size() - 1); };
+  if (lvwJournal.size() > most_live + 1) lvwJournal.remove(last());
+  if (lvwJournal.size() <= most_live) return;
+  last().clear_cells(0, 1);
+  last().set_text(2, older_text);
 }
 
 void frmJournal::set_live_aside() {

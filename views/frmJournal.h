@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "core/clock.h"
 #include "core/row_list.h"
@@ -15,6 +14,10 @@ namespace tutti {
 // Journal window: the list of what happened, newest first.
 class frmJournal {
  public:
+  // So many live entries are kept. A last row says so once there were more.
+  static constexpr std::size_t most_live = 10'000;
+  static constexpr std::string_view older_text = "Older lines are in the history of each account";
+
   explicit frmJournal(const Clock& clock);
 
   RowList lvwJournal{{"Time", "Account", "Message"}};
@@ -46,7 +49,7 @@ class frmJournal {
   std::uint16_t entries_ = 0;
   bool live_ = true;
   std::deque<Row::Owner> aside_;
-  std::vector<Entry> arrived_meanwhile_;  // oldest first
+  std::deque<Entry> arrived_meanwhile_;  // oldest first
 };
 
 }  // namespace tutti

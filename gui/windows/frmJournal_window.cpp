@@ -205,6 +205,17 @@ void FrmJournalWindow::go_to(const Place& place) {
   list_->verticalScrollBar()->setValue(at <= 0 ? 0 : at * theme::row_height - place.below_top);
 }
 
+// What is found or sorted is all of a history; what is only read comes as the operator scrolls down.
+void FrmJournalWindow::bring_older() {
+  if (!journal_.has_older()) return;
+  const RowListModel& rows = list_->rows();
+  const QScrollBar& bar = *list_->verticalScrollBar();
+  const bool whole = rows.filtered() || rows.sort_column() >= 0;
+  if (!whole && bar.value() + 2 * bar.pageStep() < bar.maximum()) return;
+  journal_.show_older();
+  screen_.stir();
+}
+
 void FrmJournalWindow::refresh() {
   if (journal_.vID() != shown_id_) {
     shown_id_ = journal_.vID();
@@ -215,12 +226,14 @@ void FrmJournalWindow::refresh() {
   if (state_->text() != state) state_->setText(state);
   if (live_->isHidden() != live) live_->setHidden(live);
   account_->setPlaceholderText(live ? QStringLiteral("Account") : QStringLiteral("Other account"));
+  bring_older();
   const auto shown = static_cast<std::size_t>(list_->rows().rowCount());
   const QString entries =
       list_->rows().filtered()
           ? QStringLiteral("%1 of %2 entries").arg(grouped(shown), grouped(form_.lvwJournal.size()))
-      : shown == 1 ? QStringLiteral("1 entry")
-                   : QStringLiteral("%1 entries").arg(grouped(shown));
+      : journal_.has_older() ? QStringLiteral("%1 newest entries").arg(grouped(shown))
+      : shown == 1           ? QStringLiteral("1 entry")
+                             : QStringLiteral("%1 entries").arg(grouped(shown));
   history_->setEnabled(!account_->text().isEmpty());
   if (count_->text() != entries) count_->setText(entries);
 }

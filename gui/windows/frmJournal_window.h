@@ -50,6 +50,7 @@ class FrmJournalWindow final : public QWidget {
   void keep_reading(int first, int last);
   Place reading() const;
   void go_to(const Place& place);
+  void bring_older();
   void refresh();
 
   frmJournal& form_;

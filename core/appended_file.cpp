@@ -1,0 +1,71 @@
+#include "core/appended_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "core/file_writer.h"
+#include "core/secret.h"
+
+namespace tutti {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A new one is the operator's whatever the mask of the process.
+int open_to_append(const fs::path& file) {
+  constexpr int how = O_RDWR | O_APPEND | O_CLOEXEC | O_NONBLOCK;
+  constexpr mode_t private_file = 0600;
+  for (;;) {
+    const int there = ::open(file.c_str(), how);
+    if (there >= 0 || errno != ENOENT) return there;
+    const int made = ::open(file.c_str(), how | O_CREAT | O_EXCL, private_file);
+    if (made >= 0) (void)::fchmod(made, private_file);
+    if (made >= 0 || errno != EEXIST) return made;
+  }
+}
+
+// True when what is appended would go on with the last line of a file of `size` bytes.
+bool ends_within_a_line(const Descriptor& file, off_t size) {
+  char last = '\n';
+  return size > 0 && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
+}
+
+}  // namespace
+
+tl::expected<AppendedFile, FileError> AppendedFile::open(const fs::path& file) {
+  int fd = open_to_append(file);
+  if (fd < 0 && errno == ENOENT) {
+    if (auto made = make_private_folder(file.parent_path()); !made) return tl::unexpected(made.error());
+    fd = open_to_append(file);
+  }
+  if (fd < 0) return tl::unexpected(system_failure(file, errno));
+  return AppendedFile{file, Descriptor{fd}};
+}
+
+tl::expected<void, FileError> AppendedFile::append(std::string_view lines) {
+  struct stat before {};
+  if (::fstat(out_.get(), &before) != 0) return tl::unexpected(system_failure(file_, errno));
+  if (!S_ISREG(before.st_mode)) return tl::unexpected(no_regular_file(file_));
+  if (before.st_nlink == 0) {
+    auto again = open(file_);
+    return again ? (*this = std::move(*again)).append(lines) : tl::unexpected(again.error());
+  }
+  const bool end_first = !line_ended_ && ends_within_a_line(out_, before.st_size);
+  if (end_first ? out_.write(Secret::joined({"\n", lines}).reveal()) : out_.write(lines)) {
+    line_ended_ = true;
+    return {};
+  }
+  const int code = errno;
+  (void)!::ftruncate(out_.get(), before.st_size);
+  return tl::unexpected(system_failure(file_, code));
+}
+
+tl::expected<void, FileError> AppendedFile::close() {
+  if (!out_.close()) return tl::unexpected(system_failure(file_, errno));
+  return {};
+}
+
+}  // namespace tutti
