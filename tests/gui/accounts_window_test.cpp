@@ -36,15 +36,6 @@ struct AccountsWindowTest : ::testing::Test {
   RowListView& view = window.list();
 };
 
-TEST_F(AccountsWindowTest, MoneyBelowZeroHasItsColourAndNoOtherText) {
-  Row& row = form.lvwClients.row(0);
-  for (const std::size_t column : {frmMain::balance, frmMain::floating, frmMain::free_margin}) {
-    row.set_number(column, -12345.5, NumberFormat::summary);
-    EXPECT_EQ(view.delegate().painted(row, column).text, "-12345.5");
-    EXPECT_EQ(view.delegate().painted(row, column).colour, QColor{theme::loss});
-  }
-}
-
 TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
   FrmaccountWindow& dialog = desktop.window.account_dialog();
   form.mnuclear_Click();

@@ -4,7 +4,6 @@
 
 #include "gui/kit/desktop_prompt.h"
 #include "gui/kit/elided_label.h"
-#include "gui/kit/theme.h"
 #include "gui/list/list_text.h"
 #include "gui/windows/frmClosePos_window.h"
 #include "tests/gui/gui_rig.h"
@@ -255,9 +254,6 @@ TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
   for (FaultConfig& each : faults)
     each.times = 2;
   ClosingRig rig{faults};
-  const auto ink = [&rig](int place) {
-    return rig.list.delegate().ink(*rig.list.rows().row_at(place), frmClosePos::action);
-  };
   QTest::mouseClick(&rig.find("chkAllClients"), Qt::LeftButton, {}, {8, 8});
   rig.find("LblCheck").setFocus();
   rig.key(Qt::Key_Return);
@@ -270,7 +266,6 @@ TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
   EXPECT_EQ(rig.painted(at_once, action), "No Privilege");
   const int waits = at_once == 1 ? 4 : 1;
   EXPECT_EQ(rig.painted(waits, action), "Waiting.....");
-  EXPECT_EQ(ink(waits), QColor{theme::amber});
 
   rig.run(1s);
   EXPECT_EQ(rig.line("answers_line"), "4 accepted, 4 refused");
@@ -281,8 +276,6 @@ TEST(ClosePositionsWindow, WhyAPositionIsStillThereStaysInSight) {
   EXPECT_NE(list_csv(rig.list).find(",Close At 1.0902  -  Trading is closed\n"), std::string::npos);
   EXPECT_EQ(rig.painted(5 - late, action), "Close At 1.0902  -  No Privilege");
   EXPECT_EQ(rig.list.delegate().tip(*rig.list.rows().row_at(late), 3), "Trading is closed");
-  for (const int place : {1, 2, 4, 5})
-    EXPECT_EQ(ink(place), theme::colour(Ink::red));
 
   // They are marked still.
   rig.window.close_marked();
@@ -319,18 +312,6 @@ TEST(ClosePositionsWindow, FromSymbolToSymbol) {
   rig.screen.acted();
   const QRect marked = rig.list.visualRect(rig.list.model()->index(last + 1, 0));
   EXPECT_TRUE(rig.list.viewport()->rect().contains(marked));
-}
-
-TEST(ClosePositionsWindow, TheCountIsWholeBesideTheNextSymbol) {
-  ClosingRig rig;
-  rig.form.take({{"EURUSD", {first, first + 1, first + 2, first + 3}}, {"GBPUSD", {first}}});
-  for (const int width : {1300, 1000, 800, 640, 480}) {
-    show(rig.window, {width, 500});
-    rig.run(0ms);
-    EXPECT_LE(rig.window.minimumSizeHint().width(), width);
-    EXPECT_EQ(rig.counted(), "8 of 8 marked, 4 lots");
-    EXPECT_EQ(rig.find("marked_count").toolTip(), QString{}) << width;
-  }
 }
 
 TEST(ClosePositionsWindow, MarkedOnlyHidesWhatTakesNoPart) {

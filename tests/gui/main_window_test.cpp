@@ -3,7 +3,6 @@
 #include <QClipboard>
 #include <QFile>
 #include <QListWidget>
-#include <QScreen>
 
 #include "core/numbers.h"
 #include "gui/kit/elided_label.h"
@@ -62,17 +61,6 @@ TEST_F(DesktopTest, NoHarmlessKeyIsNextToOneThatSendsClosesOrLogsOut) {
   for (const char* name : {"buy", "sell", "submit_entry", "close_selected", "cancel_selected", "close_marked",
                            "accept_requote", "disconnect", "logout_all", "remove_all", "quit"})
     EXPECT_TRUE(grave.contains(QString::fromLatin1(name))) << name;
-}
-
-TEST_F(DesktopTest, QuestionsStandInTheMiddleOfTheScreen) {
-  QPoint middle;
-  when_modal([&](QWidget& box) {
-    middle = box.frameGeometry().center();
-    QTest::keyClick(&box, Qt::Key_Escape);
-  });
-  window->move(-500, 300);
-  rig.main().sure().GeneralQuestionMsg("Logout All");
-  EXPECT_LE((middle - window->screen()->availableGeometry().center()).manhattanLength(), 8);
 }
 
 TEST_F(DesktopTest, TheMainJobByKeyboardAlone) {
