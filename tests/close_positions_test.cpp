@@ -28,25 +28,8 @@ struct Closing : ScriptedTerminal {
     form().refresh_symbols();
   }
   frmClosePos& form() { return main->close_positions(); }
-  void open(std::int32_t account, std::int64_t ticket, Operation side = operation::buy,
-            const char* symbol = "EURUSD", double amount = 0.5) {
-    const OpenPosition position{.ticket = ticket,
-                                .account = account,
-                                .side = side,
-                                .symbol = symbol,
-                                .amount = amount,
-                                .open_price = 1.084};
-    client(account).positions.push_back(position);
-    client(account).sink->NewOpenPosition(position);
-  }
   void close(std::int32_t account, std::int64_t ticket) {
     client(account).sink->DeleteOpenPosition({.ticket = ticket, .account = account, .symbol = ""});
-  }
-  void price(std::int32_t account, double bid, double ask) {
-    Symbol symbol = client(account).symbols.front();
-    symbol.bid = bid;
-    symbol.ask = ask;
-    client(account).sink->SymbolPricesChanged(symbol);
   }
   // Of the first account that has the ticket.
   Row* at(std::int64_t ticket) {
@@ -66,9 +49,9 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   frmClosePos& form = desk.form();
   EXPECT_EQ(form.CloseSymbols.items(), (Texts{"EURUSD", "GBPUSD"}));
   desk.open(2, 21);
-  desk.open(1, 9'007'199'254'740'993, operation::sell);
-  desk.open(2, 22, operation::sell);
-  desk.open(1, 12, operation::buy, "GBPUSD");
+  desk.open(1, 9'007'199'254'740'993, -0.5);
+  desk.open(2, 22, -0.5);
+  desk.open(1, 12, 0.5, "GBPUSD");
   form.CloseSymbols.choose("EURUSD");
   const std::string indent(12, ' ');
   const std::string big = "|" + indent + "#9007199254740993 Sell 0.5 EURUSD at 1.08400|0.5|";
@@ -77,7 +60,7 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   };
   EXPECT_EQ(grid(form), (Texts{"2|Connected||", row(22, "Sell", "Close"), row(21, "Buy", "Close"),
                                "1|Connected||", big + "Close"}));
-  desk.price(3, 1.08421, 1.084);
+  desk.quote(3, 1.08421, 1.084);
   // The side's own price, in the shortest form.
   EXPECT_EQ(grid(form), (Texts{"2|Connected||", row(22, "Sell", "Close At 1.08421"),
                                row(21, "Buy", "Close At 1.084"), "1|Connected||", big + "Close At 1.08421"}));
@@ -86,7 +69,7 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   form.click(*desk.at(21), frmClosePos::status);
   desk.open(3, 31);
   desk.open(2, 23);
-  desk.open(2, 24, operation::buy, "GBPUSD");
+  desk.open(2, 24, 0.5, "GBPUSD");
   desk.close(2, 22);
   desk.close(1, 9'007'199'254'740'993);
   const Texts expected{"2|Connected||", row(23, "Buy", "Close At 1.084"),
@@ -109,7 +92,7 @@ TEST(ClosePositions, GridGroupsPositionsByAccountAndFollowsTheMarket) {
   // Hidden it stands still; shown again it is as the market is, and marks of what is still there remain.
   form.Displayed(false);
   desk.close(2, 23);
-  desk.price(1, 1.09, 1.0902);
+  desk.quote(1, 1.09, 1.0902);
   EXPECT_EQ(grid(form), expected);
   form.Displayed(true);
   EXPECT_EQ(grid(form), (Texts{"2|Connected||", "*" + row(21, "Buy", "Close"), "3|Connected||",
@@ -167,7 +150,7 @@ TEST(ClosePositions, ClickDependsOnTheCell) {
   desk.click(11, frmClosePos::action);
   EXPECT_EQ(marks(), "*-*");
   const auto action = [&] { return desk.at(11)->text(frmClosePos::action); };
-  desk.price(1, 1.08, 1.081);
+  desk.quote(1, 1.08, 1.081);
   EXPECT_EQ(action(), "Close At 1.081");
   desk.click(11, frmClosePos::action);
   EXPECT_EQ(desk.prompt.take_texts(), Texts{});
@@ -177,15 +160,15 @@ TEST(ClosePositions, ClickDependsOnTheCell) {
   // The next price goes over what stands there, be it the one that is known already.
   form.LblCheck.click();
   EXPECT_EQ(action(), " Waiting.....");
-  desk.price(2, 1.08, 1.081);
+  desk.quote(2, 1.08, 1.081);
   EXPECT_EQ(action(), "Close At 1.081");
 }
 
 TEST(ClosePositions, QuestionsTellWhatTheyAreAbout) {
   Closing desk;
-  desk.open(1, 11, operation::buy, "GBPUSD", 0.1);
+  desk.open(1, 11, 0.1, "GBPUSD");
   for (const std::int64_t ticket : {21, 22})
-    desk.open(2, ticket, operation::sell, "EURUSD", 0.2);
+    desk.open(2, ticket, -0.2);
   frmTrade& trade = desk.main->trade();
   for (const auto& [ticket, profit] : {std::pair{11, -20.5}, {21, 3.25}, {22, 4.0}}) {
     OpenPosition moved = desk.client(ticket / 10).positions[ticket == 22 ? 1 : 0];
@@ -249,7 +232,7 @@ TEST(ClosePositions, WhatIsSentIsWhatIsMarkedWhenTheQuestionIsAnswered) {
   desk.prompt.while_open = [&] {
     desk.open(1, 12);
     desk.close(2, 21);
-    desk.price(1, 1.1, 1.2);
+    desk.quote(1, 1.1, 1.2);
   };
   form.LblCheck.click();
   desk.prompt.while_open = {};
@@ -328,7 +311,7 @@ TEST(ClosePositions, EqualTicketsOfTwoAccountsAreTwoPositions) {
   form.CloseSymbols.choose("EURUSD");
   desk.open(1, 7);
   form.chkAllClients.click();
-  desk.open(2, 7, operation::sell, "EURUSD", 0.25);
+  desk.open(2, 7, -0.25);
   EXPECT_TRUE(form.marked(*form.searchpos(7, 1)));
   EXPECT_FALSE(form.marked(*form.searchpos(7, 2)));
   form.MSH.select(*form.searchpos(7, 2));

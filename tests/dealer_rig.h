@@ -149,10 +149,14 @@ struct DealerRig {
   explicit DealerRig(DealerConfig config, TimePoint start = ManualClock{}.now())
       : clock(start), server(std::move(config), clock) {}
 
-  // Lets time go by in one piece, then delivers all there is.
-  void run(std::int64_t milliseconds) {
-    clock.advance(std::chrono::milliseconds{milliseconds});
+  // Time goes by in one piece, and nothing of it is delivered yet.
+  void let_pass(std::chrono::milliseconds time) {
+    clock.advance(time);
     server.advance();
+  }
+  // Lets time go by, then delivers all there is.
+  void run(std::int64_t milliseconds) {
+    let_pass(std::chrono::milliseconds{milliseconds});
     drain();
   }
   // What a client was told since the last call and in the time that goes by now.

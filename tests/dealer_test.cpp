@@ -51,8 +51,7 @@ TEST(Dealer, ConnectionsEndInEveryWay) {
   // Logged out before the news of the login were heard: what is not true any more is not told.
   first.seen->events.clear();
   first.client->Login();
-  rig.clock.advance(std::chrono::milliseconds{300});
-  rig.server.advance();
+  rig.let_pass(std::chrono::milliseconds{300});
   first.client->Logout();
   rig.drain();
   EXPECT_EQ(first.seen->events, (Words{"waiting 2", "connected", "waiting 0", "disconnected"}));
@@ -181,35 +180,28 @@ TEST(Dealer, PricesThatWaitAreToldOnceAndLatest) {
   DealerRig::send(seat, buy, "EURUSD", 0.1);
   rig.run(200);
   *seat.seen = {};
-  rig.clock.advance(std::chrono::seconds{5});
-  rig.server.advance();
+  rig.let_pass(std::chrono::seconds{5});
   DealerRig::send(seat, buy, "EURUSD", 0.1);
-  for (int i = 0; i < 100; ++i) {
-    rig.clock.advance(std::chrono::milliseconds{250});
-    rig.server.advance();
-  }
+  for (int i = 0; i < 100; ++i)
+    rig.let_pass(std::chrono::milliseconds{250});
   rig.drain();
   EXPECT_EQ(seat.seen->prices, 20);
   EXPECT_EQ(seat.seen->events, (Words{"summary", "order 1", "opened", "summary"}));
   EXPECT_EQ(seat.seen->last_bid, rig.server.market().quote(0).bid);
 
   // What waited goes with the sink, and the next is told.
-  rig.clock.advance(std::chrono::seconds{25});
-  rig.server.advance();
+  rig.let_pass(std::chrono::seconds{25});
   seat.client->set_sink(nullptr);
   seat.client->set_sink(seat.seen.get());
-  rig.clock.advance(std::chrono::seconds{25});
-  rig.server.advance();
+  rig.let_pass(std::chrono::seconds{25});
   rig.drain();
   EXPECT_EQ(seat.seen->prices, 40);
 }
 
 TEST(Dealer, PricesWalkWithoutDrift) {
   DealerRig rig(DealerConfig::sample(1));
-  for (int second = 0; second < 300; ++second) {
-    rig.clock.advance(std::chrono::seconds{1});
-    rig.server.advance();
-  }
+  for (int second = 0; second < 300; ++second)
+    rig.let_pass(std::chrono::seconds{1});
   const Market& market = rig.server.market();
   for (std::size_t i = 0; i < market.count(); ++i) {
     const SymbolConfig& symbol = market.symbol(i);
@@ -223,8 +215,7 @@ TEST(Dealer, NothingReachesASinkThatWasTakenAway) {
   DealerRig rig(still_market());
   auto seat = rig.trader(0);
   DealerRig::send(seat, buy, "EURUSD", 1.0);
-  rig.clock.advance(std::chrono::milliseconds{200});
-  rig.server.advance();
+  rig.let_pass(std::chrono::milliseconds{200});
   std::remove_reference_t<decltype(*seat.seen)> next;
   seat.client->set_sink(&next);
   rig.drain();
@@ -259,8 +250,7 @@ TEST(Dealer, ALongSleepIsSkippedAndPricesStayReal) {
     }
   }
   EXPECT_LE(*rig.server.next_due() - rig.clock.now(), std::chrono::milliseconds{250});
-  rig.clock.advance(std::chrono::hours{-5});  // set back: the market goes on
-  rig.server.advance();
+  rig.let_pass(std::chrono::hours{-5});  // set back: the market goes on
   EXPECT_LE(*rig.server.next_due() - rig.clock.now(), std::chrono::milliseconds{250});
 }
 

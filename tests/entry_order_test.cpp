@@ -22,11 +22,8 @@ struct EntryTerminal : ScriptedTerminal {
     main->general().precision.set("2");
   }
   void quote(double bid, double ask) {
-    for (ScriptedClient* client : clients) {
-      client->symbols[0].bid = bid;
-      client->symbols[0].ask = ask;
-      client->sink->SymbolPricesChanged(client->symbols[0]);
-    }
+    for (const ScriptedClient* client : clients)
+      ScriptedTerminal::quote(client->login_data.account, bid, ask);
   }
   void type(TextBox& box, const std::string& text) {
     box.set_text("");
@@ -443,8 +440,8 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
     return out + " " + desk.rows() + (form.txtatprice.enabled() ? "" : " at off");
   };
   const PendingOrder order{40, 2, OrderKind::entry, 0, operation::sell_stop, 71, "EURUSD", 0.5, 1.2, 1.25};
-  OpenPosition position{.ticket = 50, .account = 3, .side = operation::buy, .symbol = "EURUSD", .amount = 2};
-  position.open_price = 1.45, position.current_price = 1.5, position.take_profit = 1.7;
+  OpenPosition position = desk.open(3, 50, 2, "EURUSD", 1.45);
+  position.current_price = 1.5, position.take_profit = 1.7;
   desk.client(2).orders = {order};
   desk.client(2).sink->NewPendingOrder(order);
   desk.client(3).sink->NewOpenPosition(position);

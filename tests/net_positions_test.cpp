@@ -1,5 +1,3 @@
-
-#include <cmath>
 #include <random>
 #include <set>
 
@@ -9,25 +7,8 @@
 namespace tutti::testing {
 namespace {
 
-Texts rows(const RowList& list) {
-  Texts out;
-  for (const Row& row : list)
-    out.push_back(row_text(row));
-  return out;
-}
-
 struct Netting : ScriptedTerminal {
   explicit Netting(std::size_t accounts = 3) : ScriptedTerminal(Summaries(accounts, {100, 100})) {}
-  OpenPosition open(std::int32_t account, std::int64_t ticket, double lots, const char* symbol, double price,
-                    double profit) {
-    OpenPosition position{.ticket = ticket, .account = account, .symbol = symbol};
-    position.side = lots > 0.0 ? operation::buy : operation::sell;
-    position.amount = std::fabs(lots);
-    position.open_price = price;
-    position.floating_pl = profit;
-    client(account).sink->NewOpenPosition(position);
-    return position;
-  }
   frmNetTrade& net() {
     main->net_trade().refresh();
     return main->net_trade();
@@ -68,31 +49,31 @@ TEST(NetPositions, ListsShowSumsAveragesAndTotals) {
   desk.open(3, 31, -1.5, "EURUSD", 1.084, 7.0);
   const Texts both{"EURUSD|1|0||1.5|1.08400|-1.5|7.00", "GBPUSD|2|0.3|1.27000|0.3|1.27000|0|6.75",
                    "Total(All Clients)|3|0.3||1.8||-1.5|13.75"};
-  EXPECT_EQ(rows(desk.net().lvwNet), both);
-  EXPECT_EQ(rows(desk.matrix().lvwNetMatrix),
+  EXPECT_EQ(rows_of(desk.net().lvwNet), both);
+  EXPECT_EQ(rows_of(desk.matrix().lvwNetMatrix),
             (Texts{"1|0.3|0.3|", "2|-0.3|-0.3|", "3|-1.5||-1.5", "Total(All Clients)|-1.5|0|-1.5"}));
   desk.main->net_matrix().shown.choose("P/L");
-  EXPECT_EQ(rows(desk.matrix().lvwNetMatrix),
+  EXPECT_EQ(rows_of(desk.matrix().lvwNetMatrix),
             (Texts{"1|5.50|5.50|", "2|1.25|1.25|", "3|7.00||7.00", "Total(All Clients)|13.75|6.75|7.00"}));
 
   // From a symbol to its accounts; they follow events, and another symbol's take their place.
   RowList& symbols = desk.main->net_trade().lvwNet;
   symbols.select(symbols.row(1));
-  EXPECT_EQ(rows(desk.net().lvwNetAccounts),
+  EXPECT_EQ(rows_of(desk.net().lvwNetAccounts),
             (Texts{"1|0.3|1.27000|0||0.3|5.50", "2|0||0.3|1.27000|-0.3|1.25"}));
   OpenPosition moved = desk.open(1, 12, 0.4, "GBPUSD", 1.3, -4.5);
   moved.floating_pl = -1000000.125;
   desk.client(1).sink->PosFloatingPLChanged(moved);
   desk.client(2).sink->ConnectionState(false);
-  EXPECT_EQ(rows(desk.net().lvwNetAccounts), (Texts{"1|0.5|1.29000|0||0.5|-999990.12"}));
-  EXPECT_EQ(rows(symbols)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
+  EXPECT_EQ(rows_of(desk.net().lvwNetAccounts), (Texts{"1|0.5|1.29000|0||0.5|-999990.12"}));
+  EXPECT_EQ(rows_of(symbols)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
   // The largest that is believed; once it is gone the others are what they were.
   const OpenPosition largest = desk.open(1, 99, 1e6, "GBPUSD", 1e9, 1e12);
   desk.client(1).sink->DeleteOpenPosition(largest);
   desk.client(1).sink->PosFloatingPLChanged(largest);  // that was on its way
-  EXPECT_EQ(rows(desk.net().lvwNet)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
+  EXPECT_EQ(rows_of(desk.net().lvwNet)[1], "GBPUSD|1|0.5|1.29000|0||0.5|-999990.12");
   symbols.select(symbols.row(0));
-  EXPECT_EQ(rows(desk.net().lvwNetAccounts), (Texts{"3|0||1.5|1.08400|-1.5|7.00"}));
+  EXPECT_EQ(rows_of(desk.net().lvwNetAccounts), (Texts{"3|0||1.5|1.08400|-1.5|7.00"}));
 
   for (const auto& [ticket, account] : {std::pair{11, 1}, {12, 1}, {31, 3}})
     desk.client(account).sink->DeleteOpenPosition({.ticket = ticket, .account = account, .symbol = ""});

@@ -8,7 +8,7 @@
 #include <set>
 
 #include "books/request_ids.h"
-#include "tests/support/session_rig.h"
+#include "tests/support/one_session.h"
 
 namespace tutti::testing {
 namespace {
@@ -52,13 +52,9 @@ struct Requests : ::testing::Test {
   // An answer to an order of half a lot, as it names the request.
   void answer(CClientAPIManager& session, RequestId id, std::int64_t number,
               OrderState state = order_state::executed, double left = 0.0) {
-    OrderReport report{.number = number,
-                       .account = session.account(),
-                       .result = result::succeeded,
-                       .state = state,
-                       .operation = operation::buy,
-                       .amount = 0.5,
-                       .symbol = "EURUSD"};
+    OrderReport report = OneSession::report(1, format_as(state));
+    report.number = number;
+    report.account = session.account();
     report.id = id;
     report.left = left;
     heard = rig.during([&] { sink(session).NewOrderResult(report); });
@@ -178,13 +174,8 @@ TEST_F(Requests, ARefusedRepetitionLeavesTheCloseThatIsOnItsWay) {
 TEST_F(Requests, AreFilledInPartsAndEveryFillOnce) {
   const SentOrder& order = buy(one);
   const auto fill = [&](const char* name, double all) {
-    OrderReport report{.number = 30,
-                       .account = 81,
-                       .result = result::succeeded,
-                       .state = order_state::executed,
-                       .operation = operation::buy,
-                       .amount = 0.5,
-                       .symbol = "EURUSD"};
+    OrderReport report = OneSession::report(1, 1);
+    report.number = 30;
     report.id = order.id;
     report.execution = name;
     report.filled_all = all;

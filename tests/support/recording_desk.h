@@ -43,8 +43,7 @@ class Voice {
 };
 
 template <class OrderDesk>
-class RecordingOrderRows : public OrderDesk, protected Voice {
- public:
+struct RecordingOrderRows : OrderDesk, protected Voice {
   using Voice::Voice;
   void add_account(std::int32_t account) override { say("adds", account); }
   void remove_account(std::int32_t account) override { say("removes", account); }
@@ -69,8 +68,7 @@ class RecordingDesk {
   Heard heard;
   Desk desk;
 
-  class Accounts final : public AccountsDesk, Voice {
-   public:
+  struct Accounts final : AccountsDesk, Voice {
     using Voice::Voice;
     std::string supplied_symbol;
     bool one_chosen = false;
@@ -90,8 +88,7 @@ class RecordingDesk {
     std::string visibility_symbol() const override { return supplied_symbol; }
   } accounts{"accounts", heard};
 
-  class MarketOrder final : public RecordingOrderRows<MarketOrderDesk> {
-   public:
+  struct MarketOrder final : RecordingOrderRows<MarketOrderDesk> {
     using RecordingOrderRows::RecordingOrderRows;
     bool asks_lots = false;
     bool wants_lot_limits() const override { return asks_lots; }
@@ -101,8 +98,7 @@ class RecordingDesk {
     }
   } market_order{"market", heard};
 
-  class EntryOrders final : public RecordingOrderRows<EntryOrderDesk> {
-   public:
+  struct EntryOrders final : RecordingOrderRows<EntryOrderDesk> {
     using RecordingOrderRows::RecordingOrderRows;
     std::vector<std::int32_t> listed;
     std::vector<std::int32_t> accounts() const override { return listed; }
@@ -112,8 +108,7 @@ class RecordingDesk {
     void stop_request_succeeded(std::int64_t order, std::int32_t) override { say("stops", order); }
   } entry_order{"entry", heard};
 
-  class ClosePositions final : public ClosePositionsDesk, Voice {
-   public:
+  struct ClosePositions final : ClosePositionsDesk, Voice {
     using Voice::Voice;
     void add_account(std::int32_t account) override { say("adds", account); }
     void remove_account(std::int32_t account) override { say("removes", account); }
@@ -125,23 +120,20 @@ class RecordingDesk {
   } close_positions{"close", heard};
 
   template <class Book>
-  class Records : public Book::Observer, protected Voice {
-   public:
+  struct Records : Book::Observer, protected Voice {
     using Record = typename Book::Record;
     using Voice::Voice;
     void account_left(std::int32_t account, std::span<const Record>) override { say("removes", account); }
   };
 
-  class Positions final : public Records<PositionBook> {
-   public:
+  struct Positions final : Records<PositionBook> {
     using Records::Records;
     void changed(const Record& position) override { say("has", position.ticket); }
     void worth_changed(const Record& position) override { say(position.ticket, position.floating_pl); }
     void removed(const Record& position) override { say("drops", position.ticket); }
   } positions{"positions", heard};
 
-  class Orders final : public Records<OrderBook> {
-   public:
+  struct Orders final : Records<OrderBook> {
     using Records::Records;
     void changed(const Record& order) override {
       say("has", order_kind::text(order.kind), order.order, order.account);
@@ -149,16 +141,14 @@ class RecordingDesk {
     void removed(const Record& order) override { say("drops", order.order); }
   } orders{"pending", heard};
 
-  class Pending final : public PendingDesk, Voice {
-   public:
+  struct Pending final : PendingDesk, Voice {
     using Voice::Voice;
     void order_text(std::int64_t order, std::int32_t, std::string_view text) override {
       say(word(order) + ":", text);
     }
   } pending{"pending", heard};
 
-  class MarketWatch final : public MarketWatchDesk, Voice {
-   public:
+  struct MarketWatch final : MarketWatchDesk, Voice {
     using Voice::Voice;
     void symbol(SymbolHandle, const Symbol& symbol, std::string_view time) override {
       say(symbol.name, time);
@@ -166,8 +156,7 @@ class RecordingDesk {
     void prices(SymbolHandle, const Symbol& symbol) override { say("prices", symbol.name); }
   } market_watch{"watch", heard};
 
-  class RequoteDialog final : public RequoteDesk, Voice {
-   public:
+  struct RequoteDialog final : RequoteDesk, Voice {
     using Voice::Voice;
     void tick(CClientAPIManager& session, const Requote& requote) override {
       say(requote.order, "of", session.account());
@@ -177,8 +166,7 @@ class RecordingDesk {
     void session_gone(const CClientAPIManager& session) override { say("gone", session.account()); }
   } requote{"requote", heard};
 
-  class Status final : public StatusDesk, Voice {
-   public:
+  struct Status final : StatusDesk, Voice {
     using Voice::Voice;
     TotalsForm form = TotalsForm::summaries_changed;
     void totals_changed(TotalsForm last) override { form = last; }

@@ -48,12 +48,7 @@ struct ScenarioDesk : TestTerminal {
   std::int64_t ticket(std::size_t row) { return positions().row(row).key().number(); }
   Texts differences() { return Verification{*main, server}.run(); }
   // Sorted, since accounts log in and fill in an order of the server's own.
-  static Texts rows(const RowList& list) {
-    Texts out;
-    for (const Row& row : list)
-      out.push_back(row_text(row));
-    return sorted(out);
-  }
+  static Texts rows(const RowList& list) { return sorted(rows_of(list)); }
 };
 
 }  // namespace tutti::testing

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -54,6 +55,27 @@ struct ScriptedTerminal : TestTerminal {
     client.sink->SymbolsLoaded();
     client.sink->AllDataAreLoaded();
     client.sink->ConnectionState(true);
+  }
+  // A position of so many lots, which are below 0 where it is sold.
+  OpenPosition open(std::int32_t account, std::int64_t ticket, double lots = 0.5,
+                    const char* symbol = "EURUSD", double price = 1.084, double profit = 0.0) {
+    const OpenPosition position{.ticket = ticket,
+                                .account = account,
+                                .side = lots > 0.0 ? operation::buy : operation::sell,
+                                .symbol = symbol,
+                                .amount = std::fabs(lots),
+                                .open_price = price,
+                                .floating_pl = profit};
+    client(account).positions.push_back(position);
+    client(account).sink->NewOpenPosition(position);
+    return position;
+  }
+  // What EURUSD costs, as the account's server says.
+  void quote(std::int32_t account, double bid, double ask) {
+    Symbol& symbol = client(account).symbols[0];
+    symbol.bid = bid;
+    symbol.ask = ask;
+    client(account).sink->SymbolPricesChanged(symbol);
   }
   ScriptedClient& client(std::int32_t account) { return *clients[static_cast<std::size_t>(account) - 1]; }
 

@@ -24,6 +24,13 @@ std::string row_text(const Row& row) {
   return out;
 }
 
+Texts rows_of(const RowList& list) {
+  Texts out;
+  for (const Row& row : list)
+    out.push_back(row_text(row));
+  return out;
+}
+
 TemporaryFolder::TemporaryFolder() {
   std::string name = (fs::temp_directory_path() / "tutti-test-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder: " + name);

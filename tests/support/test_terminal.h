@@ -24,6 +24,7 @@ using Texts = std::vector<std::string>;
 Texts sorted(Texts texts);
 // The cells with "|" between them.
 std::string row_text(const Row& row);
+Texts rows_of(const RowList& list);
 
 // A folder of its own for one test, gone with it.
 class TemporaryFolder {
