@@ -2,25 +2,23 @@
 #include <QTextEdit>
 
 #include "gui/kit/desktop_prompt.h"
-#include "gui/windows/frmMain_window.h"
 #include "gui/windows/frmaccount_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {
 namespace {
 
-struct AccountsWindowTest : ::testing::Test {
-  AccountsWindowTest() {
+struct AccountsWindowTest : ::testing::Test, PaneRig<&Panes::accounts> {
+  AccountsWindowTest() : PaneRig(DealerConfig::sample(6), {1000, 400}) {
     prompt.set_parent(&window);
-    rig.terminal.prompt.screen = &prompt;
-    show(window, {1000, 400});
+    terminal.prompt.screen = &prompt;
     window.activateWindow();
-    view.setFocus();
+    list.setFocus();
   }
 
   std::string notes(std::size_t row) { return form.lvwClients.row(row).text(frmMain::notes); }
   // User names.
-  Texts users() { return shown(view.rows(), frmMain::user_name); }
+  Texts users() { return shown(list.rows(), frmMain::user_name); }
   Texts selected() {
     Texts out;
     for (const Row* row : form.lvwClients.selected())
@@ -28,19 +26,15 @@ struct AccountsWindowTest : ::testing::Test {
     return out;
   }
 
-  GuiRig rig{DealerConfig::sample(6)};
-  frmMain& form = rig.main().accounts();
-  DesktopPrompt prompt{rig.screen};
-  Desktop desktop{rig};
-  FrmMainWindow& window = desktop.panes().accounts();
-  RowListView& view = window.list();
+  frmMain& form = main().accounts();
+  DesktopPrompt prompt{screen};
 };
 
 TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
   FrmaccountWindow& dialog = desktop.window.account_dialog();
   form.mnuclear_Click();
   form.add_account();
-  rig.run(10ms);
+  run(10ms);
   ASSERT_EQ(QApplication::activeModalWidget(), &dialog);
   EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Add account"));
   auto* password = &part<QLineEdit>(dialog, "txtpassword");
@@ -67,8 +61,6 @@ TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
   EXPECT_EQ(QApplication::focusWidget(), password);
 
   press(Qt::Key_Tab);
-  type("10.1.1.1");
-  refused("Wrong server.\nServer must be of the (IP:PORT) format\ni.e\n10.0.0.1:443");
   dialog.findChild<QComboBox*>()->lineEdit()->selectAll();
   type("127.0.0.1:4950");
 
@@ -78,7 +70,7 @@ TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
   press(Qt::Key_Return);
   EXPECT_FALSE(dialog.isVisible());
   EXPECT_TRUE(password->text().isEmpty());
-  rig.run(1s);
+  run(1s);
   ASSERT_EQ(form.lvwClients.size(), 1u);
   const Row& row = form.lvwClients.row(0);
   EXPECT_EQ(row.text(frmMain::user_name) + row.text(frmMain::account) + row.text(frmMain::state),
@@ -87,65 +79,65 @@ TEST_F(AccountsWindowTest, AnAccountIsAddedByKeyboard) {
 
 TEST_F(AccountsWindowTest, OfServersThatReadAlikeThePickedOneIsTaken) {
   FrmaccountWindow& dialog = desktop.window.account_dialog();
-  rig.terminal.home->write("manage/SERVER.BUF", "Main&&h&&1&&Main&&h&&2&&Other&&h&&3\nh:1\n0\n\n");
-  ASSERT_TRUE(rig.main().login_options().InitializeFromFile());
+  terminal.home->write("manage/SERVER.BUF", "Main&&h&&1&&Main&&h&&2&&Other&&h&&3\nh:1\n0\n\n");
+  ASSERT_TRUE(main().login_options().InitializeFromFile());
   form.add_account();
-  rig.run(10ms);
+  run(10ms);
   auto& box = *dialog.findChild<QComboBox*>();
   for (const int expected : {1, 2}) {
     QTest::keyClick(&box, Qt::Key_Down);
-    rig.run(10ms);
+    run(10ms);
     EXPECT_EQ(box.currentIndex(), expected);
-    ASSERT_TRUE(rig.main().login_options().Servers(form.account_dialog().CBServer));
-    EXPECT_EQ(rig.main().login_options().CurrentServerPort(), expected + 1);
+    ASSERT_TRUE(main().login_options().Servers(form.account_dialog().CBServer));
+    EXPECT_EQ(main().login_options().CurrentServerPort(), expected + 1);
   }
 }
 
 TEST_F(AccountsWindowTest, NotesAreEditedInTheList) {
-  double_click_cell(view, 1, frmMain::notes);
+  double_click_cell(list, 1, frmMain::notes);
   type("first ");
   press(Qt::Key_Return);
   EXPECT_EQ(notes(1), "first");
 
-  double_click_cell(view, 1, frmMain::notes);
+  double_click_cell(list, 1, frmMain::notes);
   type("second");
   press(Qt::Key_Escape);
   EXPECT_EQ(notes(1), "first");
 
-  click_cell(view, 3, frmMain::account);
+  click_cell(list, 3, frmMain::account);
   window.edit_notes();
   type("third");
   window.edit_notes();
-  click_cell(view, 0, frmMain::account);
+  click_cell(list, 0, frmMain::account);
   EXPECT_EQ(notes(3), "third");
-  EXPECT_EQ(QApplication::focusWidget(), &view);
+  EXPECT_EQ(QApplication::focusWidget(), &list);
 }
 
 TEST_F(AccountsWindowTest, NotesFollowTheirRowAndEndWithIt) {
-  double_click_cell(view, 3, frmMain::notes);
+  double_click_cell(list, 3, frmMain::notes);
   type("kept");
   // A row above goes: the editor is on the same account, now one higher.
-  view.go_to(form.lvwClients.row(0));
-  rig.screen.acted();
+  list.go_to(form.lvwClients.row(0));
+  screen.acted();
   form.mnuRemove_Click();
-  rig.run(100ms);
+  run(100ms);
   press(Qt::Key_Return);
   EXPECT_EQ(notes(2), "kept");
 
-  double_click_cell(view, 4, frmMain::notes);
+  double_click_cell(list, 4, frmMain::notes);
   type("lost");
   form.mnuRemove_Click();
-  rig.run(100ms);
+  run(100ms);
   EXPECT_FALSE(form.txteditLo.visible());
-  EXPECT_EQ(QApplication::focusWidget(), &view);
+  EXPECT_EQ(QApplication::focusWidget(), &list);
   for (std::size_t row = 0; row < 4; ++row)
     EXPECT_EQ(notes(row), row == 2 ? "kept" : "");
 }
 
 TEST_F(AccountsWindowTest, FindKeepsTheSelectionOnWhatIsShown) {
-  rig.main().sessions().Item(2)->write_note("k\xC3\xB6ln");
-  rig.main().sessions().Item(5)->write_note("family Birch");
-  click_cell(view, 4, frmMain::account);
+  main().sessions().Item(2)->write_note("k\xC3\xB6ln");
+  main().sessions().Item(5)->write_note("family Birch");
+  click_cell(list, 4, frmMain::account);
   const struct {
     const char* text;
     Texts shown, selected;
@@ -167,16 +159,16 @@ TEST_F(AccountsWindowTest, FindKeepsTheSelectionOnWhatIsShown) {
 }
 
 TEST_F(AccountsWindowTest, ADoubleClickConnectsADisconnectedAccount) {
-  click_cell(view, 0, frmMain::account);
+  click_cell(list, 0, frmMain::account);
   form.MnuDisconnecte_Click();
-  rig.run(500ms);
+  run(500ms);
   const Row& row = form.lvwClients.row(0);
   ASSERT_EQ(row.text(frmMain::state), "Disconnected");
-  double_click_cell(view, 0, frmMain::account);
+  double_click_cell(list, 0, frmMain::account);
   EXPECT_EQ(row.text(frmMain::state), "Connecting");
   std::string activated;
   window.activate_account = [&](Row& chosen) { activated = chosen.text(frmMain::account); };
-  double_click_cell(view, 2, frmMain::state);
+  double_click_cell(list, 2, frmMain::state);
   EXPECT_EQ(activated, "500102");
 }
 

@@ -5,7 +5,6 @@
 #include "gui/kit/desktop_prompt.h"
 #include "gui/kit/elided_label.h"
 #include "gui/list/list_text.h"
-#include "gui/windows/frmClosePos_window.h"
 #include "tests/gui/gui_rig.h"
 #include "tests/support/scenario_desk.h"
 
@@ -26,14 +25,9 @@ DealerConfig with_faults(std::vector<FaultConfig> faults) {
 }
 
 // Four accounts with two positions of half a lot each: rows 0, 3, 6 and 9 are accounts.
-struct ClosingRig : GuiRig {
+struct ClosingRig : PaneRig<&Panes::close_positions> {
   explicit ClosingRig(std::vector<FaultConfig> faults = {})
-      : GuiRig(with_faults(std::move(faults))),
-        form(main().close_positions()),
-        desktop(*this),
-        window(desktop.panes().close_positions()) {
-    tested = &window;
-    show(window, {1000, 500});
+      : PaneRig(with_faults(std::move(faults)), {1000, 500}) {
     form.Displayed(true);
     for (int i = 0; i < 2; ++i) {
       buy("2");
@@ -77,10 +71,7 @@ struct ClosingRig : GuiRig {
   std::string counted() { return find<ElidedLabel>("marked_count").text().toStdString(); }
   std::size_t positions() { return main().trade().lvwOpenPos.size(); }
 
-  frmClosePos& form;
-  Desktop desktop;
-  FrmClosePosWindow& window;
-  RowListView& list = window.list();
+  frmClosePos& form = main().close_positions();
 };
 
 using Places = std::vector<int>;

@@ -118,6 +118,19 @@ struct Desktop {
   FrmMdiNewWindow window;
 };
 
+// A whole terminal and one window of its main window, which is on the screen at a size.
+template <auto of_panes>
+struct PaneRig : GuiRig {
+  explicit PaneRig(DealerConfig config, QSize size = {900, 600}) : GuiRig(std::move(config)) {
+    tested = &window;
+    show(window, size);
+  }
+
+  Desktop desktop{*this};
+  decltype((std::declval<Panes&>().*of_panes)()) window = (desktop.panes().*of_panes)();
+  RowListView& list = window.list();
+};
+
 // Middle of a cell on the view's viewport.
 inline QPoint cell_point(const RowListView& view, int place, int column) {
   return view.visualRect(view.model()->index(place, column)).center();

@@ -5,25 +5,17 @@
 #include "core/numbers.h"
 #include "core/texts.h"
 #include "gui/windows/frmMW_window.h"
-#include "gui/windows/frmorder_window.h"
 #include "gui/windows/price_label.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {
 namespace {
 
-struct OrderWindowRig : GuiRig {
-  explicit OrderWindowRig(int accounts = 4)
-      : GuiRig(DealerConfig::sample(accounts)),
-        form(main().market_order()),
-        desktop(*this),
-        window(desktop.panes().market_order()) {
-    tested = &window;
-    show(window, {420, 700});
+struct OrderWindowRig : PaneRig<&Panes::market_order> {
+  explicit OrderWindowRig(int accounts = 4) : PaneRig(DealerConfig::sample(accounts), {420, 700}) {
     run(50ms);
   }
 
-  RowListView& list() { return window.list(); }
   QLineEdit& amount() { return find<QLineEdit>("txtammount"); }
   // By the keyboard: symbol and rule from their lists, then the amount.
   void enter(const char* text) {
@@ -52,9 +44,7 @@ struct OrderWindowRig : GuiRig {
     return out;
   }
 
-  frmorder& form;
-  Desktop desktop;
-  FrmorderWindow& window;
+  frmorder& form = main().market_order();
 };
 
 TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {
@@ -74,10 +64,10 @@ TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {
     EXPECT_EQ(rig.form.txtammount.text(), typed);
   }
 
-  click_tick(rig.list(), 0);
-  click_cell(rig.list(), 1, 1);
+  click_tick(rig.list, 0);
+  click_cell(rig.list, 1, 1);
   rig.key(Qt::Key_Space);
-  click_tick(rig.list(), 2);
+  click_tick(rig.list, 2);
 
   // Enter distributes, and never sends.
   rig.amount().setFocus();
@@ -88,7 +78,7 @@ TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {
   rig.key(Qt::Key_Return);
   EXPECT_EQ(rig.available(), "-SB");
 
-  double_click_cell(rig.list(), 1, 1);
+  double_click_cell(rig.list, 1, 1);
   rig.keys("0x.5");
   rig.key(Qt::Key_Return);
   EXPECT_FALSE(rig.find("txtLvw").isVisible());
@@ -101,7 +91,7 @@ TEST(MarketOrderWindow, OneOrderForManyAccountsByMouseAndKeyboard) {
   rig.window.buy();
   EXPECT_EQ(rig.available(), "D--");
   EXPECT_EQ(rig.line("answers_line"), "3 waiting");
-  EXPECT_EQ(rig.list().rows().rowCount(), 3);
+  EXPECT_EQ(rig.list.rows().rowCount(), 3);
   rig.run(1s);
   EXPECT_EQ(rig.line("answers_line"), "3 accepted; 3 ticked accounts are not shown");
   EXPECT_EQ(rig.positions(), (Texts{"Buy 0.4", "Buy 0.5", "Buy 0.4", ""}));
@@ -131,7 +121,7 @@ TEST(MarketOrderWindow, TabGoesTheWayOfAnOrder) {
   rig.find("cbsymbols").setFocus();
   std::string way = rig.tab(4);
   rig.window.distribute();
-  rig.list().setFocus();
+  rig.list.setFocus();
   way += rig.tab(3);
   EXPECT_EQ(way, "cbsymbols txtammount CBdis cmddis lvwConClients cmdsell cmdbuy ");
   rig.window.focus_amount();
@@ -143,7 +133,7 @@ TEST(MarketOrderWindow, FiltersFollowTheAnswers) {
   OrderWindowRig rig{60};
   const auto filter = [&](const char* name) {
     rig.click(name);
-    return rig.list().rows().rowCount();
+    return rig.list.rows().rowCount();
   };
   rig.enter("60");
   rig.click("chkAllClients");
@@ -153,41 +143,41 @@ TEST(MarketOrderWindow, FiltersFollowTheAnswers) {
   rig.click("cmddis");
   EXPECT_EQ(filter("filter_waiting"), 0);
   rig.click("cmdsell");
-  const int sent = rig.list().rows().rowCount();
+  const int sent = rig.list.rows().rowCount();
   EXPECT_GT(sent, 50);
   EXPECT_EQ(rig.caption("filter_waiting"), "Waiting " + std::to_string(sent));
   rig.run(1s);
-  EXPECT_EQ(rig.list().rows().rowCount(), 0);
+  EXPECT_EQ(rig.list.rows().rowCount(), 0);
   const int refused = filter("filter_refused");
   EXPECT_EQ(rig.caption("filter_refused"), "Refused " + std::to_string(refused));
   ASSERT_GT(refused, 0);
   for (int place = 0; place < refused; ++place)
-    EXPECT_NE(rig.list().rows().row_at(place)->text(2), "Market Order Accepted");
+    EXPECT_NE(rig.list.rows().row_at(place)->text(2), "Market Order Accepted");
   EXPECT_EQ(filter("filter_all"), 60);
 }
 
 TEST(MarketOrderWindow, WhatStandsInTheEditorIsSentAndGivenUpByANewDistribution) {
   OrderWindowRig rig;
   rig.distribute("0.4");
-  click_cell(rig.list(), 1, 0);
+  click_cell(rig.list, 1, 0);
   rig.key(Qt::Key_Return);
   rig.keys("0.3");
   rig.window.sell();
   rig.run(1s);
   EXPECT_EQ(rig.positions(), (Texts{"Sell 0.1", "Sell 0.3", "Sell 0.1", "Sell 0.1"}));
-  rig.list().setFocus();
+  rig.list.setFocus();
   rig.key(Qt::Key_F3);
   rig.keys("7");
   rig.window.distribute();
   EXPECT_FALSE(rig.find("txtLvw").isVisible());
-  EXPECT_EQ(shown(rig.list().rows(), frmorder::amount), Texts(4, "0.1"));
+  EXPECT_EQ(shown(rig.list.rows(), frmorder::amount), Texts(4, "0.1"));
 }
 
 // Accounts log in in any order.
 TEST(MarketOrderWindow, AccountsStandByTheirNumberAndAreFound) {
   OrderWindowRig rig{12};
   const Texts own = texts_of(rig.form.lvwConClients, 0);
-  const auto listed = [&] { return shown(rig.list().rows(), 0); };
+  const auto listed = [&] { return shown(rig.list.rows(), 0); };
   EXPECT_NE(own, sorted(own));
   EXPECT_EQ(listed(), sorted(own));
   rig.terminal.server.drop(500'103);
@@ -195,10 +185,10 @@ TEST(MarketOrderWindow, AccountsStandByTheirNumberAndAreFound) {
   rig.main().accounts().LoginClient(rig.terminal.client(500'103).key());
   rig.run(2s);
   EXPECT_EQ(listed(), sorted(own));
-  const Row& row = *rig.list().rows().row_at(3);
+  const Row& row = *rig.list.rows().row_at(3);
   const std::string user = rig.terminal.client(500'103).text(frmMain::user_name);
-  EXPECT_EQ(rig.list().delegate().tip(row, 0), user);
-  EXPECT_NE(rig.list().delegate().tip(row, 1), user);
+  EXPECT_EQ(rig.list.delegate().tip(row, 0), user);
+  EXPECT_NE(rig.list.delegate().tip(row, 1), user);
 
   rig.form.chkAllClients.click();
   auto& find = rig.find<QLineEdit>("find_account");
@@ -216,12 +206,12 @@ TEST(MarketOrderWindow, AccountsStandByTheirNumberAndAreFound) {
                                             " ticked accounts are not shown");
   }
   rig.key(Qt::Key_Return);
-  EXPECT_EQ(rig.window.focusWidget(), &rig.list());
+  EXPECT_EQ(rig.window.focusWidget(), &rig.list);
   find.setFocus();
   rig.key(Qt::Key_Escape);
   // The order the operator asks for.
   for (const bool downwards : {true, false}) {
-    click_header(rig.list(), 0);
+    click_header(rig.list, 0);
     Texts wanted = sorted(own);
     std::reverse(wanted.begin(), wanted.end());
     EXPECT_EQ(listed(), downwards ? wanted : texts_of(rig.form.lvwConClients, 0));

@@ -181,21 +181,5 @@ TEST_F(QueueTest, HundredsAreDismissedTogether) {
   EXPECT_EQ(queue.current(), nullptr);
 }
 
-// One message after another is clicked away on one spot.
-TEST_F(QueueTest, OkStaysUnderThePointer) {
-  MessageQueue& queue = rig.main().messages();
-  for (const std::size_t length : {10, 600, 100, 10})
-    queue.post({std::string(length, 'x'), "", "OK", ""});
-  rig.run(10ms);
-  rig.run(300ms);
-  const QPushButton& button = messages.window().button(ok);
-  const QPoint spot = button.mapToGlobal(button.rect().center());
-  for (int left = 3; left > 0; --left) {
-    click(ok);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(button.rect().contains(button.mapFromGlobal(spot))) << left;
-  }
-}
-
 }  // namespace
 }  // namespace tutti::testing

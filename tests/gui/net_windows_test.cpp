@@ -7,8 +7,6 @@
 #include "gui/kit/elided_label.h"
 #include "gui/list/list_text.h"
 #include "gui/list/total_row.h"
-#include "gui/windows/frmNetTrade_window.h"
-#include "gui/windows/net_matrix_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {
@@ -17,7 +15,9 @@ namespace {
 using namespace std::chrono_literals;
 using Blocks = std::vector<std::pair<std::string, std::vector<std::int32_t>>>;
 
-struct NetTest : ::testing::Test {
+template <auto of_panes>
+struct NetTest : ::testing::Test, PaneRig<of_panes> {
+  explicit NetTest(QSize size) : PaneRig<of_panes>(DealerConfig::sample(1), size) {}
   // Lots below 0 are sold.
   void hold(std::int32_t account, const char* symbol, double lots, double profit) {
     const OpenPosition position{.ticket = ++ticket,
@@ -34,7 +34,7 @@ struct NetTest : ::testing::Test {
     hold(2, "EURUSD", -2.0, 3.0);
     hold(2, "GBPUSD", -1.5, 7.0);
     hold(3, "GBPUSD", 3.0, -1.25);
-    rig.run(0ms);
+    this->run(0ms);
   }
   // What a form hands over.
   void take(std::vector<PositionBlock> blocks) {
@@ -43,21 +43,16 @@ struct NetTest : ::testing::Test {
   }
   Blocks handed() { return std::exchange(handed_over, {}); }
 
-  GuiRig rig{DealerConfig::sample(1)};
-  CLAPICLASS& sink = *rig.main().sessions().Item(1);
+  CLAPICLASS& sink = *this->main().sessions().Item(1);
   std::int64_t ticket = 0;
   Blocks handed_over;
 };
 
-struct NetTradeTest : NetTest {
-  NetTradeTest() {
+struct NetTradeTest : NetTest<&Panes::net_trade> {
+  NetTradeTest() : NetTest({1100, 280}) {
     form.close = [this](auto blocks) { take(std::move(blocks)); };
-    show(window, {1100, 280});
   }
-  frmNetTrade& form = rig.main().net_trade();
-  Desktop desktop{rig};
-  FrmNetTradeWindow& window = desktop.panes().net_trade();
-  RowListView& list = window.list();
+  frmNetTrade& form = main().net_trade();
   RowListView& accounts = window.accounts();
   TotalRow& total = part<TotalRow>(window, "total");
   QWidget& close = part(window, "close_accounts");
@@ -70,8 +65,8 @@ TEST_F(NetTradeTest, ASymbolShowsItsAccountsAndHandsThemOver) {
 
   auto& missing = part<ElidedLabel>(window, "not_connected");
   EXPECT_FALSE(missing.isVisible());
-  rig.terminal.server.drop(500'100);
-  rig.run(1s);
+  terminal.server.drop(500'100);
+  run(1s);
   EXPECT_TRUE(missing.isVisible());
   EXPECT_EQ(missing.text(), QStringLiteral("1 account is not connected; what it holds is not in this view"));
 
@@ -82,7 +77,7 @@ TEST_F(NetTradeTest, ASymbolShowsItsAccountsAndHandsThemOver) {
 
   // A selection stays while values and rows change around it.
   hold(4, "EURUSD", 1.0, 0.0);
-  rig.screen.acted();
+  screen.acted();
   QTest::mouseClick(&close, Qt::LeftButton);
   EXPECT_EQ(handed(), (Blocks{{"EURUSD", {2}}}));
 
@@ -95,11 +90,10 @@ TEST_F(NetTradeTest, ASymbolShowsItsAccountsAndHandsThemOver) {
   EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {2, 3}}}));
 }
 
-struct MatrixTest : NetTest {
-  MatrixTest() {
+struct MatrixTest : NetTest<&Panes::net_matrix> {
+  MatrixTest() : NetTest({700, 280}) {
     form.close = [this](auto blocks) { take(std::move(blocks)); };
-    show(window, {700, 280});
-    rig.screen.acted();
+    screen.acted();
     hold_some();
   }
   QPoint at(int place, int column) { return cell_point(list, place, column); }
@@ -108,20 +102,17 @@ struct MatrixTest : NetTest {
     QTest::mouseMove(list.viewport(), (from + to) / 2);
     QTest::mouseMove(list.viewport(), to);
     QTest::mouseRelease(list.viewport(), Qt::LeftButton, keys, to);
-    rig.screen.acted();
+    screen.acted();
   }
   // A click on what is selected already counts when the button goes up; the screen follows with its next
   // frame.
   void click(int place, int column, Qt::KeyboardModifiers keys = {}) {
     click_cell(list, place, column, keys);
-    rig.screen.acted();
+    screen.acted();
   }
   std::string line() { return part<ElidedLabel>(window, "selection_line").text().toStdString(); }
 
-  NetMatrix& form = rig.main().net_matrix();
-  Desktop desktop{rig};
-  NetMatrixWindow& window = desktop.panes().net_matrix();
-  RowListView& list = window.list();
+  NetMatrix& form = main().net_matrix();
   TotalRow& total = part<TotalRow>(window, "total");
   QWidget& close = part(window, "close_block");
   QAbstractItemModelTester tester{&list.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal};
@@ -156,7 +147,7 @@ TEST_F(MatrixTest, ADraggedBlockIsHandedOverPerSymbol) {
   // The number of an account stands for all that it holds.
   QTest::mouseClick(list.verticalHeader()->viewport(), Qt::LeftButton, {},
                     {20, list.rowViewportPosition(1) + 8});
-  rig.screen.acted();
+  screen.acted();
   EXPECT_EQ(line(), "1 account, 2 symbols, -3 lots net");
   double_click_cell(list, 1, NetMatrix::total);
   EXPECT_EQ(handed(), (Blocks{{"EURUSD", {2}}, {"GBPUSD", {2}}}));
@@ -172,10 +163,10 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   QTest::mousePress(list.viewport(), Qt::LeftButton, Qt::ControlModifier, at(2, eur));
   hold(2, "USDJPY", 0.25, 1.0);
   hold(9, "USDJPY", 0.75, -1.0);
-  rig.screen.acted();
+  screen.acted();
   QTest::mouseMove(list.viewport(), at(1, eur));
   QTest::mouseRelease(list.viewport(), Qt::LeftButton, Qt::ControlModifier, at(1, eur));
-  rig.screen.acted();
+  screen.acted();
   // The same cells as before the columns changed, whatever stands under the mouse now.
   EXPECT_EQ(line(), "3 accounts, 2 symbols, 2.5 lots net");
   window.close_selected();
@@ -186,7 +177,7 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   EXPECT_GT(list.columnWidth(4), 40);
   EXPECT_EQ(total.row()->text(4), "1");
   QTest::keyClick(&list, Qt::Key_A, Qt::ControlModifier);
-  rig.screen.acted();
+  screen.acted();
   EXPECT_EQ(line(), "4 accounts, 3 symbols, 2 lots net");
 
   // What stands selected is the same cells, of the accounts that are left.
@@ -194,15 +185,15 @@ TEST_F(MatrixTest, ANewSymbolComesWhileABlockIsSelected) {
   EXPECT_EQ(line(), before);
   sink.DeleteOpenPosition({.ticket = 5, .account = 3, .symbol = {}});
   hold(1, "AUDUSD", 1.0, 0.0);
-  rig.screen.acted();
+  screen.acted();
   EXPECT_EQ(line(), "1 account, 1 symbol, -1.5 lots net");
   window.close_selected();
   EXPECT_EQ(handed(), (Blocks{{"GBPUSD", {2}}}));
   hold(10, "GBPUSD", 1.0, 0.0);
-  rig.screen.acted();
+  screen.acted();
   EXPECT_FALSE(list.rows().in_order());
   hold(10, "CADCHF", 1.0, 0.0);
-  rig.screen.acted();
+  screen.acted();
   EXPECT_TRUE(list.rows().in_order());
 }
 
@@ -215,7 +206,7 @@ TEST_F(MatrixTest, ProfitInsteadOfLots) {
             "Account,Total,EURUSD,GBPUSD\n1,10.00,10.00,\n2,5.50,-1.50,7.00\n3,-1.25,,-1.25\n");
   // Thousands are told apart on the screen alone.
   hold(3, "GBPUSD", 1.0, -1234567.0);
-  rig.run(0ms);
+  run(0ms);
   const Row& row = *list.rows().row_at(2);
   const TextPiece painted = list.delegate().painted(row, gbp);
   EXPECT_EQ(painted.text + " " + row.text(gbp), "-1,234,568.25 -1234568.25");

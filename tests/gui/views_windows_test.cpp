@@ -15,82 +15,63 @@
 #include "gui/list/row_order.h"
 #include "gui/shell/about_window.h"
 #include "gui/shell/help_window.h"
-#include "gui/windows/frmJournal_window.h"
-#include "gui/windows/frmPending_window.h"
-#include "gui/windows/frmTrade_window.h"
 #include "tests/gui/gui_rig.h"
 
 namespace tutti::testing {
 namespace {
 
-struct TradeTest : ::testing::Test {
-  TradeTest() { show(window); }
+struct TradeTest : ::testing::Test, PaneRig<&Panes::trade> {
+  TradeTest() : PaneRig(DealerConfig::sample(4)) {}
 
-  GuiRig rig{DealerConfig::sample(4)};
-  frmTrade& form = rig.main().trade();
-  Desktop desktop{rig};
-  FrmTradeWindow& window = desktop.panes().trade();
-  RowListView& list = window.list();
+  frmTrade& form = main().trade();
   QWidget& close = part(window, "lbbClose");
 };
 
 TEST_F(TradeTest, TickedPositionsAreClosed) {
-  rig.buy("4");
-  rig.run(2s);
+  buy("4");
+  run(2s);
   const Texts tickets = shown(list.rows(), frmTrade::ticket);
   ASSERT_EQ(tickets.size(), 4u);
   click_tick(list, 1);
   click_tick(list, 2);
   close.setFocus();
   QTest::keyClick(&close, Qt::Key_Return);
-  rig.run(2s);
+  run(2s);
   EXPECT_EQ(shown(list.rows(), frmTrade::ticket), (Texts{tickets[0], tickets[3]}));
 
   // The row that was clicked on, not those that are ticked.
   click_tick(list, 0);
   click_cell(list, 1, frmTrade::symbol);
   list.findChild<QAction*>(QStringLiteral("close_this"))->trigger();
-  rig.run(2s);
+  run(2s);
   EXPECT_EQ(shown(list.rows(), frmTrade::ticket), Texts{tickets[0]});
-  rig.buy("3");
-  rig.run(2s);
-  click_tick(list, 0);
-
-  QTest::mouseClick(&part(window, "chkAll"), Qt::LeftButton, {}, {8, 8});
-  rig.terminal.prompt.answers = {2, 1};
-  for (const std::size_t left : {5u, 0u}) {
-    window.close_selected();
-    rig.run(2s);
-    EXPECT_EQ(form.lvwOpenPos.size(), left);
+  for (const std::size_t ticked : {1u, 0u}) {
+    QTest::mouseClick(&part(window, "chkAll"), Qt::LeftButton, {}, {8, 8});
+    EXPECT_EQ(form.lvwOpenPos.checked_count(), ticked);
   }
 }
 
 TEST_F(TradeTest, TheSummaryLineKeepsItsBlanksAndFont) {
   const std::string text = "   Balance:  1000.00" + std::string(60, ' ') + "Equity:  1000.00";
   form.lbmSummaries.set_text(text);
-  rig.screen.acted();
+  screen.acted();
   const auto& line = part<ElidedLabel>(window, "lbmSummaries");
   EXPECT_EQ(line.text().toStdString(), text);
   EXPECT_EQ(line.font().family(), QStringLiteral("Courier New"));
 }
 
 // Rows go while they are selected, ticked, sorted and on screen.
-struct PendingTest : ::testing::Test {
-  PendingTest() {
-    show(window);
+struct PendingTest : ::testing::Test, PaneRig<&Panes::pending> {
+  PendingTest() : PaneRig(DealerConfig::sample(2)) {
     sink.NewPendingOrder(
         {.order = 7001, .account = 500101, .kind = OrderKind::entry, .symbol = "EURUSD", .amount = 0.5});
     sink.NewPendingOrder(
         {.order = 7002, .account = 500102, .kind = OrderKind::open, .symbol = "EURUSD", .amount = 0.5});
-    rig.screen.acted();
+    screen.acted();
   }
 
-  GuiRig rig{DealerConfig::sample(2)};
-  frmPending& form = rig.main().pending();
-  CLAPICLASS& sink = *rig.main().sessions().Item(1);
-  Desktop desktop{rig};
-  FrmPendingWindow& window = desktop.panes().pending();
-  RowListView& list = window.list();
+  frmPending& form = main().pending();
+  CLAPICLASS& sink = *main().sessions().Item(1);
 };
 
 TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
@@ -101,7 +82,7 @@ TEST_F(PendingTest, WhatWasSaidAboutAnOrderIsSeen) {
   click_cell(list, 1, frmPending::symbol);
   EXPECT_EQ(note(), "Order 7002: Order 7002 in Pending mode");
   sink.DeletePendingOrder({.order = 7002, .account = 500102, .symbol = {}});
-  rig.run(50ms);
+  run(50ms);
   EXPECT_EQ(note(), "");
 }
 
@@ -139,22 +120,21 @@ TEST_F(PendingTest, AnOrderIsEditedAndCancelled) {
   window.edit_current();
   EXPECT_EQ(edited, (std::vector<std::int64_t>{7001, 7001, 7001}));
 
-  rig.asked();
+  asked();
   QTest::mouseClick(&part(window, "lbbCancel"), Qt::LeftButton);
   click_tick(list, 1);
   window.cancel_selected();
-  EXPECT_EQ(rig.asked(), (Texts{"No selected orders", "Are you sure you want to cancel selected order(s)?",
-                                "1 of 1 orders could not be cancelled; the journal has the reasons"}));
+  EXPECT_EQ(asked(), (Texts{"No selected orders", "Are you sure you want to cancel selected order(s)?",
+                            "1 of 1 orders could not be cancelled; the journal has the reasons"}));
 }
 
-struct JournalTest : ::testing::Test {
-  JournalTest() {
-    rig.main().journal_window().lvwJournal.clear();
-    show(window, {700, 300});
+struct JournalTest : ::testing::Test, PaneRig<&Panes::journal> {
+  JournalTest() : PaneRig(DealerConfig::sample(1), {700, 300}) {
+    main().journal_window().lvwJournal.clear();
     window.activateWindow();
   }
 
-  void log(const std::string& text, std::int32_t account) { rig.main().journal().log(text, account); }
+  void log(const std::string& text, std::int32_t account) { main().journal().log(text, account); }
   Texts messages() { return shown(list.rows(), 2); }
   // A filter, which gets the keyboard.
   QWidget& filter(const char* name) {
@@ -162,11 +142,6 @@ struct JournalTest : ::testing::Test {
     return part(window, name);
   }
   std::string state() { return part<QLabel>(window, "journal_state").text().toStdString(); }
-
-  GuiRig rig{DealerConfig::sample(1)};
-  Desktop desktop{rig};
-  FrmJournalWindow& window = desktop.panes().journal();
-  RowListView& list = window.list();
 };
 
 TEST_F(JournalTest, FiltersHoldForNewRowsToo) {
@@ -176,7 +151,7 @@ TEST_F(JournalTest, FiltersHoldForNewRowsToo) {
   EXPECT_EQ(messages(), Texts{"Order rejected"});
   log("order rejected again", 500101);
   log("order accepted again", 500101);
-  rig.run(50ms);
+  run(50ms);
   EXPECT_EQ(messages(), (Texts{"order rejected again", "Order rejected"}));
   QTest::keyClicks(&filter("filter_account"), QStringLiteral("x101"));
   EXPECT_EQ(messages(), Texts{"order rejected again"});
@@ -192,7 +167,7 @@ TEST_F(JournalTest, AHistoryIsShownAndLeft) {
   EXPECT_EQ(state(), "History of 500102");
   log("told", 500102);
   log("other", 500101);
-  rig.run(50ms);
+  run(50ms);
   EXPECT_EQ(messages().front(), "told");
   QTest::keyClick(&filter("filter_account"), Qt::Key_Escape);
   QTest::mouseClick(&part(window, "live_journal"), Qt::LeftButton);
@@ -202,20 +177,20 @@ TEST_F(JournalTest, AHistoryIsShownAndLeft) {
 
 TEST_F(JournalTest, WhatIsReadStaysWhereItIs) {
   constexpr int rows = 100'000;
-  frmJournal& form = rig.main().journal_window();
+  frmJournal& form = main().journal_window();
   for (int i = 0; i < rows; ++i)
     form.addToListView("now", 500101, "entry " + std::to_string(i));
-  rig.screen.acted();
+  screen.acted();
   const auto top = [this] { return list.row_under({200, 1})->text(2); };
   log("new at the top", 500101);
-  rig.run(50ms);
+  run(50ms);
   EXPECT_EQ(top(), "new at the top");
 
   list.verticalScrollBar()->setValue(1000 * 22 + 7);
   const std::string read = top();
   for (int i = 0; i < 50; ++i) {
     log("more", 500101);
-    rig.run(20ms);
+    run(20ms);
   }
   EXPECT_EQ(top(), read);
   window.show_history(500101);
@@ -228,7 +203,7 @@ TEST_F(JournalTest, WhatIsReadStaysWhereItIs) {
 TEST_F(JournalTest, AFilterShowsItsNewestHits) {
   for (int i = 0; i < 2000; ++i)
     log(i % 2 == 0 ? "accepted " + std::to_string(i) : "refused " + std::to_string(i), 500101);
-  rig.run(50ms);
+  run(50ms);
   const auto in_sight = [this](const std::string& text) {
     for (int y = 0; y < list.viewport()->height(); y += 22)
       if (const Row* row = list.row_under({200, y}); row != nullptr && row->text(2) == text) return true;
@@ -269,15 +244,15 @@ TEST_F(JournalTest, KeysSelectARowAndARowOutOfOrderIsKnown) {
   click_header(list, 2);
   EXPECT_TRUE(list.rows().in_order());
   list.rows().row_at(1)->set_text(0, "another time");
-  rig.run(20ms);
+  run(20ms);
   EXPECT_TRUE(list.rows().in_order());
   log("come late", 500101);
-  rig.run(20ms);
+  run(20ms);
   EXPECT_FALSE(list.rows().in_order());
   click_header(list, 2);
   EXPECT_TRUE(list.rows().in_order());
   list.rows().row_at(1)->set_text(2, "entry z");
-  rig.run(20ms);
+  run(20ms);
   EXPECT_FALSE(list.rows().in_order());
 }
 
@@ -366,18 +341,18 @@ TEST(FileDialogTest, StandsInTheThemeWithAProposedNameAndItsEnding) {
 }
 
 TEST_F(JournalTest, ExportQuotesWhatNeedsIt) {
-  frmJournal& form = rig.main().journal_window();
+  frmJournal& form = main().journal_window();
   form.addToListView("09:00", 500101, "a \"word\", and\nmore");
-  rig.screen.acted();
-  const std::filesystem::path file = rig.terminal.home->path() / "out.csv";
+  screen.acted();
+  const std::filesystem::path file = terminal.home->path() / "out.csv";
   Texts told;
   const auto tell = [&told](const std::string& text) { told.push_back(text); };
-  FakeFileDialog& files = rig.terminal.file_dialog;
+  FakeFileDialog& files = terminal.file_dialog;
   EXPECT_FALSE(export_csv(list, "Journal", files, tell));
   files.answer = file.string();
   EXPECT_TRUE(export_csv(list, "Journal", files, tell));
   EXPECT_EQ(files.proposed, "Journal.csv");
-  EXPECT_EQ(rig.terminal.home->read("out.csv"),
+  EXPECT_EQ(terminal.home->read("out.csv"),
             "Time,Account,Message\n09:00,500101,\"a \"\"word\"\", and\nmore\"\n");
   files.answer = (file / "below-a-file.csv").string();
   EXPECT_FALSE(export_csv(list, "Journal", files, tell));
