@@ -62,8 +62,9 @@ struct EntryTerminal : ScriptedTerminal {
   frmlimitorder& form;
 };
 
-TEST(EntryOrder, TellsWherePricesMustLie) {
-  EntryTerminal desk;
+struct EntryOrder : ::testing::Test, EntryTerminal {};
+
+TEST_F(EntryOrder, TellsWherePricesMustLie) {
   const struct {
     int type;
     const char *at, *told;
@@ -79,34 +80,34 @@ TEST(EntryOrder, TellsWherePricesMustLie) {
       {sell_stop, "1.2x", "< 1.30000; > 1.40000; < 1.00000"},
   };
   for (const auto& c : cases) {
-    desk.fill_in(c.type, c.at);
-    EXPECT_EQ(desk.conditions(), c.told) << c.type << " at " << c.at;
+    fill_in(c.type, c.at);
+    EXPECT_EQ(conditions(), c.told) << c.type << " at " << c.at;
   }
   // They follow the market while the window is shown.
-  desk.fill_in(buy_limit, "");
-  desk.quote(1.4, 1.5);
-  EXPECT_EQ(desk.conditions(), "< 1.40000; < 1.30000; > 1.50000");
-  desk.form.Displayed(false);
-  desk.quote(1.5, 1.6);
-  EXPECT_EQ(desk.conditions(), "< 1.40000; < 1.30000; > 1.50000");
-  desk.form.Displayed(true);
-  EXPECT_EQ(desk.conditions(), "< 1.50000; < 1.40000; > 1.60000");
+  fill_in(buy_limit, "");
+  quote(1.4, 1.5);
+  EXPECT_EQ(conditions(), "< 1.40000; < 1.30000; > 1.50000");
+  form.Displayed(false);
+  quote(1.5, 1.6);
+  EXPECT_EQ(conditions(), "< 1.40000; < 1.30000; > 1.50000");
+  form.Displayed(true);
+  EXPECT_EQ(conditions(), "< 1.50000; < 1.40000; > 1.60000");
   // The side of a position is that of the order which closes it.
   const auto edit = [&](const char* type_text) {
-    desk.form.EdirMode({.mode = "SLTP ", .type_text = type_text, .symbol = "EURUSD", .account = 1});
-    return desk.conditions();
+    form.EdirMode({.mode = "SLTP ", .type_text = type_text, .symbol = "EURUSD", .account = 1});
+    return conditions();
   };
   EXPECT_EQ(edit("Buy(Manage)"), " ; > 1.80000; < 1.50000");
   EXPECT_EQ(edit("Sell(Manage)"), " ; < 1.30000; > 1.60000");
   EXPECT_EQ(edit("Manage"), " ;  ;  ");
   // Nobody carries the symbol: the distance of -1 counts.
-  desk.form.lvwConClients.clear();
-  desk.fill_in(buy_limit, "");
-  desk.form.cblimitordersymbols.choose("EURUSD");
-  EXPECT_EQ(desk.conditions(), "< 2.60000; < 3.60000; > 1.60000");
+  form.lvwConClients.clear();
+  fill_in(buy_limit, "");
+  form.cblimitordersymbols.choose("EURUSD");
+  EXPECT_EQ(conditions(), "< 2.60000; < 3.60000; > 1.60000");
 }
 
-TEST(EntryOrder, StopsAreComparedAsTexts) {
+TEST(EntryOrders, StopsAreComparedAsTexts) {
   const char *alert = "Alert: Invalid Price", *warning = "Warning: Invalid Price", *no = "";
   const struct {
     int type;
@@ -147,42 +148,40 @@ TEST(EntryOrder, StopsAreComparedAsTexts) {
   }
 }
 
-TEST(EntryOrder, SubmitGoesStepByStep) {
-  EntryTerminal desk;
-  frmlimitorder& form = desk.form;
+TEST_F(EntryOrder, SubmitGoesStepByStep) {
   const Texts fill{"Alert: Please fill the required fields"};
   const auto submit = [&] {
     form.cmdsubmitlimiorder.click();
-    return desk.boxes();
+    return boxes();
   };
   // Each of the four fields, and an at-price that is none, resets the form.
   for (int missing = 0; missing < 5; ++missing) {
-    desk.fill_in(buy_limit, missing == 1 ? "" : missing == 4 ? "0." : "1.3", "1.2");
-    desk.distribute("1");
+    fill_in(buy_limit, missing == 1 ? "" : missing == 4 ? "0." : "1.3", "1.2");
+    distribute("1");
     if (missing == 0) form.CBlimitorderdis.choose(-1);
     if (missing == 2) form.txtlimitorderammount.set_text("");
     if (missing == 3) form.cblimitordersymbols.choose(-1);
     form.UpdateResult(client_key(1), "old");
     EXPECT_EQ(submit(), missing == 4 ? Texts{} : fill) << missing;
-    EXPECT_EQ(form.txtatprice.text() + form.txtsl.text() + form.txtlimitorderammount.text() + desk.rows(),
+    EXPECT_EQ(form.txtatprice.text() + form.txtsl.text() + form.txtlimitorderammount.text() + rows(),
               "-|-|-|");
     EXPECT_FALSE(form.chkAllClients.checked());
     form.cblimitordersymbols.choose("EURUSD");
   }
   // One share is missing: nobody's order goes out.
-  desk.fill_in(buy_limit, "1.3", "1.9");
-  desk.distribute("1");
+  fill_in(buy_limit, "1.3", "1.9");
+  distribute("1");
   form.lvwConClients.row(2).set_text(1, "");
   EXPECT_EQ(submit(), Texts{"Alert: Please distribute the amount first"});
-  EXPECT_EQ(form.txtatprice.text() + desk.rows(), "1.3x0.33|x0.33|x|");
+  EXPECT_EQ(form.txtatprice.text() + rows(), "1.3x0.33|x0.33|x|");
   form.lvwConClients.row(2).set_text(1, "0.34");
   EXPECT_EQ(submit(), Texts{"Alert: Invalid Price"});
-  desk.type(form.txtsl, "1.2");
+  type(form.txtsl, "1.2");
   form.uncheckall();
   EXPECT_EQ(submit(), Texts{"Alert: No account selected"});
-  EXPECT_EQ(form.txtatprice.text() + desk.rows(), "1.3-0.33|-0.33|-0.34|");
+  EXPECT_EQ(form.txtatprice.text() + rows(), "1.3-0.33|-0.33|-0.34|");
   for (const std::int32_t account : {1, 2, 3})
-    EXPECT_EQ(desk.sent(account), Texts{});
+    EXPECT_EQ(sent(account), Texts{});
 
   // A share is corrected in place, one account refuses; the rest goes out, once.
   form.LblCheck.click();
@@ -190,38 +189,37 @@ TEST(EntryOrder, SubmitGoesStepByStep) {
   ASSERT_TRUE(form.open_editor(form.lvwConClients.row(0), 1));
   form.txtEditPrice.type("0.5");
   form.commit_editor();
-  desk.client(2).request_code = request::invalid_price;
-  desk.sound.take();
+  client(2).request_code = request::invalid_price;
+  sound.take();
   EXPECT_EQ(submit(), Texts{});
-  EXPECT_EQ(desk.sound.take(), Texts(2, "OrderOk.wav"));
-  EXPECT_EQ(desk.sent(1), Texts{"entry 1 limit 70 0.5 at 1.3 sl 1.2"});
-  EXPECT_EQ(desk.sent(2), Texts{"entry 1 limit 71 0.33 at 1.3 sl 1.2"});
-  EXPECT_EQ(desk.sent(3), Texts{"entry 1 limit 72 0.34 at 1.3 sl 1.2"});
-  EXPECT_EQ(desk.rows(), "-|- Invalid Price|-|");
-  EXPECT_TRUE(desk.journaled("1 Request Entry Order Buy Limit 0.5 EURUSD at 1.3 ( SL= 1.2 TP=  )"));
-  EXPECT_TRUE(
-      desk.journaled("2 Request Entry Order Buy Limit 0.33 EURUSD at 1.3 was not taken: Invalid Price"));
-  EXPECT_EQ(desk.answers(), "1 refused, 2 waiting");
+  EXPECT_EQ(sound.take(), Texts(2, "OrderOk.wav"));
+  EXPECT_EQ(sent(1), Texts{"entry 1 limit 70 0.5 at 1.3 sl 1.2"});
+  EXPECT_EQ(sent(2), Texts{"entry 1 limit 71 0.33 at 1.3 sl 1.2"});
+  EXPECT_EQ(sent(3), Texts{"entry 1 limit 72 0.34 at 1.3 sl 1.2"});
+  EXPECT_EQ(rows(), "-|- Invalid Price|-|");
+  EXPECT_TRUE(journaled("1 Request Entry Order Buy Limit 0.5 EURUSD at 1.3 ( SL= 1.2 TP=  )"));
+  EXPECT_TRUE(journaled("2 Request Entry Order Buy Limit 0.33 EURUSD at 1.3 was not taken: Invalid Price"));
+  EXPECT_EQ(answers(), "1 refused, 2 waiting");
   EXPECT_EQ(submit(), fill);
 
-  CClientAPIManagers& sessions = desk.main->sessions();
+  CClientAPIManagers& sessions = main->sessions();
   EXPECT_EQ(sessions.unanswered(), 2);
   // A success that nobody's order belongs to settles nothing; one that was executed already does.
-  desk.client(1).sink->NewLimitOrderResult(10, result::succeeded);
+  client(1).sink->NewLimitOrderResult(10, result::succeeded);
   EXPECT_EQ(sessions.unanswered(), 2);
-  desk.client(1).positions = {
+  client(1).positions = {
       {.ticket = 11, .account = 1, .side = operation::buy, .symbol = "EURUSD", .amount = 0.5}};
-  desk.client(1).sink->NewLimitOrderResult(11, result::succeeded);
+  client(1).sink->NewLimitOrderResult(11, result::succeeded);
   EXPECT_EQ(sessions.unanswered(), 1);
-  EXPECT_EQ(desk.rows(), "- Succeeded|-|-|");  // the second Submit has emptied the results
-  desk.client(3).sink->ConnectionState(false);
+  EXPECT_EQ(rows(), "- Succeeded|-|-|");  // the second Submit has emptied the results
+  client(3).sink->ConnectionState(false);
   EXPECT_EQ(sessions.unanswered(), 0);
-  EXPECT_TRUE(desk.journaled(
+  EXPECT_TRUE(journaled(
       "3 Entry order BUY 0.34 EURUSD at 1.3 was sent, but no result came: the outcome is unknown, check the "
       "positions of account 3"));
 }
 
-TEST(EntryOrder, AnswersFindTheirRequests) {
+TEST(EntryOrders, AnswersFindTheirRequests) {
   EntryTerminal desk{{{5, 5}}};
   ScriptedClient& client = desk.client(1);
   CClientAPIManager& session = *desk.main->sessions().Item(1);
@@ -273,25 +271,24 @@ TEST(EntryOrder, AnswersFindTheirRequests) {
   EXPECT_EQ(session.unanswered(), 1);
 }
 
-TEST(EntryOrder, DistributeRefusesInItsOwnWords) {
+TEST(EntryOrders, DistributeRefusesInItsOwnWords) {
   EntryTerminal desk{{{100, 10}, {300, 30}, {-0.01, 9}, {5, 5}}};
-  frmlimitorder& form = desk.form;
   desk.client(4).symbols.erase(desk.client(4).symbols.begin());
   desk.distribute("1", 2);
   EXPECT_EQ(desk.rows(), "x0.25|x0.75|-  no Balance  |- EURUSD is not visible to this account|");
-  EXPECT_EQ(form.answer_of(form.lvwConClients.row(2)), OrderAnswer::left_out);
+  EXPECT_EQ(desk.form.answer_of(desk.form.lvwConClients.row(2)), OrderAnswer::left_out);
   desk.distribute("2", 1);
   EXPECT_EQ(desk.rows().substr(0, 10), "x0.5|x1.5|");
   EXPECT_EQ(desk.boxes(), Texts{});
   desk.distribute("0");
   desk.distribute("1", -1);
-  form.uncheckall();
-  form.cmdlimiorderdis.click();
+  desk.form.uncheckall();
+  desk.form.cmdlimiorderdis.click();
   EXPECT_EQ(desk.boxes(), (Texts{"Alert: Please fill the required fields",
                                  "Alert: Please select distribution type", "Alert: No account selected"}));
 }
 
-TEST(EntryOrder, ARefusedRowKeepsItsShareAndIsNotSent) {
+TEST(EntryOrders, ARefusedRowKeepsItsShareAndIsNotSent) {
   EntryTerminal desk{{{100, 100}, {100, 100}, {100, 100}, {100, 100}}};
   desk.distribute("4");
   desk.client(2).summary.values.equity = -1;
@@ -315,12 +312,11 @@ TEST(EntryOrder, ARefusedRowKeepsItsShareAndIsNotSent) {
 }
 
 // Both order windows: connections are lost and come back while the all-accounts box is checked.
-TEST(EntryOrder, WhoWasTickedSaysSoAndIsTickedAgainOnCommand) {
-  EntryTerminal desk;
+TEST_F(EntryOrder, WhoWasTickedSaysSoAndIsTickedAgainOnCommand) {
   const auto drop_all = [&] {
-    for (ScriptedClient* client : desk.clients)
+    for (ScriptedClient* client : clients)
       client->sink->ConnectionState(false);
-    for (ScriptedClient* client : desk.clients) {
+    for (ScriptedClient* client : clients) {
       client->sink->ConnectionState(true);
       client->sink->AllDataAreLoaded();
     }
@@ -345,51 +341,48 @@ TEST(EntryOrder, WhoWasTickedSaysSoAndIsTickedAgainOnCommand) {
     drop_all();
     EXPECT_EQ(rows(), "-|-|-|");
   };
-  check(desk.form);
-  check(desk.main->market_order());
+  check(form);
+  check(main->market_order());
 }
 
-TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
-  EntryTerminal desk;
-  frmlimitorder& entry = desk.form;
-  frmorder& market = desk.main->market_order();
-  frmMW& watch = desk.main->market_watch();
+TEST_F(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
+  frmorder& market = main->market_order();
+  frmMW& watch = main->market_watch();
   int shown = 0;
-  market.show = entry.show = [&] { ++shown; };
+  market.show = form.show = [&] { ++shown; };
   watch.to_entry_order("GBPUSD");
   watch.lvwMW.activate(watch.lvwMW.row(1));
   market.txtammount.type("3");
   watch.lvwMW.activate(watch.lvwMW.row(1));
-  EXPECT_EQ(entry.cblimitordersymbols.text() + market.cbsymbols.text() + market.txtammount.text(),
+  EXPECT_EQ(form.cblimitordersymbols.text() + market.cbsymbols.text() + market.txtammount.text(),
             "GBPUSDGBPUSD3");
   EXPECT_EQ(shown, 3);
   watch.to_market_order("XAUUSD");
   EXPECT_EQ(market.cbsymbols.text(), "GBPUSD");
-  entry.EdirMode({.mode = "Limit Orders", .type_text = "Buy limit", .symbol = "EURUSD", .account = 1});
+  form.EdirMode({.mode = "Limit Orders", .type_text = "Buy limit", .symbol = "EURUSD", .account = 1});
   watch.to_entry_order("GBPUSD");
-  EXPECT_EQ(entry.cblimitordersymbols.text() + " " + entry.mode(), "EURUSD Limit Orders");
-  EXPECT_EQ(desk.boxes(),
+  EXPECT_EQ(form.cblimitordersymbols.text() + " " + form.mode(), "EURUSD Limit Orders");
+  EXPECT_EQ(boxes(),
             (Texts{"Alert: XAUUSD is not visible for any of the connected accounts",
                    "Alert: An order or position of EURUSD is being edited. Submit or cancel it before you "
                    "choose GBPUSD"}));
-  entry.cmdcancel.click();
+  form.cmdcancel.click();
 
   // While a text stands in the symbol's box that was not taken, nothing goes out for another symbol.
-  const auto boxes = [&] { return std::exchange(desk.prompt.shown, {}).size(); };
   watch.to_market_order("EURUSD");
   market.txtammount.type("3");
   market.CBdis.choose(0);
   market.tick_all();
   market.cbsymbols.search("gbp");
   market.cmddis.click();
-  EXPECT_EQ(desk.boxes(), Texts{"Alert: \"gbp\" was typed as symbol and not taken. Enter takes one, Esc goes "
-                                "back to EURUSD"});
+  EXPECT_EQ(boxes(), Texts{"Alert: \"gbp\" was typed as symbol and not taken. Enter takes one, Esc goes "
+                           "back to EURUSD"});
   for (const char* typed : {"", "xy"}) {
     market.cbsymbols.search(typed);
     market.cmddis.click();
   }
   EXPECT_EQ(
-      desk.boxes(),
+      boxes(),
       (Texts{"Alert: The symbol's box is empty. Type or pick a symbol, Esc goes back to EURUSD",
              "Alert: No symbol has \"xy\" in its name. Type or pick another one, Esc goes back to EURUSD"}));
   market.cbsymbols.end_search();
@@ -398,38 +391,35 @@ TEST(EntryOrder, ASymbolIsHandedOverOnceAndNotIntoAnEdit) {
   EXPECT_EQ(shares(market.lvwConClients) + market.txtammount.text(), "x1|x1|x1|3");
   market.cbsymbols.search("gbp");
   market.cmdbuy.click();
-  EXPECT_EQ(desk.sent(1), Texts{});
+  EXPECT_EQ(sent(1), Texts{});
   EXPECT_TRUE(market.cmdbuy.enabled());
   market.cbsymbols.search("EURUSD");
   market.cmdbuy.click();
-  EXPECT_EQ(desk.sent(1), Texts{"1 70 1.000000"});
+  EXPECT_EQ(sent(1), Texts{"1 70 1.000000"});
   watch.lvwMW.activate(watch.lvwMW.row(1));
   EXPECT_EQ(shares(market.lvwConClients), "x|x|x|");
-  desk.main->symbols().remove("EURUSD");
+  main->symbols().remove("EURUSD");
   market.symbols_changed();
   watch.lvwMW.activate(watch.lvwMW.row(0));
   EXPECT_EQ(market.cbsymbols.text(), "GBPUSD");
-  EXPECT_EQ(boxes(), 2u);
-  entry.cblimitordersymbols.search("x");
-  entry.cmdlimiorderdis.click();
-  entry.cmdsubmitlimiorder.click();
-  EXPECT_EQ(boxes(), 2u);
+  EXPECT_EQ(boxes().size(), 2u);
+  form.cblimitordersymbols.search("x");
+  form.cmdlimiorderdis.click();
+  form.cmdsubmitlimiorder.click();
+  EXPECT_EQ(boxes().size(), 2u);
 }
 
-TEST(EntryOrder, WaitingDisablesSubmit) {
-  EntryTerminal desk;
+TEST_F(EntryOrder, WaitingDisablesSubmit) {
   for (const auto mode : {waiting_mode::connecting, waiting_mode::waiting}) {
-    desk.client(1).sink->WaitingMode(mode);
-    EXPECT_FALSE(desk.form.cmdsubmitlimiorder.enabled());
-    desk.form.cmdlimiorderdis.set_enabled(false);
-    desk.client(1).sink->WaitingMode(waiting_mode::normal);
-    EXPECT_TRUE(desk.form.cmdsubmitlimiorder.enabled() && desk.form.cmdlimiorderdis.enabled());
+    client(1).sink->WaitingMode(mode);
+    EXPECT_FALSE(form.cmdsubmitlimiorder.enabled());
+    form.cmdlimiorderdis.set_enabled(false);
+    client(1).sink->WaitingMode(waiting_mode::normal);
+    EXPECT_TRUE(form.cmdsubmitlimiorder.enabled() && form.cmdlimiorderdis.enabled());
   }
 }
 
-TEST(EntryOrder, OrdersAndPositionsAreEdited) {
-  EntryTerminal desk;
-  frmlimitorder& form = desk.form;
+TEST_F(EntryOrder, OrdersAndPositionsAreEdited) {
   int shown = 0;
   form.show = [&] { ++shown; };
   // "mode type amount at sl tp rows", and whether the at-price is off.
@@ -437,39 +427,39 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
     std::string out = form.mode() + " " + form.cblimiordertype.text();
     for (const TextBox* box : {&form.txtlimitorderammount, &form.txtatprice, &form.txtsl, &form.txttp})
       out += " " + (box->text().empty() ? "." : box->text());
-    return out + " " + desk.rows() + (form.txtatprice.enabled() ? "" : " at off");
+    return out + " " + rows() + (form.txtatprice.enabled() ? "" : " at off");
   };
   const PendingOrder order{40, 2, OrderKind::entry, 0, operation::sell_stop, 71, "EURUSD", 0.5, 1.2, 1.25};
-  OpenPosition position = desk.open(3, 50, 2, "EURUSD", 1.45);
+  OpenPosition position = open(3, 50, 2, "EURUSD", 1.45);
   position.current_price = 1.5, position.take_profit = 1.7;
-  desk.client(2).orders = {order};
-  desk.client(2).sink->NewPendingOrder(order);
-  desk.client(3).sink->NewOpenPosition(position);
-  RowList& orders = desk.main->pending().lvwPending;
-  RowList& positions = desk.main->trade().lvwOpenPos;
+  client(2).orders = {order};
+  client(2).sink->NewPendingOrder(order);
+  client(3).sink->NewOpenPosition(position);
+  RowList& orders = main->pending().lvwPending;
+  RowList& positions = main->trade().lvwOpenPos;
 
-  desk.client(1).profit_per_point = 100.0;
-  desk.distribute("3");
+  client(1).profit_per_point = 100.0;
+  distribute("3");
   orders.activate(orders.row(0));
   EXPECT_EQ(state(), "Limit Orders Sell Stop 0.5 1.20000 1.25000 . -|x0.5|-|");
-  desk.type(form.txtatprice, "1.10000");
-  desk.type(form.txttp, "1.0");
-  desk.type(form.txtsl, "1.05");
+  type(form.txtatprice, "1.10000");
+  type(form.txttp, "1.0");
+  type(form.txtsl, "1.05");
   form.cmdsubmitlimiorder.click();
-  EXPECT_EQ(desk.boxes(), Texts{"Alert: Invalid Price"});
-  desk.type(form.txtsl, "1.3");
+  EXPECT_EQ(boxes(), Texts{"Alert: Invalid Price"});
+  type(form.txtsl, "1.3");
   EXPECT_EQ(form.lbltpchanged.text() + " " + form.lblslchanged.text(), "5 -10") << "of a sale";
   form.cmdsubmitlimiorder.click();
-  EXPECT_EQ(desk.sent(2), Texts{"update 40 at 1.1 sl 1.3 tp 1"});
+  EXPECT_EQ(sent(2), Texts{"update 40 at 1.1 sl 1.3 tp 1"});
   EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
-  EXPECT_EQ(desk.answers(), "1 waiting");
-  desk.client(2).sink->UpdateLimitOrderResult(40, result::succeeded);
-  EXPECT_EQ(desk.rows() + desk.answers(), "-|- Succeeded|-|1 accepted");
-  EXPECT_TRUE(desk.journaled("2 Request Limit Orders #40 Sell Stop EURUSD at 1.1 ( SL= 1.3 TP= 1.0 )"));
+  EXPECT_EQ(answers(), "1 waiting");
+  client(2).sink->UpdateLimitOrderResult(40, result::succeeded);
+  EXPECT_EQ(rows() + answers(), "-|- Succeeded|-|1 accepted");
+  EXPECT_TRUE(journaled("2 Request Limit Orders #40 Sell Stop EURUSD at 1.1 ( SL= 1.3 TP= 1.0 )"));
   orders.activate(orders.row(0));
   form.uncheckall();
   form.cmdsubmitlimiorder.click();
-  EXPECT_EQ(desk.boxes(), Texts{"Alert: No selected account"});
+  EXPECT_EQ(boxes(), Texts{"Alert: No selected account"});
   form.cmdcancel.click();
   EXPECT_EQ(state(), " Sell Stop . . . . -|-|-|");
 
@@ -477,23 +467,23 @@ TEST(EntryOrder, OrdersAndPositionsAreEdited) {
   positions.activate(positions.row(0));
   EXPECT_EQ(state(), "SLTP  Buy Limit 2 . . 1.70000 -|-|x2| at off");
   EXPECT_EQ(form.lbltpchanged.text(), "50");
-  desk.type(form.txtsl, "1.4");
+  type(form.txtsl, "1.4");
   EXPECT_EQ(form.lblslchanged.text(), "-10");
   EXPECT_EQ(form.sketch().entry, 1.45);
   form.cmdsubmitlimiorder.click();
-  EXPECT_EQ(desk.sent(3), Texts{"stops 50 sl 1.4 tp 1.7"});
-  desk.client(3).orders = {
+  EXPECT_EQ(sent(3), Texts{"stops 50 sl 1.4 tp 1.7"});
+  client(3).orders = {
       {.order = 60, .account = 3, .kind = OrderKind::stops, .reference = 50, .symbol = "EURUSD"}};
-  desk.client(3).sink->NewSLTPOrderResult(60, result::succeeded);
-  EXPECT_EQ(desk.rows() + desk.answers(), "-|-|- Success Result|1 accepted");
-  EXPECT_TRUE(desk.journaled("3 Request SLTP  #50 Buy EURUSD at 1.45 ( SL= 1.4 TP= 1.70000 )"));
+  client(3).sink->NewSLTPOrderResult(60, result::succeeded);
+  EXPECT_EQ(rows() + answers(), "-|-|- Success Result|1 accepted");
+  EXPECT_TRUE(journaled("3 Request SLTP  #50 Buy EURUSD at 1.45 ( SL= 1.4 TP= 1.70000 )"));
   positions.activate(positions.row(0));
-  desk.client(3).request_code = request::invalid_price;
+  client(3).request_code = request::invalid_price;
   form.cmdsubmitlimiorder.click();
-  EXPECT_EQ(desk.rows(), "-|-|- Invalid Price|");
-  EXPECT_TRUE(desk.journaled("3 Request SLTP #50 Buy EURUSD at 1.45 was not taken: Invalid Price"));
+  EXPECT_EQ(rows(), "-|-|- Invalid Price|");
+  EXPECT_TRUE(journaled("3 Request SLTP #50 Buy EURUSD at 1.45 was not taken: Invalid Price"));
   // An SL/TP order edits its position.
-  desk.client(3).sink->NewPendingOrder({61, 3, OrderKind::stops, 50, operation::sell, 72, "EURUSD", 2});
+  client(3).sink->NewPendingOrder({61, 3, OrderKind::stops, 50, operation::sell, 72, "EURUSD", 2});
   orders.activate(*orders.find(order_key(61, 3)));
   EXPECT_EQ(form.edited(), 50);
   EXPECT_EQ(shown, 5);
