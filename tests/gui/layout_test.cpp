@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTabBar>
+#include <QToolBar>
 
 #include "gui/kit/in_sight.h"
 #include "tests/gui/desktop_rig.h"
@@ -277,11 +278,31 @@ TEST_F(LayoutTest, CommandsNeedTheirPaneInFront) {
   EXPECT_EQ(rig.main().trade().lvwOpenPos.size(), 24U);
 }
 
-TEST_F(LayoutTest, ASimulationSaysSoAndAWindowTooLargeForTheScreenIsMaximised) {
+// What a window manager leaves of a laptop's screen, of a scaled one, and of a large one.
+TEST_F(LayoutTest, TheFirstWindowHasRoomForADealersDay) {
+  // None of them fits the screen of the tests, nor does what was saved on a larger one.
   window->save_layout();
   window->restore_layout();
   EXPECT_TRUE(window->isMaximized());
   EXPECT_EQ(window->size(), window->size().boundedTo(window->screen()->availableSize()));
+  window->setWindowState(Qt::WindowNoState);
+  for (const QSize size : {QSize{1358, 728}, QSize{1272, 680}, QSize{1600, 900}}) {
+    window->setFixedSize(size);
+    window->reset_layout();
+    rig.run(10ms);
+    const std::string what = std::to_string(size.width());
+    for (const char* name : {"cmdbuy", "cmdsell", "find", "totals", "connected", "server_time"}) {
+      const auto& each = part(*window, name);
+      const QRect place{each.mapTo(window.get(), QPoint{}), each.size()};
+      EXPECT_TRUE(each.isVisible() && window->rect().contains(place)) << what << " " << name;
+    }
+    const auto& tools = part<QToolBar>(*window, "tool_bar");
+    for (const QAction* action : tools.actions())
+      EXPECT_TRUE(tools.widgetForAction(const_cast<QAction*>(action))->isVisible()) << what;
+    RowListView& watch = window->panes().market_watch().list();
+    const QRect time = watch.visualRect(watch.model()->index(5, frmMW::time));
+    EXPECT_TRUE(watch.viewport()->rect().contains(time)) << what;
+  }
   EXPECT_EQ(window->windowTitle(), QStringLiteral("Tutti - SIMULATION"));
   std::string badges;
   for (const Pane& pane : window->panes().all())

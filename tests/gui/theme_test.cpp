@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QRegularExpression>
 #include <cmath>
 
 #include "gui/kit/svg_icon.h"
@@ -40,6 +42,35 @@ TEST(Theme, EveryTextIsReadOnEveryGroundItStandsOn) {
     EXPECT_GE(contrast(red, QColor{ground}), least) << std::hex << ground;
   for (const QRgb ground : {theme::base, theme::panel, theme::raised, theme::window})
     EXPECT_GE(contrast(QColor{theme::disabled}, QColor{ground}), least) << std::hex << ground;
+}
+
+TEST(Theme, TheStyleSheetsTextsAreReadToo) {
+  const auto value = [](const QString& rules, const char* name) {
+    const QRegularExpression one{
+        QStringLiteral("(?:^|[; ])%1: (#[0-9a-f]{6})").arg(QString::fromLatin1(name))};
+    const auto found = one.match(rules);
+    return found.hasMatch() ? QColor{found.captured(1)} : QColor{};
+  };
+  static const QRegularExpression block{QStringLiteral("([^{}]+)\\{([^}]*)\\}")};
+  int texts = 0;
+  for (auto each = block.globalMatch(qApp->styleSheet()); each.hasNext();) {
+    const auto found = each.next();
+    const std::string of = found.captured(1).trimmed().toStdString();
+    const QColor own = value(found.captured(2), "background");
+    const QColor ink = value(found.captured(2), "color");
+    if (ink.isValid()) {
+      ++texts;
+      const std::vector<QColor> grounds =
+          own.isValid() ? std::vector{own}
+                        : std::vector{QColor{theme::window}, QColor{theme::panel}, QColor{theme::base}};
+      for (const QColor& ground : grounds)
+        EXPECT_GE(contrast(ink, ground), least) << of;
+    } else if (own.isValid() && (of.starts_with("QPushButton") || of.starts_with("QToolButton"))) {
+      const bool white = of.find("role") != std::string::npos || of.find("default") != std::string::npos;
+      EXPECT_GE(contrast(white ? QColor{Qt::white} : QColor{theme::window_text}, own), least) << of;
+    }
+  }
+  EXPECT_GT(texts, 20);
 }
 
 // By brightness and shape, for whoever sees no difference between red and green.

@@ -11,6 +11,7 @@
 #include "core/version.h"
 #include "gui/kit/desktop_file_dialog.h"
 #include "gui/kit/elided_label.h"
+#include "gui/kit/theme.h"
 #include "gui/list/csv_export.h"
 #include "gui/list/row_order.h"
 #include "gui/shell/about_window.h"
@@ -32,6 +33,22 @@ TEST_F(TradeTest, TickedPositionsAreClosed) {
   run(2s);
   const Texts tickets = shown(list.rows(), frmTrade::ticket);
   ASSERT_EQ(tickets.size(), 4u);
+  // Money below 0 looks alike wherever it stands; that of accounts is read back, and not grouped.
+  Row& first = *list.rows().row_at(0);
+  EXPECT_EQ(list.delegate().side(first, frmTrade::type), Side::buy);
+  const auto painted_loss = [](const RowListView& in, const Row& row, std::size_t column) {
+    const TextPiece piece = in.delegate().painted(row, column);
+    return piece.colour == QColor{theme::loss} ? piece.text : "not as a loss";
+  };
+  for (const std::size_t column : {frmTrade::commission, frmTrade::interest, frmTrade::profit}) {
+    first.set_fixed(column, -12345.5, 2);
+    EXPECT_EQ(painted_loss(list, first, column), "-12,345.50");
+  }
+  Row& account = main().accounts().lvwClients.row(0);
+  for (const std::size_t column : {frmMain::balance, frmMain::floating, frmMain::free_margin}) {
+    account.set_number(column, -12345.5, NumberFormat::summary);
+    EXPECT_EQ(painted_loss(desktop.panes().accounts().list(), account, column), "-12345.5");
+  }
   click_tick(list, 1);
   click_tick(list, 2);
   close.setFocus();
@@ -109,6 +126,8 @@ TEST_F(PendingTest, EveryRowShowsWhetherItBuysOrSells) {
     EXPECT_EQ(look.side(row, frmPending::type), c.side) << c.tip;
     EXPECT_EQ(look.side(row, frmPending::amount), Side::none);
     EXPECT_EQ(look.tip(row, frmPending::amount), c.tip);
+    const QColor own = theme::side_colour(c.side);
+    EXPECT_EQ(look.painted(row, frmPending::type).colour, own.isValid() ? own : QColor{theme::text});
   }
 }
 
@@ -222,15 +241,27 @@ TEST_F(JournalTest, AFilterShowsItsNewestHits) {
   EXPECT_EQ(list.verticalScrollBar()->value(), list.verticalScrollBar()->maximum());
 }
 
-TEST_F(JournalTest, KeysSelectARowAndARowOutOfOrderIsKnown) {
+TEST_F(JournalTest, KeysSelectARowAndTheHeaderTellsTheTruth) {
   for (int i = 0; i < 50; ++i)
     log("entry " + std::to_string(i), 500101);
+  const auto header = [this](int column) {
+    const QImage image = list.horizontalHeader()->grab().toImage();
+    const int right = list.columnViewportPosition(column) + list.columnWidth(column);
+    int bright = 0;
+    for (int x = list.columnViewportPosition(column); x < right; ++x)
+      bright += image.pixelColor(x, image.height() - 1) == QColor{theme::accent} ? 1 : 0;
+    return bright > 0;
+  };
   const auto selected = [this] {
     std::string out;
     for (const Row* row : list.rows().list().selected())
       out += row->text(2) + " ";
     return out;
   };
+  filter("filter_text");
+  EXPECT_FALSE(header(0));
+  list.setFocus();
+  EXPECT_TRUE(header(0));
   const std::pair<Qt::Key, const char*> keys[] = {{Qt::Key_Down, "entry 49 "},
                                                   {Qt::Key_Down, "entry 48 "},
                                                   {Qt::Key_End, "entry 0 "},
