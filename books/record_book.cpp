@@ -15,10 +15,7 @@ void RecordBook<Item>::write(const Item& item, int digits) {
   const Slot slot = is_new ? free_slot() : there->slot;
   Record& record = records_[slot];
   const bool new_symbol = is_new || record.symbol != item.symbol;
-  if (new_symbol && !is_new) {
-    Slots& before = by_symbol_[record.symbol];
-    before.erase(place_in(before, record));
-  }
+  if (new_symbol && !is_new) by_symbol_[record.symbol].erase(slot);
   static_cast<Item&>(record) = item;
   record.digits = digits;
   record.stamp = record.written = ++stamp_;
@@ -26,12 +23,9 @@ void RecordBook<Item>::write(const Item& item, int digits) {
     record.slot = slot;
     index_.insert(slot);
     record.arrival = ++arrivals_;
-    by_account_[item.account].push_back(slot);
+    by_account_[item.account].insert(slot);
   }
-  if (new_symbol) {
-    Slots& now = by_symbol_[item.symbol];
-    now.insert(place_in(now, record), slot);
-  }
+  if (new_symbol) by_symbol_[item.symbol].insert(slot);
   for (Observer* observer : observers_)
     observer->changed(record);
 }
@@ -59,11 +53,7 @@ void RecordBook<Item>::keep_only(std::int32_t account, const Numbers& kept) {
 
 template <class Item>
 std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::all() const {
-  std::vector<const Record*> out;
-  for (const Slot slot : index_)
-    out.push_back(&records_[slot]);
-  std::sort(out.begin(), out.end(), [](const Record* a, const Record* b) { return a->arrival < b->arrival; });
-  return out;
+  return records_at(index_);
 }
 
 template <class Item>
@@ -94,28 +84,22 @@ typename RecordBook<Item>::Slot RecordBook<Item>::free_slot() {
 template <class Item>
 typename RecordBook<Item>::Record RecordBook<Item>::take_out(Slot slot) {
   Record& record = records_[slot];
-  Slots& of_account = by_account_[record.account];
-  of_account.erase(place_in(of_account, record));
-  Slots& of_symbol = by_symbol_[record.symbol];
-  of_symbol.erase(place_in(of_symbol, record));
+  by_account_[record.account].erase(slot);
+  by_symbol_[record.symbol].erase(slot);
   index_.erase(slot);
   ++stamp_;
   return std::exchange(record, Record{});
 }
 
-// Where the record stands, or would stand, among those that came before and after it.
 template <class Item>
-typename RecordBook<Item>::Slots::iterator RecordBook<Item>::place_in(Slots& slots, const Record& record) {
-  return std::lower_bound(
-      slots.begin(), slots.end(), record.arrival,
-      [this](Slot slot, std::uint64_t arrival) { return records_[slot].arrival < arrival; });
-}
-
-template <class Item>
-std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::records_at(const Slots& slots) const {
+template <class SlotsOf>
+std::vector<const typename RecordBook<Item>::Record*> RecordBook<Item>::records_at(
+    const SlotsOf& slots) const {
   std::vector<const Record*> out;
+  out.reserve(slots.size());
   for (const Slot slot : slots)
     out.push_back(&records_[slot]);
+  std::sort(out.begin(), out.end(), [](const Record* a, const Record* b) { return a->arrival < b->arrival; });
   return out;
 }
 

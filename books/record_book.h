@@ -119,15 +119,15 @@ class RecordBook {
   };
   static constexpr bool keeps_hashes = true;
   using Index = tsl::robin_set<Slot, Hash, Equal, std::allocator<Slot>, keeps_hashes>;
-  using Slots = std::vector<Slot>;  // in the order in which the records came
+  using Slots = tsl::robin_set<Slot>;
 
   Slot free_slot();
   Record take_out(Slot slot);
-  Slots::iterator place_in(Slots& slots, const Record& record);
-  std::vector<const Record*> records_at(const Slots& slots) const;
+  template <class SlotsOf>
+  std::vector<const Record*> records_at(const SlotsOf& slots) const;
 
   std::vector<Record> records_;  // by slot
-  Slots free_;
+  std::vector<Slot> free_;
   Index index_{0, Hash{&records_}, Equal{&records_}};
   tsl::robin_map<std::int32_t, Slots> by_account_;
   tsl::robin_map<std::string, Slots> by_symbol_;

@@ -72,13 +72,6 @@ void CloseRows::write_action(Row& row, std::string_view text) {
   overwritten_ = true;
 }
 
-void CloseRows::write_price(Row& row) const {
-  const auto* data = row.data_if<RowData>();
-  if (data == nullptr) return;
-  if (data->kind == Kind::sell && bid_ != 0.0) row.set_number(Column::action, bid_, NumberFormat::close_at);
-  if (data->kind == Kind::buy && ask_ != 0.0) row.set_number(Column::action, ask_, NumberFormat::close_at);
-}
-
 void CloseRows::show_prices(double ask, double bid) {
   ask_ = ask;
   bid_ = bid;

@@ -75,7 +75,13 @@ class CloseRows {
     AccountState state = AccountState::disconnected;  // that an account's row shows
   };
 
-  void write_price(Row& row) const;
+  // In the header, since a price is written into thousands of rows.
+  void write_price(Row& row) const {
+    const auto* data = row.data_if<RowData>();
+    if (data == nullptr) return;
+    if (data->kind == Kind::sell && bid_ != 0.0) row.set_number(Column::action, bid_, NumberFormat::close_at);
+    if (data->kind == Kind::buy && ask_ != 0.0) row.set_number(Column::action, ask_, NumberFormat::close_at);
+  }
 
   RowList& list_;
   const CloseRound& round_;
