@@ -49,13 +49,16 @@ tl::expected<void, FileError> AppendedFile::append(std::string_view lines) {
   struct stat before {};
   if (::fstat(out_.get(), &before) != 0) return tl::unexpected(system_failure(file_, errno));
   if (!S_ISREG(before.st_mode)) return tl::unexpected(no_regular_file(file_));
-  if (before.st_nlink == 0) {
+  struct stat named {};
+  if (::stat(file_.c_str(), &named) != 0 || named.st_ino != before.st_ino || named.st_dev != before.st_dev) {
     auto again = open(file_);
-    return again ? (*this = std::move(*again)).append(lines) : tl::unexpected(again.error());
+    if (!again) return tl::unexpected(again.error());
+    *this = std::move(*again);
+    if (::fstat(out_.get(), &before) != 0) return tl::unexpected(system_failure(file_, errno));
   }
-  const bool end_first = !line_ended_ && ends_within_a_line(out_, before.st_size);
+  const bool end_first = before.st_size != ended_at_ && ends_within_a_line(out_, before.st_size);
   if (end_first ? out_.write(Secret::joined({"\n", lines}).reveal()) : out_.write(lines)) {
-    line_ended_ = true;
+    ended_at_ = before.st_size + static_cast<off_t>(lines.size()) + (end_first ? 1 : 0);
     return {};
   }
   const int code = errno;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -29,7 +30,7 @@ class AppendedFile {
 
   std::filesystem::path file_;
   Descriptor out_;
-  bool line_ended_ = false;  // the last line is known to have an end
+  std::int64_t ended_at_ = 0;  // size at which the last line is known to have an end
 };
 
 }  // namespace tutti

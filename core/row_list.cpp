@@ -141,8 +141,8 @@ void RowList::put_back(std::deque<Row::Owner> rows) {
 
 std::vector<Row*> RowList::selected() const {
   std::vector<Row*> out;
-  for (const auto& row : rows_) {
-    if (row != nullptr && row->selected_) out.push_back(row.get());
+  for (Row& row : *this) {
+    if (row.selected_) out.push_back(&row);
   }
   return out;
 }

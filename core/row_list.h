@@ -94,32 +94,27 @@ class RowList {
   std::function<void(Row&)> on_select;
   std::function<void(Row&)> on_activate;
 
-  auto begin() { return Iterator<Rows::iterator, Row>{rows_.begin(), rows_.end()}; }
-  auto end() { return Iterator<Rows::iterator, Row>{rows_.end(), rows_.end()}; }
-  auto begin() const { return Iterator<Rows::const_iterator, Row>{rows_.cbegin(), rows_.cend()}; }
-  auto end() const { return Iterator<Rows::const_iterator, Row>{rows_.cend(), rows_.cend()}; }
+  // Good until a row comes or goes.
+  auto begin() const { return Iterator{without_holes().begin()}; }
+  auto end() const { return Iterator{without_holes().end()}; }
 
  private:
   using Rows = std::deque<Row::Owner>;
 
-  template <class It, class Value>
   struct Iterator {
     using iterator_category = std::forward_iterator_tag;
     using value_type = Row;
     using difference_type = std::ptrdiff_t;
-    using pointer = Value*;
-    using reference = Value&;
+    using pointer = Row*;
+    using reference = Row&;
 
-    It at;
-    It end;
-    Value& operator*() const { return **at; }
+    Rows::const_iterator at;
+    Row& operator*() const { return **at; }
     Iterator& operator++() {
-      do {
-        ++at;
-      } while (at != end && *at == nullptr);
+      ++at;
       return *this;
     }
-    bool operator==(const Iterator& other) const { return at == other.at; }
+    bool operator==(const Iterator&) const = default;
   };
 
   void structure_changed() { structure_stamp_ = ++shared_.stamp; }

@@ -61,9 +61,11 @@ std::string_view CloseRound::text_of(RowKey position) const {
 
 OrderAnswers CloseRound::answers() {
   OrderAnswers open;
+  int unknown_now = 0;  // of accounts that are still there
   std::erase_if(sent_, [&](const frmTrade::Close& position) {
     const SentOrder* sent = request_for(key_of(position));
     const OrderAnswer answer = sent == nullptr ? OrderAnswer::unknown : answer_from(sent->outcome);
+    if (sent != nullptr && answer == OrderAnswer::unknown) ++unknown_now;
     const bool settled = answer == OrderAnswer::accepted || answer == OrderAnswer::refused;
     (settled ? settled_ : open).count(answer);
     return settled;
@@ -72,7 +74,7 @@ OrderAnswers CloseRound::answers() {
   open.refused = settled_.refused;
   const int unknown =
       sessions_.unknown([](const SentOrder& each) { return each.kind == RequestKind::close; });
-  open.unknown_before = std::max(unknown - open.unknown, 0);
+  open.unknown_before = std::max(unknown - unknown_now, 0);
   return open;
 }
 

@@ -31,7 +31,7 @@ Main::~Main() {
   // Sessions write into the windows while they end, so they go while every window still stands.
   sessions_.Clear();
   accounts_.write_connected();
-  journal_.flush();
+  journal_.close();
   journal_.on_incomplete = {};
 }
 

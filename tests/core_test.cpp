@@ -160,6 +160,13 @@ TEST(RowLists, KeepKeysAndPlacesThroughEveryChange) {
   list.remove(*list.find(ticket_key(8, 81)));
   list.remove(*list.find(ticket_key(3, 81)));
   list.insert(1, order_key(-2, 81));
+  // Who goes through the rows may ask for places on the way.
+  for (Row* row : {list.insert(1, ticket_key(5, 81)), list.insert(2, ticket_key(6, 81))})
+    list.remove(*row);
+  std::size_t place = 0;
+  for (const Row& row : list)
+    EXPECT_EQ(list.index_of(row), place++);
+  EXPECT_EQ(place, 3u);
   EXPECT_EQ(keys_of(list), "- P-2 C1 ");
   expect_places(list);
 

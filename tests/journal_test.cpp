@@ -127,11 +127,18 @@ TEST_F(JournalTest, AFramesLinesAreOneWriteForEachAccount) {
   const std::string three = line + line + line;
   EXPECT_EQ(terminal.home->read("history/JN7.his"), three + three);
   EXPECT_EQ(terminal.home->read("history/jn8.HIS"), "an editor left no end\n" + three + three);
-  // One that somebody took away begins anew.
-  std::filesystem::remove(terminal.home->path() / "history/JN7.his");
-  log("line", 7);
+  // One that somebody took away or put aside begins anew, and one that he cut off is ended.
+  const std::filesystem::path folder = terminal.home->path() / "history";
+  std::filesystem::remove(folder / "JN7.his");
+  std::filesystem::rename(folder / "JN9.his", folder / "aside");
+  std::filesystem::resize_file(folder / "jn8.HIS", 5);
+  for (const std::int32_t account : {7, 8, 9})
+    log("line", account);
   terminal.main->poll_timers();
   EXPECT_EQ(terminal.home->read("history/JN7.his"), line);
+  EXPECT_EQ(terminal.home->read("history/jn8.HIS"), "an ed\n" + line);
+  EXPECT_EQ(terminal.home->read("history/JN9.his"), line);
+  EXPECT_EQ(terminal.home->read("history/aside"), three + three);
 }
 
 TEST_F(JournalTest, TheLiveListKeepsTheNewestLines) {

@@ -58,8 +58,7 @@ void CJournal::append(std::string_view time, std::string_view message, std::int3
   files_.add(id, line);
 }
 
-void CJournal::flush() {
-  const auto written = files_.flush();
+void CJournal::check(const tl::expected<void, FileError>& written) {
   if (written || std::exchange(incomplete_, true)) return;
   // The rows on the screen are what remains.
   const std::string text =

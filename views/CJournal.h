@@ -23,7 +23,7 @@ class CJournal final : public Journal, public Displayable {
  public:
   CJournal(const Paths& paths, const Clock& clock, frmJournal& window);
   // Writes what waits.
-  ~CJournal() override { flush(); }
+  ~CJournal() override { close(); }
 
   // One event: a live row while no history is shown, else a row of the history it belongs to; always one
   // line of the account's file.
@@ -31,7 +31,9 @@ class CJournal final : public Journal, public Displayable {
 
   // Writes the lines that have come since. To be called once per frame, before anybody is shown what they
   // tell.
-  void flush();
+  void flush() { check(files_.flush()); }
+  // The same at the end of the program.
+  void close() { check(files_.close_all()); }
   // Line of `id` with the time of this moment, and a row when it is the one on show.
   void Add(std::string_view message, std::int32_t id);
   void addToListView(std::string_view time, std::string_view message, std::int32_t id);
@@ -59,6 +61,7 @@ class CJournal final : public Journal, public Displayable {
   static constexpr std::size_t page = 256u << 10;  // bytes
 
   void append(std::string_view time, std::string_view message, std::int32_t id);
+  void check(const tl::expected<void, FileError>& written);
   void reload();
   void show_older(std::size_t bytes);
 

@@ -1,5 +1,7 @@
 #include "views/history_files.h"
 
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -16,6 +18,13 @@ std::string file_name(std::int32_t id) {
 
 }  // namespace
 
+HistoryFiles::HistoryFiles(const Paths& paths) : paths_(paths) {
+  // Every account's at once, but no more than a quarter of what the process may have open.
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0)
+    most_open_ = static_cast<std::size_t>(std::clamp<rlim_t>(limit.rlim_cur / 4, 8, most_open_));
+}
+
 std::string HistoryFiles::name(std::int32_t id) const {
   return paths_.full("\\History\\" + file_name(id));
 }
@@ -28,7 +37,7 @@ void HistoryFiles::add(std::int32_t id, std::string_view line) {
 }
 
 tl::expected<void, FileError> HistoryFiles::flush() {
-  tl::expected<void, FileError> out;
+  tl::expected<void, FileError> out = std::exchange(closed_, {});
   if (waiting_.empty()) return out;
   ++flushes_;
   for (const std::int32_t id : std::exchange(waiting_, {})) {
@@ -45,13 +54,19 @@ tl::expected<void, FileError> HistoryFiles::write(std::int32_t id, History& hist
   if (!history.file) {
     const auto path = file_of(id);
     if (!path) return tl::unexpected(path.error());
-    if (open_ >= most_open) close_oldest();
+    if (open_ >= most_open_) close_oldest();
     auto file = AppendedFile::open(*path);
     if (!file) return tl::unexpected(file.error());
     history.file = std::move(*file);
     ++open_;
   }
-  return history.file->append(history.waiting);
+  auto written = history.file->append(history.waiting);
+  // What is behind the file may be back with the next line, but not behind a descriptor that has failed.
+  if (!written) {
+    history.file.reset();
+    --open_;
+  }
+  return written;
 }
 
 // A file is found whatever the letter case of its name. The folder is listed once, since the operator adds no
@@ -86,11 +101,22 @@ void HistoryFiles::close_oldest() {
   std::nth_element(used.begin(), middle, used.end());
   for (auto at = histories_.begin(); at != histories_.end(); ++at) {
     History& history = at.value();
-    if (open_ > most_open / 2 && history.file && history.used <= *middle) {
-      history.file.reset();
-      --open_;
-    }
+    if (open_ > most_open_ / 2 && history.file && history.used <= *middle) close(history);
   }
+}
+
+void HistoryFiles::close(History& history) {
+  auto closed = history.file->close();
+  if (!closed && closed_) closed_ = std::move(closed);
+  history.file.reset();
+  --open_;
+}
+
+tl::expected<void, FileError> HistoryFiles::close_all() {
+  auto out = flush();
+  for (auto at = histories_.begin(); at != histories_.end(); ++at)
+    if (at->second.file) close(at.value());
+  return out ? std::exchange(closed_, {}) : out;
 }
 
 tl::expected<void, FileError> HistoryFiles::remove(std::int32_t id) {

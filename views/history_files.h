@@ -23,7 +23,7 @@ namespace tutti {
 // that a line costs no more than that, however many accounts are answered at once.
 class HistoryFiles {
  public:
-  explicit HistoryFiles(const Paths& paths) : paths_(paths) {}
+  explicit HistoryFiles(const Paths& paths);
 
   // Full path of a history, as texts name it.
   std::string name(std::int32_t id) const;
@@ -32,6 +32,8 @@ class HistoryFiles {
   // Writes what waits. Fails when the lines of a file could not be written, which are lost then; the error is
   // that of the first one. The others are written all the same.
   tl::expected<void, FileError> flush();
+  // The same, and closes the files, which may fail too.
+  tl::expected<void, FileError> close_all();
   // Removes a history with what waits for it.
   tl::expected<void, FileError> remove(std::int32_t id);
 
@@ -41,12 +43,11 @@ class HistoryFiles {
     std::optional<AppendedFile> file;
     std::uint64_t used = 0;  // flush() that wrote to it last
   };
-  // Every account's at once, and half of what a process may have open.
-  static constexpr std::size_t most_open = 512;
 
   tl::expected<void, FileError> write(std::int32_t id, History& history);
   tl::expected<std::filesystem::path, FileError> file_of(std::int32_t id);
   void close_oldest();
+  void close(History& history);
 
   const Paths& paths_;
   std::optional<std::filesystem::path> folder_;         // known once it was looked at, with the names in it
@@ -54,6 +55,8 @@ class HistoryFiles {
   tsl::robin_map<std::int32_t, History> histories_;
   std::vector<std::int32_t> waiting_;  // in the order of their first lines
   std::size_t open_ = 0;
+  std::size_t most_open_ = 512;
+  tl::expected<void, FileError> closed_;  // the first failure of a close that nobody was told of yet
   std::uint64_t flushes_ = 0;
 };
 

@@ -104,9 +104,8 @@ milliseconds Heartbeat::beat() {
     paint();
   }
   if (more) return milliseconds{0};
-  // What falls due before a frame that comes anyway is shown with it, however soon it is delivered.
-  const milliseconds wait = to_show() ? until_frame() : std::min(source_.idle(), until_frame());
-  return std::max(wait, milliseconds{1});
+  // Also within a frame: an answer sounds, and a requote is there to be answered, as soon as it is due.
+  return std::max(std::min(source_.idle(), until_frame()), milliseconds{1});
 }
 
 void Heartbeat::paint() {

@@ -351,9 +351,7 @@ void MainCommands::explain_buttons() {
 void MainCommands::export_active() {
   const RowListView* list = to_.panes.active_list();
   if (list == nullptr) return;
-  // A history is exported whole, however much of it was looked at.
-  if (&list->rows().list() == &to_.main.journal_window().lvwJournal) to_.main.journal().show_all();
-  to_.screen.acted();
+  if (list == &to_.panes.journal().list()) to_.panes.journal().show_all();
   const Pane& pane = to_.panes.active();
   const QString title = pane.dock == nullptr ? QStringLiteral("Accounts") : pane.dock->windowTitle();
   // Colons are no part of a file's name everywhere.

@@ -221,7 +221,7 @@ void FrmClosePosWindow::follow() {
   }
   const OrderAnswers answers = form_.answers();
   answers_->show_answers(answers);
-  answers_wait_ = answers.waiting > 0;
+  answers_wait_ = answers.waiting + answers.unknown + answers.unknown_before > 0;
   std::string text = answers.text();
   if (text == seen_answers_) return;
   seen_answers_ = std::move(text);

@@ -208,12 +208,20 @@ void FrmJournalWindow::go_to(const Place& place) {
 // What is found or sorted is all of a history; what is only read comes as the operator scrolls down.
 void FrmJournalWindow::bring_older() {
   if (!journal_.has_older()) return;
-  const RowListModel& rows = list_->rows();
+  RowListModel& rows = list_->rows();
   const QScrollBar& bar = *list_->verticalScrollBar();
   const bool whole = rows.filtered() || rows.sort_column() >= 0;
   if (!whole && bar.value() + 2 * bar.pageStep() < bar.maximum()) return;
   journal_.show_older();
+  if (whole && !journal_.has_older()) rows.sort_again();
   screen_.stir();
+}
+
+void FrmJournalWindow::show_all() {
+  if (!journal_.has_older()) return;
+  journal_.show_all();
+  list_->rows().sort_again();
+  screen_.acted();
 }
 
 void FrmJournalWindow::refresh() {

@@ -28,6 +28,9 @@ class FrmJournalWindow final : public QWidget {
   // Back to the live rows, to the place where they were left.
   void show_live();
 
+  // All of a history, however much of it was looked at.
+  void show_all();
+
   // As narrow as with the filters below the state, however they stand now.
   QSize minimumSizeHint() const override;
 
