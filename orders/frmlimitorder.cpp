@@ -53,11 +53,6 @@ void frmlimitorder::Add(std::int32_t account) {
   market_.outdate();
 }
 
-void frmlimitorder::remove_account(std::int32_t account) {
-  Remove(account);
-  market_.outdate();
-}
-
 void frmlimitorder::clearresult() {
   for (Row& row : lvwConClients)
     row.set_text(Column::result_text, "");

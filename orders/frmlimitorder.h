@@ -144,7 +144,10 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
 
   // EntryOrderDesk
   void add_account(std::int32_t account) override { Add(account); }
-  void remove_account(std::int32_t account) override;
+  void remove_account(std::int32_t account) override {
+    Remove(account);
+    market_.outdate();
+  }
   void result(std::string_view text, std::int32_t account) override {
     UpdateResult(client_key(account), text);
   }
