@@ -319,11 +319,15 @@ TEST_F(ClosePositions, EqualTicketsOfTwoAccountsAreTwoPositions) {
   EXPECT_EQ(form.answer_text(*form.searchpos(7, 1)), "");
   EXPECT_EQ(form.answer_text(*form.searchpos(7, 2)), " Trading is closed");
   EXPECT_EQ(form.answers().text(), "1 refused, 1 waiting");
+  clock.advance(30s);
+  main->sessions().look_at_the_clock();
+  EXPECT_EQ(form.answers().text(), "1 refused, 1 unknown");
   // What was not sent here is then closed from another window.
   const auto sends = std::exchange(form.close_helper, [](const frmTrade::Close&) { return false; });
   form.searchpos(7, 2)->set_text(frmClosePos::action, "Close");
   form.click(*form.searchpos(7, 2), frmClosePos::action);
   EXPECT_EQ(form.answer_text(*form.searchpos(7, 2)), "Not sent");
+  EXPECT_EQ(form.answers().text(), "1 refused, 1 unknown of earlier rounds");
   form.close_helper = sends;
   main->trade().close_helper({7, 0.25, 2});
   EXPECT_EQ(sent(), Texts{"2 close 7 0.25"});

@@ -235,6 +235,18 @@ TEST(Dealer, NothingReachesASinkThatWasTakenAway) {
   EXPECT_EQ(rig.server.requests_in_flight(), 0U);
 }
 
+TEST(Dealer, ADaysRangeBeginsAnewAtMidnight) {
+  using namespace std::chrono_literals;
+  DealerConfig config = DealerConfig::sample(1);
+  config.ticks = {{1s, "EURUSD", 1.3, 1.31}, {2s, "EURUSD", 1.1, 1.11}, {11s, "EURUSD", 1.2, 1.21}};
+  DealerRig rig(config, std::chrono::sys_days{std::chrono::year{2026} / 3 / 3} - 10s);
+  const Quote& quote = rig.server.market().quote(0);
+  rig.run(5'000);
+  EXPECT_TRUE(quote.high == 1.3 && quote.low == config.symbols[0].bid);
+  rig.run(7'000);
+  EXPECT_TRUE(quote.high == 1.2 && quote.low == 1.2);
+}
+
 TEST(Dealer, ALongSleepIsSkippedAndPricesStayReal) {
   DealerRig rig(DealerConfig::sample(1));
   const auto seat = rig.trader(0);

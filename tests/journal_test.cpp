@@ -1,7 +1,11 @@
+#include <sys/resource.h>
+
+#include <filesystem>
 #include <fstream>
 
 #include "core/time_texts.h"
 #include "tests/support/test_terminal.h"
+#include "views/history_files.h"
 
 namespace tutti::testing {
 namespace {
@@ -139,6 +143,33 @@ TEST_F(JournalTest, AFramesLinesAreOneWriteForEachAccount) {
   EXPECT_EQ(terminal.home->read("history/jn8.HIS"), "an ed\n" + line);
   EXPECT_EQ(terminal.home->read("history/JN9.his"), line);
   EXPECT_EQ(terminal.home->read("history/aside"), three + three);
+}
+
+TEST(HistoryFiles, AreAddedToWithFewOfThemOpen) {
+  const TemporaryFolder home;
+  const Paths paths{home.path()};
+  const auto descriptors = [] {
+    std::filesystem::directory_iterator all{"/proc/self/fd"};
+    return std::distance(begin(all), end(all));
+  };
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const rlimit few{64, limit.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+  HistoryFiles files{paths};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+  const auto before = descriptors();
+  for (int frame = 0; frame < 2; ++frame) {
+    for (int id = 0; id < 40; ++id)
+      files.add(id, "line");
+    ASSERT_TRUE(files.flush());
+    EXPECT_LE(descriptors() - before, 16);
+    EXPECT_GE(descriptors() - before, 8);
+  }
+  for (int id = 0; id < 40; ++id)
+    EXPECT_EQ(home.read("History/JN" + std::to_string(id) + ".his"), "line\nline\n");
+  EXPECT_TRUE(files.close_all());
+  EXPECT_EQ(descriptors(), before);
 }
 
 TEST_F(JournalTest, TheLiveListKeepsTheNewestLines) {
