@@ -26,7 +26,7 @@ HistoryFiles::HistoryFiles(const Paths& paths) : paths_(paths) {
 }
 
 std::string HistoryFiles::name(std::int32_t id) const {
-  return paths_.full("\\History\\" + file_name(id));
+  return paths_.full("\\History\\JN" + std::to_string(id) + ".his");
 }
 
 void HistoryFiles::add(std::int32_t id, std::string_view line) {
