@@ -42,27 +42,29 @@ tl::expected<AppendedFile, FileError> AppendedFile::open(const fs::path& file) {
     fd = open_to_append(file);
   }
   if (fd < 0) return tl::unexpected(system_failure(file, errno));
-  return AppendedFile{file, Descriptor{fd}};
+  Descriptor out{fd};
+  struct stat status {};
+  if (::fstat(fd, &status) != 0) return tl::unexpected(system_failure(file, errno));
+  if (!S_ISREG(status.st_mode)) return tl::unexpected(no_regular_file(file));
+  return AppendedFile{file, std::move(out), status.st_dev, status.st_ino};
 }
 
+// One look at the name tells both whether it still is this file and how long that is.
 tl::expected<void, FileError> AppendedFile::append(std::string_view lines) {
-  struct stat before {};
-  if (::fstat(out_.get(), &before) != 0) return tl::unexpected(system_failure(file_, errno));
-  if (!S_ISREG(before.st_mode)) return tl::unexpected(no_regular_file(file_));
   struct stat named {};
-  if (::stat(file_.c_str(), &named) != 0 || named.st_ino != before.st_ino || named.st_dev != before.st_dev) {
+  if (::stat(file_.c_str(), &named) != 0 || named.st_ino != inode_ || named.st_dev != device_) {
     auto again = open(file_);
     if (!again) return tl::unexpected(again.error());
     *this = std::move(*again);
-    if (::fstat(out_.get(), &before) != 0) return tl::unexpected(system_failure(file_, errno));
+    if (::fstat(out_.get(), &named) != 0) return tl::unexpected(system_failure(file_, errno));
   }
-  const bool end_first = before.st_size != ended_at_ && ends_within_a_line(out_, before.st_size);
+  const bool end_first = named.st_size != ended_at_ && ends_within_a_line(out_, named.st_size);
   if (end_first ? out_.write(Secret::joined({"\n", lines}).reveal()) : out_.write(lines)) {
-    ended_at_ = before.st_size + static_cast<off_t>(lines.size()) + (end_first ? 1 : 0);
+    ended_at_ = named.st_size + static_cast<off_t>(lines.size()) + (end_first ? 1 : 0);
     return {};
   }
   const int code = errno;
-  (void)!::ftruncate(out_.get(), before.st_size);
+  (void)!::ftruncate(out_.get(), named.st_size);
   return tl::unexpected(system_failure(file_, code));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <string_view>
@@ -15,7 +17,7 @@ namespace tutti {
 // A text file that lines are added to at its end, kept open between them.
 class AppendedFile {
  public:
-  // Makes the file with mode 0600 when it is missing, and its folder.
+  // Makes the file with mode 0600 when it is missing, and its folder. What is no regular file is refused.
   static tl::expected<AppendedFile, FileError> open(const std::filesystem::path& file);
 
   // Appends lines in one write. A last line without an end, as a crash or an editor leaves it, is ended
@@ -26,10 +28,13 @@ class AppendedFile {
   tl::expected<void, FileError> close();
 
  private:
-  AppendedFile(std::filesystem::path file, Descriptor out) : file_(std::move(file)), out_(std::move(out)) {}
+  AppendedFile(std::filesystem::path file, Descriptor out, dev_t device, ino_t inode)
+      : file_(std::move(file)), out_(std::move(out)), device_(device), inode_(inode) {}
 
   std::filesystem::path file_;
   Descriptor out_;
+  dev_t device_;
+  ino_t inode_;
   std::int64_t ended_at_ = 0;  // size at which the last line is known to have an end
 };
 

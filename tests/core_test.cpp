@@ -10,6 +10,7 @@
 
 #include "apps/times.h"
 #include "core/CLocalSettings.h"
+#include "core/appended_file.h"
 #include "core/descriptor.h"
 #include "core/line_reader.h"
 #include "core/numbers.h"
@@ -289,6 +290,13 @@ TEST(TextFiles, OnlyWhatIsNotThereIsMissing) {
   for (const char* name : {"manage/folder.buf", "manage/pipe.buf"}) {
     EXPECT_FALSE(files.write_line(name, "x", TextFile::Mode::create)) << name;
     EXPECT_FALSE(files.write_line(name, "x", TextFile::Mode::append)) << name;
+    const fs::path replaced = manage / "replaced.buf";
+    auto kept_open = AppendedFile::open(replaced);
+    ASSERT_TRUE(kept_open && kept_open->append("x\n"));
+    fs::remove(replaced);
+    fs::create_symlink(folder.path() / name, replaced);
+    EXPECT_FALSE(kept_open->append("x\n")) << name;
+    fs::remove(replaced);
   }
 }
 
