@@ -62,6 +62,7 @@ Distribution::Sums Distribution::weed_out(std::string_view symbol) {
 
 void Distribution::write_shares(double amount, DistributionRule rule, std::string_view symbol,
                                 const Sums& sums) {
+  general_.read_settings();
   const int decimals = general_.precision.decimals();
   const double equal_share = amount / sums.accounts;
   for (Row& row : window_.account_rows()) {

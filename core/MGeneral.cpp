@@ -1,5 +1,7 @@
 #include "core/MGeneral.h"
 
+#include <utility>
+
 namespace tutti {
 
 MGeneral::MGeneral(const Paths& paths, const Clock& clock, SoundPort& sound, Prompt& prompt,
@@ -14,6 +16,7 @@ MGeneral::MGeneral(const Paths& paths, const Clock& clock, SoundPort& sound, Pro
       messages_(messages) {}
 
 void MGeneral::read_settings() {
+  if (!std::exchange(settings_outdated_, false)) return;
   const std::string fault = precision.read(files, paths.full("\\manage\\settings.buf"));
   if (fault.empty()) return;
   log("Settings not read, shares keep " + std::to_string(precision.decimals()) + " decimals: " + fault,

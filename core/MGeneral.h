@@ -49,7 +49,10 @@ class MGeneral {
   LotLimits lots;
   AmountPrecision precision;
 
-  // Has the settings file say the precision. One that can't be read changes nothing and is journaled once.
+  // An account's data have loaded: the settings file is to say the precision anew.
+  void outdate_settings() { settings_outdated_ = true; }
+  // Has it say that, once for all who asked. To be called when no more events wait, and before the precision
+  // is used. A file that can't be read changes nothing and is journaled once.
   void read_settings();
 
   // Arms the switch and plays a file of the sounds folder, such as "\sounds\OrderOk.wav".
@@ -76,6 +79,7 @@ class MGeneral {
  private:
   MessageQueue& messages_;
   bool lines_skipped_ = false;
+  bool settings_outdated_ = false;
 };
 
 }  // namespace tutti

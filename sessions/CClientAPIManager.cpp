@@ -158,7 +158,7 @@ void CClientAPIManager::AllDataAreLoaded() {
       general.play_sound("\\sounds\\Connect.wav");
     }
   }
-  general.read_settings();
+  general.outdate_settings();
 }
 
 void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {

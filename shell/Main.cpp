@@ -92,7 +92,9 @@ void Main::connect_closing() {
 
 std::size_t Main::deliver_events(std::size_t limit) {
   const std::size_t delivered = pump_.deliver(limit);
-  accounts_.write_connected(delivered == limit);
+  const bool more_to_come = delivered == limit;
+  accounts_.write_connected(more_to_come);
+  if (!more_to_come) general_.read_settings();
   return delivered;
 }
 

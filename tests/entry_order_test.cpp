@@ -19,7 +19,7 @@ struct EntryTerminal : ScriptedTerminal {
     }
     quote(1.5, 1.6);
     form.Displayed(true);
-    main->general().precision.set("2");
+    home->write("manage/settings.buf", "2");
   }
   void quote(double bid, double ask) {
     for (const ScriptedClient* client : clients)

@@ -72,7 +72,7 @@ TEST(DistributionTest, SharesByEveryRule) {
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string{c.amount} + " by rule " + std::to_string(c.rule) + ": " + c.state);
     MarketTerminal desk{c.summaries};
-    desk.main->general().precision.set(c.precision);
+    desk.home->write("manage/settings.buf", c.precision);
     desk.tick_all();
     desk.main->market_order().UpdateResult("before", 1);
     desk.distribute(c.amount, c.rule);
