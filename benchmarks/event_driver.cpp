@@ -5,7 +5,6 @@
 namespace tutti::bench {
 namespace {
 
-constexpr std::size_t events_per_run = 5000;
 // No multiple of any number of sessions, so that each event brings a session other values than the last one.
 // Few enough to stay near, as what a library has just read from its connection does.
 constexpr int changes = 101;

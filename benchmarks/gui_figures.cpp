@@ -7,11 +7,13 @@
 #include <utility>
 
 #include "benchmarks/figures.h"
+#include "benchmarks/gui_application.h"
 #include "benchmarks/gui_events.h"
 #include "benchmarks/gui_probe.h"
 #include "benchmarks/gui_rivals.h"
 #include "benchmarks/gui_run.h"
 #include "benchmarks/interleaved.h"
+#include "benchmarks/journal_list.h"
 #include "gui/kit/theme.h"
 
 namespace tutti::bench {
@@ -53,22 +55,25 @@ void event_costs(Gui& gui) {
   };
   constexpr std::size_t passes = 2000;
   constexpr double events = passes * accounts;
-  figure("gui_event_over_floor",
-         interleaved_ratio([&] { return saturated(gui.row_events()); },
-                           [&] { return cpu_per(events, [&] { gui.events.floor(passes); }); }));
-  figure("gui_paints_per_second", median(std::exchange(paints, {})));
-  figure(
-      "gui_summary_event_over_no_screen",
-      interleaved_ratio([&] { return saturated(gui.summary_events()); },
-                        [&] { return cpu_per(events, [&] { gui.events.summaries(passes * accounts); }); }));
-
-  AccountsWindow with_totals{gui.terminal, true};
-  figure("gui_totals_line_cost",
-         interleaved_ratio(
-             [&] {
-               return run_gui(with_totals.screen(), with_totals.paints(), gui.summary_events()).cpu_per_event;
-             },
-             [&] { return saturated(gui.summary_events()); }));
+  if (wanted("gui_event_over_floor") || wanted("gui_paints_per_second")) {
+    figure("gui_event_over_floor",
+           interleaved_ratio([&] { return saturated(gui.row_events()); },
+                             [&] { return cpu_per(events, [&] { gui.events.floor(passes); }); }));
+    figure("gui_paints_per_second", median(std::exchange(paints, {})));
+  }
+  figure("gui_summary_event_over_no_screen", [&] {
+    return interleaved_ratio(
+        [&] { return saturated(gui.summary_events()); },
+        [&] { return cpu_per(events, [&] { gui.events.summaries(passes * accounts); }); });
+  });
+  figure("gui_totals_line_cost", [&] {
+    AccountsWindow with_totals{gui.terminal, true};
+    return interleaved_ratio(
+        [&] {
+          return run_gui(with_totals.screen(), with_totals.paints(), gui.summary_events()).cpu_per_event;
+        },
+        [&] { return saturated(gui.summary_events()); });
+  });
 }
 
 // The same events and the same list as a standard item model of the toolkit's in its own view, which is told
@@ -81,12 +86,14 @@ void coalesced_model(Gui& gui, CoalescedRival& rival, const char* name, double p
                              }
                            },
                            per_second};
-  figure(name, interleaved_ratio(
-                   [&] {
-                     return run_gui(gui.window.screen(), gui.window.paints(), gui.summary_events(per_second))
-                         .cpu_per_second;
-                   },
-                   [&] { return run_gui(rival.screen(), rival.paints(), rival_load).cpu_per_second; }));
+  figure(name, [&] {
+    return interleaved_ratio(
+        [&] {
+          return run_gui(gui.window.screen(), gui.window.paints(), gui.summary_events(per_second))
+              .cpu_per_second;
+        },
+        [&] { return run_gui(rival.screen(), rival.paints(), rival_load).cpu_per_second; });
+  });
 }
 
 double repaint_per_cell(QTableView& view) {
@@ -98,12 +105,11 @@ double repaint_per_cell(QTableView& view) {
   });
 }
 
-void cell_costs(Gui& gui) {
+double cell_costs(Gui& gui) {
   StockView stock{gui.window.list()};
   QCoreApplication::processEvents();
-  figure("gui_cell_over_stock_delegate",
-         interleaved_ratio([&] { return repaint_per_cell(gui.window.list()); },
-                           [&] { return repaint_per_cell(stock.view()); }));
+  return interleaved_ratio([&] { return repaint_per_cell(gui.window.list()); },
+                           [&] { return repaint_per_cell(stock.view()); });
 }
 
 // Nanoseconds of wall time for a repaint of all cells, once a frame while events come in, which is when the
@@ -157,19 +163,25 @@ double first_paint_of_bare_window() {
 
 }  // namespace
 
-void gui_figures(const BenchMarket& market) {
+void gui_figures() {
+  const std::unique_ptr<QApplication> application = make_application("offscreen");
+  const BenchMarket market;
   Gui gui{market};
   wait_for_paint(gui.window.paints());
   event_costs(gui);
-  {
+  if (wanted("cpu_over_coalesced_model_100k") || wanted("cpu_over_coalesced_model_5k")) {
     CoalescedRival rival{gui.window.list()};
     coalesced_model(gui, rival, "cpu_over_coalesced_model_100k", 100'000.0);
     coalesced_model(gui, rival, "cpu_over_coalesced_model_5k", 5'000.0);
   }
-  cell_costs(gui);
-  latencies(gui);
-  figure("first_paint_500_over_bare_window",
-         interleaved_ratio([&] { return first_paint(gui.terminal); }, first_paint_of_bare_window));
+  figure("gui_cell_over_stock_delegate", [&] { return cell_costs(gui); });
+  if (wanted("gui_repaint_us") || wanted("gui_probe_p99_over_repaint") ||
+      wanted("gui_probe_p999_over_repaint"))
+    latencies(gui);
+  figure("first_paint_500_over_bare_window", [&] {
+    return interleaved_ratio([&] { return first_paint(gui.terminal); }, first_paint_of_bare_window);
+  });
+  figure("journal_line_1m_over_10k", journal_line_ratio);
 }
 
 }  // namespace tutti::bench

@@ -1,79 +1,64 @@
 #include <malloc.h>
 
-#include <chrono>
-#include <filesystem>
-#include <memory>
-#include <stdexcept>
-#include <string>
+#include <vector>
 
+#include "benchmarks/call_counter.h"
 #include "benchmarks/figures.h"
 #include "benchmarks/interleaved.h"
-#include "benchmarks/quiet_ports.h"
-#include "benchmarks/scratch_folder.h"
-#include "core/file_writer.h"
-#include "core/locale_port.h"
-#include "dealer/link/dealing_server.h"
-#include "shell/Main.h"
+#include "benchmarks/manual_program.h"
 
 namespace tutti::bench {
 namespace {
 
-using namespace std::chrono_literals;
+constexpr int accounts = 500;
+constexpr int symbols = 20;
 
-std::size_t heap_in_use() {
-  return mallinfo2().uordblks;
+// Nanoseconds per account from start-up to the last account's row in the market order window.
+double login_time(int count) {
+  ManualProgram program{count, symbols};
+  return time_of([&] { program.start(); }) / count;
 }
 
-std::string saved_list(const DealerConfig& config) {
-  std::string lines;
-  for (const AccountConfig& account : config.accounts) {
-    lines += account.user + "," + account.password + "," + std::to_string(account.number) + "\n";
-  }
-  return lines;
+// What lies on the heap, large blocks included, which the system lends one by one.
+double heap_in_use() {
+  const auto heap = mallinfo2();
+  return static_cast<double>(heap.uordblks + heap.hblkhd);
 }
 
-// Starts the program and runs it until every account is in the market order window, which is the last thing
-// its data do.
-std::unique_ptr<Main> log_all_in(const std::filesystem::path& home, const MachinePorts& ports,
-                                 ManualClock& clock, DealingServer& server) {
-  auto started = Main::start(
-      home, ports,
-      {[&](const LoginData&) { return server.make_client(); }, {&server}, server.config().endpoint});
-  if (!started) throw std::runtime_error(started.error().text());
-  Main& main = **started;
-  const std::size_t all = server.config().accounts.size();
-  for (auto left = 10'000ms; main.market_order().lvwConClients.size() < all; left -= 10ms) {
-    if (left == 0ms) throw std::runtime_error("not every account logged in");
-    clock.advance(10ms);
-    server.advance();
-    main.deliver_events();
-  }
-  return std::move(*started);
+// What the heap grows by meanwhile, per account.
+double bytes_per_session(int carried) {
+  ManualProgram program{accounts, carried};
+  const double before = heap_in_use();
+  program.start();
+  return (heap_in_use() - before) / accounts;
+}
+
+double file_calls() {
+  return CallCounter::per_unit([](const CallCounter& counter) {
+    ManualProgram program{accounts, symbols};
+    counter.begin();
+    program.start();
+    counter.end();
+    return std::size_t{1};
+  });
 }
 
 }  // namespace
 
 void login_figures() {
-  constexpr int accounts = 500;
-  const ScratchFolder home;
-  ManualClock clock;
-  QuietPrompt prompt;
-  QuietSound sound;
-  ProcessLocale locale;
-  QuietFileDialog file_dialog;
-  DealerConfig config = DealerConfig::sample(accounts);
-  config.symbols.resize(20);
-  DealingServer server{std::move(config), clock};
-  std::filesystem::create_directory(home.path() / "manage");
-  if (const auto written = replace_file(home.path() / "manage/savelvinfo.buf", saved_list(server.config()));
-      !written) {
-    throw std::runtime_error(written.error().text());
-  }
-  const std::size_t before = heap_in_use();
-  std::unique_ptr<Main> main;
-  const MachinePorts ports{clock, prompt, sound, locale, file_dialog};
-  figure("login_500_ms", time_of([&] { main = log_all_in(home.path(), ports, clock, server); }) / 1e6);
-  figure("bytes_per_session", static_cast<double>(heap_in_use() - before) / accounts);
+  // Measured first, while the heap has no holes.
+  figure("bytes_per_session", [] { return bytes_per_session(symbols); });
+  figure("bytes_per_session_1000_symbols", [] { return bytes_per_session(1000); });
+  figure("login_500_ms", [] {
+    std::vector<double> runs;
+    for (int run = 0; run < 5; ++run)
+      runs.push_back(login_time(accounts) * accounts / 1e6);
+    return median(std::move(runs));
+  });
+  figure("login_500_over_50", [] {
+    return interleaved_ratio([] { return login_time(accounts); }, [] { return login_time(50); });
+  });
+  figure("login_500_file_calls", file_calls);
 }
 
 }  // namespace tutti::bench

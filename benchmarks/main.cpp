@@ -1,59 +1,69 @@
 #include <fmt/format.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <QApplication>
-#include <QLoggingCategory>
-#include <algorithm>
-#include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
-#include <memory>
+#include <span>
 #include <string_view>
 
 #include "benchmarks/figures.h"
-#include "gui/kit/theme.h"
+#include "benchmarks/instructions.h"
 
 namespace tutti::bench {
+namespace {
 
-void figure(std::string_view name, double value) {
-  fmt::print("{} {:.2f}\n", name, value);
-  std::fflush(stdout);
+void print_names() {
+  for (const Group& group : groups()) {
+    fmt::print("{}:\n", group.name);
+    for (const Figure& figure : group.figures)
+      fmt::print("  {}{}\n", figure.name, figure.is_long ? "  (long)" : "");
+  }
 }
 
-static std::unique_ptr<QApplication> make_application() {
-  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  // The offscreen platform complains of every window that it knows no size hints.
-  QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
-  static int count = 1;
-  static char name[] = "tutti_bench";
-  static char* arguments[] = {name, nullptr};
-  auto application = std::make_unique<QApplication>(count, arguments);
-  std::setlocale(LC_NUMERIC, "C");
-  theme::apply(*application);
-  return application;
+bool run(const Group& group) {
+  try {
+    group.run();
+    for (const std::string_view name : missing(group)) {
+      fmt::print(stderr, "tutti_bench: {} was not measured\n", name);
+      return false;
+    }
+    return true;
+  } catch (const std::exception& error) {
+    fmt::print(stderr, "tutti_bench: {}: {}\n", group.name, error.what());
+    return false;
+  }
 }
 
+// No group finds the memory, or the toolkit, as another left it.
+bool run_apart(const Group& group) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const bool done = run(group);
+    std::fflush(nullptr);
+    ::_exit(done ? 0 : 1);
+  }
+  int status = 1;
+  return child > 0 && ::waitpid(child, &status, 0) == child && status == 0;
+}
+
+}  // namespace
 }  // namespace tutti::bench
 
-// Runs the groups of figures that are named - events, positions, orders, login, gui, program - or all when
-// none is. The last two are on the toolkit's offscreen platform, or on the one that QT_QPA_PLATFORM names.
+// Measures the figures that are named, each by itself or by its group; "short" are those that are soon done,
+// "all" every one. --list says which there are.
 int main(int argc, char** argv) {
-  const auto wanted = [&](std::string_view group) {
-    return argc < 2 || std::find(argv + 1, argv + argc, group) != argv + argc;
-  };
-  try {
-    const tutti::bench::BenchMarket market;
-    if (wanted("events")) tutti::bench::event_figures(market);
-    if (wanted("positions")) tutti::bench::position_figures(market);
-    if (wanted("orders")) tutti::bench::order_figures(market);
-    if (wanted("login")) tutti::bench::login_figures();
-    if (wanted("gui") || wanted("program")) {
-      const std::unique_ptr<QApplication> application = tutti::bench::make_application();
-      if (wanted("gui")) tutti::bench::gui_figures(market);
-      if (wanted("program")) tutti::bench::program_figures();
-    }
-  } catch (const std::exception& error) {
-    fmt::print(stderr, "tutti_bench: {}\n", error.what());
-    return 1;
+  using namespace tutti::bench;
+  const std::span<char* const> words{argv + 1, argv + argc};
+  if (words.size() == 1 && words[0] == std::string_view{"--list"}) return print_names(), 0;
+  if (words.size() == 2 && words[0] == summaries_word) return run_summaries(std::atoi(words[1])), 0;
+  if (words.empty() || !ask_for(words)) {
+    fmt::print(stderr, "Figures are named by themselves, by their group, as \"short\" or as \"all\":\n");
+    return print_names(), 2;
   }
-  return 0;
+  bool done = true;
+  for (const Group& group : groups())
+    if (wanted(group)) done = run_apart(group) && done;
+  return done ? 0 : 1;
 }

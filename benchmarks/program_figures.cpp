@@ -5,14 +5,17 @@
 #include <algorithm>
 #include <array>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <random>
 #include <thread>
 #include <utility>
 
 #include "benchmarks/figures.h"
+#include "benchmarks/gui_application.h"
 #include "benchmarks/gui_run.h"
 #include "benchmarks/interleaved.h"
+#include "benchmarks/order_waits.h"
 #include "benchmarks/whole_program.h"
 #include "gui/kit/theme.h"
 
@@ -21,11 +24,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using SteadyClock = std::chrono::steady_clock;
-
-// 21 symbols of 500 accounts, of which every other one moves with every tick.
-constexpr const char* no_ticks = "sample_accounts = 500\ntick_interval_ms = 3600000\norder_latency_ms = 1\n";
-constexpr const char* slow_ticks = "sample_accounts = 500\norder_latency_ms = 1\n";
-constexpr const char* storm = "sample_accounts = 500\ntick_interval_ms = 52\n";
 
 class LayoutCount final : public QObject {
  public:
@@ -44,30 +42,32 @@ long sleeps() {
   return used.ru_nvcsw;
 }
 
-void idle() {
-  constexpr auto time = 5s;
-  constexpr double seconds = 5.0;
-  {
-    WholeProgram program{""};
-    program.open_window();
-    program.log_in();
-    program.run_for(3s);
-    const LayoutCount count{program.window()};
-    const double start = cpu_time();
-    program.run_for(time);
-    figure("idle_demo_ms_per_second", (cpu_time() - start) / 1e6 / seconds);
-    figure("idle_layouts_per_second", count.layouts / seconds);
-  }
+constexpr auto idle_time = 5s;
+constexpr double idle_seconds = 5.0;
+
+void idle_demo() {
+  WholeProgram program{""};
+  program.open_window();
+  program.log_in();
+  program.run_for(3s);
+  const LayoutCount count{program.window()};
+  const double start = cpu_time();
+  program.run_for(idle_time);
+  figure("idle_demo_ms_per_second", (cpu_time() - start) / 1e6 / idle_seconds);
+  figure("idle_layouts_per_second", count.layouts / idle_seconds);
+}
+
+double idle_wakeups() {
   WholeProgram program{no_ticks};
   program.open_window();
   program.log_in();
   program.run_for(3s);
   const long before = sleeps();
-  program.run_for(time);
-  figure("idle_wakeups_per_second", static_cast<double>(sleeps() - before) / seconds);
+  program.run_for(idle_time);
+  return static_cast<double>(sleeps() - before) / idle_seconds;
 }
 
-void first_paint() {
+double first_paint() {
   WholeProgram program{no_ticks};
   const auto run = [&program] {
     const double start = cpu_time();
@@ -76,10 +76,10 @@ void first_paint() {
     program.close_window();
     return time;
   };
-  figure("first_paint_styled_over_plain", interleaved_ratio(run, [&] {
-           const theme::WithoutSheet plain{*qApp};
-           return run();
-         }));
+  return interleaved_ratio(run, [&] {
+    const theme::WithoutSheet plain{*qApp};
+    return run();
+  });
 }
 
 // The longest turn of the loop in each of what takes longest, in nanoseconds.
@@ -120,6 +120,9 @@ Slices slices() {
 void longest_slice() {
   constexpr std::array names{"longest_slice_login_ms", "longest_slice_order_ms", "longest_slice_close_ms",
                              "longest_slice_storm_ms"};
+  if (!wanted("longest_slice_ms") &&
+      std::none_of(names.begin(), names.end(), [](std::string_view name) { return wanted(name); }))
+    return;
   std::array<std::vector<double>, names.size()> runs;
   for (int run = 0; run < 5; ++run) {
     const Slices longest = slices();
@@ -211,9 +214,13 @@ void keys() {
 }  // namespace
 
 void program_figures() {
-  idle();
-  first_paint();
-  keys();
+  const std::unique_ptr<QApplication> application = make_application("xcb");
+  if (wanted("idle_demo_ms_per_second") || wanted("idle_layouts_per_second")) idle_demo();
+  figure("idle_wakeups_per_second", idle_wakeups);
+  figure("first_order_over_second", first_order_over_second);
+  figure("screen_order_over_headless", screen_order_over_headless);
+  figure("first_paint_styled_over_plain", first_paint);
+  if (wanted("key_to_handler_p99_over_repaint") || wanted("key_to_paint_p99_frames")) keys();
   longest_slice();
 }
 

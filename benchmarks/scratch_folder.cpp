@@ -8,9 +8,9 @@ namespace tutti::bench {
 
 namespace fs = std::filesystem;
 
-ScratchFolder::ScratchFolder() {
+ScratchFolder::ScratchFolder(const fs::path& where) {
   std::random_device random;
-  path_ = fs::temp_directory_path() / ("tutti-bench-" + std::to_string(random()));
+  path_ = where / ("tutti-bench-" + std::to_string(random()));
   if (!fs::create_directory(path_)) throw std::runtime_error("no scratch folder: " + path_.string());
 }
 

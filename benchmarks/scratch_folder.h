@@ -4,10 +4,10 @@
 
 namespace tutti::bench {
 
-// A folder of its own below the machine's temporary one, gone with the object.
+// A folder of its own below another, gone with the object.
 class ScratchFolder {
  public:
-  ScratchFolder();
+  explicit ScratchFolder(const std::filesystem::path& where = std::filesystem::temp_directory_path());
   ~ScratchFolder();
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;

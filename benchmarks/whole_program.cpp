@@ -4,11 +4,8 @@
 #include <algorithm>
 #include <ctime>
 #include <stdexcept>
-#include <utility>
 
-#include "apps/embedded_dealer.h"
 #include "benchmarks/gui_windows.h"
-#include "core/file_writer.h"
 #include "gui/kit/theme.h"
 
 namespace tutti::bench {
@@ -24,23 +21,6 @@ double thread_time() {
 
 }  // namespace
 
-WholeProgram::WholeProgram(const std::string& dealer) {
-  TerminalOptions options;
-  options.home = home_.path();
-  options.create = true;
-  options.demo = dealer.empty();
-  if (!dealer.empty()) {
-    options.dealer_file = home_.path() / "dealer.toml";
-    if (const auto written = replace_file(options.dealer_file, dealer); !written)
-      throw std::runtime_error(written.error().text());
-  }
-  auto opened =
-      Terminal::open(options, {nobody_, silence_, files_, clock_, [](std::string_view) {}},
-                     [this](const TerminalOptions& home) { return EmbeddedDealer::open(home, clock_); });
-  if (!opened) throw std::runtime_error(opened.error().text());
-  terminal_ = std::move(*opened);
-}
-
 WholeProgram::~WholeProgram() {
   heartbeat_.reset();
   window_.reset();
@@ -49,7 +29,7 @@ WholeProgram::~WholeProgram() {
 void WholeProgram::open_window() {
   {
     const theme::WithoutSheet bare{*qApp};
-    window_ = std::make_unique<FrmMdiNewWindow>(main(), screen_, prompt_, sound_, files_);
+    window_ = std::make_unique<FrmMdiNewWindow>(main(), screen_, prompt_, sound_, program_.files());
   }
   const PaintCount paints{window_->panes().accounts().list()};
   window_->resize(1366, 768);
@@ -63,16 +43,16 @@ void WholeProgram::close_window() {
 }
 
 void WholeProgram::log_in() {
+  Terminal& terminal = program_.terminal();
+  const Clock& clock = program_.clock();
   heartbeat_ = std::make_unique<Heartbeat>(
-      screen_, clock_,
-      Heartbeat::Source{
-          [this](std::size_t limit) { return terminal_->advance(limit); },
-          [this] { return std::max(terminal_->next_due().value_or(TimePoint::max()) - clock_.now(), 0ms); }});
+      screen_, clock,
+      Heartbeat::Source{[&terminal](std::size_t limit) { return terminal.advance(limit); },
+                        [&terminal, &clock] {
+                          return std::max(terminal.next_due().value_or(TimePoint::max()) - clock.now(), 0ms);
+                        }});
   heartbeat_->start();
-  run_until([this] {
-    const auto all = static_cast<std::size_t>(main().account_book().counts().all);
-    return all > 0 && main().market_order().lvwConClients.size() == all;
-  });
+  run_until([this] { return program_.logged_in(); });
 }
 
 void WholeProgram::act(std::function<void()> what) {
@@ -86,8 +66,8 @@ void WholeProgram::act(std::function<void()> what) {
 }
 
 void WholeProgram::run_until(const std::function<bool()>& done) {
-  for (const auto end = clock_.elapsed() + 60s; !done();) {
-    if (clock_.elapsed() > end) throw std::runtime_error("the program does not get there");
+  for (const auto end = program_.clock().elapsed() + 60s; !done();) {
+    if (program_.clock().elapsed() > end) throw std::runtime_error("the program does not get there");
     const double start = thread_time();
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     longest_slice_ = std::max(longest_slice_, thread_time() - start);
@@ -95,19 +75,16 @@ void WholeProgram::run_until(const std::function<bool()>& done) {
 }
 
 void WholeProgram::run_for(std::chrono::milliseconds time) {
-  run_until([this, end = clock_.elapsed() + time] { return clock_.elapsed() >= end; });
+  run_until([this, end = program_.clock().elapsed() + time] { return program_.clock().elapsed() >= end; });
+}
+
+void WholeProgram::distribute(const char* lots) {
+  act([this, lots] { program_.distribute(lots); });
 }
 
 void WholeProgram::order(const char* lots) {
+  distribute(lots);
   frmorder& form = main().market_order();
-  act([&form, lots] {
-    form.cbsymbols.choose("EURUSD");
-    form.CBdis.choose(0);
-    form.txtammount.set_text("");
-    form.txtammount.type(lots);
-    if (!form.chkAllClients.checked()) form.chkAllClients.click();
-    form.cmddis.click();
-  });
   bool sent = false;
   act([&form, &sent] {
     form.cmdbuy.click();

@@ -5,25 +5,21 @@
 #include <memory>
 #include <string>
 
-#include "apps/terminal.h"
-#include "benchmarks/quiet_ports.h"
-#include "benchmarks/scratch_folder.h"
-#include "core/clock.h"
+#include "benchmarks/home_program.h"
 #include "gui/kit/heartbeat.h"
 #include "gui/kit/screen.h"
 #include "gui/shell/frmMdiNew_window.h"
 
 namespace tutti::bench {
 
-// The program as the operator has it, in real time on its own dealing server: 500 accounts, which log in by
-// themselves, and the main window with all panes. Wants the toolkit's application. Nobody is asked anything.
+// The program as the operator has it: 500 accounts, and the main window with all panes. Wants the toolkit's
+// application.
 class WholeProgram {
  public:
-  // `dealer`: what the server's configuration file says; empty: the demonstration.
-  explicit WholeProgram(const std::string& dealer);
+  explicit WholeProgram(const std::string& dealer) : program_(dealer) {}
   ~WholeProgram();
 
-  Main& main() { return terminal_->main(); }
+  Main& main() { return program_.main(); }
   Screen& screen() { return screen_; }
   Heartbeat& heartbeat() { return *heartbeat_; }
   FrmMdiNewWindow& window() { return *window_; }
@@ -38,6 +34,7 @@ class WholeProgram {
   // The toolkit's loop; throws when it takes longer than a minute.
   void run_until(const std::function<bool()>& done);
   void run_for(std::chrono::milliseconds time);
+  void distribute(const char* lots);
   // A market order over all accounts until every answer is there.
   void order(const char* lots);
 
@@ -45,15 +42,10 @@ class WholeProgram {
   double take_longest_slice() { return std::exchange(longest_slice_, 0.0); }
 
  private:
-  ScratchFolder home_;
-  SystemClock clock_;
+  HomeProgram program_;
   Screen screen_;
-  QuietPrompt nobody_;
-  QuietSound silence_;
-  QuietFileDialog files_;
   DesktopPrompt prompt_{screen_};
-  DesktopSound sound_{home_.path()};
-  std::unique_ptr<Terminal> terminal_;
+  DesktopSound sound_{program_.home()};
   std::unique_ptr<FrmMdiNewWindow> window_;
   std::unique_ptr<Heartbeat> heartbeat_;
   double longest_slice_ = 0.0;

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "benchmarks/quiet_ports.h"
+#include "benchmarks/scratch_folder.h"
+#include "core/clock.h"
+#include "core/locale_port.h"
+#include "dealer/link/dealing_server.h"
+#include "shell/Main.h"
+
+namespace tutti::bench {
+
+// The program without a screen, in a folder of its own, on a dealing server that keeps no book; its clock is
+// turned as fast as it goes.
+class ManualProgram {
+ public:
+  // So many of the sample accounts are saved, to be logged in at the start, and carry so many symbols.
+  ManualProgram(int accounts, int symbols);
+
+  // Starts it, and lets it run until every account is in the market order window, which is the last thing its
+  // data do.
+  Main& start();
+  // Throws when that takes a minute by its clock.
+  void run_until(const std::function<bool()>& done);
+
+  Main& main() { return *main_; }
+  const std::filesystem::path& home() const { return home_.path(); }
+
+ private:
+  ScratchFolder home_;
+  ManualClock clock_;
+  QuietPrompt prompt_;
+  QuietSound sound_;
+  ProcessLocale locale_;
+  QuietFileDialog file_dialog_;
+  DealingServer server_;
+  std::unique_ptr<Main> main_;
+};
+
+}  // namespace tutti::bench
