@@ -41,13 +41,14 @@ void ClientRows::make_cells(Row& row) {
     row.set_number(floating, shown.values.floating_pl, NumberFormat::summary);
     row.set_number(credit, shown.values.credit, NumberFormat::summary);
     row.set_number(equity, shown.values.equity, NumberFormat::summary);
-    row.set_number(used_margin, shown.values.used_margin, NumberFormat::summary);
-    row.set_number(margin_level, shown.values.margin_level, NumberFormat::percent);
+    row.set_number(used_margin, shown.values.shown_used_margin(), NumberFormat::summary);
+    row.set_number(margin_level, shown.values.shown_margin_level(), NumberFormat::percent);
     row.set_number(free_margin, shown.values.free_margin, NumberFormat::summary);
   } else {
     row.clear_cells(balance, free_margin);
   }
   rows_.made(account.handle);
+  shown.outdated = false;
 }
 
 void ClientRows::remove(const AccountEntry& account) {

@@ -105,11 +105,15 @@ std::string rows_text(const RowList& list) {
 }
 
 Json totals_json(Main& main) {
-  const Totals& totals = main.general().totals;
-  return {{"balance", json_money(totals.balance)},         {"floating", json_money(totals.floating_pl)},
-          {"credit", json_money(totals.credit)},           {"equity", json_money(totals.equity)},
-          {"used_margin", json_money(totals.used_margin)}, {"margin_level", json_money(totals.margin_level)},
-          {"free_margin", json_money(totals.free_margin)}, {"line", main.window().totals_pane()}};
+  const AccountTotals& totals = main.account_book().totals;
+  return {{"balance", json_money(totals.balance)},
+          {"floating", json_money(totals.floating_pl)},
+          {"credit", json_money(totals.credit)},
+          {"equity", json_money(totals.equity)},
+          {"used_margin", json_money(totals.shown_used_margin())},
+          {"margin_level", json_money(totals.shown_margin_level())},
+          {"free_margin", json_money(totals.free_margin)},
+          {"line", main.window().totals_pane()}};
 }
 
 Json journal_json(Main& main, const Clock& clock) {

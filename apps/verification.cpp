@@ -65,7 +65,7 @@ const TradingAccount* Verification::connected(std::int32_t account) const {
   return main_.account_book().connected(account) ? server_.find_account(account) : nullptr;
 }
 
-void Verification::check_account(const Totals& shown, const TradingAccount& booked) {
+void Verification::check_account(const AccountSummary& shown, const TradingAccount& booked) {
   const AccountSummary summary = booked.summary();
   const auto value = [&](const char* name, double listed, double expected) {
     compare(booked.config().number, name, listed, expected, half_a_cent);
@@ -74,32 +74,31 @@ void Verification::check_account(const Totals& shown, const TradingAccount& book
   value("floating profit", shown.floating_pl, summary.floating_pl);
   value("credit", shown.credit, summary.credit);
   value("equity", shown.equity, summary.equity);
-  value("used margin", shown.used_margin, -summary.used_margin);
-  value("margin level", shown.margin_level, summary.margin_level * 100.0);
+  value("used margin", shown.shown_used_margin(), summary.shown_used_margin());
+  value("margin level", shown.shown_margin_level(), summary.shown_margin_level());
   value("free margin", shown.free_margin, summary.free_margin);
 }
 
 void Verification::check_totals() {
-  Totals booked;
+  AccountTotals booked;
   int accounts = 0;
   for (const AccountEntry* each : main_.account_book().listed()) {
     if (!each->connected()) continue;
     const TradingAccount* account = server_.find_account(each->account);
     if (account == nullptr) continue;
     check_account(each->shown.values, *account);
-    const AccountSummary s = account->summary();
-    booked.replace({}, {s.balance, s.floating_pl, s.credit, s.equity, -s.used_margin, s.margin_level * 100.0,
-                        s.free_margin});
+    booked.replace({}, account->summary(), booked.form);
     ++accounts;
   }
-  const Totals& shown = main_.general().totals;
+  const AccountTotals& shown = main_.account_book().totals;
   const double tolerance = half_a_cent * (accounts + 1);
   compare(no_account, "total balance", shown.balance, booked.balance, tolerance);
   compare(no_account, "total floating profit", shown.floating_pl, booked.floating_pl, tolerance);
   compare(no_account, "total credit", shown.credit, booked.credit, tolerance);
   compare(no_account, "total equity", shown.equity, booked.equity, tolerance);
-  compare(no_account, "total used margin", shown.used_margin, booked.used_margin, tolerance);
-  compare(no_account, "total margin level", shown.margin_level, booked.margin_level, tolerance);
+  compare(no_account, "total used margin", shown.shown_used_margin(), booked.shown_used_margin(), tolerance);
+  compare(no_account, "total margin level", shown.shown_margin_level(), booked.shown_margin_level(),
+          tolerance);
   compare(no_account, "total free margin", shown.free_margin, booked.free_margin, tolerance);
 }
 

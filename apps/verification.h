@@ -29,7 +29,7 @@ class Verification {
  private:
   void differ(std::int32_t account, const std::string& what);
   void compare(std::int32_t account, const std::string& what, double shown, double booked, double tolerance);
-  void check_account(const Totals& shown, const TradingAccount& booked);
+  void check_account(const AccountSummary& shown, const TradingAccount& booked);
   void check_totals();
   void check_positions();
   void check_net();

@@ -57,7 +57,7 @@ class BenchTerminal {
   CLocalSettings locale_{locale_port_};
   Books books_;
   Desk desk_;
-  frmMdiNew window_{general_.totals};
+  frmMdiNew window_{books_.accounts};
   AccountSummary first_values_{.balance = 1000.0, .equity = 1000.0, .free_margin = 1000.0};
   const AccountSummary* values_ = &first_values_;
   std::vector<BenchClient*> clients_;  // owned by their sessions

@@ -5,7 +5,7 @@
 namespace tutti {
 
 AccountEntry& AccountBook::add(std::string_view user, std::int32_t account, const Endpoint& server) {
-  AccountEntry& record = all_.emplace_back();
+  AccountEntry& record = all_.add({});
   record.handle = static_cast<AccountHandle>(all_.size() - 1);
   record.account = account;
   record.user = user;
@@ -18,7 +18,7 @@ AccountEntry& AccountBook::add(std::string_view user, std::int32_t account, cons
 
 void AccountBook::remove(AccountHandle handle) {
   AccountEntry& record = all_[handle];
-  record.listed = false;
+  record.shown.state = AccountState::disconnected;
   std::erase(listed_, &record);
   const auto of_account = by_account_.find(record.account);
   std::erase(of_account.value(), &record);

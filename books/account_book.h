@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -9,8 +8,9 @@
 
 #include <tsl/robin_map.h>
 
+#include "books/account_totals.h"
+#include "books/record_blocks.h"
 #include "core/colours.h"
-#include "core/totals.h"
 #include "sessions/contract/login_data.h"
 
 namespace tutti {
@@ -25,31 +25,34 @@ enum class AccountState : std::uint8_t {
 // Number of a record, given once and good for the whole run.
 using AccountHandle = std::uint32_t;
 
-// One session of an account. An account number has as many as it stands under user names.
-struct AccountEntry {
+// One session of an account. An account number has as many as it stands under user names. What every summary
+// writes comes first and fills two lines of the processor's cache.
+struct alignas(64) AccountEntry {
   // What the row of the accounts list shows. It has steps of its own: a query shows what it brought and
   // "connected" whatever was told of the connection, and a logout empties the row before the connection ends.
   struct Shown {
+    AccountSummary values;  // zeros while there are none
     AccountState state = AccountState::disconnected;
     Ink ink = Ink::red;  // of the state
     bool has_values = false;
-    Totals values;  // zeros while there are none
+    // A query's values are on show, and who shows the row knows that it is outdated. He takes it back as soon
+    // as he has read them.
+    mutable bool outdated = false;
     std::string note;
   };
 
+  AccountSummary values;    // what the session last added to the totals; zeros while disconnected
+  std::uint64_t stamp = 0;  // raised with every change
+  Shown shown;
   AccountHandle handle = 0;
   std::int32_t account = 0;
-  std::uint64_t stamp = 0;                          // raised with every change
   AccountState state = AccountState::disconnected;  // as the connection told last
-  bool listed = true;                               // false once its session has left
-  Totals values;  // what the session last added to the totals; zeros while disconnected
-  Shown shown;
   std::string note;  // the operator's, for when the reason that is shown in its place no longer holds
   std::string user;  // as typed
   Endpoint server;
 
   // Its row reads so, and is there.
-  bool connected() const { return listed && shown.state == AccountState::connected; }
+  bool connected() const { return shown.state == AccountState::connected; }
 };
 
 // What is known of every account session. Sessions write, everybody reads. Records stay where they are for
@@ -82,7 +85,7 @@ class AccountBook {
     record.state = state;
     changed(record);
   }
-  void set_values(AccountEntry& record, const Totals& values) {
+  void set_values(AccountEntry& record, const AccountSummary& values) {
     record.values = values;
     changed(record);
   }
@@ -93,9 +96,11 @@ class AccountBook {
   // Green where it says "connected", red otherwise.
   void recolour(AccountEntry& record);
   // What a query brought. It comes with every summary.
-  void show_values(AccountEntry& record, const Totals& values) {
+  void show_values(AccountEntry& record, const AccountSummary& values) {
     AccountEntry::Shown& shown = record.shown;
     shown.values = values;
+    if (shown.outdated) [[likely]]
+      return changed(record);
     shown.has_values = true;
     // Green is the colour of "connected" alone.
     if (shown.ink != Ink::green) {
@@ -103,22 +108,28 @@ class AccountBook {
       shown.ink = Ink::green;
     }
     show(record);
+    shown.outdated = true;
   }
   void clear_values(AccountEntry& record);
   // A note in the place of the operator's, until that is shown again.
   void show_note(AccountEntry& record, std::string_view note);
 
-  // Told after what a row shows has changed; set once by the list of the rows.
+  // Sum over the connected sessions; only sessions change it.
+  AccountTotals totals;
+
+  // Told after what a row shows has changed, of values once until they were read; set once by the list of the
+  // rows.
   std::function<void(const AccountEntry&)> on_shown;
 
  private:
   void changed(AccountEntry& record) { record.stamp = ++stamp_; }
   void show(AccountEntry& record) {
     changed(record);
+    record.shown.outdated = false;
     if (on_shown) on_shown(record);
   }
 
-  std::deque<AccountEntry> all_;  // by handle
+  RecordBlocks<AccountEntry> all_;  // by handle
   std::vector<const AccountEntry*> listed_;
   tsl::robin_map<std::int32_t, std::vector<const AccountEntry*>> by_account_;  // of those listed
   std::uint64_t stamp_ = 0;

@@ -36,11 +36,14 @@ class RecordBook {
  public:
   // 0 and up; that of a record that went is given to one that comes later.
   using Slot = std::uint32_t;
-  struct Record : Item {
+  struct Place {
     Slot slot = 0;
-    int digits = 5;             // decimals of its prices
-    std::uint64_t stamp = 0;    // of its last change
-    std::uint64_t written = 0;  // the same, without those of its worth alone
+    int digits = 5;           // decimals of its prices
+    std::uint64_t stamp = 0;  // of its last change
+  };
+  // What each price of a position reads and writes comes first and fills one line of the processor's cache.
+  struct alignas(64) Record : Place, Item {
+    std::uint64_t written = 0;  // stamp of the last change that was not one of its worth alone
     std::uint64_t arrival = 0;  // ascends in the order in which the records came
   };
 

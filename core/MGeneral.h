@@ -14,7 +14,6 @@
 #include "core/lot_limits.h"
 #include "core/paths.h"
 #include "core/text_file.h"
-#include "core/totals.h"
 #include "core/wave_control.h"
 
 namespace tutti {
@@ -44,7 +43,6 @@ class MGeneral {
   Journal* journal = nullptr;
   std::function<void(std::string_view text)> outside;  // standard error of the program; may be empty
 
-  Totals totals;             // sum over the connected sessions; only sessions change it
   std::string last_message;  // text of the last result message
   LotLimits lots;
   AmountPrecision precision;

@@ -19,13 +19,13 @@ CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const Lo
                                      const Shared& shared)
     : scope_(*client, shared.general, shared.desk, shared.books,
              shared.books.accounts.add(login.user, login.account, login.server)),
-      windows_(shared.windows),
-      book_(shared.book),
-      gate_(shared.gate),
       connection_(scope_, shared.options),
       market_(scope_),
       records_(scope_),
       requests_(scope_, records_, shared.book, shared.gate, *client),
+      windows_(shared.windows),
+      book_(shared.book),
+      gate_(shared.gate),
       password_(login.password.copy()) {
   client_ = std::move(client);
   client_->set_sink(this);
@@ -50,31 +50,6 @@ void CClientAPIManager::enter_list(std::string_view notes, bool connected) {
   scope_.book.show_state(scope_.record, connected ? AccountState::connected : AccountState::disconnected,
                          connected ? Ink::green : Ink::red);
   write_note(notes);
-}
-
-void CClientAPIManager::query_summary() {
-  AccountSummary answer;
-  Summary(account(), answer);
-  connection_.queried(answer);
-}
-
-void CClientAPIManager::Summary(std::int32_t account, AccountSummary& out) {
-  const SummaryAnswer answer = ask_summary(account);
-  if (answer.result == result::succeeded) {
-    out = answer.values;
-    return;
-  }
-  out = {.floating_pl = out.floating_pl};
-  scope_.general.totals.floating_pl = 0.0;
-}
-
-SummaryAnswer CClientAPIManager::ask_summary(std::int32_t account) const {
-  try {
-    return client_->GetAccountSummary(account);
-  } catch (const std::exception&) {
-    // An error of the library is an answer that failed.
-    return {.values = {}, .result = result::failed};
-  }
 }
 
 std::string CClientAPIManager::SummaryDesc(double balance, double equity, double effective_margin) const {
@@ -179,7 +154,7 @@ std::string_view CClientAPIManager::BuySellDesc(Operation operation) {
 void CClientAPIManager::OrderTimer(const Requote& requote) {
   // Nobody may accept a price that is none. The server rejects the request itself when its time is over.
   if (!std::isfinite(requote.amount) || !std::isfinite(requote.price) || !std::isfinite(requote.new_price))
-    return scope_.refuse("The new price of order #" + std::to_string(requote.order));
+    return scope_.refuse("The new price of order #", requote.order);
   requests_.requote_tick(requote);
   scope_.desk.requote->tick(*this, requote);
 }

@@ -16,6 +16,7 @@
 #include "sessions/session_market.h"
 #include "sessions/session_records.h"
 #include "sessions/session_requests.h"
+#include "sessions/session_summary.h"
 
 namespace tutti {
 
@@ -25,7 +26,7 @@ namespace tutti {
 // Made and owned by the collection, which numbers it. Handlers run on the GUI thread, one at a time, and
 // write what they learn into the books and through the desk. What it sends goes through the gate; the
 // connection that it holds can only ask.
-class CClientAPIManager final : public CLAPICLASS {
+class alignas(64) CClientAPIManager final : public CLAPICLASS {
  public:
   // What all sessions share. It outlives them.
   struct Shared {
@@ -72,9 +73,11 @@ class CClientAPIManager final : public CLAPICLASS {
 
   // Asks the server for an account's seven values. When it does not answer with success, six of them become
   // 0, `out.floating_pl` keeps what the caller had in it, and the global floating total becomes 0.
-  void Summary(std::int32_t account, AccountSummary& out);
+  void Summary(std::int32_t account, AccountSummary& out) {
+    out = session_summary::ask(scope_, account, out.floating_pl);
+  }
   // Shows what the server answers now in the session's row, which says "connected" then.
-  void query_summary();
+  void query_summary() { session_summary::query(scope_); }
   std::string SummaryDesc(double balance, double equity, double effective_margin) const;
 
   // Identifier of a symbol for this account's order calls; 0 when the account does not carry it.
@@ -183,9 +186,8 @@ class CClientAPIManager final : public CLAPICLASS {
 
  private:
   void CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
-    if (connection_.summaries_changed(reported)) query_summary();
+    session_summary::changed(scope_, reported);
   }
-  SummaryAnswer ask_summary(std::int32_t account) const;
   // An answer that meant no open request: what the account has is read again.
   void meant(bool a_request) {
     if (!a_request) windows_.read_again(*this);
@@ -196,13 +198,13 @@ class CClientAPIManager final : public CLAPICLASS {
 
   std::unique_ptr<AccountClient> client_;
   SessionScope scope_;
-  const AccountWindows& windows_;
-  RequestBook& book_;
-  RequestGate& gate_;
   SessionConnection connection_;
   SessionMarket market_;
   SessionRecords records_;
   SessionRequests requests_;
+  const AccountWindows& windows_;
+  RequestBook& book_;
+  RequestGate& gate_;
   std::int16_t key_ = 0;
   Secret password_;
 };

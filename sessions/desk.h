@@ -9,7 +9,6 @@
 #include "books/account_book.h"
 #include "books/sent_order.h"
 #include "books/symbol_collection.h"
-#include "core/totals.h"
 #include "sessions/contract/codes.h"
 #include "sessions/contract/order_report.h"
 #include "sessions/contract/requote.h"
@@ -133,7 +132,6 @@ class StatusDesk {
   static constexpr int connected_control = 100026;
 
   virtual ~StatusDesk() = default;
-  virtual void totals_changed(TotalsForm) {}
   virtual void server_time(std::string_view /*text*/) {}
   virtual void control_text(int /*control*/, std::string_view /*text*/) {}
   virtual void control_enabled(int /*control*/, bool /*enabled*/) {}

@@ -1,34 +1,14 @@
 #include "sessions/session_connection.h"
 
-#include <cmath>
 #include <utility>
 
 #include "core/numbers.h"
 #include "core/time_texts.h"
 
 namespace tutti {
-namespace {
-
-// Values beyond this are no account of anyone, and would wipe out the other accounts' share of the totals.
-constexpr double largest_value = 1e15;
-
-// False for values that are no numbers, too.
-bool usable(const AccountSummary& s) {
-  return std::fabs(s.balance) + std::fabs(s.floating_pl) + std::fabs(s.credit) + std::fabs(s.equity) +
-             std::fabs(s.used_margin) + std::fabs(s.margin_level) + std::fabs(s.free_margin) <
-         largest_value;
-}
-
-Totals as_shown(const AccountSummary& s) {
-  return {s.balance,    s.floating_pl, s.credit, s.equity, s.used_margin * -1.0, s.margin_level * 100.0,
-          s.free_margin};
-}
-
-}  // namespace
 
 void SessionConnection::release_totals() {
-  scope_.general.totals.replace(scope_.record.values, {});
-  scope_.desk.status->totals_changed(TotalsForm::disconnected);
+  scope_.book.totals.replace(scope_.record.values, {}, TotalsForm::disconnected);
   scope_.book.set_values(scope_.record, {});
 }
 
@@ -127,22 +107,6 @@ void SessionConnection::show_invalid() {
   scope_.book.set_state(scope_.record, AccountState::invalid);
   scope_.book.show_state(scope_.record, AccountState::invalid, Ink::red);
   scope_.desk.close_positions->account_state(scope_.account, AccountState::invalid);
-}
-
-bool SessionConnection::summaries_changed(const AccountSummary& reported) {
-  if (!usable(reported)) {
-    scope_.refuse("The account's summary");
-    return false;
-  }
-  const Totals now = as_shown(reported);
-  scope_.general.totals.replace(scope_.record.values, now);
-  scope_.book.set_values(scope_.record, now);
-  scope_.desk.status->totals_changed(TotalsForm::summaries_changed);
-  return true;
-}
-
-void SessionConnection::queried(const AccountSummary& answer) {
-  scope_.book.show_values(scope_.record, as_shown(answer));
 }
 
 void SessionConnection::server_time(TimePoint time) {

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "core/totals.h"
 #include "sessions/CLoginOptions.h"
 #include "sessions/connection_report.h"
 #include "sessions/contract/codes.h"
@@ -36,10 +35,6 @@ class SessionConnection {
   void invalid_login();
   // The account number is none of the user's.
   void invalid_account();
-  // False for values that are none: they are refused.
-  bool summaries_changed(const AccountSummary& reported);
-  // The answer to a query: what the account's row shows.
-  void queried(const AccountSummary& answer);
   void server_time(TimePoint time);
   void server_routed(std::string_view address, std::string_view port);
 

@@ -22,13 +22,13 @@ void SessionMarket::symbols_loaded() {
     const Symbol* symbol = scope_.client.SymbolItem(index);
     if (symbol == nullptr) continue;
     if (!ids_.usable(scope_.symbols.find(symbol->name), symbol->id)) {
-      scope_.refuse(symbol->name + " came with the identifier " + std::to_string(symbol->id),
+      scope_.refuse(symbol->name, " came with the identifier " + std::to_string(symbol->id),
                     ", which can't be used; the account does not trade it");
       continue;
     }
     Symbol shown = *symbol;
     if (!std::isfinite(shown.bid + shown.ask + shown.high + shown.low)) {
-      scope_.refuse("The prices of " + shown.name);
+      scope_.refuse("The prices of ", shown.name);
       shown.bid = shown.ask = shown.high = shown.low = 0.0;
     }
     const SymbolHandle handle = scope_.symbols.add(shown);
@@ -54,7 +54,7 @@ void SessionMarket::prices_changed(const Symbol& symbol) {
   const SymbolHandle handle = ids_.symbol_of(symbol.id);
   if (handle == no_symbol) return;
   // The last good price stays.
-  if (!has_good_prices(symbol)) return scope_.refuse("A price of " + symbol.name);
+  if (!has_good_prices(symbol)) return scope_.refuse("A price of ", symbol.name);
   scope_.symbols.set_prices(handle, symbol);
   if (!scope_.record.connected()) return;
   scope_.desk.market_watch->prices(handle, symbol);
@@ -66,7 +66,7 @@ void SessionMarket::high_low_changed(const Symbol& symbol) {
   const SymbolHandle handle = ids_.symbol_of(symbol.id);
   if (handle == no_symbol) return;
   if (!std::isfinite(symbol.high) || !std::isfinite(symbol.low))
-    return scope_.refuse("A day's range of " + symbol.name);
+    return scope_.refuse("A day's range of ", symbol.name);
   scope_.symbols.set_high_low(handle, symbol);
   if (!scope_.record.connected()) return;
   scope_.desk.market_watch->prices(handle, symbol);

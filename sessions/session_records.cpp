@@ -66,7 +66,7 @@ void SessionRecords::positions_loaded() {
 }
 
 void SessionRecords::position(const OpenPosition& position) {
-  if (!usable(position)) return scope_.refuse("Position #" + std::to_string(position.ticket));
+  if (!usable(position)) return scope_.refuse("Position #", position.ticket);
   lists_account_ = true;
   scope_.positions.write(position, scope_.symbols.digits(position.symbol));
 }
@@ -76,7 +76,7 @@ void SessionRecords::position_gone(const OpenPosition& position) {
 }
 
 void SessionRecords::floating_changed(const OpenPosition& position) {
-  if (!usable(position)) return scope_.refuse("The profit of position #" + std::to_string(position.ticket));
+  if (!usable(position)) return scope_.refuse("The profit of position #", position.ticket);
   scope_.positions.write_worth(position);
 }
 
@@ -87,7 +87,7 @@ void SessionRecords::orders_loaded() {
 }
 
 void SessionRecords::order(const PendingOrder& order) {
-  if (!usable(order)) return scope_.refuse("Order #" + std::to_string(order.order));
+  if (!usable(order)) return scope_.refuse("Order #", order.order);
   lists_account_ = true;
   list(order);
 }

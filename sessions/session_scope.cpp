@@ -12,12 +12,13 @@ void SessionScope::tell(const std::string& text) const {
   general.message_box(text);
 }
 
-void SessionScope::refuse(const std::string& what) {
-  refuse(what, " came with values that are no numbers or out of all bounds; it is not shown");
+void SessionScope::refuse(std::string_view what, std::int64_t number) {
+  refuse(what, std::to_string(number));
 }
 
-void SessionScope::refuse(const std::string& what, std::string_view why) {
-  if (refused_.insert(what).second) log(what + std::string{why});
+void SessionScope::refuse(std::string_view what, std::string_view name, std::string_view why) {
+  const std::string refused = std::string{what} + std::string{name};
+  if (refused_.insert(refused).second) log(refused + std::string{why});
 }
 
 }  // namespace tutti

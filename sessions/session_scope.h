@@ -21,20 +21,20 @@ class SessionScope {
         general(all),
         desk(windows),
         symbols(books.symbols),
-        positions(books.positions),
-        orders(books.orders),
         book(books.accounts),
         record(own),
+        positions(books.positions),
+        orders(books.orders),
         account(own.account) {}
 
   AccountClient& client;
   MGeneral& general;
   Desk& desk;
   SymbolCollection& symbols;
-  PositionBook& positions;
-  OrderBook& orders;
   AccountBook& book;
   AccountEntry& record;
+  PositionBook& positions;
+  OrderBook& orders;
   const std::int32_t account;
 
   void log(std::string_view text) const { general.log(text, account); }
@@ -44,9 +44,13 @@ class SessionScope {
   void tell(const std::string& text) const;
 
   // Journals that a record of the library is ignored for the values in it, once while the connection stands.
-  void refuse(const std::string& what);
-  void refuse(const std::string& what, std::string_view why);
+  // `what` and the name or number behind it are joined here, where nobody is in a hurry.
+  void refuse(std::string_view what, std::string_view name = {}, std::string_view why = no_numbers);
+  void refuse(std::string_view what, std::int64_t number);
   void forget_refusals() { refused_.clear(); }
+
+  static constexpr std::string_view no_numbers =
+      " came with values that are no numbers or out of all bounds; it is not shown";
 
  private:
   std::set<std::string> refused_;

@@ -141,7 +141,7 @@ class Main {
   CPendingOrds pending_orders_;
   CHTMLHELP help_;
   EventPump pump_{events_, journal_, messages_};
-  frmMdiNew window_{general_.totals};
+  frmMdiNew window_{books_.accounts};
   CLoginOptions login_options_{general_, server_.endpoint};
   CClientAPIManagers sessions_{server_.make_client, general_, desk_, books_, login_options_};
   frmMain accounts_{general_, desk_, books_, login_options_, sessions_, ports_.file_dialog};

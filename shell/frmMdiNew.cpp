@@ -4,7 +4,7 @@
 
 namespace tutti {
 
-frmMdiNew::frmMdiNew(const Totals& totals) : totals_(totals) {
+frmMdiNew::frmMdiNew(const AccountBook& accounts) : accounts_(accounts) {
   for (int id = first_trade_control; id <= last_trade_control; ++id)
     controls_[id] = {};
   controls_[waiting_control] = {};

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "books/account_book.h"
 #include "core/displayable.h"
-#include "core/totals.h"
 #include "sessions/desk.h"
 
 namespace tutti {
@@ -24,10 +24,10 @@ class frmMdiNew final : public StatusDesk, public Displayable {
     bool enabled = false;
   };
 
-  explicit frmMdiNew(const Totals& totals);
+  explicit frmMdiNew(const AccountBook& accounts);
 
   // The totals line, in the form of the event that changed it last. Made when asked for.
-  std::string totals_pane() const { return totals_text(totals_, totals_form_); }
+  std::string totals_pane() const { return accounts_.totals.text(); }
   const std::string& server_time_pane() const { return server_time_; }
   // What the operator must not overlook for as long as the program runs; empty while there is nothing.
   const std::string& warning_pane() const { return warning_; }
@@ -39,21 +39,16 @@ class frmMdiNew final : public StatusDesk, public Displayable {
   bool execute(int command);
   void set_command(int command, std::function<void()> action) { commands_[command] = std::move(action); }
 
-  // Raised with every change of panes and controls.
-  std::uint64_t stamp() const { return stamp_; }
+  // Raised with every change of panes, controls and accounts.
+  std::uint64_t stamp() const { return stamp_ + accounts_.stamp(); }
 
   // StatusDesk
-  void totals_changed(TotalsForm form) override {
-    totals_form_ = form;
-    ++stamp_;
-  }
   void server_time(std::string_view text) override;
   void control_text(int id, std::string_view text) override;
   void control_enabled(int id, bool enabled) override;
 
  private:
-  const Totals& totals_;
-  TotalsForm totals_form_ = TotalsForm::summaries_changed;
+  const AccountBook& accounts_;
   std::string server_time_;
   std::string warning_;
   std::map<int, Control> controls_;

@@ -140,14 +140,14 @@ TEST(AccountsList, LogoutEmptiesTheRowAndLoginComesBack) {
   terminal.run(100ms);
   EXPECT_EQ(rows(terminal)[1], "C2 02 ASPEN 500101 Disconnected red");
   EXPECT_EQ(row_text(row), "02|ASPEN|Disconnected|500101||||||||");
-  EXPECT_EQ(terminal.main->general().totals.balance, 300'000.0);
+  EXPECT_EQ(terminal.main->account_book().totals.balance, 300'000.0);
   list.MnuDisconnecte_Click();
   EXPECT_TRUE(terminal.sound.take().empty());
   list.MnuConnecte_Click();
   EXPECT_EQ(row.text(2), "Connecting");
   terminal.run(1s);
   EXPECT_NE(terminal.order_row(500'101), nullptr);
-  EXPECT_EQ(terminal.main->general().totals.balance, 325'000.0);
+  EXPECT_EQ(terminal.main->account_book().totals.balance, 325'000.0);
 }
 
 TEST(AccountsList, RemovalRenumbersKeepsTheOthersAndIsForGood) {
@@ -173,7 +173,7 @@ TEST(AccountsList, RemovalRenumbersKeepsTheOthersAndIsForGood) {
     EXPECT_EQ(list.lvwClients.row(0).text(4) + list.lvwClients.row(2).text(4),
               "Invalid username or passwordvip");
     EXPECT_EQ(terminal.main->market_order().lvwConClients.size(), 2u);
-    EXPECT_EQ(terminal.main->general().totals.balance, 138'500.0);
+    EXPECT_EQ(terminal.main->account_book().totals.balance, 138'500.0);
     EXPECT_EQ(home->read(all_list), "ASPEN,bad,500101\nBIRCH,BIRCH04,500103\nCEDAR,CEDAR05,500104\n");
     EXPECT_EQ(sorted_lines(home->read(connected_list)),
               (Texts{"BIRCH,BIRCH04,500103", "CEDAR,CEDAR05,500104"}));
@@ -260,7 +260,7 @@ TEST(SavedAccounts, LoadReplacesTheWholeList) {
   EXPECT_EQ(rows(terminal),
             (Texts{"C1 01 BEECH 500102 Connecting red", "C2 02 ASPEN 500101 Connecting red"}));
   EXPECT_TRUE(terminal.main->market_order().lvwConClients.empty());
-  EXPECT_EQ(terminal.main->general().totals.balance, 0.0);
+  EXPECT_EQ(terminal.main->account_book().totals.balance, 0.0);
   EXPECT_EQ(terminal.home->read(connected_list), "");
   EXPECT_EQ(terminal.home->read("manage/savelvinfo.buf.old"), before[before.size() - 3]);
   EXPECT_EQ(static_cast<unsigned>(fs::status(kept).permissions()), 0600u);

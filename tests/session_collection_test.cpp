@@ -39,7 +39,7 @@ TEST(SessionCollection, ARemovalClosesTheNumbersUpAndKeepsTheRecords) {
   const Heard heard = rig.during([&] { rig.sessions.Remove("C2"); });
   for (const char* window : {"market", "entry", "close", "positions", "pending"})
     EXPECT_EQ(std::count(heard.begin(), heard.end(), std::string{window} + " removes 82"), 1) << window;
-  EXPECT_EQ(rig.general.totals.balance, 8.0);
+  EXPECT_EQ(rig.books.accounts.totals.balance, 8.0);
   EXPECT_EQ(rig.sessions.by_account(82), nullptr);
   ASSERT_EQ(rig.books.accounts.listed().size(), 3u);
   for (const auto& [number, account] : {std::pair{1, 81}, {2, 83}, {3, 84}}) {

@@ -145,7 +145,7 @@ TEST_F(SessionEvents, TotalsFollowSummariesAndDisconnections) {
   // What is large goes before what is small comes, so that nothing of the small is rounded off.
   during([&] { other.SummariesChanged({.balance = 1e14}); });
   during([&] { other.SummariesChanged({.balance = 0.3}); });
-  EXPECT_EQ(rig.general.totals.balance, 1000.5 + 1e14 - 1e14 + 0.3);
+  EXPECT_EQ(rig.books.accounts.totals.balance, 1000.5 + 1e14 - 1e14 + 0.3);
   EXPECT_EQ(rig.totals().find("   Flt"), std::string::npos) << "the blanks of a summary";
   EXPECT_EQ(session.SummaryDesc(1.256, -0.001, 2.5), "Balance: 1.26  Equity: 0  EffMargin: 2.5");
 }
@@ -165,7 +165,7 @@ TEST_F(SessionEvents, ValuesThatAreNoNumbersAreRefused) {
     EXPECT_TRUE(heard.size() == 1 && heard[0].starts_with("journal 81: ")) << i;
     EXPECT_TRUE(during([&] { sink.SummariesChanged(bad); }).empty()) << "said once per connection";
     during([&] { sink.SummariesChanged({}); });
-    EXPECT_EQ(rig.general.totals.margin_level, 0.0) << i;
+    EXPECT_EQ(rig.books.accounts.totals.margin_level, 0.0) << i;
   }
   for (const double bad : {std::nan(""), infinity}) {
     during([&] { sink.ConnectionState(true); });
@@ -181,16 +181,16 @@ TEST_F(SessionEvents, ValuesThatAreNoNumbersAreRefused) {
 
 TEST_F(SessionEvents, AFailedSummaryKeepsTheSecondValueAndZeroesTheGlobalOne) {
   client.summary.values = {1, 2, 3, 4, 5, 6, 7};
-  rig.general.totals.floating_pl = 50.0;
+  rig.books.accounts.totals.floating_pl = 50.0;
   AccountSummary out;
   session.Summary(81, out);
   EXPECT_EQ(out.free_margin, 7.0);
-  EXPECT_EQ(rig.general.totals.floating_pl, 50.0);
+  EXPECT_EQ(rig.books.accounts.totals.floating_pl, 50.0);
   client.summary.result = result::failed;
   out = {10, 20, 30, 40, 50, 60, 70};
   session.Summary(81, out);
   EXPECT_EQ(out.floating_pl, 20.0);
-  EXPECT_EQ(rig.general.totals.floating_pl, 0.0);
+  EXPECT_EQ(rig.books.accounts.totals.floating_pl, 0.0);
   for (const double value :
        {out.balance, out.credit, out.equity, out.used_margin, out.margin_level, out.free_margin})
     EXPECT_EQ(value, 0.0);

@@ -15,6 +15,10 @@ struct AccountSummary {
   double used_margin = 0.0;   // reported negative
   double margin_level = 0.0;  // equity over used margin as a fraction: 0.153 means 15.3 %
   double free_margin = 0.0;
+
+  // As the operator sees them: what is used above 0, the level in percent.
+  double shown_used_margin() const { return 0.0 - used_margin; }
+  double shown_margin_level() const { return margin_level * 100.0; }
 };
 
 // Answer of GetAccountSummary. The values count only when result is result::succeeded.

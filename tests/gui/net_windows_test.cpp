@@ -23,9 +23,9 @@ struct NetTest : ::testing::Test, PaneRig<of_panes> {
     const OpenPosition position{.ticket = ++ticket,
                                 .account = account,
                                 .side = lots > 0.0 ? operation::buy : operation::sell,
+                                .floating_pl = profit,
                                 .symbol = symbol,
-                                .amount = std::abs(lots),
-                                .floating_pl = profit};
+                                .amount = std::abs(lots)};
     sink.NewOpenPosition(position);
   }
   void hold_some() {

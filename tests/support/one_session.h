@@ -22,7 +22,7 @@ struct OneSession {
                       .operation = operation::buy,
                       .symbol = "EURUSD",
                       .amount = 0.5}};
-    client.positions = {{.ticket = 13, .account = 81, .symbol = "EURUSD", .floating_pl = -12.5}};
+    client.positions = {{.ticket = 13, .account = 81, .floating_pl = -12.5, .symbol = "EURUSD"}};
   }
 
   Heard during(const std::function<void()>& step) { return rig.during(step); }

@@ -168,8 +168,6 @@ class RecordingDesk {
 
   struct Status final : StatusDesk, Voice {
     using Voice::Voice;
-    TotalsForm form = TotalsForm::summaries_changed;
-    void totals_changed(TotalsForm last) override { form = last; }
     void server_time(std::string_view text) override { say("time", text); }
     void control_text(int control, std::string_view text) override { say(control, "reads", text); }
     void control_enabled(int control, bool on) override { say(control, on ? "on" : "off"); }

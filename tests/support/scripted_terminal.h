@@ -62,10 +62,10 @@ struct ScriptedTerminal : TestTerminal {
     const OpenPosition position{.ticket = ticket,
                                 .account = account,
                                 .side = lots > 0.0 ? operation::buy : operation::sell,
+                                .floating_pl = profit,
                                 .symbol = symbol,
                                 .amount = std::fabs(lots),
-                                .open_price = price,
-                                .floating_pl = profit};
+                                .open_price = price};
     client(account).positions.push_back(position);
     client(account).sink->NewOpenPosition(position);
     return position;

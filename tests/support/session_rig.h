@@ -53,7 +53,7 @@ class SessionRig {
     std::sort(out.begin(), out.end());
     return out;
   }
-  std::string totals() const { return totals_text(general.totals, windows.status.form); }
+  std::string totals() const { return books.accounts.totals.text(); }
 
   class Lines final : public Journal {
    public:
