@@ -18,6 +18,7 @@ bool CommandContext::run_until(const std::function<bool()>& done) {
     if (done()) return true;
     const auto left = deadline - ports_.clock.elapsed();
     if (left <= left.zero() || stopped()) return false;
+    main().sessions().wait_for_stored();
     const auto due = terminal_.next_due();
     const auto until_due = due ? *due - ports_.clock.now() : left;
     ports_.pause(std::clamp(std::min(until_due, left), std::chrono::milliseconds{1}, longest_pause));
@@ -50,7 +51,7 @@ bool CommandContext::log_in() {
 
 void CommandContext::journal_unanswered() {
   for (const auto& session : main().sessions().Children())
-    session->journal_unanswered();
+    session->journal_unanswered("late");
 }
 
 bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {

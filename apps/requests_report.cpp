@@ -37,6 +37,8 @@ std::string RequestsReport::result(const Asked& asked) const {
       return "done";
     case SentOrder::Outcome::refused:
       break;
+    case SentOrder::Outcome::dropped:
+      return std::string{RequestGate::not_sent};
     default:
       return "unknown";
   }

@@ -71,6 +71,9 @@ void SplitRun::describe_sent(const SentOrder& order, Line& line) {
         line.result = fmt::format("refused, request code {}", order.request_code);
       }
       break;
+    case SentOrder::Outcome::dropped:
+      line.result = RequestGate::not_sent;
+      break;
     case SentOrder::Outcome::none:
       break;
   }

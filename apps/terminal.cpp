@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "sessions/account_records.h"
+
 namespace tutti {
 
 Terminal::Terminal(TerminalOptions options, OperatorPorts ports)
@@ -29,18 +31,57 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
   if (!backend) return tl::unexpected(backend.error());
   backend_ = std::move(*backend);
   if (auto written = write_first_list(); !written) return written;
+  if (auto opened = open_ledger(); !opened) return opened;
 
   auto started =
       Main::start(options_.home,
                   MachinePorts{ports_.clock, ports_.prompt, ports_.sound, locale_, ports_.file_dialog,
-                               options_.key_file, ports_.tell},
+                               *ledger_, options_.key_file, ports_.tell},
                   ServerSide{[this](const LoginData& login) { return backend_->make_client(login); },
                              backend_->events(), backend_->endpoint(), backend_->simulated()});
   if (!started) return tl::unexpected(started.error());
   main_ = std::move(*started);
   if (!options_.precision.empty()) main_->general().precision.hold(options_.precision);
   tell_notices();
+  for (const std::string& text : {ledger_->notice(), ledger_->fault()}) {
+    if (text.empty()) continue;
+    main_->general().log(text, -1);
+    main_->messages().post({text, "Warning", "Ok", ""});
+  }
   return {};
+}
+
+tl::expected<void, FileError> Terminal::open_ledger() {
+  const Paths paths{options_.home};
+  const TextFile files{paths};
+  KeyFile key_file{options_.key_file};
+  auto key = key_file.find();
+  if (key && *key == nullptr) {
+    // A new key would make records that need the old one look damaged.
+    const std::string records = "\\Manage\\Acountinfo.buf";
+    const auto there = files.exists(records);
+    if (!there) return tl::unexpected(there.error());
+    if (*there) {
+      const auto lines = files.lines(records);
+      if (!lines) return tl::unexpected(lines.error());
+      if (hold_records(*lines)) return tl::unexpected(key_missing(paths.file(records), key_file));
+    }
+    key = key_file.find_or_create();
+  }
+  if (!key) return tl::unexpected(key.error());
+  auto opened = LedgerWriter::open({options_.home, ports_.program}, **key, ports_.clock);
+  if (!opened) return tl::unexpected(opened.error());
+  ledger_ = std::move(*opened);
+  return {};
+}
+
+tl::expected<void, FileError> Terminal::close() {
+  constexpr std::chrono::seconds long_enough{10};
+  const bool kept = ledger_->flush(long_enough);
+  if (auto closed = backend_->close(); !closed) return closed;
+  if (kept) return {};
+  return tl::unexpected(
+      FileError{"ledger", "what became of the last requests is not stored: " + ledger_->fault()});
 }
 
 tl::expected<bool, FileError> Terminal::is_new(const std::filesystem::path& home) {

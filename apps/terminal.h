@@ -16,6 +16,7 @@
 #include "core/locale_port.h"
 #include "core/prompt.h"
 #include "core/sound_port.h"
+#include "ledger/ledger_writer.h"
 #include "sessions/contract/backend.h"
 #include "shell/Main.h"
 
@@ -42,6 +43,7 @@ struct OperatorPorts {
   FileDialog& file_dialog;
   const Clock& clock;
   std::function<void(std::string_view)> tell;  // what must be said outside of the windows too, line by line
+  std::string program = "tutti";               // its name, as the ledger notes who sent
   std::function<bool()> try_again = {};        // while another terminal has the folder; see HomeLock::take
 };
 
@@ -72,6 +74,7 @@ class Terminal {
   static tl::expected<bool, FileError> is_new(const std::filesystem::path& home);
 
   Main& main() { return *main_; }
+  const Ledger& ledger() const { return *ledger_; }
   const TerminalOptions& options() const { return options_; }
 
   // Brings the backend up to the clock, delivers up to `limit` events and runs the timers that are due;
@@ -81,13 +84,16 @@ class Terminal {
   // change that.
   std::optional<TimePoint> next_due() const { return backend_->next_due(); }
 
-  // Closes the backend at the end of the program. What a crash leaves is taken up all the same.
-  tl::expected<void, FileError> close() { return backend_->close(); }
+  // Closes the backend at the end of the program, and has the ledger written to its end. What a crash leaves
+  // is taken up all the same.
+  tl::expected<void, FileError> close();
 
  private:
   Terminal(TerminalOptions options, OperatorPorts ports);
   tl::expected<void, FileError> start(const Opener& opener);
   tl::expected<void, FileError> write_first_list();
+  // After a message for the operator, when the ledger of the last run has lost its end.
+  tl::expected<void, FileError> open_ledger();
   void tell_notices();
 
   TerminalOptions options_;
@@ -95,6 +101,7 @@ class Terminal {
   OperatorPorts ports_;
   ProcessLocale locale_;
   std::unique_ptr<Backend> backend_;
+  std::unique_ptr<LedgerWriter> ledger_;
   std::unique_ptr<Main> main_;
 };
 

@@ -118,14 +118,15 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
       return ports.signal() == 0 && ports.clock.elapsed() - began <= options.wait_for_home;
     };
     const EmbeddedDealer* dealer = nullptr;  // the terminal's
-    const auto terminal = Terminal::open(opened,
-                                         {prompt, sound, file_dialog, ports.clock,
-                                          [&](std::string_view text) { console.tell(text); }, try_again},
-                                         [&](const TerminalOptions& home) {
-                                           auto opened_dealer = EmbeddedDealer::open(home, ports.clock);
-                                           if (opened_dealer) dealer = opened_dealer->get();
-                                           return opened_dealer;
-                                         });
+    const auto terminal =
+        Terminal::open(opened,
+                       {prompt, sound, file_dialog, ports.clock,
+                        [&](std::string_view text) { console.tell(text); }, "tuttictl", try_again},
+                       [&](const TerminalOptions& home) {
+                         auto opened_dealer = EmbeddedDealer::open(home, ports.clock);
+                         if (opened_dealer) dealer = opened_dealer->get();
+                         return opened_dealer;
+                       });
     if (!terminal) {
       console.fail(terminal.error().text());
       return status;
@@ -136,7 +137,7 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
     context.journal_unanswered();
     show_messages(context.main(), prompt);
     if (const auto saved = (*terminal)->close(); !saved) {
-      console.fail("The dealing server's book was not saved: {}", saved.error().text());
+      console.fail("Not everything was saved: {}", saved.error().text());
       status = exit_status::unreadable_data;
     }
   }

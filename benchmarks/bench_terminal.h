@@ -11,6 +11,7 @@
 #include "core/CQuestionBox.h"
 #include "core/clock.h"
 #include "core/locale_port.h"
+#include "ledger/no_ledger.h"
 #include "orders/frmClosePos.h"
 #include "orders/frmorder.h"
 #include "shell/frmMdiNew.h"
@@ -62,6 +63,7 @@ class BenchTerminal {
   const AccountSummary* values_ = &first_values_;
   std::vector<BenchClient*> clients_;  // owned by their sessions
   CLoginOptions login_options_{general_, Endpoint{}};
+  NoLedger ledger_;
   CClientAPIManagers sessions_;
   frmMain accounts_{general_, desk_, books_, login_options_, sessions_, file_dialog_};
   frmorder order_{general_, accounts_, sessions_, books_.symbols};

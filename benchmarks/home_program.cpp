@@ -13,6 +13,7 @@ using namespace std::chrono_literals;
 HomeProgram::HomeProgram(const std::string& dealer, const std::filesystem::path& where) : home_(where) {
   TerminalOptions options;
   options.home = home_.path();
+  options.key_file = home_.path() / "key";
   options.create = true;
   options.demo = dealer.empty();
   if (!dealer.empty()) {

@@ -9,6 +9,7 @@
 #include "core/clock.h"
 #include "core/locale_port.h"
 #include "dealer/link/dealing_server.h"
+#include "ledger/no_ledger.h"
 #include "shell/Main.h"
 
 namespace tutti::bench {
@@ -36,6 +37,7 @@ class ManualProgram {
   QuietSound sound_;
   ProcessLocale locale_;
   QuietFileDialog file_dialog_;
+  NoLedger ledger_;
   DealingServer server_;
   std::unique_ptr<Main> main_;
 };

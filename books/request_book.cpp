@@ -30,10 +30,34 @@ SentOrder& RequestBook::add(const SentOrder& request) {
   return added;
 }
 
+void RequestBook::restore(const SentOrder& request) {
+  assert(request.id > (all_.size() == 0 ? 0 : all_[all_.size() - 1].id));
+  of(request.sender).alive.push_back(&all_.add(request));
+}
+
+void RequestBook::hand_over(RequestId id, Sender sender) {
+  const std::size_t place = place_of(id);
+  if (place == all_.size()) return;
+  SentOrder& request = all_[place];
+  std::erase(of(request.sender).alive, &request);
+  request.sender = sender;
+  of(sender).alive.push_back(&request);
+  if (request.number != 0) of(sender).last[{request.kind, request.number}] = &request;
+}
+
 void RequestBook::note_code(SentOrder& request, RequestCode request_code) {
   request.request_code = request_code;
   request.outcome =
       request_code == request::taken ? SentOrder::Outcome::waiting : SentOrder::Outcome::refused;
+  note_last(request);
+}
+
+void RequestBook::note_dropped(SentOrder& request) {
+  request.outcome = SentOrder::Outcome::dropped;
+  note_last(request);
+}
+
+void RequestBook::note_last(SentOrder& request) {
   Sent& sent = of(request.sender);
   if (request.settled()) std::erase(sent.alive, &request);
   if (is_new_order(request.kind)) return;

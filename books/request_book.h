@@ -40,8 +40,14 @@ class RequestBook {
   SentOrder& add(const SentOrder& request);
   // So many that come next find their room made. To be called while nobody waits.
   void make_room(std::size_t count) { all_.make_room(count); }
+  // Takes in a request of an earlier run, unknown and of no sender, before any that is added. Ids ascend.
+  void restore(const SentOrder& request);
+  // A request that was taken in so is this sender's from now on; it is none of what he sent last.
+  void hand_over(RequestId id, Sender sender);
   // What the call that sent it answered. Of a repetition that is refused what is on its way stays the last.
   void note_code(SentOrder& request, RequestCode request_code);
+  // It was not sent, and won't be.
+  void note_dropped(SentOrder& request);
 
   const SentOrder* find(RequestId id) const;
   // The one of an account that this id names, whichever of its sessions sent it; nullptr when there is none.
@@ -112,6 +118,8 @@ class RequestBook {
   };
 
   Sent& of(Sender sender);
+  // It has left, or not: of its number it is the last now, unless an earlier one is still on its way.
+  void note_last(SentOrder& request);
   const Sent* find_sent(Sender sender) const { return sender < sent_.size() ? &sent_[sender] : nullptr; }
   std::vector<SentOrder*>& alive(Sender sender) { return of(sender).alive; }
 

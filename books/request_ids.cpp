@@ -1,5 +1,6 @@
 #include "books/request_ids.h"
 
+#include <algorithm>
 #include <memory>
 #include <random>
 #include <utility>
@@ -23,6 +24,10 @@ RequestId RequestIds::next() {
   // A block serves one second at most: a home that is restored goes on with another random number.
   if (now > second_ || place_ == std::int64_t{1} << place_bits) begin_block(now);
   return ((second_ << random_bits | block_) << place_bits) + place_++;
+}
+
+void RequestIds::go_on_after(RequestId id) {
+  second_ = std::max(second_, id >> (random_bits + place_bits));
 }
 
 void RequestIds::begin_block(std::int64_t now) {

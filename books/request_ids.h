@@ -17,6 +17,8 @@ class RequestIds {
   explicit RequestIds(const Clock& clock, std::function<std::uint32_t()> random = {});
 
   RequestId next();
+  // What was given before, by an earlier run: all that come are greater.
+  void go_on_after(RequestId id);
 
  private:
   void begin_block(std::int64_t now);

@@ -36,6 +36,7 @@ struct SentOrder {
     pending,   // the dealer has it
     partly,    // executed in part, the rest is still alive
     accepted,  // executed
+    dropped,   // it was not sent after all
     unknown,   // nobody knows: no word came for long, or the connection was lost before the result
   };
 

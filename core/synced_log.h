@@ -17,8 +17,13 @@ class SyncedLog {
   // Opens an existing file to go on at its end.
   static tl::expected<SyncedLog, FileError> open(const std::filesystem::path& file);
 
+  // Makes the file, or empties it; nothing of that is waited for.
+  static tl::expected<SyncedLog, FileError> begin(const std::filesystem::path& file);
+
   // Writes a piece and waits until the disk has it. What can't be written whole is taken back.
   tl::expected<void, FileError> append(std::string_view piece);
+  // The same without waiting for the disk: the piece outlives the program, and may not outlive the machine.
+  tl::expected<void, FileError> write(std::string_view piece);
   // After a failure that leaves open what the file holds: it takes no more and must be replaced.
   bool broken() const { return broken_; }
   std::uint64_t size() const { return size_; }  // bytes

@@ -22,6 +22,7 @@ class CloseHelper {
   bool close(std::int64_t ticket, double amount, std::int32_t account);
 
  private:
+  void report_refusal(const SentOrder& sent);
   void report(const std::string& text, std::int32_t account);
 
   MGeneral& general_;

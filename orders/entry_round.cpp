@@ -18,14 +18,24 @@ std::string EntryRound::report(RequestCode code, std::int32_t account, const Req
                                request.stop_loss, request.take_profit);
 }
 
-void EntryRound::send(Row& row, Request request,
-                      const std::function<RequestCode(CClientAPIManager&, int)>& send) {
+void EntryRound::send(Row& row, Request request, const Send& send) {
   const auto number = static_cast<std::int32_t>(row.key().number());
   auto& data = row.data<RowData>();
   data.sent = std::move(request);
   data.round = round_;
   CClientAPIManager* session = sessions_.logged_in(number);
-  const RequestCode code = session == nullptr ? request::invalid_account : send(*session, round_);
+  if (session == nullptr) return sent(row, request::invalid_account);
+  answers_[number] = OrderAnswer::waiting;
+  send(*session, round_, [this, &row](const SentOrder& request) {
+    if (request.outcome != SentOrder::Outcome::dropped) return sent(row, request.request_code);
+    answers_[request.account] = OrderAnswer::refused;
+    note(row, RequestGate::not_sent);
+  });
+}
+
+void EntryRound::sent(Row& row, RequestCode code) {
+  const auto number = static_cast<std::int32_t>(row.key().number());
+  const auto& data = row.data<RowData>();
   answers_[number] = code == request::taken ? OrderAnswer::waiting : OrderAnswer::refused;
   // SL/TP that are taken are journaled when they are carried out.
   if (code == request::taken && data.sent.kind == stops_) return;

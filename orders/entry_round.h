@@ -42,9 +42,10 @@ class EntryRound {
 
   // A new one, in which nothing is sent yet.
   void begin();
-  // Sends what `send` sends, by the session of the row's account and with the mark of the round, and reports
-  // the request code.
-  void send(Row& row, Request request, const std::function<RequestCode(CClientAPIManager&, int round)>& send);
+  // Has `send` send, by the session of the row's account and with the mark of the round, and reports the
+  // request code once it is there. The row stays until then.
+  using Send = std::function<void(CClientAPIManager&, int round, RequestGate::Then then)>;
+  void send(Row& row, Request request, const Send& send);
   // What became of a request of any round.
   void settled(const SentOrder& order, std::int32_t account);
   // The SL/TP of an account were carried out: told once, where they were asked for here.
@@ -56,6 +57,7 @@ class EntryRound {
 
  private:
   static void note(Row& row, std::string_view text) { row.set_text(AccountRows::result_text, text); }
+  void sent(Row& row, RequestCode code);
   std::string report(RequestCode code, std::int32_t account, const Request& request);
 
   MGeneral& general_;

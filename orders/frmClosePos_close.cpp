@@ -68,11 +68,14 @@ void frmClosePos::closepos1() {
 
 void frmClosePos::send(const std::vector<frmTrade::Close>& positions) {
   round_.begin();
-  for (const frmTrade::Close& position : positions) {
-    round_.renew(position);
-    round_.add(position, close_helper && close_helper(position));
-    if (Row* row = searchpos(position.ticket, position.account)) rows_.write_action(*row, waiting_text);
-  }
+  const auto ask = [&] {
+    for (const frmTrade::Close& position : positions) {
+      round_.renew(position);
+      round_.add(position, close_helper && close_helper(position));
+      if (Row* row = searchpos(position.ticket, position.account)) rows_.write_action(*row, waiting_text);
+    }
+  };
+  trade_.as_one_ticket(ask);
 }
 
 std::string frmClosePos::user_names(const Row& row) const {

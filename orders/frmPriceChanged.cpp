@@ -88,14 +88,17 @@ void frmPriceChanged::answer_shown(bool accept) {
 void frmPriceChanged::answer(CClientAPIManager& session, std::int64_t order, std::int32_t account,
                              bool accept) {
   answered_.insert({&session, order});
-  const RequestCode code = session.answer_requote(order, accept).request_code;
   if (&session == session_ && order == order_) hide();
   const bool row_written = settle(order, account, accept ? accepted_word : rejected_word);
-  // The dealer may not have taken the answer; the row then says why instead.
-  const std::string_view refusal = request::text(code);
-  if (refusal.empty()) return;
-  general_.log("Order number " + std::to_string(order) + ": " + std::string{refusal}, account);
-  if (row_written) market_order_.UpdateResult(refusal, account);
+  session.answer_requote(order, accept, [this, row_written](const SentOrder& sent) {
+    // The dealer may not have taken the answer; the row then says why instead.
+    const std::string_view refusal = sent.outcome == SentOrder::Outcome::dropped
+                                         ? RequestGate::not_sent
+                                         : request::text(sent.request_code);
+    if (refusal.empty()) return;
+    general_.log("Order number " + std::to_string(sent.number) + ": " + std::string{refusal}, sent.account);
+    if (row_written) market_order_.UpdateResult(refusal, sent.account);
+  });
 }
 
 void frmPriceChanged::hide() {

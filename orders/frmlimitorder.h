@@ -185,7 +185,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   bool send_update();
   bool send_stops();
   void send(Row& row, std::string_view kind, std::string description, double price,
-            const std::function<RequestCode(CClientAPIManager&, int round)>& send);
+            const EntryRound::Send& send);
 
   MGeneral& general_;
   frmMain& accounts_list_;

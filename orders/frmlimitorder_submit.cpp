@@ -16,7 +16,10 @@ void frmlimitorder::cmdsubmitlimiorder_Click() {
   if (rows_.shares().without > 0) return general_.message_box("Please distribute the amount first");
   if (!(edit_ && edit_->stops()) && !prices_accepted()) return;
   round_.begin();
-  const bool sent = !edit_ ? send_new_orders() : edit_->stops() ? send_stops() : send_update();
+  bool sent = false;
+  sessions_.as_one_ticket([&] {
+    sent = !edit_ ? send_new_orders() : edit_->stops() ? send_stops() : send_update();
+  });
   if (sent) clearFrmlimit();
 }
 
@@ -47,9 +50,9 @@ bool frmlimitorder::send_new_orders() {
     order.amount = row.cell(Column::amount).number();
     send(row, "Entry Order",
          cblimiordertype.text() + " " + number_text(order.amount) + " " + cblimitordersymbols.text(),
-         order.price, [&](CClientAPIManager& session, int round) {
+         order.price, [&](CClientAPIManager& session, int round, RequestGate::Then then) {
            order.symbol_id = session.GetIDByName(cblimitordersymbols.text());
-           return session.place_entry(order, market_.symbol(), round).request_code;
+           session.place_entry(order, market_.symbol(), round, std::move(then));
          });
   }
   if (!any) general_.message_box("No account selected");
@@ -69,8 +72,8 @@ bool frmlimitorder::send_update() {
   }
   send(*row, edit_order,
        "#" + std::to_string(edited()) + " " + cblimiordertype.text() + " " + edit_->request.symbol, price,
-       [&](CClientAPIManager& session, int round) {
-         return session.update_entry(edited(), price, draft_.stops(), round).request_code;
+       [&](CClientAPIManager& session, int round, RequestGate::Then then) {
+         session.update_entry(edited(), price, draft_.stops(), round, std::move(then));
        });
   return true;
 }
@@ -82,8 +85,8 @@ bool frmlimitorder::send_stops() {
     any = true;
     send(row, edit_stops,
          "#" + std::to_string(edited()) + " " + std::string{edit_->side} + " " + edit_->request.symbol,
-         edit_->request.price, [&](CClientAPIManager& session, int round) {
-           return session.set_stops(edited(), draft_.stops(), round).request_code;
+         edit_->request.price, [&](CClientAPIManager& session, int round, RequestGate::Then then) {
+           session.set_stops(edited(), draft_.stops(), round, std::move(then));
          });
   }
   if (!any) general_.message_box("No account selected");
@@ -91,7 +94,7 @@ bool frmlimitorder::send_stops() {
 }
 
 void frmlimitorder::send(Row& row, std::string_view kind, std::string description, double price,
-                         const std::function<RequestCode(CClientAPIManager&, int)>& send) {
+                         const EntryRound::Send& send) {
   round_.send(row, {kind, std::move(description), price, txtsl.text(), txttp.text()}, send);
 }
 

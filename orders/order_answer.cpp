@@ -13,6 +13,7 @@ OrderAnswer answer_from(SentOrder::Outcome outcome) {
     case SentOrder::Outcome::accepted:
       return OrderAnswer::accepted;
     case SentOrder::Outcome::refused:
+    case SentOrder::Outcome::dropped:
       return OrderAnswer::refused;
     default:
       return OrderAnswer::unknown;

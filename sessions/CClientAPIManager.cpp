@@ -1,6 +1,7 @@
 #include "sessions/CClientAPIManager.h"
 
 #include <cmath>
+#include <utility>
 
 #include "core/numbers.h"
 #include "sessions/result_texts.h"
@@ -42,7 +43,7 @@ void CClientAPIManager::shut_down() {
   client_->set_sink(nullptr);
   client_->Logout();
   connection_.release_totals();
-  journal_unanswered();
+  journal_unanswered("lost");
   connection_.shut_down();
 }
 
@@ -57,33 +58,36 @@ std::string CClientAPIManager::SummaryDesc(double balance, double equity, double
          "  EffMargin: " + summary_text(effective_margin);
 }
 
-const SentOrder& CClientAPIManager::market_order(Operation side, SymbolHandle symbol, double amount) {
-  return gate_.market_order(sender(), side, symbol, symbol_id(symbol), amount);
+const SentOrder& CClientAPIManager::market_order(Operation side, SymbolHandle symbol, double amount,
+                                                 Then then) {
+  return gate_.market_order(sender(), side, symbol, symbol_id(symbol), amount, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::close_position(std::int64_t ticket, double amount) {
-  return gate_.close(sender(), ticket, amount);
+const SentOrder& CClientAPIManager::close_position(std::int64_t ticket, double amount, Then then) {
+  return gate_.close(sender(), ticket, amount, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position) {
-  return gate_.cancel(sender(), order, stops_of_position);
+const SentOrder& CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position, Then then) {
+  return gate_.cancel(sender(), order, stops_of_position, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::place_entry(const EntryOrder& order, SymbolHandle symbol, int round) {
-  return gate_.place_entry(sender(), order, symbol, round);
+const SentOrder& CClientAPIManager::place_entry(const EntryOrder& order, SymbolHandle symbol, int round,
+                                                Then then) {
+  return gate_.place_entry(sender(), order, symbol, round, std::move(then));
 }
 
 const SentOrder& CClientAPIManager::update_entry(std::int64_t order, double price, const StopPrices& stops,
-                                                 int round) {
-  return gate_.update_entry(sender(), order, price, stops, round);
+                                                 int round, Then then) {
+  return gate_.update_entry(sender(), order, price, stops, round, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::set_stops(std::int64_t ticket, const StopPrices& stops, int round) {
-  return gate_.set_stops(sender(), ticket, stops, records_.stops_order_of(ticket), round);
+const SentOrder& CClientAPIManager::set_stops(std::int64_t ticket, const StopPrices& stops, int round,
+                                              Then then) {
+  return gate_.set_stops(sender(), ticket, stops, records_.stops_order_of(ticket), round, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept) {
-  return gate_.answer_requote(sender(), order, accept);
+const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept, Then then) {
+  return gate_.answer_requote(sender(), order, accept, std::move(then));
 }
 
 void CClientAPIManager::ConnectionState(bool connected) {
@@ -98,7 +102,7 @@ void CClientAPIManager::ConnectionState(bool connected) {
   }
   carry_on([&] { connection_.lost(); });
   carry_on([&] { connection_.release_totals(); });
-  carry_on([&] { journal_unanswered(); });
+  carry_on([&] { journal_unanswered("lost"); });
   carry_on([&] {
     if (lists_account()) windows_.leave(*this);
     records_.lists_account(false);

@@ -99,16 +99,18 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   // As the library has them; nullptr when it has none with this number. Valid until its next event.
   const PendingOrder* pending_order(std::int64_t order) const { return records_.pending_order(order); }
   const OpenPosition* open_position(std::int64_t ticket) const { return records_.open_position(ticket); }
-  // Each sends one request, amounts in lots, and answers its record, which says at once whether it was taken
-  // and later what became of it. The entry order window is told of entry orders, updates and stops, with the
-  // mark of its round.
-  const SentOrder& market_order(Operation side, SymbolHandle symbol, double amount);
-  const SentOrder& close_position(std::int64_t ticket, double amount);
-  const SentOrder& cancel_order(std::int64_t order, bool stops_of_position);
-  const SentOrder& place_entry(const EntryOrder& order, SymbolHandle symbol, int round);
-  const SentOrder& update_entry(std::int64_t order, double price, const StopPrices& stops, int round);
-  const SentOrder& set_stops(std::int64_t ticket, const StopPrices& stops, int round);
-  const SentOrder& answer_requote(std::int64_t order, bool accept);
+  using Then = RequestGate::Then;
+  // Each sends one request, amounts in lots, and answers its record, which says whether it was taken once it
+  // has left, and later what became of it; `then` runs when it has left. The entry order window is told of
+  // entry orders, updates and stops, with the mark of its round.
+  const SentOrder& market_order(Operation side, SymbolHandle symbol, double amount, Then then = {});
+  const SentOrder& close_position(std::int64_t ticket, double amount, Then then = {});
+  const SentOrder& cancel_order(std::int64_t order, bool stops_of_position, Then then = {});
+  const SentOrder& place_entry(const EntryOrder& order, SymbolHandle symbol, int round, Then then = {});
+  const SentOrder& update_entry(std::int64_t order, double price, const StopPrices& stops, int round,
+                                Then then = {});
+  const SentOrder& set_stops(std::int64_t ticket, const StopPrices& stops, int round, Then then = {});
+  const SentOrder& answer_requote(std::int64_t order, bool accept, Then then = {});
   // The market order (new entry order) sent last; its outcome is `none` when none was.
   const SentOrder& last_order() const { return book_.last_new(sender(), RequestKind::open); }
   const SentOrder& last_entry() const { return book_.last_new(sender(), RequestKind::entry); }
@@ -119,8 +121,8 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   Sender sender() const { return requests_.sender(); }
   // How many requests are still to be answered.
   int unanswered() const { return book_.unanswered(sender()); }
-  // Gives up waiting: journals every request without a result as unknown.
-  void journal_unanswered() { requests_.give_up_all(); }
+  // Gives up waiting: journals every request without a result as unknown. `reason` as the ledger has it.
+  void journal_unanswered(std::string_view reason) { requests_.give_up_all(reason); }
   // No word came for one of them in too long.
   void overdue(SentOrder& request) { requests_.overdue(request); }
   // An order of the account has ended with the answer to its requote: it is listed no more.

@@ -8,12 +8,13 @@
 namespace tutti {
 
 CClientAPIManagers::CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, Books& books,
-                                       CLoginOptions& options, std::size_t capacity)
+                                       CLoginOptions& options, Ledger& ledger, std::size_t capacity)
     : make_client_(std::move(make_client)),
       general_(general),
       desk_(desk),
       books_(books),
       options_(options),
+      gate_(requests_, general, books, ledger),
       capacity_(capacity) {}
 
 CClientAPIManagers::~CClientAPIManagers() = default;
@@ -144,19 +145,33 @@ void CClientAPIManagers::fan_out(Operation side) {
   const SymbolHandle symbol = books_.symbols.find(desk_.market_order->symbol());
   fan_out_.clear();
   fan_out_sorted_ = false;
-  for (const auto& session : sessions_) {
-    if (!session->ClientAPIF().LoggedIn()) continue;
-    const std::int32_t account = session->account();
-    const std::optional<double> share = desk_.market_order->ticked_share(account);
-    if (!share) continue;
-    const SentOrder& sent = session->market_order(side, symbol, *share);
-    fan_out_.push_back(&sent);
-    Result(sent.request_code, account, client_key(session->key()));
-    general_.play_sound_file(sound);
-  }
+  const auto ask = [&] {
+    for (const auto& session : sessions_) {
+      if (!session->ClientAPIF().LoggedIn()) continue;
+      const std::optional<double> share = desk_.market_order->ticked_share(session->account());
+      if (!share) continue;
+      const auto tell = [this, &sound, to = session.get()](const SentOrder& sent) {
+        if (sent.outcome == SentOrder::Outcome::dropped)
+          return desk_.market_order->result(RequestGate::not_sent, sent.account);
+        Result(sent.request_code, sent.account, client_key(to->key()));
+        general_.play_sound_file(sound);
+      };
+      fan_out_.push_back(&session->market_order(side, symbol, *share, tell));
+    }
+  };
+  gate_.as_one_ticket(ask, at_click(side, symbol));
   if (!fan_out_.empty()) return;
   general_.message_box("No account selected");
   desk_.market_order->nothing_sent();
+}
+
+LedgerTicket CClientAPIManagers::at_click(Operation side, SymbolHandle symbol) const {
+  LedgerTicket out;
+  if (symbol == no_symbol) return out;
+  const SymbolCollection::Entry& quoted = books_.symbols.entry(symbol);
+  out.price_at_click = buys(side) ? quoted.ask : quoted.bid;
+  out.quote_age = std::max(general_.clock.now() - quoted.quote_time, std::chrono::milliseconds{0});
+  return out;
 }
 
 std::span<const SentOrder* const> CClientAPIManagers::last_fan_out() {

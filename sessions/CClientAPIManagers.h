@@ -26,7 +26,7 @@ class CClientAPIManagers {
   static constexpr std::size_t max_accounts = 500;
 
   CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, Books& books,
-                     CLoginOptions& options, std::size_t capacity = max_accounts);
+                     CLoginOptions& options, Ledger& ledger, std::size_t capacity = max_accounts);
   ~CClientAPIManagers();
 
   // New session and its row; logged in at once when asked. nullptr, after a message, when the collection is
@@ -76,6 +76,11 @@ class CClientAPIManagers {
   void BuyFunction() { fan_out(operation::buy); }
   void SellFunction() { fan_out(operation::sell); }
   void NewOrder(std::string_view, std::string_view, std::string_view) {}
+  // What `ask` sends through the sessions is one ticket; it has left when this returns.
+  void as_one_ticket(const std::function<void()>& ask) { gate_.as_one_ticket(ask); }
+  // Sends what was asked for in handlers and is stored by now, or waits for that.
+  void send_stored() { gate_.send_stored(); }
+  void wait_for_stored() { gate_.wait_for_stored(); }
   // The orders of the last Buy or Sell, sorted by account.
   std::span<const SentOrder* const> last_fan_out();
   const RequestBook& requests() const { return requests_; }
@@ -93,6 +98,7 @@ class CClientAPIManagers {
   using DistanceOf = double (AccountClient::*)(std::string_view) const;
 
   void fan_out(Operation side);
+  LedgerTicket at_click(Operation side, SymbolHandle symbol) const;
   double widest_distance(std::string_view symbol, DistanceOf distance_of) const;
   void index_accounts();
 
@@ -103,7 +109,7 @@ class CClientAPIManagers {
   CLoginOptions& options_;
   AccountWindows windows_{desk_, books_, *this};
   RequestBook requests_;
-  RequestGate gate_{requests_, general_.clock};
+  RequestGate gate_;
   std::size_t capacity_;
   std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
   std::vector<std::unique_ptr<CClientAPIManager>>

@@ -1,57 +1,140 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <string_view>
+#include <variant>
 #include <vector>
 
+#include "books/books.h"
 #include "books/request_book.h"
 #include "books/request_ids.h"
+#include "core/MGeneral.h"
+#include "ledger/ledger.h"
+#include "sessions/contract/account_client.h"
 #include "sessions/contract/codes.h"
 #include "sessions/contract/order_operations.h"
 
 namespace tutti {
 
-// The only way out: the one holder of what sends. Every request gets its id here and is in the request book
-// before it leaves, and the code it was answered stands there when this returns.
+// The only way out: the one holder of what sends. Every request gets its id here, is in the request book and
+// stored in the ledger before it leaves, and noted once more as it leaves.
+//
+// What the operator asks for has left, or was dropped, when the call returns: it waits for the ledger, so
+// long at most. What is asked for in a handler, which never waits, is queued and leaves once it is stored.
+// What can't be stored is dropped, and the operator is told so once.
 //
 // A sender is one account session. Records live as long as the book.
 class RequestGate {
  public:
-  RequestGate(RequestBook& book, const Clock& clock) : book_(book), clock_(clock), ids_(clock) {}
+  // So long a click waits for the ledger.
+  static constexpr std::chrono::milliseconds store_within{250};
+  // What the row of a dropped request says.
+  static constexpr std::string_view not_sent = "Not sent: it could not be stored";
+  // Of more requests than `whole_ticket` each part of so many is stored before it leaves.
+  static constexpr std::size_t whole_ticket = 1000;
+  static constexpr std::size_t part = 500;
 
-  // A new session of this account; `operations` sends for it until it leaves.
-  Sender join(std::int32_t account, OrderOperations& operations);
+  // Runs when the request has been sent, with the code that it was answered, or was dropped.
+  using Then = std::function<void(const SentOrder&)>;
+
+  // Takes the unknown requests of earlier runs into the book.
+  RequestGate(RequestBook& book, MGeneral& general, const Books& books, Ledger& ledger);
+
+  // A new session of this account; `operations` sends for it until it leaves. It takes over what is unknown
+  // of the account's earlier requests.
+  Sender join(const LedgerAccount& account, OrderOperations& operations, const AccountClient& client);
   // Whatever it is asked to send from now on is refused with request::invalid_account.
   void leave(Sender sender) { senders_[sender - 1].operations = nullptr; }
 
+  // What `ask` asks for is one ticket: stored together, then sent in that order, before this returns. `about`
+  // tells the prices at the click where they count; the rest the requests say.
+  void as_one_ticket(const std::function<void()>& ask, const LedgerTicket& about = {});
+
   // Amounts in lots, `side` an operation:: code. `symbol_id` is the account's own number of the symbol.
   const SentOrder& market_order(Sender sender, Operation side, SymbolHandle symbol, std::int32_t symbol_id,
-                                double amount);
-  const SentOrder& close(Sender sender, std::int64_t ticket, double amount);
+                                double amount, Then then = {});
+  const SentOrder& close(Sender sender, std::int64_t ticket, double amount, Then then = {});
   // `stops_of_position`: the order is the SL/TP of a position, not an entry order.
-  const SentOrder& cancel(Sender sender, std::int64_t order, bool stops_of_position);
+  const SentOrder& cancel(Sender sender, std::int64_t order, bool stops_of_position, Then then = {});
   // `round`: the caller's own mark.
-  const SentOrder& place_entry(Sender sender, const EntryOrder& order, SymbolHandle symbol, int round);
+  const SentOrder& place_entry(Sender sender, const EntryOrder& order, SymbolHandle symbol, int round,
+                               Then then = {});
   const SentOrder& update_entry(Sender sender, std::int64_t order, double price, const StopPrices& stops,
-                                int round);
+                                int round, Then then = {});
   // `stops_order`: the SL/TP order that the position has already, 0 when none.
   const SentOrder& set_stops(Sender sender, std::int64_t ticket, const StopPrices& stops,
-                             std::int64_t stops_order, int round);
-  const SentOrder& answer_requote(Sender sender, std::int64_t order, bool accept);
+                             std::int64_t stops_order, int round, Then then = {});
+  const SentOrder& answer_requote(Sender sender, std::int64_t order, bool accept, Then then = {});
+
+  // Sends what was asked for in handlers and is stored by now. To be called outside of them.
+  void send_stored();
+  // The same for all of it, once it is stored, for who has nothing else to do.
+  void wait_for_stored();
+  // The session's connection is over: what has not left for it is dropped.
+  void drop_waiting(Sender sender);
+
+  Ledger& ledger() { return ledger_; }
 
  private:
   struct Way {
     std::int32_t account = 0;
     OrderOperations* operations = nullptr;
+    const AccountClient* client = nullptr;
+  };
+  // What a request is made of beside its record.
+  struct Market {
+    std::int32_t symbol_id = 0;
+  };
+  struct Close {};
+  struct Cancel {
+    bool stops_of_position = false;
+  };
+  struct Update {
+    StopPrices stops;
+  };
+  struct Stops {
+    StopPrices stops;
+  };
+  struct Answer {
+    bool accept = false;
+  };
+  using Terms = std::variant<Market, Close, Cancel, EntryOrder, Update, Stops, Answer>;
+  struct Asked {
+    SentOrder* noted = nullptr;
+    Terms terms;
+    Then then;
+  };
+  using AskedList = std::vector<Asked>;
+  struct Waiting {
+    Ledger::Mark mark = 0;
+    std::chrono::milliseconds since{0};
+    AskedList asked;
   };
 
-  template <class Call>
-  const SentOrder& send(Sender sender, SentOrder&& request, Call&& call);
+  const SentOrder& ask(Sender sender, SentOrder&& request, const Terms& terms, Then&& then);
+  void submit(LedgerTicket about, AskedList&& asked);
+  LedgerRequest stored_form(const Asked& asked) const;
+  RequestCode call(OrderOperations& to, const Asked& asked);
+  // False when nothing more may leave, for want of a note of it.
+  bool send(const Asked& asked);
+  void send_all(AskedList& asked, std::size_t first, std::size_t end);
+  void drop(AskedList& asked, std::size_t first, std::size_t end, std::string_view reason,
+            const std::string& why);
+  void drop(const Asked& asked, std::string_view reason);
+  void note(const SentOrder& request, LedgerState state, std::string_view reason, LedgerEvidence evidence);
 
   RequestBook& book_;
-  const Clock& clock_;
+  MGeneral& general_;
+  const Books& books_;
+  Ledger& ledger_;
   RequestIds ids_;
   std::vector<Way> senders_;  // sender n at n - 1
+  bool collecting_ = false;
+  AskedList collected_;
+  std::deque<Waiting> waiting_;  // asked for in handlers
 };
 
 }  // namespace tutti

@@ -20,19 +20,25 @@ std::string key_of(const AccountRecord& record) {
 
 }  // namespace
 
+bool hold_records(const std::vector<std::string>& lines) {
+  return std::any_of(lines.begin(), lines.end(), looks_like_record);
+}
+
+FileError key_missing(const std::filesystem::path& records, const KeyFile& key) {
+  return {records, "holds account records, but their key is missing: " + key.path().string() +
+                       ". Put the key back, or move the records away"};
+}
+
 tl::expected<std::vector<std::string>, FileError> AccountRecords::lines() const {
   return general_.files.lines(general_.account_file);
 }
 
 // The key that decodes these lines; nullptr when none of them needs one and there is none.
 tl::expected<const Secret*, FileError> AccountRecords::key_for(const std::vector<std::string>& lines) {
-  if (std::none_of(lines.begin(), lines.end(), looks_like_record)) return nullptr;
+  if (!hold_records(lines)) return nullptr;
   auto key = general_.key.find();
   if (!key || *key != nullptr) return key;
-  return tl::unexpected(
-      FileError{general_.paths.file(general_.account_file),
-                "holds account records, but their key is missing: " + general_.key.path().string() +
-                    ". Put the key back, or move the records away"});
+  return tl::unexpected(key_missing(general_.paths.file(general_.account_file), general_.key));
 }
 
 tl::expected<std::vector<AccountRecord>, FileError> AccountRecords::read_all() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,10 @@
 #include "sessions/account_record.h"
 
 namespace tutti {
+
+bool hold_records(const std::vector<std::string>& lines);
+// That these records can't be read for want of their key.
+FileError key_missing(const std::filesystem::path& records, const KeyFile& key);
 
 // The account information file: one encoded record per line. Lines that can't be decoded, be they damaged or
 // of another key, are journaled and stay in the file as they are, whatever is written.

@@ -1,10 +1,50 @@
 #include "sessions/sent_requests.h"
 
 #include <cmath>
+#include <string>
+#include <utility>
 
 namespace tutti {
 
 using Outcome = SentOrder::Outcome;
+
+namespace {
+
+LedgerState state_of(const SentOrder& request) {
+  switch (request.outcome) {
+    case Outcome::pending:
+      return LedgerState::pending;
+    case Outcome::partly:
+      return LedgerState::part;
+    case Outcome::accepted:
+      break;
+    case Outcome::refused:
+      return request.filled > 0.0 ? LedgerState::part_filled : LedgerState::refused;
+    default:
+      return LedgerState::unknown;
+  }
+  switch (request.kind) {
+    case RequestKind::open:
+    case RequestKind::close:
+      return LedgerState::filled;
+    case RequestKind::entry:
+      return LedgerState::working;
+    default:
+      return LedgerState::done;
+  }
+}
+
+void take_fill(LedgerEvent& event, const OrderReport& report) {
+  event.order = report.number;
+  event.note = report.text;
+  event.server_time = report.time;
+  event.execution = report.execution;
+  event.closes = report.request_kind == request_kind::close;
+  event.filled = report.filled;
+  event.price = report.price;
+}
+
+}  // namespace
 
 SentOrder* SentRequests::closing(const OrderReport& report) {
   return change(RequestKind::close, report.number, report.id);
@@ -80,11 +120,17 @@ SentOrder* SentRequests::unnamed_stops(std::int64_t order, ResultCode code) {
   });
 }
 
-bool SentRequests::settle(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order) {
+bool SentRequests::settle_in_book(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order) {
   // A word that comes again, or too late, changes nothing; what was given up it settles after all.
   if (meant == nullptr || (meant->settled() && meant->outcome != Outcome::unknown)) return false;
   book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
   if (of_entry_window(meant->kind)) scope_.desk.entry_order->request_settled(*meant, scope_.account);
+  return true;
+}
+
+bool SentRequests::settle(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order) {
+  if (!settle_in_book(meant, code, outcome, order)) return false;
+  note(*meant, {}, LedgerEvidence::answer, nullptr);
   return true;
 }
 
@@ -99,9 +145,51 @@ bool SentRequests::settle(SentOrder* meant, const OrderReport& report, ResultCod
   // A fill that is told again is none.
   if (!book_.is_new_execution(sender_, report.execution)) return false;
   if (outcome == Outcome::accepted && report.left > 0.0) outcome = Outcome::partly;
-  if (!settle(meant, code, outcome, report.number)) return false;
+  if (!settle_in_book(meant, code, outcome, report.number)) {
+    // What was filled was, whatever is known of the request, and be it nobody's here.
+    SentOrder told;
+    told.id = report.id;
+    told.outcome = outcome;
+    if (report.filled > 0.0) note(told, {}, LedgerEvidence::answer, &report);
+    return false;
+  }
   if (report.filled_all > 0.0) meant->filled = report.filled_all;
+  note(*meant, {}, LedgerEvidence::answer, &report);
   return true;
+}
+
+void SentRequests::give_up(SentOrder& request, std::string_view reason) {
+  if (settle_in_book(&request, ResultCode::none, Outcome::unknown, 0))
+    note(request, reason, LedgerEvidence::clock, nullptr);
+}
+
+void SentRequests::note(const SentOrder& request, std::string_view reason, LedgerEvidence evidence,
+                        const OrderReport* report) {
+  LedgerEvent event{.request = request.id,
+                    .sender = sender_,
+                    .state = state_of(request),
+                    .evidence = evidence,
+                    .reason = std::string{reason},
+                    .order = request.number};
+  if (request.outcome == Outcome::refused) {
+    event.code = format_as(request.result_code);
+    event.reason = "result code";
+  }
+  if (report != nullptr) take_fill(event, *report);
+  ledger_.note(std::move(event));
+}
+
+void SentRequests::entry_executed(const OrderReport& report) {
+  LedgerEvent event{.request = report.id,
+                    .sender = sender_,
+                    .state = report.left > 0.0 ? LedgerState::part : LedgerState::filled};
+  take_fill(event, report);
+  ledger_.note(std::move(event));
+}
+
+void SentRequests::entry_cancelled(std::int64_t order, std::string_view reason) {
+  ledger_.note(
+      {.sender = sender_, .state = LedgerState::cancelled, .reason = std::string{reason}, .order = order});
 }
 
 void SentRequests::end_requote(std::int64_t order) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "books/request_book.h"
+#include "ledger/ledger.h"
 #include "sessions/session_records.h"
 
 namespace tutti {
@@ -14,9 +16,10 @@ namespace tutti {
 // meant the answer is nullptr.
 class SentRequests {
  public:
-  // Keeps references to the first three. `sender`: what the gate knows the session by.
-  SentRequests(SessionScope& scope, const SessionRecords& records, RequestBook& book, Sender sender)
-      : scope_(scope), records_(records), book_(book), sender_(sender) {}
+  // Keeps references to the first four. `sender`: what the gate knows the session by.
+  SentRequests(SessionScope& scope, const SessionRecords& records, RequestBook& book, Ledger& ledger,
+               Sender sender)
+      : scope_(scope), records_(records), book_(book), ledger_(ledger), sender_(sender) {}
 
   // Of the first report on a market order, and of what is told of one that went through dealing.
   SentOrder* opening(const OrderReport& report);
@@ -32,12 +35,17 @@ class SentRequests {
   // or the outcome is known already: a word that comes again or too late. What was given up it settles after
   // all. The entry order window is told of its requests.
   bool settle(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order = 0);
+  // No more is waited for; `reason` is the ledger's.
+  void give_up(SentOrder& request, std::string_view reason);
   bool settle(SentOrder* meant, ResultCode code) { return settle(meant, code, SentOrder::outcome_of(code)); }
   // The same with what the report says was filled; a fill that is told again changes nothing.
   bool settle(SentOrder* meant, const OrderReport& report);
   bool settle(SentOrder* meant, const OrderReport& report, ResultCode code, SentOrder::Outcome outcome);
   // The order that the answer to a requote was for has ended, and with it the answer.
   void end_requote(std::int64_t order);
+  // What prices set off: an entry order was executed, or is no more. Only the ledger is told.
+  void entry_executed(const OrderReport& report);
+  void entry_cancelled(std::int64_t order, std::string_view reason);
   // The dealer has what is known by this number.
   void dealer_has(std::int64_t number);
 
@@ -48,12 +56,16 @@ class SentRequests {
   std::vector<SentOrder*> open() const { return book_.open(sender_); }
 
  private:
+  bool settle_in_book(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order);
+  void note(const SentOrder& request, std::string_view reason, LedgerEvidence evidence,
+            const OrderReport* report);
   SentOrder* unnamed_entry(std::int64_t order, ResultCode code);
   SentOrder* unnamed_stops(std::int64_t order, ResultCode code);
 
   SessionScope& scope_;
   const SessionRecords& records_;
   RequestBook& book_;
+  Ledger& ledger_;
   Sender sender_;
 };
 

@@ -1,6 +1,7 @@
 #include "sessions/session_requests.h"
 
 #include "core/numbers.h"
+#include "core/texts.h"
 #include "sessions/result_texts.h"
 
 namespace tutti {
@@ -157,6 +158,7 @@ bool SessionRequests::update_entry(std::int64_t order, ResultCode code, RequestI
 
 bool SessionRequests::delete_entry(std::int64_t order, ResultCode code, RequestId id) {
   const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code);
+  if (code == result::succeeded) sent_.entry_cancelled(order, "cancel");
   const std::string text =
       "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
   scope_.log_order(order, text);
@@ -195,6 +197,7 @@ void SessionRequests::entry_executed(const OrderReport& report) {
   // It was placed, then, whether that was told or not.
   if (report.id != 0)
     sent_.settle(sent_.named(report.id), result::succeeded, Outcome::accepted, report.number);
+  sent_.entry_executed(report);
   scope_.orders.remove(report.number, scope_.account);
   scope_.log("Entry Order " + std::to_string(report.number) + " [" +
              std::string{result_texts::buy_or_sell(report.operation)} + " " + number_text(report.amount) +
@@ -205,24 +208,25 @@ void SessionRequests::entry_cancelled(std::int64_t order, std::int32_t account, 
   const std::string text =
       "Limit Order:" + std::to_string(order) + std::string{why} + std::to_string(account);
   scope_.desk.pending->order_text(order, scope_.account, text);
+  sent_.entry_cancelled(order, trim(why));
   scope_.tell(text);
 }
 
-void SessionRequests::give_up(SentOrder& request) {
+void SessionRequests::give_up(SentOrder& request, std::string_view reason) {
   if (request.settled()) return;
   const std::string what =
       request.kind == RequestKind::open ? "Order " + words(request, scope_.symbols)
       : request.kind == RequestKind::entry
           ? "Entry order " + words(request, scope_.symbols) + " at " + number_text(request.price)
           : "The request for #" + std::to_string(request.number);
-  sent_.settle(&request, ResultCode::none, Outcome::unknown);
+  sent_.give_up(request, reason);
   if (request.kind == RequestKind::requote) return;  // the order that it is for is told of
   scope_.log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
              std::to_string(scope_.account));
 }
 
 void SessionRequests::overdue(SentOrder& request) {
-  give_up(request);
+  give_up(request, "late");
   constexpr std::string_view text = "unknown";
   if (request.kind == RequestKind::open && sent_.has_row(&request))
     scope_.desk.market_order->result(text, scope_.account);
@@ -232,9 +236,16 @@ void SessionRequests::overdue(SentOrder& request) {
     scope_.desk.close_positions->result(request.number, scope_.account, text);
 }
 
-void SessionRequests::give_up_all() {
+void SessionRequests::give_up_all(std::string_view reason) {
+  gate_.drop_waiting(sender_);
   for (SentOrder* request : sent_.open())
-    give_up(*request);
+    give_up(*request, reason);
+}
+
+LedgerAccount SessionRequests::identity(const AccountEntry& record) {
+  const Endpoint& server = record.server;
+  return {server.address.empty() ? "" : server.address + ":" + std::to_string(server.port), record.user,
+          record.account};
 }
 
 }  // namespace tutti

@@ -22,8 +22,8 @@ class SessionRequests {
       : scope_(scope),
         records_(records),
         gate_(gate),
-        sender_(gate.join(scope.account, operations)),
-        sent_(scope, records, book, sender_) {}
+        sender_(gate.join(identity(scope.record), operations, scope.client)),
+        sent_(scope, records, book, gate.ledger(), sender_) {}
 
   Sender sender() const { return sender_; }
   // The session is over: nothing goes out any more.
@@ -45,15 +45,18 @@ class SessionRequests {
   // The countdown of a requote: the dealer has the order.
   void requote_tick(const Requote& requote) { sent_.dealer_has(requote.order); }
 
-  // Gives up waiting for it, journaled: its outcome is unknown.
-  void give_up(SentOrder& request);
-  void give_up_all();
+  // Gives up waiting for it, journaled: its outcome is unknown. `reason`: "late" or "lost", for the ledger.
+  void give_up(SentOrder& request, std::string_view reason);
+  // The same for all that have left; the others are dropped.
+  void give_up_all(std::string_view reason);
   // The same for one that no word came for in too long while the connection stands: its row says so.
   void overdue(SentOrder& request);
 
  private:
   // Journal, messages, and the position's row in the close positions window when the close is `ours`.
   void tell_close(const OrderReport& report, bool ours);
+
+  static LedgerAccount identity(const AccountEntry& record);
 
   SessionScope& scope_;
   SessionRecords& records_;

@@ -81,6 +81,7 @@ void Main::connect_closing() {
     return close_helper_.close(position.ticket, position.amount, position.account);
   };
   trade_.close_helper = close;
+  trade_.as_one_ticket = [this](const auto& ask) { sessions_.as_one_ticket(ask); };
   close_positions_.close_helper = close;
   question_box_.on_yes[frmTrade::close_question - 1] = [this] { trade_.closeAllse(); };
   question_box_.on_yes[frmClosePos::marked_question - 1] = [this] { close_positions_.closepos(); };
@@ -99,6 +100,7 @@ std::size_t Main::deliver_events(std::size_t limit) {
 }
 
 void Main::poll_timers(bool events_wait) {
+  sessions_.send_stored();
   if (!events_wait) accounts_.m_oTimer.poll(ports_.clock.now());
   journal_.flush();
   if (window_.stamp() == totals_shown_) return;

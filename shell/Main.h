@@ -20,6 +20,7 @@
 #include "core/frmSure.h"
 #include "core/message_queue.h"
 #include "core/paths.h"
+#include "ledger/ledger.h"
 #include "orders/close_helper.h"
 #include "orders/frmClosePos.h"
 #include "orders/frmPriceChanged.h"
@@ -52,6 +53,7 @@ struct MachinePorts {
   SoundPort& sound;
   LocalePort& locale;
   FileDialog& file_dialog;
+  Ledger& ledger;
   std::filesystem::path key_file = {};  // key of the account records; empty: where KeyFile looks for it
   std::function<void(std::string_view text)> outside = {};  // standard error of the program; may be empty
 };
@@ -143,7 +145,7 @@ class Main {
   EventPump pump_{events_, journal_, messages_};
   frmMdiNew window_{books_.accounts};
   CLoginOptions login_options_{general_, server_.endpoint};
-  CClientAPIManagers sessions_{server_.make_client, general_, desk_, books_, login_options_};
+  CClientAPIManagers sessions_{server_.make_client, general_, desk_, books_, login_options_, ports_.ledger};
   frmMain accounts_{general_, desk_, books_, login_options_, sessions_, ports_.file_dialog};
   frmorder market_order_{general_, accounts_, sessions_, books_.symbols};
   frmlimitorder entry_order_{general_, accounts_, sessions_, books_.symbols};

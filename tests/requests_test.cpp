@@ -192,6 +192,109 @@ TEST_F(Requests, AreFilledInPartsAndEveryFillOnce) {
   EXPECT_EQ(order.filled, 0.5);
 }
 
+// A ticket of two, one of each account: what the ledger does, and what becomes of them.
+struct Storing {
+  const char* name;
+  Ledger::Stored says;
+  std::size_t may_leave;
+  std::size_t sent;
+  std::string reason;  // of those that are dropped
+  std::string told;
+};
+
+TEST_F(Requests, LeaveWhenTheyAreStoredAndNotOtherwise) {
+  const std::string tail = ". See to the disk of the application folder, then send them again";
+  const std::string rule = " requests were not sent, since what is not stored must not leave: ";
+  const Storing cases[] = {
+      {"stored", Ledger::Stored::yes, 9, 2, "", ""},
+      {"fails", Ledger::Stored::no, 9, 0, "not stored", "2 of 2" + rule + "no room" + tail},
+      {"late", Ledger::Stored::waiting, 9, 0, "late",
+       "2 of 2" + rule + "the ledger took longer than 250 ms to store it" + tail},
+      {"not noted", Ledger::Stored::yes, 1, 1, "not noted", "1 of 2" + rule + "no room" + tail},
+  };
+  rig.ledger.why = "no room";
+  for (const Storing& each : cases) {
+    SCOPED_TRACE(each.name);
+    rig.ledger.says = each.says;
+    rig.ledger.may_leave = each.may_leave;
+    rig.ledger.stored.clear();
+    rig.ledger.events.clear();
+    rig.take();
+    std::vector<const SentOrder*> told;
+    const auto then = [&](const SentOrder& sent) { told.push_back(&sent); };
+    rig.sessions.as_one_ticket([&] {
+      for (CClientAPIManager* session : {&one, &two})
+        session->market_order(operation::buy, rig.books.symbols.find("EURUSD"), 0.5, then);
+      EXPECT_EQ(rig.ledger.stored.size(), 0U);
+    });
+    ASSERT_EQ(rig.ledger.stored.size(), 1U);
+    EXPECT_EQ(rig.ledger.stored[0].first.total, 1.0);
+    EXPECT_EQ(rig.ledger.stored[0].first.symbol, "EURUSD");
+    ASSERT_EQ(rig.ledger.stored[0].second.size(), 2U);
+    ASSERT_EQ(told.size(), 2U);
+    ASSERT_EQ(rig.ledger.events.size(), 2U);
+    std::size_t left = 0;
+    for (std::size_t i = 0; i < 2; ++i) {
+      const bool sent = i < each.sent;
+      left += rig.client(i == 0 ? one : two).ids.size();
+      EXPECT_EQ(told[i]->outcome, sent ? Outcome::waiting : Outcome::dropped);
+      EXPECT_EQ(told[i]->id, rig.ledger.stored[0].second[i].id);
+      EXPECT_EQ(rig.ledger.events[i].state, sent ? LedgerState::taken : LedgerState::dropped);
+      EXPECT_EQ(rig.ledger.events[i].reason, sent ? "" : each.reason);
+      rig.client(i == 0 ? one : two).ids.clear();
+    }
+    EXPECT_EQ(left, each.sent);
+    EXPECT_EQ(rig.take(),
+              each.told.empty() ? Heard{} : Heard({"Alert: " + each.told, "journal -1: " + each.told}));
+  }
+}
+
+TEST_F(Requests, OfAHandlerLeaveOnceTheyAreStored) {
+  const auto& ids = rig.client(one).ids;
+  const auto ask = [&] {
+    rig.ledger.says = Ledger::Stored::waiting;
+    rig.during([&] { one.answer_requote(30, false); });
+    rig.sessions.send_stored();
+  };
+  ask();
+  EXPECT_EQ(ids.size(), 0U);
+  rig.ledger.says = Ledger::Stored::yes;
+  for (int i = 0; i < 2; ++i) {
+    rig.sessions.send_stored();
+    EXPECT_EQ(ids.size(), 1U);
+  }
+  // Not when its connection is over by then, or when nobody expects it any more.
+  ask();
+  rig.during([&] { sink(one).ConnectionState(false); });
+  rig.ledger.says = Ledger::Stored::yes;
+  rig.sessions.send_stored();
+  ask();
+  rig.clock.advance(5s);
+  rig.sessions.send_stored();
+  EXPECT_EQ(ids.size(), 1U);
+  ASSERT_EQ(rig.ledger.stored.size(), 3U);
+  EXPECT_EQ(rig.ledger.events.back().reason, "late");
+  EXPECT_EQ(rig.take().size(), 2U);
+}
+
+TEST_F(Requests, OfALargeTicketArePartsStoredBeforeTheyLeave) {
+  std::vector<std::size_t> sent_by_then;
+  rig.ledger.on_wait = [&] {
+    sent_by_then.push_back(rig.client(one).ids.size());
+    if (sent_by_then.size() == 3) rig.ledger.says = Ledger::Stored::no;
+  };
+  int dropped = 0;
+  rig.sessions.as_one_ticket([&] {
+    for (std::int64_t ticket = 1; ticket <= 1200; ++ticket)
+      one.close_position(ticket, 0.1,
+                         [&](const SentOrder& r) { dropped += r.outcome == Outcome::dropped ? 1 : 0; });
+  });
+  EXPECT_EQ(sent_by_then, (std::vector<std::size_t>{0, 500, 1000}));
+  EXPECT_EQ(rig.client(one).ids.size(), 1000U);
+  EXPECT_EQ(dropped, 200);
+  EXPECT_EQ(rig.take().size(), 2U);
+}
+
 // Whatever sends does so through the gate: nobody else calls what sends, or holds it.
 TEST(RequestGate, IsTheOnlyWayOut) {
   const std::regex sends{R"((NewMarketOrder|NewEntryOrder|UpdateEntryOrder|AcceptRequote|RejectRequote|)"

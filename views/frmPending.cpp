@@ -9,6 +9,14 @@
 #include "views/lot_sums.h"
 
 namespace tutti {
+namespace {
+
+std::string why_refused(RequestCode code) {
+  const std::string_view text = trim(request::text(code));
+  return text.empty() ? "request code " + std::to_string(format_as(code)) : std::string{text};
+}
+
+}  // namespace
 
 frmPending::frmPending(MGeneral& general, CClientAPIManagers& sessions, const OrderBook& book)
     : general_(general), sessions_(sessions), book_(book) {
@@ -159,12 +167,6 @@ std::vector<const frmPending::Record*> frmPending::ticked() const {
   return out;
 }
 
-RequestCode frmPending::send(const Cancel& cancel) {
-  CClientAPIManager* session = sessions_.logged_in(cancel.account);
-  if (session == nullptr) return request::invalid_account;
-  return session->cancel_order(cancel.order, cancel.kind == OrderKind::stops).request_code;
-}
-
 void frmPending::CloseIoID() {
   if (ticked().empty()) return general_.message_box("No selected orders");
   constexpr int yes = 1;
@@ -179,20 +181,30 @@ void frmPending::CloseIoID() {
   std::vector<Cancel> orders;
   for (const Record* order : ticked())
     orders.push_back({order->order, order->account, order->kind});
-  for (const Cancel& cancel : orders) {
-    std::string why;
-    if (cancel.kind != OrderKind::entry && cancel.kind != OrderKind::stops) {
-      why = "it is in dealing";
-    } else if (const RequestCode code = send(cancel); code != request::taken) {
-      const std::string_view text = trim(request::text(code));
-      why = text.empty() ? "request code " + std::to_string(format_as(code)) : std::string{text};
-    }
-    if (why.empty()) continue;
+  const auto refuse = [&](std::int64_t order, std::int32_t account, std::string_view why) {
     ++refused;
-    general_.log("Unable to cancel order #" + std::to_string(cancel.order) + ", account " +
-                     std::to_string(cancel.account) + ": " + why,
-                 cancel.account);
-  }
+    general_.log("Unable to cancel order #" + std::to_string(order) + ", account " + std::to_string(account) +
+                     ": " + std::string{why},
+                 account);
+  };
+  const auto told = [&](const SentOrder& sent) {
+    if (sent.outcome == SentOrder::Outcome::dropped)
+      return refuse(sent.number, sent.account, RequestGate::not_sent);
+    if (sent.request_code != request::taken)
+      refuse(sent.number, sent.account, why_refused(sent.request_code));
+  };
+  sessions_.as_one_ticket([&] {
+    for (const Cancel& cancel : orders) {
+      const bool stops = cancel.kind == OrderKind::stops;
+      if (!stops && cancel.kind != OrderKind::entry) {
+        refuse(cancel.order, cancel.account, "it is in dealing");
+      } else if (CClientAPIManager* session = sessions_.logged_in(cancel.account)) {
+        session->cancel_order(cancel.order, stops, told);
+      } else {
+        refuse(cancel.order, cancel.account, why_refused(request::invalid_account));
+      }
+    }
+  });
   if (refused > 0) {
     general_.message_box(std::to_string(refused) + " of " + std::to_string(orders.size()) +
                          " orders could not be cancelled; the journal has the reasons");

@@ -116,8 +116,6 @@ class frmPending final : public PendingDesk, public OrderBook::Observer {
 
   void make_cells(Row& row) const;
   std::vector<const Record*> ticked() const;
-  // Request code of one cancel request.
-  RequestCode send(const Cancel& cancel);
 
   MGeneral& general_;
   CClientAPIManagers& sessions_;

@@ -141,8 +141,10 @@ void frmTrade::close_one(const Row& row) {
 
 void frmTrade::closeAllse() {
   // Events went on while the question stood: what is ticked is read again, all of it before anything is sent.
-  for (const Close& close : ticked())
-    close_helper(close);
+  as_one_ticket([this] {
+    for (const Close& close : ticked())
+      close_helper(close);
+  });
 }
 
 }  // namespace tutti

@@ -106,7 +106,7 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
   heartbeat.stop();
   if (signals.caught() != 0) window.save_layout();
   if (const auto saved = terminal.close(); !saved) {
-    terminal.main().general().log("The dealing server's book was not saved: " + saved.error().text(), -1);
+    terminal.main().general().log("Not everything was saved: " + saved.error().text(), -1);
     return exit_status::unreadable_data;
   }
   return status;

@@ -13,6 +13,7 @@
 #include "tests/support/recording_desk.h"
 #include "tests/support/recording_ports.h"
 #include "tests/support/scripted_client.h"
+#include "tests/support/scripted_ledger.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
@@ -79,8 +80,13 @@ class SessionRig {
   Lines journal{windows.heard};
   Books books;
   CLoginOptions options{general, {"10.0.0.9", 443}};
-  CClientAPIManagers sessions{[](const LoginData&) { return std::make_unique<ScriptedClient>(); }, general,
-                              windows.desk, books, options};
+  ScriptedLedger ledger;
+  CClientAPIManagers sessions{[](const LoginData&) { return std::make_unique<ScriptedClient>(); },
+                              general,
+                              windows.desk,
+                              books,
+                              options,
+                              ledger};
 };
 
 }  // namespace tutti::testing

@@ -12,6 +12,7 @@
 #include "core/clock.h"
 #include "core/locale_port.h"
 #include "dealer/link/dealing_server.h"
+#include "ledger/no_ledger.h"
 #include "shell/Main.h"
 #include "tests/support/recording_ports.h"
 
@@ -86,6 +87,7 @@ class TestTerminal {
   RecordingSound sound;
   ProcessLocale locale;
   FakeFileDialog file_dialog;
+  NoLedger ledger;
   DealingServer server;
   ServerSide behind;           // what start() puts behind the clients: the server
   std::unique_ptr<Main> main;  // from start() on

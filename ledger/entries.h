@@ -1,0 +1,107 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "books/sent_order.h"
+#include "core/clock.h"
+#include "sessions/contract/entry_order.h"
+
+namespace tutti {
+
+// What the ledger is told, as plain values: no text is made and no file is touched where they are made.
+
+// Who an account is, for good: its number alone may stand under several users and servers.
+struct LedgerAccount {
+  std::string server;  // "address:port"
+  std::string user;
+  std::int32_t account = 0;
+
+  bool operator==(const LedgerAccount&) const = default;
+};
+
+// What the operator did with one act, and had sent.
+struct LedgerTicket {
+  RequestKind kind = RequestKind::open;
+  std::string symbol{};                     // empty where several are meant
+  Operation side{};                         // `none` where several are meant
+  double total = 0.0;                       // lots of all its requests together
+  double price_at_click = 0.0;              // 0: not known
+  std::chrono::milliseconds quote_age{-1};  // of that price; below 0: not known
+};
+
+// One request as it is to leave. `round` and `stops_order` of a sent order are the windows' own.
+struct LedgerRequest {
+  RequestId id = 0;
+  Sender sender = 0;
+  RequestKind kind = RequestKind::open;
+  std::string symbol{};
+  Operation side{};    // of what it does in the market
+  double lots = 0.0;   // 0 where it has none
+  double price = 0.0;  // 0 where it has none
+  StopPrices stops{};
+  std::int64_t reference = 0;  // order or ticket that it is about
+  bool accepts = false;        // of an answer to a requote
+  BookEra era = 0;             // of the server's book at that time
+};
+
+// How far a request has come. What is stored and has not left has no event.
+enum class LedgerState : std::uint8_t {
+  stored,        // it never left, and the run that was to send it is over
+  refused_here,  // the gate did not let it out
+  dropped,       // it was stored and did not leave
+  taken,
+  refused,
+  pending,
+  working,  // an entry order that waits for its price
+  part,     // executed in part, the rest alive
+  filled,
+  part_filled,  // executed in part, the rest ended
+  done,         // what opens and closes nothing
+  cancelled,
+  unknown,
+  never,  // the broker says for good that it has not taken it
+  gone,   // the broker has another book than the one it was sent to
+  hand,   // the operator's word
+};
+
+// What is known of it from: the broker's answer, the broker asked later, the account's positions, the
+// operator, or the time gone by.
+enum class LedgerEvidence : std::uint8_t { answer, asked, positions, hand, clock };
+
+// Something that became of a request, and what was filled with it.
+struct LedgerEvent {
+  RequestId request = 0;  // 0: that of the working order `order`; with a fill perhaps nobody's
+  Sender sender = 0;
+  LedgerState state = LedgerState::taken;
+  LedgerEvidence evidence = LedgerEvidence::answer;
+  std::string reason{};
+  std::int32_t code = 0;    // request or result code, 0 without
+  std::int64_t order = 0;   // the broker's number, 0 when not told
+  std::string note{};       // the broker's own words
+  TimePoint server_time{};  // the epoch when it tells none
+  TimePoint time{};         // here
+  std::string execution{};  // of the fill
+  bool closes = false;
+  double filled = 0.0;  // lots of the fill, 0 without
+  double price = 0.0;   // of the fill
+};
+
+// A request of an earlier run that nobody knows the outcome of.
+struct LedgerUnknown {
+  RequestId id = 0;
+  LedgerAccount account;
+  RequestKind kind = RequestKind::open;
+  std::string symbol;
+  Operation side{};
+  double lots = 0.0;
+  double price = 0.0;
+  std::int64_t number = 0;  // order or ticket, 0 when none was told
+  BookEra era = 0;
+  std::string why;  // "late", "lost", "crash"
+  TimePoint since{};
+};
+
+}  // namespace tutti

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "ledger/ledger.h"
+
+namespace tutti {
+
+// Keeps nothing and says that all is stored: for measuring and testing what has nothing to do with the disk.
+class NoLedger final : public Ledger {
+ public:
+  void know(Sender, const LedgerAccount&) override {}
+  Mark store(const LedgerTicket&, std::size_t, std::vector<LedgerRequest>, Mark) override { return 1; }
+  Stored state(Mark) const override { return Stored::yes; }
+  Stored wait(Mark, std::chrono::milliseconds) override { return Stored::yes; }
+  bool leaves(RequestId) override { return true; }
+  void note(LedgerEvent) override {}
+  std::string fault() const override { return {}; }
+  const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+
+ private:
+  std::vector<LedgerUnknown> unknown_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,359 @@
+// The ledger's file: what is stored before it leaves, what a crash leaves, and what becomes of a bad disk.
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "core/boot_id.h"
+#include "core/key_file.h"
+#include "ledger/ledger_start.h"
+#include "ledger/ledger_writer.h"
+#include "tests/support/test_terminal.h"
+
+namespace tutti::testing {
+namespace {
+
+constexpr RequestId first_id = 1'000'000;
+
+// A home with a ledger, in this process or in one that is killed.
+struct Home {
+  Home() { key = *key_file.find_or_create(); }
+
+  std::unique_ptr<LedgerWriter> open() {
+    auto out = LedgerWriter::open({folder.path(), "test"}, *key, clock);
+    fault = out ? "" : out.error().text();
+    if (!out) return nullptr;
+    (*out)->know(1, {"10.0.0.9:443", "BOB", 81});
+    return std::move(*out);
+  }
+  // Runs in a process of its own that ends without a word, as if killed.
+  static void killed(const std::function<void()>& life) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      life();
+      ::_exit(0);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  // All rows of a query, cells with "|" between them; or what is wrong with it.
+  Texts ask(const std::string& sql) const {
+    sqlite3* connection = nullptr;
+    ::sqlite3_open_v2(ledger_path(folder.path()).c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
+    Texts rows;
+    const auto take = [](void* out, int count, char** cells, char**) {
+      std::string row;
+      for (int i = 0; i < count; ++i)
+        row += (i == 0 ? "" : "|") + std::string{cells[i] == nullptr ? "" : cells[i]};
+      static_cast<Texts*>(out)->push_back(row);
+      return 0;
+    };
+    char* wrong = nullptr;
+    if (::sqlite3_exec(connection, sql.c_str(), take, &rows, &wrong) != SQLITE_OK) rows.push_back(wrong);
+    ::sqlite3_free(wrong);
+    ::sqlite3_close(connection);
+    return rows;
+  }
+  // Last state of each request; "-" where it has none.
+  Texts states() const {
+    return ask(
+        "SELECT coalesce((SELECT state FROM event WHERE request = r.id ORDER BY seq DESC LIMIT 1), '-') FROM "
+        "request r ORDER BY id");
+  }
+  Texts check() const {
+    const auto file = LedgerFile::open_to_read(ledger_path(folder.path()), *key);
+    return file ? (*file)->check() : Texts{file.error().text()};
+  }
+
+  TemporaryFolder folder;
+  KeyFile key_file{folder.key_file()};
+  const Secret* key = nullptr;
+  ManualClock clock;
+  std::string fault;
+};
+
+std::vector<LedgerRequest> requests(int count, RequestId from = first_id) {
+  std::vector<LedgerRequest> out;
+  for (int i = 0; i < count; ++i)
+    out.push_back({.id = from + i, .sender = 1, .symbol = "EURUSD", .side = operation::buy, .lots = 0.25});
+  return out;
+}
+
+LedgerEvent event(RequestId id, LedgerState state) {
+  return {.request = id, .sender = 1, .state = state};
+}
+
+bool stored(LedgerWriter& ledger, std::vector<LedgerRequest> what) {
+  const auto count = what.size();
+  return ledger.wait(ledger.store({}, count, std::move(what), 0), 10s) == Ledger::Stored::yes;
+}
+
+TEST(Ledger, KeepsTicketsRequestsEventsAndFillsAsTheyWere) {
+  Home home;
+  auto ledger = home.open();
+  const auto entry = LedgerRequest{.id = first_id,
+                                   .sender = 1,
+                                   .kind = RequestKind::entry,
+                                   .symbol = "EURUSD",
+                                   .side = operation::buy_stop,
+                                   .lots = 12.345,
+                                   .price = 1.0851,
+                                   .stops = {1.08, 0.0, true, false},
+                                   .era = 0xF000'0000'0000'0001};
+  const Ledger::Mark mark = ledger->store({.kind = RequestKind::entry,
+                                           .symbol = "EURUSD",
+                                           .side = operation::buy_stop,
+                                           .total = 12.545,
+                                           .price_at_click = 1.08467,
+                                           .quote_age = 40ms},
+                                          2, {entry}, 0);
+  ledger->store({}, 2, {{.id = first_id + 1, .sender = 1, .kind = RequestKind::entry, .lots = 0.2}}, mark);
+  ledger->note(event(first_id, LedgerState::taken));
+  ledger->note({.request = first_id, .sender = 1, .state = LedgerState::working, .order = 77});
+  // It is known by its order's number, too; a fill that comes again, or is nobody's.
+  const LedgerEvent fill{.sender = 1,
+                         .state = LedgerState::filled,
+                         .order = 77,
+                         .server_time = home.clock.now(),
+                         .execution = "E1",
+                         .filled = 12.345,
+                         .price = 1.08515};
+  ledger->note(fill);
+  ledger->note({.request = 9, .sender = 1, .execution = "E1", .filled = 1.0});
+  ledger->note({.request = 9, .sender = 1, .execution = "E2", .closes = true, .filled = 1.0, .price = 2.0});
+  ledger->note(event(first_id + 1, LedgerState::refused));
+  ASSERT_TRUE(ledger->flush(10s));
+  EXPECT_EQ(
+      home.ask("SELECT n, kind, symbol, side, total, total_digits, price_at_click, price_digits, quote_age, "
+               "\"by\", origin, planned_count FROM ticket"),
+      Texts{"1|entry|EURUSD|buy stop|12545|3|108467|5|40|test|here|2"});
+  EXPECT_EQ(home.ask("SELECT id, ticket, account, kind, lots, lots_digits, price, stop_loss, take_profit, "
+                     "price_digits, era FROM request ORDER BY id"),
+            (Texts{"1000000|1|1|entry|12345|3|10851|10800||4|-1152921504606846975",
+                   "1000001|1|1|entry|2|1||||0|"}));
+  EXPECT_EQ(home.ask("SELECT request, state, order_no FROM event ORDER BY seq"),
+            (Texts{"1000000|TAKEN|", "1000000|WORKING|77", "1000000|FILLED|77", "1000001|REFUSED|"}));
+  EXPECT_EQ(
+      home.ask(
+          "SELECT request, exec_id, open_or_close, lots, lots_digits, price, price_digits, day FROM fill"),
+      (Texts{"1000000|E1|open|12345|3|108515|5|2026-01-01", "|E2|close|1|0|2|0|2026-01-01"}));
+  EXPECT_EQ(home.ask("SELECT * FROM open_request"), Texts{});
+  EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"), Texts{"1|2|1|1|0|0"});
+  EXPECT_EQ(home.check(), Texts{});
+  for (const std::string change : {"UPDATE fill SET lots = 1", "DELETE FROM event", "DELETE FROM commit_log"})
+    EXPECT_EQ(home.ask(change), Texts{"the ledger only grows"}) << change;
+  // What is kept for speed is made again when it is missing.
+  ledger.reset();
+  home.ask("DROP TABLE ticket_sum");
+  EXPECT_TRUE(home.open());
+  EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"), Texts{"1|2|1|1|0|0"});
+}
+
+// A ticket of three, of which some had left and some were answered when the program was killed.
+struct CrashPoint {
+  const char* name;
+  int left;
+  std::vector<LedgerState> answers;  // stored by then
+  std::function<void(Home&)> meanwhile;
+  Texts after;
+};
+
+void begin_left_log(Home& home, LeftLog::Head head, std::optional<std::string> ledger = {}) {
+  const auto before = LeftLog::read(left_log_path(home.folder.path()));
+  head.ledger = ledger.value_or(before->head.ledger);
+  if (head.boot.empty()) head.boot = before->head.boot;
+  if (head.run == 0) head.run = before->head.run;
+  ASSERT_TRUE(LeftLog::begin(left_log_path(home.folder.path()), head));
+}
+
+const CrashPoint crash_points[] = {
+    {"stored, not sent", 0, {}, {}, {"STORED", "STORED", "STORED"}},
+    {"in the middle", 2, {LedgerState::filled}, {}, {"FILLED", "UNKNOWN", "STORED"}},
+    {"sent, answer not stored", 3, {}, {}, {"UNKNOWN", "UNKNOWN", "UNKNOWN"}},
+    {"taken and pending are no answers",
+     3,
+     {LedgerState::taken, LedgerState::pending, LedgerState::working},
+     {},
+     {"UNKNOWN", "UNKNOWN", "WORKING"}},
+    {"power lost",
+     0,
+     {},
+     [](Home& h) { begin_left_log(h, {.boot = "another"}); },
+     {"UNKNOWN", "UNKNOWN", "UNKNOWN"}},
+    {"another run's left.log",
+     0,
+     {},
+     [](Home& h) { begin_left_log(h, {.run = 9}); },
+     {"UNKNOWN", "UNKNOWN", "UNKNOWN"}},
+    {"foreign left.log",
+     0,
+     {},
+     [](Home& h) { begin_left_log(h, {}, "f00"); },
+     {"UNKNOWN", "UNKNOWN", "UNKNOWN"}},
+    {"torn head",
+     0,
+     {},
+     [](Home& h) { h.folder.write("left.log", "left1 x"); },
+     {"UNKNOWN", "UNKNOWN", "UNKNOWN"}},
+    {"missing left.log",
+     0,
+     {},
+     [](Home& h) { std::filesystem::remove(left_log_path(h.folder.path())); },
+     {"UNKNOWN", "UNKNOWN", "UNKNOWN"}},
+    {"killed in the start that settles",
+     1,
+     {},
+     [](Home& h) { Home::killed([&] { h.open().release(); }); },
+     {"UNKNOWN", "STORED", "STORED"}},
+};
+
+TEST(Ledger, KnowsAfterACrashWhatMayHaveLeft) {
+  for (const CrashPoint& point : crash_points) {
+    SCOPED_TRACE(point.name);
+    Home home;
+    Home::killed([&] {
+      const auto ledger = home.open().release();
+      if (!stored(*ledger, requests(3))) ::_exit(1);
+      for (int i = 0; i < point.left; ++i)
+        ledger->leaves(first_id + i);
+      for (std::size_t i = 0; i < point.answers.size(); ++i)
+        ledger->note(event(first_id + static_cast<RequestId>(i), point.answers[i]));
+      if (!ledger->flush(10s)) ::_exit(2);
+    });
+    if (point.meanwhile) point.meanwhile(home);
+    std::size_t unknown = 0;
+    for (const std::string& state : point.after)
+      unknown += state == "UNKNOWN" ? 1 : 0;
+    // The next start and the one after find the same.
+    for (int start = 0; start < 2; ++start) {
+      const auto ledger = home.open();
+      ASSERT_TRUE(ledger) << home.fault;
+      EXPECT_EQ(ledger->notice(), "");
+      EXPECT_EQ(ledger->unknown().size(), unknown);
+      EXPECT_EQ(home.states(), point.after);
+    }
+    EXPECT_EQ(home.check(), Texts{});
+  }
+}
+
+TEST(Ledger, KilledBeforeItsCommitHasNothingSent) {
+  Home home;
+  Home::killed([&] { home.open().release()->store({}, 3, requests(3), 0); });
+  // Whole or not at all, and in neither case has anything left.
+  const auto ledger = home.open();
+  const Texts states = home.states();
+  EXPECT_TRUE(states.empty() || states == (Texts{"STORED", "STORED", "STORED"}));
+  EXPECT_TRUE(ledger->unknown().empty());
+}
+
+// What a disk does to a ledger in use, and how it is made well again.
+struct BadDisk {
+  const char* name;
+  std::function<std::shared_ptr<void>(Home&)> begin;  // lasts as long as what it gives
+};
+
+const BadDisk bad_disks[] = {
+    {"full", [](Home&) -> std::shared_ptr<void> { return std::make_shared<FullDisk>(512); }},
+    {"locked",
+     [](Home& home) -> std::shared_ptr<void> {
+       sqlite3* other = nullptr;
+       ::sqlite3_open(ledger_path(home.folder.path()).c_str(), &other);
+       ::sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+       return {other, [](void* held) { ::sqlite3_close(static_cast<sqlite3*>(held)); }};
+     }},
+};
+
+TEST(Ledger, StoresNothingOnABadDiskAndGoesOnWhenItIsWellAgain) {
+  for (const BadDisk& disk : bad_disks) {
+    SCOPED_TRACE(disk.name);
+    Home home;
+    auto ledger = home.open();
+    ASSERT_TRUE(stored(*ledger, requests(1)));
+    {
+      const auto bad = disk.begin(home);
+      EXPECT_FALSE(stored(*ledger, requests(2, first_id + 1)));
+      EXPECT_NE(ledger->fault(), "");
+      // The answer to what had left before is kept until it can be stored.
+      ledger->note(event(first_id, LedgerState::filled));
+      EXPECT_FALSE(ledger->flush(10s));
+    }
+    EXPECT_TRUE(stored(*ledger, requests(2, first_id + 3)));
+    EXPECT_TRUE(ledger->flush(10s));
+    EXPECT_EQ(ledger->fault(), "");
+    EXPECT_EQ(home.ask("SELECT id FROM request"), (Texts{"1000000", "1000003", "1000004"}));
+    EXPECT_EQ(home.ask("SELECT request, state FROM event"), Texts{"1000000|FILLED"});
+    EXPECT_EQ(home.check(), Texts{});
+  }
+}
+
+// An id that was given before, as by a copied home, is not stored a second time, and holds up nothing else.
+TEST(Ledger, TakesNoIdTwice) {
+  Home home;
+  auto ledger = home.open();
+  ASSERT_TRUE(stored(*ledger, requests(1)));
+  ledger->note(event(first_id, LedgerState::taken));
+  EXPECT_FALSE(stored(*ledger, requests(1)));
+  EXPECT_TRUE(stored(*ledger, requests(1, first_id + 1)));
+  EXPECT_TRUE(ledger->flush(10s));
+  EXPECT_EQ(home.states(), (Texts{"TAKEN", "-"}));
+}
+
+// What somebody did to the files: what `check` says, what a start says, and whether it opens at all.
+struct Damage {
+  const char* name;
+  std::string sql;
+  std::string check;
+  std::string notice;
+  std::string fault;
+};
+
+TEST(Ledger, ShowsWhatWasDoneToItsFiles) {
+  const std::string open_up =
+      "DROP TRIGGER event_no_UPDATE; DROP TRIGGER event_no_DELETE; DROP TRIGGER "
+      "commit_log_no_DELETE; DROP TRIGGER request_no_DELETE; DROP TRIGGER ticket_no_DELETE;";
+  const std::string cut = open_up +
+                          "DELETE FROM event WHERE seq > (SELECT max(last_seq) FROM commit_log WHERE n = 2);"
+                          "DELETE FROM commit_log WHERE n > 2; DROP TABLE open_request";
+  const Damage damages[] = {
+      {"changed in the middle", open_up + "UPDATE event SET state = 'DONE' WHERE seq = 4",
+       "commit 2 is not what its hash says", "", ""},
+      {"changed at the end", open_up + "UPDATE event SET state = 'DONE' WHERE seq = 5",
+       "commit 3 is not what its hash says", "", "commit 3 of the ledger is not what its hash says"},
+      {"end cut off", cut, "", "the last run began with commit 3, which the ledger does not have", ""},
+      {"derived table changed", "DELETE FROM ticket_sum", "ticket_sum is not what the events say", "", ""},
+      {"made by a newer program", "DROP TRIGGER ledger_no_UPDATE; UPDATE ledger SET schema = 99", "", "",
+       "was made by a newer program"},
+  };
+  for (const Damage& damage : damages) {
+    SCOPED_TRACE(damage.name);
+    Home home;
+    {
+      auto ledger = home.open();
+      ASSERT_TRUE(stored(*ledger, requests(1)));
+      for (int i = 0; i < 2; ++i) {
+        ledger->note(event(first_id, i == 0 ? LedgerState::taken : LedgerState::filled));
+        ASSERT_TRUE(ledger->flush(10s));
+      }
+    }
+    home.open();
+    ASSERT_EQ(home.check(), Texts{});
+    ASSERT_EQ(home.ask(damage.sql), Texts{});
+    const Texts found = home.check();
+    EXPECT_EQ(found.empty() ? "" : found.front(), damage.check);
+    const auto ledger = home.open();
+    const std::string said = ledger ? ledger->fault() : home.fault;
+    EXPECT_EQ(said.empty(), damage.fault.empty()) << said;
+    EXPECT_NE(said.find(damage.fault), std::string::npos) << said;
+    if (!ledger) continue;
+    EXPECT_EQ(ledger->notice().empty(), damage.notice.empty()) << ledger->notice();
+    EXPECT_NE(ledger->notice().find(damage.notice), std::string::npos) << ledger->notice();
+    EXPECT_EQ(stored(*ledger, requests(1, first_id + 1)), said.empty());
+  }
+}
+
+}  // namespace
+}  // namespace tutti::testing

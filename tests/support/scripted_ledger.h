@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ledger/ledger.h"
+
+namespace tutti::testing {
+
+// A ledger whose disk the test turns: it says what the test says, and keeps what it is told.
+class ScriptedLedger : public Ledger {
+ public:
+  Stored says = Stored::yes;
+  std::string why;                  // nothing can be stored
+  std::size_t may_leave = 1000000;  // so many more
+  std::vector<std::pair<LedgerTicket, std::vector<LedgerRequest>>> stored;
+  std::vector<LedgerEvent> events;
+  std::function<void()> on_wait;
+
+  void know(Sender, const LedgerAccount&) override {}
+  Mark store(const LedgerTicket& ticket, std::size_t, std::vector<LedgerRequest> requests, Mark) override {
+    stored.emplace_back(ticket, std::move(requests));
+    return stored.size();
+  }
+  Stored state(Mark) const override { return says; }
+  Stored wait(Mark, std::chrono::milliseconds) override {
+    if (on_wait) on_wait();
+    return says;
+  }
+  bool leaves(RequestId) override { return may_leave > 0 && may_leave-- > 0; }
+  void note(LedgerEvent event) override { events.push_back(std::move(event)); }
+  std::string fault() const override { return why; }
+  const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+
+ private:
+  std::vector<LedgerUnknown> unknown_;
+};
+
+}  // namespace tutti::testing
