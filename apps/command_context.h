@@ -36,6 +36,7 @@ class CommandContext {
       : terminal_(terminal), server_(server), ports_(ports), options_(options) {}
 
   Main& main() const { return terminal_.main(); }
+  const Ledger& ledger() const { return terminal_.ledger(); }
   // The server within the program, for what only it can tell.
   const DealingServer& server() const { return server_; }
   Console& console() const { return ports_.console; }

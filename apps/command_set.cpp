@@ -242,11 +242,40 @@ Command add_journal(CLI::App& app) {
           }};
 }
 
+Command add_unknown(CLI::App& app) {
+  CLI::App& command =
+      *app.add_subcommand("unknown", "Show the requests of earlier runs nobody knows the outcome of");
+  explain(command, "tuttictl --json unknown", "0 there is none, 4 there are some");
+  return {.app = &command, .logs_in = false, .run = unknown_command};
+}
+
 Command add_verify(CLI::App& app) {
   Command out =
       add_plain(app, "verify", "Compare the terminal with the dealing server's own books", verify_command);
   explain(*out.app, "tuttictl verify", "0 no difference, 1 differences, or skipped lines in a list");
   return out;
+}
+
+// "ledger" with what there is of it.
+void add_ledger(CLI::App& app, std::vector<Command>& out) {
+  CLI::App& ledger = *app.add_subcommand("ledger", "The record of all requests that were sent");
+  ledger.require_subcommand(1);
+  const auto add = [&](const char* name, const char* help, std::function<int(const HomeContext&)> read,
+                       const std::string& statuses) -> CLI::App& {
+    CLI::App& command = *ledger.add_subcommand(name, help);
+    explain(command, std::string{"tuttictl ledger "} + name, statuses);
+    out.push_back({.app = &command, .logs_in = false, .read = std::move(read)});
+    return command;
+  };
+  add("check", "Look whether nothing in it was changed, cut off or lost", ledger_check_command,
+      "0 nothing is wrong, 1 something is");
+  auto to = std::make_shared<std::string>();
+  CLI::App& backup = add(
+      "backup", "Copy it, also while a terminal runs",
+      [to](const HomeContext& context) { return ledger_backup_command(context, *to); }, "0 it was copied");
+  backup.add_option("file", *to, "New file")->required()->check(check_filled);
+  explain(backup, "tuttictl ledger backup ~/ledger-copy.db", "0 it was copied");
+  add("export", "Print all its rows as JSON, one in a line", ledger_export_command, "0 it was read");
 }
 
 // How many letters have to be put in, taken out or changed to make one word of the other.
@@ -267,12 +296,14 @@ std::size_t letters_apart(std::string_view a, std::string_view b) {
 }  // namespace
 
 std::string nearest_command(const std::vector<Command>& commands, std::string_view typed) {
-  const auto apart = [typed](const Command& command) {
-    return letters_apart(command.app->get_name(), typed);
+  const auto name = [](const Command& command) {
+    const CLI::App* above = command.app->get_parent();
+    const bool nested = above != nullptr && above->get_parent() != nullptr;
+    return (nested ? above : command.app)->get_name();
   };
-  return std::min_element(commands.begin(), commands.end(),
-                          [&](const Command& a, const Command& b) { return apart(a) < apart(b); })
-      ->app->get_name();
+  return name(*std::min_element(commands.begin(), commands.end(), [&](const Command& a, const Command& b) {
+    return letters_apart(name(a), typed) < letters_apart(name(b), typed);
+  }));
 }
 
 std::vector<Command> add_commands(CLI::App& app) {
@@ -288,6 +319,8 @@ std::vector<Command> add_commands(CLI::App& app) {
   out.push_back(add_cancel(app));
   out.push_back(add_verify(app));
   out.push_back(add_journal(app));
+  out.push_back(add_unknown(app));
+  add_ledger(app, out);
   return out;
 }
 

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "apps/command_context.h"
+#include "apps/commands.h"
 
 namespace tutti {
 
@@ -19,7 +20,9 @@ struct Command {
   CLI::App* app = nullptr;
   Effect effect = Effect::reads;  // sends: it may have changed something at the dealing server
   bool logs_in = true;
-  std::function<int(CommandContext&)> run;  // once the command line is parsed; answers the exit status
+  // Once the command line is parsed; answers the exit status. One of the two: `read` needs no terminal.
+  std::function<int(CommandContext&)> run{};
+  std::function<int(const HomeContext&)> read{};
 };
 
 // Adds all commands. What they parse into lives in the commands.

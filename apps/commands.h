@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -53,6 +54,20 @@ struct RowsArguments : AccountArguments {
   std::vector<std::int64_t> numbers;  // tickets or order numbers
   RequoteReply requote = RequoteReply::reject;
 };
+
+// What a command works with that needs no terminal: it may run beside one that has the folder.
+struct HomeContext {
+  Console& console;
+  const TerminalOptions& terminal;
+  OutputForm form = OutputForm::text;
+};
+
+// The ledger: what is wrong with it; a copy of it; all its rows as JSON, one in a line.
+int ledger_check_command(const HomeContext& context);
+int ledger_backup_command(const HomeContext& context, const std::filesystem::path& to);
+int ledger_export_command(const HomeContext& context);
+// Requests of earlier runs whose outcome nobody knows.
+int unknown_command(CommandContext& context);
 
 int accounts_command(CommandContext& context);
 int order_command(CommandContext& context, const OrderArguments& arguments);

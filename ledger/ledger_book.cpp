@@ -100,6 +100,10 @@ std::string_view ledger_word(LedgerState state) {
   return row_of(state).word;
 }
 
+std::string_view ledger_word(RequestKind kind) {
+  return kinds[static_cast<std::size_t>(kind)];
+}
+
 void LedgerBook::know(Sender sender, const LedgerAccount& account) {
   senders_[sender] = account;
   accounts_.erase(sender);

@@ -17,6 +17,8 @@ namespace tutti {
 
 // The word of a state in the ledger: "TAKEN".
 std::string_view ledger_word(LedgerState state);
+// The word of a kind of requests: "open".
+std::string_view ledger_word(RequestKind kind);
 
 // Writes what the terminal tells into the ledger's tables, and keeps the sums besides right. Everything is to
 // be called between `begin` and `commit` of the file, and throws as the file does; what is not committed then

@@ -313,6 +313,30 @@ void LedgerFile::make_derived() {
   all.commit();
 }
 
+void LedgerFile::each_row(
+    const std::function<void(const std::string& table, const std::vector<std::string>& names,
+                             const std::vector<LedgerValue>& values)>& take) {
+  database_.exec("BEGIN");
+  const auto read = [&](const std::string& table, const std::string& sql) {
+    SQLite::Statement rows{database_, sql};
+    std::vector<std::string> names;
+    for (int column = 0; column < rows.getColumnCount(); ++column)
+      names.emplace_back(rows.getColumnName(column));
+    while (rows.executeStep()) {
+      std::vector<LedgerValue> values;
+      for (int column = 0; column < rows.getColumnCount(); ++column)
+        values.push_back(value_of(rows.getColumn(column)));
+      take(table, names, values);
+    }
+  };
+  read("ledger", "SELECT lower(hex(id)) AS id, schema, created FROM ledger");
+  for (const ledger_schema::Table& table : ledger_schema::chained())
+    read(std::string{table.name}, fmt::format("SELECT * FROM {} ORDER BY seq", table.name));
+  read("commit_log",
+       "SELECT n, first_seq, last_seq, format, t, lower(hex(hash)) AS hash FROM commit_log ORDER BY n");
+  database_.exec("ROLLBACK");
+}
+
 void LedgerFile::back_up(const std::filesystem::path& to) {
   SQLite::Database copy{to.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE};
   SQLite::Backup backup{copy, database_};

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -65,6 +66,9 @@ class LedgerFile {
   // The commit with this number; one without a number when there is none.
   Head commit_at(std::int64_t number);
   void make_derived();
+  // Every row of the tables under the hashes, and the commits.
+  void each_row(const std::function<void(const std::string& table, const std::vector<std::string>& names,
+                                         const std::vector<LedgerValue>& values)>& take);
   // A copy that is whole, while this one is in use. The copy is a new file.
   void back_up(const std::filesystem::path& to);
   void checkpoint() { database_.exec("PRAGMA wal_checkpoint(PASSIVE)"); }

@@ -2,16 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <fstream>
-
-#include "core/boot_id.h"
 #include "core/key_file.h"
 #include "ledger/ledger_start.h"
 #include "ledger/ledger_writer.h"
-#include "tests/support/test_terminal.h"
+#include "tests/support/ledger_home.h"
 
 namespace tutti::testing {
 namespace {
@@ -29,35 +25,7 @@ struct Home {
     (*out)->know(1, {"10.0.0.9:443", "BOB", 81});
     return std::move(*out);
   }
-  // Runs in a process of its own that ends without a word, as if killed.
-  static void killed(const std::function<void()>& life) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      life();
-      ::_exit(0);
-    }
-    int status = -1;
-    ::waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-  }
-  // All rows of a query, cells with "|" between them; or what is wrong with it.
-  Texts ask(const std::string& sql) const {
-    sqlite3* connection = nullptr;
-    ::sqlite3_open_v2(ledger_path(folder.path()).c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
-    Texts rows;
-    const auto take = [](void* out, int count, char** cells, char**) {
-      std::string row;
-      for (int i = 0; i < count; ++i)
-        row += (i == 0 ? "" : "|") + std::string{cells[i] == nullptr ? "" : cells[i]};
-      static_cast<Texts*>(out)->push_back(row);
-      return 0;
-    };
-    char* wrong = nullptr;
-    if (::sqlite3_exec(connection, sql.c_str(), take, &rows, &wrong) != SQLITE_OK) rows.push_back(wrong);
-    ::sqlite3_free(wrong);
-    ::sqlite3_close(connection);
-    return rows;
-  }
+  Texts ask(const std::string& sql) const { return ask_ledger(folder.path(), sql); }
   // Last state of each request; "-" where it has none.
   Texts states() const {
     return ask(
@@ -207,7 +175,7 @@ const CrashPoint crash_points[] = {
     {"killed in the start that settles",
      1,
      {},
-     [](Home& h) { Home::killed([&] { h.open().release(); }); },
+     [](Home& h) { killed([&] { h.open().release(); }); },
      {"UNKNOWN", "STORED", "STORED"}},
 };
 
@@ -215,7 +183,7 @@ TEST(Ledger, KnowsAfterACrashWhatMayHaveLeft) {
   for (const CrashPoint& point : crash_points) {
     SCOPED_TRACE(point.name);
     Home home;
-    Home::killed([&] {
+    killed([&] {
       const auto ledger = home.open().release();
       if (!stored(*ledger, requests(3))) ::_exit(1);
       for (int i = 0; i < point.left; ++i)
@@ -242,7 +210,7 @@ TEST(Ledger, KnowsAfterACrashWhatMayHaveLeft) {
 
 TEST(Ledger, KilledBeforeItsCommitHasNothingSent) {
   Home home;
-  Home::killed([&] { home.open().release()->store({}, 3, requests(3), 0); });
+  killed([&] { home.open().release()->store({}, 3, requests(3), 0); });
   // Whole or not at all, and in neither case has anything left.
   const auto ledger = home.open();
   const Texts states = home.states();

@@ -1,0 +1,96 @@
+// What the ledger says of itself: its check, a copy, all of its rows; and the requests nobody knows of.
+
+#include <fmt/format.h>
+
+#include "apps/commands.h"
+#include "apps/output.h"
+#include "apps/times.h"
+#include "ledger/ledger_reader.h"
+
+namespace tutti {
+namespace {
+
+int fail(const HomeContext& context, const FileError& error) {
+  context.console.fail(error.text());
+  return exit_status::unreadable_data;
+}
+
+LedgerReader reader(const HomeContext& context) {
+  return {context.terminal.home, context.terminal.key_file};
+}
+
+}  // namespace
+
+int ledger_check_command(const HomeContext& context) {
+  const auto faults = reader(context).check();
+  if (!faults) return fail(context, faults.error());
+  Records records{{"fault"}};
+  for (const std::string& fault : *faults)
+    records.add({fault});
+  context.console.print(report_text(context.form, "faults", records, Json::object(), [&] {
+    std::string out;
+    for (const std::string& fault : *faults)
+      out += fault + "\n";
+    return out + fmt::format("{} faults\n", faults->size());
+  }));
+  return faults->empty() ? exit_status::all_accepted : exit_status::some_refused;
+}
+
+int ledger_backup_command(const HomeContext& context, const std::filesystem::path& to) {
+  if (const auto done = reader(context).back_up(to); !done) return fail(context, done.error());
+  context.console.tell("The ledger was copied to {}", to.string());
+  return exit_status::all_accepted;
+}
+
+int ledger_export_command(const HomeContext& context) {
+  const auto read =
+      reader(context).each_row([&](const std::string& table, const std::vector<std::string>& names,
+                                   const std::vector<LedgerValue>& values) {
+        Json row = Json::object();
+        for (std::size_t i = 0; i < names.size(); ++i) {
+          row[names[i]] = std::visit(
+              [](const auto& value) -> Json {
+                if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::monostate>)
+                  return {};
+                else
+                  return value;
+              },
+              values[i]);
+        }
+        context.console.print(Json{{"table", table}, {"row", std::move(row)}}.dump(
+                                  -1, ' ', false, Json::error_handler_t::replace) +
+                              "\n");
+      });
+  return read ? exit_status::all_accepted : fail(context, read.error());
+}
+
+int unknown_command(CommandContext& context) {
+  Records records{
+      {"request", "account", "user", "server", "kind", "side", "amount", "symbol", "number", "why", "since"}};
+  TextTable table{{{"Account", true},
+                   {"User"},
+                   {"Request"},
+                   {"Side"},
+                   {"Lots", true},
+                   {"Symbol"},
+                   {"Number", true},
+                   {"Why"},
+                   {"Since"}}};
+  for (const LedgerUnknown& each : context.ledger().unknown()) {
+    const std::string side = each.side == operation::none ? "" : buys(each.side) ? "buy" : "sell";
+    records.add({each.id, each.account.account, each.account.user, each.account.server,
+                 std::string{ledger_word(each.kind)}, side.empty() ? Json{} : Json(side),
+                 each.lots > 0.0 ? json_number(each.lots) : Json{},
+                 each.symbol.empty() ? Json{} : Json(each.symbol),
+                 each.number != 0 ? Json(each.number) : Json{}, each.why, utc_text(each.since)});
+    table.add({std::to_string(each.account.account), each.account.user, std::string{ledger_word(each.kind)},
+               side, each.lots > 0.0 ? json_number(each.lots).dump() : "", each.symbol,
+               each.number != 0 ? std::to_string(each.number) : "", each.why, utc_text(each.since)});
+  }
+  const std::size_t count = context.ledger().unknown().size();
+  context.print("unknown", records, Json::object(),
+                [&] { return (count > 0 ? table.text() : "") + fmt::format("{} unknown\n", count); });
+  return count == 0 ? exit_status::all_accepted : exit_status::some_unknown;
+}
+
+}  // namespace tutti

@@ -1,0 +1,65 @@
+#include "ledger/ledger_reader.h"
+
+#include <fmt/format.h>
+
+#include "core/file_writer.h"
+#include "core/synced_log.h"
+#include "ledger/ledger_start.h"
+
+namespace tutti {
+
+tl::expected<std::unique_ptr<LedgerFile>, FileError> LedgerReader::open() {
+  const std::filesystem::path file = ledger_path(home_);
+  const auto there = file_exists(file);
+  if (!there) return tl::unexpected(there.error());
+  if (!*there) return tl::unexpected(FileError{file, "there is no ledger in this folder yet"});
+  const auto key = key_.find();
+  if (!key) return tl::unexpected(key.error());
+  if (*key == nullptr)
+    return tl::unexpected(
+        FileError{file, "its key is missing: " + key_.path().string() + ". Put the key back"});
+  return LedgerFile::open_to_read(file, **key);
+}
+
+template <class Work>
+auto LedgerReader::with_file(Work&& work)
+    -> tl::expected<decltype(work(std::declval<LedgerFile&>())), FileError> {
+  const auto file = open();
+  if (!file) return tl::unexpected(file.error());
+  try {
+    return work(**file);
+  } catch (const SQLite::Exception& error) {
+    return tl::unexpected(FileError{ledger_path(home_), error.what()});
+  }
+}
+
+tl::expected<std::vector<std::string>, FileError> LedgerReader::check() {
+  return with_file([](LedgerFile& file) { return file.check(); });
+}
+
+tl::expected<void, FileError> LedgerReader::back_up(const std::filesystem::path& to) {
+  const auto there = file_exists(to);
+  if (!there) return tl::unexpected(there.error());
+  if (*there) return tl::unexpected(FileError{to, "is there already; name a new file"});
+  // With the rights that the program gives its files.
+  if (auto made = SyncedLog::begin(to); !made) return tl::unexpected(made.error());
+  const auto done = with_file([&](LedgerFile& file) {
+    file.back_up(to);
+    return true;
+  });
+  if (done) return {};
+  std::error_code error;
+  std::filesystem::remove(to, error);
+  return tl::unexpected(done.error());
+}
+
+tl::expected<void, FileError> LedgerReader::each_row(const Row& take) {
+  const auto done = with_file([&](LedgerFile& file) {
+    file.each_row(take);
+    return true;
+  });
+  if (done) return {};
+  return tl::unexpected(done.error());
+}
+
+}  // namespace tutti

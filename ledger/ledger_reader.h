@@ -1,0 +1,43 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "core/key_file.h"
+#include "ledger/ledger_file.h"
+
+namespace tutti {
+
+// Reads the ledger of a home folder, whoever writes it meanwhile. Everything fails where there is none, or
+// where its key is missing.
+class LedgerReader {
+ public:
+  // `key_file` as KeyFile takes it.
+  LedgerReader(std::filesystem::path home, const std::filesystem::path& key_file)
+      : home_(std::move(home)), key_(key_file) {}
+
+  // One line for each thing that is wrong with it.
+  tl::expected<std::vector<std::string>, FileError> check();
+  // Copies it, whole, to where nothing is yet.
+  tl::expected<void, FileError> back_up(const std::filesystem::path& to);
+  // Every row of the tables that never change, table by table, as it was added.
+  using Row = std::function<void(const std::string& table, const std::vector<std::string>& names,
+                                 const std::vector<LedgerValue>& values)>;
+  tl::expected<void, FileError> each_row(const Row& take);
+
+ private:
+  tl::expected<std::unique_ptr<LedgerFile>, FileError> open();
+  template <class Work>
+  auto with_file(Work&& work) -> tl::expected<decltype(work(std::declval<LedgerFile&>())), FileError>;
+
+  std::filesystem::path home_;
+  KeyFile key_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,138 @@
+// The ledger as the command line fills and reads it.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <regex>
+
+#include "tests/support/command_line_rig.h"
+#include "tests/support/ledger_home.h"
+
+namespace tutti::testing {
+namespace {
+
+constexpr auto by_ticket =
+    "SELECT r.ticket, r.kind, coalesce(r.symbol, ''), coalesce(r.side, ''), count(*), coalesce((SELECT state "
+    "FROM "
+    "event WHERE request = r.id ORDER BY seq DESC LIMIT 1), '-') FROM request r GROUP BY 1, 2, 3, 4, 6 ORDER "
+    "BY 1, 6";
+
+struct Ledgers : ::testing::Test {
+  Texts ask(const std::string& sql) const { return ask_ledger(rig.home.path(), sql); }
+  // A buy on three accounts, killed when all have left and none is answered.
+  void kill_in_flight() {
+    killed([this] {
+      rig.on_pause = [this] {
+        const std::string left = rig.home.read("left.log");
+        if (std::count(left.begin(), left.end(), '\n') == 4) ::_exit(0);
+      };
+      rig.run(order);
+      ::_exit(1);
+    });
+  }
+
+  const std::string order = "order --buy EURUSD --amount 0.9 --rule equal --accounts 500101,500102,500103";
+  CommandLineRig rig;
+};
+
+TEST_F(Ledgers, HaveWhatBecameOfEveryWayOut) {
+  EXPECT_EQ(rig.run(order), 0) << rig.err;
+  EXPECT_EQ(rig.run("order --sell EURUSD --amount 500 --rule equal --accounts 500101"), 1);
+  EXPECT_EQ(
+      rig.run("entry EURUSD --type buy-limit --amount 0.4 --at 1.01 --rule equal --accounts 500101,500102"),
+      0);
+  const std::string ticket = ask("SELECT position FROM fill ORDER BY seq LIMIT 1")[0];
+  EXPECT_EQ(rig.run("modify " + ticket + " --sl 1.01"), 0) << rig.err;
+  const std::string placed = ask("SELECT order_no FROM open_request ORDER BY request LIMIT 1")[0];
+  EXPECT_EQ(rig.run("modify " + placed + " --at 1.02"), 0) << rig.err;
+  EXPECT_EQ(rig.run("--yes cancel --order " + placed), 0) << rig.err;
+  EXPECT_EQ(rig.run("--yes close --symbol EURUSD"), 0) << rig.err;
+  EXPECT_EQ(ask(by_ticket), (Texts{"1|open|EURUSD|buy|3|FILLED", "2|open|EURUSD|sell|1|REFUSED",
+                                   "3|entry|EURUSD|buy|1|CANCELLED", "3|entry|EURUSD|buy|1|WORKING",
+                                   "4|stops|EURUSD|sell|1|DONE", "5|update|EURUSD|buy|1|DONE",
+                                   "6|cancel|EURUSD|buy|1|DONE", "7|close|EURUSD|sell|3|FILLED"}));
+  EXPECT_EQ(
+      ask("SELECT open_or_close, count(*), count(DISTINCT exec_id), min(price > 0) FROM fill GROUP BY 1"),
+      (Texts{"close|3|3|1", "open|3|3|1"}));
+  // Stored before it left, and noted as it did.
+  EXPECT_EQ(ask("SELECT count(*) FROM request r JOIN event e ON e.request = r.id WHERE e.seq < r.seq"),
+            Texts{"0"});
+  EXPECT_EQ(rig.run("ledger check"), 0);
+  EXPECT_EQ(rig.out, "0 faults\n");
+  EXPECT_EQ(rig.run("ledger export"), 0);
+  const std::string rows =
+      ask("SELECT (SELECT count(*) FROM account) + (SELECT count(*) FROM ticket) + (SELECT count(*) "
+          "FROM request) + (SELECT count(*) FROM event) + (SELECT count(*) FROM fill) + (SELECT "
+          "count(*) FROM commit_log) + 1")[0];
+  EXPECT_EQ(std::to_string(std::count(rig.out.begin(), rig.out.end(), '\n')), rows);
+  EXPECT_NE(rig.out.find(R"("open_or_close":"close")"), std::string::npos);
+  // A copy is a ledger of its own, and is put where nothing is.
+  const TemporaryFolder other;
+  const std::string copy = (other.path() / "ledger.db").string();
+  EXPECT_EQ(rig.run("ledger backup " + copy), 0) << rig.err;
+  EXPECT_EQ(ask_ledger(other.path(), by_ticket), ask(by_ticket));
+  EXPECT_EQ(rig.run("ledger backup " + copy), 3);
+}
+
+TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
+  EXPECT_EQ(rig.run("accounts"), 0);
+  EXPECT_EQ(rig.run("unknown"), 0);
+  EXPECT_EQ(rig.out, "0 unknown\n");
+  kill_in_flight();
+  EXPECT_EQ(rig.run("--json unknown"), 4);
+  const std::regex line{R"("account": (\d+))"};
+  std::string accounts;
+  for (std::sregex_iterator at{rig.out.begin(), rig.out.end(), line}, end; at != end; ++at)
+    accounts += (*at)[1].str() + " ";
+  EXPECT_EQ(accounts, "500101 500102 500103 ");
+  EXPECT_NE(rig.out.find(R"("why": "crash")"), std::string::npos);
+  EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|UNKNOWN"});
+  // They stay so, are told once, and are no part of a later order.
+  EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.1 --rule equal --accounts 500104"), 0);
+  EXPECT_EQ(ask("SELECT count(*) FROM event WHERE state = 'UNKNOWN'"), Texts{"3"});
+  EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
+}
+
+TEST_F(Ledgers, AnswerTheQuestionsOfTheirDocument) {
+  EXPECT_EQ(rig.run("order --sell EURUSD --amount 0.9 --rule equal --accounts 500101,500102,500103"), 0);
+  kill_in_flight();
+  EXPECT_EQ(rig.run("unknown"), 4);
+  std::ifstream file{std::string{TUTTI_SOURCE} + "/docs/ledger.md"};
+  const std::string text{std::istreambuf_iterator<char>{file}, {}};
+  std::vector<Texts> answers;
+  for (std::size_t at = 0; (at = text.find("```sql\n", at)) != std::string::npos;) {
+    const std::size_t begin = at + 7;
+    at = text.find("```", begin);
+    answers.push_back(ask(text.substr(begin, at - begin)));
+  }
+  ASSERT_EQ(answers.size(), 3U);
+  EXPECT_EQ(answers[0], Texts{"UNKNOWN|3|0.9"});
+  ASSERT_EQ(answers[1].size(), 3U);
+  EXPECT_TRUE(sorted(answers[1])[0].starts_with("500101|sell|0.3|1.")) << answers[1][0];
+  ASSERT_EQ(answers[2].size(), 3U);
+  EXPECT_TRUE(answers[2][0].starts_with("500101|open|EURUSD|crash|")) << answers[2][0];
+}
+
+// What stands in the way of a ledger, and what a command says of it.
+TEST_F(Ledgers, ThatCannotBeUsedStopWhatSends) {
+  EXPECT_EQ(rig.run("ledger check"), 3);
+  EXPECT_NE(rig.err.find("there is no ledger in this folder yet"), std::string::npos) << rig.err;
+  EXPECT_EQ(rig.run(order), 0);
+  ask("DROP TRIGGER ledger_no_UPDATE; UPDATE ledger SET schema = 99");
+  EXPECT_EQ(rig.run(order), 1);
+  EXPECT_NE(rig.out.find("Not sent: it could not be stored"), std::string::npos) << rig.out;
+  EXPECT_NE(rig.err.find("was made by a newer program"), std::string::npos) << rig.err;
+  EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|FILLED"});
+  EXPECT_EQ(rig.run("positions"), 0);
+  rig.home.write(
+      "ledger.db",
+      "no ledger at all, but something longer than a hundred bytes, which a database's head has; so "
+      "that it is read as one, and found to be none");
+  EXPECT_EQ(rig.run(order), 3);
+  EXPECT_NE(rig.err.find("ledger.db"), std::string::npos) << rig.err;
+}
+
+}  // namespace
+}  // namespace tutti::testing
