@@ -1,5 +1,7 @@
 #include "accounts/client_rows.h"
 
+#include <utility>
+
 #include "accounts/account_texts.h"
 #include "core/texts.h"
 #include "sessions/account_record.h"
@@ -12,14 +14,14 @@ std::vector<std::string> ClientRows::headers() {
 }
 
 ClientRows::ClientRows(RowList& list, AccountBook& book) : list_(list) {
-  list_.set_make_cells([this](Row& row) { make_cells(row); });
+  list_.set_make_cells([this](Row& row) { make_cells(row); }, balance);
   book.on_shown = [this](const AccountEntry& account) { rows_.outdate(account.handle); };
 }
 
 Row* ClientRows::add(const AccountEntry& account, std::int32_t number) {
   Row* row = list_.add(client_key(number));
   if (row == nullptr) return nullptr;
-  row->data<RowData>() = {&account, account_key(account.user, account.account)};
+  row->data<RowData>() = {.account = &account, .duplicate_key = account_key(account.user, account.account)};
   rows_.put(account.handle, *row);
   rows_.outdate(account.handle);
   return row;
@@ -33,9 +35,12 @@ void ClientRows::make_cells(Row& row) {
     row.set_text(user_name, upper(account.user));
     row.set_number(Column::account, account.account);
   }
-  row.set_number(index, static_cast<double>(row.key().number()), NumberFormat::index);
-  row.set_text(state, state_text(shown.state), shown.ink);
-  row.set_text(notes, shown.note);
+  if (std::exchange(row.data<RowData>().written, shown.written) != shown.written) {
+    row.set_number(index, static_cast<double>(row.key().number()), NumberFormat::index);
+    row.set_text(state, state_text(shown.state), shown.ink);
+    row.set_text(notes, shown.note);
+    row.standing_changed();
+  }
   if (shown.has_values) {
     row.set_number(balance, shown.values.balance, NumberFormat::summary);
     row.set_number(floating, shown.values.floating_pl, NumberFormat::summary);
@@ -59,6 +64,7 @@ void ClientRows::renumber(const AccountEntry& account, std::int32_t number) {
   Row* row = of(account);
   if (row == nullptr) return;
   list_.rekey(*row, client_key(number));
+  row->data<RowData>().written = nothing;
   rows_.outdate(account.handle);
 }
 

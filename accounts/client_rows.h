@@ -48,9 +48,11 @@ class ClientRows {
   static const std::string& duplicate_key(const Row& row) { return row.data_if<RowData>()->duplicate_key; }
 
  private:
+  static constexpr std::uint64_t nothing = ~std::uint64_t{0};
   struct RowData {
     const AccountEntry* account = nullptr;
     std::string duplicate_key;
+    std::uint64_t written = nothing;  // the record's, when its standing cells were made
   };
 
   void make_cells(Row& row);

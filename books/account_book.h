@@ -38,6 +38,7 @@ struct alignas(64) AccountEntry {
     // A query's values are on show, and who shows the row knows that it is outdated. He takes it back as soon
     // as he has read them.
     mutable bool outdated = false;
+    std::uint64_t written = 0;  // stamp of the last change that was not one of the values alone
     std::string note;
   };
 
@@ -101,13 +102,16 @@ class AccountBook {
     shown.values = values;
     if (shown.outdated) [[likely]]
       return changed(record);
-    shown.has_values = true;
     // Green is the colour of "connected" alone.
-    if (shown.ink != Ink::green) {
-      shown.state = AccountState::connected;
+    if (shown.has_values && shown.ink == Ink::green) {
+      changed(record);
+      if (on_shown) on_shown(record);
+    } else {
+      shown.has_values = true;
+      if (shown.ink != Ink::green) shown.state = AccountState::connected;
       shown.ink = Ink::green;
+      show(record);
     }
-    show(record);
     shown.outdated = true;
   }
   void clear_values(AccountEntry& record);
@@ -125,6 +129,7 @@ class AccountBook {
   void changed(AccountEntry& record) { record.stamp = ++stamp_; }
   void show(AccountEntry& record) {
     changed(record);
+    record.shown.written = record.stamp;
     record.shown.outdated = false;
     if (on_shown) on_shown(record);
   }

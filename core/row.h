@@ -23,6 +23,8 @@ class Row {
     std::uint64_t stamp = 0;
     // Makes the cells of an outdated row.
     std::function<void(Row&)> make_cells;
+    // First of the columns that alone are others in a row that was outdated, unless its maker says more.
+    std::size_t moving_from = 0;
   };
 
   // Frees a row together with its cells.
@@ -38,6 +40,8 @@ class Row {
 
   RowKey key() const { return key_; }
   std::uint64_t stamp() const { return stamp_; }
+  // Of the last change of more than the list's moving columns; known once the cells are made.
+  std::uint64_t standing_stamp() const { return standing_stamp_; }
   bool checked() const { return checked_; }
   bool selected() const { return selected_; }
   std::size_t columns() const { return columns_; }
@@ -77,8 +81,11 @@ class Row {
   // what the list has for it, when somebody reads or edits one.
   void outdate() {
     age_ = Age::outdated;
-    touch();
+    stamp_ = ++shared_->stamp;
+    if (shared_->moving_from == 0) standing_stamp_ = stamp_;
   }
+  // Whoever makes the cells has written others than those of the moving columns.
+  void standing_changed() { standing_stamp_ = stamp_; }
   // Several cells in a row under one stamp, from `first` on. The pointer is good until the row goes.
   Cell* edit_from(std::size_t first, std::size_t count) {
     assert(first + count <= columns_);
@@ -135,10 +142,11 @@ class Row {
   }
   // Cells that are read are made on the way: to who reads them they were never others.
   void make_cells() const;
-  void touch() { stamp_ = ++shared_->stamp; }
+  void touch() { stamp_ = standing_stamp_ = ++shared_->stamp; }
 
   RowKey key_;
   std::uint64_t stamp_ = 0;
+  std::uint64_t standing_stamp_ = 0;
   Shared* shared_;
   std::int64_t place_ = 0;  // index within the list plus the list's first place
   std::uint32_t columns_;

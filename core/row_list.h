@@ -87,8 +87,13 @@ class RowList {
   void select(Row& row);
   void activate(Row& row);
   // Set once by whoever owns a list whose rows show records: writes the cells of a row that was outdated,
-  // from its record, and nothing else.
-  void set_make_cells(std::function<void(Row&)> make) { shared_.make_cells = std::move(make); }
+  // from its record, and nothing else. Where most changes are of the last columns alone, `moving_from` is the
+  // first of these, and the maker says when it has written others.
+  void set_make_cells(std::function<void(Row&)> make, std::size_t moving_from = 0) {
+    shared_.make_cells = std::move(make);
+    shared_.moving_from = moving_from;
+  }
+  std::size_t moving_from() const { return shared_.moving_from; }
 
   std::function<void(Row&)> on_tick;
   std::function<void(Row&)> on_select;

@@ -18,7 +18,7 @@ frmTrade::frmTrade(MGeneral& general, CQuestionBox& question_box, const Position
     : general_(general), question_box_(question_box), book_(book), net_(net) {
   ColumnWidthsPer("9,9,12,4,8,8,6,8,6,6,6,5,9");
   lvwOpenPos.set_column_tip(Column::time, server_time_tip);
-  lvwOpenPos.set_make_cells([this](Row& row) { make_cells(row); });
+  lvwOpenPos.set_make_cells([this](Row& row) { make_cells(row); }, Column::current_price);
   lbbClose.on_click = [this] { lbbClose_Click(); };
   chkAll.on_click = [this] { chkAll_Click(); };
   lvwOpenPos.on_activate = [this](const Row& row) { edit(row); };
@@ -51,6 +51,7 @@ void frmTrade::make_cells(Row& row) {
     row.set_fixed(Column::open_price, position->open_price, position->digits);
     row.set_fixed_or_empty(Column::stop_loss, position->stop_loss, position->digits);
     row.set_fixed_or_empty(Column::take_profit, position->take_profit, position->digits);
+    row.standing_changed();
   }
   row.set_fixed(Column::current_price, position->current_price, position->digits);
   row.set_fixed(Column::commission, position->commission, money_decimals);

@@ -291,15 +291,25 @@ void RowListModel::refresh(int first, int last) {
     shown_stamp_ = now;
     return;
   }
+  // What has changed of a row is known once its cells are made, which painting it would do next.
+  const auto left_of = [this](int place) {
+    const Row& row = *shown_[static_cast<std::size_t>(place)];
+    row.cell(0);
+    return row.standing_stamp() > shown_stamp_ ? 0 : static_cast<int>(list_.moving_from());
+  };
   int changed = 0;
-  for (int place = first; place <= last; ++place)
-    changed += dirty(place) ? 1 : 0;
   const int right = columnCount() - 1;
+  int left = right;
+  for (int place = first; place <= last; ++place) {
+    if (!dirty(place)) continue;
+    ++changed;
+    left = std::min(left, left_of(place));
+  }
   if (2 * changed > last - first) {
-    Q_EMIT dataChanged(index(first, 0), index(last, right));
+    Q_EMIT dataChanged(index(first, left), index(last, right));
   } else {
     for (int place = first; place <= last; ++place) {
-      if (dirty(place)) Q_EMIT dataChanged(index(place, 0), index(place, right));
+      if (dirty(place)) Q_EMIT dataChanged(index(place, left_of(place)), index(place, right));
     }
   }
   shown_stamp_ = now;

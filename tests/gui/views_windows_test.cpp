@@ -354,6 +354,43 @@ TEST(RowListModelTest, FollowsItsListWhateverHappens) {
   }
 }
 
+// What stands left of the columns that move with the market is not painted with every price.
+TEST(RowListModelTest, TellsOfTheMovingColumnsAlone) {
+  RowList list{{"Name", "Bid", "Ask"}};
+  bool renamed = false;
+  list.set_make_cells(
+      [&](Row& row) {
+        row.set_whole(1, static_cast<std::int64_t>(row.stamp()));
+        if (renamed) row.standing_changed();
+      },
+      1);
+  for (int i = 0; i < 8; ++i)
+    list.add();
+  RowListModel model{list};
+  model.refresh(0, 7);
+  std::string told;
+  QObject::connect(&model, &QAbstractItemModel::dataChanged, [&](const auto& from, const auto& to) {
+    told += std::to_string(from.row()) + "," + std::to_string(from.column()) + "-" +
+            std::to_string(to.row()) + "," + std::to_string(to.column()) + " ";
+  });
+  const auto tells = [&](std::initializer_list<std::size_t> outdated, bool others) {
+    renamed = others;
+    for (const std::size_t place : outdated)
+      list.row(place).outdate();
+    told.clear();
+    model.refresh(0, 7);
+    model.refresh(0, 7);
+    return told;
+  };
+  EXPECT_EQ(tells({2, 5}, false), "2,1-2,2 5,1-5,2 ");
+  EXPECT_EQ(tells({0, 1, 2, 3, 4}, false), "0,1-7,2 ");
+  EXPECT_EQ(tells({2}, true), "2,0-2,2 ");
+  EXPECT_EQ(tells({0, 1, 2, 3, 4}, true), "0,0-7,2 ");
+  renamed = false;
+  list.row(3).set_text(0, "typed");
+  EXPECT_EQ(tells({5}, false), "3,0-3,2 5,1-5,2 ");
+}
+
 TEST(FileDialogTest, StandsInTheThemeWithAProposedNameAndItsEnding) {
   TemporaryFolder folder;
   DesktopFileDialog files;
