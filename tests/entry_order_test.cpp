@@ -264,10 +264,10 @@ TEST(EntryOrders, AnswersFindTheirRequests) {
   client.orders = {{.order = 31, .account = 1, .kind = OrderKind::stops, .reference = 7, .symbol = "EURUSD"}};
   session.set_stops(6, {}, 0);
   session.set_stops(7, {}, 0);
-  client.sink->UpdateSLTPOrderResult(31, result::succeeded);
-  EXPECT_EQ(session.sent_request(RequestKind::stops, 7)->outcome, SentOrder::Outcome::accepted);
   client.sink->NewSLTPOrderResult(32, result::market_conditions);
   EXPECT_EQ(session.sent_request(RequestKind::stops, 6)->outcome, SentOrder::Outcome::refused);
+  client.sink->UpdateSLTPOrderResult(31, result::succeeded);
+  EXPECT_EQ(session.sent_request(RequestKind::stops, 7)->outcome, SentOrder::Outcome::accepted);
   EXPECT_EQ(session.unanswered(), 1);
 }
 
