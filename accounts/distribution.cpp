@@ -22,8 +22,8 @@ void refuse(Row& row, std::string_view reason) {
 
 }  // namespace
 
-bool Distribution::summary_of(Row& row, AccountSummary& out) const {
-  const SummaryAnswer answer = sessions_.summary_of(account_of(row));
+bool Distribution::summary_of(const CClientAPIManager& session, Row& row, AccountSummary& out) {
+  const SummaryAnswer answer = session.ClientAPIF().GetAccountSummary(account_of(row));
   if (answer.result != result::succeeded) {
     refuse(row, CClientAPIManager::ResultDescription(answer.result));
     return false;
@@ -43,12 +43,13 @@ Distribution::Sums Distribution::weed_out(std::string_view symbol) {
   Sums sums;
   for (Row& row : window_.account_rows()) {
     if (!row.checked()) continue;
-    if (!sessions_.Check_Visibility(symbol, account_of(row))) {
+    const CClientAPIManager* session = sessions_.carrying(symbol, account_of(row));
+    if (session == nullptr) {
       refuse(row, std::string{symbol} + " is not visible to this account");
       continue;
     }
     AccountSummary summary;
-    if (!summary_of(row, summary)) continue;
+    if (!summary_of(*session, row, summary)) continue;
     if (summary.equity < 0.0) {
       refuse(row, window_.no_balance_text());
       continue;
@@ -67,12 +68,14 @@ void Distribution::write_shares(double amount, DistributionRule rule, std::strin
   const double equal_share = amount / sums.accounts;
   for (Row& row : window_.account_rows()) {
     const std::int32_t account = account_of(row);
-    if (!row.checked() || !sessions_.Check_Visibility(symbol, account)) continue;
+    if (!row.checked()) continue;
+    const CClientAPIManager* session = sessions_.carrying(symbol, account);
+    if (session == nullptr) continue;
     double share = equal_share;
     if (rule != DistributionRule::equal) {
       // Values may have moved since the sums were made; the share is of the value now.
       AccountSummary summary;
-      if (!summary_of(row, summary)) continue;
+      if (!summary_of(*session, row, summary)) continue;
       share = rule == DistributionRule::margin ? amount * summary.free_margin / sums.free_margin
                                                : amount * summary.equity / sums.equity;
     }

@@ -35,7 +35,7 @@ class Distribution {
   Sums weed_out(std::string_view symbol);
   void write_shares(double amount, DistributionRule rule, std::string_view symbol, const Sums& sums);
   // False, with the reason in the row and its tick gone, when the summary can't be had.
-  bool summary_of(Row& row, AccountSummary& out) const;
+  static bool summary_of(const CClientAPIManager& session, Row& row, AccountSummary& out);
 
   MGeneral& general_;
   CClientAPIManagers& sessions_;

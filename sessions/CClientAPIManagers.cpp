@@ -112,8 +112,12 @@ bool CClientAPIManagers::Check_Visibility(std::string_view symbol, std::string_v
 }
 
 bool CClientAPIManagers::Check_Visibility(std::string_view symbol, std::int32_t account) const {
-  const CClientAPIManager* session = logged_in(account);
-  return session != nullptr && session->ClientAPIF().FindSymbol(symbol) != nullptr;
+  return carrying(symbol, account) != nullptr;
+}
+
+CClientAPIManager* CClientAPIManagers::carrying(std::string_view symbol, std::int32_t account) const {
+  CClientAPIManager* session = logged_in(account);
+  return session != nullptr && session->ClientAPIF().FindSymbol(symbol) != nullptr ? session : nullptr;
 }
 
 double CClientAPIManagers::Limit_Offset(std::string_view symbol) const {

@@ -47,6 +47,8 @@ class CClientAPIManagers {
   }
   // First such session that is logged in.
   CClientAPIManager* logged_in(std::int32_t account) const;
+  // That one, where it carries the symbol; nullptr when it does not.
+  CClientAPIManager* carrying(std::string_view symbol, std::int32_t account) const;
   // Summary of an account as its logged-in session knows it; result::failed when there is none.
   SummaryAnswer summary_of(std::int32_t account) const;
   // The application's current session: the first that was made and still is.
