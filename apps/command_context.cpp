@@ -32,7 +32,10 @@ bool CommandContext::logins_done(std::size_t& done) const {
     const bool waiting = each->shown.state == AccountState::connecting;
     // A connected account is ready once its data are there and the order window has it, or was found unknown.
     const bool loading = each->connected() && main().market_order().account_row(each->account) == nullptr;
-    if (!waiting && !loading) ++done;
+    if (waiting || loading) continue;
+    // What is unknown of it is asked for.
+    const CClientAPIManager* session = main().sessions().logged_in(each->account);
+    if (session == nullptr || session->asked() == 0) ++done;
   }
   return done == accounts.size();
 }

@@ -169,6 +169,15 @@ std::vector<SentOrder*> RequestBook::open(Sender sender) const {
   return out;
 }
 
+std::vector<SentOrder*> RequestBook::unknown(Sender sender) const {
+  std::vector<SentOrder*> out;
+  if (const Sent* sent = find_sent(sender)) {
+    std::copy_if(sent->alive.begin(), sent->alive.end(), std::back_inserter(out),
+                 [](const SentOrder* each) { return each->outcome == SentOrder::Outcome::unknown; });
+  }
+  return out;
+}
+
 void RequestBook::heard_of(SentOrder& request, std::chrono::milliseconds now) {
   request.last_word = now;
   if (!std::exchange(request.heard_of, true)) heard_.push_back(&request);

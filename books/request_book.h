@@ -96,8 +96,9 @@ class RequestBook {
   }
   // How many became unknown since this was asked last; answers to requotes don't count.
   int take_given_up() { return std::exchange(given_up_, 0); }
-  // Those of a sender, oldest first.
+  // Those of a sender without a result, oldest first; and those that nobody knows the outcome of.
   std::vector<SentOrder*> open(Sender sender) const;
+  std::vector<SentOrder*> unknown(Sender sender) const;
   // Those without a word for longer than patience, oldest first.
   std::vector<SentOrder*> overdue(std::chrono::milliseconds now);
 

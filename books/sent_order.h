@@ -45,6 +45,7 @@ struct SentOrder {
   double price = 0.0;       // of an entry order
   double filled = 0.0;      // lots, as reported so far
   RequestId id = 0;
+  BookEra era = 0;               // of the server's book when it was sent
   std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
   std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
   SymbolHandle symbol = no_symbol;

@@ -81,7 +81,7 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   void close_postions();
   void close_single(const Row& row);
   // What the answers yes to these questions do. All rows are collected before the first request is sent. A
-  // marked position whose last request is not answered yet is sent once more: it may be lost.
+  // position whose last close has no answer is not sent again.
   void closepos();
   void closepos1();
   // Sends one close request and reports an immediate refusal; false when nothing was sent. Set by start-up.

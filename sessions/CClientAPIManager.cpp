@@ -132,6 +132,7 @@ void CClientAPIManager::AllDataAreLoaded() {
     desk.close_positions->add_account(account());
     desk.entry_order->add_account(account());
     desk.close_positions->refresh_symbols();
+    requests_.ask_for_unknown();
     if (scope_.record.connected()) {
       desk.accounts->record_connected(*this);
       general.play_sound("\\sounds\\Connect.wav");

@@ -121,6 +121,8 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   Sender sender() const { return requests_.sender(); }
   // How many requests are still to be answered.
   int unanswered() const { return book_.unanswered(sender()); }
+  // Of how many unknown requests the server is asked and has not answered.
+  int asked() const { return requests_.asked(); }
   // Gives up waiting: journals every request without a result as unknown. `reason` as the ledger has it.
   void journal_unanswered(std::string_view reason) { requests_.give_up_all(reason); }
   // No word came for one of them in too long.
@@ -164,6 +166,9 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   void OrderTimer(const Requote& requote) override;
   void PendingOrdersLoaded() override { records_.orders_loaded(); }
   void PosFloatingPLChanged(const OpenPosition& position) override { records_.floating_changed(position); }
+  void RequestTold(RequestId id, RequestState state, double lots) override {
+    requests_.told(id, state, lots);
+  }
   void ServerRouted(std::string_view address, std::string_view port) override {
     connection_.server_routed(address, port);
   }

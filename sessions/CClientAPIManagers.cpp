@@ -29,7 +29,7 @@ CClientAPIManager* CClientAPIManagers::Add(const LoginData& login, std::string_v
       CClientAPIManager::Shared{general_, desk_, windows_, books_, options_, requests_, gate_}));
   CClientAPIManager& session = *sessions_.back();
   session.key(static_cast<std::int16_t>(sessions_.size()));
-  by_account_.emplace(session.account(), &session);
+  by_account_[session.account()].push_back(&session);
   AddToListView2(session, notes, false);
   if (login_now) session.ClientAPIF().Login();
   if (current_ == nullptr) current_ = &session;
@@ -43,13 +43,20 @@ CClientAPIManager* CClientAPIManagers::Item(std::string_view key) const {
 }
 
 CClientAPIManager* CClientAPIManagers::logged_in(std::int32_t account) const {
-  CClientAPIManager* first = by_account(account);
-  if (first == nullptr || first->ClientAPIF().LoggedIn()) return first;
-  // One account number may stand under several user names; the others come into question only now.
-  for (const auto& session : sessions_) {
-    if (session->account() == account && session->ClientAPIF().LoggedIn()) return session.get();
-  }
-  return nullptr;
+  const auto at = by_account_.find(account);
+  if (at == by_account_.end()) return nullptr;
+  const auto session = std::find_if(at->second.begin(), at->second.end(),
+                                    [](const auto* each) { return each->ClientAPIF().LoggedIn(); });
+  return session == at->second.end() ? nullptr : *session;
+}
+
+bool CClientAPIManagers::close_awaited(std::int64_t ticket, std::int32_t account) const {
+  const auto at = by_account_.find(account);
+  return at != by_account_.end() &&
+         std::any_of(at->second.begin(), at->second.end(), [ticket](const CClientAPIManager* session) {
+           const SentOrder* sent = session->sent_request(RequestKind::close, ticket);
+           return sent != nullptr && (!sent->settled() || sent->outcome == SentOrder::Outcome::unknown);
+         });
 }
 
 SummaryAnswer CClientAPIManagers::summary_of(std::int32_t account) const {
@@ -104,7 +111,7 @@ void CClientAPIManagers::ReArrangeList(int removed) {
 void CClientAPIManagers::index_accounts() {
   by_account_.clear();
   for (const auto& session : sessions_)
-    by_account_.emplace(session->account(), session.get());
+    by_account_[session->account()].push_back(session.get());
 }
 
 bool CClientAPIManagers::Check_Visibility(std::string_view symbol, std::string_view account) const {

@@ -43,12 +43,14 @@ class CClientAPIManagers {
   // First session with this account number; nullptr when there is none.
   CClientAPIManager* by_account(std::int32_t account) const {
     const auto at = by_account_.find(account);
-    return at == by_account_.end() ? nullptr : at->second;
+    return at == by_account_.end() ? nullptr : at->second.front();
   }
   // First such session that is logged in.
   CClientAPIManager* logged_in(std::int32_t account) const;
   // That one, where it carries the symbol; nullptr when it does not.
   CClientAPIManager* carrying(std::string_view symbol, std::int32_t account) const;
+  // A close of the position has left, and nobody knows yet what became of it.
+  bool close_awaited(std::int64_t ticket, std::int32_t account) const;
   // Summary of an account as its logged-in session knows it; result::failed when there is none.
   SummaryAnswer summary_of(std::int32_t account) const;
   // The application's current session: the first that was made and still is.
@@ -116,7 +118,8 @@ class CClientAPIManagers {
   std::vector<std::unique_ptr<CClientAPIManager>> sessions_;  // number n at n - 1
   std::vector<std::unique_ptr<CClientAPIManager>>
       retired_;  // removed by a handler, freed with the next removal outside one
-  tsl::robin_map<std::int32_t, CClientAPIManager*> by_account_;
+  // One account number may stand under several user names.
+  tsl::robin_map<std::int32_t, std::vector<CClientAPIManager*>> by_account_;
   std::vector<const SentOrder*> fan_out_;
   bool fan_out_sorted_ = true;
   CClientAPIManager* current_ = nullptr;

@@ -31,6 +31,7 @@ RequestGate::RequestGate(RequestBook& book, MGeneral& general, const Books& book
                    .amount = each.lots,
                    .price = each.price,
                    .id = each.id,
+                   .era = each.era,
                    .side = each.side,
                    .request_code = request::taken,
                    .account = each.account.account,
@@ -68,6 +69,7 @@ const SentOrder& RequestGate::ask(Sender sender, SentOrder&& request, const Term
   request.id = ids_.next();
   request.sender = sender;
   request.account = senders_[sender - 1].account;
+  request.era = senders_[sender - 1].client->Era();
   request.outcome = SentOrder::Outcome::waiting;
   request.last_word = general_.clock.elapsed();
   SentOrder& noted = book_.add(request);
@@ -85,7 +87,6 @@ const SentOrder& RequestGate::ask(Sender sender, SentOrder&& request, const Term
 
 LedgerRequest RequestGate::stored_form(const Asked& asked) const {
   const SentOrder& noted = *asked.noted;
-  const AccountClient* client = senders_[noted.sender - 1].client;
   LedgerRequest out{.id = noted.id,
                     .sender = noted.sender,
                     .kind = noted.kind,
@@ -93,7 +94,7 @@ LedgerRequest RequestGate::stored_form(const Asked& asked) const {
                     .lots = noted.amount,
                     .price = noted.price,
                     .reference = noted.number,
-                    .era = client == nullptr ? BookEra{0} : client->Era()};
+                    .era = noted.era};
   if (noted.symbol != no_symbol) out.symbol = books_.symbols.entry(noted.symbol).name;
   const auto about = [&](const auto* record, Operation side) {
     if (record == nullptr) return;

@@ -208,4 +208,28 @@ std::string new_stops_line(std::int64_t order) {
   return "Request SL/TP for #" + std::to_string(order);
 }
 
+std::string_view told(RequestState state) {
+  switch (state) {
+    case RequestState::never_taken:
+      return "never came and never will";
+    case RequestState::waiting:
+      return "is on its way";
+    case RequestState::working:
+      return "waits for its price";
+    case RequestState::partly_executed:
+      return "was executed in part";
+    case RequestState::executed:
+      return "was executed";
+    case RequestState::refused:
+      return "was refused";
+    case RequestState::cancelled:
+      return "was cancelled";
+    case RequestState::another_book:
+      return "was sent to a book that it has no more: check the positions";
+    case RequestState::not_told:
+      break;
+  }
+  return {};
+}
+
 }  // namespace tutti::result_texts

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "sessions/contract/codes.h"
+#include "sessions/contract/request_state.h"
 
 // Texts of result codes, as the general table has them and as single handlers spell them in their own way.
 // For a code without a text of its own `general` and `delete_entry` have a common one, the others an empty
@@ -30,5 +31,8 @@ CloseTexts close(ResultCode code, std::int64_t ticket, std::int32_t account);
 std::string_view buy_or_sell(Operation operation);
 // " Buy ", " Sell ", " Buy Stop " or " Sell Stop ", blanks included; " " for any other operation.
 std::string_view type_word(Operation operation);
+
+// What the server says of a request that it was asked for: "was executed".
+std::string_view told(RequestState state);
 
 }  // namespace tutti::result_texts

@@ -1,5 +1,6 @@
 #include "sessions/sent_requests.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <utility>
@@ -32,6 +33,10 @@ LedgerState state_of(const SentOrder& request) {
     default:
       return LedgerState::done;
   }
+}
+
+bool opens_or_closes(RequestKind kind) {
+  return kind == RequestKind::open || kind == RequestKind::close || kind == RequestKind::entry;
 }
 
 void take_fill(LedgerEvent& event, const OrderReport& report) {
@@ -177,6 +182,45 @@ void SentRequests::note(const SentOrder& request, std::string_view reason, Ledge
   }
   if (report != nullptr) take_fill(event, *report);
   ledger_.note(std::move(event));
+}
+
+bool SentRequests::told(SentOrder& request, RequestState state, double lots) {
+  struct Meaning {
+    Outcome outcome;
+    LedgerState stored;
+  };
+  const auto meaning = [&]() -> Meaning {
+    switch (state) {
+      case RequestState::executed:
+        return {Outcome::accepted, opens_or_closes(request.kind) ? LedgerState::filled : LedgerState::done};
+      case RequestState::working:
+        return {Outcome::accepted, LedgerState::working};
+      case RequestState::partly_executed:
+        return {Outcome::partly, LedgerState::part};
+      case RequestState::waiting:
+        return {Outcome::pending, LedgerState::pending};
+      case RequestState::refused:
+        return {Outcome::refused, LedgerState::refused};
+      case RequestState::cancelled:
+        return {Outcome::refused, lots > 0.0 ? LedgerState::part_filled : LedgerState::cancelled};
+      case RequestState::never_taken:
+        return {Outcome::refused, LedgerState::never};
+      case RequestState::another_book:
+        return {Outcome::unknown, LedgerState::gone};
+      case RequestState::not_told:
+        break;
+    }
+    return {Outcome::none, LedgerState::unknown};
+  }();
+  if (request.outcome != Outcome::unknown || meaning.outcome == Outcome::none) return false;
+  request.filled = std::max(request.filled, lots);
+  if (meaning.outcome != Outcome::unknown) settle_in_book(&request, ResultCode::none, meaning.outcome, 0);
+  ledger_.note({.request = request.id,
+                .sender = sender_,
+                .state = meaning.stored,
+                .evidence = LedgerEvidence::asked,
+                .order = request.number});
+  return true;
 }
 
 void SentRequests::entry_executed(const OrderReport& report) {

@@ -6,6 +6,7 @@
 
 #include "books/request_book.h"
 #include "ledger/ledger.h"
+#include "sessions/contract/request_state.h"
 #include "sessions/session_records.h"
 
 namespace tutti {
@@ -43,6 +44,10 @@ class SentRequests {
   bool settle(SentOrder* meant, const OrderReport& report, ResultCode code, SentOrder::Outcome outcome);
   // The order that the answer to a requote was for has ended, and with it the answer.
   void end_requote(std::int64_t order);
+  // What the broker says of one that was unknown; false where that changes nothing.
+  bool told(SentOrder& request, RequestState state, double lots);
+  // Those that nobody knows the outcome of, oldest first.
+  std::vector<SentOrder*> unknown() const { return book_.unknown(sender_); }
   // What prices set off: an entry order was executed, or is no more. Only the ledger is told.
   void entry_executed(const OrderReport& report);
   void entry_cancelled(std::int64_t order, std::string_view reason);

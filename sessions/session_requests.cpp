@@ -1,5 +1,7 @@
 #include "sessions/session_requests.h"
 
+#include <algorithm>
+
 #include "core/numbers.h"
 #include "core/texts.h"
 #include "sessions/result_texts.h"
@@ -23,6 +25,14 @@ std::string accepted_text(const OrderReport& report) {
 std::string words(const SentOrder& order, const SymbolCollection& symbols) {
   return (buys(order.side) ? "BUY " : "SELL ") + number_text(order.amount) + " " +
          (order.symbol == no_symbol ? "" : symbols.entry(order.symbol).name);
+}
+
+// "Order BUY 0.5 EURUSD", "The request for #12"
+std::string request_words(const SentOrder& request, const SymbolCollection& symbols) {
+  if (request.kind == RequestKind::open) return "Order " + std::string{trim(words(request, symbols))};
+  if (request.kind == RequestKind::entry)
+    return "Entry order " + std::string{trim(words(request, symbols))} + " at " + number_text(request.price);
+  return "The request for #" + std::to_string(request.number);
 }
 
 PendingOrder in_dealing(const OrderReport& report, std::int32_t account, OrderKind kind, TimePoint now) {
@@ -214,11 +224,7 @@ void SessionRequests::entry_cancelled(std::int64_t order, std::int32_t account, 
 
 void SessionRequests::give_up(SentOrder& request, std::string_view reason) {
   if (request.settled()) return;
-  const std::string what =
-      request.kind == RequestKind::open ? "Order " + words(request, scope_.symbols)
-      : request.kind == RequestKind::entry
-          ? "Entry order " + words(request, scope_.symbols) + " at " + number_text(request.price)
-          : "The request for #" + std::to_string(request.number);
+  const std::string what = request_words(request, scope_.symbols);
   sent_.give_up(request, reason);
   if (request.kind == RequestKind::requote) return;  // the order that it is for is told of
   scope_.log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
@@ -234,6 +240,20 @@ void SessionRequests::overdue(SentOrder& request) {
     scope_.desk.pending->order_text(request.number, scope_.account, "The outcome of its cancel is unknown");
   if (request.kind == RequestKind::close)
     scope_.desk.close_positions->result(request.number, scope_.account, text);
+}
+
+void SessionRequests::ask_for_unknown() {
+  asked_ = 0;
+  for (const SentOrder* request : sent_.unknown())
+    if (scope_.client.AskRequest(request->id, request->era) == request::taken) ++asked_;
+}
+
+void SessionRequests::told(RequestId id, RequestState state, double lots) {
+  asked_ = std::max(asked_ - 1, 0);
+  SentOrder* request = sent_.named(id);
+  if (request == nullptr || !sent_.told(*request, state, lots)) return;
+  scope_.log(request_words(*request, scope_.symbols) + " was unknown: the server says that it " +
+             std::string{result_texts::told(state)});
 }
 
 void SessionRequests::give_up_all(std::string_view reason) {

@@ -42,6 +42,13 @@ class SessionRequests {
   // What prices set off; no request is meant.
   void entry_executed(const OrderReport& report);
   void entry_cancelled(std::int64_t order, std::int32_t account, std::string_view why);
+  // Asks what became of those that nobody knows the outcome of. To be called once the account's data are
+  // there.
+  void ask_for_unknown();
+  // What the broker answers to that.
+  void told(RequestId id, RequestState state, double lots);
+  // How many of these answers are still to come.
+  int asked() const { return asked_; }
   // The countdown of a requote: the dealer has the order.
   void requote_tick(const Requote& requote) { sent_.dealer_has(requote.order); }
 
@@ -62,6 +69,7 @@ class SessionRequests {
   SessionRecords& records_;
   RequestGate& gate_;
   Sender sender_;
+  int asked_ = 0;
   SentRequests sent_;
 };
 

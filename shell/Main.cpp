@@ -77,7 +77,17 @@ void Main::connect() {
 void Main::connect_closing() {
   desk_.close_positions = &close_positions_;
   books_.positions.observe(close_positions_);
-  const auto close = [this](const frmTrade::Close& position) {
+  const auto awaited = [this](const frmTrade::Close& position) {
+    return sessions_.close_awaited(position.ticket, position.account);
+  };
+  trade_.awaited = awaited;
+  const auto close = [this, awaited](const frmTrade::Close& position) {
+    if (awaited(position)) {
+      general_.log("Close of #" + std::to_string(position.ticket) + " not sent again: its answer is awaited",
+                   position.account);
+      // For who counts, it has been sent: it waits, and is not refused.
+      return true;
+    }
     return close_helper_.close(position.ticket, position.amount, position.account);
   };
   trade_.close_helper = close;

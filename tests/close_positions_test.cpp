@@ -178,8 +178,12 @@ TEST_F(ClosePositions, QuestionsTellWhatTheyAreAbout) {
   form.LblCheck.click();
   EXPECT_EQ(prompt.take_details(),
             (Texts{"2 positions\nEURUSD 0.2 lots, GBPUSD 0.1 lots\nFloating P/L -17.25",
-                   "2 positions\nEURUSD 0.4 lots\nFloating P/L 7.25"}));
-  EXPECT_EQ(sent().size(), 4u);
+                   "2 positions\nEURUSD 0.4 lots\nFloating P/L 7.25\nNot sent again, since an answer is "
+                   "awaited: 1"}));
+  // Nobody knows yet what becomes of the close of 21.
+  EXPECT_EQ(sorted(sent()), (Texts{"1 close 11 0.1", "2 close 21 0.2", "2 close 22 0.2"}));
+  EXPECT_TRUE(journaled("2 Close of #21 not sent again: its answer is awaited"));
+  client(2).sink->CloseOrderResult({.number = 22, .account = 2, .result = ResultCode{99}, .symbol = ""});
 
   // One of the list by its row, whatever is ticked; what is gone by the answer is not closed.
   prompt.answers = {2, 1, 1};

@@ -89,9 +89,19 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
   EXPECT_EQ(accounts, "500101 500102 500103 ");
   EXPECT_NE(rig.out.find(R"("why": "crash")"), std::string::npos);
   EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|UNKNOWN"});
-  // They stay so, are told once, and are no part of a later order.
+  // They stay so until the server is asked, with the next login. No later order counts them as its own.
+  rig.clock.advance(60s);
   EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.1 --rule equal --accounts 500104"), 0);
-  EXPECT_EQ(ask("SELECT count(*) FROM event WHERE state = 'UNKNOWN'"), Texts{"3"});
+  EXPECT_EQ(ask("SELECT state, evidence, count(*) FROM event WHERE request IN (SELECT id FROM request WHERE "
+                "ticket = 1) "
+                "GROUP BY 1, 2 ORDER BY 1 DESC"),
+            (Texts{"UNKNOWN|clock|3", "FILLED|asked|3"}));
+  const std::string told = "Order BUY 0.3 was unknown: the server says that it was executed";
+  std::size_t lines = 0;
+  for (std::size_t at = 0; (at = rig.out.find(told, at)) != std::string::npos; ++at)
+    ++lines;
+  EXPECT_EQ(lines, 3U) << rig.out;
+  EXPECT_EQ(rig.run("unknown"), 0);
   EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
 }
 

@@ -192,6 +192,41 @@ TEST_F(Requests, AreFilledInPartsAndEveryFillOnce) {
   EXPECT_EQ(order.filled, 0.5);
 }
 
+// What the broker says of a request that was given up, and what is known of it then.
+struct Told {
+  RequestState state;
+  Outcome outcome;
+  LedgerState stored;
+  std::string words;  // of the journal; empty: nothing is told
+};
+
+TEST_F(Requests, TheBrokerIsAskedAboutWhatIsUnknown) {
+  const Told cases[] = {
+      {RequestState::executed, Outcome::accepted, LedgerState::filled, "was executed"},
+      {RequestState::partly_executed, Outcome::partly, LedgerState::part, "was executed in part"},
+      {RequestState::waiting, Outcome::pending, LedgerState::pending, "is on its way"},
+      {RequestState::refused, Outcome::refused, LedgerState::refused, "was refused"},
+      {RequestState::cancelled, Outcome::refused, LedgerState::cancelled, "was cancelled"},
+      {RequestState::never_taken, Outcome::refused, LedgerState::never, "never came and never will"},
+      {RequestState::another_book, Outcome::unknown, LedgerState::gone,
+       "was sent to a book that it has no more: check the positions"},
+      {RequestState::not_told, Outcome::unknown, LedgerState::unknown, ""},
+  };
+  for (const Told& each : cases) {
+    SCOPED_TRACE(each.words);
+    const SentOrder& order = buy(one);
+    wait();
+    ASSERT_EQ(order.outcome, Outcome::unknown);
+    const auto tell = [&] { sink(one).RequestTold(order.id, each.state, 0.0); };
+    const Heard line{"journal 81: Order BUY 0.5 EURUSD was unknown: the server says that it " + each.words};
+    EXPECT_EQ(rig.during(tell), each.words.empty() ? Heard{} : line);
+    EXPECT_EQ(order.outcome, each.outcome);
+    EXPECT_EQ(rig.ledger.events.back().state, each.stored);
+    if (order.outcome == Outcome::unknown) continue;
+    EXPECT_EQ(rig.during(tell), Heard{});
+  }
+}
+
 // A ticket of two, one of each account: what the ledger does, and what becomes of them.
 struct Storing {
   const char* name;

@@ -88,18 +88,21 @@ std::vector<frmTrade::Close> frmTrade::ticked() const {
 
 std::string frmTrade::about(const std::vector<Close>& positions) const {
   LotSums sums{"position"};
+  int held_back = 0;
   for (const Close& position : positions) {
     const Record* open = book_.find(position.ticket, position.account);
     if (open == nullptr) continue;
     sums.add(open->symbol, position.amount);
     sums.add_profit(open->floating_pl);
+    if (awaited(position)) ++held_back;
   }
   std::string which;
   if (positions.size() == 1) {
     which = "#" + std::to_string(positions[0].ticket) + " of account " +
             std::to_string(positions[0].account) + "\n";
   }
-  return which + sums.text();
+  const std::string held = "\nNot sent again, since an answer is awaited: " + std::to_string(held_back);
+  return which + sums.text() + (held_back > 0 ? held : "");
 }
 
 void frmTrade::edit(const Row& row) const {

@@ -77,6 +77,8 @@ class frmTrade final : public PositionBook::Observer {
   void closeAllse();
   // Sends one close request and reports an immediate refusal; set by start-up.
   std::function<void(const Close&)> close_helper;
+  // A close of it has left and has no answer, so that it is not sent again; set by start-up.
+  std::function<bool(const Close&)> awaited = [](const Close&) { return false; };
   // Has what is closed in a call stored as one ticket; set by start-up.
   std::function<void(const std::function<void()>&)> as_one_ticket = [](const auto& ask) { ask(); };
   // Hands the row's position to the entry order window, for its SL/TP.
