@@ -84,7 +84,8 @@ class frmClosePos final : public ClosePositionsDesk, public PositionBook::Observ
   // position whose last close has no answer is not sent again.
   void closepos();
   void closepos1();
-  // Sends one close request and reports an immediate refusal; false when nothing was sent. Set by start-up.
+  // Sends one close request and reports an immediate refusal; false when nothing was sent. One that is held
+  // back, since an answer is awaited, counts as sent. Set by start-up.
   std::function<bool(const frmTrade::Close&)> close_helper;
 
   // Another window hands over what it has picked: the first block's symbol is chosen and its accounts'

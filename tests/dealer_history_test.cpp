@@ -208,6 +208,8 @@ TEST(DealerHistory, FillsAreToldSinceAMoment) {
     const auto seat = rig.trader(0), other = rig.trader(1);
     rig.run(40'000);
     EXPECT_EQ(told(rig, seat, before), all);
+    const TimePoint last = seat.seen->fills.back().time;
+    EXPECT_EQ(told(rig, seat, last), (Words{"fills", all.back()}));
     EXPECT_EQ(told(rig, seat, between).size(), 3U);
     EXPECT_EQ(told(rig, seat, rig.clock.now() + seconds{1}), Words{"fills"});
     EXPECT_EQ(told(rig, seat, noon - seconds{1}).front(), "some fills");
