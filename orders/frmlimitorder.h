@@ -178,7 +178,6 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   EntryType type() const { return draft_.type(); }
   void set_edit_controls();
 
-  // Submit.
   bool required_fields_filled();
   bool prices_accepted();
   bool send_new_orders();

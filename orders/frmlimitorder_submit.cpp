@@ -43,10 +43,9 @@ bool frmlimitorder::prices_accepted() {
 
 bool frmlimitorder::send_new_orders() {
   EntryOrder order = draft_.order();
-  bool any = false;
+  const bool any = lvwConClients.checked_count() > 0;
   for (Row& row : lvwConClients) {
     if (!row.checked()) continue;
-    any = true;
     order.amount = row.cell(Column::amount).number();
     send(row, "Entry Order",
          cblimiordertype.text() + " " + number_text(order.amount) + " " + cblimitordersymbols.text(),
@@ -79,10 +78,9 @@ bool frmlimitorder::send_update() {
 }
 
 bool frmlimitorder::send_stops() {
-  bool any = false;
+  const bool any = lvwConClients.checked_count() > 0;
   for (Row& row : lvwConClients) {
     if (!row.checked()) continue;
-    any = true;
     send(row, edit_stops,
          "#" + std::to_string(edited()) + " " + std::string{edit_->side} + " " + edit_->request.symbol,
          edit_->request.price, [&](CClientAPIManager& session, int round, RequestGate::Then then) {
