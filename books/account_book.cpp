@@ -5,7 +5,7 @@
 namespace tutti {
 
 AccountEntry& AccountBook::add(std::string_view user, std::int32_t account, const Endpoint& server) {
-  AccountEntry& record = all_.add({});
+  AccountEntry& record = all_.add();
   record.handle = static_cast<AccountHandle>(all_.size() - 1);
   record.account = account;
   record.user = user;

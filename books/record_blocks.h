@@ -18,9 +18,10 @@ class RecordBlocks {
     return blocks_[place / block_size][place % block_size];
   }
 
-  Record& add(const Record& record) {
+  // A blank one.
+  Record& add() {
     if (size_ == room()) make_block();
-    return (*this)[size_++] = record;
+    return (*this)[size_++];
   }
   // So many can be added afterwards without a new block.
   void make_room(std::size_t count) {

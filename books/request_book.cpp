@@ -19,20 +19,26 @@ RequestBook::Sent& RequestBook::of(Sender sender) {
   return sent_[sender];
 }
 
-SentOrder& RequestBook::add(const SentOrder& request) {
-  assert(request.id > (all_.size() == 0 ? 0 : all_[all_.size() - 1].id));
-  SentOrder& added = all_.add(request);
-  Sent& sent = of(added.sender);
+SentOrder& RequestBook::add(RequestId id, Sender sender, RequestKind kind) {
+  assert(id > (all_.size() == 0 ? 0 : all_[all_.size() - 1].id));
+  SentOrder& added = all_.add();
+  added.id = id;
+  added.sender = sender;
+  added.kind = kind;
+  added.outcome = SentOrder::Outcome::waiting;
+  Sent& sent = of(sender);
   sent.alive.push_back(&added);
-  if (added.kind == RequestKind::open) sent.last_open = &added;
-  if (added.kind == RequestKind::entry) sent.last_entry = &added;
-  if (of_entry_window(added.kind)) sent.last_of_entry_window = &added;
+  if (kind == RequestKind::open) sent.last_open = &added;
+  if (kind == RequestKind::entry) sent.last_entry = &added;
+  if (of_entry_window(kind)) sent.last_of_entry_window = &added;
   return added;
 }
 
 void RequestBook::restore(const SentOrder& request) {
   assert(request.id > (all_.size() == 0 ? 0 : all_[all_.size() - 1].id));
-  of(request.sender).alive.push_back(&all_.add(request));
+  SentOrder& added = all_.add();
+  added = request;
+  of(request.sender).alive.push_back(&added);
 }
 
 void RequestBook::hand_over(RequestId id, Sender sender) {

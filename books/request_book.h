@@ -35,9 +35,9 @@ class RequestBook {
     double lots = 0.0;
   };
 
-  // Takes in a request that is about to leave. Its id is greater than every one before, and it is sent no
-  // earlier.
-  SentOrder& add(const SentOrder& request);
+  // Takes in a request that is about to leave, to be filled where it stands. Its id is greater than every one
+  // before, and it is sent no earlier.
+  SentOrder& add(RequestId id, Sender sender, RequestKind kind);
   // So many that come next find their room made. To be called while nobody waits.
   void make_room(std::size_t count) { all_.make_room(count); }
   // Takes in a request of an earlier run, unknown and of no sender, before any that is added. Ids ascend.

@@ -5,6 +5,7 @@
 
 #include "books/symbol_collection.h"
 #include "sessions/contract/codes.h"
+#include "sessions/contract/entry_order.h"
 #include "sessions/contract/request_id.h"
 
 namespace tutti {
@@ -47,8 +48,10 @@ struct SentOrder {
   RequestId id = 0;
   BookEra era = 0;               // of the server's book when it was sent
   std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
+  StopPrices stops{};            // of an entry order, an update, and stops
   std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
   SymbolHandle symbol = no_symbol;
+  std::int32_t symbol_id = 0;  // of a new order: the account's own number of the symbol
   Operation side{};
   RequestCode request_code{};
   ResultCode result_code{};  // 0 until a result came
@@ -57,7 +60,9 @@ struct SentOrder {
   std::int32_t account = 0;
   RequestKind kind = RequestKind::open;
   Outcome outcome = Outcome::none;
-  bool heard_of = false;  // the broker said a word since it was sent; the book's own
+  bool heard_of = false;           // the broker said a word since it was sent; the book's own
+  bool stops_of_position = false;  // of a cancel: of the SL/TP of a position
+  bool accepts = false;            // of an answer to a requote
 
   // Nothing more is expected of it. A late word may still come for one that is unknown.
   bool settled() const {

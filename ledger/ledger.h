@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "books/books.h"
 #include "ledger/entries.h"
 
 namespace tutti {
@@ -21,10 +23,12 @@ class Ledger {
 
   // Who sends under this number from now on.
   virtual void know(Sender sender, const LedgerAccount& account) = 0;
-  // Hands requests over, to be stored whole or not at all. Those of `continues`, a mark given before, go on
-  // with its ticket; `planned` is how many the whole ticket has.
-  virtual Mark store(const LedgerTicket& ticket, std::size_t planned, std::vector<LedgerRequest> requests,
-                     Mark continues) = 0;
+  using Requests = std::span<SentOrder* const>;
+  // Hands a part of a ticket's requests over, to be stored whole or not at all. `about` tells the prices at
+  // the click; the rest the requests say, and the books of what they are about. A part after the first
+  // continues the mark that the first one was given; else this is 0.
+  virtual Mark store(const LedgerTicket& about, Requests ticket, Requests part, Mark continues,
+                     const Books& books) = 0;
   // Whether they are on the disk. What is not and will not be may be there all the same: who gives up says so
   // by events.
   virtual Stored state(Mark mark) const = 0;
@@ -33,6 +37,8 @@ class Ledger {
   // Notes that a stored request is about to leave, so that a crash leaves no doubt about it. When this fails
   // it must not.
   virtual bool leaves(RequestId request) = 0;
+  // It has left; its request code is what the call answered. Stored as what is noted is.
+  virtual void sent(const SentOrder& request) = 0;
   // Stored within 50 ms. Of a request that is not in the ledger the fill alone is kept.
   virtual void note(LedgerEvent event) = 0;
   // Why nothing can be stored now; empty when it can.

@@ -9,6 +9,7 @@
 
 #include "core/boot_id.h"
 #include "ledger/ledger_start.h"
+#include "ledger/stored_form.h"
 
 namespace tutti {
 namespace {
@@ -112,10 +113,20 @@ void LedgerWriter::know(Sender sender, const LedgerAccount& account) {
   if (!read_only_) put(Known{sender, account}, false);
 }
 
-Ledger::Mark LedgerWriter::store(const LedgerTicket& ticket, std::size_t planned,
+Ledger::Mark LedgerWriter::store(const LedgerTicket& about, Requests ticket, Requests part, Mark continues,
+                                 const Books& books) {
+  std::vector<LedgerRequest> requests = stored_form(part, books);
+  LedgerTicket whole = about;
+  if (continues == 0)
+    whole = ticket_of(about, ticket.size() == part.size() ? requests : stored_form(ticket, books));
+  return store(std::move(whole), ticket.size(), std::move(requests), continues);
+}
+
+Ledger::Mark LedgerWriter::store(LedgerTicket ticket, std::size_t planned,
                                  std::vector<LedgerRequest> requests, Mark continues) {
   const Mark mark = ++given_;
-  if (!read_only_) put(Part{ticket, planned, std::move(requests), mark, continues, clock_.now()}, true);
+  if (!read_only_)
+    put(Part{std::move(ticket), planned, std::move(requests), mark, continues, clock_.now()}, true);
   return mark;
 }
 
@@ -143,6 +154,10 @@ bool LedgerWriter::leaves(RequestId request) {
   if (written != left_fails_) return written;
   left_fails_ = !written;
   return written;
+}
+
+void LedgerWriter::sent(const SentOrder& request) {
+  note(answer_of(request));
 }
 
 void LedgerWriter::note(LedgerEvent event) {

@@ -43,11 +43,14 @@ class LedgerWriter final : public Ledger {
   LedgerWriter& operator=(const LedgerWriter&) = delete;
 
   void know(Sender sender, const LedgerAccount& account) override;
-  Mark store(const LedgerTicket& ticket, std::size_t planned, std::vector<LedgerRequest> requests,
-             Mark continues) override;
+  Mark store(const LedgerTicket& about, Requests ticket, Requests part, Mark continues,
+             const Books& books) override;
+  // The same of values.
+  Mark store(LedgerTicket ticket, std::size_t planned, std::vector<LedgerRequest> requests, Mark continues);
   Stored state(Mark mark) const override;
   Stored wait(Mark mark, std::chrono::milliseconds most) override;
   bool leaves(RequestId request) override;
+  void sent(const SentOrder& request) override;
   void note(LedgerEvent event) override;
   std::string fault() const override;
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }

@@ -8,10 +8,11 @@ namespace tutti {
 class NoLedger final : public Ledger {
  public:
   void know(Sender, const LedgerAccount&) override {}
-  Mark store(const LedgerTicket&, std::size_t, std::vector<LedgerRequest>, Mark) override { return 1; }
+  Mark store(const LedgerTicket&, Requests, Requests, Mark, const Books&) override { return 1; }
   Stored state(Mark) const override { return Stored::yes; }
   Stored wait(Mark, std::chrono::milliseconds) override { return Stored::yes; }
   bool leaves(RequestId) override { return true; }
+  void sent(const SentOrder&) override {}
   void note(LedgerEvent) override {}
   std::string fault() const override { return {}; }
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }

@@ -59,34 +59,34 @@ std::string CClientAPIManager::SummaryDesc(double balance, double equity, double
 }
 
 const SentOrder& CClientAPIManager::market_order(Operation side, SymbolHandle symbol, double amount,
-                                                 Then then) {
+                                                 Then&& then) {
   return gate_.market_order(sender(), side, symbol, symbol_id(symbol), amount, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::close_position(std::int64_t ticket, double amount, Then then) {
+const SentOrder& CClientAPIManager::close_position(std::int64_t ticket, double amount, Then&& then) {
   return gate_.close(sender(), ticket, amount, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position, Then then) {
+const SentOrder& CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position, Then&& then) {
   return gate_.cancel(sender(), order, stops_of_position, std::move(then));
 }
 
 const SentOrder& CClientAPIManager::place_entry(const EntryOrder& order, SymbolHandle symbol, int round,
-                                                Then then) {
+                                                Then&& then) {
   return gate_.place_entry(sender(), order, symbol, round, std::move(then));
 }
 
 const SentOrder& CClientAPIManager::update_entry(std::int64_t order, double price, const StopPrices& stops,
-                                                 int round, Then then) {
+                                                 int round, Then&& then) {
   return gate_.update_entry(sender(), order, price, stops, round, std::move(then));
 }
 
 const SentOrder& CClientAPIManager::set_stops(std::int64_t ticket, const StopPrices& stops, int round,
-                                              Then then) {
+                                              Then&& then) {
   return gate_.set_stops(sender(), ticket, stops, records_.stops_order_of(ticket), round, std::move(then));
 }
 
-const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept, Then then) {
+const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept, Then&& then) {
   return gate_.answer_requote(sender(), order, accept, std::move(then));
 }
 

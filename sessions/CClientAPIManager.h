@@ -103,14 +103,14 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   // Each sends one request, amounts in lots, and answers its record, which says whether it was taken once it
   // has left, and later what became of it; `then` runs when it has left. The entry order window is told of
   // entry orders, updates and stops, with the mark of its round.
-  const SentOrder& market_order(Operation side, SymbolHandle symbol, double amount, Then then = {});
-  const SentOrder& close_position(std::int64_t ticket, double amount, Then then = {});
-  const SentOrder& cancel_order(std::int64_t order, bool stops_of_position, Then then = {});
-  const SentOrder& place_entry(const EntryOrder& order, SymbolHandle symbol, int round, Then then = {});
+  const SentOrder& market_order(Operation side, SymbolHandle symbol, double amount, Then&& then = {});
+  const SentOrder& close_position(std::int64_t ticket, double amount, Then&& then = {});
+  const SentOrder& cancel_order(std::int64_t order, bool stops_of_position, Then&& then = {});
+  const SentOrder& place_entry(const EntryOrder& order, SymbolHandle symbol, int round, Then&& then = {});
   const SentOrder& update_entry(std::int64_t order, double price, const StopPrices& stops, int round,
-                                Then then = {});
-  const SentOrder& set_stops(std::int64_t ticket, const StopPrices& stops, int round, Then then = {});
-  const SentOrder& answer_requote(std::int64_t order, bool accept, Then then = {});
+                                Then&& then = {});
+  const SentOrder& set_stops(std::int64_t ticket, const StopPrices& stops, int round, Then&& then = {});
+  const SentOrder& answer_requote(std::int64_t order, bool accept, Then&& then = {});
   // The market order (new entry order) sent last; its outcome is `none` when none was.
   const SentOrder& last_order() const { return book_.last_new(sender(), RequestKind::open); }
   const SentOrder& last_entry() const { return book_.last_new(sender(), RequestKind::entry); }

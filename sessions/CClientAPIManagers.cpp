@@ -152,7 +152,7 @@ double CClientAPIManagers::widest_distance(std::string_view symbol, DistanceOf d
 }
 
 void CClientAPIManagers::fan_out(Operation side) {
-  const std::string sound = general_.paths.full("\\sounds\\OrderOk.wav");
+  sent_sound_ = general_.paths.full("\\sounds\\OrderOk.wav");
   const SymbolHandle symbol = books_.symbols.find(desk_.market_order->symbol());
   fan_out_.clear();
   fan_out_sorted_ = false;
@@ -161,11 +161,12 @@ void CClientAPIManagers::fan_out(Operation side) {
       if (!session->ClientAPIF().LoggedIn()) continue;
       const std::optional<double> share = desk_.market_order->ticked_share(session->account());
       if (!share) continue;
-      const auto tell = [this, &sound, to = session.get()](const SentOrder& sent) {
+      // No more than this is kept without an allocation for each request.
+      const auto tell = [this, to = session.get()](const SentOrder& sent) {
         if (sent.outcome == SentOrder::Outcome::dropped)
           return desk_.market_order->result(RequestGate::not_sent, sent.account);
         Result(sent.request_code, sent.account, client_key(to->key()));
-        general_.play_sound_file(sound);
+        general_.play_sound_file(sent_sound_);
       };
       fan_out_.push_back(&session->market_order(side, symbol, *share, tell));
     }

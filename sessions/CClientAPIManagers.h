@@ -121,6 +121,7 @@ class CClientAPIManagers {
   // One account number may stand under several user names.
   tsl::robin_map<std::int32_t, std::vector<CClientAPIManager*>> by_account_;
   std::vector<const SentOrder*> fan_out_;
+  std::string sent_sound_;  // file of the sound of a request that has left
   bool fan_out_sorted_ = true;
   CClientAPIManager* current_ = nullptr;
 };

@@ -5,7 +5,6 @@
 #include <deque>
 #include <functional>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "books/books.h"
@@ -55,19 +54,19 @@ class RequestGate {
 
   // Amounts in lots, `side` an operation:: code. `symbol_id` is the account's own number of the symbol.
   const SentOrder& market_order(Sender sender, Operation side, SymbolHandle symbol, std::int32_t symbol_id,
-                                double amount, Then then = {});
-  const SentOrder& close(Sender sender, std::int64_t ticket, double amount, Then then = {});
+                                double amount, Then&& then = {});
+  const SentOrder& close(Sender sender, std::int64_t ticket, double amount, Then&& then = {});
   // `stops_of_position`: the order is the SL/TP of a position, not an entry order.
-  const SentOrder& cancel(Sender sender, std::int64_t order, bool stops_of_position, Then then = {});
+  const SentOrder& cancel(Sender sender, std::int64_t order, bool stops_of_position, Then&& then = {});
   // `round`: the caller's own mark.
   const SentOrder& place_entry(Sender sender, const EntryOrder& order, SymbolHandle symbol, int round,
-                               Then then = {});
+                               Then&& then = {});
   const SentOrder& update_entry(Sender sender, std::int64_t order, double price, const StopPrices& stops,
-                                int round, Then then = {});
+                                int round, Then&& then = {});
   // `stops_order`: the SL/TP order that the position has already, 0 when none.
   const SentOrder& set_stops(Sender sender, std::int64_t ticket, const StopPrices& stops,
-                             std::int64_t stops_order, int round, Then then = {});
-  const SentOrder& answer_requote(Sender sender, std::int64_t order, bool accept, Then then = {});
+                             std::int64_t stops_order, int round, Then&& then = {});
+  const SentOrder& answer_requote(Sender sender, std::int64_t order, bool accept, Then&& then = {});
 
   // Sends what was asked for in handlers and is stored by now. To be called outside of them.
   void send_stored();
@@ -84,46 +83,30 @@ class RequestGate {
     OrderOperations* operations = nullptr;
     const AccountClient* client = nullptr;
   };
-  // What a request is made of beside its record.
-  struct Market {
-    std::int32_t symbol_id = 0;
-  };
-  struct Close {};
-  struct Cancel {
-    bool stops_of_position = false;
-  };
-  struct Update {
-    StopPrices stops;
-  };
-  struct Stops {
-    StopPrices stops;
-  };
-  struct Answer {
-    bool accept = false;
-  };
-  using Terms = std::variant<Market, Close, Cancel, EntryOrder, Update, Stops, Answer>;
+  // What leaves together, in this order; `then` of each.
   struct Asked {
-    SentOrder* noted = nullptr;
-    Terms terms;
-    Then then;
+    std::vector<SentOrder*> requests;
+    std::vector<Then> then;
+
+    std::size_t size() const { return requests.size(); }
+    void add(SentOrder& request, Then&& after);
+    void clear();
   };
-  using AskedList = std::vector<Asked>;
   struct Waiting {
     Ledger::Mark mark = 0;
     std::chrono::milliseconds since{0};
-    AskedList asked;
+    Asked asked;
   };
 
-  const SentOrder& ask(Sender sender, SentOrder&& request, const Terms& terms, Then&& then);
-  void submit(LedgerTicket about, AskedList&& asked);
-  LedgerRequest stored_form(const Asked& asked) const;
-  RequestCode call(OrderOperations& to, const Asked& asked);
+  SentOrder& make(Sender sender, RequestKind kind);
+  const SentOrder& ask(SentOrder& request, Then&& then);
+  void submit(const LedgerTicket& about, Asked& asked);
+  static RequestCode call(OrderOperations& to, const SentOrder& request);
   // False when nothing more may leave, for want of a note of it.
-  bool send(const Asked& asked);
-  void send_all(AskedList& asked, std::size_t first, std::size_t end);
-  void drop(AskedList& asked, std::size_t first, std::size_t end, std::string_view reason,
-            const std::string& why);
-  void drop(const Asked& asked, std::string_view reason);
+  bool send(SentOrder& request, const Then& then);
+  void send_all(Asked& asked, std::size_t first, std::size_t end);
+  void drop(Asked& asked, std::size_t first, std::string_view reason, const std::string& why);
+  void drop(SentOrder& request, const Then& then, std::string_view reason);
   void note(const SentOrder& request, LedgerState state, std::string_view reason, LedgerEvidence evidence);
 
   RequestBook& book_;
@@ -133,7 +116,8 @@ class RequestGate {
   RequestIds ids_;
   std::vector<Way> senders_;  // sender n at n - 1
   bool collecting_ = false;
-  AskedList collected_;
+  Asked collected_;
+  Asked spare_;                  // room for the next ticket
   std::deque<Waiting> waiting_;  // asked for in handlers
 };
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "ledger/ledger.h"
+#include "ledger/stored_form.h"
 
 namespace tutti::testing {
 
@@ -20,8 +20,8 @@ class ScriptedLedger : public Ledger {
   std::function<void()> on_wait;
 
   void know(Sender, const LedgerAccount&) override {}
-  Mark store(const LedgerTicket& ticket, std::size_t, std::vector<LedgerRequest> requests, Mark) override {
-    stored.emplace_back(ticket, std::move(requests));
+  Mark store(const LedgerTicket& about, Requests ticket, Requests part, Mark, const Books& books) override {
+    stored.emplace_back(ticket_of(about, stored_form(ticket, books)), stored_form(part, books));
     return stored.size();
   }
   Stored state(Mark) const override { return says; }
@@ -30,6 +30,7 @@ class ScriptedLedger : public Ledger {
     return says;
   }
   bool leaves(RequestId) override { return may_leave > 0 && may_leave-- > 0; }
+  void sent(const SentOrder& request) override { events.push_back(answer_of(request)); }
   void note(LedgerEvent event) override { events.push_back(std::move(event)); }
   std::string fault() const override { return why; }
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }

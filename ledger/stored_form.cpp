@@ -1,0 +1,75 @@
+#include "ledger/stored_form.h"
+
+#include <algorithm>
+
+namespace tutti {
+namespace {
+
+LedgerRequest stored_form(const SentOrder& request, const Books& books) {
+  LedgerRequest out{.id = request.id,
+                    .sender = request.sender,
+                    .kind = request.kind,
+                    .side = request.side,
+                    .lots = request.amount,
+                    .price = request.price,
+                    .stops = request.stops,
+                    .reference = request.number,
+                    .accepts = request.accepts,
+                    .era = request.era};
+  if (request.symbol != no_symbol) out.symbol = books.symbols.entry(request.symbol).name;
+  switch (request.kind) {
+    case RequestKind::open:
+    case RequestKind::entry:
+      break;
+    case RequestKind::close:
+    case RequestKind::stops:
+      if (const auto* position = books.positions.find(request.number, request.account)) {
+        out.symbol = position->symbol;
+        out.side = opposite(position->side);
+      }
+      break;
+    case RequestKind::cancel:
+    case RequestKind::update:
+    case RequestKind::requote:
+      if (const auto* order = books.orders.find(request.number, request.account)) {
+        out.symbol = order->symbol;
+        out.side = order->operation;
+      }
+      break;
+  }
+  return out;
+}
+
+}  // namespace
+
+std::vector<LedgerRequest> stored_form(Ledger::Requests requests, const Books& books) {
+  std::vector<LedgerRequest> out;
+  out.reserve(requests.size());
+  for (const SentOrder* each : requests)
+    out.push_back(stored_form(*each, books));
+  return out;
+}
+
+LedgerTicket ticket_of(LedgerTicket about, const std::vector<LedgerRequest>& requests) {
+  for (const LedgerRequest& each : requests)
+    about.total += each.lots;
+  const auto all_have = [&](auto member) {
+    return std::all_of(requests.begin(), requests.end(),
+                       [&](const LedgerRequest& each) { return each.*member == requests.front().*member; });
+  };
+  about.kind = requests.front().kind;
+  if (all_have(&LedgerRequest::symbol)) about.symbol = requests.front().symbol;
+  if (all_have(&LedgerRequest::side)) about.side = requests.front().side;
+  return about;
+}
+
+LedgerEvent answer_of(const SentOrder& request) {
+  const bool taken = request.request_code == request::taken;
+  return {.request = request.id,
+          .sender = request.sender,
+          .state = taken ? LedgerState::taken : LedgerState::refused,
+          .reason = taken ? "" : "request code",
+          .code = format_as(request.request_code)};
+}
+
+}  // namespace tutti
