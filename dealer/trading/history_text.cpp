@@ -66,6 +66,17 @@ std::int64_t milliseconds(TimePoint time) {
   return time.time_since_epoch().count();
 }
 
+// At the end of a text, where it was told.
+std::string realised_text(const std::optional<Realised>& realised) {
+  return realised ? fmt::format(" {} {}", realised->profit, realised->commission) : std::string{};
+}
+
+void take_realised(Fields& fields, std::optional<Realised>& out) {
+  if (!fields.more()) return;
+  fields.take(out.emplace().profit);
+  fields.take(out->commission);
+}
+
 }  // namespace
 
 std::string of(const RequestRecord& record) {
@@ -73,17 +84,17 @@ std::string of(const RequestRecord& record) {
                                  word_of(state_words, record.state));
   if (!record.answer) return text;
   const OrderReport& report = record.answer->report;
-  return text += fmt::format(" {} {} {} {} {} {} {} {} {} {} {} {} {} {}",
+  return text += fmt::format(" {} {} {} {} {} {} {} {} {} {} {} {} {} {}{}",
                              word_of(answer_words, record.answer->event), report.number, report.result,
                              report.state, report.request_kind, report.operation, report.amount,
                              report.symbol, report.price, report.execution, report.filled, report.filled_all,
-                             report.left, milliseconds(report.time));
+                             report.left, milliseconds(report.time), realised_text(report.realised));
 }
 
 std::string of(const Execution& fill) {
-  return fmt::format("{} {} {} {} {} {} {} {} {} {}", fill.account, fill.execution, fill.id, fill.number,
+  return fmt::format("{} {} {} {} {} {} {} {} {} {}{}", fill.account, fill.execution, fill.id, fill.number,
                      fill.closes ? 1 : 0, fill.operation, fill.symbol, fill.lots, fill.price,
-                     milliseconds(fill.time));
+                     milliseconds(fill.time), realised_text(fill.realised));
 }
 
 std::optional<RequestRecord> request(std::string_view text) {
@@ -111,6 +122,7 @@ std::optional<RequestRecord> request(std::string_view text) {
     fields.take(report.filled_all);
     fields.take(report.left);
     fields.take(report.time);
+    take_realised(fields, report.realised);
     report.account = record.account;
     report.id = record.id;
   }
@@ -132,6 +144,7 @@ std::optional<Execution> fill(std::string_view text) {
   fields.take(fill.lots);
   fields.take(fill.price);
   fields.take(fill.time);
+  take_realised(fields, fill.realised);
   fill.closes = closes != 0;
   if (!fields.good() || fill.account <= 0) return std::nullopt;
   return fill;

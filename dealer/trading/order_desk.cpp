@@ -219,7 +219,7 @@ void OrderDesk::finish(const Flight& flight, ResultCode result, TimePoint at) {
   if (request.kind == TradeKind::set_stops)
     answer.report.number = stops != nullptr ? stops->order : request.number;
   if (stops != nullptr) answer.event = Answer::update_stops;
-  if (done && is_market(request.kind)) recorder_.note_fill(request, request.number, answer.report);
+  if (done && is_market(request.kind)) recorder_.note_fill(request, request.number, account, answer.report);
   if (done && request.kind == TradeKind::cancel_entry)
     recorder_.history().cancel_working(request.account, request.reference);
   recorder_.history().answer(answer, !done                              ? RequestState::refused

@@ -2,9 +2,14 @@
 
 namespace tutti {
 
-void TradeRecorder::note_fill(const TradeRequest& request, std::int64_t execution, OrderReport& report) {
+void TradeRecorder::note_fill(const TradeRequest& request, std::int64_t execution, TradingAccount& account,
+                              OrderReport& report) {
   report.execution = std::to_string(execution);
   report.filled = report.filled_all = request.amount;
+  if (request.kind == TradeKind::close) {
+    if (const auto* position = account.find_position(request.reference))
+      report.realised = account.realised(*position, request.amount, report.price);
+  }
   history_.add_fill({.execution = report.execution,
                      .id = report.id,
                      .number = request.known_as(),
@@ -14,7 +19,8 @@ void TradeRecorder::note_fill(const TradeRequest& request, std::int64_t executio
                      .symbol = request.symbol,
                      .lots = request.amount,
                      .price = report.price,
-                     .time = report.time});
+                     .time = report.time,
+                     .realised = report.realised});
 }
 
 void TradeRecorder::note_outcome(const Outcome& outcome) {

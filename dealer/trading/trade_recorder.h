@@ -30,8 +30,10 @@ class TradeRecorder {
     account.touch();
     ++changes_;
   }
-  // All of a request was filled, as the report on it says: that gets the fill, and so does the log of fills.
-  void note_fill(const TradeRequest& request, std::int64_t execution, OrderReport& report);
+  // All of a request is filled now, as the report on it says: that gets the fill, and so does the log of
+  // fills. To be called before the account is changed by it.
+  void note_fill(const TradeRequest& request, std::int64_t execution, TradingAccount& account,
+                 OrderReport& report);
   // In order of time.
   void note_outcome(const Outcome& outcome);
 

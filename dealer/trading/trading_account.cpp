@@ -176,14 +176,19 @@ void TradingAccount::open(OpenPosition position, std::size_t symbol) {
   positions_.insert(at, Position{std::move(position), symbol});
 }
 
+Realised TradingAccount::realised(const Position& position, double amount, double price) const {
+  const OpenPosition& record = position.record;
+  const double share = std::min(amount / record.amount, 1.0);
+  return {profit(position.symbol, record.side, amount, record.open_price, price) + record.interest * share,
+          record.commission * share};
+}
+
 bool TradingAccount::close(Position& position, double amount, double price) {
   OpenPosition& record = position.record;
-  const double share = std::min(amount / record.amount, 1.0);
-  const double commission = record.commission * share;
-  const double interest = record.interest * share;
-  balance_ += profit(position.symbol, record.side, amount, record.open_price, price) + commission + interest;
-  record.commission -= commission;
-  record.interest -= interest;
+  const Realised booked = realised(position, amount, price);
+  balance_ += booked.profit + booked.commission;
+  record.commission -= booked.commission;
+  record.interest -= record.interest * std::min(amount / record.amount, 1.0);
   record.amount = round_half_even(record.amount - amount, amount_decimals);
   if (record.amount > 0.0) return false;
   positions_.erase(positions_.begin() + (&position - positions_.data()));

@@ -74,8 +74,10 @@ class TradingAccount {
   // The three leave the values to the next revalue(). A position finds its SL/TP order if that is there
   // first.
   void open(OpenPosition position, std::size_t symbol);
-  // Closes `amount` lots of a position and books their profit and their share of commission and interest;
-  // true when nothing is left of it, so that it is gone.
+  // What closing so many lots of a position at a price books: their profit, and their share of commission and
+  // interest.
+  Realised realised(const Position& position, double amount, double price) const;
+  // Closes `amount` lots of a position and books that; true when nothing is left of it, so that it is gone.
   bool close(Position& position, double amount, double price);
   // Credits or charges interest for so many nights, to every position.
   void roll_over(int nights);

@@ -104,7 +104,7 @@ void TriggerDesk::set_off(TradingAccount& account, std::int64_t number, TimePoin
   report.price = price;
   report.time = at;
   if (entry) report.id = recorder_.history().placed_by(report.account, number);
-  if (code == result::succeeded) recorder_.note_fill(request, number, report);
+  if (code == result::succeeded) recorder_.note_fill(request, number, account, report);
   const AnswerNews answer{event_of(entry, code), report};
   recorder_.history().answer(answer,
                              code == result::succeeded ? RequestState::executed : RequestState::cancelled);

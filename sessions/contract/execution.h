@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "core/clock.h"
 #include "sessions/contract/codes.h"
+#include "sessions/contract/realised.h"
 #include "sessions/contract/request_id.h"
 
 namespace tutti {
@@ -20,7 +22,8 @@ struct Execution {
   std::string symbol;
   double lots = 0.0;  // of this fill
   double price = 0.0;
-  TimePoint time{};  // the server's
+  TimePoint time{};                    // the server's
+  std::optional<Realised> realised{};  // nothing where it isn't told
 };
 
 }  // namespace tutti
