@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/texts.h"
+#include "ledger/ledger_reader.h"
 
 namespace tutti {
 
@@ -55,6 +56,22 @@ bool CommandContext::log_in() {
 void CommandContext::journal_unanswered() {
   for (const auto& session : main().sessions().Children())
     session->journal_unanswered("late");
+}
+
+std::map<RequestId, TicketRequest> CommandContext::stored(const std::vector<RequestId>& requests) const {
+  std::map<RequestId, TicketRequest> out;
+  if (requests.empty()) return out;
+  // One that can't be written is told of at the end.
+  (void)terminal_.keep();
+  const TerminalOptions& options = terminal_.options();
+  auto found = LedgerReader{options.home, options.key_file}.with_tickets_of(requests);
+  if (!found) {
+    console().fail("Orders and prices can't be told: {}", found.error().text());
+    return out;
+  }
+  for (TicketRequest& each : *found)
+    out.emplace(each.id, std::move(each));
+  return out;
 }
 
 bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <vector>
 
 #include "apps/console.h"
@@ -11,6 +12,7 @@
 #include "apps/terminal.h"
 #include "core/clock.h"
 #include "dealer/link/dealing_server.h"
+#include "ledger/ledger_queries.h"
 
 namespace tutti {
 
@@ -36,7 +38,6 @@ class CommandContext {
       : terminal_(terminal), server_(server), ports_(ports), options_(options) {}
 
   Main& main() const { return terminal_.main(); }
-  const Ledger& ledger() const { return terminal_.ledger(); }
   // The server within the program, for what only it can tell.
   const DealingServer& server() const { return server_; }
   Console& console() const { return ports_.console; }
@@ -64,6 +65,9 @@ class CommandContext {
   [[nodiscard]] bool log_in();
   // Gives up waiting for results; the journal then names what stays unknown.
   void journal_unanswered();
+  // What the ledger has of these requests, once all is stored; nothing of one that it does not have. What
+  // goes wrong is told.
+  std::map<RequestId, TicketRequest> stored(const std::vector<RequestId>& requests) const;
   // False, after a message, when one of these accounts is not in the accounts list.
   bool knows(const std::vector<std::int32_t>& accounts) const;
   // How many of these accounts, or of all when none is named, are not connected; says so when there are any.

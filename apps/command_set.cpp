@@ -11,6 +11,7 @@
 
 #include "apps/command_line.h"
 #include "apps/commands.h"
+#include "apps/times.h"
 #include "core/numbers.h"
 #include "core/texts.h"
 
@@ -243,10 +244,35 @@ Command add_journal(CLI::App& app) {
 }
 
 Command add_unknown(CLI::App& app) {
-  CLI::App& command =
-      *app.add_subcommand("unknown", "Show the requests of earlier runs nobody knows the outcome of");
+  CLI::App& command = *app.add_subcommand("unknown", "Show the requests that nobody knows the outcome of");
   explain(command, "tuttictl --json unknown", "0 there is none, 4 there are some");
-  return {.app = &command, .logs_in = false, .run = unknown_command};
+  return {.app = &command, .logs_in = false, .read = unknown_command};
+}
+
+Command add_fills(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("fills", "Show what was filled, and what the closes have brought");
+  auto filter = std::make_shared<FillFilter>();
+  const auto add_time = [&](const char* name, std::optional<TimePoint>& out, bool end, const char* help) {
+    command
+        .add_option_function<std::string>(
+            name, [&out, end](const std::string& text) { out = utc_moment(text, end); }, help)
+        ->check([](const std::string& text) {
+          return utc_moment(text)
+                     ? std::string{}
+                     : "must be a day or moment in UTC, such as 2026-11-21 or 2026-11-21T05:15:16";
+        })
+        ->type_name("TIME");
+  };
+  add_time("--since", filter->since, false, "From this day or moment on, in UTC");
+  add_time("--until", filter->until, true, "Up to the end of this day, or to this moment, in UTC");
+  add_numbers(command, "--account", filter->accounts, false, "Account numbers with commas between them");
+  command.add_option("--symbol", filter->symbol, "Symbol")->check(check_filled);
+  command.add_option("--ticket", filter->ticket, "Number of an act of yours, as the ticket board has it")
+      ->check(CLI::PositiveNumber.description(""));
+  explain(command, "tuttictl --json fills --since 2026-11-20 --symbol EURUSD", "0 also when there are none");
+  return {.app = &command, .logs_in = false, .read = [filter](const HomeContext& context) {
+            return fills_command(context, *filter);
+          }};
 }
 
 Command add_verify(CLI::App& app) {
@@ -319,6 +345,7 @@ std::vector<Command> add_commands(CLI::App& app) {
   out.push_back(add_cancel(app));
   out.push_back(add_verify(app));
   out.push_back(add_journal(app));
+  out.push_back(add_fills(app));
   out.push_back(add_unknown(app));
   add_ledger(app, out);
   return out;

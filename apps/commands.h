@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/command_context.h"
+#include "ledger/ledger_queries.h"
 
 // The commands of the command line. Each prints to standard output and answers the exit status.
 namespace tutti {
@@ -66,8 +67,10 @@ struct HomeContext {
 int ledger_check_command(const HomeContext& context);
 int ledger_backup_command(const HomeContext& context, const std::filesystem::path& to);
 int ledger_export_command(const HomeContext& context);
-// Requests of earlier runs whose outcome nobody knows.
-int unknown_command(CommandContext& context);
+// Requests whose outcome nobody knows.
+int unknown_command(const HomeContext& context);
+// What was filled, and what it brought.
+int fills_command(const HomeContext& context, const FillFilter& filter);
 
 int accounts_command(CommandContext& context);
 int order_command(CommandContext& context, const OrderArguments& arguments);

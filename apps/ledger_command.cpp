@@ -1,11 +1,14 @@
-// What the ledger says of itself: its check, a copy, all of its rows; and the requests nobody knows of.
+// What the ledger says of itself: its check, a copy, all of its rows; and the requests nobody knows of. None
+// of it changes anything, whether a terminal runs or not.
 
 #include <fmt/format.h>
 
 #include "apps/commands.h"
 #include "apps/output.h"
 #include "apps/times.h"
+#include "core/numbers.h"
 #include "ledger/ledger_reader.h"
+#include "ledger/ledger_words.h"
 
 namespace tutti {
 namespace {
@@ -64,32 +67,38 @@ int ledger_export_command(const HomeContext& context) {
   return read ? exit_status::all_accepted : fail(context, read.error());
 }
 
-int unknown_command(CommandContext& context) {
+int unknown_command(const HomeContext& context) {
+  const auto found = reader(context).unknown();
+  if (!found) return fail(context, found.error());
+  if (!found->notice.empty())
+    context.console.tell("The ledger lost its end, or is an older copy: {}", found->notice);
   Records records{
       {"request", "account", "user", "server", "kind", "side", "amount", "symbol", "number", "why", "since"}};
-  TextTable table{{{"Account", true},
+  TextTable table{{{"Request", true},
+                   {"Account", true},
                    {"User"},
-                   {"Request"},
+                   {"What"},
                    {"Side"},
                    {"Lots", true},
                    {"Symbol"},
                    {"Number", true},
                    {"Why"},
                    {"Since"}}};
-  for (const LedgerUnknown& each : context.ledger().unknown()) {
+  for (const LedgerUnknown& each : found->requests) {
+    const std::string kind{ledger_words::of(each.kind)};
     const std::string side = each.side == operation::none ? "" : buys(each.side) ? "buy" : "sell";
-    records.add({each.id, each.account.account, each.account.user, each.account.server,
-                 std::string{ledger_word(each.kind)}, side.empty() ? Json{} : Json(side),
-                 each.lots > 0.0 ? json_number(each.lots) : Json{},
+    records.add({each.id, each.account.account, each.account.user, each.account.server, kind,
+                 side.empty() ? Json{} : Json(side), each.lots > 0.0 ? json_number(each.lots) : Json{},
                  each.symbol.empty() ? Json{} : Json(each.symbol),
                  each.number != 0 ? Json(each.number) : Json{}, each.why, utc_text(each.since)});
-    table.add({std::to_string(each.account.account), each.account.user, std::string{ledger_word(each.kind)},
-               side, each.lots > 0.0 ? json_number(each.lots).dump() : "", each.symbol,
+    table.add({std::to_string(each.id), std::to_string(each.account.account), each.account.user, kind, side,
+               each.lots > 0.0 ? number_text(each.lots) : "", each.symbol,
                each.number != 0 ? std::to_string(each.number) : "", each.why, utc_text(each.since)});
   }
-  const std::size_t count = context.ledger().unknown().size();
-  context.print("unknown", records, Json::object(),
-                [&] { return (count > 0 ? table.text() : "") + fmt::format("{} unknown\n", count); });
+  const std::size_t count = found->requests.size();
+  context.console.print(report_text(context.form, "unknown", records, Json::object(), [&] {
+    return (count > 0 ? table.text() : "") + fmt::format("{} unknown\n", count);
+  }));
   return count == 0 ? exit_status::all_accepted : exit_status::some_unknown;
 }
 

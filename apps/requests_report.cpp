@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "apps/output.h"
+#include "apps/stored_fill.h"
 #include "core/texts.h"
 
 namespace tutti {
@@ -67,13 +68,34 @@ void RequestsReport::print(std::vector<Asked> all) const {
   std::sort(all.begin(), all.end(), [](const Asked& a, const Asked& b) {
     return std::pair{a.account, a.number} < std::pair{b.account, b.number};
   });
-  Records records{{name_, "account", "request_code", "accepted", "result"}};
-  TextTable table{{{name_, true}, {"account", true}, {"result"}}};
+  std::vector<RequestId> requests;
+  for (const Asked& asked : all)
+    if (const SentOrder* request = sent(asked)) requests.push_back(request->id);
+  // Only a close fills.
+  const bool fills = kind_ == RequestKind::close;
+  const auto stored = fills ? context_.stored(requests) : std::map<RequestId, TicketRequest>{};
+  std::vector<std::string> fields{name_, "account", "request_code", "accepted", "result"};
+  std::vector<TextTable::Head> heads{{name_, true}, {"account", true}};
+  if (fills) {
+    fields.insert(fields.end(), {"filled", "price", "time"});
+    heads.push_back({"price", true});
+  }
+  heads.push_back({"result"});
+  Records records{std::move(fields)};
+  TextTable table{std::move(heads)};
   for (const Asked& asked : all) {
     const SentOrder* request = sent(asked);
-    records.add({asked.number, asked.account, request ? Json(request->request_code) : Json{}, accepted(asked),
-                 result(asked)});
-    table.add({std::to_string(asked.number), std::to_string(asked.account), result(asked)});
+    std::vector<Json> values{asked.number, asked.account, request ? Json(request->request_code) : Json{},
+                             accepted(asked), result(asked)};
+    std::vector<std::string> cells{std::to_string(asked.number), std::to_string(asked.account)};
+    if (fills) {
+      const StoredFill fill{stored, request == nullptr ? 0 : request->id};
+      fill.add_to(values);
+      cells.push_back(fill.price_text());
+    }
+    cells.push_back(result(asked));
+    records.add(std::move(values));
+    table.add(std::move(cells));
   }
   context_.print(list_name_, records, context_.totals_and_journal(), [&] {
     Main& main = context_.main();

@@ -6,6 +6,7 @@
 
 #include "accounts/account_texts.h"
 #include "apps/output.h"
+#include "apps/stored_fill.h"
 #include "core/numbers.h"
 #include "core/texts.h"
 
@@ -47,6 +48,7 @@ void SplitRun::note_reasons() {
 }
 
 void SplitRun::describe_sent(const SentOrder& order, Line& line) {
+  line.request = order.id;
   line.request_code = order.request_code;
   line.share = order.amount;
   switch (order.outcome) {
@@ -131,11 +133,21 @@ std::vector<SplitRun::Line> SplitRun::lines() const {
   return out;
 }
 
-std::string SplitRun::text(const std::vector<Line>& lines) const {
-  TextTable table{{{"Account", true}, {"User"}, {"Share", true}, {"Result"}}};
-  for (const Line& line : lines)
-    table.add(
-        {std::to_string(line.account), line.user, line.share ? number_text(*line.share) : "", line.result});
+std::string SplitRun::text(const std::vector<Line>& lines, const Stored& stored) const {
+  std::vector<TextTable::Head> heads{{"Account", true}, {"User"}, {"Share", true}};
+  if (!arguments_.dry_run) heads.insert(heads.end(), {{"Order", true}, {"Price", true}});
+  heads.push_back({"Result"});
+  TextTable table{heads};
+  for (const Line& line : lines) {
+    std::vector<std::string> cells{std::to_string(line.account), line.user,
+                                   line.share ? number_text(*line.share) : ""};
+    if (!arguments_.dry_run) {
+      const StoredFill fill{stored, line.request};
+      cells.insert(cells.end(), {fill.order_text(), fill.price_text()});
+    }
+    cells.push_back(line.result);
+    table.add(std::move(cells));
+  }
   std::string out =
       fmt::format("{} {} lots, {}\n{}", title(), arguments_.amount,
                   controls_.rule.items()[static_cast<std::size_t>(arguments_.rule)], table.text());
@@ -151,12 +163,28 @@ std::string SplitRun::text(const std::vector<Line>& lines) const {
 }
 
 void SplitRun::print(const std::vector<Line>& lines) const {
-  Records records{{"account", "user", "share", "request_code", "accepted", "result"}};
+  std::vector<RequestId> requests;
+  for (const Line& line : lines)
+    if (line.request != 0) requests.push_back(line.request);
+  const Stored stored = context_.stored(requests);
+  std::vector<std::string> fields{"account", "user", "share", "request_code", "accepted", "result"};
+  if (!arguments_.dry_run) fields.insert(fields.end(), {"order", "filled", "price", "time"});
+  Records records{std::move(fields)};
   for (const Line& line : lines) {
-    records.add({line.account, line.user, line.share ? json_number(*line.share) : Json{},
-                 line.request_code ? Json(*line.request_code) : Json{}, line.accepted, line.result});
+    std::vector<Json> values{line.account,
+                             line.user,
+                             line.share ? json_number(*line.share) : Json{},
+                             line.request_code ? Json(*line.request_code) : Json{},
+                             line.accepted,
+                             line.result};
+    if (!arguments_.dry_run) {
+      const StoredFill fill{stored, line.request};
+      values.push_back(fill.order());
+      fill.add_to(values);
+    }
+    records.add(std::move(values));
   }
-  context_.print("accounts", records, context_.totals_and_journal(), [&] { return text(lines); });
+  context_.print("accounts", records, context_.totals_and_journal(), [&] { return text(lines, stored); });
 }
 
 int SplitRun::status(const std::vector<Line>& lines) const {

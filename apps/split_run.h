@@ -46,6 +46,7 @@ class SplitRun {
     std::int32_t account = 0;
     std::string user;
     std::optional<double> share;
+    RequestId request = 0;  // 0: none was made
     std::optional<RequestCode> request_code;
     bool accepted = false;
     bool unknown = false;  // no answer came
@@ -73,8 +74,10 @@ class SplitRun {
   // Why an order with this row's share is sure to be refused; empty when it isn't.
   std::string sure_refusal(const CClientAPIManager& session, const Row& row) const;
   static void describe_sent(const SentOrder& order, Line& line);
+  // What the ledger has of them.
+  using Stored = std::map<RequestId, TicketRequest>;
   void print(const std::vector<Line>& lines) const;
-  std::string text(const std::vector<Line>& lines) const;
+  std::string text(const std::vector<Line>& lines, const Stored& stored) const;
   int status(const std::vector<Line>& lines) const;
 
   std::map<std::int32_t, std::string> reasons_;  // why an account is not ticked

@@ -75,13 +75,17 @@ tl::expected<void, FileError> Terminal::open_ledger() {
   return {};
 }
 
-tl::expected<void, FileError> Terminal::close() {
+tl::expected<void, FileError> Terminal::keep() {
   constexpr std::chrono::seconds long_enough{10};
-  const bool kept = ledger_->flush(long_enough);
-  if (auto closed = backend_->close(); !closed) return closed;
-  if (kept) return {};
+  if (ledger_->flush(long_enough)) return {};
   return tl::unexpected(
       FileError{"ledger", "what became of the last requests is not stored: " + ledger_->fault()});
+}
+
+tl::expected<void, FileError> Terminal::close() {
+  const auto kept = keep();
+  if (auto closed = backend_->close(); !closed) return closed;
+  return kept;
 }
 
 tl::expected<bool, FileError> Terminal::is_new(const std::filesystem::path& home) {

@@ -74,7 +74,8 @@ class Terminal {
   static tl::expected<bool, FileError> is_new(const std::filesystem::path& home);
 
   Main& main() { return *main_; }
-  const Ledger& ledger() const { return *ledger_; }
+  // Has all that was told to the ledger written; why not, where it can't be.
+  tl::expected<void, FileError> keep();
   const TerminalOptions& options() const { return options_; }
 
   // Brings the backend up to the clock, delivers up to `limit` events and runs the timers that are due;

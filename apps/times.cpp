@@ -45,6 +45,28 @@ std::string utc_text(TimePoint time) {
                      (time - second).count());
 }
 
+std::optional<TimePoint> utc_moment(std::string_view text, bool end) {
+  using namespace std::chrono;
+  if (text.ends_with('Z')) text.remove_suffix(1);
+  constexpr std::string_view form = "dddd-dd-ddTdd:dd:dd";
+  constexpr std::size_t day_length = 10;
+  const bool day_alone = text.size() == day_length;
+  if (!day_alone && text.size() != minute_length && text.size() != form.size()) return std::nullopt;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool digit = text[i] >= '0' && text[i] <= '9';
+    if (form[i] == 'd' ? !digit : text[i] != form[i]) return std::nullopt;
+  }
+  const year_month_day date{year{number_at(text, 0)}, month{static_cast<unsigned>(number_at(text, 5))},
+                            day{static_cast<unsigned>(number_at(text, 8))}};
+  if (!date.ok()) return std::nullopt;
+  if (day_alone) return sys_days{date} + days{end ? 1 : 0};
+  const int hour = number_at(text, 11);
+  const int minute = number_at(text, 14);
+  const int second = text.size() == form.size() ? number_at(text, 17) : 0;
+  if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
+  return sys_days{date} + hours{hour} + minutes{minute} + seconds{second};
+}
+
 std::string LocalTimes::zone_of(std::string_view wall) const {
   const TimePoint shown = as_if_utc(wall);
   // The zone is asked for a moment; the first guess lies within a day of the right one.

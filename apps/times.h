@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,9 @@ namespace tutti {
 
 // "2026-11-21T05:15:16.250Z"
 std::string utc_text(TimePoint time);
+// The moment that is meant by such a text, which may end behind its day, minute or second; nothing when it is
+// none. With `end` a day alone means its end.
+std::optional<TimePoint> utc_moment(std::string_view text, bool end = false);
 
 // Gives wall clock texts, "2026-11-21 05:15:16", their zone: "2026-11-21T05:15:16+03:30". In the hour that
 // comes twice a year it means the one after the clock was set back. What is no such text stays as it is.

@@ -1,6 +1,7 @@
 #include "core/home_lock.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,10 +26,21 @@ std::string holder_of(const fs::path& lock) {
   return text ? std::string{split(*text, "\n")[0]} : std::string{};
 }
 
+// Somebody who looks whether the folder is taken holds it for a moment.
+bool lock_now(int descriptor) {
+  for (int tries = 5; tries > 0; --tries) {
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0) return true;
+    if (errno != EWOULDBLOCK || tries == 1) break;
+    ::poll(nullptr, 0, 1);
+    errno = EWOULDBLOCK;
+  }
+  return false;
+}
+
 // Locks one of the two. A file system that can't lock a folder, as over a network, leaves it to the file.
 tl::expected<void, FileError> take_one(const Descriptor& what, const fs::path& home, bool is_folder,
                                        bool& held) {
-  if (::flock(what.get(), LOCK_EX | LOCK_NB) == 0) return {};
+  if (lock_now(what.get())) return {};
   const fs::path lock = home / lock_name;
   if (errno != EWOULDBLOCK) {
     if (is_folder) return {};
@@ -49,6 +61,14 @@ tl::expected<HomeLock, FileError> HomeLock::take(const fs::path& home,
     auto lock = take_now(home, held);
     if (lock || !held || !try_again || !try_again()) return lock;
   }
+}
+
+bool HomeLock::taken(const fs::path& home) {
+  for (const fs::path& what : {home, home / lock_name}) {
+    const Descriptor opened{::open(what.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)};
+    if (opened.open() && ::flock(opened.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK) return true;
+  }
+  return false;
 }
 
 tl::expected<HomeLock, FileError> HomeLock::take_now(const fs::path& home, bool& held) {

@@ -20,6 +20,9 @@ class HomeLock {
   // `try_again` is asked whether to try once more; it lets time go by.
   static tl::expected<HomeLock, FileError> take(const std::filesystem::path& home,
                                                 const std::function<bool()>& try_again = {});
+  // Whether somebody has it now, for who only reads. The folder is locked for that moment only, and who takes
+  // it just then tries again.
+  static bool taken(const std::filesystem::path& home);
 
  private:
   HomeLock(Descriptor folder, Descriptor file) : folder_(std::move(folder)), file_(std::move(file)) {}

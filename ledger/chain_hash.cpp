@@ -26,9 +26,9 @@ ChainHash::ChainHash(const Secret& key)
   assert(key.size() >= crypto_generichash_KEYBYTES_MIN);
 }
 
-void ChainHash::begin(const Bytes& before) {
+void ChainHash::begin(const Bytes& before, std::int64_t of_format) {
   encoded_.assign(before.begin(), before.end());
-  add_number(format);
+  add_number(of_format);
 }
 
 void ChainHash::add(std::string_view table, std::int64_t seq) {

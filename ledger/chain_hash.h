@@ -17,13 +17,14 @@ using LedgerValue = std::variant<std::monostate, std::int64_t, std::string>;
 // with its type and length, numbers with the lowest byte first.
 class ChainHash {
  public:
-  static constexpr std::int64_t format = 1;  // of the encoding
+  // Of the encoding, and of the columns that a row has in it; commits of older ones stay as they are.
+  static constexpr std::int64_t format = 2;
   using Bytes = std::array<unsigned char, 32>;
 
   // `key`: that of the account records, from which the ledger's own is derived.
   explicit ChainHash(const Secret& key);
 
-  void begin(const Bytes& before);
+  void begin(const Bytes& before, std::int64_t of_format = format);
   void add(std::string_view table, std::int64_t seq);
   void add(const LedgerValue& value);
   void add(std::string_view bytes);

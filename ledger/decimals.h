@@ -6,6 +6,9 @@
 
 namespace tutti {
 
+// Decimals of money, which has no column that says them.
+inline constexpr int money_digits = 6;
+
 // Numbers as files keep them: whole ones, with how many decimals they have.
 namespace decimals {
 

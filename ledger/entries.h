@@ -3,11 +3,13 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "books/sent_order.h"
 #include "core/clock.h"
 #include "sessions/contract/entry_order.h"
+#include "sessions/contract/realised.h"
 
 namespace tutti {
 
@@ -87,6 +89,10 @@ struct LedgerEvent {
   bool closes = false;
   double filled = 0.0;  // lots of the fill, 0 without
   double price = 0.0;   // of the fill
+  std::string symbol{};
+  Operation side{};        // of what the fill did in the market
+  std::string currency{};  // of the account
+  std::optional<Realised> realised{};
 };
 
 // A request of an earlier run that nobody knows the outcome of.

@@ -2,74 +2,17 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
-#include <iterator>
-
-#include "core/numbers.h"
 #include "ledger/decimals.h"
+#include "ledger/ledger_words.h"
 
 namespace tutti {
 namespace {
 
 using ledger_schema::Chained;
 
-// What of a ticket's sums a request in this state counts for; empty: nothing yet.
-struct StateRow {
-  LedgerState state;
-  std::string_view word;
-  std::string_view sum;
-  bool open;  // more is to come
-};
-constexpr StateRow states[] = {
-    {LedgerState::stored, "STORED", "", true},
-    {LedgerState::refused_here, "REFUSED_HERE", "refused", false},
-    {LedgerState::dropped, "DROPPED", "dropped", false},
-    {LedgerState::taken, "TAKEN", "", true},
-    {LedgerState::refused, "REFUSED", "refused", false},
-    {LedgerState::pending, "PENDING", "", true},
-    {LedgerState::working, "WORKING", "filled", true},
-    {LedgerState::part, "PART", "", true},
-    {LedgerState::filled, "FILLED", "filled", false},
-    {LedgerState::part_filled, "PART_FILLED", "filled", false},
-    {LedgerState::done, "DONE", "filled", false},
-    {LedgerState::cancelled, "CANCELLED", "", false},
-    {LedgerState::unknown, "UNKNOWN", "unknown", true},
-    {LedgerState::never, "NEVER", "refused", false},
-    {LedgerState::gone, "GONE", "unknown", true},
-    {LedgerState::hand, "HAND", "", false},
-};
-const StateRow& row_of(LedgerState state) {
-  return states[static_cast<std::size_t>(state)];
-}
-std::string_view sum_of(std::string_view word) {
-  const auto row =
-      std::find_if(std::begin(states), std::end(states), [&](const StateRow& s) { return s.word == word; });
-  return row == std::end(states) ? std::string_view{} : row->sum;
-}
-
-constexpr std::array<std::string_view, 7> kinds{"open",   "close", "cancel", "entry",
-                                                "update", "stops", "requote"};
-constexpr std::array<std::string_view, 5> evidences{"answer", "asked", "positions", "hand", "clock"};
-
-template <class Words, class Value>
-std::string word(const Words& words, Value value) {
-  return std::string{words[static_cast<std::size_t>(value)]};
-}
-
-constexpr std::pair<Operation, std::string_view> sides[] = {{operation::buy, "buy"},
-                                                            {operation::sell, "sell"},
-                                                            {operation::buy_stop, "buy stop"},
-                                                            {operation::sell_stop, "sell stop"}};
-LedgerValue side_word(Operation side) {
-  for (const auto& [operation, text] : sides)
-    if (operation == side) return std::string{text};
-  return {};
-}
-
-LedgerValue text_or_none(const std::string& text) {
+LedgerValue text_or_none(std::string_view text) {
   if (text.empty()) return {};
-  return text;
+  return std::string{text};
 }
 LedgerValue number_or_none(std::int64_t number) {
   if (number == 0) return {};
@@ -95,14 +38,6 @@ std::string day_of(TimePoint time) {
 }
 
 }  // namespace
-
-std::string_view ledger_word(LedgerState state) {
-  return row_of(state).word;
-}
-
-std::string_view ledger_word(RequestKind kind) {
-  return kinds[static_cast<std::size_t>(kind)];
-}
 
 void LedgerBook::know(Sender sender, const LedgerAccount& account) {
   senders_[sender] = account;
@@ -143,9 +78,9 @@ std::int64_t LedgerBook::add_ticket(const LedgerTicket& ticket, std::size_t plan
   file_.add(Chained::ticket, {n,
                               {},
                               {},
-                              word(kinds, ticket.kind),
+                              std::string{ledger_words::of(ticket.kind)},
                               text_or_none(ticket.symbol),
-                              side_word(ticket.side),
+                              text_or_none(ledger_words::of(ticket.side)),
                               whole_or_none(ticket.total, total_digits),
                               total_digits,
                               {},
@@ -166,7 +101,7 @@ void LedgerBook::add_requests(std::int64_t ticket, const std::vector<LedgerReque
     const std::int64_t account = account_of(each.sender);
     const int lots_digits = decimals::needed({each.lots});
     const int price_digits = decimals::needed({each.price, each.stops.stop_loss, each.stops.take_profit});
-    std::string kind = word(kinds, each.kind);
+    std::string kind = std::string{ledger_words::of(each.kind)};
     if (each.kind == RequestKind::requote) kind += each.accepts ? " accept" : " reject";
     file_.add(Chained::request,
               {each.id,
@@ -174,7 +109,7 @@ void LedgerBook::add_requests(std::int64_t ticket, const std::vector<LedgerReque
                account,
                std::move(kind),
                text_or_none(each.symbol),
-               side_word(each.side),
+               text_or_none(ledger_words::of(each.side)),
                whole_or_none(each.lots, lots_digits),
                lots_digits,
                whole_or_none(each.price, price_digits),
@@ -194,12 +129,7 @@ void LedgerBook::add_requests(std::int64_t ticket, const std::vector<LedgerReque
     open.bind(2, account);
     open.exec();
   }
-  auto& sum = file_.statement(
-      "INSERT INTO ticket_sum VALUES (?1, ?2, 0, 0, 0, 0) ON CONFLICT (ticket) DO UPDATE SET requests = "
-      "requests + ?2");
-  sum.bind(1, ticket);
-  sum.bind(2, static_cast<std::int64_t>(requests.size()));
-  sum.exec();
+  count(ticket, {"STORED", "", 0}, static_cast<std::int64_t>(requests.size()));
 }
 
 std::optional<LedgerBook::Known> LedgerBook::find(const LedgerEvent& event) {
@@ -213,12 +143,17 @@ std::optional<LedgerBook::Known> LedgerBook::find(const LedgerEvent& event) {
     working.reset();
   }
   auto& one = file_.statement(
-      "SELECT ticket, account, coalesce((SELECT state FROM event WHERE request = id ORDER BY seq DESC LIMIT "
-      "1), 'STORED') FROM request WHERE id = ?");
+      "SELECT r.ticket, r.account, coalesce(e.state, 'STORED'), coalesce(e.reason, ''), coalesce(e.code, 0) "
+      "FROM request r LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event WHERE request = r.id) WHERE "
+      "r.id "
+      "= ?");
   one.bind(1, id);
   std::optional<Known> out;
   if (one.executeStep()) {
-    out = Known{id, one.getColumn(0).getInt64(), one.getColumn(1).getInt64(), one.getColumn(2).getString()};
+    out = Known{id,
+                one.getColumn(0).getInt64(),
+                one.getColumn(1).getInt64(),
+                {one.getColumn(2).getString(), one.getColumn(3).getString(), one.getColumn(4).getInt64()}};
   }
   one.reset();
   return out;
@@ -228,22 +163,22 @@ void LedgerBook::add_event(const LedgerEvent& event) {
   const std::optional<Known> request = find(event);
   if (event.filled > 0.0) add_fill(event, request);
   if (!request) return;
-  file_.add(Chained::event, {request->id, std::string{ledger_word(event.state)}, text_or_none(event.reason),
-                             word(evidences, event.evidence), number_or_none(event.code),
-                             number_or_none(event.order), text_or_none(event.note),
-                             time_or_none(event.server_time), event.time.time_since_epoch().count()});
+  file_.add(
+      Chained::event,
+      {request->id, std::string{ledger_words::of(event.state)}, text_or_none(event.reason),
+       std::string{ledger_words::of(event.evidence)}, number_or_none(event.code), number_or_none(event.order),
+       text_or_none(event.note), time_or_none(event.server_time), event.time.time_since_epoch().count()});
   note_state(*request, event);
 }
 
 void LedgerBook::note_state(const Known& request, const LedgerEvent& event) {
-  const StateRow& now = row_of(event.state);
-  if (now.open) {
+  if (ledger_words::is_open(event.state)) {
     auto& open = file_.statement(
         "INSERT INTO open_request (request, account, state, order_no) VALUES (?1, ?2, ?3, ?4) ON CONFLICT "
         "(request) DO UPDATE SET state = ?3, order_no = coalesce(?4, order_no)");
     open.bind(1, request.id);
     open.bind(2, request.account);
-    open.bind(3, std::string{now.word});
+    open.bind(3, std::string{ledger_words::of(event.state)});
     if (event.order != 0) open.bind(4, event.order);
     open.exec();
   } else {
@@ -251,15 +186,31 @@ void LedgerBook::note_state(const Known& request, const LedgerEvent& event) {
     closed.bind(1, request.id);
     closed.exec();
   }
-  const std::string_view before = sum_of(request.state);
-  if (before == now.sum) return;
-  for (const auto& [sum, step] : {std::pair{before, "-"}, std::pair{now.sum, "+"}}) {
-    if (sum.empty()) continue;
-    auto& change =
-        file_.statement(fmt::format("UPDATE ticket_sum SET {0} = {0} {1} 1 WHERE ticket = ?", sum, step));
-    change.bind(1, request.ticket);
-    change.exec();
-  }
+  Outcome after{std::string{ledger_words::of(event.state)}, event.reason, event.code};
+  if (request.outcome == after) return;
+  count(request.ticket, request.outcome, -1);
+  count(request.ticket, after, 1);
+}
+
+void LedgerBook::count(std::int64_t ticket, const Outcome& outcome, std::int64_t step) {
+  auto& change = file_.statement(
+      "INSERT INTO ticket_sum VALUES (?1, ?2, ?3, ?4, ?5) ON CONFLICT (ticket, state, reason, code) DO "
+      "UPDATE "
+      "SET requests = requests + ?5");
+  change.bind(1, ticket);
+  change.bind(2, outcome.state);
+  change.bind(3, outcome.reason);
+  change.bind(4, outcome.code);
+  change.bind(5, step);
+  change.exec();
+  if (step > 0) return;
+  auto& none = file_.statement(
+      "DELETE FROM ticket_sum WHERE ticket = ? AND state = ? AND reason = ? AND code = ? AND requests <= 0");
+  none.bind(1, ticket);
+  none.bind(2, outcome.state);
+  none.bind(3, outcome.reason);
+  none.bind(4, outcome.code);
+  none.exec();
 }
 
 void LedgerBook::add_fill(const LedgerEvent& event, const std::optional<Known>& request) {
@@ -277,21 +228,36 @@ void LedgerBook::add_fill(const LedgerEvent& event, const std::optional<Known>& 
   }
   const int lots_digits = decimals::needed({event.filled});
   const int price_digits = decimals::needed({event.price});
-  file_.add(Chained::fill, {request ? LedgerValue{request->id} : LedgerValue{},
-                            account,
-                            text_or_none(event.execution),
-                            event.closes ? "close" : "open",
-                            number_or_none(event.order),
-                            number_or_none(event.order),
-                            whole_or_none(event.filled, lots_digits),
-                            lots_digits,
-                            whole_or_none(event.price, price_digits),
-                            price_digits,
-                            {},
-                            {},
-                            day,
-                            time_or_none(event.server_time),
-                            event.time.time_since_epoch().count()});
+  const LedgerValue lots = whole_or_none(event.filled, lots_digits);
+  const LedgerValue price = whole_or_none(event.price, price_digits);
+  const auto money = [&](double Realised::*part) {
+    return event.realised ? whole_or_none((*event.realised).*part, money_digits, true) : LedgerValue{};
+  };
+  file_.add(
+      Chained::fill,
+      {request ? LedgerValue{request->id} : LedgerValue{}, account, text_or_none(event.execution),
+       event.closes ? "close" : "open", number_or_none(event.order), number_or_none(event.order), lots,
+       lots_digits, price, price_digits, money(&Realised::commission), money(&Realised::profit), day,
+       time_or_none(event.server_time), event.time.time_since_epoch().count(), text_or_none(event.symbol),
+       text_or_none(ledger_words::of(event.side)), text_or_none(event.currency)});
+  const auto* whole_lots = std::get_if<std::int64_t>(&lots);
+  const auto* whole_price = std::get_if<std::int64_t>(&price);
+  if (request && whole_lots != nullptr && whole_price != nullptr)
+    count_fill(request->ticket, decimals::number(*whole_lots, lots_digits),
+               decimals::number(*whole_price, price_digits), price_digits);
+}
+
+void LedgerBook::count_fill(std::int64_t ticket, double lots, double price, int price_digits) {
+  auto& sum = file_.statement(
+      "INSERT INTO ticket_fill VALUES (?1, 1, ?2, ?2 * ?3, ?3, ?3, ?4) ON CONFLICT (ticket) DO UPDATE SET "
+      "fills = fills + 1, lots = lots + ?2, value = value + ?2 * ?3, least = min(least, ?3), most = "
+      "max(most, "
+      "?3), price_digits = max(price_digits, ?4)");
+  sum.bind(1, ticket);
+  sum.bind(2, lots);
+  sum.bind(3, price);
+  sum.bind(4, price_digits);
+  sum.exec();
 }
 
 std::vector<LedgerBook::Open> LedgerBook::unanswered() {
@@ -304,40 +270,6 @@ std::vector<LedgerBook::Open> LedgerBook::unanswered() {
   while (rows.executeStep()) {
     out.push_back({rows.getColumn(0).getInt64(), rows.getColumn(1).getString(), rows.getColumn(2).getString(),
                    rows.getColumn(3).getInt() != 0});
-  }
-  rows.reset();
-  return out;
-}
-
-std::vector<LedgerUnknown> LedgerBook::unknown() {
-  std::vector<LedgerUnknown> out;
-  auto& rows = file_.statement(
-      "SELECT o.request, a.server, a.user, a.account_text, r.kind, r.symbol, r.side, r.lots, r.lots_digits, "
-      "r.price, r.price_digits, coalesce(r.reference, o.order_no, 0), coalesce(r.era, 0), coalesce(e.reason, "
-      "''), e.t_here FROM open_request o JOIN request r ON r.id = o.request JOIN account a ON a.n = "
-      "r.account "
-      "JOIN event e ON e.seq = (SELECT max(seq) FROM event WHERE request = o.request) WHERE o.state IN "
-      "('UNKNOWN', 'GONE') ORDER BY o.request");
-  while (rows.executeStep()) {
-    const auto text = [&](int column) { return rows.getColumn(column).getString(); };
-    const auto decimal = [&](int column, int digits) {
-      return decimals::number(rows.getColumn(column).getInt64(), rows.getColumn(digits).getInt());
-    };
-    const std::string kind = text(4).substr(0, text(4).find(' '));
-    const auto side = std::find_if(std::begin(sides), std::end(sides),
-                                   [side = text(6)](const auto& each) { return each.second == side; });
-    out.push_back(
-        {.id = rows.getColumn(0).getInt64(),
-         .account = {text(1), text(2), read_integer(text(3))},
-         .kind = static_cast<RequestKind>(std::find(kinds.begin(), kinds.end(), kind) - kinds.begin()),
-         .symbol = text(5),
-         .side = side == std::end(sides) ? operation::none : side->first,
-         .lots = decimal(7, 8),
-         .price = decimal(9, 10),
-         .number = rows.getColumn(11).getInt64(),
-         .era = static_cast<BookEra>(rows.getColumn(12).getInt64()),
-         .why = text(13),
-         .since = TimePoint{std::chrono::milliseconds{rows.getColumn(14).getInt64()}}});
   }
   rows.reset();
   return out;

@@ -15,11 +15,6 @@
 
 namespace tutti {
 
-// The word of a state in the ledger: "TAKEN".
-std::string_view ledger_word(LedgerState state);
-// The word of a kind of requests: "open".
-std::string_view ledger_word(RequestKind kind);
-
 // Writes what the terminal tells into the ledger's tables, and keeps the sums besides right. Everything is to
 // be called between `begin` and `commit` of the file, and throws as the file does; what is not committed then
 // is forgotten with this object.
@@ -42,25 +37,32 @@ class LedgerBook {
     bool has_event = false;
   };
   std::vector<Open> unanswered();
-  // Oldest first.
-  std::vector<LedgerUnknown> unknown();
   // Runs have numbers, each greater than those before; one that stores nothing has no row.
   void add_run(std::int64_t number, const std::string& boot, TimePoint time);
   std::int64_t last_run();
 
  private:
+  // What the requests of a ticket are counted by.
+  struct Outcome {
+    std::string state;
+    std::string reason;
+    std::int64_t code = 0;
+    bool operator==(const Outcome&) const = default;
+  };
   struct Known {
     RequestId id = 0;
     std::int64_t ticket = 0;
     std::int64_t account = 0;
-    std::string state;  // now
+    Outcome outcome;  // now
   };
 
   std::int64_t account_of(Sender sender);
   std::int64_t number(const std::string& sql);
   std::optional<Known> find(const LedgerEvent& event);
   void note_state(const Known& request, const LedgerEvent& event);
+  void count(std::int64_t ticket, const Outcome& outcome, std::int64_t step);
   void add_fill(const LedgerEvent& event, const std::optional<Known>& request);
+  void count_fill(std::int64_t ticket, double lots, double price, int price_digits);
 
   LedgerFile& file_;
   std::string by_;

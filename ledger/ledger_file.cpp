@@ -29,16 +29,6 @@ FileError failure(const std::filesystem::path& file, const SQLite::Exception& er
   return {file, fmt::format("the ledger can't be used: {}", error.what())};
 }
 
-void bind_value(SQLite::Statement& statement, int place, const LedgerValue& value) {
-  if (const auto* number = std::get_if<std::int64_t>(&value)) {
-    statement.bind(place, *number);
-  } else if (const auto* text = std::get_if<std::string>(&value)) {
-    statement.bind(place, *text);
-  } else {
-    statement.bind(place);
-  }
-}
-
 LedgerValue value_of(const SQLite::Column& column) {
   if (column.isNull()) return {};
   if (column.isInteger()) return column.getInt64();
@@ -73,6 +63,16 @@ std::string insert_of(const ledger_schema::Table& table) {
 
 }  // namespace
 
+void bind_value(SQLite::Statement& statement, int place, const LedgerValue& value) {
+  if (const auto* number = std::get_if<std::int64_t>(&value)) {
+    statement.bind(place, *number);
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    statement.bind(place, *text);
+  } else {
+    statement.bind(place);
+  }
+}
+
 LedgerFile::LedgerFile(const std::filesystem::path& file, int flags, const Secret& key)
     : database_(file.string(), flags, busy_ms), hash_(key) {}
 
@@ -90,8 +90,6 @@ tl::expected<std::unique_ptr<LedgerFile>, FileError> LedgerFile::open(const std:
     out->read_identity();
     if (out->newer()) return out;
     out->database_.exec(setting);
-    if (!out->database_.tableExists("open_request") || !out->database_.tableExists("ticket_sum"))
-      out->make_derived();
     auto& last = out->statement(
         "SELECT n, first_seq, last_seq, format, t, hash FROM commit_log ORDER BY n DESC LIMIT 1");
     if (last.executeStep()) {
@@ -111,6 +109,10 @@ tl::expected<std::unique_ptr<LedgerFile>, FileError> LedgerFile::open(const std:
       out->head_.hash = out->origin();
     }
     out->seq_ = out->head_.seq;
+    if (out->schema_ < ledger_schema::version) {
+      if (auto migrated = out->migrate(file); !migrated) return tl::unexpected(migrated.error());
+    }
+    if (!out->has_derived()) out->make_derived();
     return out;
   } catch (const SQLite::Exception& error) {
     return tl::unexpected(failure(file, error));
@@ -155,7 +157,7 @@ void LedgerFile::read_identity() {
 
 // What the first commit has before it.
 ChainHash::Bytes LedgerFile::origin() {
-  hash_.begin({});
+  hash_.begin({}, 1);
   hash_.add(std::string_view{id_});
   return hash_.end(0, 0, 0, created_);
 }
@@ -232,17 +234,21 @@ LedgerFile::Commit LedgerFile::commit_of(SQLite::Statement& row) {
 }
 
 bool LedgerFile::fits(const Commit& commit, const ChainHash::Bytes& before) {
-  if (commit.format != ChainHash::format) return false;
-  hash_.begin(before);
+  if (commit.format < 1 || commit.format > std::min<std::int64_t>(ChainHash::format, schema_)) return false;
+  hash_.begin(before, commit.format);
   for (const ledger_schema::Table& table : ledger_schema::chained()) {
     auto& rows = statement(fmt::format("SELECT seq, {} FROM {} WHERE seq BETWEEN ? AND ? ORDER BY seq",
-                                       table.columns, table.name));
+                                       table.columns_in(schema_), table.name));
     rows.bind(1, commit.first);
     rows.bind(2, commit.head.seq);
     while (rows.executeStep()) {
       hash_.add(table.name, rows.getColumn(0).getInt64());
-      for (int column = 1; column <= table.count; ++column)
+      const int hashed = table.count_in(commit.format);
+      for (int column = 1; column <= hashed; ++column)
         hash_.add(value_of(rows.getColumn(column)));
+      // What came later is empty in what was there before.
+      for (int column = hashed + 1; column <= table.count_in(schema_); ++column)
+        if (!rows.getColumn(column).isNull()) return rows.reset(), false;
     }
   }
   return hash_.end(commit.head.commit, commit.first, commit.head.seq, commit.time) == commit.head.hash;
@@ -289,25 +295,54 @@ std::vector<std::string> LedgerFile::check() {
 std::vector<std::string> LedgerFile::faults_of_derived() {
   std::vector<std::string> out;
   // The next start makes what is missing.
-  if (!database_.tableExists("open_request") || !database_.tableExists("ticket_sum")) return out;
-  for (const char* table : {"open_request", "ticket_sum"})
+  if (schema_ < ledger_schema::version || !has_derived()) return out;
+  for (const std::string_view table : ledger_schema::derived_tables())
     database_.exec(fmt::format("CREATE TEMP TABLE {0} AS SELECT * FROM main.{0} WHERE 0", table));
   database_.exec(std::string{ledger_schema::fill_derived()});
-  for (const char* table : {"open_request", "ticket_sum"}) {
+  for (const std::string_view table : ledger_schema::derived_tables()) {
+    // Sums of fractions depend on their order in the last digits.
+    const std::string_view columns =
+        table == "ticket_fill" ? "ticket, fills, round(lots, 6), round(value, 4), least, most, price_digits"
+                               : "*";
     SQLite::Statement differing{
         database_,
-        fmt::format("SELECT count(*) FROM (SELECT * FROM main.{0} EXCEPT SELECT * FROM temp.{0} UNION ALL "
-                    "SELECT * FROM (SELECT * FROM temp.{0} EXCEPT SELECT * FROM main.{0}))",
-                    table)};
+        fmt::format(
+            "SELECT count(*) FROM (SELECT {1} FROM main.{0} EXCEPT SELECT {1} FROM temp.{0} UNION ALL "
+            "SELECT * FROM (SELECT {1} FROM temp.{0} EXCEPT SELECT {1} FROM main.{0}))",
+            table, columns)};
     if (differing.executeStep() && differing.getColumn(0).getInt64() > 0)
       out.push_back(fmt::format("{} is not what the events say", table));
   }
   return out;
 }
 
+bool LedgerFile::has_derived() const {
+  const auto names = ledger_schema::derived_tables();
+  return std::all_of(names.begin(), names.end(),
+                     [this](std::string_view name) { return database_.tableExists(std::string{name}); });
+}
+
+tl::expected<void, FileError> LedgerFile::migrate(const std::filesystem::path& file) {
+  std::filesystem::path copy = file;
+  copy.replace_filename(fmt::format("ledger-version-{}.db", schema_));
+  const auto there = file_exists(copy);
+  if (!there) return tl::unexpected(there.error());
+  // One of a start that did not come to its end is as good.
+  if (!*there) {
+    if (auto made = SyncedLog::begin(copy); !made) return tl::unexpected(made.error());
+  }
+  back_up(copy);
+  SQLite::Transaction all{database_};
+  database_.exec(ledger_schema::migrate());
+  all.commit();
+  schema_ = ledger_schema::version;
+  return {};
+}
+
 void LedgerFile::make_derived() {
   SQLite::Transaction all{database_};
-  database_.exec("DROP TABLE IF EXISTS open_request; DROP TABLE IF EXISTS ticket_sum");
+  for (const std::string_view table : ledger_schema::derived_tables())
+    database_.exec(fmt::format("DROP TABLE IF EXISTS {}", table));
   database_.exec(std::string{ledger_schema::create_derived()});
   database_.exec(std::string{ledger_schema::fill_derived()});
   all.commit();

@@ -20,6 +20,8 @@
 
 namespace tutti {
 
+void bind_value(SQLite::Statement& statement, int place, const LedgerValue& value);
+
 // The ledger's file and the one connection to it: rows that are only added, and one keyed hash per commit
 // over them and the hash before.
 //
@@ -36,7 +38,8 @@ class LedgerFile {
   };
 
   // Opens the ledger to go on with it; makes it where there is none. Fails where it can't be read or written,
-  // and where its last commit is not what its hash says. One that a newer program made is opened to be read.
+  // and where its last commit is not what its hash says. One that a newer program made is opened to be read;
+  // one of an older program is copied and gets what it lacks.
   static tl::expected<std::unique_ptr<LedgerFile>, FileError> open(const std::filesystem::path& file,
                                                                    const Secret& key, TimePoint now);
   // Opens one that is there, to read alone. Nothing is looked at yet.
@@ -45,6 +48,7 @@ class LedgerFile {
 
   // Made by a newer program: it is only read.
   bool newer() const { return schema_ > ledger_schema::version; }
+  std::int64_t schema() const { return schema_; }
   const std::string& id() const { return id_; }  // 32 hexadecimal digits
   const Head& head() const { return head_; }
 
@@ -66,6 +70,7 @@ class LedgerFile {
   // The commit with this number; one without a number when there is none.
   Head commit_at(std::int64_t number);
   void make_derived();
+  bool has_derived() const;
   // Every row of the tables under the hashes, and the commits.
   void each_row(const std::function<void(const std::string& table, const std::vector<std::string>& names,
                                          const std::vector<LedgerValue>& values)>& take);
@@ -88,6 +93,8 @@ class LedgerFile {
 
   LedgerFile(const std::filesystem::path& file, int flags, const Secret& key);
   void create(TimePoint now);
+  // Makes a file of an older version one of this, after a copy of it beside it.
+  tl::expected<void, FileError> migrate(const std::filesystem::path& file);
   void read_identity();
   ChainHash::Bytes origin();
   bool fits(const Commit& commit, const ChainHash::Bytes& before);

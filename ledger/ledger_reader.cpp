@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include "core/boot_id.h"
 #include "core/file_writer.h"
+#include "core/home_lock.h"
 #include "core/synced_log.h"
 #include "ledger/ledger_start.h"
 
@@ -51,6 +53,29 @@ tl::expected<void, FileError> LedgerReader::back_up(const std::filesystem::path&
   std::error_code error;
   std::filesystem::remove(to, error);
   return tl::unexpected(done.error());
+}
+
+tl::expected<std::vector<FillRecord>, FileError> LedgerReader::fills(const FillFilter& filter) {
+  return with_file([&](LedgerFile& file) { return LedgerQueries{file}.fills(filter); });
+}
+
+tl::expected<std::vector<TicketRequest>, FileError> LedgerReader::with_tickets_of(
+    std::span<const RequestId> requests) {
+  return with_file([&](LedgerFile& file) { return LedgerQueries{file}.with_tickets_of(requests); });
+}
+
+tl::expected<LedgerReader::Unknown, FileError> LedgerReader::unknown() {
+  // Whoever comes or goes meanwhile has settled, or begun, what is read here.
+  const bool used = HomeLock::taken(home_);
+  const auto left = LeftLog::read(left_log_path(home_));
+  return with_file([&](LedgerFile& file) {
+    // One state of the file for all of it.
+    SQLite::Transaction all{file.connection()};
+    LedgerQueries queries{file};
+    if (used || HomeLock::taken(home_)) return Unknown{queries.unknown(), {}};
+    LedgerBook book{file, {}};
+    return Unknown{queries.unknown(unanswered_events(book, file, left, boot_id())), fault_of_end(file, left)};
+  });
 }
 
 tl::expected<void, FileError> LedgerReader::each_row(const Row& take) {

@@ -11,11 +11,12 @@
 
 #include "core/key_file.h"
 #include "ledger/ledger_file.h"
+#include "ledger/ledger_queries.h"
 
 namespace tutti {
 
-// Reads the ledger of a home folder, whoever writes it meanwhile. Everything fails where there is none, or
-// where its key is missing.
+// Reads the ledger of a home folder, whoever writes it meanwhile, and changes nothing. Everything fails where
+// there is none, or where its key is missing.
 class LedgerReader {
  public:
   // `key_file` as KeyFile takes it.
@@ -26,6 +27,17 @@ class LedgerReader {
   tl::expected<std::vector<std::string>, FileError> check();
   // Copies it, whole, to where nothing is yet.
   tl::expected<void, FileError> back_up(const std::filesystem::path& to);
+  // What was filled, oldest first.
+  tl::expected<std::vector<FillRecord>, FileError> fills(const FillFilter& filter);
+  // See LedgerQueries::with_tickets_of.
+  tl::expected<std::vector<TicketRequest>, FileError> with_tickets_of(std::span<const RequestId> requests);
+  struct Unknown {
+    std::vector<LedgerUnknown> requests;  // oldest first
+    std::string notice;                   // what is wrong with the last run's end; empty mostly
+  };
+  // Requests whose outcome nobody knows. While no terminal has the folder, those count that the last run left
+  // without an answer, as the next start will settle them.
+  tl::expected<Unknown, FileError> unknown();
   // Every row of the tables that never change, table by table, as it was added.
   using Row = std::function<void(const std::string& table, const std::vector<std::string>& names,
                                  const std::vector<LedgerValue>& values)>;

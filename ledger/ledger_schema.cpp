@@ -1,25 +1,28 @@
 #include "ledger/ledger_schema.h"
 
+#include <fmt/format.h>
+
 #include <cstddef>
+#include <vector>
 
 namespace tutti::ledger_schema {
 namespace {
 
 constexpr Table tables[] = {
-    {"account", "n, server, user, account_text", 4},
+    {"account", "n, server, user, account_text", 4, 4},
     {"ticket",
      "n, key_text, plan_digest, kind, symbol, side, total, total_digits, rule, price_at_click, price_digits, "
      "quote_age, \"by\", origin, retry_of, override_reason, planned_count, t",
-     18},
+     18, 18},
     {"request",
      "id, ticket, account, kind, symbol, side, lots, lots_digits, price, stop_loss, take_profit, "
      "price_digits, reference, orig_request, wire_id, era, retry_of, net_before, greatest_before",
-     19},
-    {"event", "request, state, reason, evidence, code, order_no, note, t_server, t_here", 9},
+     19, 19},
+    {"event", "request, state, reason, evidence, code, order_no, note, t_server, t_here", 9, 9},
     {"fill",
      "request, account, exec_id, open_or_close, order_no, position, lots, lots_digits, price, price_digits, "
-     "commission, profit, day, t_server, t_here",
-     15},
+     "commission, profit, day, t_server, t_here, symbol, side, currency",
+     18, 15},
 };
 
 constexpr std::string_view creation = R"(
@@ -53,10 +56,20 @@ CREATE TABLE fill (
   account INTEGER NOT NULL REFERENCES account (n), exec_id TEXT, open_or_close TEXT NOT NULL,
   order_no INTEGER, position INTEGER, lots INTEGER, lots_digits INTEGER, price INTEGER, price_digits INTEGER,
   commission INTEGER, profit INTEGER, day TEXT NOT NULL, t_server INTEGER, t_here INTEGER NOT NULL,
-  UNIQUE (account, day, exec_id)) STRICT;
+  symbol TEXT, side TEXT, currency TEXT, UNIQUE (account, day, exec_id)) STRICT;
 CREATE TABLE commit_log (
   n INTEGER PRIMARY KEY, first_seq INTEGER NOT NULL, last_seq INTEGER NOT NULL, format INTEGER NOT NULL,
   t INTEGER NOT NULL, hash BLOB NOT NULL) STRICT;
+)";
+
+constexpr std::string_view addition = R"(
+ALTER TABLE fill ADD COLUMN symbol TEXT;
+ALTER TABLE fill ADD COLUMN side TEXT;
+ALTER TABLE fill ADD COLUMN currency TEXT;
+)";
+
+constexpr std::string_view indices = R"(
+CREATE INDEX fill_of_request ON fill (request) WHERE request IS NOT NULL;
 )";
 
 constexpr std::string_view derived = R"(
@@ -64,9 +77,13 @@ CREATE TABLE open_request (
   request INTEGER PRIMARY KEY, account INTEGER NOT NULL, state TEXT NOT NULL, order_no INTEGER) STRICT;
 CREATE INDEX open_request_of_order ON open_request (order_no) WHERE order_no IS NOT NULL;
 CREATE TABLE ticket_sum (
-  ticket INTEGER PRIMARY KEY, requests INTEGER NOT NULL, filled INTEGER NOT NULL, refused INTEGER NOT NULL,
-  dropped INTEGER NOT NULL, unknown INTEGER NOT NULL) STRICT;
+  ticket INTEGER NOT NULL, state TEXT NOT NULL, reason TEXT NOT NULL, code INTEGER NOT NULL,
+  requests INTEGER NOT NULL, PRIMARY KEY (ticket, state, reason, code)) STRICT, WITHOUT ROWID;
+CREATE TABLE ticket_fill (
+  ticket INTEGER PRIMARY KEY, fills INTEGER NOT NULL, lots REAL NOT NULL, value REAL NOT NULL,
+  least REAL NOT NULL, most REAL NOT NULL, price_digits INTEGER NOT NULL) STRICT;
 )";
+constexpr std::string_view derived_names[] = {"open_request", "ticket_sum", "ticket_fill"};
 
 constexpr std::string_view filling = R"(
 INSERT INTO open_request
@@ -76,28 +93,33 @@ INSERT INTO open_request
   LEFT JOIN (SELECT request, state, max(seq) FROM event GROUP BY request) e ON e.request = r.id
   WHERE coalesce(e.state, 'STORED') IN ('STORED', 'TAKEN', 'PENDING', 'WORKING', 'PART', 'UNKNOWN', 'GONE');
 INSERT INTO ticket_sum
-  SELECT r.ticket, count(*), coalesce(sum(e.state IN ('FILLED', 'PART_FILLED', 'DONE', 'WORKING')), 0),
-         coalesce(sum(e.state IN ('REFUSED', 'REFUSED_HERE', 'NEVER')), 0), coalesce(sum(e.state = 'DROPPED'), 0),
-         coalesce(sum(e.state IN ('UNKNOWN', 'GONE')), 0)
+  SELECT r.ticket, coalesce(e.state, 'STORED'), coalesce(e.reason, ''), coalesce(e.code, 0), count(*)
   FROM request r
-  LEFT JOIN (SELECT request, state, max(seq) FROM event GROUP BY request) e ON e.request = r.id
-  GROUP BY r.ticket;
+  LEFT JOIN (SELECT request, state, reason, code, max(seq) FROM event GROUP BY request) e ON e.request = r.id
+  GROUP BY 1, 2, 3, 4;
+INSERT INTO ticket_fill
+  SELECT ticket, count(*), sum(lots), sum(lots * price), min(price), max(price), max(price_digits)
+  FROM (SELECT r.ticket, f.lots / pow(10.0, f.lots_digits) AS lots, f.price / pow(10.0, f.price_digits) AS price,
+               f.price_digits
+        FROM fill f JOIN request r ON r.id = f.request WHERE f.price IS NOT NULL ORDER BY f.seq)
+  GROUP BY ticket;
 )";
+
+std::string keep(std::string_view table, std::string_view change) {
+  return fmt::format(
+      "CREATE TRIGGER {0}_no_{1} BEFORE {1} ON {0} BEGIN SELECT RAISE(ABORT, 'the ledger only grows'); "
+      "END;\n",
+      table, change);
+}
 
 // Made from the tables, so that none of them is forgotten.
 std::string with_triggers() {
   std::string out{creation};
-  const auto keep = [&out](std::string_view name) {
-    for (const std::string_view change : {"UPDATE", "DELETE"}) {
-      out.append("CREATE TRIGGER ").append(name).append("_no_").append(change);
-      out.append(" BEFORE ").append(change).append(" ON ").append(name);
-      out.append(" BEGIN SELECT RAISE(ABORT, 'the ledger only grows'); END;\n");
-    }
-  };
+  std::vector<std::string_view> names{"commit_log", "ledger"};
   for (const Table& table : tables)
-    keep(table.name);
-  keep("commit_log");
-  keep("ledger");
+    names.push_back(table.name);
+  for (const std::string_view name : names)
+    out += keep(name, "UPDATE") + keep(name, "DELETE");
   return out;
 }
 
@@ -111,13 +133,33 @@ const Table& table(Chained which) {
   return tables[static_cast<std::size_t>(which)];
 }
 
+std::string_view Table::columns_in(std::int64_t of_version) const {
+  std::size_t end = 0;
+  for (int left = count_in(of_version); left > 0 && end != std::string_view::npos; --left)
+    end = columns.find(", ", end == 0 ? 0 : end + 1);
+  return columns.substr(0, end);
+}
+
 std::string_view create() {
-  static const std::string text = with_triggers();
+  static const std::string text = with_triggers() + std::string{indices};
   return text;
+}
+
+std::string migrate() {
+  // What is kept besides is made anew, in the shape that it has now.
+  std::string out = fmt::format("{}{}DROP TRIGGER ledger_no_UPDATE; UPDATE ledger SET schema = {};\n{}",
+                                addition, indices, version, keep("ledger", "UPDATE"));
+  for (const std::string_view name : derived_names)
+    out += fmt::format("DROP TABLE IF EXISTS {};\n", name);
+  return out;
 }
 
 std::string_view create_derived() {
   return derived;
+}
+
+std::span<const std::string_view> derived_tables() {
+  return derived_names;
 }
 
 std::string_view fill_derived() {

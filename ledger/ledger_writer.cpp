@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/boot_id.h"
+#include "ledger/ledger_queries.h"
 #include "ledger/ledger_start.h"
 #include "ledger/stored_form.h"
 
@@ -50,11 +51,11 @@ tl::expected<void, FileError> LedgerWriter::start() {
           "{} was made by a newer program: this one only reads it, and sends nothing. Start the newer one",
           ledger_path(options_.home).string());
       read_only_ = true;
-      unknown_ = book_->unknown();
+      unknown_ = LedgerQueries{*file_}.unknown();
       return {};
     }
     if (auto begun = begin_run(); !begun) return begun;
-    unknown_ = book_->unknown();
+    unknown_ = LedgerQueries{*file_}.unknown();
   } catch (const SQLite::Exception& error) {
     return tl::unexpected(FileError{ledger_path(options_.home), error.what()});
   }

@@ -39,7 +39,7 @@ bool opens_or_closes(RequestKind kind) {
   return kind == RequestKind::open || kind == RequestKind::close || kind == RequestKind::entry;
 }
 
-void take_fill(LedgerEvent& event, const OrderReport& report) {
+void take_fill(LedgerEvent& event, const OrderReport& report, const SessionScope& scope) {
   event.order = report.number;
   event.note = report.text;
   event.server_time = report.time;
@@ -47,6 +47,12 @@ void take_fill(LedgerEvent& event, const OrderReport& report) {
   event.closes = report.request_kind == request_kind::close;
   event.filled = report.filled;
   event.price = report.price;
+  if (report.filled <= 0.0) return;
+  event.symbol = report.symbol;
+  // A report on a close tells the side of the position.
+  event.side = buys(report.operation) != event.closes ? operation::buy : operation::sell;
+  event.realised = report.realised;
+  if (const auto account = scope.client.FindAccount(scope.account)) event.currency = account->currency;
 }
 
 }  // namespace
@@ -180,7 +186,7 @@ void SentRequests::note(const SentOrder& request, std::string_view reason, Ledge
     event.code = format_as(request.result_code);
     event.reason = "result code";
   }
-  if (report != nullptr) take_fill(event, *report);
+  if (report != nullptr) take_fill(event, *report, scope_);
   ledger_.note(std::move(event));
 }
 
@@ -227,7 +233,7 @@ void SentRequests::entry_executed(const OrderReport& report) {
   LedgerEvent event{.request = report.id,
                     .sender = sender_,
                     .state = report.left > 0.0 ? LedgerState::part : LedgerState::filled};
-  take_fill(event, report);
+  take_fill(event, report, scope_);
   ledger_.note(std::move(event));
 }
 

@@ -7,6 +7,10 @@
 #include <fstream>
 #include <regex>
 
+#include "apps/records.h"
+#include "core/home_lock.h"
+#include "core/numbers.h"
+#include "core/texts.h"
 #include "tests/support/command_line_rig.h"
 #include "tests/support/ledger_home.h"
 
@@ -81,6 +85,13 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
   EXPECT_EQ(rig.run("unknown"), 0);
   EXPECT_EQ(rig.out, "0 unknown\n");
   kill_in_flight();
+  const std::filesystem::path home = rig.home.path();
+  {
+    // While a terminal has the folder it waits for the answers itself.
+    const auto used = HomeLock::take(home);
+    ASSERT_TRUE(used);
+    EXPECT_EQ(rig.run("unknown"), 0) << rig.err;
+  }
   EXPECT_EQ(rig.run("--json unknown"), 4);
   const std::regex line{R"("account": (\d+))"};
   std::string accounts;
@@ -88,6 +99,9 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
     accounts += (*at)[1].str() + " ";
   EXPECT_EQ(accounts, "500101 500102 500103 ");
   EXPECT_NE(rig.out.find(R"("why": "crash")"), std::string::npos);
+  // It only reads: what becomes of them is settled by who may send.
+  EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|-"});
+  EXPECT_EQ(rig.run("journal 500101"), 0);
   EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|UNKNOWN"});
   // They stay so until the server is asked, with the next login. No later order counts them as its own.
   rig.clock.advance(60s);
@@ -107,8 +121,9 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
 
 TEST_F(Ledgers, AnswerTheQuestionsOfTheirDocument) {
   EXPECT_EQ(rig.run("order --sell EURUSD --amount 0.9 --rule equal --accounts 500101,500102,500103"), 0);
+  EXPECT_EQ(rig.run("--yes close --symbol EURUSD --accounts 500103"), 0);
   kill_in_flight();
-  EXPECT_EQ(rig.run("unknown"), 4);
+  EXPECT_EQ(rig.run("journal 500101"), 0);
   std::ifstream file{std::string{TUTTI_SOURCE} + "/docs/ledger.md"};
   const std::string text{std::istreambuf_iterator<char>{file}, {}};
   std::vector<Texts> answers;
@@ -117,12 +132,66 @@ TEST_F(Ledgers, AnswerTheQuestionsOfTheirDocument) {
     at = text.find("```", begin);
     answers.push_back(ask(text.substr(begin, at - begin)));
   }
-  ASSERT_EQ(answers.size(), 3U);
+  ASSERT_EQ(answers.size(), 4U);
   EXPECT_EQ(answers[0], Texts{"UNKNOWN|3|0.9"});
-  ASSERT_EQ(answers[1].size(), 3U);
+  ASSERT_EQ(answers[1].size(), 4U);
   EXPECT_TRUE(sorted(answers[1])[0].starts_with("500101|sell|0.3|1.")) << answers[1][0];
-  ASSERT_EQ(answers[2].size(), 3U);
-  EXPECT_TRUE(answers[2][0].starts_with("500101|open|EURUSD|crash|")) << answers[2][0];
+  ASSERT_EQ(answers[2].size(), 1U);
+  EXPECT_TRUE(answers[2][0].starts_with("2026-01-01|500103|USD|1|-")) << answers[2][0];
+  ASSERT_EQ(answers[3].size(), 3U);
+  EXPECT_TRUE(answers[3][0].starts_with("500101|open|EURUSD|crash|")) << answers[3][0];
+}
+
+// What is told of fills adds up to what the server's books say.
+TEST_F(Ledgers, TellWhatWasFilledAndWhatItBrought) {
+  EXPECT_EQ(rig.run("fills"), 3);
+  EXPECT_NE(rig.err.find("there is no ledger in this folder yet"), std::string::npos) << rig.err;
+  const auto balance = [&] {
+    EXPECT_EQ(rig.run("--csv accounts"), 0);
+    const auto lines = split(rig.out, "\n");
+    return parse_number(split(lines[2], ",")[4]).value_or(0.0);
+  };
+  const double before = balance();
+  EXPECT_EQ(rig.run(order), 0);
+  rig.clock.advance(26h);
+  EXPECT_EQ(rig.run("order --sell XAUUSD --amount 0.1 --rule equal --accounts 500101"), 0) << rig.out;
+  EXPECT_EQ(rig.run("--yes close --symbol EURUSD --accounts 500101,500102"), 0) << rig.err;
+  const double realised = balance() - before;
+  EXPECT_NE(realised, 0.0);
+  EXPECT_EQ(rig.run("--json fills"), 0) << rig.err;
+  const Json all = Json::parse(rig.out);
+  ASSERT_EQ(all["fills"].size(), 6U);
+  const Json& last = all["fills"].back();
+  EXPECT_EQ(last["kind"], "close");
+  EXPECT_EQ(last["side"], "sell");
+  EXPECT_EQ(last["currency"], "USD");
+  EXPECT_EQ(last["ticket"], 3);
+  EXPECT_EQ(all["fills"][0]["profit"], Json{});
+  ASSERT_EQ(all["realised"].size(), 2U);
+  const Json& sum = all["realised"][0];
+  EXPECT_EQ(sum["account"], 500101);
+  EXPECT_EQ(sum["day"], "2026-01-02");
+  EXPECT_NEAR(sum["profit"].get<double>() + sum["commission"].get<double>(), realised, 0.006);
+  const struct {
+    const char* words;
+    int fills;
+  } narrowed[] = {{"--account 500101", 3},
+                  {"--account 500101,500103", 4},
+                  {"--symbol XAUUSD", 1},
+                  {"--ticket 1", 3},
+                  {"--ticket 3 --account 500102", 1},
+                  {"--ticket 9", 0},
+                  {"--since 2026-01-02", 3},
+                  {"--until 2026-01-01", 3},
+                  {"--until 2026-01-01T00:00:00", 0},
+                  {"--since 2026-01-02T00:00:00Z --until 2026-01-02 --symbol EURUSD", 2}};
+  for (const auto& [words, fills] : narrowed) {
+    EXPECT_EQ(rig.run("--csv fills " + std::string{words}), 0) << words;
+    EXPECT_EQ(std::count(rig.out.begin(), rig.out.end(), '\n'), fills + 1) << words << "\n" << rig.out;
+  }
+  for (const char* wrong :
+       {"--since 2026-13-01", "--since yesterday", "--until 2026-01-01T25:00", "--ticket -1"})
+    EXPECT_EQ(rig.run(std::string{"fills "} + wrong), 2) << wrong;
 }
 
 // What stands in the way of a ledger, and what a command says of it.

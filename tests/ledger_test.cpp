@@ -4,7 +4,10 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <fstream>
+
 #include "core/key_file.h"
+#include "ledger/ledger_reader.h"
 #include "ledger/ledger_start.h"
 #include "ledger/ledger_writer.h"
 #include "tests/support/ledger_home.h"
@@ -89,7 +92,11 @@ TEST(Ledger, KeepsTicketsRequestsEventsAndFillsAsTheyWere) {
                          .server_time = home.clock.now(),
                          .execution = "E1",
                          .filled = 12.345,
-                         .price = 1.08515};
+                         .price = 1.08515,
+                         .symbol = "EURUSD",
+                         .side = operation::buy,
+                         .currency = "CHF",
+                         .realised = Realised{-12.345678, 0.0}};
   ledger->note(fill);
   ledger->note({.request = 9, .sender = 1, .execution = "E1", .filled = 1.0});
   ledger->note({.request = 9, .sender = 1, .execution = "E2", .closes = true, .filled = 1.0, .price = 2.0});
@@ -106,11 +113,16 @@ TEST(Ledger, KeepsTicketsRequestsEventsAndFillsAsTheyWere) {
   EXPECT_EQ(home.ask("SELECT request, state, order_no FROM event ORDER BY seq"),
             (Texts{"1000000|TAKEN|", "1000000|WORKING|77", "1000000|FILLED|77", "1000001|REFUSED|"}));
   EXPECT_EQ(
-      home.ask(
-          "SELECT request, exec_id, open_or_close, lots, lots_digits, price, price_digits, day FROM fill"),
-      (Texts{"1000000|E1|open|12345|3|108515|5|2026-01-01", "|E2|close|1|0|2|0|2026-01-01"}));
+      home.ask("SELECT request, exec_id, open_or_close, lots, lots_digits, price, price_digits, day, profit, "
+               "commission, symbol, side, currency FROM fill"),
+      (Texts{"1000000|E1|open|12345|3|108515|5|2026-01-01|-12345678|0|EURUSD|buy|CHF",
+             "|E2|close|1|0|2|0|2026-01-01|||||"}));
   EXPECT_EQ(home.ask("SELECT * FROM open_request"), Texts{});
-  EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"), Texts{"1|2|1|1|0|0"});
+  const Texts sums{"1|FILLED||0|1", "1|REFUSED||0|1"};
+  EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"), sums);
+  EXPECT_EQ(
+      home.ask("SELECT ticket, fills, lots, round(value, 3), least, most, price_digits FROM ticket_fill"),
+      Texts{"1|1|12.345|13.396|1.08515|1.08515|5"});
   EXPECT_EQ(home.check(), Texts{});
   for (const std::string change : {"UPDATE fill SET lots = 1", "DELETE FROM event", "DELETE FROM commit_log"})
     EXPECT_EQ(home.ask(change), Texts{"the ledger only grows"}) << change;
@@ -118,7 +130,46 @@ TEST(Ledger, KeepsTicketsRequestsEventsAndFillsAsTheyWere) {
   ledger.reset();
   home.ask("DROP TABLE ticket_sum");
   EXPECT_TRUE(home.open());
-  EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"), Texts{"1|2|1|1|0|0"});
+  EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"), sums);
+}
+
+// What the first version stored is kept as it was, hashes included, and gone on with.
+TEST(Ledger, TakesUpAFileOfTheFirstVersion) {
+  Home home;
+  std::ofstream{home.key_file.path()} << "0123456789abcdef0123456789abcdef";
+  KeyFile old_key{home.key_file.path()};
+  home.key = *old_key.find();
+  home.folder.write("ledger.db", "");
+  std::ifstream dump{std::string{TUTTI_SOURCE} + "/tests/data/ledger-version-1.sql"};
+  ASSERT_EQ(home.ask("PRAGMA journal_mode = WAL; " + std::string{std::istreambuf_iterator<char>{dump}, {}}),
+            Texts{"wal"});
+  const std::string rows =
+      "SELECT count(*), max(seq) FROM (SELECT seq FROM request UNION SELECT seq FROM event)";
+  const Texts before = home.ask(rows);
+  LedgerReader reader{home.folder.path(), home.key_file.path()};
+  // Who only reads it does so as it is.
+  for (const bool taken_up : {false, true}) {
+    SCOPED_TRACE(taken_up);
+    EXPECT_EQ(home.check(), Texts{});
+    const auto fills = reader.fills({.accounts = {500101}});
+    ASSERT_TRUE(fills) << fills.error().text();
+    ASSERT_EQ(fills->size(), 2U);
+    EXPECT_EQ(fills->back().symbol, "EURUSD");
+    EXPECT_EQ(fills->back().currency, "");
+    EXPECT_FALSE(fills->back().profit);
+    EXPECT_EQ(home.ask(rows), before);
+    EXPECT_EQ(home.ask("SELECT schema FROM ledger"), Texts{taken_up ? "2" : "1"});
+    if (!taken_up) home.open();
+  }
+  EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"),
+            (Texts{"1|FILLED||0|2", "2|FILLED||0|1", "3|REFUSED|request code|8|1"}));
+  EXPECT_TRUE(std::filesystem::exists(home.folder.path() / "ledger-version-1.db"));
+  const auto ledger = home.open();
+  EXPECT_TRUE(stored(*ledger, requests(1)));
+  EXPECT_EQ(home.check(), Texts{});
+  // Nothing is put where nothing was.
+  home.ask("DROP TRIGGER fill_no_UPDATE; UPDATE fill SET currency = 'EUR' WHERE seq = 8");
+  EXPECT_EQ(home.check(), Texts{"commit 3 is not what its hash says"});
 }
 
 // A ticket of three, of which some had left and some were answered when the program was killed.
@@ -196,6 +247,13 @@ TEST(Ledger, KnowsAfterACrashWhatMayHaveLeft) {
     std::size_t unknown = 0;
     for (const std::string& state : point.after)
       unknown += state == "UNKNOWN" ? 1 : 0;
+    // Who only reads finds what the next start will, and leaves it to that.
+    const Texts stored_before = home.states();
+    const auto read = LedgerReader{home.folder.path(), home.key_file.path()}.unknown();
+    ASSERT_TRUE(read) << read.error().text();
+    EXPECT_EQ(read->requests.size(), unknown);
+    EXPECT_EQ(read->notice, "");
+    EXPECT_EQ(home.states(), stored_before);
     // The next start and the one after find the same.
     for (int start = 0; start < 2; ++start) {
       const auto ledger = home.open();

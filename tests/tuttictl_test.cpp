@@ -183,9 +183,9 @@ TEST(Tuttictl, PrintsWhatEveryCommandFound) {
 Balance:75000  Flt P/L:0   Credit:0  Equity:75000  Used Margin:0  Free Margin:75000  Margin Level:0 %
 )"},
       {"--csv order --buy EURUSD --amount 1 --rule equal", 0,
-       R"(account,user,share,request_code,accepted,result
-500100,ALDER,0.5,1,true,Market Order Accepted
-500101,ASPEN,0.5,1,true,Market Order Accepted
+       R"(account,user,share,request_code,accepted,result,order,filled,price,time
+500100,ALDER,0.5,1,true,Market Order Accepted,10000001,0.5,1.08462,2026-01-01T00:00:00.502Z
+500101,ASPEN,0.5,1,true,Market Order Accepted,10000002,0.5,1.08462,2026-01-01T00:00:00.506Z
 )"},
       {"journal 500101", 0, "2026-01-01 00:00:00  Order #10000002 [BUY 0.5 EURUSD] has been accepted\n"},
       {"--csv journal 500101", 0,
@@ -200,9 +200,9 @@ Shares 0.4 of 0.4 lots; 0 zero or below, 0 below the smallest lot of 0.01
 )"},
       {"entry EURUSD --type buy-limit --amount 2 --at 1.0800 --sl 1.0700 --tp 1.0900 --rule margin", 0,
        R"(Buy Limit EURUSD at 1.0800 2 lots, Distribute by margin Ratio
-Account  User   Share  Result
- 500100  ALDER    1.3  Succeeded
- 500101  ASPEN    0.7  Succeeded
+Account  User   Share     Order  Price  Result
+ 500100  ALDER    1.3  10000004         Succeeded
+ 500101  ASPEN    0.7  10000003         Succeeded
 Shares 2 of 2 lots; 0 zero or below, 0 below the smallest lot of 0.01
 2 of 2 accepted
 Balance:75000  Flt P/L:-12   Credit:0  Equity:74988  Used Margin:1084.56  Free Margin:73903.44  Margin Level:13828.28 %
@@ -262,12 +262,12 @@ Total(All Clients)             1      0    1  -12.00
       {"--csv net --by account", 0,
        "account,symbol,long,short,net,floating\n500100,EURUSD,0.5,0,0.5,-6\n500101,EURUSD,0.5,0,0.5,-6\n"},
       {"--csv close --symbol EURUSD", 1,
-       "ticket,account,request_code,accepted,result\n10000001,500100,,false,not "
-       "sent\n10000002,500101,,false,not sent\n",
+       "ticket,account,request_code,accepted,result,filled,price,time\n10000001,500100,,false,not "
+       "sent,,,\n10000002,500101,,false,not sent,,,\n",
        "Alert: Are you sure you want to close selected postion(s) at current market price(s)? No (--yes "
        "answers yes)\n  2 positions\n  EURUSD 1 lots\n  Floating P/L -12.00\n"},
-      {"--yes close --symbol EURUSD --accounts 500100", 0, R"(  ticket  account  result
-10000001   500100  done
+      {"--yes close --symbol EURUSD --accounts 500100", 0, R"(  ticket  account   price  result
+10000001   500100  1.0845  done
 Balance:74994  Flt P/L:-6   Credit:0  Equity:74988  Used Margin:542.28  Free Margin:74445.72  Margin Level:4609.06 %
 
 Time                 Account  Message
@@ -284,7 +284,7 @@ Time                 Account  Message
        "order,account,request_code,accepted,result\n10000004,500100,1,true,done\n",
        "Alert: Are you sure you want to cancel selected order(s)? Yes\n  1 order\n  EURUSD 1.3 lots\n"},
       {"--json order --sell EURUSD --amount 0.2 --rule equal --accounts 500101", 0,
-       R"({"accounts": [{"account": 500101,"user": "ASPEN","share": 0.2,"request_code": 1,"accepted": true,"result": "Market Order Accepted"}],
+       R"({"accounts": [{"account": 500101,"user": "ASPEN","share": 0.2,"request_code": 1,"accepted": true,"result": "Market Order Accepted","order": 10000009,"filled": 0.2,"price": 1.0845,"time": "2026-01-01T00:00:04.752Z"}],
 "totals": {"balance": 74994,"floating": -8.4,"credit": 0,"equity": 74985.6,"used_margin": 759.19,"margin_level": 3291.87,"free_margin": 74226.41,"line": "Balance:74994  Flt P/L:-8.4   Credit:0  Equity:74985.6  Used Margin:759.19  Free Margin:74226.41  Margin Level:3291.87 %"},
 "journal": [{"time": "2026-01-01T00:00:04+00:00","account": 500101,"message": "Order #10000009 [SELL 0.2 EURUSD] has been accepted"}]})"},
       {"verify", 0, "0 differences\n"},
@@ -347,8 +347,10 @@ TEST(Tuttictl, TellsAccountsApartAndWhichAreMissing) {
       {"order --buy EURUSD --amount 1 --rule equal --require-connected", 1, "",
        "Nothing was sent; not connected: 500101\n"},
       {"--csv entry EURUSD --type buy-limit --at 1.0800 --amount 1 --rule equal", 1,
-       "account,user,share,request_code,accepted,result\n500100,OTHER,,,false,Invalid username or password\n"
-       "500100,ALDER,1,1,true,Succeeded\n500101,ASPEN,,,false,Invalid username or password\n",
+       "account,user,share,request_code,accepted,result,order,filled,price,time\n500100,OTHER,,,false,"
+       "Invalid "
+       "username or password,,,,\n500100,ALDER,1,1,true,Succeeded,10000001,0,,\n500101,ASPEN,,,false,Invalid "
+       "username or password,,,,\n",
        ""},
       {"verify", 0, "0 differences\n", ""},
       {"--yes cancel --symbol EURUSD --require-connected", 1, "",

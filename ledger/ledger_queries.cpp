@@ -1,0 +1,311 @@
+#include "ledger/ledger_queries.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "core/numbers.h"
+#include "ledger/decimals.h"
+#include "ledger/ledger_words.h"
+
+namespace tutti {
+namespace {
+
+TimePoint time_of(const SQLite::Column& column) {
+  return TimePoint{std::chrono::milliseconds{column.getInt64()}};
+}
+
+std::int64_t milliseconds(TimePoint time) {
+  return time.time_since_epoch().count();
+}
+
+// A whole number and its decimals, which stand side by side.
+double decimal(SQLite::Statement& row, int column) {
+  return decimals::number(row.getColumn(column).getInt64(), row.getColumn(column + 1).getInt());
+}
+
+std::optional<double> money(const SQLite::Column& column) {
+  if (column.isNull()) return std::nullopt;
+  return decimals::number(column.getInt64(), money_digits);
+}
+
+LedgerAccount account_of(SQLite::Statement& row, int first) {
+  return {row.getColumn(first).getString(), row.getColumn(first + 1).getString(),
+          read_integer(row.getColumn(first + 2).getString())};
+}
+
+// A day as the fills have it.
+std::string day_sql(TimePoint time) {
+  return fmt::format("date({}, 'unixepoch')", milliseconds(time) / 1000);
+}
+
+// What reads, and what is bound to it, in this order.
+struct Query {
+  std::string sql;
+  std::vector<LedgerValue> values;
+};
+
+Query fill_query(const FillFilter& filter, bool whole) {
+  Query out;
+  // Columns that came later.
+  const std::string_view later = whole ? "f.symbol, f.side, f.currency" : "NULL, NULL, NULL";
+  // By its days an account's fills are found, and by the requests those of a ticket.
+  const std::string_view from =
+      filter.ticket != 0
+          ? "request r CROSS JOIN fill f ON f.request = r.id JOIN account a ON a.n = f.account"
+          : "account a CROSS JOIN fill f ON f.account = a.n LEFT JOIN request r ON r.id = f.request";
+  out.sql = fmt::format(
+      "SELECT f.seq, coalesce(f.t_server, f.t_here) AS t, r.ticket, f.request, a.server, a.user, "
+      "a.account_text, f.open_or_close, coalesce(f.position, 0), f.lots, f.lots_digits, coalesce(f.price, "
+      "0), "
+      "f.price_digits, f.profit, f.commission, coalesce(f.exec_id, ''), r.symbol, r.side, {} FROM {} WHERE 1",
+      later, from);
+  const auto add = [&](const std::string& condition, auto... values) {
+    out.sql += " AND " + condition;
+    (out.values.emplace_back(std::move(values)), ...);
+  };
+  if (filter.ticket != 0) add("r.ticket = ?", filter.ticket);
+  if (filter.since) {
+    add("f.day >= " + day_sql(*filter.since));
+    add("t >= ?", milliseconds(*filter.since));
+  }
+  if (filter.until) {
+    add("f.day <= " + day_sql(*filter.until));
+    add("t < ?", milliseconds(*filter.until));
+  }
+  if (!filter.symbol.empty()) add(whole ? "coalesce(r.symbol, f.symbol) = ?" : "r.symbol = ?", filter.symbol);
+  if (!filter.accounts.empty()) {
+    std::string numbers;
+    for (const std::int32_t account : filter.accounts)
+      numbers += fmt::format("{}'{}'", numbers.empty() ? "" : ", ", account);
+    add("a.account_text IN (" + numbers + ")");
+  }
+  out.sql += " ORDER BY f.seq";
+  return out;
+}
+
+constexpr auto ticket_columns =
+    "SELECT n, t, kind, coalesce(symbol, ''), coalesce(side, ''), coalesce(total, 0), coalesce(total_digits, "
+    "0), "
+    "coalesce(price_at_click, 0), coalesce(price_digits, 0), coalesce(\"by\", ''), coalesce(retry_of, 0) "
+    "FROM "
+    "ticket ";
+
+}  // namespace
+
+std::vector<FillRecord> LedgerQueries::fills(const FillFilter& filter) {
+  std::vector<FillRecord> out;
+  const Query query = fill_query(filter, file_.schema() >= 2);
+  SQLite::Statement rows{file_.connection(), query.sql};
+  for (std::size_t i = 0; i < query.values.size(); ++i)
+    bind_value(rows, static_cast<int>(i) + 1, query.values[i]);
+  while (rows.executeStep()) {
+    const auto text = [&](int column) {
+      const SQLite::Column cell = rows.getColumn(column);
+      return cell.isNull() ? std::string{} : cell.getString();
+    };
+    const auto first_told = [&](int of_request, int of_fill) {
+      std::string told = text(of_request);
+      return told.empty() ? text(of_fill) : told;
+    };
+    const bool closes = text(7) == "close";
+    out.push_back({.seq = rows.getColumn(0).getInt64(),
+                   .time = time_of(rows.getColumn(1)),
+                   .ticket = rows.getColumn(2).getInt64(),
+                   .request = rows.getColumn(3).getInt64(),
+                   .account = account_of(rows, 4),
+                   .closes = closes,
+                   .order = rows.getColumn(8).getInt64(),
+                   .symbol = first_told(16, 18),
+                   .side = ledger_words::side(first_told(17, 19)),
+                   .lots = decimal(rows, 9),
+                   .price = decimal(rows, 11),
+                   .profit = money(rows.getColumn(13)),
+                   .commission = money(rows.getColumn(14)),
+                   .currency = text(20),
+                   .execution = text(15)});
+  }
+  std::map<std::string, int> digits;
+  for (const FillRecord& fill : out) {
+    int& most = digits[fill.symbol];
+    most = std::max(most, decimals::needed({fill.price}));
+  }
+  for (FillRecord& fill : out)
+    fill.price_digits = digits[fill.symbol];
+  return out;
+}
+
+std::vector<TicketRecord> LedgerQueries::newest_tickets(int count) {
+  return tickets("ORDER BY n DESC LIMIT ?", count);
+}
+
+std::optional<TicketRecord> LedgerQueries::ticket(std::int64_t number) {
+  auto found = tickets("WHERE n = ?", number);
+  if (found.empty()) return std::nullopt;
+  return std::move(found.front());
+}
+
+std::vector<TicketRecord> LedgerQueries::tickets(const std::string& which, std::int64_t value) {
+  std::vector<TicketRecord> out;
+  auto& rows = file_.statement(ticket_columns + which);
+  rows.bind(1, value);
+  while (rows.executeStep()) {
+    out.push_back({.number = rows.getColumn(0).getInt64(),
+                   .time = time_of(rows.getColumn(1)),
+                   .kind = ledger_words::kind(rows.getColumn(2).getString()),
+                   .symbol = rows.getColumn(3).getString(),
+                   .side = ledger_words::side(rows.getColumn(4).getString()),
+                   .total = decimal(rows, 5),
+                   .price_at_click = decimal(rows, 7),
+                   .by = rows.getColumn(9).getString(),
+                   .retry_of = rows.getColumn(10).getInt64()});
+  }
+  rows.reset();
+  for (TicketRecord& ticket : out)
+    add_outcomes(ticket);
+  return out;
+}
+
+void LedgerQueries::add_outcomes(TicketRecord& ticket) {
+  auto& sums = file_.statement("SELECT state, reason, code, requests FROM ticket_sum WHERE ticket = ?");
+  sums.bind(1, ticket.number);
+  while (sums.executeStep()) {
+    ticket.outcomes.push_back({ledger_words::state(sums.getColumn(0).getString()),
+                               sums.getColumn(1).getString(), sums.getColumn(2).getInt64(),
+                               sums.getColumn(3).getInt()});
+  }
+  sums.reset();
+  std::stable_sort(ticket.outcomes.begin(), ticket.outcomes.end(),
+                   [](const TicketOutcome& a, const TicketOutcome& b) { return a.state < b.state; });
+  auto& fills = file_.statement(
+      "SELECT fills, lots, value, least, most, price_digits FROM ticket_fill WHERE ticket = ?");
+  fills.bind(1, ticket.number);
+  if (fills.executeStep()) {
+    const double lots = fills.getColumn(1).getDouble();
+    ticket.filled = {fills.getColumn(0).getInt(),
+                     lots,
+                     lots > 0.0 ? fills.getColumn(2).getDouble() / lots : 0.0,
+                     fills.getColumn(3).getDouble(),
+                     fills.getColumn(4).getDouble(),
+                     fills.getColumn(5).getInt()};
+  }
+  fills.reset();
+  if (ticket.kind != RequestKind::entry) return;
+  // All of them were placed at the same.
+  auto& first = file_.statement(
+      "SELECT coalesce(price, 0), coalesce(price_digits, 0) FROM request WHERE ticket = ? LIMIT 1");
+  first.bind(1, ticket.number);
+  if (first.executeStep()) ticket.price = decimal(first, 0);
+  first.reset();
+}
+
+std::vector<TicketRequest> LedgerQueries::requests_of(std::int64_t ticket) {
+  std::vector<TicketRequest> out;
+  auto& rows = file_.statement(
+      "SELECT r.id, a.server, a.user, a.account_text, r.kind, coalesce(r.symbol, ''), coalesce(r.side, ''), "
+      "coalesce(r.lots, 0), coalesce(r.lots_digits, 0), coalesce(r.price, 0), coalesce(r.price_digits, 0), "
+      "coalesce(r.reference, (SELECT order_no FROM event WHERE request = r.id AND order_no IS NOT NULL ORDER "
+      "BY "
+      "seq DESC LIMIT 1), 0), coalesce(e.state, 'STORED'), coalesce(e.reason, ''), coalesce(e.code, 0), "
+      "coalesce(e.note, ''), e.t_here - t.t, coalesce((SELECT id FROM request WHERE retry_of = r.id), 0) "
+      "FROM "
+      "request r JOIN account a ON a.n = r.account JOIN ticket t ON t.n = r.ticket LEFT JOIN event e ON "
+      "e.seq = "
+      "(SELECT max(seq) FROM event WHERE request = r.id) WHERE r.ticket = ? ORDER BY r.id");
+  rows.bind(1, ticket);
+  while (rows.executeStep()) {
+    out.push_back({.id = rows.getColumn(0).getInt64(),
+                   .account = account_of(rows, 1),
+                   .kind = ledger_words::kind(rows.getColumn(4).getString()),
+                   .symbol = rows.getColumn(5).getString(),
+                   .side = ledger_words::side(rows.getColumn(6).getString()),
+                   .lots = decimal(rows, 7),
+                   .price = decimal(rows, 9),
+                   .number = rows.getColumn(11).getInt64(),
+                   .state = ledger_words::state(rows.getColumn(12).getString()),
+                   .reason = rows.getColumn(13).getString(),
+                   .code = rows.getColumn(14).getInt64(),
+                   .note = rows.getColumn(15).getString(),
+                   .retried_by = rows.getColumn(17).getInt64()});
+    if (!rows.getColumn(16).isNull())
+      out.back().answered = std::chrono::milliseconds{rows.getColumn(16).getInt64()};
+  }
+  rows.reset();
+  const auto before = [](const TicketRequest& request, RequestId id) { return request.id < id; };
+  for (const FillRecord& fill : fills({.ticket = ticket})) {
+    const auto at = std::lower_bound(out.begin(), out.end(), fill.request, before);
+    if (at == out.end() || at->id != fill.request) continue;
+    const double worth = at->filled * at->fill_price + fill.lots * fill.price;
+    at->filled += fill.lots;
+    at->fill_price = at->filled > 0.0 ? worth / at->filled : 0.0;
+    at->price_digits = fill.price_digits;
+    at->filled_at = fill.time;
+  }
+  return out;
+}
+
+std::vector<TicketRequest> LedgerQueries::with_tickets_of(std::span<const RequestId> requests) {
+  std::set<std::int64_t> tickets;
+  for (const RequestId id : requests) {
+    auto& one = file_.statement("SELECT ticket FROM request WHERE id = ?");
+    one.bind(1, id);
+    if (one.executeStep()) tickets.insert(one.getColumn(0).getInt64());
+    one.reset();
+  }
+  std::vector<TicketRequest> out;
+  for (const std::int64_t ticket : tickets) {
+    auto more = requests_of(ticket);
+    out.insert(out.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+  }
+  std::sort(out.begin(), out.end(),
+            [](const TicketRequest& a, const TicketRequest& b) { return a.id < b.id; });
+  return out;
+}
+
+std::vector<LedgerUnknown> LedgerQueries::unknown(std::span<const LedgerEvent> more) {
+  std::vector<LedgerUnknown> out;
+  const auto read = [&](const std::string& which, RequestId id) {
+    auto& rows = file_.statement(
+        "SELECT o.request, a.server, a.user, a.account_text, r.kind, coalesce(r.symbol, ''), "
+        "coalesce(r.side, "
+        "''), coalesce(r.lots, 0), coalesce(r.lots_digits, 0), coalesce(r.price, 0), "
+        "coalesce(r.price_digits, "
+        "0), coalesce(r.reference, o.order_no, 0), coalesce(r.era, 0), coalesce(e.reason, ''), "
+        "coalesce(e.t_here, t.t) FROM open_request o JOIN request r ON r.id = o.request JOIN account a ON "
+        "a.n = "
+        "r.account JOIN ticket t ON t.n = r.ticket LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event "
+        "WHERE request = o.request) WHERE " +
+        which);
+    if (id != 0) rows.bind(1, id);
+    while (rows.executeStep()) {
+      out.push_back({.id = rows.getColumn(0).getInt64(),
+                     .account = account_of(rows, 1),
+                     .kind = ledger_words::kind(rows.getColumn(4).getString()),
+                     .symbol = rows.getColumn(5).getString(),
+                     .side = ledger_words::side(rows.getColumn(6).getString()),
+                     .lots = decimal(rows, 7),
+                     .price = decimal(rows, 9),
+                     .number = rows.getColumn(11).getInt64(),
+                     .era = static_cast<BookEra>(rows.getColumn(12).getInt64()),
+                     .why = rows.getColumn(13).getString(),
+                     .since = time_of(rows.getColumn(14))});
+    }
+    rows.reset();
+  };
+  read("o.state IN ('UNKNOWN', 'GONE')", 0);
+  for (const LedgerEvent& event : more) {
+    if (event.state != LedgerState::unknown) continue;
+    const std::size_t before = out.size();
+    read("o.request = ?", event.request);
+    if (out.size() > before) out.back().why = event.reason;
+  }
+  std::sort(out.begin(), out.end(),
+            [](const LedgerUnknown& a, const LedgerUnknown& b) { return a.id < b.id; });
+  return out;
+}
+
+}  // namespace tutti
