@@ -46,6 +46,7 @@ struct SentOrder {
   double price = 0.0;       // of an entry order
   double filled = 0.0;      // lots, as reported so far
   RequestId id = 0;
+  RequestId retry_of = 0;        // the one that is sent again with it, 0 none
   BookEra era = 0;               // of the server's book when it was sent
   std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
   StopPrices stops{};            // of an entry order, an update, and stops

@@ -32,6 +32,7 @@ struct LedgerTicket {
   double total = 0.0;                       // lots of all its requests together
   double price_at_click = 0.0;              // 0: not known
   std::chrono::milliseconds quote_age{-1};  // of that price; below 0: not known
+  std::int64_t retry_of = 0;                // number of the ticket whose rest is sent again, 0 none
 };
 
 // One request as it is to leave. `round` and `stops_order` of a sent order are the windows' own.
@@ -45,6 +46,7 @@ struct LedgerRequest {
   double price = 0.0;  // 0 where it has none
   StopPrices stops{};
   std::int64_t reference = 0;  // order or ticket that it is about
+  RequestId retry_of = 0;      // the one that is sent again with it, 0 none
   bool accepts = false;        // of an answer to a requote
   BookEra era = 0;             // of the server's book at that time
 };

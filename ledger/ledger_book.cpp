@@ -89,7 +89,7 @@ std::int64_t LedgerBook::add_ticket(const LedgerTicket& ticket, std::size_t plan
                               age,
                               by_,
                               "here",
-                              {},
+                              number_or_none(ticket.retry_of),
                               {},
                               static_cast<std::int64_t>(planned),
                               time.time_since_epoch().count()});
@@ -120,7 +120,7 @@ void LedgerBook::add_requests(std::int64_t ticket, const std::vector<LedgerReque
                {},
                {},
                number_or_none(static_cast<std::int64_t>(each.era)),
-               {},
+               number_or_none(each.retry_of),
                {},
                {}});
     auto& open =

@@ -97,6 +97,20 @@ constexpr auto ticket_columns =
 
 }  // namespace
 
+bool TicketRequest::may_be_retried() const {
+  const bool nothing_done = state == LedgerState::refused || state == LedgerState::refused_here ||
+                            state == LedgerState::never || state == LedgerState::dropped;
+  // The order that the answer to a requote was for has ended.
+  return nothing_done && retried_by == 0 && kind != RequestKind::requote;
+}
+
+std::int64_t LedgerQueries::version() {
+  auto& one = file_.statement("PRAGMA data_version");
+  const std::int64_t out = one.executeStep() ? one.getColumn(0).getInt64() : 0;
+  one.reset();
+  return out;
+}
+
 std::vector<FillRecord> LedgerQueries::fills(const FillFilter& filter) {
   std::vector<FillRecord> out;
   const Query query = fill_query(filter, file_.schema() >= 2);
@@ -211,9 +225,9 @@ std::vector<TicketRequest> LedgerQueries::requests_of(std::int64_t ticket) {
       "coalesce(r.reference, (SELECT order_no FROM event WHERE request = r.id AND order_no IS NOT NULL ORDER "
       "BY "
       "seq DESC LIMIT 1), 0), coalesce(e.state, 'STORED'), coalesce(e.reason, ''), coalesce(e.code, 0), "
-      "coalesce(e.note, ''), e.t_here - t.t, coalesce((SELECT id FROM request WHERE retry_of = r.id), 0) "
-      "FROM "
-      "request r JOIN account a ON a.n = r.account JOIN ticket t ON t.n = r.ticket LEFT JOIN event e ON "
+      "coalesce(e.note, ''), e.t_here - t.t, coalesce((SELECT id FROM request WHERE retry_of = r.id), 0), "
+      "r.stop_loss, r.take_profit FROM request r JOIN account a ON a.n = r.account JOIN ticket t ON t.n = "
+      "r.ticket LEFT JOIN event e ON "
       "e.seq = "
       "(SELECT max(seq) FROM event WHERE request = r.id) WHERE r.ticket = ? ORDER BY r.id");
   rows.bind(1, ticket);
@@ -231,6 +245,10 @@ std::vector<TicketRequest> LedgerQueries::requests_of(std::int64_t ticket) {
                    .code = rows.getColumn(14).getInt64(),
                    .note = rows.getColumn(15).getString(),
                    .retried_by = rows.getColumn(17).getInt64()});
+    const auto stop = [&](int column) {
+      return decimals::number(rows.getColumn(column).getInt64(), rows.getColumn(10).getInt());
+    };
+    out.back().stops = {stop(18), stop(19), !rows.getColumn(18).isNull(), !rows.getColumn(19).isNull()};
     if (!rows.getColumn(16).isNull())
       out.back().answered = std::chrono::milliseconds{rows.getColumn(16).getInt64()};
   }

@@ -95,6 +95,10 @@ struct TicketRequest {
   int price_digits = 0;     // of it
   TimePoint filled_at{};    // of the last fill; the server's, ours where it told none
   RequestId retried_by = 0;
+  StopPrices stops{};  // of an entry order, an update, and stops
+
+  // It has had no effect for sure, and was not sent again yet.
+  bool may_be_retried() const;
 };
 
 // Reads what the ledger has, for whoever shows it. Throws as the file does.
@@ -102,6 +106,8 @@ class LedgerQueries {
  public:
   explicit LedgerQueries(LedgerFile& file) : file_(file) {}
 
+  // Another one than before when something was stored since.
+  std::int64_t version();
   // Oldest first.
   std::vector<FillRecord> fills(const FillFilter& filter);
   // Newest first, so many at most.

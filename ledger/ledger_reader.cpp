@@ -59,6 +59,14 @@ tl::expected<std::vector<FillRecord>, FileError> LedgerReader::fills(const FillF
   return with_file([&](LedgerFile& file) { return LedgerQueries{file}.fills(filter); });
 }
 
+tl::expected<std::vector<TicketRecord>, FileError> LedgerReader::newest_tickets(int count) {
+  return with_file([&](LedgerFile& file) { return LedgerQueries{file}.newest_tickets(count); });
+}
+
+tl::expected<std::vector<TicketRequest>, FileError> LedgerReader::requests_of(std::int64_t ticket) {
+  return with_file([&](LedgerFile& file) { return LedgerQueries{file}.requests_of(ticket); });
+}
+
 tl::expected<std::vector<TicketRequest>, FileError> LedgerReader::with_tickets_of(
     std::span<const RequestId> requests) {
   return with_file([&](LedgerFile& file) { return LedgerQueries{file}.with_tickets_of(requests); });

@@ -23,13 +23,17 @@ class LedgerReader {
   LedgerReader(std::filesystem::path home, const std::filesystem::path& key_file)
       : home_(std::move(home)), key_(key_file) {}
 
+  // For who reads more than once.
+  tl::expected<std::unique_ptr<LedgerFile>, FileError> open();
   // One line for each thing that is wrong with it.
   tl::expected<std::vector<std::string>, FileError> check();
   // Copies it, whole, to where nothing is yet.
   tl::expected<void, FileError> back_up(const std::filesystem::path& to);
   // What was filled, oldest first.
   tl::expected<std::vector<FillRecord>, FileError> fills(const FillFilter& filter);
-  // See LedgerQueries::with_tickets_of.
+  // See LedgerQueries for the following.
+  tl::expected<std::vector<TicketRecord>, FileError> newest_tickets(int count);
+  tl::expected<std::vector<TicketRequest>, FileError> requests_of(std::int64_t ticket);
   tl::expected<std::vector<TicketRequest>, FileError> with_tickets_of(std::span<const RequestId> requests);
   struct Unknown {
     std::vector<LedgerUnknown> requests;  // oldest first
@@ -44,7 +48,6 @@ class LedgerReader {
   tl::expected<void, FileError> each_row(const Row& take);
 
  private:
-  tl::expected<std::unique_ptr<LedgerFile>, FileError> open();
   template <class Work>
   auto with_file(Work&& work) -> tl::expected<decltype(work(std::declval<LedgerFile&>())), FileError>;
 

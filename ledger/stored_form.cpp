@@ -14,6 +14,7 @@ LedgerRequest stored_form(const SentOrder& request, const Books& books) {
                     .price = request.price,
                     .stops = request.stops,
                     .reference = request.number,
+                    .retry_of = request.retry_of,
                     .accepts = request.accepts,
                     .era = request.era};
   if (request.symbol != no_symbol) out.symbol = books.symbols.entry(request.symbol).name;

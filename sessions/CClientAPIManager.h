@@ -66,6 +66,9 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   // Trimmed, upper-cased user name and account number.
   std::string duplicate_key() const { return account_key(user(), account()); }
 
+  // Who the account is in the ledger.
+  LedgerAccount ledger_account() const { return SessionRequests::identity(scope_.record); }
+
   // The lists show what this session told of the account.
   bool lists_account() const { return records_.lists_account(); }
   // What the session's row of the accounts list shows.

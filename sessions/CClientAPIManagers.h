@@ -80,8 +80,15 @@ class CClientAPIManagers {
   void BuyFunction() { fan_out(operation::buy); }
   void SellFunction() { fan_out(operation::sell); }
   void NewOrder(std::string_view, std::string_view, std::string_view) {}
-  // What `ask` sends through the sessions is one ticket; it has left when this returns.
-  void as_one_ticket(const std::function<void()>& ask) { gate_.as_one_ticket(ask); }
+  // What `ask` sends through the sessions is one ticket; it has left when this returns. `about` as the gate
+  // takes it.
+  void as_one_ticket(const std::function<void()>& ask, const LedgerTicket& about = {}) {
+    gate_.as_one_ticket(ask, about);
+  }
+  // The price that an order would be sent at now.
+  LedgerTicket at_click(Operation side, SymbolHandle symbol) const;
+  // What `ask` sends is a request that had no effect, once more.
+  void as_retry_of(RequestId request, const std::function<void()>& ask) { gate_.as_retry_of(request, ask); }
   // Sends what was asked for in handlers and is stored by now, or waits for that.
   void send_stored() { gate_.send_stored(); }
   void wait_for_stored() { gate_.wait_for_stored(); }
@@ -102,7 +109,6 @@ class CClientAPIManagers {
   using DistanceOf = double (AccountClient::*)(std::string_view) const;
 
   void fan_out(Operation side);
-  LedgerTicket at_click(Operation side, SymbolHandle symbol) const;
   double widest_distance(std::string_view symbol, DistanceOf distance_of) const;
   void index_accounts();
 

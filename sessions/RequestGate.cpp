@@ -85,11 +85,23 @@ void RequestGate::as_one_ticket(const std::function<void()>& ask, const LedgerTi
   spare_ = std::move(asked);
 }
 
+void RequestGate::as_retry_of(RequestId request, const std::function<void()>& ask) {
+  struct Retrying {
+    explicit Retrying(RequestId& now) : now_(now) {}
+    ~Retrying() { now_ = 0; }
+    RequestId& now_;
+  };
+  const Retrying retrying{retry_of_};
+  retry_of_ = request;
+  ask();
+}
+
 SentOrder& RequestGate::make(Sender sender, RequestKind kind) {
   const Way& way = senders_[sender - 1];
   SentOrder& request = book_.add(ids_.next(), sender, kind);
   request.account = way.account;
   request.era = way.client->Era();
+  request.retry_of = retry_of_;
   request.last_word = general_.clock.elapsed();
   return request;
 }

@@ -52,6 +52,9 @@ class RequestGate {
   // tells the prices at the click where they count; the rest the requests say.
   void as_one_ticket(const std::function<void()>& ask, const LedgerTicket& about = {});
 
+  // What `ask` asks for sends a request again that had no effect.
+  void as_retry_of(RequestId request, const std::function<void()>& ask);
+
   // Amounts in lots, `side` an operation:: code. `symbol_id` is the account's own number of the symbol.
   const SentOrder& market_order(Sender sender, Operation side, SymbolHandle symbol, std::int32_t symbol_id,
                                 double amount, Then&& then = {});
@@ -115,6 +118,7 @@ class RequestGate {
   Ledger& ledger_;
   RequestIds ids_;
   std::vector<Way> senders_;  // sender n at n - 1
+  RequestId retry_of_ = 0;    // of what is asked for now
   bool collecting_ = false;
   Asked collected_;
   Asked spare_;                  // room for the next ticket

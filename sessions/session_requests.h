@@ -26,6 +26,8 @@ class SessionRequests {
         sent_(scope, records, book, gate.ledger(), sender_) {}
 
   Sender sender() const { return sender_; }
+  // Who a session's account is in the ledger.
+  static LedgerAccount identity(const AccountEntry& record);
   // The session is over: nothing goes out any more.
   void leave() { gate_.leave(sender_); }
 
@@ -62,8 +64,6 @@ class SessionRequests {
  private:
   // Journal, messages, and the position's row in the close positions window when the close is `ours`.
   void tell_close(const OrderReport& report, bool ours);
-
-  static LedgerAccount identity(const AccountEntry& record);
 
   SessionScope& scope_;
   SessionRecords& records_;
