@@ -74,6 +74,15 @@ std::map<RequestId, TicketRequest> CommandContext::stored(const std::vector<Requ
   return out;
 }
 
+std::optional<std::vector<TicketRequest>> CommandContext::requests_of(std::int64_t ticket) const {
+  const auto kept = terminal_.keep();
+  const TerminalOptions& options = terminal_.options();
+  auto found = LedgerReader{options.home, options.key_file}.requests_of(ticket);
+  if (kept && found) return std::move(*found);
+  console().fail("Nothing was sent: {}", (kept ? found.error() : kept.error()).text());
+  return std::nullopt;
+}
+
 bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {
   for (const std::int32_t account : accounts) {
     if (main().sessions().by_account(account) != nullptr) continue;

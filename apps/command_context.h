@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "apps/console.h"
@@ -68,6 +69,8 @@ class CommandContext {
   // What the ledger has of these requests, once all is stored; nothing of one that it does not have. What
   // goes wrong is told.
   std::map<RequestId, TicketRequest> stored(const std::vector<RequestId>& requests) const;
+  // The requests of a ticket, once all is stored; nothing, after a message, when they can't be read.
+  std::optional<std::vector<TicketRequest>> requests_of(std::int64_t ticket) const;
   // False, after a message, when one of these accounts is not in the accounts list.
   bool knows(const std::vector<std::int32_t>& accounts) const;
   // How many of these accounts, or of all when none is named, are not connected; says so when there are any.

@@ -224,6 +224,31 @@ Command add_cancel(CLI::App& app) {
   return {.app = &command, .effect = Effect::sends, .run = with(cancel_command, arguments)};
 }
 
+Command add_retry(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "retry", "Send again what of a ticket was refused or not sent, with the shares it had");
+  auto arguments = std::make_shared<RetryArguments>();
+  command.add_option("ticket", arguments->ticket, "Number of the ticket, as tuttictl tickets names it")
+      ->required();
+  add_requote(command, arguments->requote);
+  explain(command, "tuttictl --yes retry 34",
+          "0 all of it was accepted, or there was nothing left, 1 some refused or left out, 4 the outcome of "
+          "some "
+          "is unknown");
+  return {.app = &command, .effect = Effect::sends, .run = with(retry_command, arguments)};
+}
+
+Command add_tickets(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("tickets", "Show your newest acts and what became of them");
+  auto count = std::make_shared<int>(20);
+  command.add_option("--last", *count, "How many; 20 when not given")
+      ->check(CLI::Range(1, 1'000'000).description(""));
+  explain(command, "tuttictl --json tickets --last 100", "0 also when there are none");
+  return {.app = &command, .logs_in = false, .read = [count](const HomeContext& context) {
+            return tickets_command(context, *count);
+          }};
+}
+
 Command add_net(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("net", "Show the net positions of all accounts, per symbol");
   auto by_account = std::make_shared<bool>(false);
@@ -343,8 +368,10 @@ std::vector<Command> add_commands(CLI::App& app) {
   out.push_back(add_net(app));
   out.push_back(add_close(app));
   out.push_back(add_cancel(app));
+  out.push_back(add_retry(app));
   out.push_back(add_verify(app));
   out.push_back(add_journal(app));
+  out.push_back(add_tickets(app));
   out.push_back(add_fills(app));
   out.push_back(add_unknown(app));
   add_ledger(app, out);

@@ -56,6 +56,12 @@ struct RowsArguments : AccountArguments {
   RequoteReply requote = RequoteReply::reject;
 };
 
+// The rest of an act, to be sent again.
+struct RetryArguments {
+  std::int64_t ticket = 0;
+  RequoteReply requote = RequoteReply::reject;
+};
+
 // What a command works with that needs no terminal: it may run beside one that has the folder.
 struct HomeContext {
   Console& console;
@@ -69,6 +75,8 @@ int ledger_backup_command(const HomeContext& context, const std::filesystem::pat
 int ledger_export_command(const HomeContext& context);
 // Requests whose outcome nobody knows.
 int unknown_command(const HomeContext& context);
+// The newest acts, and what became of them.
+int tickets_command(const HomeContext& context, int count);
 // What was filled, and what it brought.
 int fills_command(const HomeContext& context, const FillFilter& filter);
 
@@ -76,6 +84,7 @@ int accounts_command(CommandContext& context);
 int order_command(CommandContext& context, const OrderArguments& arguments);
 int entry_command(CommandContext& context, const EntryArguments& arguments);
 int modify_command(CommandContext& context, const ModifyArguments& arguments);
+int retry_command(CommandContext& context, const RetryArguments& arguments);
 // Oldest first, without holding it: a history may be of any size.
 int journal_command(CommandContext& context, std::int32_t account);
 int positions_command(CommandContext& context);

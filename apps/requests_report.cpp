@@ -30,8 +30,7 @@ bool RequestsReport::accepted(const Asked& asked) const {
   return request != nullptr && request->outcome == SentOrder::Outcome::accepted;
 }
 
-std::string RequestsReport::result(const Asked& asked) const {
-  const SentOrder* request = sent(asked);
+std::string RequestsReport::result(const SentOrder* request) {
   if (request == nullptr) return "not sent";
   switch (request->outcome) {
     case SentOrder::Outcome::accepted:
@@ -86,14 +85,14 @@ void RequestsReport::print(std::vector<Asked> all) const {
   for (const Asked& asked : all) {
     const SentOrder* request = sent(asked);
     std::vector<Json> values{asked.number, asked.account, request ? Json(request->request_code) : Json{},
-                             accepted(asked), result(asked)};
+                             accepted(asked), result(request)};
     std::vector<std::string> cells{std::to_string(asked.number), std::to_string(asked.account)};
     if (fills) {
       const StoredFill fill{stored, request == nullptr ? 0 : request->id};
       fill.add_to(values);
       cells.push_back(fill.price_text());
     }
-    cells.push_back(result(asked));
+    cells.push_back(result(request));
     records.add(std::move(values));
     table.add(std::move(cells));
   }

@@ -31,9 +31,10 @@ class RequestsReport {
   // By account, then by number.
   void print(std::vector<Asked> all) const;
 
- private:
-  std::string result(const Asked& asked) const;
+  // What became of one request, in words; nullptr when nothing was sent.
+  static std::string result(const SentOrder* request);
 
+ private:
   CommandContext& context_;
   RequestKind kind_;
   const char* name_;

@@ -36,7 +36,7 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
   auto started =
       Main::start(options_.home,
                   MachinePorts{ports_.clock, ports_.prompt, ports_.sound, locale_, ports_.file_dialog,
-                               *ledger_, options_.key_file, ports_.tell},
+                               *ledger_, options_.key_file, ports_.tell, &reads_},
                   ServerSide{[this](const LoginData& login) { return backend_->make_client(login); },
                              backend_->events(), backend_->endpoint(), backend_->simulated()});
   if (!started) return tl::unexpected(started.error());

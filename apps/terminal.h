@@ -16,6 +16,7 @@
 #include "core/locale_port.h"
 #include "core/prompt.h"
 #include "core/sound_port.h"
+#include "ledger/ledger_watch.h"
 #include "ledger/ledger_writer.h"
 #include "sessions/contract/backend.h"
 #include "shell/Main.h"
@@ -103,6 +104,7 @@ class Terminal {
   ProcessLocale locale_;
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<LedgerWriter> ledger_;
+  LedgerWatch reads_{options_.home, options_.key_file};
   std::unique_ptr<Main> main_;
 };
 

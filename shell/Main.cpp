@@ -71,6 +71,9 @@ void Main::connect() {
   pending_.EdirMode = edit;
   trade_.EdirMode = edit;
   desk_.requote = &requote_;
+  tickets_.send_again = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+    ticket_retry_.send(ticket, requests);
+  };
 }
 
 // Everything that closes positions, and what is picked for it elsewhere.
@@ -111,6 +114,9 @@ std::size_t Main::deliver_events(std::size_t limit) {
 
 void Main::poll_timers(bool events_wait) {
   sessions_.send_stored();
+  if (ports_.reads != nullptr) ports_.reads->deliver();
+  tickets_.poll();
+  fills_.poll();
   if (!events_wait) accounts_.m_oTimer.poll(ports_.clock.now());
   journal_.flush();
   if (window_.stamp() == totals_shown_) return;

@@ -21,11 +21,13 @@
 #include "core/message_queue.h"
 #include "core/paths.h"
 #include "ledger/ledger.h"
+#include "ledger/ledger_reads.h"
 #include "orders/close_helper.h"
 #include "orders/frmClosePos.h"
 #include "orders/frmPriceChanged.h"
 #include "orders/frmlimitorder.h"
 #include "orders/frmorder.h"
+#include "orders/ticket_retry.h"
 #include "sessions/CClientAPIManagers.h"
 #include "sessions/CLoginOptions.h"
 #include "sessions/desk.h"
@@ -37,12 +39,14 @@
 #include "views/CNetPos.h"
 #include "views/COpenPos.h"
 #include "views/CPendingOrds.h"
+#include "views/fill_list.h"
 #include "views/frmJournal.h"
 #include "views/frmMW.h"
 #include "views/frmNetTrade.h"
 #include "views/frmPending.h"
 #include "views/frmTrade.h"
 #include "views/net_matrix.h"
+#include "views/ticket_board.h"
 
 namespace tutti {
 
@@ -56,6 +60,7 @@ struct MachinePorts {
   Ledger& ledger;
   std::filesystem::path key_file = {};  // key of the account records; empty: where KeyFile looks for it
   std::function<void(std::string_view text)> outside = {};  // standard error of the program; may be empty
+  LedgerReads* reads = nullptr;  // of what the ledger has; nullptr where nobody looks
 };
 
 // What stands behind the trading clients, and the address it answers to.
@@ -99,6 +104,9 @@ class Main {
   frmClosePos& close_positions() { return close_positions_; }
   frmNetTrade& net_trade() { return net_trade_; }
   NetMatrix& net_matrix() { return net_matrix_; }
+  TicketBoard& tickets() { return tickets_; }
+  FillList& fills() { return fills_; }
+  TicketRetry& ticket_retry() { return ticket_retry_; }
   frmPriceChanged& requote() { return requote_; }
   frmJournal& journal_window() { return journal_window_; }
   CJournal& journal() { return journal_; }
@@ -158,6 +166,9 @@ class Main {
   frmClosePos close_positions_{general_, question_box_,    sessions_,     books_.accounts,
                                trade_,   books_.positions, books_.symbols};
   CloseHelper close_helper_{general_, sessions_};
+  TicketRetry ticket_retry_{general_, sessions_, books_};
+  TicketBoard tickets_{ports_.clock, ports_.reads};
+  FillList fills_{ports_.clock, ports_.reads};
   std::uint64_t totals_shown_ = 0;  // stamp of the main window's state that the summary label shows
 };
 

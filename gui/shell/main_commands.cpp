@@ -257,7 +257,7 @@ void MainCommands::add_requote_commands() {
 
 void MainCommands::make_view_menu() {
   for (const Pane& pane : to_.panes.all()) {
-    add(pane.name.toLatin1(), pane.menu, harmless, Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + pane.key),
+    add(pane.name.toLatin1(), pane.menu, harmless, Qt::CTRL | pane.key,
         [this, name = pane.name] { to_.panes.bring_up(name); }, {.icon = pane.icon});
   }
   separate();
@@ -322,6 +322,9 @@ void MainCommands::add_context_menus() {
   fill(panes.net_trade().list(), {"close_net"});
   fill(panes.net_trade().accounts(), {"close_net"});
   fill(panes.net_matrix().list(), {"close_block"});
+  fill(panes.tickets().list(), {});
+  fill(panes.tickets().requests(), {});
+  fill(panes.fills().list(), {});
 }
 
 void MainCommands::explain_buttons() {

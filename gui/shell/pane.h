@@ -26,7 +26,7 @@ struct Pane {
   const char* menu;                  // in the menu, with its letter
   const char* icon;                  // there; empty for none
   std::string help;                  // topic
-  int key;                           // digit that brings it up together with Ctrl
+  Qt::Key key;                       // that brings it up together with Ctrl
   Area area;                         // the first pane of an area stands there, the others are tabs behind it
   QWidget* widget;                   // what is shown
   RowListView* list;                 // its main list, for keys and export; nullptr when there is none

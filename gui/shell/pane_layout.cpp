@@ -12,7 +12,7 @@ namespace tutti {
 namespace {
 
 // Raised when panes come or go, so that older layouts are not applied to them.
-constexpr int layout_version = 2;
+constexpr int layout_version = 3;
 constexpr QSize standard_size{1600, 900};
 constexpr QSize frame{8, 40};       // at most what the window manager puts around a window
 constexpr int room_for_two = 2200;  // width from which positions and journal stand side by side

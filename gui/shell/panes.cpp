@@ -52,6 +52,8 @@ void Panes::make_panes(Screen& screen) {
   net_trade_ = new FrmNetTradeWindow{main.net_trade(), accounts, screen};
   net_matrix_ = new NetMatrixWindow{main.net_matrix(), accounts, screen};
   close_positions_ = new FrmClosePosWindow{main.close_positions(), screen, main.general().clock};
+  tickets_ = new TicketBoardWindow{main.tickets(), screen};
+  fills_ = new FillListWindow{main.fills(), screen};
 
   using Area = Pane::Area;
   add({text("accounts"),
@@ -59,7 +61,7 @@ void Panes::make_panes(Screen& screen) {
        "&Accounts list",
        "",
        "accounts",
-       1,
+       Qt::Key_1,
        Area::centre,
        accounts_,
        &accounts_->list(),
@@ -70,20 +72,20 @@ void Panes::make_panes(Screen& screen) {
        "Market &watch",
        "",
        "market-watch",
-       2,
+       Qt::Key_2,
        Area::watch,
        market_watch_,
        &market_watch_->list(),
        {},
        tell(main.market_watch())});
-  add({text("market_order"), text("Market order"), "Market &order", "market-order", "market-order", 3,
+  add({text("market_order"), text("Market order"), "Market &order", "market-order", "market-order", Qt::Key_3,
        Area::orders, market_order_, &market_order_->list(), [this] { market_order_->focus_amount(); }});
   add({text("trade"),
        QString::fromUtf8(frmTrade::caption.data()),
        "&Trade",
        "",
        "positions",
-       4,
+       Qt::Key_4,
        Area::bottom,
        trade_,
        &trade_->list(),
@@ -94,7 +96,7 @@ void Panes::make_panes(Screen& screen) {
        "&Pending orders",
        "",
        "pending-orders",
-       5,
+       Qt::Key_5,
        Area::bottom,
        pending_,
        &pending_->list(),
@@ -105,14 +107,14 @@ void Panes::make_panes(Screen& screen) {
        "&Journal",
        "journal",
        "journal",
-       6,
+       Qt::Key_6,
        Area::further,
        journal_,
        &journal_->list(),
        {},
        tell(main.journal())});
   // Bringing this one to the front is an event of its own.
-  add({text("entry_order"), text("Entry order"), "&Entry order", "entry-order", "entry-order", 7,
+  add({text("entry_order"), text("Entry order"), "&Entry order", "entry-order", "entry-order", Qt::Key_7,
        Area::orders, entry_order_, &entry_order_->list(), [this] { entry_order_->focus_amount(); },
        [&form = main.entry_order()](bool seen) {
          if (form.Displayed() != seen) form.Displayed(seen);
@@ -123,17 +125,39 @@ void Panes::make_panes(Screen& screen) {
        "&Net positions",
        "",
        "net-positions",
-       8,
+       Qt::Key_8,
        Area::bottom,
        net_trade_,
        &net_trade_->list(),
        {},
        [this](bool seen) { main_.net_positions().Displayed(seen || in_sight(*net_matrix_)); }});
-  add({text("net_matrix"), text("Accounts x symbols"), "Accounts x &symbols", "", "net-positions", 9,
+  add({text("net_matrix"), text("Accounts x symbols"), "Accounts x &symbols", "", "net-positions", Qt::Key_9,
        Area::bottom, net_matrix_, &net_matrix_->list()});
   add({text("close_positions"), text("Close positions"), "&Close positions", "close-positions",
-       "close-positions", 0, Area::bottom, close_positions_, &close_positions_->list(),
+       "close-positions", Qt::Key_0, Area::bottom, close_positions_, &close_positions_->list(),
        [this] { close_positions_->focus_symbol(); }, tell(main.close_positions())});
+  add({text("tickets"),
+       text("Tickets"),
+       "T&ickets",
+       "",
+       "tickets",
+       Qt::Key_Y,
+       Area::bottom,
+       tickets_,
+       &tickets_->list(),
+       {},
+       tell(main.tickets())});
+  add({text("fills"),
+       text("Fills"),
+       "Fi&lls",
+       "",
+       "tickets",
+       Qt::Key_D,
+       Area::bottom,
+       fills_,
+       &fills_->list(),
+       {},
+       tell(main.fills())});
 }
 
 // The forms go by whether their windows can be seen.

@@ -4,6 +4,7 @@
 #include <deque>
 
 #include "gui/shell/pane.h"
+#include "gui/windows/fill_list_window.h"
 #include "gui/windows/frmClosePos_window.h"
 #include "gui/windows/frmJournal_window.h"
 #include "gui/windows/frmMW_window.h"
@@ -14,6 +15,7 @@
 #include "gui/windows/frmlimitorder_window.h"
 #include "gui/windows/frmorder_window.h"
 #include "gui/windows/net_matrix_window.h"
+#include "gui/windows/ticket_board_window.h"
 
 namespace tutti {
 
@@ -57,6 +59,8 @@ class Panes {
   FrmNetTradeWindow& net_trade() { return *net_trade_; }
   NetMatrixWindow& net_matrix() { return *net_matrix_; }
   FrmJournalWindow& journal() { return *journal_; }
+  TicketBoardWindow& tickets() { return *tickets_; }
+  FillListWindow& fills() { return *fills_; }
 
  private:
   void make_panes(Screen& screen);
@@ -82,6 +86,8 @@ class Panes {
   FrmNetTradeWindow* net_trade_ = nullptr;
   NetMatrixWindow* net_matrix_ = nullptr;
   FrmJournalWindow* journal_ = nullptr;
+  TicketBoardWindow* tickets_ = nullptr;
+  FillListWindow* fills_ = nullptr;
   bool entry_in_front_ = false;
 };
 

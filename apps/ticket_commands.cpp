@@ -1,0 +1,120 @@
+// The operator's acts: what became of each, and sending the rest of one again.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "apps/commands.h"
+#include "apps/output.h"
+#include "apps/requests_report.h"
+#include "apps/requote_answer.h"
+#include "apps/stored_fill.h"
+#include "apps/times.h"
+#include "core/numbers.h"
+#include "ledger/ledger_reader.h"
+#include "ledger/ledger_words.h"
+#include "views/ticket_texts.h"
+
+namespace tutti {
+namespace {
+
+Json text_or_null(std::string_view text) {
+  return text.empty() ? Json{} : Json(std::string{text});
+}
+
+// One line per request that was sent, as the other commands that send have it.
+void print_sent(CommandContext& context, const std::vector<const SentOrder*>& sent) {
+  std::vector<RequestId> ids;
+  for (const SentOrder* each : sent)
+    ids.push_back(each->id);
+  const auto stored = context.stored(ids);
+  Records records{
+      {"account", "kind", "share", "request_code", "accepted", "result", "order", "filled", "price", "time"}};
+  TextTable table{
+      {{"Account", true}, {"What"}, {"Share", true}, {"Order", true}, {"Price", true}, {"Result"}}};
+  for (const SentOrder* each : sent) {
+    const StoredFill fill{stored, each->id};
+    const std::string result = RequestsReport::result(each);
+    const bool accepted = each->outcome == SentOrder::Outcome::accepted;
+    std::vector<Json> values{each->account,
+                             std::string{ledger_words::of(each->kind)},
+                             each->amount > 0.0 ? json_number(each->amount) : Json{},
+                             format_as(each->request_code),
+                             accepted,
+                             result,
+                             fill.order()};
+    fill.add_to(values);
+    records.add(std::move(values));
+    table.add({std::to_string(each->account), std::string{ticket_texts::what(each->kind)},
+               each->amount > 0.0 ? number_text(each->amount) : "", fill.order_text(), fill.price_text(),
+               result});
+  }
+  context.print("requests", records, context.totals_and_journal(), [&] {
+    Main& main = context.main();
+    return fmt::format("{}{}\n\n{}", table.text(), main.window().totals_pane(), journal_text(main));
+  });
+}
+
+}  // namespace
+
+int tickets_command(const HomeContext& context, int count) {
+  const auto tickets = LedgerReader{context.terminal.home, context.terminal.key_file}.newest_tickets(count);
+  if (!tickets) {
+    context.console.fail(tickets.error().text());
+    return exit_status::unreadable_data;
+  }
+  Records records{
+      {"ticket", "time", "kind", "side", "symbol", "amount", "price", "by", "retry_of", "result"}};
+  TextTable table{{{"Ticket", true},
+                   {"Time"},
+                   {"What"},
+                   {"Side"},
+                   {"Symbol"},
+                   {"Lots", true},
+                   {"Price", true},
+                   {"Result"}}};
+  for (const TicketRecord& each : *tickets) {
+    const double price = each.kind == RequestKind::entry ? each.price : each.price_at_click;
+    const std::string result = ticket_texts::summary(each);
+    records.add({each.number, utc_text(each.time), std::string{ledger_words::of(each.kind)},
+                 text_or_null(ledger_words::of(each.side)), text_or_null(each.symbol),
+                 each.total > 0.0 ? json_number(each.total) : Json{},
+                 price != 0.0 ? json_number(price) : Json{}, text_or_null(each.by),
+                 each.retry_of != 0 ? Json(each.retry_of) : Json{}, result});
+    table.add({std::to_string(each.number), utc_text(each.time), std::string{ticket_texts::what(each.kind)},
+               ticket_texts::side(each.kind, each.side), each.symbol,
+               each.total > 0.0 ? number_text(lots_of_sum(each.total)) : "",
+               price != 0.0 ? number_text(price) : "", result});
+  }
+  context.console.print(report_text(context.form, "tickets", records, Json::object(), [&] {
+    return (tickets->empty() ? "" : table.text()) + fmt::format("{} tickets\n", tickets->size());
+  }));
+  return exit_status::all_accepted;
+}
+
+int retry_command(CommandContext& context, const RetryArguments& arguments) {
+  const auto requests = context.requests_of(arguments.ticket);
+  if (!requests) return exit_status::unreadable_data;
+  if (requests->empty()) {
+    context.console().fail("There is no ticket {}: tuttictl tickets names them", arguments.ticket);
+    return exit_status::usage;
+  }
+  const auto sent = context.main().ticket_retry().send(arguments.ticket, *requests);
+  run_answering(context, arguments.requote, [&] {
+    return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
+  });
+  context.journal_unanswered();
+  print_sent(context, sent);
+  if (std::any_of(sent.begin(), sent.end(), [](const SentOrder* each) {
+        return !each->settled() || each->outcome == SentOrder::Outcome::unknown;
+      }))
+    return exit_status::some_unknown;
+  const auto wanted = std::count_if(requests->begin(), requests->end(),
+                                    [](const TicketRequest& each) { return each.may_be_retried(); });
+  const auto done = std::count_if(sent.begin(), sent.end(), [](const SentOrder* each) {
+    return each->outcome == SentOrder::Outcome::accepted;
+  });
+  return done == wanted ? exit_status::all_accepted : exit_status::some_refused;
+}
+
+}  // namespace tutti

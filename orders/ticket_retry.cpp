@@ -1,0 +1,157 @@
+#include "orders/ticket_retry.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/numbers.h"
+#include "views/lot_sums.h"
+
+namespace tutti {
+namespace {
+
+// No round of the entry order window: its line of answers counts what was sent from there.
+constexpr int no_round = -1;
+
+std::string counted(std::size_t count, const char* one) {
+  return fmt::format("{} {}{}", count, one, count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+CClientAPIManager* TicketRetry::session_of(const LedgerAccount& account) const {
+  for (const auto& session : sessions_.Children())
+    if (session->ledger_account() == account && session->ClientAPIF().LoggedIn()) return session.get();
+  return nullptr;
+}
+
+std::string TicketRetry::obstacle(const TicketRequest& request, const CClientAPIManager* session) const {
+  if (session == nullptr) return "not connected";
+  const std::int32_t account = request.account.account;
+  switch (request.kind) {
+    case RequestKind::open:
+    case RequestKind::entry:
+      return session->GetIDByName(request.symbol) == 0 ? "does not carry " + request.symbol : "";
+    case RequestKind::close:
+      if (sessions_.close_awaited(request.number, account))
+        return fmt::format("the answer to a close of #{} is awaited", request.number);
+      [[fallthrough]];
+    case RequestKind::stops:
+      return books_.positions.find(request.number, account) == nullptr
+                 ? fmt::format("position #{} is no longer open", request.number)
+                 : "";
+    case RequestKind::cancel:
+    case RequestKind::update:
+      return books_.orders.find(request.number, account) == nullptr
+                 ? fmt::format("order #{} is gone", request.number)
+                 : "";
+    case RequestKind::requote:
+      break;
+  }
+  return "its order has ended";
+}
+
+std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequest>& requests,
+                                                    std::vector<std::string>& left_out) const {
+  std::vector<Rest> out;
+  left_out.clear();
+  for (const TicketRequest& each : requests) {
+    if (!each.may_be_retried() || sent_.contains(each.id)) continue;
+    CClientAPIManager* session = session_of(each.account);
+    const std::string why = obstacle(each, session);
+    if (why.empty()) {
+      out.push_back({&each, session});
+    } else {
+      left_out.push_back(fmt::format("Account {}: {}", each.account.account, why));
+    }
+  }
+  return out;
+}
+
+std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
+                                                const std::vector<TicketRequest>& requests) {
+  std::vector<std::string> left_out;
+  std::vector<Rest> rest = rest_of(requests, left_out);
+  const auto about = [&] {
+    LotSums sums{"request"};
+    for (const Rest& each : rest)
+      sums.add(each.request->symbol, each.request->lots);
+    std::string out = sums.text();
+    for (const std::string& line : left_out)
+      out += "\n" + line;
+    return out;
+  };
+  if (rest.empty()) {
+    std::string text = fmt::format("Nothing of ticket {} can be sent again", ticket);
+    for (const std::string& line : left_out)
+      text += "\n" + line;
+    general_.message_box(text);
+    return {};
+  }
+  double lots = 0.0;
+  for (const Rest& each : rest)
+    lots += each.request->lots;
+  const std::string sum = lots > 0.0 ? ", " + number_text(lots_of_sum(lots)) + " lots in all" : "";
+  const std::string question =
+      fmt::format("Send {} of ticket {} again{}?", counted(rest.size(), "request"), ticket, sum);
+  constexpr int yes = 1;
+  if (general_.msg_box.GeneralQuestionMsg(question, about()) != yes) return {};
+  // Events went on while the question stood.
+  rest = rest_of(requests, left_out);
+  std::vector<const SentOrder*> sent;
+  if (rest.empty()) return sent;
+  LedgerTicket of_all;
+  const TicketRequest& first = *rest.front().request;
+  const bool alike = std::all_of(rest.begin(), rest.end(), [&](const Rest& each) {
+    return each.request->kind == RequestKind::open && each.request->symbol == first.symbol &&
+           each.request->side == first.side;
+  });
+  if (alike) of_all = sessions_.at_click(first.side, books_.symbols.find(first.symbol));
+  of_all.retry_of = ticket;
+  sessions_.as_one_ticket(
+      [&] {
+        for (const Rest& each : rest) {
+          sent_.insert(each.request->id);
+          sessions_.as_retry_of(each.request->id, [&] { sent.push_back(&send(each)); });
+        }
+      },
+      of_all);
+  return sent;
+}
+
+const SentOrder& TicketRetry::send(const Rest& rest) {
+  const TicketRequest& request = *rest.request;
+  CClientAPIManager& session = *rest.session;
+  const SymbolHandle symbol = books_.symbols.find(request.symbol);
+  switch (request.kind) {
+    case RequestKind::close:
+      return session.close_position(request.number, request.lots);
+    case RequestKind::cancel: {
+      const auto* order = books_.orders.find(request.number, request.account.account);
+      return session.cancel_order(request.number, order != nullptr && order->kind == OrderKind::stops);
+    }
+    case RequestKind::entry: {
+      const bool stop = request.side == operation::buy_stop || request.side == operation::sell_stop;
+      return session.place_entry({.side = buys(request.side) ? operation::buy : operation::sell,
+                                  .kind = stop ? EntryKind::stop : EntryKind::limit,
+                                  .symbol_id = session.symbol_id(symbol),
+                                  .amount = request.lots,
+                                  .price = request.price,
+                                  .stop_loss = request.stops.stop_loss,
+                                  .take_profit = request.stops.take_profit,
+                                  .has_stop_loss = request.stops.has_stop_loss,
+                                  .has_take_profit = request.stops.has_take_profit},
+                                 symbol, no_round);
+    }
+    case RequestKind::update:
+      return session.update_entry(request.number, request.price, request.stops, no_round);
+    case RequestKind::stops:
+      return session.set_stops(request.number, request.stops, no_round);
+    case RequestKind::open:
+    case RequestKind::requote:
+      break;
+  }
+  return session.market_order(request.side, symbol, request.lots);
+}
+
+}  // namespace tutti

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <tsl/robin_set.h>
+
+#include "books/books.h"
+#include "core/MGeneral.h"
+#include "ledger/ledger_queries.h"
+#include "sessions/CClientAPIManagers.h"
+
+namespace tutti {
+
+// Sends the rest of a ticket again: exactly those of its requests that have had no effect for sure, each with
+// the lots and prices it had, as a ticket of its own. What was sent again before is not sent once more.
+class TicketRetry {
+ public:
+  TicketRetry(MGeneral& general, CClientAPIManagers& sessions, const Books& books)
+      : general_(general), sessions_(sessions), books_(books) {}
+
+  // The operator's: asks, with count and sum, then sends. Answers what was sent; it stays as long as the
+  // terminal. What can't be sent now - its account is not connected, its position is gone - is told and stays
+  // as it is.
+  std::vector<const SentOrder*> send(std::int64_t ticket, const std::vector<TicketRequest>& requests);
+
+ private:
+  // What is to be sent again, and who sends it.
+  struct Rest {
+    const TicketRequest* request = nullptr;
+    CClientAPIManager* session = nullptr;
+  };
+
+  std::vector<Rest> rest_of(const std::vector<TicketRequest>& requests,
+                            std::vector<std::string>& left_out) const;
+  CClientAPIManager* session_of(const LedgerAccount& account) const;
+  // Why it can't be sent by this session now; empty when it can.
+  std::string obstacle(const TicketRequest& request, const CClientAPIManager* session) const;
+  const SentOrder& send(const Rest& rest);
+
+  MGeneral& general_;
+  CClientAPIManagers& sessions_;
+  const Books& books_;
+  tsl::robin_set<RequestId> sent_;  // by this run
+};
+
+}  // namespace tutti
