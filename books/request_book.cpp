@@ -20,7 +20,7 @@ RequestBook::Sent& RequestBook::of(Sender sender) {
 }
 
 SentOrder& RequestBook::add(RequestId id, Sender sender, RequestKind kind) {
-  assert(id > (all_.size() == 0 ? 0 : all_[all_.size() - 1].id));
+  assert(id > last_id());
   SentOrder& added = all_.add();
   added.id = id;
   added.sender = sender;
@@ -35,7 +35,7 @@ SentOrder& RequestBook::add(RequestId id, Sender sender, RequestKind kind) {
 }
 
 void RequestBook::restore(const SentOrder& request) {
-  assert(request.id > (all_.size() == 0 ? 0 : all_[all_.size() - 1].id));
+  assert(request.id > last_id());
   SentOrder& added = all_.add();
   added = request;
   of(request.sender).alive.push_back(&added);

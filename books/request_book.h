@@ -50,6 +50,8 @@ class RequestBook {
   void note_dropped(SentOrder& request);
 
   const SentOrder* find(RequestId id) const;
+  // The greatest there is; 0 when there is none.
+  RequestId last_id() const { return all_.size() == 0 ? 0 : all_[all_.size() - 1].id; }
   // The one of an account that this id names, whichever of its sessions sent it; nullptr when there is none.
   SentOrder* named(std::int32_t account, RequestId id);
   // The one that these figures fit, of those that have no result; nullptr when there is none, or more than

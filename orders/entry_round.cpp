@@ -86,9 +86,13 @@ OrderAnswers EntryRound::answers() const {
   OrderAnswers out;
   for (const auto& [number, answer] : answers_)
     out.count(answer);
-  out.unknown_before = sessions_.unknown(
-      [this](const SentOrder& order) { return of_entry_window(order.kind) && order.round != round_; });
+  out.unknown_before = sessions_.unknown([this](const SentOrder& order) { return is_of_before(order); });
   return out;
+}
+
+int EntryRound::unknown_before(const Row& row) const {
+  return sessions_.unknown(static_cast<std::int32_t>(row.key().number()),
+                           [this](const SentOrder& order) { return is_of_before(order); });
 }
 
 }  // namespace tutti

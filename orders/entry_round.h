@@ -54,8 +54,13 @@ class EntryRound {
   bool empty() const { return answers_.empty(); }
   OrderAnswer answer_of(const Row& row) const;
   OrderAnswers answers() const;
+  // How many requests of earlier rounds for the account of a row nobody knows the outcome of.
+  int unknown_before(const Row& row) const;
 
  private:
+  bool is_of_before(const SentOrder& order) const {
+    return of_entry_window(order.kind) && order.round != round_;
+  }
   static void note(Row& row, std::string_view text) { row.set_text(AccountRows::result_text, text); }
   void sent(Row& row, RequestCode code);
   std::string report(RequestCode code, std::int32_t account, const Request& request);
@@ -65,7 +70,7 @@ class EntryRound {
   CClientAPIManagers& sessions_;
   const AccountRows& rows_;
   std::string_view stops_;
-  int round_ = 0;
+  int round_ = 1;                                // those of earlier runs have 0
   std::map<std::int32_t, OrderAnswer> answers_;  // of the round, by account
 };
 

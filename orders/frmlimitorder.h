@@ -136,6 +136,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   const AccountBook& account_book() const { return accounts_list_.account_book(); }
   // What became of the last Submit. Distribute begins a new round, which has no orders until the next one.
   OrderAnswer answer_of(const Row& row) const { return round_.answer_of(row); }
+  int unknown_before(const Row& row) const { return round_.unknown_before(row); }
   OrderAnswers answers() const { return round_.answers(); }
   // Submit would take the stop loss and the take profit as they are typed.
   bool stops_accepted() const { return draft_.fault() == EntryDraft::Fault::none; }

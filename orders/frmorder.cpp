@@ -211,6 +211,7 @@ void frmorder::send(void (CClientAPIManagers::*function)()) {
   Enableds(true);
   requests_refused_ = 0;
   sent_ = true;
+  before_ = sessions_.requests().last_id();
   (sessions_.*function)();
 }
 
@@ -241,18 +242,22 @@ frmorder::Answer frmorder::answer_of(const Row& row) const {
 frmorder::Answers frmorder::answers() const {
   Answers out;
   Orders rest = sent_ ? sessions_.last_fan_out() : Orders{};
-  // Ids ascend, and within the last round all come after the first.
-  RequestId first = std::numeric_limits<RequestId>::max();
-  for (const SentOrder* order : rest)
-    first = std::min(first, order->id);
-  out.unknown_before = sessions_.unknown(
-      [&](const SentOrder& order) { return order.kind == RequestKind::open && order.id < first; });
+  out.unknown_before = sessions_.unknown([this](const SentOrder& order) { return is_of_before(order); });
   while (!rest.empty()) {
     const Orders own = of_one_account(rest, rest.front()->account);
     rest = rest.subspan(own.size());
     out.count(combined(own));
   }
   return out;
+}
+
+int frmorder::unknown_before(const Row& row) const {
+  return sessions_.unknown(static_cast<std::int32_t>(row.key().number()),
+                           [this](const SentOrder& order) { return is_of_before(order); });
+}
+
+bool frmorder::is_of_before(const SentOrder& order) const {
+  return order.kind == RequestKind::open && (!sent_ || order.id <= before_);
 }
 
 void frmorder::take_symbol(std::string_view name) {

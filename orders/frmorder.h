@@ -106,6 +106,8 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   using Answers = OrderAnswers;
   Answer answer_of(const Row& row) const;
   Answers answers() const;
+  // How many orders that were sent before that for the account of a row nobody knows the outcome of.
+  int unknown_before(const Row& row) const;
   static std::string answers_text(const Answers& answers) { return answers.text(); }
 
   // The operator's command: as a click on the all-accounts box, but where the box is checked while nobody is
@@ -124,6 +126,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   void clear_all_accounts_box() override { set_all_accounts_box(false); }
 
  private:
+  bool is_of_before(const SentOrder& order) const;
   void cbsymbols_Click();
   void CBdis_Click();
   void chkAllClients_Click();
@@ -154,7 +157,8 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   AccountRows rows_{general_.lots, lvwConClients, txtLvw};
   int requests_refused_ = 0;
   bool has_lot_limits_ = false;
-  bool sent_ = false;  // Buy or Sell was pressed since the last Distribute
+  bool sent_ = false;     // Buy or Sell was pressed since the last Distribute
+  RequestId before_ = 0;  // then the last request of all
 };
 
 }  // namespace tutti

@@ -39,14 +39,18 @@ void OrderAnswers::count(OrderAnswer answer) {
   }
 }
 
+std::string unknown_before_text(int count) {
+  return count > 0 ? std::to_string(count) + " unknown of earlier rounds" : "";
+}
+
 std::string OrderAnswers::text() const {
   std::string out;
-  for (const auto& [count, word] :
-       {std::pair{accepted, " accepted"}, std::pair{refused, " refused"}, std::pair{waiting, " waiting"},
-        std::pair{unknown, " unknown"}, std::pair{unknown_before, " unknown of earlier rounds"}}) {
+  for (const auto& [count, word] : {std::pair{accepted, " accepted"}, std::pair{refused, " refused"},
+                                    std::pair{waiting, " waiting"}, std::pair{unknown, " unknown"}}) {
     if (count > 0) out += (out.empty() ? "" : ", ") + std::to_string(count) + word;
   }
-  return out;
+  const std::string before = unknown_before_text(unknown_before);
+  return out + (out.empty() || before.empty() ? "" : ", ") + before;
 }
 
 }  // namespace tutti

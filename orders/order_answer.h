@@ -19,6 +19,9 @@ enum class OrderAnswer {
 
 OrderAnswer answer_from(SentOrder::Outcome outcome);
 
+// "2 unknown of earlier rounds"; empty for 0.
+std::string unknown_before_text(int count);
+
 // How many accounts have each answer, those whose row has gone meanwhile among them.
 struct OrderAnswers {
   int accepted = 0;

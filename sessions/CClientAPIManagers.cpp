@@ -202,6 +202,15 @@ int CClientAPIManagers::unknown(const std::function<bool(const SentOrder&)>& cou
   return out;
 }
 
+int CClientAPIManagers::unknown(std::int32_t account,
+                                const std::function<bool(const SentOrder&)>& counted) const {
+  int out = 0;
+  if (const auto at = by_account_.find(account); at != by_account_.end())
+    for (const CClientAPIManager* session : at->second)
+      out += requests_.unknown(session->sender(), counted);
+  return out;
+}
+
 int CClientAPIManagers::unanswered() const {
   int out = 0;
   for (const auto& session : sessions_)

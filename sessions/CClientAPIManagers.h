@@ -99,6 +99,8 @@ class CClientAPIManagers {
   int unanswered() const;
   // Requests of all sessions that nobody knows the outcome of, of those for which `counted` holds.
   int unknown(const std::function<bool(const SentOrder&)>& counted) const;
+  // The same of one account, which has several sessions when it stands under several user names.
+  int unknown(std::int32_t account, const std::function<bool(const SentOrder&)>& counted) const;
   // Gives up what no word came for in too long, journaled. What was given up since, for that or with its
   // connection, has one message. To be called once a second, so that what comes together is told together.
   void look_at_the_clock();

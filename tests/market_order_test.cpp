@@ -255,10 +255,19 @@ TEST(MarketOrder, EveryAccountOfTheLastRoundIsCounted) {
   const std::string before = "1 unknown of earlier rounds";
   form.cmddis.click();
   EXPECT_EQ(answers(), "------- " + before);
+  const auto unknown_rows = [&] {
+    std::string out;
+    for (const Row& row : form.lvwConClients)
+      for (int count = form.unknown_before(row); count > 0; --count)
+        out += std::to_string(row.key().number());
+    return out;
+  };
+  EXPECT_EQ(unknown_rows(), "6");
   desk.clients[3]->sink->MarketOrderAccepted({.number = 4, .symbol = "EURUSD"});
   EXPECT_EQ(answers() + desk.state().substr(0, 32), "------- " + before + "x2|x2|x2 Market Order Accepted|-");
   form.cmdsell.click();
   EXPECT_EQ(answers(), "RWW---- 1 refused, 2 waiting, " + before);
+  EXPECT_EQ(unknown_rows(), "6");
 }
 
 TEST(MarketOrder, SharesAreSummedOverTheTickedRows) {

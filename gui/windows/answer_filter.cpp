@@ -20,7 +20,9 @@ constexpr Look looks[] = {
     {"All", "All connected accounts"},
     {"Ticked", "Accounts that take part"},
     {"Refused", "Accounts whose order was refused, and those that were left out"},
-    {"Waiting", "Accounts whose order has no result yet, or lost its connection before it came"},
+    {"Waiting",
+     "Accounts whose order has no result yet, or lost its connection before it came, in this round or "
+     "an earlier one"},
 };
 
 // Narrow enough for four with three digits each in the narrowest pane.
@@ -82,7 +84,7 @@ bool AnswerFilter::shows(Choice choice, const Row& row) const {
   if (choice == ticked) return row.checked();
   const OrderAnswer answer = form_.answer_of(row);
   if (choice == refused) return answer == OrderAnswer::refused || answer == OrderAnswer::left_out;
-  return answer == OrderAnswer::waiting || answer == OrderAnswer::unknown;
+  return answer == OrderAnswer::waiting || answer == OrderAnswer::unknown || form_.unknown_before(row) > 0;
 }
 
 bool AnswerFilter::found(const Row& row) const {

@@ -56,11 +56,28 @@ OrderAccounts::OrderAccounts(OrderForm form, Screen& screen)
     return at == AccountRows::amount ? colour_of(form_.share_fault(row)) : QColor{};
   });
   list_->keep_sorted(AccountRows::account);
+  // What nobody knows of earlier rounds stands behind what this one says.
+  list_->set_pieces([this](const Row& row, std::size_t at) {
+    std::vector<TextPiece> out;
+    if (at != AccountRows::result_text) return out;
+    const std::string before = unknown_before_text(form_.unknown_before(row));
+    if (before.empty()) return out;
+    const std::string result = row.text(at);
+    if (!result.empty()) out.push_back({result + "  -  ", {}});
+    out.push_back({before, QColor{theme::amber}});
+    return out;
+  });
   list_->set_tip([this](const Row& row, std::size_t at) {
     if (at == AccountRows::account) return form_.user_names(row);
     const std::string fault{text_of(form_.share_fault(row))};
+    const std::string before = unknown_before_text(form_.unknown_before(row));
     const std::string result = row.text(AccountRows::result_text);
-    return fault.empty() || result.empty() ? fault : fault + "\n" + result;
+    std::string out = fault;
+    if (fault.empty() && before.empty()) return out;
+    for (const std::string& line : {result, before}) {
+      if (!line.empty()) out += (out.empty() ? "" : "\n") + line;
+    }
+    return out;
   });
   head_->setSpacing(6);
   auto* filter = new AnswerFilter{form_, *list_, screen};

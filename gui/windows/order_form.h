@@ -32,6 +32,8 @@ struct OrderForm {
 
   std::function<OrderAnswer(const Row& row)> answer_of;
   std::function<OrderAnswers()> answers;
+  // Orders of earlier rounds for the account in a row that nobody knows the outcome of.
+  std::function<int(const Row& row)> unknown_before;
   std::function<Shares()> shares;
   std::function<ShareFault(const Row& row)> share_fault;
   // Of one order, in lots; 0 while it is not known.
@@ -58,6 +60,7 @@ OrderForm order_form_of(Form& form, const TextBox& total, TextBox& share_editor,
           .editor_row = [&form] { return form.editor_row(); },
           .answer_of = [&form](const Row& row) { return form.answer_of(row); },
           .answers = [&form] { return form.answers(); },
+          .unknown_before = [&form](const Row& row) { return form.unknown_before(row); },
           .shares = [&form] { return form.shares(); },
           .share_fault = [&form](const Row& row) { return form.share_fault(row); },
           .minimum_lot = [&form] { return form.minimum_lot(); },
