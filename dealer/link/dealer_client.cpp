@@ -175,8 +175,8 @@ std::optional<std::size_t> DealerClient::place_of(std::int32_t symbol_id) const 
 }
 
 std::optional<std::size_t> DealerClient::carried(std::string_view symbol) const {
-  if (FindSymbol(symbol) == nullptr) return std::nullopt;
-  return session_->place_of(symbol);
+  const auto place = session_->place_of(symbol);
+  return LoggedIn() && place && session_->carries(*place) ? place : std::nullopt;
 }
 
 double DealerClient::SymbolLimitDistance(std::string_view symbol) const {

@@ -49,7 +49,8 @@ void DealerSession::refuse() {
 void DealerSession::open(TradingAccount* account) {
   link_ = Link::on;
   account_ = account;
-  load_symbols();
+  price_waiting_.assign(market_.count(), false);
+  high_low_waiting_.assign(market_.count(), false);
   if (account_ != nullptr) account_->set_listener(this);
   forget_waiting();
   post(ConnectionNews{true});
@@ -75,17 +76,25 @@ void DealerSession::end(bool dropped) {
   if (connecting) post(WaitingNews{waiting_mode::normal});
 }
 
-void DealerSession::load_symbols() {
-  symbols_.clear();
-  for (std::size_t s = 0; s < market_.count(); ++s) {
-    const SymbolConfig& config = market_.symbol(s);
-    const Quote& quote = market_.quote(s);
-    symbols_.push_back({account_ != nullptr ? account_->symbol_id(s) : 0, config.name, config.digits,
-                        config.contract_size, quote.bid, quote.ask, quote.high, quote.low, quote.time,
-                        config.base, config.profit, config.margin_rate});
+const Symbol& DealerSession::Shown::fill(const DealerSession& session, std::size_t index) {
+  if (place != index) {
+    const SymbolConfig& config = session.market_.symbol(index);
+    record = {.name = config.name,
+              .digits = config.digits,
+              .contract_size = config.contract_size,
+              .base = config.base,
+              .profit = config.profit,
+              .margin_rate = config.margin_rate};
+    place = index;
   }
-  price_waiting_.assign(market_.count(), false);
-  high_low_waiting_.assign(market_.count(), false);
+  const Quote& quote = session.market_.quote(index);
+  record.id = session.account_ != nullptr ? session.account_->symbol_id(index) : 0;
+  record.bid = quote.bid;
+  record.ask = quote.ask;
+  record.high = quote.high;
+  record.low = quote.low;
+  record.quote_time = quote.time;
+  return record;
 }
 
 void DealerSession::forget_waiting() {
@@ -105,18 +114,11 @@ void DealerSession::post(News news) {
 }
 
 void DealerSession::tell_price(const Market::Move& move) {
-  const Quote& quote = market_.quote(move.symbol);
-  Symbol& symbol = symbols_[move.symbol];
-  symbol.bid = quote.bid;
-  symbol.ask = quote.ask;
-  symbol.high = quote.high;
-  symbol.low = quote.low;
-  symbol.quote_time = quote.time;
-  if (sink_ == nullptr || symbol.id == 0) return;
+  if (sink_ == nullptr || !carries(move.symbol)) return;
   if (!price_waiting_[move.symbol]) {
     price_waiting_[move.symbol] = true;
     if (const auto value = faults_.garbage(number_, FaultPoint::price)) {
-      SpoiltPrice spoilt{symbol};
+      SpoiltPrice spoilt{symbol(move.symbol)};
       spoilt.symbol.bid = spoilt.symbol.ask = spoilt.symbol.high = spoilt.symbol.low = *value;
       post(std::make_unique<SpoiltPrice>(std::move(spoilt)));
     }
@@ -232,12 +234,12 @@ void DealerSession::pass(CLAPICLASS& sink, ConnectionNews news) {
 
 void DealerSession::pass(CLAPICLASS& sink, PriceNews news) {
   price_waiting_[news.symbol] = false;
-  sink.SymbolPricesChanged(symbols_[news.symbol]);
+  sink.SymbolPricesChanged(told_.fill(*this, news.symbol));
 }
 
 void DealerSession::pass(CLAPICLASS& sink, HighLowNews news) {
   high_low_waiting_[news.symbol] = false;
-  sink.SymbolHighLowChanged(symbols_[news.symbol]);
+  sink.SymbolHighLowChanged(told_.fill(*this, news.symbol));
 }
 
 void DealerSession::pass(CLAPICLASS& sink, FloatingNews news) {

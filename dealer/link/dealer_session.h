@@ -37,8 +37,11 @@ class DealerSession final : public AccountListener {
   std::int32_t number() const { return number_; }
   // The account that is logged in; nullptr when none, or when the user does not own the number.
   TradingAccount* account() const { return account_; }
-  // Record by place in the market; its id is 0 when the account does not carry it. Only while `on`.
-  const Symbol& symbol(std::size_t index) const { return symbols_[index]; }
+  // Record by place in the market; its id is 0 when the account does not carry it. Good until the next one is
+  // asked for.
+  const Symbol& symbol(std::size_t index) const { return asked_.fill(*this, index); }
+  // Whether the account that is logged in carries it.
+  bool carries(std::size_t index) const { return account_ != nullptr && account_->symbol_id(index) != 0; }
   std::optional<std::size_t> place_of(std::string_view symbol) const { return market_.find(symbol); }
 
   // The steps of a connection, each with its news.
@@ -64,8 +67,15 @@ class DealerSession final : public AccountListener {
   void deliver(const News& news);
 
  private:
+  // Sessions differ in the symbols' numbers alone: a record is made when somebody wants it.
+  struct Shown {
+    Symbol record;
+    std::size_t place = ~std::size_t{0};
+
+    const Symbol& fill(const DealerSession& session, std::size_t index);
+  };
+
   void post(News news);
-  void load_symbols();
   void forget_waiting();
   void pass(CLAPICLASS& sink, Signal signal);
   void pass(CLAPICLASS& sink, WaitingNews news);
@@ -92,7 +102,8 @@ class DealerSession final : public AccountListener {
   Link link_ = Link::off;
   std::int32_t number_ = -1;
   TradingAccount* account_ = nullptr;
-  std::vector<Symbol> symbols_;
+  mutable Shown asked_;
+  Shown told_;  // of the event that is being delivered
   std::vector<bool> price_waiting_;
   std::vector<bool> high_low_waiting_;
   bool summary_waiting_ = false;

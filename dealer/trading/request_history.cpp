@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
+#include <string>
 
 namespace tutti {
 namespace {
@@ -27,34 +29,40 @@ bool works(const BookState& book, const RequestRecord& record) {
 }  // namespace
 
 const RequestRecord* RequestHistory::find(std::int32_t account, RequestId id) const {
-  const auto at = records_.find({account, id});
-  return at == records_.end() ? nullptr : &at->second;
+  const auto at = by_id_.find({account, id});
+  return at == by_id_.end() ? nullptr : &at->second->record;
+}
+
+void RequestHistory::outdate(Entry& entry) {
+  ++revision_;
+  if (!std::exchange(entry.unstored, true)) unstored_.push_back(&entry);
 }
 
 RequestRecord* RequestHistory::change(std::int32_t account, RequestId id) {
-  const auto at = records_.find({account, id});
-  if (at == records_.end()) return nullptr;
-  unstored_.insert(at->first);
-  ++revision_;
-  return &at->second;
+  const auto at = by_id_.find({account, id});
+  if (at == by_id_.end()) return nullptr;
+  outdate(*at->second);
+  return &at->second->record;
 }
 
-void RequestHistory::put(RequestRecord record) {
-  const Key key{record.account, record.id};
+RequestHistory::Entry& RequestHistory::put(RequestRecord record) {
   if (record.state == RequestState::working && record.answer)
     working_[{record.account, record.answer->report.number}] = record.id;
-  records_.insert_or_assign(key, std::move(record));
+  auto [at, is_new] = by_id_.try_emplace({record.account, record.id}, nullptr);
+  if (is_new) at.value() = &entries_.emplace_back();
+  at->second->record = std::move(record);
+  return *at->second;
 }
 
 void RequestHistory::add(RequestRecord record) {
-  unstored_.emplace(record.account, record.id);
-  ++revision_;
-  put(std::move(record));
+  outdate(put(std::move(record)));
 }
 
 void RequestHistory::forget(std::int32_t account, RequestId id) {
-  records_.erase({account, id});
-  unstored_.erase({account, id});
+  const auto at = by_id_.find({account, id});
+  if (at == by_id_.end()) return;
+  at->second->record.id = 0;
+  by_id_.erase(at);
 }
 
 void RequestHistory::set_code(std::int32_t account, RequestId id, RequestCode code) {
@@ -112,58 +120,66 @@ std::vector<Execution> RequestHistory::fills(std::int32_t account, TimePoint sin
   return found;
 }
 
-HistoryState RequestHistory::part(const std::set<Key>& keys, std::size_t fills) const {
+HistoryState RequestHistory::part(const Entries& entries, bool Entry::*meant, std::size_t fills) const {
   HistoryState part;
-  for (const Key& key : keys)
-    part.requests.push_back(records_.at(key));
+  for (const Entry* entry : entries)
+    if (entry->*meant && entry->record.id != 0) part.requests.push_back(entry->record);
   part.fills.assign(fills_.end() - static_cast<std::ptrdiff_t>(std::min(fills, fills_.size())), fills_.end());
   return part;
 }
 
 HistoryState RequestHistory::unstored() const {
-  return part(unstored_, unstored_fills_);
+  return part(unstored_, &Entry::unstored, unstored_fills_);
 }
 
 HistoryState RequestHistory::unfiled() const {
-  HistoryState stored = part(unfiled_, unfiled_fills_);
   // Of what changed again since it was stored, the file must not know more than book and log.
-  std::erase_if(stored.requests, [&](const RequestRecord& record) {
-    return unstored_.contains({record.account, record.id});
-  });
-  stored.fills.resize(stored.fills.size() - std::min(unstored_fills_, stored.fills.size()));
-  return stored;
+  Entries stored;
+  std::copy_if(unfiled_.begin(), unfiled_.end(), std::back_inserter(stored),
+               [](const Entry* entry) { return !entry->unstored; });
+  HistoryState out = part(stored, &Entry::unfiled, unfiled_fills_);
+  out.fills.resize(out.fills.size() - std::min(unstored_fills_, out.fills.size()));
+  return out;
 }
 
 HistoryState RequestHistory::all() const {
   HistoryState all;
-  for (const auto& [key, record] : records_)
-    all.requests.push_back(record);
+  for (const Entry& entry : entries_)
+    if (entry.record.id != 0) all.requests.push_back(entry.record);
   all.fills = fills_;
   return all;
 }
 
 void RequestHistory::note_stored() {
-  unfiled_.merge(unstored_);
+  for (Entry* entry : unstored_) {
+    entry->unstored = false;
+    if (!std::exchange(entry->unfiled, true)) unfiled_.push_back(entry);
+  }
   unstored_.clear();
   unstored_fills_ = 0;
 }
 
 void RequestHistory::note_filed() {
+  for (Entry* entry : unfiled_)
+    entry->unfiled = false;
   unfiled_.clear();
   unfiled_fills_ = unstored_fills_;
 }
 
 void RequestHistory::restore(HistoryState filed, HistoryState stored, TimePoint since) {
-  records_.clear();
+  entries_.clear();
+  by_id_.clear();
   working_.clear();
+  unstored_.clear();
+  unfiled_.clear();
   for (RequestRecord& record : filed.requests)
     put(std::move(record));
   for (RequestRecord& record : stored.requests) {
     // A log that was left behind by an earlier book may be older than the file.
     const RequestRecord* known = find(record.account, record.id);
     if (known != nullptr && known->ended()) continue;
-    unfiled_.emplace(record.account, record.id);
-    put(std::move(record));
+    Entry& entry = put(std::move(record));
+    if (!std::exchange(entry.unfiled, true)) unfiled_.push_back(&entry);
   }
   fills_since_ = since;
   fills_.clear();
@@ -176,13 +192,14 @@ void RequestHistory::restore(HistoryState filed, HistoryState stored, TimePoint 
     fills_.push_back(std::move(fill));
     ++unfiled_fills_;
   }
-  std::erase_if(working_, [&](const auto& entry) {
-    return find(entry.first.first, entry.second)->state != RequestState::working;
-  });
+  for (auto at = working_.begin(); at != working_.end();)
+    at = find(at->first.first, at->second)->state == RequestState::working ? std::next(at)
+                                                                           : working_.erase(at);
 }
 
 void RequestHistory::end_missing(const BookState& book) {
-  for (auto& [key, record] : records_) {
+  for (Entry& entry : entries_) {
+    RequestRecord& record = entry.record;
     const bool there = record.state == RequestState::waiting   ? waits(book, record)
                        : record.state == RequestState::working ? works(book, record)
                                                                : true;
@@ -191,8 +208,7 @@ void RequestHistory::end_missing(const BookState& book) {
       working_.erase({record.account, record.answer->report.number});
     record.state = RequestState::cancelled;
     record.answer.reset();
-    unstored_.insert(key);
-    ++revision_;
+    outdate(entry);
   }
 }
 

@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <set>
+#include <deque>
+#include <functional>
 #include <utility>
 #include <vector>
+
+#include <tsl/robin_map.h>
 
 #include "core/clock.h"
 #include "dealer/trading/book_state.h"
@@ -44,7 +46,7 @@ class RequestHistory {
   std::vector<Execution> fills(std::int32_t account, TimePoint since) const;
   TimePoint fills_since() const { return fills_since_; }
 
-  std::size_t size() const { return records_.size(); }
+  std::size_t size() const { return by_id_.size(); }
   // Grows with every change.
   std::uint64_t revision() const { return revision_; }
 
@@ -62,18 +64,31 @@ class RequestHistory {
   void end_missing(const BookState& book);
 
  private:
-  using Key = std::pair<std::int32_t, RequestId>;  // account, id
+  using Key = std::pair<std::int32_t, std::int64_t>;  // account, and id or order
+  struct KeyHash {
+    std::size_t operator()(const Key& key) const {
+      return std::hash<std::int64_t>{}(key.second) * 31 + static_cast<std::size_t>(key.first);
+    }
+  };
+  struct Entry {
+    RequestRecord record;  // its id is 0 when it was forgotten
+    bool unstored = false;
+    bool unfiled = false;
+  };
+  using Entries = std::vector<Entry*>;
 
   // The record, to be changed; nullptr when it is not known.
   RequestRecord* change(std::int32_t account, RequestId id);
-  void put(RequestRecord record);
-  HistoryState part(const std::set<Key>& keys, std::size_t fills) const;
+  Entry& put(RequestRecord record);
+  void outdate(Entry& entry);
+  HistoryState part(const Entries& entries, bool Entry::*meant, std::size_t fills) const;
 
-  std::map<Key, RequestRecord> records_;
-  std::map<std::pair<std::int32_t, std::int64_t>, RequestId> working_;  // by account and order
-  std::vector<Execution> fills_;                                        // in order of time
+  std::deque<Entry> entries_;  // in the order in which they came
+  tsl::robin_map<Key, Entry*, KeyHash> by_id_;
+  tsl::robin_map<Key, RequestId, KeyHash> working_;  // by account and order
+  std::vector<Execution> fills_;                     // in order of time
   TimePoint fills_since_;
-  std::set<Key> unstored_, unfiled_;
+  Entries unstored_, unfiled_;
   // So many fills at the end are stored nowhere, or in the file not yet; the latter count the former.
   std::size_t unstored_fills_ = 0, unfiled_fills_ = 0;
   std::uint64_t revision_ = 0;

@@ -17,7 +17,8 @@ namespace tutti {
 // What whoever has an account's connection may do with it but send: log in and out, and ask.
 //
 // None of it blocks, none raises an event while it runs, and none throws. Record pointers stay valid until
-// the next event or operation of the same client; indices run from 1 to the count. Not thread-safe: GUI
+// the next event or operation of the same client, that of a symbol until the next symbol is asked for;
+// indices run from 1 to the count. Not thread-safe: GUI
 // thread only.
 class AccountClient {
  public:
