@@ -14,7 +14,6 @@ BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
             return client;
           },
           general_, desk_, books_, login_options_, ledger_, accounts) {
-  general_.locale = &locale_;
   desk_.status = &window_;
   desk_.accounts = &accounts_;
   desk_.market_order = &order_;

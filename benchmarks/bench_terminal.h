@@ -54,7 +54,7 @@ class BenchTerminal {
   QuietFileDialog file_dialog_;
   ProcessLocale locale_port_;
   MessageQueue messages_;
-  MGeneral general_{paths_, clock_, sound_, prompt_, messages_};
+  MGeneral general_{paths_, locale_, clock_, sound_, prompt_, messages_};
   CLocalSettings locale_{locale_port_};
   Books books_;
   Desk desk_;
@@ -68,7 +68,7 @@ class BenchTerminal {
   frmMain accounts_{general_, desk_, books_, login_options_, sessions_, file_dialog_};
   frmorder order_{general_, accounts_, sessions_, books_.symbols};
   CQuestionBox question_box_{prompt_, messages_};
-  CNetPos net_{general_};
+  CNetPos net_{locale_};
   frmTrade trade_{general_, question_box_, books_.positions, net_};
   frmClosePos close_positions_{general_, question_box_,    sessions_,     books_.accounts,
                                trade_,   books_.positions, books_.symbols};

@@ -20,7 +20,7 @@ void RowList::set_headers(std::vector<std::string> headers) {
     columns_[i].header = std::move(headers[i]);
     if (!same_number) columns_[i].width = 100.0 / static_cast<double>(headers.size());
   }
-  structure_changed();
+  rearranged();
 }
 
 void RowList::set_column_width(std::size_t column, double percent) {
@@ -50,6 +50,7 @@ Row* RowList::insert(std::size_t index, RowKey key) {
   if (!key.empty() && by_key_.contains(key)) return nullptr;
   auto owned = Row::make(key, columns_.size(), &shared_);
   Row* row = owned.get();
+  bool between = false;
   if (index == 0) {
     // The rows behind keep their places; only the list's first place moves.
     row->place_ = --first_place_;
@@ -58,12 +59,13 @@ Row* RowList::insert(std::size_t index, RowKey key) {
     row->place_ = first_place_ + static_cast<std::int64_t>(rows_.size());
     rows_.push_back(std::move(owned));
   } else {
+    between = true;
     without_holes();
     const auto at = rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(index), std::move(owned));
     number_from(at, first_place_ + static_cast<std::int64_t>(index));
   }
   if (!key.empty()) by_key_.emplace(key, row);
-  structure_changed();
+  between ? rearranged() : structure_changed();
   return row;
 }
 
@@ -72,13 +74,14 @@ void RowList::remove(Row& row) {
   assert(at->get() == &row);
   if (!row.key_.empty()) by_key_.erase(row.key_);
   if (current_ == &row) current_ = nullptr;
+  const bool between = at != rows_.begin() && at + 1 != rows_.end();
   at->reset();
   ++holes_;
   for (; !rows_.empty() && rows_.front() == nullptr; --holes_, ++first_place_)
     rows_.pop_front();
   for (; !rows_.empty() && rows_.back() == nullptr; --holes_)
     rows_.pop_back();
-  structure_changed();
+  between ? rearranged() : structure_changed();
 }
 
 void RowList::close_holes() const {
@@ -121,7 +124,7 @@ std::deque<Row::Owner> RowList::take_all() {
   by_key_.clear();
   current_ = nullptr;
   first_place_ = 0;
-  structure_changed();
+  rearranged();
   return std::exchange(rows_, {});
 }
 
@@ -136,7 +139,7 @@ void RowList::put_back(std::deque<Row::Owner> rows) {
   rows_ = std::move(rows);
   first_place_ = 0;
   number_from(rows_.begin(), first_place_);
-  structure_changed();
+  rearranged();
 }
 
 std::vector<Row*> RowList::selected() const {

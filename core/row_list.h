@@ -81,6 +81,12 @@ class RowList {
 
   std::uint64_t stamp() const { return shared_.stamp; }
   std::uint64_t structure_stamp() const { return structure_stamp_; }
+  // Of the last change other than rows that came or went at one of the ends. While there is none, every row
+  // keeps its place, and places run without a gap from first_place() up to end_place().
+  std::uint64_t rearranged_stamp() const { return rearranged_stamp_; }
+  std::int64_t first_place() const { return first_place_; }
+  std::int64_t end_place() const { return first_place_ + static_cast<std::int64_t>(rows_.size()); }
+  static std::int64_t place(const Row& row) { return row.place_; }
 
   // The operator ticks a row's box, picks a row alone, or double-clicks one.
   void tick(Row& row, bool checked);
@@ -123,6 +129,10 @@ class RowList {
   };
 
   void structure_changed() { structure_stamp_ = ++shared_.stamp; }
+  void rearranged() {
+    structure_changed();
+    rearranged_stamp_ = structure_stamp_;
+  }
 
   std::vector<Column> columns_;
   // Closes the holes, to nobody's notice, and answers the rows.
@@ -140,6 +150,7 @@ class RowList {
   Row* current_ = nullptr;
   Row::Shared shared_;
   std::uint64_t structure_stamp_ = 0;
+  std::uint64_t rearranged_stamp_ = 0;
 };
 
 }  // namespace tutti

@@ -63,7 +63,6 @@ RowListModel::Rows RowListModel::by_group(const Rows& rows) const {
   }
   sort_rows(heads, static_cast<std::size_t>(group_column_), false);
   Rows out;
-  out.reserve(rows.size());
   for (Row* head : heads) {
     std::size_t at = place[head];
     do {
@@ -114,7 +113,6 @@ void RowListModel::check_order(int first, int last) {
 // While sorted once, the rows that are shown keep their order and new ones follow.
 RowListModel::Rows RowListModel::wanted() {
   Rows rows;
-  rows.reserve(list_.size());
   // What the filter said of a row holds until the row changes.
   const RowSet passed = filter_ ? RowSet(shown_.begin(), shown_.end()) : RowSet{};
   for (Row& row : list_) {
@@ -131,7 +129,6 @@ RowListModel::Rows RowListModel::wanted() {
   }
   const RowSet there(rows.begin(), rows.end());
   Rows ordered;
-  ordered.reserve(rows.size());
   std::copy_if(shown_.begin(), shown_.end(), std::back_inserter(ordered),
                [&](const Row* row) { return there.contains(row); });
   const RowSet placed(ordered.begin(), ordered.end());
@@ -154,6 +151,7 @@ void RowListModel::take_columns() {
     sort_rows(shown_, static_cast<std::size_t>(sort_column_), sort_order_ == Qt::DescendingOrder);
   ordered_stamp_ = list_.stamp();
   seen_structure_ = ordered_structure_ = list_.structure_stamp();
+  note_places();
   endResetModel();
 }
 
@@ -161,13 +159,70 @@ void RowListModel::settle() {
   if (settled()) return;
   if (columns_ != static_cast<int>(list_.columns().size())) return take_columns();
   // Rows are given out again only when what is shown is in step: views ask in between.
-  show(wanted());
+  if (!take_ends()) show(wanted());
   seen_structure_ = list_.structure_stamp();
+}
+
+void RowListModel::note_places() {
+  places_.clear();
+  seen_first_ = list_.first_place();
+  seen_end_ = list_.end_place();
+  if (!own_order()) return;
+  std::transform(shown_.begin(), shown_.end(), std::back_inserter(places_),
+                 [](const Row* row) { return RowList::place(*row); });
+}
+
+// Rows that only came and went at the ends of the list, of which those that went are no more: nothing is
+// looked at but them. False when it is not so.
+bool RowListModel::take_ends() {
+  if (!own_order() || places_.size() != shown_.size() || list_.rearranged_stamp() > seen_structure_)
+    return false;
+  const std::int64_t first = list_.first_place();
+  const std::int64_t end = list_.end_place();
+  const auto gone_behind = std::lower_bound(places_.begin(), places_.end(), end) - places_.begin();
+  drop(static_cast<std::size_t>(gone_behind), shown_.size());
+  const auto gone_before = std::lower_bound(places_.begin(), places_.end(), first) - places_.begin();
+  drop(0, static_cast<std::size_t>(gone_before));
+  const auto bring = [this](std::int64_t from, std::int64_t to, bool before) {
+    Rows rows;
+    for (std::int64_t place = from; place < to; ++place) {
+      Row& row = list_.row(static_cast<std::size_t>(place - list_.first_place()));
+      if (!filter_ || filter_(row)) rows.push_back(&row);
+    }
+    if (rows.empty()) return;
+    const std::size_t at = before ? 0 : shown_.size();
+    beginInsertRows({}, static_cast<int>(at), static_cast<int>(at + rows.size()) - 1);
+    shown_.insert(shown_.begin() + static_cast<std::ptrdiff_t>(at), rows.begin(), rows.end());
+    std::vector<std::int64_t> places;
+    for (const Row* row : rows)
+      places.push_back(RowList::place(*row));
+    places_.insert(places_.begin() + static_cast<std::ptrdiff_t>(at), places.begin(), places.end());
+    endInsertRows();
+  };
+  bring(first, std::min(seen_first_, end), true);
+  bring(std::max(seen_end_, first), end, false);
+  seen_first_ = first;
+  seen_end_ = end;
+  return true;
+}
+
+void RowListModel::drop(std::size_t first, std::size_t end) {
+  if (first == end) return;
+  const auto part = [&](auto& of, std::size_t at) { return of.begin() + static_cast<std::ptrdiff_t>(at); };
+  beginRemoveRows({}, static_cast<int>(first), static_cast<int>(end) - 1);
+  shown_.erase(part(shown_, first), part(shown_, end));
+  places_.erase(part(places_, first), part(places_, end));
+  endRemoveRows();
+}
+
+void RowListModel::show(Rows wanted) {
+  arrange(std::move(wanted));
+  note_places();
 }
 
 // Tells the views the smallest change: what stands the same at both ends is left alone, since most changes
 // are one row, or new rows at one end.
-void RowListModel::show(Rows wanted) {
+void RowListModel::arrange(Rows wanted) {
   std::size_t head = 0;
   const std::size_t both = std::min(shown_.size(), wanted.size());
   while (head < both && shown_[head] == wanted[head])

@@ -3,8 +3,8 @@
 #include <tsl/robin_set.h>
 #include <QAbstractTableModel>
 #include <cstdint>
+#include <deque>
 #include <functional>
-#include <vector>
 
 #include "core/row_list.h"
 
@@ -35,8 +35,9 @@ class RowListModel final : public QAbstractTableModel {
   int place_of(const Row* row) const;
 
   // Shows only rows for which the filter holds; an empty one shows all. It is asked again when a row changes,
-  // or, where it goes by more than the row and not by its values, by whoever sets it again.
-  enum class Asked : std::uint8_t { by_changes, by_owner };
+  // or, where it goes by more than the row and not by its values, by whoever sets it again. Where rows never
+  // change it is asked once: then a row that comes costs as much however many there are.
+  enum class Asked : std::uint8_t { by_changes, by_owner, once };
   void set_filter(Filter filter, Asked asked = Asked::by_changes);
   bool filtered() const { return static_cast<bool>(filter_); }
   // Orders the rows once by what a column holds, numbers by value; new rows come last until the next sort.
@@ -71,13 +72,18 @@ class RowListModel final : public QAbstractTableModel {
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 
  private:
-  using Rows = std::vector<Row*>;
+  using Rows = std::deque<Row*>;
   using RowSet = tsl::robin_set<const Row*>;
 
   void take_columns();
   Rows wanted();
   Rows by_group(const Rows& rows) const;
   void show(Rows wanted);
+  void arrange(Rows wanted);
+  void note_places();
+  bool own_order() const { return sort_column_ < 0 && group_column_ < 0; }
+  bool take_ends();
+  void drop(std::size_t first, std::size_t end);
   static std::size_t runs(const RowSet& set, const Rows& rows, std::size_t from, std::size_t to);
   void gather(const RowSet& staying, std::size_t head, std::size_t tail);
   void append_new(Rows wanted);
@@ -99,6 +105,9 @@ class RowListModel final : public QAbstractTableModel {
   unsigned order_checks_ = 0;
   bool keeps_sorted_ = false;
   Rows shown_;
+  std::deque<std::int64_t> places_;  // of these in the list, while they stand in its order
+  std::int64_t seen_first_ = 0;      // the list's places, then
+  std::int64_t seen_end_ = 0;
   int columns_ = 0;
   std::uint64_t seen_structure_ = 0;
   std::uint64_t asked_stamp_ = 0;  // of the list when the filter was asked last

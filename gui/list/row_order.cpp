@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/numbers.h"
 #include "core/texts.h"
@@ -41,7 +42,7 @@ bool less(const SortKey& a, const SortKey& b, bool descending) {
 
 }  // namespace
 
-void sort_rows(std::vector<Row*>& rows, std::size_t column, bool descending) {
+void sort_rows(std::deque<Row*>& rows, std::size_t column, bool descending) {
   std::vector<SortKey> keys;
   keys.reserve(rows.size());
   for (Row* row : rows)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
+#include <deque>
 
 #include "core/row_list.h"
 
@@ -9,7 +9,7 @@ namespace tutti {
 
 // Sorts rows by what a column holds: numbers by value before texts, texts without regard to case, empty cells
 // last in either direction. Rows that compare equal keep their order.
-void sort_rows(std::vector<Row*>& rows, std::size_t column, bool descending);
+void sort_rows(std::deque<Row*>& rows, std::size_t column, bool descending);
 // Whether sorting would leave the first of two rows before the second.
 bool in_order(Row& first, Row& second, std::size_t column, bool descending);
 

@@ -143,10 +143,11 @@ void FrmJournalWindow::filter() {
   if (account.empty() && text.empty()) {
     list_->rows().set_filter({});
   } else {
-    list_->rows().set_filter([account, text](const Row& row) {
+    const auto let_through = [account, text](const Row& row) {
       return (account.empty() || contains_letters(row.text(account_column), account)) &&
              (text.empty() || contains_letters(row.text(message_column), text));
-    });
+    };
+    list_->rows().set_filter(let_through, RowListModel::Asked::once);
   }
   list_->rows().sort_again();
   screen_.acted();

@@ -320,7 +320,7 @@ TEST(RowListModelTest, FollowsItsListWhateverHappens) {
       model.set_filter(model.filtered() ? RowListModel::Filter{} : RowListModel::Filter{low});
     } else {
       model.sort(static_cast<int>(below(3)) - 1, below(2) == 0 ? Qt::AscendingOrder : Qt::DescendingOrder);
-      std::vector<Row*> rows;
+      std::deque<Row*> rows;
       for (Row& row : list)
         rows.push_back(&row);
       // Without a column the list's own order counts, and this one is not looked at.
