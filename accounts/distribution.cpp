@@ -63,8 +63,6 @@ Distribution::Sums Distribution::weed_out(std::string_view symbol) {
 
 void Distribution::write_shares(double amount, DistributionRule rule, std::string_view symbol,
                                 const Sums& sums) {
-  general_.read_settings();
-  const int decimals = general_.precision.decimals();
   const double equal_share = amount / sums.accounts;
   for (Row& row : window_.account_rows()) {
     const std::int32_t account = account_of(row);
@@ -79,7 +77,7 @@ void Distribution::write_shares(double amount, DistributionRule rule, std::strin
       share = rule == DistributionRule::margin ? amount * summary.free_margin / sums.free_margin
                                                : amount * summary.equity / sums.equity;
     }
-    share = round_half_even(share, decimals);
+    share = round_half_even(share, decimals_);
     if (std::isfinite(share)) {
       window_.updateAmount(account, share, row.key());
     } else {
@@ -89,10 +87,10 @@ void Distribution::write_shares(double amount, DistributionRule rule, std::strin
 }
 
 void Distribution::run(double amount, std::int16_t type, std::string_view symbol) {
-  if (amount == 0.0) return general_.message_box("Please fill the required fields");
+  if (amount == 0.0) return notices_.message_box("Please fill the required fields");
   const Sums sums = weed_out(symbol);
   if (sums.accounts == 0) {
-    general_.message_box("No account selected");
+    notices_.message_box("No account selected");
     window_.Enableds(true);
     window_.clear_all_accounts_box();
     return;
@@ -101,12 +99,12 @@ void Distribution::run(double amount, std::int16_t type, std::string_view symbol
   const bool margin = rule == DistributionRule::margin;
   const double sum = margin ? sums.free_margin : sums.equity;
   if ((margin || rule == DistributionRule::equity) && (sum == 0.0 || !std::isfinite(sum))) {
-    return general_.message_box(std::string{"The "} + (margin ? "free margin" : "equity") +
+    return notices_.message_box(std::string{"The "} + (margin ? "free margin" : "equity") +
                                 " of the ticked accounts adds up to " +
                                 (sum == 0.0 ? "0" : "no finite number") + ", so nothing can be split by it");
   }
   if (rule == DistributionRule::none) {
-    general_.message_box("Please select distribution type");
+    notices_.message_box("Please select distribution type");
   } else if (rule == DistributionRule::equal || margin || rule == DistributionRule::equity) {
     write_shares(amount, rule, symbol, sums);
   }

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "accounts/order_window.h"
-#include "core/MGeneral.h"
+#include "core/notices.h"
 #include "sessions/CClientAPIManagers.h"
 
 namespace tutti {
@@ -15,13 +15,13 @@ enum class DistributionRule : std::int16_t { none = -1, equal = 0, margin = 1, e
 // Splits `amount` lots of a symbol over the ticked rows of an order window.
 //
 // First weeds out rows that can't take the order (symbol not visible, equity below zero, a summary that is no
-// number), then writes each
-// share, rounded half to even to the amount precision. Shares need not add up to the total, and a share may
-// be 0: nothing is corrected. Refusals go into the rows, input errors into message boxes.
+// number), then writes each share, rounded half to even to so many decimals. Shares need not add up to the
+// total, and a share may be 0: nothing is corrected. Refusals go into the rows, input errors into message
+// boxes.
 class Distribution {
  public:
-  Distribution(MGeneral& general, CClientAPIManagers& sessions, OrderWindow& window)
-      : general_(general), sessions_(sessions), window_(window) {}
+  Distribution(Notices& notices, int decimals, CClientAPIManagers& sessions, OrderWindow& window)
+      : notices_(notices), decimals_(decimals), sessions_(sessions), window_(window) {}
 
   void run(double amount, std::int16_t type, std::string_view symbol);
 
@@ -37,7 +37,8 @@ class Distribution {
   // False, with the reason in the row and its tick gone, when the summary can't be had.
   static bool summary_of(const CClientAPIManager& session, Row& row, AccountSummary& out);
 
-  MGeneral& general_;
+  Notices& notices_;
+  int decimals_;
   CClientAPIManagers& sessions_;
   OrderWindow& window_;
 };

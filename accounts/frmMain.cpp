@@ -120,7 +120,8 @@ std::string frmMain::Result(RequestCode code, std::int32_t account, std::string_
 
 void frmMain::Distribute(double amount, std::int16_t type, const SymbolCollection::Entry& symbol) {
   assert(order_window_ != nullptr);
-  Distribution{general_, sessions_, *order_window_}.run(amount, type, symbol.name);
+  Distribution{general_, general_.amount_decimals(), sessions_, *order_window_}.run(amount, type,
+                                                                                    symbol.name);
 }
 
 bool frmMain::ValidateData(std::string_view user, std::string_view password, std::string_view account) {

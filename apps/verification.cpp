@@ -122,7 +122,7 @@ void Verification::check_positions() {
       compare(number, what + " current price", shown->current_price, booked.current_price, 1e-9);
       compare(number, what + " profit", shown->floating_pl, booked.floating_pl, half_a_cent);
       const std::string passed_on = main_.net_positions().profit_text(shown->floating_pl);
-      compare(number, what + " profit as text", main_.general().locale->StringToNumber(passed_on),
+      compare(number, what + " profit as text", main_.general().locale.StringToNumber(passed_on),
               booked.floating_pl, half_a_cent);
       compare(number, what + " stop loss", shown->stop_loss, booked.stop_loss, 1e-9);
       compare(number, what + " take profit", shown->take_profit, booked.take_profit, 1e-9);

@@ -4,16 +4,16 @@
 
 namespace tutti {
 
-MGeneral::MGeneral(const Paths& paths, const Clock& clock, SoundPort& sound, Prompt& prompt,
-                   MessageQueue& messages)
-    : paths(paths),
+MGeneral::MGeneral(const Paths& paths, const CLocalSettings& locale, const Clock& clock, SoundPort& sound,
+                   Prompt& prompt, MessageQueue& messages)
+    : Notices(prompt, messages),
+      paths(paths),
+      locale(locale),
       clock(clock),
       prompt(prompt),
       wave(sound),
       files(paths),
-      msg_box(prompt, messages),
-      workstation_file(paths.full("\\manage\\wsinfo.dat")),
-      messages_(messages) {}
+      workstation_file(paths.full("\\manage\\wsinfo.dat")) {}
 
 void MGeneral::read_settings() {
   if (!std::exchange(settings_outdated_, false)) return;
@@ -23,10 +23,9 @@ void MGeneral::read_settings() {
       no_account);
 }
 
-void MGeneral::log_skipped(std::string_view text) {
-  lines_skipped_ = true;
-  log(text, no_account);
-  tell_outside(text);
+int MGeneral::amount_decimals() {
+  read_settings();
+  return precision.decimals();
 }
 
 void MGeneral::play_sound(std::string_view name) {
@@ -36,16 +35,6 @@ void MGeneral::play_sound(std::string_view name) {
 void MGeneral::play_sound_file(const std::string& full_name) {
   wave.arm();
   wave.play(full_name);
-}
-
-void MGeneral::message_box(std::string_view text, std::string_view caption) {
-  msg_box.MessageBox(
-      {std::string{text}, std::string{caption == default_caption ? "Alert" : caption}, "OK", ""},
-      frmMsgBox::Icon::stop);
-}
-
-void MGeneral::queue_message(std::string_view text) {
-  messages_.post({std::string{text}, "Alert", "OK", ""});
 }
 
 }  // namespace tutti

@@ -52,8 +52,8 @@ void CloseHelper::report_refusal(const SentOrder& sent) {
 }
 
 void CloseHelper::report(const std::string& text, std::int32_t account) {
-  general_.log(text, account);
-  general_.queue_message(text);
+  notices_.log(text, account);
+  notices_.queue_message(text);
 }
 
 }  // namespace tutti

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/MGeneral.h"
+#include "core/notices.h"
 #include "sessions/CClientAPIManagers.h"
 
 namespace tutti {
@@ -14,7 +14,7 @@ namespace tutti {
 // operator has seen what became of the one before.
 class CloseHelper {
  public:
-  CloseHelper(MGeneral& general, CClientAPIManagers& sessions) : general_(general), sessions_(sessions) {}
+  CloseHelper(Notices& notices, CClientAPIManagers& sessions) : notices_(notices), sessions_(sessions) {}
 
   // `amount` in lots. The first session of the account number sends it. When that one is not logged in while
   // another one of the number is, nothing is sent, and the operator is told which row to log in. Nothing
@@ -25,7 +25,7 @@ class CloseHelper {
   void report_refusal(const SentOrder& sent);
   void report(const std::string& text, std::int32_t account);
 
-  MGeneral& general_;
+  Notices& notices_;
   CClientAPIManagers& sessions_;
 };
 

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "core/MGeneral.h"
+#include "core/CLocalSettings.h"
 #include "core/combo_box.h"
 #include "core/text_box.h"
 #include "orders/price_conditions.h"
@@ -16,9 +16,9 @@ class EntryDraft {
   enum class Fault { none, stop_loss, take_profit };
 
   // Reads the form's controls.
-  EntryDraft(const MGeneral& general, const ComboBox& type, const TextBox& lots, const TextBox& price,
+  EntryDraft(const CLocalSettings& locale, const ComboBox& type, const TextBox& lots, const TextBox& price,
              const TextBox& stop_loss, const TextBox& take_profit)
-      : general_(general),
+      : locale_(locale),
         type_(type),
         lots_(lots),
         price_(price),
@@ -40,10 +40,10 @@ class EntryDraft {
   Fault fault() const;
 
  private:
-  double number(const TextBox& box) const { return general_.locale->StringToNumber(box.text()); }
+  double number(const TextBox& box) const { return locale_.StringToNumber(box.text()); }
   std::optional<double> typed(const TextBox& box) const;
 
-  const MGeneral& general_;
+  const CLocalSettings& locale_;
   const ComboBox& type_;
   const TextBox &lots_, &price_, &stop_loss_, &take_profit_;
 };

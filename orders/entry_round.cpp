@@ -43,7 +43,7 @@ void EntryRound::sent(Row& row, RequestCode code) {
   // A refusal without a text is counted and nothing more.
   if (code == request::taken || text.empty()) return;
   note(row, text);
-  general_.log("Request " + std::string{trim(data.sent.kind)} + " " + data.sent.description + " at " +
+  notices_.log("Request " + std::string{trim(data.sent.kind)} + " " + data.sent.description + " at " +
                    number_text(data.sent.price) + " was not taken: " + text,
                number);
 }

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "accounts/frmMain.h"
-#include "core/MGeneral.h"
+#include "core/notices.h"
 #include "orders/account_rows.h"
 #include "orders/order_answer.h"
 
@@ -36,9 +36,9 @@ class EntryRound {
   };
 
   // Keeps references to all. `stops`: the kind of requests that are told when they are carried out.
-  EntryRound(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions, const AccountRows& rows,
+  EntryRound(Notices& notices, frmMain& accounts_list, CClientAPIManagers& sessions, const AccountRows& rows,
              std::string_view stops)
-      : general_(general), accounts_list_(accounts_list), sessions_(sessions), rows_(rows), stops_(stops) {}
+      : notices_(notices), accounts_list_(accounts_list), sessions_(sessions), rows_(rows), stops_(stops) {}
 
   // A new one, in which nothing is sent yet.
   void begin();
@@ -65,7 +65,7 @@ class EntryRound {
   void sent(Row& row, RequestCode code);
   std::string report(RequestCode code, std::int32_t account, const Request& request);
 
-  MGeneral& general_;
+  Notices& notices_;
   frmMain& accounts_list_;
   CClientAPIManagers& sessions_;
   const AccountRows& rows_;

@@ -128,7 +128,7 @@ void frmlimitorder::Distribute() {
   round_.begin();
   for (Row& row : lvwConClients)
     row.data<EntryRound::RowData>().wanted = row.checked();
-  Distribution{general_, sessions_, *this}.run(
+  Distribution{general_, general_.amount_decimals(), sessions_, *this}.run(
       draft_.lots(), static_cast<std::int16_t>(CBlimitorderdis.index()), cblimitordersymbols.text());
 }
 

@@ -193,7 +193,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   SymbolCollection& symbols_;
   AccountRows rows_{general_.lots, lvwConClients, txtEditPrice};
   EntryRound round_{general_, accounts_list_, sessions_, rows_, edit_stops};
-  EntryDraft draft_{general_, cblimiordertype, txtlimitorderammount, txtatprice, txtsl, txttp};
+  EntryDraft draft_{general_.locale, cblimiordertype, txtlimitorderammount, txtatprice, txtsl, txttp};
   EntryMarket market_{symbols_};
   EntryHints hints_{draft_,
                     market_,

@@ -190,7 +190,7 @@ void frmorder::cmddis_Click() {
     row.set_text(Column::result_text, "");
     row.data<RowData>().wanted = row.checked();
   }
-  accounts_list_.Distribute(general_.locale->StringToNumber(txtammount.text()),
+  accounts_list_.Distribute(general_.locale.StringToNumber(txtammount.text()),
                             static_cast<std::int16_t>(CBdis.index()), symbol_);
 }
 

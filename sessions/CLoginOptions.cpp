@@ -29,11 +29,13 @@ std::optional<Endpoint> read_endpoint(std::string_view text) {
 }  // namespace
 
 CLoginOptions::CLoginOptions(MGeneral& general, Endpoint own_server)
-    : general_(general),
-      records_(general),
+    : paths_(general.paths),
+      files_(general.files),
+      notices_(general),
+      records_(general.paths, general.account_file, general.key, general),
       file_name_(general.paths.full("\\manage\\SERVER.BUF")),
       own_server_(std::move(own_server)) {
-  general_.account_file = general_.paths.full("\\Manage\\Acountinfo.buf");
+  general.account_file = general.paths.full("\\Manage\\Acountinfo.buf");
 }
 
 std::string CLoginOptions::Server(int index) const {
@@ -85,7 +87,7 @@ bool CLoginOptions::RoutServer(std::string_view address, std::int32_t port) {
 }
 
 tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
-  const auto lines = general_.files.lines(file_name_);
+  const auto lines = files_.lines(file_name_);
   if (!lines) return tl::unexpected(lines.error());
   const auto line = [&](std::size_t number) {
     return number <= lines->size() ? (*lines)[number - 1] : std::string{};
@@ -94,7 +96,7 @@ tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
   if (const std::string all = line(1); !all.empty()) {
     const auto items = split(all, field_separator);
     if (items.size() % 3 != 0) {
-      return tl::unexpected(FileError{general_.paths.file(file_name_),
+      return tl::unexpected(FileError{paths_.file(file_name_),
                                       "line 1 must hold description, address and port of each server with && "
                                       "between all of them, but has " +
                                           std::to_string(items.size()) + " fields"});
@@ -113,7 +115,7 @@ tl::expected<void, FileError> CLoginOptions::InitializeFromFile() {
 }
 
 tl::expected<void, FileError> CLoginOptions::Save() const {
-  return general_.files.write_lines(
+  return files_.write_lines(
       file_name_, {AllServers(), CurrentServer(), std::to_string(parent_demo_accounts_), login_under_ids_});
 }
 
@@ -128,7 +130,7 @@ bool CLoginOptions::Servers(const ComboBox& box) {
     return true;
   }
   if (const auto saved = Save(); !saved)
-    general_.log("Server not saved: " + saved.error().text(), no_account);
+    notices_.log("Server not saved: " + saved.error().text(), no_account);
   return true;
 }
 

@@ -75,7 +75,9 @@ class CLoginOptions {
 
   const ServerEntry& at(int index) const { return table_.at(static_cast<std::size_t>(index) - 1); }
 
-  MGeneral& general_;
+  const Paths& paths_;
+  const TextFile& files_;
+  Notices& notices_;
   AccountRecords records_;
   std::string file_name_;
   Endpoint own_server_;

@@ -30,15 +30,15 @@ FileError key_missing(const std::filesystem::path& records, const KeyFile& key) 
 }
 
 tl::expected<std::vector<std::string>, FileError> AccountRecords::lines() const {
-  return general_.files.lines(general_.account_file);
+  return files_.lines(file_);
 }
 
 // The key that decodes these lines; nullptr when none of them needs one and there is none.
 tl::expected<const Secret*, FileError> AccountRecords::key_for(const std::vector<std::string>& lines) {
   if (!hold_records(lines)) return nullptr;
-  auto key = general_.key.find();
+  auto key = key_.find();
   if (!key || *key != nullptr) return key;
-  return tl::unexpected(key_missing(general_.paths.file(general_.account_file), general_.key));
+  return tl::unexpected(key_missing(paths_.file(file_), key_));
 }
 
 tl::expected<std::vector<AccountRecord>, FileError> AccountRecords::read_all() {
@@ -65,15 +65,15 @@ tl::expected<void, FileError> AccountRecords::append(const AccountRecord& record
   const auto all = lines();
   if (!all) return tl::unexpected(all.error());
   auto key = key_for(*all);
-  if (key && *key == nullptr) key = general_.key.find_or_create();
+  if (key && *key == nullptr) key = key_.find_or_create();
   if (!key) return tl::unexpected(key.error());
-  const std::string& name = general_.account_file;
-  const auto there = general_.files.exists(name);
+  const std::string& name = file_;
+  const auto there = files_.exists(name);
   if (!there) return tl::unexpected(there.error());
   if (!*there) {
-    if (auto made = general_.files.write_line(name, "", TextFile::Mode::create); !made) return made;
+    if (auto made = files_.write_line(name, "", TextFile::Mode::create); !made) return made;
   }
-  return general_.files.write_line(name, encode_record(record, **key), TextFile::Mode::append);
+  return files_.write_line(name, encode_record(record, **key), TextFile::Mode::append);
 }
 
 tl::expected<void, FileError> AccountRecords::replace(std::string_view account_key,
@@ -131,15 +131,15 @@ tl::expected<std::optional<AccountRecord>, FileError> AccountRecords::find(std::
 }
 
 tl::expected<void, FileError> AccountRecords::write(const std::vector<std::string>& lines) const {
-  return general_.files.write_lines(general_.account_file, {lines.begin(), lines.end()});
+  return files_.write_lines(file_, {lines.begin(), lines.end()});
 }
 
 void AccountRecords::tell_unreadable(const std::vector<std::size_t>& lines) {
   if (lines.empty()) return;
-  general_.log_skipped("Account information: skipped unreadable records in lines " + number_list(lines) +
-                       " of " + general_.paths.file(general_.account_file).filename().string() +
+  notices_.log_skipped("Account information: skipped unreadable records in lines " + number_list(lines) +
+                       " of " + paths_.file(file_).filename().string() +
                        ". They stay in the file. They are damaged, or of another key than " +
-                       general_.key.path().string());
+                       key_.path().string());
 }
 
 }  // namespace tutti

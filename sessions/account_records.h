@@ -8,7 +8,10 @@
 
 #include <tl/expected.hpp>
 
-#include "core/MGeneral.h"
+#include "core/key_file.h"
+#include "core/notices.h"
+#include "core/paths.h"
+#include "core/text_file.h"
 #include "sessions/account_record.h"
 
 namespace tutti {
@@ -24,7 +27,9 @@ FileError key_missing(const std::filesystem::path& records, const KeyFile& key);
 // that names both files.
 class AccountRecords {
  public:
-  explicit AccountRecords(MGeneral& general) : general_(general) {}
+  // `file`: its full path, which may be told later.
+  AccountRecords(const Paths& paths, const std::string& file, KeyFile& key, Notices& notices)
+      : paths_(paths), files_(paths), file_(file), key_(key), notices_(notices) {}
 
   // Every record. Of several with one account key the last counts, in the place of the first.
   tl::expected<std::vector<AccountRecord>, FileError> read_all();
@@ -43,7 +48,11 @@ class AccountRecords {
   tl::expected<void, FileError> write(const std::vector<std::string>& lines) const;
   void tell_unreadable(const std::vector<std::size_t>& lines);
 
-  MGeneral& general_;
+  const Paths& paths_;
+  TextFile files_;
+  const std::string& file_;
+  KeyFile& key_;
+  Notices& notices_;
 };
 
 }  // namespace tutti

@@ -13,7 +13,7 @@ void ConnectionReport::connected() {
 
 void ConnectionReport::tell(std::string_view reason) {
   if (std::exchange(told_, true)) return;
-  general_.log("Not connected: " + std::string{reason}, record_.account);
+  notices_.log("Not connected: " + std::string{reason}, record_.account);
   reason_ = reason;
   book_.show_note(record_, reason_);
 }

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "books/account_book.h"
-#include "core/MGeneral.h"
+#include "core/notices.h"
 
 namespace tutti {
 
@@ -13,8 +13,8 @@ namespace tutti {
 // gets back the Notes it had, unless somebody wrote others meanwhile.
 class ConnectionReport {
  public:
-  ConnectionReport(MGeneral& general, AccountBook& book, AccountEntry& record)
-      : general_(general), book_(book), record_(record) {}
+  ConnectionReport(Notices& notices, AccountBook& book, AccountEntry& record)
+      : notices_(notices), book_(book), record_(record) {}
 
   void login_begins() { told_ = false; }
   void connected();
@@ -36,7 +36,7 @@ class ConnectionReport {
  private:
   void tell(std::string_view reason);
 
-  MGeneral& general_;
+  Notices& notices_;
   AccountBook& book_;
   AccountEntry& record_;
   bool told_ = false;

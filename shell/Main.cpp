@@ -22,7 +22,6 @@ Main::Main(std::filesystem::path application_folder, const MachinePorts& ports, 
   general_.key = KeyFile{ports_.key_file};
   general_.outside = ports_.outside;
   general_.journal = &journal_;
-  general_.locale = &locale_;
   connect();
   connect_closing();
 }

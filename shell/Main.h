@@ -136,7 +136,7 @@ class Main {
   ServerSide server_;
   EventSources events_{server_.events};
   MessageQueue messages_;
-  MGeneral general_{paths_, ports_.clock, ports_.sound, ports_.prompt, messages_};
+  MGeneral general_{paths_, locale_, ports_.clock, ports_.sound, ports_.prompt, messages_};
   Books books_;
   Desk desk_;
 
@@ -146,7 +146,7 @@ class Main {
   frmJournal journal_window_{ports_.clock};
   CJournal journal_{paths_, ports_.clock, journal_window_};
   COpenPos open_positions_;
-  CNetPos net_positions_{general_};
+  CNetPos net_positions_{locale_};
   CLocalSettings locale_{ports_.locale};
   CPendingOrds pending_orders_;
   CHTMLHELP help_;

@@ -27,16 +27,11 @@ TEST(NetPositions, AProfitIsPassedOnWithTheDecimalSeparatorInForce) {
     }
     char decimal = '.';
   } port;
-  Netting desk;
-  CLocalSettings*& locale = desk.main->general().locale;
-  CLocalSettings* const own = locale;
   for (const auto& [decimal, text] : {std::pair{'.', "-12.5"}, {',', "-12,5"}}) {
     port.decimal = decimal;
-    CLocalSettings settings{port};
-    locale = &settings;
-    EXPECT_EQ(desk.main->net_positions().profit_text(-12.5), text);
+    const CLocalSettings settings{port};
+    EXPECT_EQ(CNetPos{settings}.profit_text(-12.5), text);
     EXPECT_EQ(settings.StringToNumber(text), -12.5);
-    locale = own;
   }
 }
 

@@ -96,8 +96,7 @@ NetSum CNetPos::total() const {
 std::string CNetPos::profit_text(double profit) const {
   std::string text = number_text(profit);
   const auto point = text.find('.');
-  if (point != std::string::npos && general_.locale != nullptr && general_.locale->LocalDecimal() == ",")
-    text[point] = ',';
+  if (point != std::string::npos && locale_.LocalDecimal() == ",") text[point] = ',';
   return text;
 }
 

@@ -8,7 +8,7 @@
 #include <tsl/robin_map.h>
 
 #include "books/position_book.h"
-#include "core/MGeneral.h"
+#include "core/CLocalSettings.h"
 #include "core/displayable.h"
 #include "sessions/contract/codes.h"
 #include "views/net_sum.h"
@@ -35,7 +35,7 @@ class CNetPos final : public Displayable {
     std::uint64_t stamp = 0;
   };
 
-  explicit CNetPos(const MGeneral& general) : general_(general) {}
+  explicit CNetPos(const CLocalSettings& locale) : locale_(locale) {}
 
   const std::vector<OfSymbol>& symbols() const { return symbols_; }
   const std::vector<OfAccount>& accounts() const { return accounts_; }
@@ -75,7 +75,7 @@ class CNetPos final : public Displayable {
   void take(const Held& held);
   void touch(const Held& held);
 
-  const MGeneral& general_;
+  const CLocalSettings& locale_;
   std::vector<Held> held_;  // by slot
   tsl::robin_map<std::int32_t, std::uint32_t> place_of_account_;
   std::vector<OfSymbol> symbols_;

@@ -22,7 +22,6 @@ namespace tutti::testing {
 class SessionRig {
  public:
   SessionRig() {
-    general.locale = &locale_settings;
     general.journal = &journal;
     general.key = KeyFile{home.key_file()};
     books.positions.observe(windows.positions);
@@ -75,7 +74,7 @@ class SessionRig {
   MessageQueue messages;
   ProcessLocale locale;
   CLocalSettings locale_settings{locale};
-  MGeneral general{paths, clock, sound, prompt, messages};
+  MGeneral general{paths, locale_settings, clock, sound, prompt, messages};
   RecordingDesk windows;
   Lines journal{windows.heard};
   Books books;
