@@ -4,11 +4,12 @@
 #include <utility>
 
 #include "core/numbers.h"
+#include "core/table_reader.h"
 #include "core/texts.h"
 #include "dealer/config/bounds.h"
 #include "dealer/config/dealer_config.h"
 #include "dealer/config/fault_reader.h"
-#include "dealer/config/table_reader.h"
+#include "dealer/config/side_words.h"
 
 namespace tutti {
 namespace {
@@ -156,16 +157,23 @@ class ConfigReader {
     reader.flag("hedging", read.hedging);
     read_distance(reader, "limit_distance", read.limit_distance);
     read_distance(reader, "stop_distance", read.stop_distance);
-    reader.code("reply_request", read.reply_request, 0, 1000);
-    reader.code("reply_result", read.reply_result, 0, 1000);
-    reader.code("reply_close_request", read.reply_close_request, 0, 1000);
-    reader.code("reply_close_result", read.reply_close_result, 0, 1000);
+    read_code(reader, "reply_request", read.reply_request);
+    read_code(reader, "reply_result", read.reply_result);
+    read_code(reader, "reply_close_request", read.reply_close_request);
+    read_code(reader, "reply_close_result", read.reply_close_result);
     reader.seconds("dealing_seconds", read.dealing, 0.0, longest_dealing);
     reader.finish();
     if (known)
       *at = std::move(read);
     else
       config_.accounts.push_back(std::move(read));
+  }
+
+  // A code of the contract, one that it does not name included.
+  static void read_code(TableReader& reader, std::string_view key, ContractCode auto& value) {
+    std::int32_t number = format_as(value);
+    reader.integer(key, number, 0, 1000);
+    value = std::remove_cvref_t<decltype(value)>{number};
   }
 
   static void read_distance(TableReader& reader, std::string_view key, std::optional<double>& distance) {

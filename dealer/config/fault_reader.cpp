@@ -7,7 +7,7 @@
 #include <limits>
 #include <string_view>
 
-#include "dealer/config/table_reader.h"
+#include "core/table_reader.h"
 
 namespace tutti {
 namespace {

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "dealer/config/table_reader.h"
+#include "core/table_reader.h"
 #include "dealer/trading/book_files.h"
 #include "dealer/trading/book_text.h"
 

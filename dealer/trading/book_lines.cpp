@@ -6,7 +6,7 @@
 #include <iterator>
 
 #include "core/checksum.h"
-#include "dealer/config/table_reader.h"
+#include "core/table_reader.h"
 
 namespace tutti {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "dealer/config/table_reader.h"
+#include "core/table_reader.h"
 #include "dealer/trading/book_lines.h"
 #include "dealer/trading/book_state.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "dealer/config/table_reader.h"
+#include "core/table_reader.h"
+#include "dealer/config/side_words.h"
 #include "dealer/trading/answer_news.h"
 #include "dealer/trading/trade_request.h"
 #include "sessions/contract/request_state.h"

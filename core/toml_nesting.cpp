@@ -1,4 +1,4 @@
-#include "dealer/config/toml_nesting.h"
+#include "core/toml_nesting.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,11 +1,11 @@
-#include "dealer/config/table_reader.h"
+#include "core/table_reader.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "dealer/config/toml_nesting.h"
+#include "core/toml_nesting.h"
 
 namespace tutti {
 
@@ -49,6 +49,20 @@ void TableReader::number(std::string_view key, double& value, double low, double
   const auto found = node->is_number() ? node->value<double>() : std::nullopt;
   if (!found || !std::isfinite(*found) || *found < low || *found > high)
     return complain(key, fmt::format("must be a number from {} to {}", low, high));
+  value = *found;
+}
+
+void TableReader::number_or(std::string_view key, std::string_view word, std::optional<double>& value,
+                            double low, double high) {
+  const toml::node* node = take(key);
+  if (node == nullptr) return;
+  if (node->is_string() && node->as_string()->get() == word) {
+    value.reset();
+    return;
+  }
+  const auto found = node->is_number() ? node->value<double>() : std::nullopt;
+  if (!found || !std::isfinite(*found) || *found < low || *found > high)
+    return complain(key, fmt::format("must be a number from {} to {}, or \"{}\"", low, high, word));
   value = *found;
 }
 

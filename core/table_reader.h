@@ -10,8 +10,6 @@
 
 #include <toml++/toml.h>
 
-#include "sessions/contract/codes.h"
-
 namespace tutti {
 
 // One of the words that a key may hold, and what it stands for.
@@ -34,14 +32,11 @@ class TableReader {
   void any_number(std::string_view key, double& value);
   // A finite number within the range.
   void number(std::string_view key, double& value, double low, double high);
+  // The same, or this word, which stands for nothing.
+  void number_or(std::string_view key, std::string_view word, std::optional<double>& value, double low,
+                 double high);
   void integer(std::string_view key, std::int64_t& value, std::int64_t low, std::int64_t high);
   void integer(std::string_view key, std::int32_t& value, std::int32_t low, std::int32_t high);
-  // A code of the contract, one that it does not name included.
-  void code(std::string_view key, ContractCode auto& value, std::int32_t low, std::int32_t high) {
-    std::int32_t number = format_as(value);
-    integer(key, number, low, high);
-    value = std::remove_cvref_t<decltype(value)>{number};
-  }
   void flag(std::string_view key, bool& value);
   void text(std::string_view key, std::string& value);
   void texts(std::string_view key, std::vector<std::string>& value);
@@ -92,13 +87,6 @@ Value read_word(TableReader& reader, std::string_view key, const Word<Value> (&w
   reader.complain_of_word(key, words);
   return missing;
 }
-
-inline constexpr Word<Operation> side_words[] = {
-    {"buy", operation::buy},
-    {"sell", operation::sell},
-    {"buy_stop", operation::buy_stop},
-    {"sell_stop", operation::sell_stop},
-};
 
 // Parses a file, or a part of one with so many lines in front of it; the error names the line.
 std::optional<toml::table> parse_toml(std::string_view content, std::optional<std::string>& fault,
