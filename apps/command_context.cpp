@@ -53,6 +53,19 @@ bool CommandContext::log_in() {
   return !stopped();
 }
 
+void CommandContext::refuse_held() const {
+  Admission& admission = main().sessions().admission();
+  while (!admission.held().empty()) {
+    const HeldTicket& ticket = admission.held().front();
+    std::string why;
+    for (const limits::Breach& each : ticket.breaches)
+      why += "\n  " + limits::text(each);
+    console().fail("Not sent, {} requests; --override REASON sends them all the same:{}", ticket.asked.size(),
+                   why);
+    admission.refuse(ticket.number);
+  }
+}
+
 void CommandContext::journal_unanswered() {
   for (const auto& session : main().sessions().Children())
     session->journal_unanswered("late");

@@ -64,6 +64,8 @@ class CommandContext {
   // Waits until no account is on its way any more; shows how far it is when somebody watches. False when the
   // program is to end.
   [[nodiscard]] bool log_in();
+  // Refuses what is held over a limit, after a message that names it.
+  void refuse_held() const;
   // Gives up waiting for results; the journal then names what stays unknown.
   void journal_unanswered();
   // What the ledger has of these requests, once all is stored; nothing of one that it does not have. What

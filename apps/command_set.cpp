@@ -112,6 +112,12 @@ std::string check_new_price(const std::string& text) {
   return typable(text) || text == "none" ? std::string{} : "must be a price above 0, or none";
 }
 
+void add_override(CLI::App& command, std::string& reason) {
+  command.add_option("--override", reason, "Send what is over a limit all the same, for this reason")
+      ->type_name("REASON")
+      ->check(check_filled);
+}
+
 void add_split_options(CLI::App& command, SplitArguments& arguments) {
   command.add_option("--amount", arguments.amount, "Total, in lots")->required()->check(check_amount);
   add_choice<int>(command, "--rule", arguments.rule, {{"equal", 0}, {"margin", 1}, {"equity", 2}},
@@ -120,6 +126,7 @@ void add_split_options(CLI::App& command, SplitArguments& arguments) {
   add_accounts(command, arguments);
   command.add_flag("--dry-run", arguments.dry_run,
                    "Stop after the shares, and say which are sure to be refused");
+  add_override(command, arguments.over_limits);
 }
 
 constexpr auto shows_accounts = "0 all accounts are connected, 1 some are not, or a list has skipped lines";
@@ -191,6 +198,7 @@ Command add_modify(CLI::App& app) {
   prices.add_option("--sl", arguments->stop_loss, "Stop loss, or none")->check(check_new_price);
   prices.add_option("--tp", arguments->take_profit, "Take profit, or none")->check(check_new_price);
   prices.require_option(1, 3);
+  add_override(command, arguments->over_limits);
   explain(command, "tuttictl modify 10000012 --at 1.0790 --tp none", sends_requests);
   return {.app = &command, .effect = Effect::sends, .run = with(modify_command, arguments)};
 }
@@ -231,6 +239,7 @@ Command add_retry(CLI::App& app) {
   command.add_option("ticket", arguments->ticket, "Number of the ticket, as tuttictl tickets names it")
       ->required();
   add_requote(command, arguments->requote);
+  add_override(command, arguments->over_limits);
   explain(command, "tuttictl --yes retry 34",
           "0 all of it was accepted, or there was nothing left, 1 some refused or left out, 4 the outcome of "
           "some "
@@ -307,6 +316,24 @@ Command add_verify(CLI::App& app) {
   return out;
 }
 
+Command add_stop(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "stop", "Stop trading: nothing leaves any more, from whatever terminal of the folder");
+  auto arguments = std::make_shared<StopArguments>();
+  command.add_flag("--cancel-orders", arguments->cancel_orders, "Then cancel all entry orders");
+  command.add_flag("--close-positions", arguments->close_positions, "Then close all positions");
+  command.add_flag("--end", arguments->end, "End the stop: trading goes on")
+      ->excludes("--cancel-orders")
+      ->excludes("--close-positions");
+  explain(command, "tuttictl --yes stop --cancel-orders --close-positions",
+          "0 it was done, and nothing is open where something was to be closed; 1 something is open, or "
+          "nobody could look");
+  return {.app = &command,
+          .effect = Effect::sends,
+          .run = [arguments](CommandContext& context) { return stop_command(context, *arguments); },
+          .read = [arguments](const HomeContext& context) { return stop_at_once(context, *arguments); }};
+}
+
 // "ledger" with what there is of it.
 void add_ledger(CLI::App& app, std::vector<Command>& out) {
   CLI::App& ledger = *app.add_subcommand("ledger", "The record of all requests that were sent");
@@ -374,6 +401,7 @@ std::vector<Command> add_commands(CLI::App& app) {
   out.push_back(add_tickets(app));
   out.push_back(add_fills(app));
   out.push_back(add_unknown(app));
+  out.push_back(add_stop(app));
   add_ledger(app, out);
   return out;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,9 +21,10 @@ struct Command {
   CLI::App* app = nullptr;
   Effect effect = Effect::reads;  // sends: it may have changed something at the dealing server
   bool logs_in = true;
-  // Once the command line is parsed; answers the exit status. One of the two: `read` needs no terminal.
+  // Once the command line is parsed; answers the exit status. `read` needs no terminal; where it answers
+  // nothing, or is not there, `run` follows.
   std::function<int(CommandContext&)> run{};
-  std::function<int(const HomeContext&)> read{};
+  std::function<std::optional<int>(const HomeContext&)> read{};
 };
 
 // Adds all commands. What they parse into lives in the commands.

@@ -24,9 +24,10 @@ struct AccountArguments {
 // An amount that is split over accounts.
 struct SplitArguments : AccountArguments {
   std::string symbol;
-  std::string amount;    // lots, as typed
-  int rule = 0;          // index of the rule list: 0 equal, 1 margin, 2 equity
-  bool dry_run = false;  // stop after the shares
+  std::string amount;       // lots, as typed
+  int rule = 0;             // index of the rule list: 0 equal, 1 margin, 2 equity
+  bool dry_run = false;     // stop after the shares
+  std::string over_limits;  // why what is over a limit is sent all the same; empty: it is not
 };
 
 struct OrderArguments : SplitArguments {
@@ -47,6 +48,14 @@ struct ModifyArguments {
   std::optional<std::string> price;
   std::optional<std::string> stop_loss;
   std::optional<std::string> take_profit;
+  std::string over_limits;  // as in SplitArguments
+};
+
+// What follows when trading is stopped, or that it goes on.
+struct StopArguments {
+  bool cancel_orders = false;
+  bool close_positions = false;
+  bool end = false;
 };
 
 // Which rows of a list are meant; what is empty does not narrow.
@@ -60,6 +69,7 @@ struct RowsArguments : AccountArguments {
 struct RetryArguments {
   std::int64_t ticket = 0;
   RequoteReply requote = RequoteReply::reject;
+  std::string over_limits;  // as in SplitArguments
 };
 
 // What a command works with that needs no terminal: it may run beside one that has the folder.
@@ -80,6 +90,9 @@ int tickets_command(const HomeContext& context, int count);
 // What was filled, and what it brought.
 int fills_command(const HomeContext& context, const FillFilter& filter);
 
+// Stops trading before anything else, whoever has the folder; nothing: what follows needs a terminal.
+std::optional<int> stop_at_once(const HomeContext& context, const StopArguments& arguments);
+int stop_command(CommandContext& context, const StopArguments& arguments);
 int accounts_command(CommandContext& context);
 int order_command(CommandContext& context, const OrderArguments& arguments);
 int entry_command(CommandContext& context, const EntryArguments& arguments);

@@ -39,6 +39,7 @@ class EntryRun final : public SplitRun {
     // Distribute has said so already when nobody is left.
     if (form_.lvwConClients.checked_count() == 0) return false;
     form_.cmdsubmitlimiorder.click();
+    context_.refuse_held();
     if (!form_.submitted()) return false;
     context_.run_until([this] { return form_.answers().waiting == 0; });
     return true;
@@ -124,7 +125,9 @@ int modify_command(CommandContext& context, const ModifyArguments& arguments) {
   retype(form.txtatprice, arguments.price);
   retype(form.txtsl, arguments.stop_loss);
   retype(form.txttp, arguments.take_profit);
+  context.main().sessions().admission().override_limits(arguments.over_limits);
   form.cmdsubmitlimiorder.click();
+  context.refuse_held();
   const RequestsReport report = stops ? RequestsReport{context, RequestKind::stops, "ticket", "positions"}
                                       : RequestsReport{context, RequestKind::update, "order", "orders"};
   context.run_until([&] { return report.answered(asked); });

@@ -23,6 +23,7 @@ class OrderRun final : public SplitRun {
     // Not available unless shares were written.
     if (!button.enabled()) return false;
     button.click();
+    context_.refuse_held();
     run_answering(context_, order_.requote, [this] { return form_.answers().waiting == 0; });
     return true;
   }

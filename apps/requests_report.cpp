@@ -8,6 +8,7 @@
 #include "apps/output.h"
 #include "apps/stored_fill.h"
 #include "core/texts.h"
+#include "sessions/gate_texts.h"
 
 namespace tutti {
 
@@ -38,7 +39,7 @@ std::string RequestsReport::result(const SentOrder* request) {
     case SentOrder::Outcome::refused:
       break;
     case SentOrder::Outcome::dropped:
-      return std::string{RequestGate::not_sent};
+      return std::string{gate_texts::row(*request)};
     default:
       return "unknown";
   }

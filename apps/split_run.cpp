@@ -9,6 +9,7 @@
 #include "apps/stored_fill.h"
 #include "core/numbers.h"
 #include "core/texts.h"
+#include "sessions/gate_texts.h"
 
 namespace tutti {
 
@@ -73,8 +74,10 @@ void SplitRun::describe_sent(const SentOrder& order, Line& line) {
         line.result = fmt::format("refused, request code {}", order.request_code);
       }
       break;
+    case SentOrder::Outcome::held:
+    case SentOrder::Outcome::queued:
     case SentOrder::Outcome::dropped:
-      line.result = RequestGate::not_sent;
+      line.result = gate_texts::row(order);
       break;
     case SentOrder::Outcome::none:
       break;
@@ -201,6 +204,7 @@ int SplitRun::run() {
   if (!known_arguments()) return exit_status::usage;
   if (arguments_.require_connected && !context_.all_connected(arguments_.accounts))
     return exit_status::some_refused;
+  main_.sessions().admission().override_limits(arguments_.over_limits);
   controls_.rule.choose(arguments_.rule);
   controls_.symbol.choose(arguments_.symbol);
   controls_.amount.type(arguments_.amount);

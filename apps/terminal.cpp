@@ -1,5 +1,6 @@
 #include "apps/terminal.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -32,11 +33,12 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
   backend_ = std::move(*backend);
   if (auto written = write_first_list(); !written) return written;
   if (auto opened = open_ledger(); !opened) return opened;
+  stop_ = std::make_unique<StopFile>(options_.home);
 
   auto started =
       Main::start(options_.home,
                   MachinePorts{ports_.clock, ports_.prompt, ports_.sound, locale_, ports_.file_dialog,
-                               *ledger_, options_.key_file, ports_.tell, &reads_},
+                               *ledger_, *stop_, options_.key_file, ports_.tell, &reads_},
                   ServerSide{[this](const LoginData& login) { return backend_->make_client(login); },
                              backend_->events(), backend_->endpoint(), backend_->simulated()});
   if (!started) return tl::unexpected(started.error());
@@ -121,6 +123,15 @@ std::size_t Terminal::advance(std::size_t limit) {
   tell_notices();
   main_->poll_timers(delivered == limit);
   return delivered;
+}
+
+std::optional<TimePoint> Terminal::next_due() const {
+  std::optional<TimePoint> due = backend_->next_due();
+  if (const auto turn = main_->sessions().next_turn()) {
+    const TimePoint at = ports_.clock.now() + (*turn - ports_.clock.elapsed());
+    due = due ? std::min(*due, at) : at;
+  }
+  return due;
 }
 
 void Terminal::tell_notices() {

@@ -84,7 +84,7 @@ class Terminal {
   std::size_t advance(std::size_t limit = std::numeric_limits<std::size_t>::max());
   // When the backend next has something to do by itself; nothing while only an operation of the program can
   // change that.
-  std::optional<TimePoint> next_due() const { return backend_->next_due(); }
+  std::optional<TimePoint> next_due() const;
 
   // Closes the backend at the end of the program, and has the ledger written to its end. What a crash leaves
   // is taken up all the same.
@@ -105,6 +105,7 @@ class Terminal {
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<LedgerWriter> ledger_;
   LedgerWatch reads_{options_.home, options_.key_file};
+  std::unique_ptr<StopFile> stop_;
   std::unique_ptr<Main> main_;
 };
 

@@ -99,7 +99,9 @@ int retry_command(CommandContext& context, const RetryArguments& arguments) {
     context.console().fail("There is no ticket {}: tuttictl tickets names them", arguments.ticket);
     return exit_status::usage;
   }
+  context.main().sessions().admission().override_limits(arguments.over_limits);
   const auto sent = context.main().ticket_retry().send(arguments.ticket, *requests);
+  context.refuse_held();
   run_answering(context, arguments.requote, [&] {
     return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
   });

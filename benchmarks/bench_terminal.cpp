@@ -13,7 +13,7 @@ BenchTerminal::BenchTerminal(const BenchMarket& market, std::size_t accounts)
             clients_.push_back(client.get());
             return client;
           },
-          general_, desk_, books_, login_options_, ledger_, accounts) {
+          general_, desk_, books_, login_options_, ledger_, stop_, accounts) {
   desk_.status = &window_;
   desk_.accounts = &accounts_;
   desk_.market_order = &order_;

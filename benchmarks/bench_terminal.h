@@ -64,6 +64,7 @@ class BenchTerminal {
   std::vector<BenchClient*> clients_;  // owned by their sessions
   CLoginOptions login_options_{general_, Endpoint{}};
   NoLedger ledger_;
+  UnkeptStop stop_;
   CClientAPIManagers sessions_;
   frmMain accounts_{general_, desk_, books_, login_options_, sessions_, file_dialog_};
   frmorder order_{general_, accounts_, sessions_, books_.symbols};

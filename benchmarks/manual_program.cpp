@@ -39,7 +39,7 @@ ManualProgram::ManualProgram(int accounts, int symbols) : server_(sample(account
 
 Main& ManualProgram::start() {
   auto started = Main::start(
-      home(), MachinePorts{clock_, prompt_, sound_, locale_, file_dialog_, ledger_},
+      home(), MachinePorts{clock_, prompt_, sound_, locale_, file_dialog_, ledger_, stop_},
       {[this](const LoginData&) { return server_.make_client(); }, {&server_}, server_.config().endpoint});
   if (!started) throw std::runtime_error(started.error().text());
   main_ = std::move(*started);

@@ -38,6 +38,7 @@ class ManualProgram {
   ProcessLocale locale_;
   QuietFileDialog file_dialog_;
   NoLedger ledger_;
+  UnkeptStop stop_;
   DealingServer server_;
   std::unique_ptr<Main> main_;
 };

@@ -58,9 +58,22 @@ void RequestBook::note_code(SentOrder& request, RequestCode request_code) {
   note_last(request);
 }
 
-void RequestBook::note_dropped(SentOrder& request) {
+void RequestBook::note_dropped(SentOrder& request, NotSent why) {
   request.outcome = SentOrder::Outcome::dropped;
+  request.not_sent = why;
   note_last(request);
+}
+
+void RequestBook::note_kept(SentOrder& request, SentOrder::Outcome how, NotSent why) {
+  request.outcome = how;
+  request.not_sent = why;
+}
+
+void RequestBook::note_goes(SentOrder& request, std::chrono::milliseconds now) {
+  request.outcome = SentOrder::Outcome::waiting;
+  request.not_sent = NotSent::nothing;
+  // Its answer may be overdue, though later ones have been looked at.
+  heard_of(request, now);
 }
 
 void RequestBook::note_last(SentOrder& request) {
@@ -162,7 +175,8 @@ int RequestBook::unanswered(Sender sender) const {
   const Sent* sent = find_sent(sender);
   if (sent == nullptr) return 0;
   return static_cast<int>(std::count_if(sent->alive.begin(), sent->alive.end(), [](const SentOrder* each) {
-    return !each->settled() && each->kind != RequestKind::requote;
+    return !each->settled() && each->outcome != SentOrder::Outcome::held &&
+           each->kind != RequestKind::requote;
   }));
 }
 
@@ -184,6 +198,14 @@ std::vector<SentOrder*> RequestBook::unknown(Sender sender) const {
   return out;
 }
 
+std::vector<const SentOrder*> RequestBook::all_unknown() const {
+  std::vector<const SentOrder*> out;
+  for (const Sent& sent : sent_)
+    std::copy_if(sent.alive.begin(), sent.alive.end(), std::back_inserter(out),
+                 [](const SentOrder* each) { return each->outcome == SentOrder::Outcome::unknown; });
+  return out;
+}
+
 void RequestBook::heard_of(SentOrder& request, std::chrono::milliseconds now) {
   request.last_word = now;
   if (!std::exchange(request.heard_of, true)) heard_.push_back(&request);
@@ -193,7 +215,7 @@ std::vector<SentOrder*> RequestBook::overdue(std::chrono::milliseconds now) {
   std::vector<SentOrder*> out;
   const auto awaited = [](const SentOrder& request) {
     // What was executed in part may stay so for as long as the market wants.
-    return !request.settled() && request.outcome != SentOrder::Outcome::partly;
+    return !request.settled() && request.has_left() && request.outcome != SentOrder::Outcome::partly;
   };
   for (; looked_at_ < all_.size(); ++looked_at_) {
     SentOrder& request = all_[looked_at_];

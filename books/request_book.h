@@ -47,7 +47,10 @@ class RequestBook {
   // What the call that sent it answered. Of a repetition that is refused what is on its way stays the last.
   void note_code(SentOrder& request, RequestCode request_code);
   // It was not sent, and won't be.
-  void note_dropped(SentOrder& request);
+  void note_dropped(SentOrder& request, NotSent why);
+  // It is kept back, `held` or `queued`, and whether it may go after all.
+  void note_kept(SentOrder& request, SentOrder::Outcome how, NotSent why);
+  void note_goes(SentOrder& request, std::chrono::milliseconds now);
 
   const SentOrder* find(RequestId id) const;
   // The greatest there is; 0 when there is none.
@@ -63,7 +66,7 @@ class RequestBook {
   SentOrder* only(Sender sender, RequestKind kind, Meant&& meant) {
     SentOrder* out = nullptr;
     for (SentOrder* each : alive(sender)) {
-      if (each->kind != kind || !meant(*each)) continue;
+      if (each->kind != kind || !each->has_left() || !meant(*each)) continue;
       if (out != nullptr) return nullptr;
       out = each;
     }
@@ -85,7 +88,8 @@ class RequestBook {
   // False for a fill that was told before.
   bool is_new_execution(Sender sender, const std::string& execution);
 
-  // Without a result; answers to requotes don't count, which end with the order they are for.
+  // Without a result, but for what is held; answers to requotes don't count, which end with the order they
+  // are for.
   int unanswered(Sender sender) const;
   // How many nobody knows the outcome of, of those of a sender for which `counted` holds.
   template <class Counted>
@@ -101,6 +105,8 @@ class RequestBook {
   // Those of a sender without a result, oldest first; and those that nobody knows the outcome of.
   std::vector<SentOrder*> open(Sender sender) const;
   std::vector<SentOrder*> unknown(Sender sender) const;
+  // Of all senders, and of none.
+  std::vector<const SentOrder*> all_unknown() const;
   // Those without a word for longer than patience, oldest first.
   std::vector<SentOrder*> overdue(std::chrono::milliseconds now);
 

@@ -25,6 +25,20 @@ inline bool of_entry_window(RequestKind kind) {
   return kind == RequestKind::entry || kind == RequestKind::update || kind == RequestKind::stops;
 }
 
+// Why a request has not left, or had not.
+enum class NotSent : std::uint8_t {
+  nothing,         // it has
+  not_stored,      // the ledger could not
+  stored_late,     // the ledger took too long
+  not_noted,       // that it leaves could not be noted
+  account_gone,    // its connection was over first
+  stopped,         // trading is stopped
+  limit,           // its ticket is over a limit
+  unknown_before,  // nobody knows what became of an earlier one of the account and symbol
+  turn,            // too many leave in this second
+  market,          // the quote was too old, or the price had gone, as it was about to leave
+};
+
 // Number of a session, given once and good for the whole run; 0 is none.
 using Sender = std::uint32_t;
 
@@ -37,6 +51,8 @@ struct SentOrder {
     pending,   // the dealer has it
     partly,    // executed in part, the rest is still alive
     accepted,  // executed
+    held,      // it is over a limit, and leaves when the operator says so
+    queued,    // it leaves when its turn comes
     dropped,   // it was not sent after all
     unknown,   // nobody knows: no word came for long, or the connection was lost before the result
   };
@@ -61,14 +77,18 @@ struct SentOrder {
   std::int32_t account = 0;
   RequestKind kind = RequestKind::open;
   Outcome outcome = Outcome::none;
+  NotSent not_sent = NotSent::nothing;
   bool heard_of = false;           // the broker said a word since it was sent; the book's own
   bool stops_of_position = false;  // of a cancel: of the SL/TP of a position
   bool accepts = false;            // of an answer to a requote
 
   // Nothing more is expected of it. A late word may still come for one that is unknown.
   bool settled() const {
-    return outcome != Outcome::waiting && outcome != Outcome::pending && outcome != Outcome::partly;
+    return has_left() && outcome != Outcome::waiting && outcome != Outcome::pending &&
+           outcome != Outcome::partly;
   }
+  // It is not kept back any more.
+  bool has_left() const { return outcome != Outcome::held && outcome != Outcome::queued; }
 
   // What a result code says.
   static Outcome outcome_of(ResultCode result_code) {

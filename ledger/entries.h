@@ -24,6 +24,9 @@ struct LedgerAccount {
   bool operator==(const LedgerAccount&) const = default;
 };
 
+// Whose act it is: the operator's trading, or that he stopped it.
+enum class TicketOrigin : std::uint8_t { here, stop };
+
 // What the operator did with one act, and had sent.
 struct LedgerTicket {
   RequestKind kind = RequestKind::open;
@@ -33,6 +36,19 @@ struct LedgerTicket {
   double price_at_click = 0.0;              // 0: not known
   std::chrono::milliseconds quote_age{-1};  // of that price; below 0: not known
   std::int64_t retry_of = 0;                // number of the ticket whose rest is sent again, 0 none
+  TicketOrigin origin = TicketOrigin::here;
+  std::string override_reason{};  // why it went over a limit; empty: it did not
+  double typed_total = 0.0;       // lots that the operator split, 0: not known; not stored
+};
+
+// What is known of a ticket of an earlier run.
+struct LedgerPastTicket {
+  RequestKind kind = RequestKind::open;
+  std::string symbol;
+  Operation side{};
+  double total = 0.0;
+  std::size_t count = 0;  // of its requests
+  TimePoint time{};
 };
 
 // One request as it is to leave. `round` and `stops_order` of a sent order are the windows' own.

@@ -45,6 +45,8 @@ class Ledger {
   virtual std::string fault() const = 0;
   // Requests of earlier runs whose outcome is unknown, oldest first.
   virtual const std::vector<LedgerUnknown>& unknown() const = 0;
+  // Tickets that earlier runs sent within the hour before this one, but for closes and cancels.
+  virtual const std::vector<LedgerPastTicket>& recent() const = 0;
 };
 
 }  // namespace tutti

@@ -88,9 +88,9 @@ std::int64_t LedgerBook::add_ticket(const LedgerTicket& ticket, std::size_t plan
                               price_digits,
                               age,
                               by_,
-                              "here",
+                              std::string{ledger_words::of(ticket.origin)},
                               number_or_none(ticket.retry_of),
-                              {},
+                              text_or_none(ticket.override_reason),
                               static_cast<std::int64_t>(planned),
                               time.time_since_epoch().count()});
   return n;

@@ -326,4 +326,24 @@ std::vector<LedgerUnknown> LedgerQueries::unknown(std::span<const LedgerEvent> m
   return out;
 }
 
+std::vector<LedgerPastTicket> LedgerQueries::recent(TimePoint since) {
+  std::vector<LedgerPastTicket> out;
+  auto& rows = file_.statement(
+      "SELECT kind, symbol, side, coalesce(total, 0), total_digits, planned_count, t FROM ticket WHERE n > "
+      "(SELECT coalesce(max(n), 0) - 1000 FROM ticket) AND t >= ? AND kind IN ('open', 'entry', 'update', "
+      "'stops') AND NOT EXISTS (SELECT 1 FROM request r JOIN event e ON e.request = r.id WHERE r.ticket = "
+      "ticket.n AND e.state = 'REFUSED_HERE') ORDER BY n");
+  rows.bind(1, milliseconds(since));
+  while (rows.executeStep()) {
+    out.push_back({.kind = ledger_words::kind(rows.getColumn(0).getString()),
+                   .symbol = rows.getColumn(1).getString(),
+                   .side = ledger_words::side(rows.getColumn(2).getString()),
+                   .total = decimal(rows, 3),
+                   .count = static_cast<std::size_t>(rows.getColumn(5).getInt64()),
+                   .time = time_of(rows.getColumn(6))});
+  }
+  rows.reset();
+  return out;
+}
+
 }  // namespace tutti

@@ -119,6 +119,8 @@ class LedgerQueries {
   std::vector<TicketRequest> with_tickets_of(std::span<const RequestId> requests);
   // Those whose outcome nobody knows, oldest first; `more` are so too, and the file does not say it yet.
   std::vector<LedgerUnknown> unknown(std::span<const LedgerEvent> more = {});
+  // Tickets since a time that were not refused here, but for closes and cancels; of the last thousand.
+  std::vector<LedgerPastTicket> recent(TimePoint since);
 
  private:
   std::vector<TicketRecord> tickets(const std::string& which, std::int64_t value);

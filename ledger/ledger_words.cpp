@@ -25,6 +25,7 @@ constexpr StateRow states[] = {
 };
 constexpr std::string_view kinds[] = {"open", "close", "cancel", "entry", "update", "stops", "requote"};
 constexpr std::string_view evidences[] = {"answer", "asked", "positions", "hand", "clock"};
+constexpr std::string_view origins[] = {"here", "stop"};
 constexpr std::pair<Operation, std::string_view> sides[] = {{operation::buy, "buy"},
                                                             {operation::sell, "sell"},
                                                             {operation::buy_stop, "buy stop"},
@@ -42,6 +43,10 @@ std::string_view of(RequestKind kind) {
 
 std::string_view of(LedgerEvidence evidence) {
   return evidences[static_cast<std::size_t>(evidence)];
+}
+
+std::string_view of(TicketOrigin origin) {
+  return origins[static_cast<std::size_t>(origin)];
 }
 
 std::string_view of(Operation side) {

@@ -12,6 +12,7 @@ namespace ledger_words {
 std::string_view of(LedgerState state);  // "TAKEN"
 std::string_view of(RequestKind kind);   // "open"
 std::string_view of(LedgerEvidence evidence);
+std::string_view of(TicketOrigin origin);
 std::string_view of(Operation side);  // "buy stop"; empty for none
 // The same the other way; what is none of them is `stored`, `open` and `none`. A kind may have more words
 // behind it.

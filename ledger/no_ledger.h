@@ -16,9 +16,11 @@ class NoLedger final : public Ledger {
   void note(LedgerEvent) override {}
   std::string fault() const override { return {}; }
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+  const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
 
  private:
   std::vector<LedgerUnknown> unknown_;
+  std::vector<LedgerPastTicket> recent_;
 };
 
 }  // namespace tutti

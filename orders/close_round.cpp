@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "sessions/gate_texts.h"
+
 namespace tutti {
 namespace {
 
@@ -52,6 +54,7 @@ std::string_view CloseRound::text_of(RowKey position) const {
   const SentOrder* sent = request_for(position);
   if (not_sent(position, sent)) return "Not sent";
   if (sent == nullptr) return {};
+  if (const std::string_view kept = gate_texts::row(*sent); !kept.empty()) return kept;
   const OrderAnswer answer = answer_from(sent->outcome);
   if (answer != OrderAnswer::refused && answer != OrderAnswer::waiting) return {};
   if (sent->request_code != request::taken) return request::text(sent->request_code);

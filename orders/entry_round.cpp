@@ -4,6 +4,7 @@
 
 #include "core/numbers.h"
 #include "core/texts.h"
+#include "sessions/gate_texts.h"
 #include "sessions/result_texts.h"
 
 namespace tutti {
@@ -26,10 +27,14 @@ void EntryRound::send(Row& row, Request request, const Send& send) {
   CClientAPIManager* session = sessions_.logged_in(number);
   if (session == nullptr) return sent(row, request::invalid_account);
   answers_[number] = OrderAnswer::waiting;
-  send(*session, round_, [this, &row](const SentOrder& request) {
-    if (request.outcome != SentOrder::Outcome::dropped) return sent(row, request.request_code);
-    answers_[request.account] = OrderAnswer::refused;
-    note(row, RequestGate::not_sent);
+  send(*session, round_, [this](const SentOrder& request) {
+    // What is held may leave long after; its row may be gone by then, and its round over.
+    Row* to = rows_.find(request.account);
+    const std::string_view kept = gate_texts::row(request);
+    const bool has_row = to != nullptr && to->data<RowData>().round == request.round;
+    if (kept.empty() && has_row) return sent(*to, request.request_code);
+    if (request.round == round_) answers_[request.account] = answer_from(request.outcome);
+    if (has_row) note(*to, kept);
   });
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/dead_time.h"
 #include "core/numbers.h"
+#include "sessions/gate_texts.h"
 
 namespace tutti {
 namespace {
@@ -92,9 +93,8 @@ void frmPriceChanged::answer(CClientAPIManager& session, std::int64_t order, std
   const bool row_written = settle(order, account, accept ? accepted_word : rejected_word);
   session.answer_requote(order, accept, [this, row_written](const SentOrder& sent) {
     // The dealer may not have taken the answer; the row then says why instead.
-    const std::string_view refusal = sent.outcome == SentOrder::Outcome::dropped
-                                         ? RequestGate::not_sent
-                                         : request::text(sent.request_code);
+    const std::string_view kept = gate_texts::row(sent);
+    const std::string_view refusal = kept.empty() ? request::text(sent.request_code) : kept;
     if (refusal.empty()) return;
     general_.log("Order number " + std::to_string(sent.number) + ": " + std::string{refusal}, sent.account);
     if (row_written) market_order_.UpdateResult(refusal, sent.account);

@@ -17,9 +17,9 @@ void frmlimitorder::cmdsubmitlimiorder_Click() {
   if (!(edit_ && edit_->stops()) && !prices_accepted()) return;
   round_.begin();
   bool sent = false;
-  sessions_.as_one_ticket([&] {
-    sent = !edit_ ? send_new_orders() : edit_->stops() ? send_stops() : send_update();
-  });
+  const auto ask = [&] { sent = !edit_ ? send_new_orders() : edit_->stops() ? send_stops() : send_update(); };
+  sessions_.as_one_ticket(
+      ask, {.typed_total = edit_ ? 0.0 : general_.locale.StringToNumber(txtlimitorderammount.text())});
   if (sent) clearFrmlimit();
 }
 

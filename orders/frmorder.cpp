@@ -23,7 +23,7 @@ Orders of_one_account(Orders orders, std::int32_t account) {
 // The answer of an account. It has more than one order when it is logged in under several user names: what is
 // open counts before what is settled, and what was executed before what was not.
 Answer combined(Orders own) {
-  for (const Answer answer : {Answer::waiting, Answer::unknown, Answer::accepted}) {
+  for (const Answer answer : {Answer::waiting, Answer::held, Answer::unknown, Answer::accepted}) {
     for (const SentOrder* order : own) {
       if (answer_from(order->outcome) == answer) return answer;
     }

@@ -91,6 +91,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   void result(std::string_view text, std::int32_t account) override { UpdateResult(text, account); }
   void symbols_changed() override { cbsymbols.set_items(symbols_.names()); }
   std::string_view symbol() const override { return cbsymbols.text(); }
+  double total() const override { return general_.locale.StringToNumber(txtammount.text()); }
   std::optional<double> ticked_share(std::int32_t account) const override;
   bool wants_lot_limits() const override { return !has_lot_limits_; }
   void lot_limits(double, double) override { has_lot_limits_ = true; }

@@ -6,6 +6,9 @@ namespace tutti {
 
 OrderAnswer answer_from(SentOrder::Outcome outcome) {
   switch (outcome) {
+    case SentOrder::Outcome::held:
+      return OrderAnswer::held;
+    case SentOrder::Outcome::queued:
     case SentOrder::Outcome::waiting:
     case SentOrder::Outcome::pending:
     case SentOrder::Outcome::partly:
@@ -28,6 +31,9 @@ void OrderAnswers::count(OrderAnswer answer) {
     case OrderAnswer::refused:
       ++refused;
       break;
+    case OrderAnswer::held:
+      ++held;
+      break;
     case OrderAnswer::waiting:
       ++waiting;
       break;
@@ -45,8 +51,9 @@ std::string unknown_before_text(int count) {
 
 std::string OrderAnswers::text() const {
   std::string out;
-  for (const auto& [count, word] : {std::pair{accepted, " accepted"}, std::pair{refused, " refused"},
-                                    std::pair{waiting, " waiting"}, std::pair{unknown, " unknown"}}) {
+  for (const auto& [count, word] :
+       {std::pair{accepted, " accepted"}, std::pair{refused, " refused"}, std::pair{held, " held"},
+        std::pair{waiting, " waiting"}, std::pair{unknown, " unknown"}}) {
     if (count > 0) out += (out.empty() ? "" : ", ") + std::to_string(count) + word;
   }
   const std::string before = unknown_before_text(unknown_before);

@@ -15,6 +15,7 @@ enum class OrderAnswer {
   accepted,
   refused,
   unknown,  // the connection was lost before the result came, or none came in time
+  held,     // over a limit: it leaves when the operator says so
 };
 
 OrderAnswer answer_from(SentOrder::Outcome outcome);
@@ -26,6 +27,7 @@ std::string unknown_before_text(int count);
 struct OrderAnswers {
   int accepted = 0;
   int refused = 0;
+  int held = 0;
   int waiting = 0;
   int unknown = 0;
   int unknown_before = 0;  // requests of earlier rounds

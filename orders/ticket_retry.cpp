@@ -101,12 +101,6 @@ std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
   std::vector<const SentOrder*> sent;
   if (rest.empty()) return sent;
   LedgerTicket of_all;
-  const TicketRequest& first = *rest.front().request;
-  const bool alike = std::all_of(rest.begin(), rest.end(), [&](const Rest& each) {
-    return each.request->kind == RequestKind::open && each.request->symbol == first.symbol &&
-           each.request->side == first.side;
-  });
-  if (alike) of_all = sessions_.at_click(first.side, books_.symbols.find(first.symbol));
   of_all.retry_of = ticket;
   sessions_.as_one_ticket(
       [&] {

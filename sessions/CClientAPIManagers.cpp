@@ -4,17 +4,19 @@
 #include <utility>
 
 #include "core/numbers.h"
+#include "sessions/gate_texts.h"
 
 namespace tutti {
 
 CClientAPIManagers::CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, Books& books,
-                                       CLoginOptions& options, Ledger& ledger, std::size_t capacity)
+                                       CLoginOptions& options, Ledger& ledger, StopSign& stop,
+                                       std::size_t capacity)
     : make_client_(std::move(make_client)),
       general_(general),
       desk_(desk),
       books_(books),
       options_(options),
-      gate_(requests_, general, books, ledger),
+      gate_(requests_, general, books, ledger, stop),
       capacity_(capacity) {}
 
 CClientAPIManagers::~CClientAPIManagers() = default;
@@ -163,27 +165,18 @@ void CClientAPIManagers::fan_out(Operation side) {
       if (!share) continue;
       // No more than this is kept without an allocation for each request.
       const auto tell = [this, to = session.get()](const SentOrder& sent) {
-        if (sent.outcome == SentOrder::Outcome::dropped)
-          return desk_.market_order->result(RequestGate::not_sent, sent.account);
+        if (const std::string_view kept = gate_texts::row(sent); !kept.empty())
+          return desk_.market_order->result(kept, sent.account);
         Result(sent.request_code, sent.account, client_key(to->key()));
         general_.play_sound_file(sent_sound_);
       };
       fan_out_.push_back(&session->market_order(side, symbol, *share, tell));
     }
   };
-  gate_.as_one_ticket(ask, at_click(side, symbol));
+  gate_.as_one_ticket(ask, {.typed_total = desk_.market_order->total()});
   if (!fan_out_.empty()) return;
   general_.message_box("No account selected");
   desk_.market_order->nothing_sent();
-}
-
-LedgerTicket CClientAPIManagers::at_click(Operation side, SymbolHandle symbol) const {
-  LedgerTicket out;
-  if (symbol == no_symbol) return out;
-  const SymbolCollection::Entry& quoted = books_.symbols.entry(symbol);
-  out.price_at_click = buys(side) ? quoted.ask : quoted.bid;
-  out.quote_age = std::max(general_.clock.now() - quoted.quote_time, std::chrono::milliseconds{0});
-  return out;
 }
 
 std::span<const SentOrder* const> CClientAPIManagers::last_fan_out() {

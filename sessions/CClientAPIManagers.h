@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -26,7 +27,8 @@ class CClientAPIManagers {
   static constexpr std::size_t max_accounts = 500;
 
   CClientAPIManagers(ClientFactory make_client, MGeneral& general, Desk& desk, Books& books,
-                     CLoginOptions& options, Ledger& ledger, std::size_t capacity = max_accounts);
+                     CLoginOptions& options, Ledger& ledger, StopSign& stop,
+                     std::size_t capacity = max_accounts);
   ~CClientAPIManagers();
 
   // New session and its row; logged in at once when asked. nullptr, after a message, when the collection is
@@ -85,13 +87,17 @@ class CClientAPIManagers {
   void as_one_ticket(const std::function<void()>& ask, const LedgerTicket& about = {}) {
     gate_.as_one_ticket(ask, about);
   }
-  // The price that an order would be sent at now.
-  LedgerTicket at_click(Operation side, SymbolHandle symbol) const;
   // What `ask` sends is a request that had no effect, once more.
   void as_retry_of(RequestId request, const std::function<void()>& ask) { gate_.as_retry_of(request, ask); }
   // Sends what was asked for in handlers and is stored by now, or waits for that.
   void send_stored() { gate_.send_stored(); }
   void wait_for_stored() { gate_.wait_for_stored(); }
+  // When the next request that waits for its turn may leave; see RequestGate.
+  std::optional<std::chrono::milliseconds> next_turn() const { return gate_.next_turn(); }
+  // Limits, the stop, and what is held.
+  Admission& admission() { return gate_.admission(); }
+  // Sends a held ticket after all, for this reason.
+  void send_held(int number, std::string_view reason) { gate_.send_held(number, reason); }
   // The orders of the last Buy or Sell, sorted by account.
   std::span<const SentOrder* const> last_fan_out();
   const RequestBook& requests() const { return requests_; }

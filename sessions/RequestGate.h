@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -11,7 +12,11 @@
 #include "books/request_book.h"
 #include "books/request_ids.h"
 #include "core/MGeneral.h"
+#include "core/stop_sign.h"
 #include "ledger/ledger.h"
+#include "limits/send_rate.h"
+#include "sessions/admission.h"
+#include "sessions/asked_requests.h"
 #include "sessions/contract/account_client.h"
 #include "sessions/contract/codes.h"
 #include "sessions/contract/order_operations.h"
@@ -25,22 +30,22 @@ namespace tutti {
 // long at most. What is asked for in a handler, which never waits, is queued and leaves once it is stored.
 // What can't be stored is dropped, and the operator is told so once.
 //
+// Limits and the stop are judged before a ticket is stored and as each request leaves. What too many requests
+// within a second keep waiting leaves when its turn comes; closes and cancels don't wait.
+//
 // A sender is one account session. Records live as long as the book.
 class RequestGate {
  public:
   // So long a click waits for the ledger.
   static constexpr std::chrono::milliseconds store_within{250};
-  // What the row of a dropped request says.
-  static constexpr std::string_view not_sent = "Not sent: it could not be stored";
   // Of more requests than `whole_ticket` each part of so many is stored before it leaves.
   static constexpr std::size_t whole_ticket = 1000;
   static constexpr std::size_t part = 500;
 
-  // Runs when the request has been sent, with the code that it was answered, or was dropped.
-  using Then = std::function<void(const SentOrder&)>;
+  using Then = AskedRequests::Then;
 
   // Takes the unknown requests of earlier runs into the book.
-  RequestGate(RequestBook& book, MGeneral& general, const Books& books, Ledger& ledger);
+  RequestGate(RequestBook& book, MGeneral& general, const Books& books, Ledger& ledger, StopSign& stop);
 
   // A new session of this account; `operations` sends for it until it leaves. It takes over what is unknown
   // of the account's earlier requests.
@@ -71,14 +76,20 @@ class RequestGate {
                              std::int64_t stops_order, int round, Then&& then = {});
   const SentOrder& answer_requote(Sender sender, std::int64_t order, bool accept, Then&& then = {});
 
-  // Sends what was asked for in handlers and is stored by now. To be called outside of them.
+  // Sends what was asked for in handlers and is stored by now, and what waited for its turn; drops what waits
+  // when trading is stopped. To be called outside of handlers.
   void send_stored();
   // The same for all of it, once it is stored, for who has nothing else to do.
   void wait_for_stored();
+  // When the next that waits for its turn may leave, by the clock's elapsed time; nothing while none waits.
+  std::optional<std::chrono::milliseconds> next_turn() const;
+  // Sends a held ticket after all; see Admission::let_go.
+  void send_held(int number, std::string_view reason);
   // The session's connection is over: what has not left for it is dropped.
   void drop_waiting(Sender sender);
 
   Ledger& ledger() { return ledger_; }
+  Admission& admission() { return admission_; }
 
  private:
   struct Way {
@@ -86,30 +97,29 @@ class RequestGate {
     OrderOperations* operations = nullptr;
     const AccountClient* client = nullptr;
   };
-  // What leaves together, in this order; `then` of each.
-  struct Asked {
-    std::vector<SentOrder*> requests;
-    std::vector<Then> then;
-
-    std::size_t size() const { return requests.size(); }
-    void add(SentOrder& request, Then&& after);
-    void clear();
-  };
   struct Waiting {
     Ledger::Mark mark = 0;
     std::chrono::milliseconds since{0};
-    Asked asked;
+    LedgerTicket about{};
+    AskedRequests asked;
   };
 
   SentOrder& make(Sender sender, RequestKind kind);
   const SentOrder& ask(SentOrder& request, Then&& then);
-  void submit(const LedgerTicket& about, Asked& asked);
+  void submit(LedgerTicket about, AskedRequests& asked);
+  void store_and_send(const LedgerTicket& about, AskedRequests& asked);
+  void quote_at_click(LedgerTicket& about, const SentOrder& request) const;
   static RequestCode call(OrderOperations& to, const SentOrder& request);
   // False when nothing more may leave, for want of a note of it.
   bool send(SentOrder& request, const Then& then);
-  void send_all(Asked& asked, std::size_t first, std::size_t end);
-  void drop(Asked& asked, std::size_t first, std::string_view reason, const std::string& why);
-  void drop(SentOrder& request, const Then& then, std::string_view reason);
+  // Answers up to where they were sent or dropped: the rest waits for its turn.
+  std::size_t send_all(const LedgerTicket& about, AskedRequests& asked, std::size_t first, std::size_t end);
+  bool waits_for_turn(const SentOrder& request) const;
+  void queue(const LedgerTicket& about, AskedRequests& asked, std::size_t first, std::size_t end,
+             std::chrono::milliseconds since, bool in_front);
+  void send_queued();
+  void drop(AskedRequests& asked, std::size_t first, NotSent why, const std::string& text);
+  void drop(SentOrder& request, const Then& then, NotSent why);
   void note(const SentOrder& request, LedgerState state, std::string_view reason, LedgerEvidence evidence);
 
   RequestBook& book_;
@@ -120,9 +130,12 @@ class RequestGate {
   std::vector<Way> senders_;  // sender n at n - 1
   RequestId retry_of_ = 0;    // of what is asked for now
   bool collecting_ = false;
-  Asked collected_;
-  Asked spare_;                  // room for the next ticket
+  AskedRequests collected_;
+  AskedRequests spare_;          // room for the next ticket
   std::deque<Waiting> waiting_;  // asked for in handlers
+  std::deque<Waiting> queue_;    // stored, and waits for its turn
+  SendRate rate_;
+  Admission admission_;
 };
 
 }  // namespace tutti

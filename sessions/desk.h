@@ -57,6 +57,8 @@ class MarketOrderDesk : public OrderRowsDesk {
  public:
   // Chosen symbol, and the share of an account that is ticked, in lots.
   virtual std::string_view symbol() const { return {}; }
+  // Lots that were split over the accounts, as typed.
+  virtual double total() const { return 0.0; }
   virtual std::optional<double> ticked_share(std::int32_t /*account*/) const { return std::nullopt; }
   // True while the window still wants the smallest and largest lot of an account.
   virtual bool wants_lot_limits() const { return false; }

@@ -36,6 +36,9 @@ Main::~Main() {
 
 tl::expected<void, FileError> Main::run() {
   window_.Displayed(true);
+  const auto limits = limits_file_.open();
+  if (!limits) return tl::unexpected(limits.error());
+  sessions_.admission().set_limits(*limits);
   if (auto loaded = accounts_.load(); !loaded) return loaded;
   close_positions_.prepare({"Account", "Status", "Amount", "Action"}, AccountState::disconnected);
   if (auto loaded = load_saved_accounts(); !loaded) return loaded;
@@ -73,6 +76,7 @@ void Main::connect() {
   tickets_.send_again = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
     ticket_retry_.send(ticket, requests);
   };
+  sessions_.admission().on_held = [this] { held_.refresh(); };
 }
 
 // Everything that closes positions, and what is picked for it elsewhere.
@@ -95,6 +99,10 @@ void Main::connect_closing() {
   trade_.close_helper = close;
   trade_.as_one_ticket = [this](const auto& ask) { sessions_.as_one_ticket(ask); };
   close_positions_.close_helper = close;
+  books_.positions.observe(stop_);
+  stop_.close = [close](std::int64_t ticket, double amount, std::int32_t account) {
+    return close({ticket, amount, account});
+  };
   question_box_.on_yes[frmTrade::close_question - 1] = [this] { trade_.closeAllse(); };
   question_box_.on_yes[frmClosePos::marked_question - 1] = [this] { close_positions_.closepos(); };
   question_box_.on_yes[frmClosePos::single_question - 1] = [this] { close_positions_.closepos1(); };
@@ -116,6 +124,7 @@ void Main::poll_timers(bool events_wait) {
   if (ports_.reads != nullptr) ports_.reads->deliver();
   tickets_.poll();
   fills_.poll();
+  stop_.refresh();
   if (!events_wait) accounts_.m_oTimer.poll(ports_.clock.now());
   journal_.flush();
   if (window_.stamp() == totals_shown_) return;

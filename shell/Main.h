@@ -20,11 +20,16 @@
 #include "core/frmSure.h"
 #include "core/message_queue.h"
 #include "core/paths.h"
+#include "core/stop_sign.h"
 #include "ledger/ledger.h"
 #include "ledger/ledger_reads.h"
+#include "limits/limits_file.h"
 #include "orders/close_helper.h"
 #include "orders/frmClosePos.h"
+#include "orders/frmHeld.h"
+#include "orders/frmLimits.h"
 #include "orders/frmPriceChanged.h"
+#include "orders/frmStop.h"
 #include "orders/frmlimitorder.h"
 #include "orders/frmorder.h"
 #include "orders/ticket_retry.h"
@@ -58,6 +63,7 @@ struct MachinePorts {
   LocalePort& locale;
   FileDialog& file_dialog;
   Ledger& ledger;
+  StopSign& stop;
   std::filesystem::path key_file = {};  // key of the account records; empty: where KeyFile looks for it
   std::function<void(std::string_view text)> outside = {};  // standard error of the program; may be empty
   LedgerReads* reads = nullptr;  // of what the ledger has; nullptr where nobody looks
@@ -108,6 +114,10 @@ class Main {
   FillList& fills() { return fills_; }
   TicketRetry& ticket_retry() { return ticket_retry_; }
   frmPriceChanged& requote() { return requote_; }
+  // An order over a limit, the limits, and STOP ALL.
+  frmHeld& held() { return held_; }
+  frmLimits& limits() { return limits_; }
+  frmStop& stop_form() { return stop_; }
   frmJournal& journal_window() { return journal_window_; }
   CJournal& journal() { return journal_; }
   SymbolCollection& symbols() { return books_.symbols; }
@@ -152,8 +162,10 @@ class Main {
   CHTMLHELP help_;
   EventPump pump_{events_, journal_, messages_};
   frmMdiNew window_{books_.accounts};
+  LimitsFile limits_file_{paths_.application_folder()};
   CLoginOptions login_options_{general_, server_.endpoint};
-  CClientAPIManagers sessions_{server_.make_client, general_, desk_, books_, login_options_, ports_.ledger};
+  CClientAPIManagers sessions_{server_.make_client, general_,      desk_,      books_,
+                               login_options_,      ports_.ledger, ports_.stop};
   frmMain accounts_{general_, desk_, books_, login_options_, sessions_, ports_.file_dialog};
   frmorder market_order_{general_, accounts_, sessions_, books_.symbols};
   frmlimitorder entry_order_{general_, accounts_, sessions_, books_.symbols};
@@ -169,6 +181,9 @@ class Main {
   TicketRetry ticket_retry_{general_, sessions_, books_};
   TicketBoard tickets_{ports_.clock, ports_.reads};
   FillList fills_{ports_.clock, ports_.reads};
+  frmHeld held_{general_, sessions_};
+  frmLimits limits_{general_, sessions_.admission(), limits_file_};
+  frmStop stop_{general_, sessions_, books_};
   std::uint64_t totals_shown_ = 0;  // stamp of the main window's state that the summary label shows
 };
 

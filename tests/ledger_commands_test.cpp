@@ -43,7 +43,7 @@ struct Ledgers : ::testing::Test {
 
 TEST_F(Ledgers, HaveWhatBecameOfEveryWayOut) {
   EXPECT_EQ(rig.run(order), 0) << rig.err;
-  EXPECT_EQ(rig.run("order --sell EURUSD --amount 500 --rule equal --accounts 500101"), 1);
+  EXPECT_EQ(rig.run("order --sell EURUSD --amount 500 --rule equal --accounts 500101 --override big"), 1);
   EXPECT_EQ(
       rig.run("entry EURUSD --type buy-limit --amount 0.4 --at 1.01 --rule equal --accounts 500101,500102"),
       0);

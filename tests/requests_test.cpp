@@ -212,6 +212,7 @@ TEST_F(Requests, TheBrokerIsAskedAboutWhatIsUnknown) {
        "was sent to a book that it has no more: check the positions"},
       {RequestState::not_told, Outcome::unknown, LedgerState::unknown, ""},
   };
+  rig.sessions.admission().override_limits("one after another");
   for (const Told& each : cases) {
     SCOPED_TRACE(each.words);
     const SentOrder& order = buy(one);
@@ -336,8 +337,8 @@ TEST(RequestGate, IsTheOnlyWayOut) {
                          R"(ClosePosition|UpdateSLTP|DeleteEntryOrder|DeleteSLTPOrder)\(|OrderOperations\b)"};
   std::set<std::string> found;
   const std::filesystem::path root{TUTTI_SOURCE};
-  for (const char* room :
-       {"core", "pricing", "books", "sessions", "views", "accounts", "orders", "shell", "gui", "apps"}) {
+  for (const char* room : {"core", "pricing", "limits", "books", "sessions", "views", "accounts", "orders",
+                           "shell", "gui", "apps"}) {
     if (!std::filesystem::exists(root / room)) continue;
     for (const auto& entry : std::filesystem::recursive_directory_iterator{root / room}) {
       if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;

@@ -294,6 +294,7 @@ TEST_F(SessionAnswered, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {
     EXPECT_EQ(unknown_after([&] { sink.ConnectionState(false); }), unknown);
     EXPECT_EQ(session.last_order().outcome, Outcome::accepted) << "its own answer came";
   }
+  rig.sessions.admission().override_limits("the positions were looked at");
   order(0.8, Outcome::waiting);
   order(0.9, Outcome::refused);
   answer(22, 0.8, order_state::executed);

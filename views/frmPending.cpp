@@ -6,6 +6,7 @@
 #include "core/numbers.h"
 #include "core/texts.h"
 #include "core/time_texts.h"
+#include "sessions/gate_texts.h"
 #include "views/lot_sums.h"
 
 namespace tutti {
@@ -188,8 +189,8 @@ void frmPending::CloseIoID() {
                  account);
   };
   const auto told = [&](const SentOrder& sent) {
-    if (sent.outcome == SentOrder::Outcome::dropped)
-      return refuse(sent.number, sent.account, RequestGate::not_sent);
+    if (const std::string_view kept = gate_texts::row(sent); !kept.empty())
+      return refuse(sent.number, sent.account, kept);
     if (sent.request_code != request::taken)
       refuse(sent.number, sent.account, why_refused(sent.request_code));
   };

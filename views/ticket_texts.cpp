@@ -72,7 +72,7 @@ std::string_view outcome(RequestKind kind, LedgerState state, const std::string&
     case LedgerState::refused:
       return is_code(reason, code, result::not_enough_money) ? "no margin" : "refused";
     case LedgerState::refused_here:
-      return "not connected";
+      return reason.empty() || reason == "request code" ? "not connected" : "not sent";
     case LedgerState::dropped:
       return "not sent";
     case LedgerState::never:

@@ -12,6 +12,9 @@
 #include "gui/shell/shell_head.h"
 #include "gui/shell/status_strip.h"
 #include "gui/shell/tool_strip.h"
+#include "gui/windows/frmHeld_window.h"
+#include "gui/windows/frmLimits_window.h"
+#include "gui/windows/frmStop_window.h"
 #include "shell/holdings.h"
 
 namespace tutti {
@@ -49,6 +52,9 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   prompt.set_parent(this);
   account_dialog_ = new FrmaccountWindow{main_.accounts().account_dialog(), screen, this};
   requote_ = new FrmPriceChangedWindow{main_.requote(), screen, this};
+  new FrmLimitsWindow{main_.limits(), screen, this};
+  new FrmStopWindow{main_.stop_form(), screen, this};
+  new FrmHeldWindow{main_.held(), screen, this};
   messages_ = std::make_unique<MessageQueueWindow>(main_.messages(), screen, main_.general().clock, *this);
   help_ = new HelpWindow{this};
   const CommandTargets targets{*this,

@@ -146,6 +146,9 @@ void MainCommands::make_orders_menu() {
   add_closing_commands();
   separate();
   add_requote_commands();
+  separate();
+  add("stop_all", "STOP ALL...", harmless, Qt::Key_Pause,
+      [this] { to_.main.stop_form().stop("the operator"); }, {.icon = "stop"});
 }
 
 // A command-bar control that is not available switches its command off, whatever the window behind it says.
@@ -282,6 +285,7 @@ void MainCommands::make_tools_menu() {
     mute.setChecked(shown);
     mute.setIcon(svg_icon(text_of(shown ? "sound-off" : "sound-on")));
   });
+  add("limits", "&Limits...", harmless, ctrl_shift | Qt::Key_M, [this] { to_.main.limits().show(); });
   const auto waiting = [this] {
     return to_.main.messages().current() == nullptr ? "No message waits" : nullptr;
   };

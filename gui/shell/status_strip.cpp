@@ -41,6 +41,8 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   addWidget(totals_, 1);
   missing_ = new NotConnectedLine{main.account_book(), screen};
   addPermanentWidget(missing_);
+  stopped_ = add_label(*this, QStringLiteral("stopped"));
+  stopped_->setProperty("warn", true);
   warning_ = add_label(*this, QStringLiteral("warning"));
   warning_->setProperty("warn", true);
   waiting_ = add_label(*this, QStringLiteral("waiting"));
@@ -67,6 +69,7 @@ void StatusStrip::share_room() {
 void StatusStrip::refresh() {
   share_room();
   refresh_connections();
+  show_text(*stopped_, main_.stop_form().shows_stopped() ? tr("TRADING IS STOPPED") : QString{});
   const frmMdiNew& form = main_.window();
   if (form.stamp() == shown_) return;
   shown_ = form.stamp();

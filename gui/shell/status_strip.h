@@ -28,6 +28,7 @@ class StatusStrip final : public QStatusBar {
   std::uint64_t shown_ = ~std::uint64_t{0};  // stamp of the main window's state on show
   ElidedLabel* totals_;
   NotConnectedLine* missing_;
+  QLabel* stopped_;
   QLabel* warning_;
   QLabel* waiting_;
   QLabel* connected_control_;

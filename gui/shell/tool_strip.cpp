@@ -26,8 +26,9 @@ ToolStrip::ToolStrip(const Commands& commands, FrmMainWindow& accounts, Screen& 
   setIconSize({16, 16});
   setMovable(false);
   setContextMenuPolicy(Qt::PreventContextMenu);
-  for (const char* const name : {"connect", "disconnect", "", "distribute", "tick_all", "", "close_selected",
-                                 "cancel_selected", "", "market_order", "entry_order", "journal"}) {
+  for (const char* const name :
+       {"connect", "disconnect", "", "distribute", "tick_all", "", "close_selected", "cancel_selected", "",
+        "market_order", "entry_order", "journal", "", "stop_all"}) {
     if (*name == '\0') {
       addSeparator();
       continue;

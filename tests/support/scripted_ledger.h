@@ -18,6 +18,7 @@ class ScriptedLedger : public Ledger {
   std::vector<std::pair<LedgerTicket, std::vector<LedgerRequest>>> stored;
   std::vector<LedgerEvent> events;
   std::function<void()> on_wait;
+  std::vector<LedgerPastTicket> recent_;
 
   void know(Sender, const LedgerAccount&) override {}
   Mark store(const LedgerTicket& about, Requests ticket, Requests part, Mark, const Books& books) override {
@@ -34,6 +35,7 @@ class ScriptedLedger : public Ledger {
   void note(LedgerEvent event) override { events.push_back(std::move(event)); }
   std::string fault() const override { return why; }
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+  const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
 
  private:
   std::vector<LedgerUnknown> unknown_;

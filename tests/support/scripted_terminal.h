@@ -30,6 +30,7 @@ struct ScriptedTerminal : TestTerminal {
     for (std::size_t i = 1; i <= summaries.size(); ++i)
       list += "user,secret," + std::to_string(i) + "\n";
     home->write("manage/savelvinfo.buf", list);
+    home->write("limits.toml", "quote_seconds = \"never\"  # what is scripted has no quotes\n");
     behind = {[this](const LoginData&) {
                 clients.push_back(new ScriptedClient);
                 return std::unique_ptr<ClientAPI>{clients.back()};

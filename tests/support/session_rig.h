@@ -80,12 +80,14 @@ class SessionRig {
   Books books;
   CLoginOptions options{general, {"10.0.0.9", 443}};
   ScriptedLedger ledger;
+  UnkeptStop stop;
   CClientAPIManagers sessions{[](const LoginData&) { return std::make_unique<ScriptedClient>(); },
                               general,
                               windows.desk,
                               books,
                               options,
-                              ledger};
+                              ledger,
+                              stop};
 };
 
 }  // namespace tutti::testing

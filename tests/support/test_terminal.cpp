@@ -85,8 +85,8 @@ void TestTerminal::save_accounts() {
 }
 
 tl::expected<void, FileError> TestTerminal::start() {
-  auto started = Main::start(home->path(),
-                             {clock, prompt, sound, locale, file_dialog, ledger, home->key_file()}, behind);
+  auto started = Main::start(
+      home->path(), {clock, prompt, sound, locale, file_dialog, ledger, stop, home->key_file()}, behind);
   if (!started) return tl::unexpected(started.error());
   main = std::move(*started);
   return {};

@@ -88,6 +88,7 @@ class TestTerminal {
   ProcessLocale locale;
   FakeFileDialog file_dialog;
   NoLedger ledger;
+  UnkeptStop stop;
   DealingServer server;
   ServerSide behind;           // what start() puts behind the clients: the server
   std::unique_ptr<Main> main;  // from start() on

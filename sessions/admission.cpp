@@ -1,0 +1,172 @@
+#include "sessions/admission.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "sessions/gate_texts.h"
+
+namespace tutti {
+namespace {
+
+std::string stopped_text(std::size_t count) {
+  return fmt::format("{} not sent: trading is stopped. End the stop first",
+                     count == 1 ? "1 request was" : fmt::format("{} requests were", count));
+}
+
+}  // namespace
+
+Admission::Admission(RequestBook& book, MGeneral& general, const Books& books, Ledger& ledger, StopSign& stop,
+                     TicketJudge::ClientOf client_of)
+    : book_(book),
+      general_(general),
+      books_(books),
+      ledger_(ledger),
+      stop_(stop),
+      judge_(books, book, general.clock, ledger, std::move(client_of)) {}
+
+void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
+  if (stop_.stopped()) {
+    const AskedRequests refused =
+        asked.take_out([&](const SentOrder& each) { return !passes_stop(each, about); });
+    refuse(about, refused, NotSent::stopped);
+    if (!refused.empty()) tell(stopped_text(refused.size()));
+    // What passes is not looked at any further.
+    return;
+  }
+  TicketJudge::Breaches breaches = judge_.judge(asked.requests, about);
+  const bool whole = !breaches.empty();
+  const auto unknown_before = [this, unknown = judge_.unknown()](const SentOrder& each) {
+    return judge_.unknown_before(each, unknown);
+  };
+  for (const SentOrder* each : asked.requests)
+    if (unknown_before(*each)) breaches.push_back({Limit::unknown, each->account});
+  if (!breaches.empty() && override_.empty()) {
+    if (whole) return hold(about, std::exchange(asked, {}), std::move(breaches), NotSent::limit);
+    hold(about, asked.take_out(unknown_before), std::move(breaches), NotSent::unknown_before);
+  } else if (!breaches.empty()) {
+    about.override_reason = override_;
+    general_.log(fmt::format("Sent over a limit ({}): {}", override_, limits::text(breaches.front())),
+                 no_account);
+  }
+  if (!asked.empty()) judge_.note(asked.requests);
+}
+
+bool Admission::passes_stop(const SentOrder& request, const LedgerTicket& about) const {
+  if (about.origin == TicketOrigin::stop) return true;
+  if (request.kind != RequestKind::requote) return false;
+  // To reject sends nothing into the market, and a close in dealing was on its way before.
+  const auto* order = books_.orders.find(request.number, request.account);
+  return !request.accepts || (order != nullptr && order->kind == OrderKind::close);
+}
+
+std::optional<Admission::Refusal> Admission::leaving(const SentOrder& request,
+                                                     const LedgerTicket& about) const {
+  if (stop_.stopped() && !passes_stop(request, about))
+    return Refusal{NotSent::stopped, "trading is stopped. End the stop first"};
+  if (!about.override_reason.empty()) return std::nullopt;
+  if (const auto breach = judge_.judge_leaving(request, about))
+    return Refusal{NotSent::market, limits::text(*breach)};
+  return std::nullopt;
+}
+
+void Admission::hold(LedgerTicket about, AskedRequests asked, TicketJudge::Breaches breaches, NotSent why) {
+  held_.push_back({++last_number_, std::move(about), std::move(breaches), std::move(asked)});
+  const HeldTicket& ticket = held_.back();
+  general_.log(fmt::format("{} held, nothing of it was sent: {}",
+                           ticket.asked.size() == 1 ? "1 request is"
+                                                    : fmt::format("{} requests are", ticket.asked.size()),
+                           ticket.text()),
+               no_account);
+  for (std::size_t place = 0; place < ticket.asked.size(); ++place) {
+    book_.note_kept(*ticket.asked.requests[place], SentOrder::Outcome::held, why);
+    ticket.asked.tell(place);
+  }
+  held_changed();
+}
+
+std::optional<HeldTicket> Admission::let_go(int number, std::string_view reason) {
+  const auto at = std::find_if(held_.begin(), held_.end(),
+                               [number](const HeldTicket& each) { return each.number == number; });
+  if (at == held_.end()) return std::nullopt;
+  if (look_at_stop()) return std::nullopt;
+  TicketJudge::Breaches now = judge_.judge(at->asked.requests, at->about);
+  const auto seen = [&](const limits::Breach& breach) {
+    return std::any_of(at->breaches.begin(), at->breaches.end(),
+                       [&](const limits::Breach& each) { return each.limit == breach.limit; });
+  };
+  if (!std::all_of(now.begin(), now.end(), seen)) {
+    at->breaches = std::move(now);
+    held_changed();
+    return std::nullopt;
+  }
+  HeldTicket out = std::move(*at);
+  held_.erase(at);
+  out.about.override_reason = reason;
+  general_.log(fmt::format("Sent over a limit ({}): {}", reason, out.text()), no_account);
+  for (SentOrder* each : out.asked.requests)
+    book_.note_goes(*each, general_.clock.elapsed());
+  judge_.note(out.asked.requests);
+  held_changed();
+  return out;
+}
+
+void Admission::refuse(int number) {
+  const auto at = std::find_if(held_.begin(), held_.end(),
+                               [number](const HeldTicket& each) { return each.number == number; });
+  if (at == held_.end()) return;
+  const HeldTicket ticket = std::move(*at);
+  held_.erase(at);
+  general_.log(fmt::format("What was held is not sent, {} requests: {}", ticket.asked.size(), ticket.text()),
+               no_account);
+  refuse(ticket.about, ticket.asked, ticket.asked.requests.front()->not_sent);
+  held_changed();
+}
+
+void Admission::drop_held(Sender sender) {
+  bool changed = false;
+  for (auto ticket = held_.begin(); ticket != held_.end();) {
+    const AskedRequests gone =
+        ticket->asked.take_out([sender](const SentOrder& each) { return each.sender == sender; });
+    changed = changed || !gone.empty();
+    refuse(ticket->about, gone, NotSent::account_gone);
+    ticket = ticket->asked.empty() ? held_.erase(ticket) : std::next(ticket);
+  }
+  if (changed) held_changed();
+}
+
+bool Admission::look_at_stop() {
+  if (!stop_.stopped()) return false;
+  if (held_.empty()) return true;
+  std::size_t count = 0;
+  for (const HeldTicket& each : std::exchange(held_, {})) {
+    refuse(each.about, each.asked, NotSent::stopped);
+    count += each.asked.size();
+  }
+  tell(stopped_text(count));
+  held_changed();
+  return true;
+}
+
+void Admission::refuse(const LedgerTicket& about, const AskedRequests& asked, NotSent why) {
+  if (asked.empty()) return;
+  ledger_.store(about, asked.requests, asked.requests, Ledger::Mark{0}, books_);
+  for (std::size_t place = 0; place < asked.size(); ++place) {
+    SentOrder& request = *asked.requests[place];
+    book_.note_dropped(request, why);
+    ledger_.note({.request = request.id,
+                  .sender = request.sender,
+                  .state = LedgerState::refused_here,
+                  .evidence = LedgerEvidence::clock,
+                  .reason = std::string{gate_texts::reason(why)}});
+    asked.tell(place);
+  }
+}
+
+void Admission::tell(const std::string& text) {
+  general_.log(text, no_account);
+  general_.queue_message(text);
+}
+
+}  // namespace tutti

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "books/books.h"
+#include "books/request_book.h"
+#include "core/MGeneral.h"
+#include "core/stop_sign.h"
+#include "ledger/ledger.h"
+#include "sessions/held_ticket.h"
+#include "sessions/ticket_judge.h"
+
+namespace tutti {
+
+// Who says what may go: the stop, the limits, and what nobody knows the outcome of. The gate asks before it
+// stores a ticket, and again as each request is about to leave.
+//
+// A ticket over a limit is held whole until the operator lets it go or refuses it. What is refused is stored
+// with its ticket, and told once.
+class Admission {
+ public:
+  Admission(RequestBook& book, MGeneral& general, const Books& books, Ledger& ledger, StopSign& stop,
+            TicketJudge::ClientOf client_of);
+
+  // Leaves in `asked` what may be stored and sent, which may be nothing; what is held or refused is told.
+  void admit(LedgerTicket& about, AskedRequests& asked);
+  // Why a request that is stored may not leave now; nothing: it may.
+  struct Refusal {
+    NotSent why;
+    std::string text;
+  };
+  std::optional<Refusal> leaving(const SentOrder& request, const LedgerTicket& about) const;
+
+  // Oldest first.
+  const std::deque<HeldTicket>& held() const { return held_; }
+  // The operator's second key: takes a held ticket out, to be stored and sent. Nothing when there is none of
+  // this number, or when it has come over a limit that it was not over before: then it is held for that too.
+  std::optional<HeldTicket> let_go(int number, std::string_view reason);
+  void refuse(int number);
+  // From now on a ticket over a limit goes all the same, and is stored with this reason.
+  void override_limits(std::string reason) { override_ = std::move(reason); }
+  // What is held of a connection that is over is refused; while trading is stopped, all of it.
+  void drop_held(Sender sender);
+  bool look_at_stop();
+
+  const Limits& limits() const { return judge_.limits(); }
+  void set_limits(const Limits& limits) { judge_.set(limits); }
+  StopSign& stop() { return stop_; }
+  // Told when what is held has changed.
+  std::function<void()> on_held;
+
+ private:
+  bool passes_stop(const SentOrder& request, const LedgerTicket& about) const;
+  void hold(LedgerTicket about, AskedRequests asked, TicketJudge::Breaches breaches, NotSent why);
+  void refuse(const LedgerTicket& about, const AskedRequests& asked, NotSent why);
+  void tell(const std::string& text);
+  void held_changed() const {
+    if (on_held) on_held();
+  }
+
+  RequestBook& book_;
+  MGeneral& general_;
+  const Books& books_;
+  Ledger& ledger_;
+  StopSign& stop_;
+  TicketJudge judge_;
+  std::deque<HeldTicket> held_;
+  int last_number_ = 0;
+  std::string override_;
+};
+
+}  // namespace tutti

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "books/sent_order.h"
+
+namespace tutti::gate_texts {
+
+// What the row says of a request that has not left; empty for one that has.
+std::string_view row(const SentOrder& request);
+// What the ledger has as the reason.
+std::string_view reason(NotSent why);
+
+}  // namespace tutti::gate_texts

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ledger/entries.h"
+#include "limits/judging.h"
+#include "sessions/asked_requests.h"
+
+namespace tutti {
+
+// A ticket over a limit: nothing of it is stored or sent until the operator says what becomes of it.
+struct HeldTicket {
+  int number = 0;  // of this run
+  LedgerTicket about{};
+  std::vector<limits::Breach> breaches;
+  AskedRequests asked;
+
+  // "account 500123: 104.2 lots, above the limit of 10 for one account", and how many more there are.
+  std::string text() const;
+};
+
+}  // namespace tutti
