@@ -247,6 +247,23 @@ Command add_retry(CLI::App& app) {
   return {.app = &command, .effect = Effect::sends, .run = with(retry_command, arguments)};
 }
 
+Command add_settle(CLI::App& app) {
+  CLI::App& command =
+      *app.add_subcommand("settle", "Say what became of a request that nobody knows the outcome of");
+  auto arguments = std::make_shared<SettleArguments>();
+  command.add_option("request", arguments->request, "Its id, as tuttictl unknown names it")->required();
+  add_choice<bool>(command, "--as", arguments->executed,
+                   {{std::string{hand_filled}, true}, {std::string{hand_not_executed}, false}},
+                   "What you have seen at the broker")
+      ->required();
+  command.add_option("--note", arguments->note, "How you know; kept with it")
+      ->required()
+      ->check(check_filled);
+  explain(command, "tuttictl settle 256354791741335552 --as not-executed --note \"broker by phone\"",
+          "0 it is settled");
+  return {.app = &command, .effect = Effect::sends, .logs_in = false, .run = with(settle_command, arguments)};
+}
+
 Command add_tickets(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("tickets", "Show your newest acts and what became of them");
   auto count = std::make_shared<int>(20);
@@ -402,6 +419,7 @@ std::vector<Command> add_commands(CLI::App& app) {
   out.push_back(add_fills(app));
   out.push_back(add_unknown(app));
   out.push_back(add_stop(app));
+  out.push_back(add_settle(app));
   add_ledger(app, out);
   return out;
 }

@@ -72,6 +72,13 @@ struct RetryArguments {
   std::string over_limits;  // as in SplitArguments
 };
 
+// The operator's word on a request whose outcome nobody knows.
+struct SettleArguments {
+  RequestId request = 0;
+  bool executed = false;
+  std::string note;  // why he is sure
+};
+
 // What a command works with that needs no terminal: it may run beside one that has the folder.
 struct HomeContext {
   Console& console;
@@ -97,6 +104,7 @@ int accounts_command(CommandContext& context);
 int order_command(CommandContext& context, const OrderArguments& arguments);
 int entry_command(CommandContext& context, const EntryArguments& arguments);
 int modify_command(CommandContext& context, const ModifyArguments& arguments);
+int settle_command(CommandContext& context, const SettleArguments& arguments);
 int retry_command(CommandContext& context, const RetryArguments& arguments);
 // Oldest first, without holding it: a history may be of any size.
 int journal_command(CommandContext& context, std::int32_t account);

@@ -92,6 +92,17 @@ int tickets_command(const HomeContext& context, int count) {
   return exit_status::all_accepted;
 }
 
+int settle_command(CommandContext& context, const SettleArguments& arguments) {
+  if (!context.main().sessions().settle_by_hand(arguments.request, arguments.executed, arguments.note)) {
+    context.console().fail("Request {} is none whose outcome is unknown: tuttictl unknown names them",
+                           arguments.request);
+    return exit_status::usage;
+  }
+  context.console().tell("Request {} was settled as {}", arguments.request,
+                         arguments.executed ? hand_filled : hand_not_executed);
+  return exit_status::all_accepted;
+}
+
 int retry_command(CommandContext& context, const RetryArguments& arguments) {
   const auto requests = context.requests_of(arguments.ticket);
   if (!requests) return exit_status::unreadable_data;

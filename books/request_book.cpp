@@ -39,6 +39,17 @@ void RequestBook::restore(const SentOrder& request) {
   SentOrder& added = all_.add();
   added = request;
   of(request.sender).alive.push_back(&added);
+  count_unknown(added, 1);
+}
+
+void RequestBook::count_unknown(const SentOrder& request, int step) {
+  if (request.outcome == SentOrder::Outcome::unknown && request.kind != RequestKind::requote)
+    unknown_now_ += step;
+}
+
+SentOrder* RequestBook::unknown_one(RequestId id) {
+  const std::size_t place = place_of(id);
+  return place == all_.size() || all_[place].outcome != SentOrder::Outcome::unknown ? nullptr : &all_[place];
 }
 
 void RequestBook::hand_over(RequestId id, Sender sender) {
@@ -148,7 +159,9 @@ bool RequestBook::is_last(const SentOrder& request) const {
 void RequestBook::settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome,
                          std::int64_t order, std::chrono::milliseconds now) {
   if (outcome == SentOrder::Outcome::unknown && request.kind != RequestKind::requote) ++given_up_;
+  count_unknown(request, -1);
   request.outcome = outcome;
+  count_unknown(request, 1);
   if (result != ResultCode::none) request.result_code = result;
   // One that was given up, and is with the dealer after all, is waited for again.
   if (!request.settled()) heard_of(request, now);

@@ -100,6 +100,11 @@ class RequestBook {
       return each->outcome == SentOrder::Outcome::unknown && counted(*each);
     }));
   }
+  // How many nobody knows the outcome of, earlier runs and accounts that are not listed included; answers to
+  // requotes don't count.
+  int unknown_now() const { return unknown_now_; }
+  // The one with this id, if nobody knows its outcome; nullptr when that is known, or there is none.
+  SentOrder* unknown_one(RequestId id);
   // How many became unknown since this was asked last; answers to requotes don't count.
   int take_given_up() { return std::exchange(given_up_, 0); }
   // Those of a sender without a result, oldest first; and those that nobody knows the outcome of.
@@ -132,11 +137,13 @@ class RequestBook {
   const Sent* find_sent(Sender sender) const { return sender < sent_.size() ? &sent_[sender] : nullptr; }
   std::vector<SentOrder*>& alive(Sender sender) { return of(sender).alive; }
 
+  void count_unknown(const SentOrder& request, int step);
   // As many as there are when there is none.
   std::size_t place_of(RequestId id) const;
 
   RecordBlocks<SentOrder> all_;  // ids ascend
   int given_up_ = 0;
+  int unknown_now_ = 0;
   std::vector<Sent> sent_;         // by sender
   std::size_t looked_at_ = 0;      // those before it were looked at since they are due
   std::vector<SentOrder*> heard_;  // what the broker has said a word about, and may be without a result

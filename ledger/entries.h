@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "books/sent_order.h"
 #include "core/clock.h"
@@ -91,6 +92,10 @@ enum class LedgerState : std::uint8_t {
 // operator, or the time gone by.
 enum class LedgerEvidence : std::uint8_t { answer, asked, positions, hand, clock };
 
+// What the operator says that he saw, as the reason of `hand`.
+inline constexpr std::string_view hand_filled = "filled";
+inline constexpr std::string_view hand_not_executed = "not-executed";
+
 // Something that became of a request, and what was filled with it.
 struct LedgerEvent {
   RequestId request = 0;  // 0: that of the working order `order`; with a fill perhaps nobody's
@@ -105,8 +110,9 @@ struct LedgerEvent {
   TimePoint time{};         // here
   std::string execution{};  // of the fill
   bool closes = false;
-  double filled = 0.0;  // lots of the fill, 0 without
-  double price = 0.0;   // of the fill
+  bool fill_alone = false;  // read back: of the request nothing is told, and `state` does not count
+  double filled = 0.0;      // lots of the fill, 0 without
+  double price = 0.0;       // of the fill
   std::string symbol{};
   Operation side{};        // of what the fill did in the market
   std::string currency{};  // of the account

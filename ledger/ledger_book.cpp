@@ -160,9 +160,9 @@ std::optional<LedgerBook::Known> LedgerBook::find(const LedgerEvent& event) {
 }
 
 void LedgerBook::add_event(const LedgerEvent& event) {
-  const std::optional<Known> request = find(event);
+  const std::optional<Known> request = event.fill_alone && event.request == 0 ? std::nullopt : find(event);
   if (event.filled > 0.0) add_fill(event, request);
-  if (!request) return;
+  if (!request || event.fill_alone) return;
   file_.add(
       Chained::event,
       {request->id, std::string{ledger_words::of(event.state)}, text_or_none(event.reason),

@@ -166,6 +166,8 @@ void CClientAPIManager::OrderTimer(const Requote& requote) {
 
 void CClientAPIManager::SlTpOrderAccepted(std::int64_t order) {
   scope_.log_order(order, "SL/TP request #" + std::to_string(order) + " is accepted");
+  // What was closed by it comes without a report.
+  requests_.read_fills(std::chrono::minutes{10});
 }
 
 void CClientAPIManager::SlTpOrderCanceledNoMoney(std::int64_t order) {

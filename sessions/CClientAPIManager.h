@@ -172,6 +172,7 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   void RequestTold(RequestId id, RequestState state, double lots) override {
     requests_.told(id, state, lots);
   }
+  void ExecutionsTold(std::span<const Execution> fills, bool) override { requests_.fills_told(fills); }
   void ServerRouted(std::string_view address, std::string_view port) override {
     connection_.server_routed(address, port);
   }

@@ -211,6 +211,25 @@ int CClientAPIManagers::unanswered() const {
   return out;
 }
 
+bool CClientAPIManagers::settle_by_hand(RequestId request, bool executed, std::string_view note) {
+  SentOrder* meant = requests_.unknown_one(request);
+  if (meant == nullptr) return false;
+  requests_.settle(*meant, ResultCode::none,
+                   executed ? SentOrder::Outcome::accepted : SentOrder::Outcome::refused, 0,
+                   general_.clock.elapsed());
+  gate_.ledger().note({.request = request,
+                       .sender = meant->sender,
+                       .state = LedgerState::hand,
+                       .evidence = LedgerEvidence::hand,
+                       .reason = std::string{executed ? hand_filled : hand_not_executed},
+                       .note = std::string{note}});
+  if (of_entry_window(meant->kind)) desk_.entry_order->request_settled(*meant, meant->account);
+  general_.log("Request " + std::to_string(request) + " was unknown: settled by hand as " +
+                   (executed ? "executed" : "not executed") + ", " + std::string{note},
+               meant->account);
+  return true;
+}
+
 void CClientAPIManagers::look_at_the_clock() {
   requests_.make_room(sessions_.size());
   for (SentOrder* request : requests_.overdue(general_.clock.elapsed())) {

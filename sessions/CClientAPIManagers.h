@@ -107,6 +107,9 @@ class CClientAPIManagers {
   int unknown(const std::function<bool(const SentOrder&)>& counted) const;
   // The same of one account, which has several sessions when it stands under several user names.
   int unknown(std::int32_t account, const std::function<bool(const SentOrder&)>& counted) const;
+  // The operator's word on a request whose outcome nobody knows, `note` why he is sure: a later report
+  // replaces it. False when there is no such request.
+  bool settle_by_hand(RequestId request, bool executed, std::string_view note);
   // Gives up what no word came for in too long, journaled. What was given up since, for that or with its
   // connection, has one message. To be called once a second, so that what comes together is told together.
   void look_at_the_clock();

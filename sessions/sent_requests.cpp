@@ -229,6 +229,24 @@ bool SentRequests::told(SentOrder& request, RequestState state, double lots) {
   return true;
 }
 
+void SentRequests::fill_told(const Execution& fill) {
+  LedgerEvent event{.request = fill.id,
+                    .sender = sender_,
+                    .evidence = LedgerEvidence::asked,
+                    .order = fill.number,
+                    .server_time = fill.time,
+                    .execution = fill.execution,
+                    .closes = fill.closes,
+                    .fill_alone = true,
+                    .filled = fill.lots,
+                    .price = fill.price,
+                    .symbol = fill.symbol,
+                    .side = buys(fill.operation) != fill.closes ? operation::buy : operation::sell,
+                    .realised = fill.realised};
+  if (const auto account = scope_.client.FindAccount(scope_.account)) event.currency = account->currency;
+  ledger_.note(std::move(event));
+}
+
 void SentRequests::entry_executed(const OrderReport& report) {
   LedgerEvent event{.request = report.id,
                     .sender = sender_,

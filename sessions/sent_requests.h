@@ -48,6 +48,8 @@ class SentRequests {
   bool told(SentOrder& request, RequestState state, double lots);
   // Those that nobody knows the outcome of, oldest first.
   std::vector<SentOrder*> unknown() const { return book_.unknown(sender_); }
+  // A fill that was read back. Only the ledger is told, which knows whether it has it.
+  void fill_told(const Execution& fill);
   // What prices set off: an entry order was executed, or is no more. Only the ledger is told.
   void entry_executed(const OrderReport& report);
   void entry_cancelled(std::int64_t order, std::string_view reason);

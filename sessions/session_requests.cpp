@@ -254,6 +254,18 @@ void SessionRequests::told(RequestId id, RequestState state, double lots) {
   if (request == nullptr || !sent_.told(*request, state, lots)) return;
   scope_.log(request_words(*request, scope_.symbols) + " was unknown: the server says that it " +
              std::string{result_texts::told(state)});
+  // At what price, its answer would have told.
+  if (lots > 0.0) read_fills(std::chrono::hours{24});
+}
+
+void SessionRequests::read_fills(std::chrono::milliseconds of_late) {
+  if (scope_.client.AskExecutions(scope_.general.clock.now() - of_late) == request::taken) ++asked_;
+}
+
+void SessionRequests::fills_told(std::span<const Execution> fills) {
+  asked_ = std::max(asked_ - 1, 0);
+  for (const Execution& fill : fills)
+    sent_.fill_told(fill);
 }
 
 void SessionRequests::give_up_all(std::string_view reason) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -49,6 +51,9 @@ class SessionRequests {
   void ask_for_unknown();
   // What the broker answers to that.
   void told(RequestId id, RequestState state, double lots);
+  // Reads back what was filled of late and brings no report with it. What comes twice is kept once.
+  void read_fills(std::chrono::milliseconds of_late);
+  void fills_told(std::span<const Execution> fills);
   // How many of these answers are still to come.
   int asked() const { return asked_; }
   // The countdown of a requote: the dealer has the order.

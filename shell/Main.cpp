@@ -77,6 +77,9 @@ void Main::connect() {
     ticket_retry_.send(ticket, requests);
   };
   sessions_.admission().on_held = [this] { held_.refresh(); };
+  unknown_.settle = [this](RequestId request, bool executed, const std::string& note) {
+    return sessions_.settle_by_hand(request, executed, note);
+  };
 }
 
 // Everything that closes positions, and what is picked for it elsewhere.
@@ -125,6 +128,7 @@ void Main::poll_timers(bool events_wait) {
   tickets_.poll();
   fills_.poll();
   stop_.refresh();
+  unknown_.poll();
   if (!events_wait) accounts_.m_oTimer.poll(ports_.clock.now());
   journal_.flush();
   if (window_.stamp() == totals_shown_) return;

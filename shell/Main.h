@@ -52,6 +52,7 @@
 #include "views/frmTrade.h"
 #include "views/net_matrix.h"
 #include "views/ticket_board.h"
+#include "views/unknown_list.h"
 
 namespace tutti {
 
@@ -112,6 +113,7 @@ class Main {
   NetMatrix& net_matrix() { return net_matrix_; }
   TicketBoard& tickets() { return tickets_; }
   FillList& fills() { return fills_; }
+  UnknownList& unknown() { return unknown_; }
   TicketRetry& ticket_retry() { return ticket_retry_; }
   frmPriceChanged& requote() { return requote_; }
   // An order over a limit, the limits, and STOP ALL.
@@ -184,6 +186,7 @@ class Main {
   frmHeld held_{general_, sessions_};
   frmLimits limits_{general_, sessions_.admission(), limits_file_};
   frmStop stop_{general_, sessions_, books_};
+  UnknownList unknown_{general_, ports_.reads};
   std::uint64_t totals_shown_ = 0;  // stamp of the main window's state that the summary label shows
 };
 

@@ -86,6 +86,7 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
   EXPECT_EQ(rig.out, "0 unknown\n");
   kill_in_flight();
   const std::filesystem::path home = rig.home.path();
+  const Texts left = ask(by_ticket);
   {
     // While a terminal has the folder it waits for the answers itself.
     const auto used = HomeLock::take(home);
@@ -100,14 +101,14 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
   EXPECT_EQ(accounts, "500101 500102 500103 ");
   EXPECT_NE(rig.out.find(R"("why": "crash")"), std::string::npos);
   // It only reads: what becomes of them is settled by who may send.
-  EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|-"});
+  EXPECT_EQ(ask(by_ticket), left);
   EXPECT_EQ(rig.run("journal 500101"), 0);
   EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|UNKNOWN"});
   // They stay so until the server is asked, with the next login. No later order counts them as its own.
   rig.clock.advance(60s);
   EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.1 --rule equal --accounts 500104"), 0);
   EXPECT_EQ(ask("SELECT state, evidence, count(*) FROM event WHERE request IN (SELECT id FROM request WHERE "
-                "ticket = 1) "
+                "ticket = 1) AND state <> 'TAKEN' "
                 "GROUP BY 1, 2 ORDER BY 1 DESC"),
             (Texts{"UNKNOWN|clock|3", "FILLED|asked|3"}));
   const std::string told = "Order BUY 0.3 was unknown: the server says that it was executed";
@@ -116,6 +117,34 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
     ++lines;
   EXPECT_EQ(lines, 3U) << rig.out;
   EXPECT_EQ(rig.run("unknown"), 0);
+  EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
+}
+
+TEST_F(Ledgers, TakeTheOperatorsWordWhereNobodyElseKnows) {
+  kill_in_flight();
+  EXPECT_EQ(rig.run("--csv unknown"), 4);
+  const std::string table = rig.out;
+  const auto lines = split(table, "\n");
+  ASSERT_EQ(lines.size(), 5U) << rig.out;
+  const auto id = [&](std::size_t line) { return std::string{split(lines[line], ",")[0]}; };
+  EXPECT_EQ(rig.run("settle " + id(1) + " --as filled"), 2);
+  EXPECT_EQ(rig.run("settle " + id(1) + " --as maybe --note x"), 2);
+  EXPECT_EQ(rig.run("settle 7 --as filled --note x"), 2);
+  EXPECT_EQ(rig.run("settle " + id(1) + " --as filled --note phone"), 0) << rig.err;
+  EXPECT_EQ(rig.run("settle " + id(2) + " --as not-executed --note phone"), 0);
+  EXPECT_EQ(rig.run("settle " + id(2) + " --as filled --note later"), 2);
+  EXPECT_EQ(rig.run("unknown"), 4);
+  EXPECT_NE(rig.out.find("\n1 unknown\n"), std::string::npos) << rig.out;
+  EXPECT_EQ(ask("SELECT state, evidence, reason, note FROM event WHERE evidence = 'hand' ORDER BY seq"),
+            (Texts{"HAND|hand|filled|phone", "HAND|hand|not-executed|phone"}));
+  EXPECT_EQ(rig.run("tickets"), 0);
+  EXPECT_NE(rig.out.find("2 settled by hand, 1 unknown"), std::string::npos) << rig.out;
+  // His word sends nothing again, and the server is asked about the rest alone, with what was filled of it.
+  rig.clock.advance(60s);
+  EXPECT_EQ(rig.run("--yes retry 1"), 0);
+  EXPECT_EQ(rig.run("unknown"), 0);
+  EXPECT_EQ(ask("SELECT count(*), min(price > 0), max(side) FROM fill WHERE request = " + id(3)),
+            Texts{"1|1|buy"});
   EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
 }
 

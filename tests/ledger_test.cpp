@@ -101,6 +101,14 @@ TEST(Ledger, KeepsTicketsRequestsEventsAndFillsAsTheyWere) {
   ledger->note({.request = 9, .sender = 1, .execution = "E1", .filled = 1.0});
   ledger->note({.request = 9, .sender = 1, .execution = "E2", .closes = true, .filled = 1.0, .price = 2.0});
   ledger->note(event(first_id + 1, LedgerState::refused));
+  // What is read back later says nothing of its request, and is kept once.
+  for (int times = 0; times < 2; ++times)
+    ledger->note({.request = first_id + 1,
+                  .sender = 1,
+                  .execution = "E3",
+                  .fill_alone = true,
+                  .filled = 0.2,
+                  .price = 1.2});
   ASSERT_TRUE(ledger->flush(10s));
   EXPECT_EQ(
       home.ask("SELECT n, kind, symbol, side, total, total_digits, price_at_click, price_digits, quote_age, "
@@ -116,13 +124,13 @@ TEST(Ledger, KeepsTicketsRequestsEventsAndFillsAsTheyWere) {
       home.ask("SELECT request, exec_id, open_or_close, lots, lots_digits, price, price_digits, day, profit, "
                "commission, symbol, side, currency FROM fill"),
       (Texts{"1000000|E1|open|12345|3|108515|5|2026-01-01|-12345678|0|EURUSD|buy|CHF",
-             "|E2|close|1|0|2|0|2026-01-01|||||"}));
+             "|E2|close|1|0|2|0|2026-01-01|||||", "1000001|E3|open|2|1|12|1|2026-01-01|||||"}));
   EXPECT_EQ(home.ask("SELECT * FROM open_request"), Texts{});
   const Texts sums{"1|FILLED||0|1", "1|REFUSED||0|1"};
   EXPECT_EQ(home.ask("SELECT * FROM ticket_sum"), sums);
   EXPECT_EQ(
       home.ask("SELECT ticket, fills, lots, round(value, 3), least, most, price_digits FROM ticket_fill"),
-      Texts{"1|1|12.345|13.396|1.08515|1.08515|5"});
+      Texts{"1|2|12.545|13.636|1.08515|1.2|5"});
   EXPECT_EQ(home.check(), Texts{});
   for (const std::string change : {"UPDATE fill SET lots = 1", "DELETE FROM event", "DELETE FROM commit_log"})
     EXPECT_EQ(home.ask(change), Texts{"the ledger only grows"}) << change;

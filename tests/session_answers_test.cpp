@@ -303,5 +303,33 @@ TEST_F(SessionAnswered, AnOrderWithoutAnswerIsUnknownAfterADisconnection) {
   EXPECT_EQ(unknown_after([&] { rig.sessions.Remove("C1"); }), 1);
 }
 
+// A stop loss tells nothing of what it closed: the session asks, and the ledger has it.
+TEST(SessionAnswers, ReadBackWhatStopsHaveFilled) {
+  OneSession one;
+  const TimePoint now = one.rig.general.clock.now();
+  one.during([&] { one.session.SlTpOrderAccepted(12); });
+  EXPECT_EQ(one.client.executions_since, std::vector<TimePoint>{now - std::chrono::minutes{10}});
+  const Execution fill{.execution = "E9",
+                       .number = 13,
+                       .account = 81,
+                       .closes = true,
+                       .operation = operation::buy,
+                       .symbol = "EURUSD",
+                       .lots = 0.5,
+                       .price = 1.07,
+                       .time = now,
+                       .realised = Realised{-50.0, -1.0}};
+  one.rig.ledger.events.clear();
+  one.during([&] { one.session.ExecutionsTold({&fill, 1}, true); });
+  ASSERT_EQ(one.rig.ledger.events.size(), 1U);
+  const LedgerEvent& told = one.rig.ledger.events[0];
+  EXPECT_TRUE(told.fill_alone && told.closes);
+  EXPECT_EQ(told.request, 0);
+  EXPECT_EQ(told.side, operation::sell);
+  EXPECT_EQ(told.order, 13);
+  EXPECT_EQ(told.execution, "E9");
+  EXPECT_EQ(told.realised, fill.realised);
+}
+
 }  // namespace
 }  // namespace tutti::testing

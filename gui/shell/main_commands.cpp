@@ -329,6 +329,7 @@ void MainCommands::add_context_menus() {
   fill(panes.tickets().list(), {});
   fill(panes.tickets().requests(), {});
   fill(panes.fills().list(), {});
+  fill(panes.unknown().list(), {});
 }
 
 void MainCommands::explain_buttons() {

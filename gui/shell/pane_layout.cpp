@@ -12,7 +12,7 @@ namespace tutti {
 namespace {
 
 // Raised when panes come or go, so that older layouts are not applied to them.
-constexpr int layout_version = 3;
+constexpr int layout_version = 4;
 constexpr QSize standard_size{1600, 900};
 constexpr QSize frame{8, 40};       // at most what the window manager puts around a window
 constexpr int room_for_two = 2200;  // width from which positions and journal stand side by side
@@ -21,6 +21,11 @@ constexpr int room_for_two = 2200;  // width from which positions and journal st
 constexpr int room_for_column = 860;
 constexpr int watch_height = 36 + 7 * theme::row_height + 6;
 constexpr int watch_width = 334;
+
+// What is empty on most days comes up when it is asked for, and leaves the tabs their room until then.
+bool stands_at_first(const Pane& pane) {
+  return pane.name != QLatin1String{"unknown"};
+}
 
 }  // namespace
 
@@ -74,7 +79,7 @@ void PaneLayout::arrange() {
   }
   if (!wide) window_.tabifyDockWidget(bottom, further);
   for (const Pane& pane : panes_.all())
-    if (pane.dock != nullptr) pane.dock->show();
+    if (pane.dock != nullptr) pane.dock->setVisible(stands_at_first(pane));
   orders->raise();
   bottom->raise();
 }

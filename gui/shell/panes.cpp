@@ -54,6 +54,7 @@ void Panes::make_panes(Screen& screen) {
   close_positions_ = new FrmClosePosWindow{main.close_positions(), screen, main.general().clock};
   tickets_ = new TicketBoardWindow{main.tickets(), screen};
   fills_ = new FillListWindow{main.fills(), screen};
+  unknown_ = new UnknownListWindow{main.unknown(), screen};
 
   using Area = Pane::Area;
   add({text("accounts"),
@@ -138,7 +139,7 @@ void Panes::make_panes(Screen& screen) {
        [this] { close_positions_->focus_symbol(); }, tell(main.close_positions())});
   add({text("tickets"),
        text("Tickets"),
-       "T&ickets",
+       "Tic&kets",
        "",
        "tickets",
        Qt::Key_Y,
@@ -149,7 +150,7 @@ void Panes::make_panes(Screen& screen) {
        tell(main.tickets())});
   add({text("fills"),
        text("Fills"),
-       "Fi&lls",
+       "F&ills",
        "",
        "tickets",
        Qt::Key_D,
@@ -158,6 +159,17 @@ void Panes::make_panes(Screen& screen) {
        &fills_->list(),
        {},
        tell(main.fills())});
+  add({text("unknown"),
+       text("Unknown"),
+       "&Unknown requests",
+       "",
+       "tickets",
+       Qt::Key_E,
+       Area::bottom,
+       unknown_,
+       &unknown_->list(),
+       {},
+       tell(main.unknown())});
 }
 
 // The forms go by whether their windows can be seen.

@@ -16,6 +16,7 @@
 #include "gui/windows/frmorder_window.h"
 #include "gui/windows/net_matrix_window.h"
 #include "gui/windows/ticket_board_window.h"
+#include "gui/windows/unknown_list_window.h"
 
 namespace tutti {
 
@@ -61,6 +62,7 @@ class Panes {
   FrmJournalWindow& journal() { return *journal_; }
   TicketBoardWindow& tickets() { return *tickets_; }
   FillListWindow& fills() { return *fills_; }
+  UnknownListWindow& unknown() { return *unknown_; }
 
  private:
   void make_panes(Screen& screen);
@@ -88,6 +90,7 @@ class Panes {
   FrmJournalWindow* journal_ = nullptr;
   TicketBoardWindow* tickets_ = nullptr;
   FillListWindow* fills_ = nullptr;
+  UnknownListWindow* unknown_ = nullptr;
   bool entry_in_front_ = false;
 };
 

@@ -47,6 +47,9 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   warning_->setProperty("warn", true);
   waiting_ = add_label(*this, QStringLiteral("waiting"));
   waiting_->setProperty("warn", true);
+  unknown_ = add_label(*this, QStringLiteral("unknown_requests"));
+  unknown_->setProperty("warn", true);
+  unknown_->setToolTip(tr("Requests that nobody knows the outcome of: see the pane Unknown"));
   connected_control_ = add_label(*this, QStringLiteral("connected_control"));
   progress_ = new QProgressBar{this};
   progress_->setTextVisible(false);
@@ -70,6 +73,8 @@ void StatusStrip::refresh() {
   share_room();
   refresh_connections();
   show_text(*stopped_, main_.stop_form().shows_stopped() ? tr("TRADING IS STOPPED") : QString{});
+  const int unknown = main_.sessions().requests().unknown_now();
+  show_text(*unknown_, unknown == 0 ? QString{} : QStringLiteral("%1 unknown").arg(unknown));
   const frmMdiNew& form = main_.window();
   if (form.stamp() == shown_) return;
   shown_ = form.stamp();

@@ -31,6 +31,7 @@ class StatusStrip final : public QStatusBar {
   QLabel* stopped_;
   QLabel* warning_;
   QLabel* waiting_;
+  QLabel* unknown_;
   QLabel* connected_control_;
   QProgressBar* progress_;
   QLabel* dot_;

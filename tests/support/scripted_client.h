@@ -102,7 +102,11 @@ class ScriptedClient final : public ClientAPI {
   double MaximumLot() const override { return 100.0; }
   BookEra Era() const override { return 0; }
   RequestCode AskRequest(RequestId, BookEra) override { return request::silent; }
-  RequestCode AskExecutions(TimePoint) override { return request::silent; }
+  std::vector<TimePoint> executions_since;  // asked for
+  RequestCode AskExecutions(TimePoint since) override {
+    executions_since.push_back(since);
+    return request::silent;
+  }
 
  private:
   RequestCode named(RequestId id) {
