@@ -79,7 +79,8 @@ TEST(Texts, LetterCaseOfEveryLetter) {
                                                        {"\xC9\x90", "\xE2\xB1\xAF"},        // longer in bytes
                                                        {"\xD0\xBF\xD1\x80i", "\xD0\x9F\xD0\xA0I"},
                                                        {"\xFC\x80 a", "\xFC\x80 A"},  // no UTF-8
-                                                       {"a\xC3", "A\xC3"}};
+                                                       {"a\xC3", "A\xC3"},
+                                                       {"az", "AZ"}};
   for (const auto& [small, large] : cases) {
     EXPECT_EQ(upper(small), large);
     EXPECT_EQ(folded(large), folded(small)) << large;
