@@ -7,6 +7,7 @@
 #include "apps/earlier_request.h"
 #include "core/file_writer.h"
 #include "core/texts.h"
+#include "dealer/config/config_reader.h"
 
 namespace tutti {
 
@@ -14,7 +15,7 @@ tl::expected<std::unique_ptr<EmbeddedDealer>, FileError> EmbeddedDealer::open(co
                                                                               const Clock& clock) {
   DealerConfig config = options.demo ? DealerConfig::demo() : DealerConfig::sample(options.sample_accounts);
   if (!options.dealer_file.empty()) {
-    auto loaded = DealerConfig::load(options.dealer_file);
+    auto loaded = load_dealer_config(options.dealer_file);
     if (!loaded) return tl::unexpected(loaded.error());
     config = std::move(*loaded);
   }

@@ -10,7 +10,7 @@
 #include "apps/command_line.h"
 #include "apps/command_set.h"
 #include "apps/console_prompt.h"
-#include "apps/embedded_dealer.h"
+#include "apps/open_backend.h"
 #include "core/numbers.h"
 
 namespace tutti {
@@ -121,21 +121,17 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
       ports.pause(std::chrono::milliseconds{50});
       return ports.signal() == 0 && ports.clock.elapsed() - began <= options.wait_for_home;
     };
-    const EmbeddedDealer* dealer = nullptr;  // the terminal's
+    const DealingServer* server = nullptr;  // the terminal's
     const auto terminal =
         Terminal::open(opened,
                        {prompt, sound, file_dialog, ports.clock,
                         [&](std::string_view text) { console.tell(text); }, "tuttictl", try_again},
-                       [&](const TerminalOptions& home) {
-                         auto opened_dealer = EmbeddedDealer::open(home, ports.clock);
-                         if (opened_dealer) dealer = opened_dealer->get();
-                         return opened_dealer;
-                       });
+                       [&](const TerminalOptions& home) { return open_backend(home, ports.clock, &server); });
     if (!terminal) {
       console.fail(terminal.error().text());
       return status;
     }
-    CommandContext context{**terminal, dealer->server(), ports, options.command};
+    CommandContext context{**terminal, *server, ports, options.command};
     context.on_step = [&] { show_messages(context.main(), prompt); };
     status = carry_out(command, context);
     context.journal_unanswered();

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "core/checksum.h"
+#include "dealer/config/config_reader.h"
 #include "dealer_rig.h"
 #include "tests/support/test_terminal.h"
 
@@ -59,7 +60,7 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
       {"replay = \"none.csv\"\n", "none.csv: "},
   };
   for (const auto& [text, expected] : cases) {
-    const auto config = DealerConfig::load(put("dealer.toml", text));
+    const auto config = load_dealer_config(put("dealer.toml", text));
     ASSERT_FALSE(config) << text;
     EXPECT_NE(config.error().text().find(expected), std::string::npos) << config.error().text();
   }
@@ -88,7 +89,7 @@ TEST_F(DealerFiles, ConfigurationFaultsNameTheLine) {
     replays.emplace_back(std::string{moment} + ",EURUSD,1,1.1\n", no_time);
   for (const auto& [ticks, expected] : replays) {
     put("replay.csv", ticks);
-    const auto config = DealerConfig::load(put("dealer.toml", "replay = \"replay.csv\"\n"));
+    const auto config = load_dealer_config(put("dealer.toml", "replay = \"replay.csv\"\n"));
     ASSERT_FALSE(config) << ticks;
     EXPECT_NE(config.error().text().find(expected), std::string::npos) << ticks << config.error().text();
   }
@@ -130,7 +131,7 @@ TEST_F(DealerFiles, EveryKeyIsReadAndTheRestIsTheSample) {
   put("ticks.csv",
       " Time,symbol,bid,ask\n# noon\n\n 2026-03-01 12:00:00.5 , OIL ,70.1,70.2\r\n2026-03-01 "
       "13:01:02,OIL,7,7");
-  const auto config = DealerConfig::load(put("dealer.toml", R"(
+  const auto config = load_dealer_config(put("dealer.toml", R"(
 seed = 7
 endpoint = "10.1.2.3:65535"
 minimum_lot = 0.02

@@ -14,8 +14,8 @@
 #include <CLI/CLI.hpp>
 
 #include "apps/command_line.h"
-#include "apps/embedded_dealer.h"
 #include "apps/first_start.h"
+#include "apps/open_backend.h"
 #include "apps/terminal.h"
 #include "core/core_dumps.h"
 #include "core/frmMsgBox.h"
@@ -147,7 +147,7 @@ int open_and_run(const StopSignals& signals, Arguments& arguments) {
                       [](std::string_view text) {
                         std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
                       }},
-                     [&clock](const TerminalOptions& home) { return EmbeddedDealer::open(home, clock); });
+                     [&clock](const TerminalOptions& home) { return open_backend(home, clock); });
   if (!terminal) {
     prompt.system_box(terminal.error().text(), "Tutti can't start");
     return exit_status::unreadable_data;

@@ -1,3 +1,5 @@
+#include "dealer/config/config_reader.h"
+
 #include <algorithm>
 #include <limits>
 #include <set>
@@ -7,7 +9,6 @@
 #include "core/table_reader.h"
 #include "core/texts.h"
 #include "dealer/config/bounds.h"
-#include "dealer/config/dealer_config.h"
 #include "dealer/config/fault_reader.h"
 #include "dealer/config/side_words.h"
 
@@ -228,7 +229,7 @@ void wipe_passwords(toml::table& root) {
 
 }  // namespace
 
-tl::expected<DealerConfig, FileError> DealerConfig::load(const std::filesystem::path& file) {
+tl::expected<DealerConfig, FileError> load_dealer_config(const std::filesystem::path& file) {
   const auto content = read_secret_file(file);
   if (!content) return tl::unexpected(content.error());
   std::optional<std::string> fault;

@@ -2,14 +2,10 @@
 
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "core/file_writer.h"
 #include "dealer/config/account_config.h"
 #include "dealer/config/entry_order_config.h"
 #include "dealer/config/fault_config.h"
@@ -48,9 +44,6 @@ struct DealerConfig {
 
   // Of all symbols, in their order.
   std::vector<CurrencyPair> pairs() const;
-
-  // Reads a TOML file; an error names the line. The replay file it names is read along.
-  static tl::expected<DealerConfig, FileError> load(const std::filesystem::path& file);
 
   // The first thing wrong with the whole, in the operator's words: a number given twice, a hidden symbol that
   // does not exist, a currency that no symbol converts.
