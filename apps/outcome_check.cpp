@@ -46,11 +46,9 @@ bool tells_an_outcome(const std::string& text) {
 
 }  // namespace
 
-OutcomeCheck::OutcomeCheck(const RowList& journal) {
-  for (const Row& row : journal) {
-    const auto account = static_cast<std::int32_t>(row.cell(1).stored_number());
-    ++journaled_[{account, without_details(row.text(2))}];
-  }
+OutcomeCheck::OutcomeCheck(const std::vector<frmJournal::Entry>& journal) {
+  for (const frmJournal::Entry& entry : journal)
+    ++journaled_[{entry.account, without_details(entry.message)}];
 }
 
 void OutcomeCheck::expect_line(std::int32_t account, std::vector<std::string> texts) {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/row_list.h"
 #include "dealer/trading/outcome.h"
+#include "views/frmJournal.h"
 
 namespace tutti {
 
@@ -20,8 +20,8 @@ class OutcomeCheck {
     std::string what;
   };
 
-  // Reads the live rows of the journal's list.
-  explicit OutcomeCheck(const RowList& journal);
+  // Counts the live lines of the journal.
+  explicit OutcomeCheck(const std::vector<frmJournal::Entry>& journal);
 
   std::vector<Difference> run(const std::vector<Outcome>& outcomes);
 

@@ -119,22 +119,15 @@ Json totals_json(Main& main) {
 Json journal_json(Main& main, const Clock& clock) {
   Records out{{"time", "account", "message"}};
   LocalTimes times{clock};
-  const RowList& list = main.journal_window().lvwJournal;
-  for (std::size_t i = list.size(); i-- > 0;) {
-    const Row& row = list.row(i);
-    out.add({times.text(row.text(0)),
-             row.cell(1).empty() ? Json(no_account) : cell_value(row.cell(1), Holds::numbers), row.text(2)});
-  }
+  for (const frmJournal::Entry& entry : main.journal_window().shown_entries())
+    out.add({times.text(entry.time), entry.account, entry.message});
   return out.json();
 }
 
 std::string journal_text(Main& main) {
   TextTable table{{{"Time"}, {"Account", true}, {"Message"}}};
-  const RowList& list = main.journal_window().lvwJournal;
-  for (std::size_t i = list.size(); i-- > 0;) {
-    const Row& row = list.row(i);
-    table.add({row.text(0), row.text(1), row.text(2)});
-  }
+  for (const frmJournal::Entry& entry : main.journal_window().shown_entries())
+    table.add({entry.time, entry.account == no_account ? "" : std::to_string(entry.account), entry.message});
   return table.text();
 }
 

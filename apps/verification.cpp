@@ -222,7 +222,7 @@ void Verification::check_orders() {
 void Verification::check_outcomes() {
   // While the history of one account is shown, the live rows are not in the list.
   if (!main_.journal_window().live()) return;
-  OutcomeCheck check{main_.journal_window().lvwJournal};
+  OutcomeCheck check{main_.journal_window().shown_entries()};
   for (const auto& difference : check.run(server_.outcomes()))
     differ(difference.account, difference.what);
 }

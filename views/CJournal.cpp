@@ -42,8 +42,8 @@ void CJournal::Add(std::string_view message, std::int32_t id) {
 void CJournal::addToListView(std::string_view time, std::string_view message, std::int32_t id) {
   if (id != id_ && id >= 0) return;
   Row& row = *window_.lvwJournal.insert(0);
-  row.set_text(0, time);
-  row.set_text(2, message);
+  row.set_text(frmJournal::time, time);
+  row.set_text(frmJournal::message, message);
 }
 
 void CJournal::append(std::string_view time, std::string_view message, std::int32_t id) {
@@ -106,8 +106,8 @@ void CJournal::show_older(std::size_t bytes) {
   if (!has_older()) return;
   const auto add = [this](std::string_view time, std::string_view message) {
     Row& row = *window_.lvwJournal.add();
-    row.set_text(0, time);
-    row.set_text(2, message);
+    row.set_text(frmJournal::time, time);
+    row.set_text(frmJournal::message, message);
   };
   const auto read = older_->read(bytes, [&](std::string_view line) {
     if (!line.empty()) take_apart(line, add);

@@ -10,7 +10,7 @@ namespace tutti {
 
 frmJournal::frmJournal(const Clock& clock) : clock_(clock) {
   ColumnWidthsPer("15,15,68");
-  lvwJournal.set_column_tip(0, "By the clock of this computer");
+  lvwJournal.set_column_tip(Column::time, "By the clock of this computer");
 }
 
 void frmJournal::ColumnWidthsPer(std::string widths) {
@@ -31,15 +31,28 @@ void frmJournal::Add(std::string_view message, std::int32_t account, std::string
 
 void frmJournal::addToListView(std::string_view time, std::int32_t account, std::string_view message) {
   Row& row = *lvwJournal.insert(0);
-  row.set_text(0, time);
-  if (account != no_account) row.set_number(1, account);
-  row.set_text(2, message);
+  row.set_text(Column::time, time);
+  if (account != no_account) row.set_number(Column::account, account);
+  row.set_text(Column::message, message);
   // The oldest entry makes way, and its row says so; the row that said so before goes.
   const auto last = [this]() -> Row& { return lvwJournal.row(lvwJournal.size() - 1); };
   if (lvwJournal.size() > most_live + 1) lvwJournal.remove(last());
   if (lvwJournal.size() <= most_live) return;
-  last().clear_cells(0, 1);
-  last().set_text(2, older_text);
+  last().clear_cells(Column::time, Column::account);
+  last().set_text(Column::message, older_text);
+}
+
+std::vector<frmJournal::Entry> frmJournal::shown_entries() const {
+  std::vector<Entry> out;
+  out.reserve(lvwJournal.size());
+  for (std::size_t i = lvwJournal.size(); i-- > 0;) {
+    const Row& row = lvwJournal.row(i);
+    const Cell& number = row.cell(Column::account);
+    out.push_back({row.text(Column::time),
+                   number.empty() ? no_account : static_cast<std::int32_t>(number.stored_number()),
+                   row.text(Column::message)});
+  }
+  return out;
 }
 
 void frmJournal::set_live_aside() {

@@ -42,7 +42,7 @@ class UnknownList {
  private:
   void read();
   void show(const std::vector<LedgerUnknown>& all);
-  void ask(bool executed);
+  void ask(bool was_executed);
 
   MGeneral& general_;
   LedgerReads* reads_;

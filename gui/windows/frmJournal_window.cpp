@@ -23,8 +23,6 @@ namespace tutti {
 
 namespace {
 
-constexpr std::size_t account_column = 1;
-constexpr std::size_t message_column = 2;
 constexpr int wide = 680;  // state and filters stand beside each other from here on
 constexpr int narrowest = 270;
 constexpr int account_width = 104;
@@ -53,7 +51,7 @@ FrmJournalWindow::FrmJournalWindow(frmJournal& form, CJournal& journal, Screen& 
     : form_(form),
       journal_(journal),
       screen_(screen),
-      list_(new RowListView{form.lvwJournal, screen, {account_column}}),
+      list_(new RowListView{form.lvwJournal, screen, {frmJournal::account}}),
       head_(new QHBoxLayout) {
   list_->setObjectName(QStringLiteral("lvwJournal"));
   list_->columns().keep_readable({"0000-00-00 00:00:00", "000000", ""});
@@ -144,8 +142,8 @@ void FrmJournalWindow::filter() {
     list_->rows().set_filter({});
   } else {
     const auto let_through = [account, text](const Row& row) {
-      return (account.empty() || contains_letters(row.text(account_column), account)) &&
-             (text.empty() || contains_letters(row.text(message_column), text));
+      return (account.empty() || contains_letters(row.text(frmJournal::account), account)) &&
+             (text.empty() || contains_letters(row.text(frmJournal::message), text));
     };
     list_->rows().set_filter(let_through, RowListModel::Asked::once);
   }
@@ -158,7 +156,7 @@ void FrmJournalWindow::filter() {
 void FrmJournalWindow::show_newest() {
   const RowListModel& rows = list_->rows();
   if (rows.filtered()) {
-    const bool upwards = rows.sort_column() == 0 && rows.sort_order() == Qt::AscendingOrder;
+    const bool upwards = rows.sort_column() == frmJournal::time && rows.sort_order() == Qt::AscendingOrder;
     upwards ? list_->scrollToBottom() : list_->scrollToTop();
   } else if (const Row* row = form_.lvwJournal.current()) {
     list_->go_to(*row);
