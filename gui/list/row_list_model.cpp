@@ -10,25 +10,15 @@
 
 namespace tutti {
 
-namespace {
-
-// Telling of single changes costs the views as much as all rows, so more of them are made in one step.
-constexpr std::size_t most_runs = 16;
-
-}  // namespace
-
 RowListModel::RowListModel(RowList& list, bool ticks, QObject* parent)
-    : QAbstractTableModel(parent),
-      list_(list),
-      ticks_(ticks),
-      columns_(static_cast<int>(list.columns().size())) {
+    : ShownRows(parent), list_(list), ticks_(ticks), columns_(static_cast<int>(list.columns().size())) {
   settle();
 }
 
 int RowListModel::place_of(const Row* row) const {
   if (!settled()) return -1;
-  const auto at = std::find(shown_.begin(), shown_.end(), row);
-  return at == shown_.end() ? -1 : static_cast<int>(at - shown_.begin());
+  const auto at = std::find(shown().begin(), shown().end(), row);
+  return at == shown().end() ? -1 : static_cast<int>(at - shown().begin());
 }
 
 void RowListModel::set_filter(Filter filter, Asked asked) {
@@ -84,7 +74,7 @@ void RowListModel::sort(int column, Qt::SortOrder order) {
   if (column < 0) {
     rows = wanted();
   } else {
-    rows = shown_;
+    rows = shown();
     // Ties stay in the list's own order whatever was shown before.
     std::sort(rows.begin(), rows.end(),
               [this](const Row* a, const Row* b) { return list_.index_of(*a) < list_.index_of(*b); });
@@ -96,12 +86,12 @@ void RowListModel::sort(int column, Qt::SortOrder order) {
 void RowListModel::check_order(int first, int last) {
   constexpr unsigned seldom = 32;
   if (!in_order_ || ordered_stamp_ == list_.stamp()) return;
-  const int end = static_cast<int>(shown_.size()) - 1;
+  const int end = static_cast<int>(shown().size()) - 1;
   const bool all = ordered_structure_ != list_.structure_stamp() || ++order_checks_ % seldom == 0;
   const auto column = static_cast<std::size_t>(sort_column_);
   for (int at = all ? 0 : std::max(first, 0); in_order_ && at < (all ? end : std::min(last, end)); ++at) {
-    Row& row = *shown_[static_cast<std::size_t>(at)];
-    Row& next = *shown_[static_cast<std::size_t>(at) + 1];
+    Row& row = *shown()[static_cast<std::size_t>(at)];
+    Row& next = *shown()[static_cast<std::size_t>(at) + 1];
     if (row.stamp() <= ordered_stamp_ && next.stamp() <= ordered_stamp_) continue;
     in_order_ = tutti::in_order(row, next, column, sort_order_ == Qt::DescendingOrder);
   }
@@ -114,7 +104,7 @@ void RowListModel::check_order(int first, int last) {
 RowListModel::Rows RowListModel::wanted() {
   Rows rows;
   // What the filter said of a row holds until the row changes.
-  const RowSet passed = filter_ ? RowSet(shown_.begin(), shown_.end()) : RowSet{};
+  const RowSet passed = filter_ ? RowSet(shown().begin(), shown().end()) : RowSet{};
   for (Row& row : list_) {
     if (!filter_ || (row.stamp() > asked_stamp_ ? filter_(row) : passed.contains(&row))) {
       rows.push_back(&row);
@@ -129,7 +119,7 @@ RowListModel::Rows RowListModel::wanted() {
   }
   const RowSet there(rows.begin(), rows.end());
   Rows ordered;
-  std::copy_if(shown_.begin(), shown_.end(), std::back_inserter(ordered),
+  std::copy_if(shown().begin(), shown().end(), std::back_inserter(ordered),
                [&](const Row* row) { return there.contains(row); });
   const RowSet placed(ordered.begin(), ordered.end());
   std::copy_if(rows.begin(), rows.end(), std::back_inserter(ordered),
@@ -142,13 +132,13 @@ RowListModel::Rows RowListModel::wanted() {
 void RowListModel::take_columns() {
   beginResetModel();
   columns_ = static_cast<int>(list_.columns().size());
-  shown_.clear();
+  replace({});
   if (sort_column_ >= columns_) sort_column_ = -1;
   asked_stamp_ = 0;
-  shown_ = wanted();
+  Rows rows = wanted();
   in_order_ = sort_column_ >= 0;
-  if (in_order_)
-    sort_rows(shown_, static_cast<std::size_t>(sort_column_), sort_order_ == Qt::DescendingOrder);
+  if (in_order_) sort_rows(rows, static_cast<std::size_t>(sort_column_), sort_order_ == Qt::DescendingOrder);
+  replace(std::move(rows));
   ordered_stamp_ = list_.stamp();
   seen_structure_ = ordered_structure_ = list_.structure_stamp();
   note_places();
@@ -168,19 +158,19 @@ void RowListModel::note_places() {
   seen_first_ = list_.first_place();
   seen_end_ = list_.end_place();
   if (!own_order()) return;
-  std::transform(shown_.begin(), shown_.end(), std::back_inserter(places_),
+  std::transform(shown().begin(), shown().end(), std::back_inserter(places_),
                  [](const Row* row) { return RowList::place(*row); });
 }
 
 // Rows that only came and went at the ends of the list, of which those that went are no more: nothing is
 // looked at but them. False when it is not so.
 bool RowListModel::take_ends() {
-  if (!own_order() || places_.size() != shown_.size() || list_.rearranged_stamp() > seen_structure_)
+  if (!own_order() || places_.size() != shown().size() || list_.rearranged_stamp() > seen_structure_)
     return false;
   const std::int64_t first = list_.first_place();
   const std::int64_t end = list_.end_place();
   const auto gone_behind = std::lower_bound(places_.begin(), places_.end(), end) - places_.begin();
-  drop(static_cast<std::size_t>(gone_behind), shown_.size());
+  drop(static_cast<std::size_t>(gone_behind), shown().size());
   const auto gone_before = std::lower_bound(places_.begin(), places_.end(), first) - places_.begin();
   drop(0, static_cast<std::size_t>(gone_before));
   const auto bring = [this](std::int64_t from, std::int64_t to, bool before) {
@@ -190,14 +180,12 @@ bool RowListModel::take_ends() {
       if (!filter_ || filter_(row)) rows.push_back(&row);
     }
     if (rows.empty()) return;
-    const std::size_t at = before ? 0 : shown_.size();
-    beginInsertRows({}, static_cast<int>(at), static_cast<int>(at + rows.size()) - 1);
-    shown_.insert(shown_.begin() + static_cast<std::ptrdiff_t>(at), rows.begin(), rows.end());
+    const std::size_t at = before ? 0 : shown().size();
+    insert(at, rows);
     std::vector<std::int64_t> places;
     for (const Row* row : rows)
       places.push_back(RowList::place(*row));
     places_.insert(places_.begin() + static_cast<std::ptrdiff_t>(at), places.begin(), places.end());
-    endInsertRows();
   };
   bring(first, std::min(seen_first_, end), true);
   bring(std::max(seen_end_, first), end, false);
@@ -208,128 +196,14 @@ bool RowListModel::take_ends() {
 
 void RowListModel::drop(std::size_t first, std::size_t end) {
   if (first == end) return;
-  const auto part = [&](auto& of, std::size_t at) { return of.begin() + static_cast<std::ptrdiff_t>(at); };
-  beginRemoveRows({}, static_cast<int>(first), static_cast<int>(end) - 1);
-  shown_.erase(part(shown_, first), part(shown_, end));
-  places_.erase(part(places_, first), part(places_, end));
-  endRemoveRows();
+  remove(first, end);
+  places_.erase(places_.begin() + static_cast<std::ptrdiff_t>(first),
+                places_.begin() + static_cast<std::ptrdiff_t>(end));
 }
 
 void RowListModel::show(Rows wanted) {
   arrange(std::move(wanted));
   note_places();
-}
-
-// Tells the views the smallest change: what stands the same at both ends is left alone, since most changes
-// are one row, or new rows at one end.
-void RowListModel::arrange(Rows wanted) {
-  std::size_t head = 0;
-  const std::size_t both = std::min(shown_.size(), wanted.size());
-  while (head < both && shown_[head] == wanted[head])
-    ++head;
-  std::size_t tail = 0;
-  while (tail < both - head && shown_[shown_.size() - 1 - tail] == wanted[wanted.size() - 1 - tail])
-    ++tail;
-  if (head + tail == shown_.size() && shown_.size() == wanted.size()) return;
-
-  const auto middle = wanted.begin() + static_cast<std::ptrdiff_t>(head);
-  const auto middle_end = wanted.end() - static_cast<std::ptrdiff_t>(tail);
-  const RowSet staying(middle, middle_end);
-  if (runs(staying, shown_, head, shown_.size() - tail) > most_runs) gather(staying, head, tail);
-  remove_missing(staying, head, shown_.size() - tail);
-
-  const RowSet kept(shown_.begin() + static_cast<std::ptrdiff_t>(head),
-                    shown_.end() - static_cast<std::ptrdiff_t>(tail));
-  if (runs(kept, wanted, head, wanted.size() - tail) > most_runs) return append_new(std::move(wanted));
-  Rows order(shown_.begin(), shown_.begin() + static_cast<std::ptrdiff_t>(head));
-  std::copy_if(middle, middle_end, std::back_inserter(order), [&](Row* row) { return kept.contains(row); });
-  order.insert(order.end(), shown_.end() - static_cast<std::ptrdiff_t>(tail), shown_.end());
-  if (order != shown_) reorder(std::move(order));
-  insert_new(wanted, head, wanted.size() - tail);
-}
-
-// How many runs of rows that are not in the set there are between two places.
-std::size_t RowListModel::runs(const RowSet& set, const Rows& rows, std::size_t from, std::size_t to) {
-  std::size_t count = 0;
-  bool within = false;
-  for (std::size_t at = from; at < to; ++at) {
-    const bool outside = !set.contains(rows[at]);
-    if (outside && !within) ++count;
-    within = outside;
-  }
-  return count;
-}
-
-// Brings the rows that go together, so that they go in one step.
-void RowListModel::gather(const RowSet& staying, std::size_t head, std::size_t tail) {
-  Rows order = shown_;
-  std::stable_partition(order.begin() + static_cast<std::ptrdiff_t>(head),
-                        order.end() - static_cast<std::ptrdiff_t>(tail),
-                        [&](const Row* row) { return staying.contains(row); });
-  reorder(std::move(order));
-}
-
-// New rows come in one step, and then everything goes to its place.
-void RowListModel::append_new(Rows wanted) {
-  const RowSet there(shown_.begin(), shown_.end());
-  const std::size_t old = shown_.size();
-  beginInsertRows({}, static_cast<int>(old), static_cast<int>(wanted.size()) - 1);
-  std::copy_if(wanted.begin(), wanted.end(), std::back_inserter(shown_),
-               [&](const Row* row) { return !there.contains(row); });
-  endInsertRows();
-  reorder(std::move(wanted));
-}
-
-void RowListModel::remove_missing(const RowSet& wanted, std::size_t from, std::size_t to) {
-  while (to > from) {
-    std::size_t last = to;
-    while (last > from && wanted.contains(shown_[last - 1]))
-      --last;
-    std::size_t first = last;
-    while (first > from && !wanted.contains(shown_[first - 1]))
-      --first;
-    if (first < last) {
-      beginRemoveRows({}, static_cast<int>(first), static_cast<int>(last) - 1);
-      shown_.erase(shown_.begin() + static_cast<std::ptrdiff_t>(first),
-                   shown_.begin() + static_cast<std::ptrdiff_t>(last));
-      endRemoveRows();
-    }
-    to = first;
-  }
-}
-
-void RowListModel::reorder(Rows order) {
-  Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
-  const QModelIndexList before = persistentIndexList();
-  const Rows old = std::exchange(shown_, std::move(order));
-  tsl::robin_map<const Row*, int> places;
-  for (std::size_t i = 0; i < shown_.size(); ++i)
-    places[shown_[i]] = static_cast<int>(i);
-  QModelIndexList after;
-  for (const QModelIndex& each : before)
-    after.push_back(index(places[old[static_cast<std::size_t>(each.row())]], each.column()));
-  changePersistentIndexList(before, after);
-  Q_EMIT layoutChanged({}, VerticalSortHint);
-}
-
-void RowListModel::insert_new(const Rows& wanted, std::size_t from, std::size_t to) {
-  for (std::size_t at = from; at < to;) {
-    if (at < shown_.size() && shown_[at] == wanted[at]) {
-      ++at;
-      continue;
-    }
-    // A run of new rows ends where the row that is shown next comes, or at the end of the middle.
-    const Row* next = at < shown_.size() ? shown_[at] : nullptr;
-    std::size_t end = at;
-    while (end < to && wanted[end] != next)
-      ++end;
-    beginInsertRows({}, static_cast<int>(at), static_cast<int>(end) - 1);
-    shown_.insert(shown_.begin() + static_cast<std::ptrdiff_t>(at),
-                  wanted.begin() + static_cast<std::ptrdiff_t>(at),
-                  wanted.begin() + static_cast<std::ptrdiff_t>(end));
-    endInsertRows();
-    at = end;
-  }
 }
 
 void RowListModel::refresh(int first, int last) {
@@ -338,9 +212,9 @@ void RowListModel::refresh(int first, int last) {
   if (now == shown_stamp_) return;
   if (filter_ && asked_ == Asked::by_changes && asked_stamp_ != now) show(wanted());
   first = std::max(first, 0);
-  last = std::min(last, static_cast<int>(shown_.size()) - 1);
+  last = std::min(last, static_cast<int>(shown().size()) - 1);
   const auto dirty = [this](int place) {
-    return shown_[static_cast<std::size_t>(place)]->stamp() > shown_stamp_;
+    return shown()[static_cast<std::size_t>(place)]->stamp() > shown_stamp_;
   };
   if (last < first) {
     shown_stamp_ = now;
@@ -348,7 +222,7 @@ void RowListModel::refresh(int first, int last) {
   }
   // What has changed of a row is known once its cells are made, which painting it would do next.
   const auto left_of = [this](int place) {
-    const Row& row = *shown_[static_cast<std::size_t>(place)];
+    const Row& row = *shown()[static_cast<std::size_t>(place)];
     row.cell(0);
     return row.standing_stamp() > shown_stamp_ ? 0 : static_cast<int>(list_.moving_from());
   };
@@ -371,7 +245,7 @@ void RowListModel::refresh(int first, int last) {
 }
 
 int RowListModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : static_cast<int>(shown_.size());
+  return parent.isValid() ? 0 : static_cast<int>(shown().size());
 }
 
 int RowListModel::columnCount(const QModelIndex& parent) const {

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <tsl/robin_set.h>
-#include <QAbstractTableModel>
 #include <cstdint>
 #include <deque>
 #include <functional>
 
 #include "core/row_list.h"
+#include "gui/list/shown_rows.h"
 
 namespace tutti {
 
@@ -16,7 +15,7 @@ namespace tutti {
 // Which rows there are is taken over by settle(), which must run after the list has changed and before the
 // next paint or click; until then no row is given out, so that nobody works on one that has gone. Values are
 // read when painted: refresh() only tells the view which of its visible rows changed.
-class RowListModel final : public QAbstractTableModel {
+class RowListModel final : public ShownRows {
  public:
   using Filter = std::function<bool(const Row&)>;
 
@@ -29,7 +28,7 @@ class RowListModel final : public QAbstractTableModel {
   // The row shown at a place; nullptr outside, and while not settled.
   Row* row_at(int place) const {
     const auto at = static_cast<std::size_t>(place);
-    return settled() && place >= 0 && at < shown_.size() ? shown_[at] : nullptr;
+    return settled() && place >= 0 && at < shown().size() ? shown()[at] : nullptr;
   }
   // Place of a row; -1 while it is not shown.
   int place_of(const Row* row) const;
@@ -72,24 +71,14 @@ class RowListModel final : public QAbstractTableModel {
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 
  private:
-  using Rows = std::deque<Row*>;
-  using RowSet = tsl::robin_set<const Row*>;
-
   void take_columns();
   Rows wanted();
   Rows by_group(const Rows& rows) const;
   void show(Rows wanted);
-  void arrange(Rows wanted);
   void note_places();
   bool own_order() const { return sort_column_ < 0 && group_column_ < 0; }
   bool take_ends();
   void drop(std::size_t first, std::size_t end);
-  static std::size_t runs(const RowSet& set, const Rows& rows, std::size_t from, std::size_t to);
-  void gather(const RowSet& staying, std::size_t head, std::size_t tail);
-  void append_new(Rows wanted);
-  void remove_missing(const RowSet& wanted, std::size_t from, std::size_t to);
-  void reorder(Rows order);
-  void insert_new(const Rows& wanted, std::size_t from, std::size_t to);
 
   RowList& list_;
   bool ticks_;
@@ -104,8 +93,7 @@ class RowListModel final : public QAbstractTableModel {
   std::uint64_t ordered_structure_ = 0;  // and which rows there were
   unsigned order_checks_ = 0;
   bool keeps_sorted_ = false;
-  Rows shown_;
-  std::deque<std::int64_t> places_;  // of these in the list, while they stand in its order
+  std::deque<std::int64_t> places_;  // of the rows shown in the list, while they stand in its order
   std::int64_t seen_first_ = 0;      // the list's places, then
   std::int64_t seen_end_ = 0;
   int columns_ = 0;
