@@ -1,9 +1,11 @@
 #include "gui/shell/main_commands.h"
 
 #include <QMenu>
+#include <QTableView>
 #include <cassert>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "core/texts.h"
 #include "core/time_texts.h"
@@ -307,29 +309,15 @@ void MainCommands::make_help_menu() {
 }
 
 void MainCommands::add_context_menus() {
-  const auto fill = [this](QWidget& list, std::initializer_list<const char*> names) {
-    for (const char* const name : names)
-      list.addAction(commands_.find(text_of(name)));
-    for (const char* const name : {"copy", "export"})
-      list.addAction(commands_.find(text_of(name)));
-  };
-  Panes& panes = to_.panes;
-  fill(panes.accounts().list(),
-       {"connect", "connect_all", "disconnect", "refresh_summaries", "edit", "notes", "remove", "history"});
-  fill(panes.market_order().list(), {"tick_all", "distribute"});
-  fill(panes.entry_order().list(), {"tick_all_entry", "distribute_entry"});
-  fill(panes.trade().list(), {"edit_stops", "close_selected"});
-  fill(panes.pending().list(), {"edit_order", "cancel_selected"});
-  fill(panes.journal().list(), {"live_journal"});
-  fill(panes.market_watch().list(), {});
-  fill(panes.close_positions().list(), {"mark_all", "close_marked"});
-  fill(panes.net_trade().list(), {"close_net"});
-  fill(panes.net_trade().accounts(), {"close_net"});
-  fill(panes.net_matrix().list(), {"close_block"});
-  fill(panes.tickets().list(), {});
-  fill(panes.tickets().requests(), {});
-  fill(panes.fills().list(), {});
-  fill(panes.unknown().list(), {});
+  for (const Pane& pane : to_.panes.all()) {
+    std::vector<const char*> names = pane.commands;
+    names.insert(names.end(), {"copy", "export"});
+    for (QTableView* table : pane.widget->findChildren<QTableView*>()) {
+      if (dynamic_cast<RowListView*>(table) == nullptr) continue;
+      for (const char* const name : names)
+        table->addAction(commands_.find(text_of(name)));
+    }
+  }
 }
 
 void MainCommands::explain_buttons() {

@@ -2,7 +2,6 @@
 
 #include <QScreen>
 #include <algorithm>
-#include <cassert>
 #include <utility>
 
 #include "gui/kit/theme.h"
@@ -11,8 +10,8 @@ namespace tutti {
 
 namespace {
 
-// Raised when panes come or go, so that older layouts are not applied to them.
-constexpr int layout_version = 4;
+using Area = Pane::Area;
+
 constexpr QSize standard_size{1600, 900};
 constexpr QSize frame{8, 40};       // at most what the window manager puts around a window
 constexpr int room_for_two = 2200;  // width from which positions and journal stand side by side
@@ -22,22 +21,10 @@ constexpr int room_for_column = 860;
 constexpr int watch_height = 36 + 7 * theme::row_height + 6;
 constexpr int watch_width = 334;
 
-// What is empty on most days comes up when it is asked for, and leaves the tabs their room until then.
-bool stands_at_first(const Pane& pane) {
-  return pane.name != QLatin1String{"unknown"};
-}
-
 }  // namespace
 
 PaneLayout::PaneLayout(QMainWindow& window, Panes& panes, std::filesystem::path file)
     : window_(window), panes_(panes), layout_(std::move(file)) {}
-
-QDockWidget* PaneLayout::first_of(Pane::Area area) const {
-  const auto at = std::find_if(panes_.all().begin(), panes_.all().end(),
-                               [area](const Pane& pane) { return pane.area == area; });
-  assert(at != panes_.all().end());
-  return at->dock;
-}
 
 void PaneLayout::reset() {
   for (const Pane& pane : panes_.all()) {
@@ -59,8 +46,8 @@ void PaneLayout::arrange() {
   window_.setCorner(Qt::TopRightCorner, Qt::RightDockWidgetArea);
   window_.setCorner(Qt::BottomLeftCorner, Qt::BottomDockWidgetArea);
   window_.setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-  QDockWidget *watch = first_of(Pane::Area::watch), *orders = first_of(Pane::Area::orders),
-              *bottom = first_of(Pane::Area::bottom), *further = first_of(Pane::Area::further);
+  QDockWidget *watch = panes_.at(Area::watch).dock, *orders = panes_.at(Area::orders).dock,
+              *bottom = panes_.at(Area::bottom).dock, *further = panes_.at(Area::further).dock;
   // Split before they are tabbed: the other way round a tab of its own comes off.
   const bool tall = window_.height() >= room_for_column;
   window_.addDockWidget(tall ? Qt::RightDockWidgetArea : Qt::LeftDockWidgetArea, watch);
@@ -72,21 +59,24 @@ void PaneLayout::arrange() {
   window_.addDockWidget(Qt::BottomDockWidgetArea, bottom);
   // Beside them only a large screen has room for the profit, the last column of the positions.
   const bool wide = window_.width() >= room_for_two;
-  if (wide) window_.splitDockWidget(bottom, further, Qt::Horizontal);
-  for (const Pane& pane : panes_.all()) {
-    if (pane.area == Pane::Area::orders && pane.dock != orders) window_.tabifyDockWidget(orders, pane.dock);
-    if (pane.area == Pane::Area::bottom && pane.dock != bottom) window_.tabifyDockWidget(bottom, pane.dock);
-  }
-  if (!wide) window_.tabifyDockWidget(bottom, further);
+  QDockWidget* before_further = panes_.named(panes_.at(Area::further).beside).dock;
+  if (wide) window_.splitDockWidget(before_further, further, Qt::Horizontal);
   for (const Pane& pane : panes_.all())
-    if (pane.dock != nullptr) pane.dock->setVisible(stands_at_first(pane));
-  orders->raise();
-  bottom->raise();
+    if (pane.area == Area::tab) window_.tabifyDockWidget(panes_.named(pane.beside).dock, pane.dock);
+  if (!wide) window_.tabifyDockWidget(before_further, further);
+  for (const Pane& pane : panes_.all())
+    if (pane.dock != nullptr) pane.dock->setVisible(!pane.hidden_at_first);
+  // Once more when the tabs stand: laying them out without the hidden one brings the last of them to the
+  // front.
+  for (QDockWidget* front : {orders, bottom}) {
+    front->raise();
+    QMetaObject::invokeMethod(front, &QWidget::raise, Qt::QueuedConnection);
+  }
 }
 
 void PaneLayout::share_room() {
-  QDockWidget *watch = first_of(Pane::Area::watch), *orders = first_of(Pane::Area::orders),
-              *bottom = first_of(Pane::Area::bottom), *further = first_of(Pane::Area::further);
+  QDockWidget *watch = panes_.at(Area::watch).dock, *orders = panes_.at(Area::orders).dock,
+              *bottom = panes_.at(Area::bottom).dock, *further = panes_.at(Area::further).dock;
   const int width = window_.width();
   const int height = window_.height();
   window_.resizeDocks({orders}, {std::clamp(width * 28 / 100, 340, 500)}, Qt::Horizontal);
@@ -123,7 +113,7 @@ void PaneLayout::restore() {
 }
 
 void PaneLayout::restore_panes() {
-  if (!window_.restoreState(layout_.value(QStringLiteral("panes")), layout_version) ||
+  if (!window_.restoreState(layout_.value(QStringLiteral("panes")), Panes::edition()) ||
       !has_room(window_.minimumSizeHint())) {
     return reset();
   }
@@ -135,7 +125,7 @@ void PaneLayout::restore_panes() {
 
 tl::expected<void, FileError> PaneLayout::save() {
   layout_.set(QStringLiteral("geometry"), window_.saveGeometry());
-  layout_.set(QStringLiteral("panes"), window_.saveState(layout_version));
+  layout_.set(QStringLiteral("panes"), window_.saveState(Panes::edition()));
   for (const Pane& pane : panes_.all()) {
     if (pane.list != nullptr)
       layout_.set(QStringLiteral("columns.") + pane.name, pane.list->columns().save_columns());

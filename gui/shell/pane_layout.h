@@ -25,7 +25,6 @@ class PaneLayout {
   bool has_room(const QSize& size) const;
   void arrange();
   void share_room();
-  QDockWidget* first_of(Pane::Area area) const;
 
   QMainWindow& window_;
   Panes& panes_;

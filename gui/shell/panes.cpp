@@ -8,7 +8,10 @@
 
 #include "gui/kit/in_sight.h"
 #include "gui/kit/screen.h"
+#include "gui/windows/fill_list_window.h"
 #include "gui/windows/quote_panel.h"
+#include "gui/windows/ticket_board_window.h"
+#include "gui/windows/unknown_list_window.h"
 #include "shell/Main.h"
 
 namespace tutti {
@@ -18,7 +21,6 @@ Panes::Panes(QMainWindow& window, Main& main, Screen& screen) : window_(window),
   screen.on_refresh(window_, [this] { follow_displayed(); });
   make_panes(screen);
   for (const Pane& pane : panes_) {
-    screen.add_pane(*pane.widget);
     auto* quote = main.simulated() ? pane.widget->findChild<QuotePanel*>(QStringLiteral("quote")) : nullptr;
     if (quote != nullptr) quote->show_simulation();
   }
@@ -35,6 +37,10 @@ void Panes::add(Pane pane) {
   panes_.push_back(std::move(pane));
 }
 
+int Panes::edition() {
+  return 4;
+}
+
 // All panes exist before a layout is restored.
 void Panes::make_panes(Screen& screen) {
   Main& main = main_;
@@ -42,134 +48,164 @@ void Panes::make_panes(Screen& screen) {
   const auto text = [](const char* name) { return QString::fromLatin1(name); };
   const auto tell = [](auto& form) { return [&form](bool seen) { form.Displayed(seen); }; };
 
-  accounts_ = new FrmMainWindow{main.accounts(), screen};
-  market_watch_ = new FrmMWWindow{main.market_watch(), screen};
-  market_order_ = new FrmorderWindow{main.market_order(), main.symbols(), screen};
-  trade_ = new FrmTradeWindow{main.trade(), accounts, screen};
-  pending_ = new FrmPendingWindow{main.pending(), screen};
-  journal_ = new FrmJournalWindow{main.journal_window(), main.journal(), screen};
-  entry_order_ = new FrmlimitorderWindow{main.entry_order(), main.symbols(), screen};
-  net_trade_ = new FrmNetTradeWindow{main.net_trade(), accounts, screen};
-  net_matrix_ = new NetMatrixWindow{main.net_matrix(), accounts, screen};
-  close_positions_ = new FrmClosePosWindow{main.close_positions(), screen, main.general().clock};
-  tickets_ = new TicketBoardWindow{main.tickets(), screen};
-  fills_ = new FillListWindow{main.fills(), screen};
-  unknown_ = new UnknownListWindow{main.unknown(), screen};
+  const auto shown = [&screen](auto* window) {
+    screen.add_pane(*window);
+    return window;
+  };
+  accounts_ = shown(new FrmMainWindow{main.accounts(), screen});
+  market_watch_ = shown(new FrmMWWindow{main.market_watch(), screen});
+  market_order_ = shown(new FrmorderWindow{main.market_order(), main.symbols(), screen});
+  trade_ = shown(new FrmTradeWindow{main.trade(), accounts, screen});
+  pending_ = shown(new FrmPendingWindow{main.pending(), screen});
+  journal_ = shown(new FrmJournalWindow{main.journal_window(), main.journal(), screen});
+  entry_order_ = shown(new FrmlimitorderWindow{main.entry_order(), main.symbols(), screen});
+  net_trade_ = shown(new FrmNetTradeWindow{main.net_trade(), accounts, screen});
+  net_matrix_ = shown(new NetMatrixWindow{main.net_matrix(), accounts, screen});
+  close_positions_ = shown(new FrmClosePosWindow{main.close_positions(), screen, main.general().clock});
+  auto* tickets = shown(new TicketBoardWindow{main.tickets(), screen});
+  auto* fills = shown(new FillListWindow{main.fills(), screen});
+  auto* unknown = shown(new UnknownListWindow{main.unknown(), screen});
 
   using Area = Pane::Area;
-  add({text("accounts"),
-       {},
-       "&Accounts list",
-       "",
-       "accounts",
-       Qt::Key_1,
-       Area::centre,
-       accounts_,
-       &accounts_->list(),
-       {},
-       tell(main.accounts())});
-  add({text("market_watch"),
-       text("Market watch"),
-       "Market &watch",
-       "",
-       "market-watch",
-       Qt::Key_2,
-       Area::watch,
-       market_watch_,
-       &market_watch_->list(),
-       {},
-       tell(main.market_watch())});
-  add({text("market_order"), text("Market order"), "Market &order", "market-order", "market-order", Qt::Key_3,
-       Area::orders, market_order_, &market_order_->list(), [this] { market_order_->focus_amount(); }});
-  add({text("trade"),
-       QString::fromUtf8(frmTrade::caption.data()),
-       "&Trade",
-       "",
-       "positions",
-       Qt::Key_4,
-       Area::bottom,
-       trade_,
-       &trade_->list(),
-       {},
-       tell(main.open_positions())});
-  add({text("pending"),
-       text("Pending orders"),
-       "&Pending orders",
-       "",
-       "pending-orders",
-       Qt::Key_5,
-       Area::bottom,
-       pending_,
-       &pending_->list(),
-       {},
-       tell(main.pending_orders())});
-  add({text("journal"),
-       text("Journal"),
-       "&Journal",
-       "journal",
-       "journal",
-       Qt::Key_6,
-       Area::further,
-       journal_,
-       &journal_->list(),
-       {},
-       tell(main.journal())});
+  add({.name = text("accounts"),
+       .menu = "&Accounts list",
+       .help = "accounts",
+       .key = Qt::Key_1,
+       .area = Area::centre,
+       .widget = accounts_,
+       .list = &accounts_->list(),
+       .commands = {"connect", "connect_all", "disconnect", "refresh_summaries", "edit", "notes", "remove",
+                    "history"},
+       .displayed = tell(main.accounts())});
+  add({.name = text("market_watch"),
+       .title = text("Market watch"),
+       .menu = "Market &watch",
+       .help = "market-watch",
+       .key = Qt::Key_2,
+       .area = Area::watch,
+       .widget = market_watch_,
+       .list = &market_watch_->list(),
+       .displayed = tell(main.market_watch())});
+  add({.name = text("market_order"),
+       .title = text("Market order"),
+       .menu = "Market &order",
+       .icon = "market-order",
+       .help = "market-order",
+       .key = Qt::Key_3,
+       .area = Area::orders,
+       .widget = market_order_,
+       .list = &market_order_->list(),
+       .commands = {"tick_all", "distribute"},
+       .focus = [this] { market_order_->focus_amount(); }});
+  add({.name = text("trade"),
+       .title = QString::fromUtf8(frmTrade::caption.data()),
+       .menu = "&Trade",
+       .help = "positions",
+       .key = Qt::Key_4,
+       .area = Area::bottom,
+       .widget = trade_,
+       .list = &trade_->list(),
+       .commands = {"edit_stops", "close_selected"},
+       .displayed = tell(main.open_positions())});
+  add({.name = text("pending"),
+       .title = text("Pending orders"),
+       .menu = "&Pending orders",
+       .help = "pending-orders",
+       .key = Qt::Key_5,
+       .beside = text("trade"),
+       .widget = pending_,
+       .list = &pending_->list(),
+       .commands = {"edit_order", "cancel_selected"},
+       .displayed = tell(main.pending_orders())});
+  add({.name = text("journal"),
+       .title = text("Journal"),
+       .menu = "&Journal",
+       .icon = "journal",
+       .help = "journal",
+       .key = Qt::Key_6,
+       .area = Area::further,
+       .beside = text("trade"),
+       .widget = journal_,
+       .list = &journal_->list(),
+       .commands = {"live_journal"},
+       .displayed = tell(main.journal())});
   // Bringing this one to the front is an event of its own.
-  add({text("entry_order"), text("Entry order"), "&Entry order", "entry-order", "entry-order", Qt::Key_7,
-       Area::orders, entry_order_, &entry_order_->list(), [this] { entry_order_->focus_amount(); },
-       [&form = main.entry_order()](bool seen) {
-         if (form.Displayed() != seen) form.Displayed(seen);
-       }});
+  add({.name = text("entry_order"),
+       .title = text("Entry order"),
+       .menu = "&Entry order",
+       .icon = "entry-order",
+       .help = "entry-order",
+       .key = Qt::Key_7,
+       .beside = text("market_order"),
+       .widget = entry_order_,
+       .list = &entry_order_->list(),
+       .commands = {"tick_all_entry", "distribute_entry"},
+       .focus = [this] { entry_order_->focus_amount(); },
+       .displayed =
+           [&form = main.entry_order()](bool seen) {
+             if (form.Displayed() != seen) form.Displayed(seen);
+           }});
   // Two panes over one form.
-  add({text("net_trade"),
-       text("Net positions"),
-       "&Net positions",
-       "",
-       "net-positions",
-       Qt::Key_8,
-       Area::bottom,
-       net_trade_,
-       &net_trade_->list(),
-       {},
-       [this](bool seen) { main_.net_positions().Displayed(seen || in_sight(*net_matrix_)); }});
-  add({text("net_matrix"), text("Accounts x symbols"), "Accounts x &symbols", "", "net-positions", Qt::Key_9,
-       Area::bottom, net_matrix_, &net_matrix_->list()});
-  add({text("close_positions"), text("Close positions"), "&Close positions", "close-positions",
-       "close-positions", Qt::Key_0, Area::bottom, close_positions_, &close_positions_->list(),
-       [this] { close_positions_->focus_symbol(); }, tell(main.close_positions())});
-  add({text("tickets"),
-       text("Tickets"),
-       "Tic&kets",
-       "",
-       "tickets",
-       Qt::Key_Y,
-       Area::bottom,
-       tickets_,
-       &tickets_->list(),
-       {},
-       tell(main.tickets())});
-  add({text("fills"),
-       text("Fills"),
-       "F&ills",
-       "",
-       "tickets",
-       Qt::Key_D,
-       Area::bottom,
-       fills_,
-       &fills_->list(),
-       {},
-       tell(main.fills())});
-  add({text("unknown"),
-       text("Unknown"),
-       "&Unknown requests",
-       "",
-       "tickets",
-       Qt::Key_E,
-       Area::bottom,
-       unknown_,
-       &unknown_->list(),
-       {},
-       tell(main.unknown())});
+  add({.name = text("net_trade"),
+       .title = text("Net positions"),
+       .menu = "&Net positions",
+       .help = "net-positions",
+       .key = Qt::Key_8,
+       .beside = text("trade"),
+       .widget = net_trade_,
+       .list = &net_trade_->list(),
+       .commands = {"close_net"},
+       .displayed = [this](bool seen) { main_.net_positions().Displayed(seen || in_sight(*net_matrix_)); }});
+  add({.name = text("net_matrix"),
+       .title = text("Accounts x symbols"),
+       .menu = "Accounts x &symbols",
+       .help = "net-positions",
+       .key = Qt::Key_9,
+       .beside = text("trade"),
+       .widget = net_matrix_,
+       .list = &net_matrix_->list(),
+       .commands = {"close_block"}});
+  add({.name = text("close_positions"),
+       .title = text("Close positions"),
+       .menu = "&Close positions",
+       .icon = "close-positions",
+       .help = "close-positions",
+       .key = Qt::Key_0,
+       .beside = text("trade"),
+       .widget = close_positions_,
+       .list = &close_positions_->list(),
+       .commands = {"mark_all", "close_marked"},
+       .focus = [this] { close_positions_->focus_symbol(); },
+       .displayed = tell(main.close_positions())});
+  add({.name = text("tickets"),
+       .title = text("Tickets"),
+       .menu = "Tic&kets",
+       .help = "tickets",
+       .key = Qt::Key_Y,
+       .beside = text("trade"),
+       .widget = tickets,
+       .list = &tickets->list(),
+       .displayed = tell(main.tickets())});
+  add({.name = text("fills"),
+       .title = text("Fills"),
+       .menu = "F&ills",
+       .help = "tickets",
+       .key = Qt::Key_D,
+       .beside = text("trade"),
+       .widget = fills,
+       .list = &fills->list(),
+       .displayed = tell(main.fills())});
+  // Empty on most days.
+  add({.name = text("unknown"),
+       .title = text("Unknown"),
+       .menu = "&Unknown requests",
+       .help = "tickets",
+       .key = Qt::Key_E,
+       .beside = text("trade"),
+       .hidden_at_first = true,
+       .widget = unknown,
+       .list = &unknown->list(),
+       .displayed = tell(main.unknown())});
 }
 
 // The forms go by whether their windows can be seen.
@@ -194,7 +230,7 @@ void Panes::keep_keyboard_in_sight() {
   const auto in_front = std::find_if(panes_.begin(), panes_.end(), [&](const Pane& other) {
     return (beside.contains(other.dock) || other.widget->window() == floats_in) && in_sight(*other.widget);
   });
-  const Pane& now = in_front == panes_.end() ? panes_.front() : *in_front;
+  const Pane& now = in_front == panes_.end() ? at(Pane::Area::centre) : *in_front;
   if (now.list != nullptr) now.list->setFocus(Qt::OtherFocusReason);
 }
 
@@ -224,7 +260,13 @@ const Pane* Panes::pane_of(const QWidget* widget) const {
 
 const Pane& Panes::active() const {
   const Pane* pane = pane_of(QApplication::focusWidget());
-  return pane == nullptr ? panes_.front() : *pane;
+  return pane == nullptr ? at(Pane::Area::centre) : *pane;
+}
+
+const Pane& Panes::at(Pane::Area area) const {
+  const auto stands = [area](const Pane& pane) { return pane.area == area; };
+  assert(area != Pane::Area::tab && std::count_if(panes_.begin(), panes_.end(), stands) == 1);
+  return *std::find_if(panes_.begin(), panes_.end(), stands);
 }
 
 const Pane& Panes::named(const QString& name) const {

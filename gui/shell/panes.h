@@ -4,7 +4,6 @@
 #include <deque>
 
 #include "gui/shell/pane.h"
-#include "gui/windows/fill_list_window.h"
 #include "gui/windows/frmClosePos_window.h"
 #include "gui/windows/frmJournal_window.h"
 #include "gui/windows/frmMW_window.h"
@@ -15,8 +14,6 @@
 #include "gui/windows/frmlimitorder_window.h"
 #include "gui/windows/frmorder_window.h"
 #include "gui/windows/net_matrix_window.h"
-#include "gui/windows/ticket_board_window.h"
-#include "gui/windows/unknown_list_window.h"
 
 namespace tutti {
 
@@ -35,6 +32,10 @@ class Panes {
   const std::deque<Pane>& all() const { return panes_; }
   // Asserts that there is one.
   const Pane& named(const QString& name) const;
+  // The one that stands in an area, tabs left aside.
+  const Pane& at(Pane::Area area) const;
+  // Raised when panes come or go, so that older layouts are not applied to them.
+  static int edition();
   // The pane that has the keyboard; the accounts list while none has.
   const Pane& active() const;
   // Its list that has the keyboard, or its main one; nullptr when it has none.
@@ -50,6 +51,7 @@ class Panes {
   // Puts what floats before the main window, which has just come onto the screen.
   void raise_floats();
 
+  // Those that commands work in.
   FrmMainWindow& accounts() { return *accounts_; }
   FrmorderWindow& market_order() { return *market_order_; }
   FrmlimitorderWindow& entry_order() { return *entry_order_; }
@@ -60,9 +62,6 @@ class Panes {
   FrmNetTradeWindow& net_trade() { return *net_trade_; }
   NetMatrixWindow& net_matrix() { return *net_matrix_; }
   FrmJournalWindow& journal() { return *journal_; }
-  TicketBoardWindow& tickets() { return *tickets_; }
-  FillListWindow& fills() { return *fills_; }
-  UnknownListWindow& unknown() { return *unknown_; }
 
  private:
   void make_panes(Screen& screen);
@@ -88,9 +87,6 @@ class Panes {
   FrmNetTradeWindow* net_trade_ = nullptr;
   NetMatrixWindow* net_matrix_ = nullptr;
   FrmJournalWindow* journal_ = nullptr;
-  TicketBoardWindow* tickets_ = nullptr;
-  FillListWindow* fills_ = nullptr;
-  UnknownListWindow* unknown_ = nullptr;
   bool entry_in_front_ = false;
 };
 

@@ -329,7 +329,7 @@ TEST_F(LayoutTest, ResettingTheLayoutBringsBackWhatFloats) {
   rig.run(1ms);
   EXPECT_EQ(QApplication::focusWidget(), &window->panes().accounts().list());
   to_front("unknown");
-  EXPECT_TRUE(window->panes().unknown().isVisible());
+  EXPECT_TRUE(dock("unknown").widget()->isVisible());
   EXPECT_FALSE(dock("unknown").isFloating());
 }
 
