@@ -47,6 +47,9 @@ inline bool wants_equity(const Limits& limits) {
 inline bool wants_value(const Limits& limits) {
   return limits[Limit::account_value].has_value();
 }
+inline bool wants_quote(const Limits& limits) {
+  return limits[Limit::quote_age].has_value() || limits[Limit::price_distance].has_value();
+}
 
 // All breaches of a ticket before it is stored, of the whole ticket first, then in the order of the requests.
 std::vector<Breach> judge(const Limits& limits, const TicketFigures& ticket,

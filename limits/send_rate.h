@@ -16,7 +16,11 @@ class SendRate {
                                                 std::chrono::milliseconds now) const;
 
  private:
-  std::deque<std::chrono::milliseconds> left_;  // within a second before the last one
+  struct Moment {
+    std::chrono::milliseconds time{0};
+    std::size_t count = 0;  // that left then
+  };
+  std::deque<Moment> left_;  // within a second before the last one
 };
 
 }  // namespace tutti
