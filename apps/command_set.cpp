@@ -344,7 +344,7 @@ Command add_stop(CLI::App& app) {
       ->excludes("--close-positions");
   explain(command, "tuttictl --yes stop --cancel-orders --close-positions",
           "0 it was done, and nothing is open where something was to be closed; 1 something is open, or "
-          "nobody could look");
+          "nobody could look; 4 what became of something that was sent is unknown");
   return {.app = &command,
           .effect = Effect::sends,
           .run = [arguments](CommandContext& context) { return stop_command(context, *arguments); },

@@ -43,7 +43,7 @@ void SplitRun::tick_accounts() {
 // Distributing and sending empty the column, and with it why a row could not be ticked.
 void SplitRun::note_reasons() {
   for (const Row& row : controls_.rows) {
-    const std::string reason = row.text(AccountRows::result_text);
+    const std::string reason = AccountRows::result_of(row);
     if (!row.checked() && !reason.empty()) reasons_[static_cast<std::int32_t>(row.key().number())] = reason;
   }
 }
@@ -105,11 +105,10 @@ void SplitRun::describe(const CClientAPIManager& session, Line& line) const {
                        ? controls_.rows.find(client_key(session.account()))
                        : nullptr;
   if (row != nullptr) {
-    line.result = row->text(AccountRows::result_text);
+    line.result = AccountRows::result_of(*row);
     const auto reason = reasons_.find(session.account());
     if (line.result.empty() && reason != reasons_.end()) line.result = reason->second;
-    const Cell& amount = row->cell(AccountRows::amount);
-    if (row->checked() && !amount.empty()) line.share = amount.number();
+    if (row->checked()) line.share = AccountRows::share_of(*row);
     if (arguments_.dry_run && line.share && line.result.empty()) line.result = sure_refusal(session, *row);
   } else {
     const AccountEntry::Shown& shown = session.ClientListItem().shown;

@@ -38,8 +38,8 @@ int stop_command(CommandContext& context, const StopArguments& arguments) {
                                                      : "Close the positions?";
   constexpr int yes = 1;
   if (context.main().general().msg_box.GeneralQuestionMsg(form.figures_text() + ". " + what) == yes) {
-    form.chkOrders.set_checked(arguments.cancel_orders);
-    form.chkPositions.set_checked(arguments.close_positions);
+    if (arguments.cancel_orders) form.chkOrders.click();
+    if (arguments.close_positions) form.chkPositions.click();
     form.cmdCarryOut.click();
     context.run_until([&] { return context.main().sessions().unanswered() == 0; });
   }
@@ -47,15 +47,16 @@ int stop_command(CommandContext& context, const StopArguments& arguments) {
   form.refresh_now();
   Records records{{"account", "open"}};
   TextTable table{{{"Account", true}, {"Open"}}};
-  for (const Row& row : form.lvwOpen) {
-    records.add({row.cell(frmStop::account).number(), row.text(frmStop::open)});
-    table.add({row.text(frmStop::account), row.text(frmStop::open)});
+  for (const frmStop::Open& open : form.shown_open()) {
+    records.add({open.account, open.what});
+    table.add({std::to_string(open.account), open.what});
   }
   const bool flat = form.verified_flat();
   context.print("open", records, {{"flat", flat}}, [&] {
     return (form.lvwOpen.empty() ? "" : table.text()) +
            (flat ? "Nothing is open, as the accounts' lists say\n" : "Not flat, or not verified\n");
   });
+  if (context.main().sessions().requests().unknown_now() > 0) return exit_status::some_unknown;
   return flat ? exit_status::all_accepted : exit_status::some_refused;
 }
 

@@ -43,6 +43,7 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
                              backend_->events(), backend_->endpoint(), backend_->simulated()});
   if (!started) return tl::unexpected(started.error());
   main_ = std::move(*started);
+  main_->sessions().set_patience(backend_->patience());
   if (!options_.precision.empty()) main_->general().precision.hold(options_.precision);
   tell_notices();
   for (const std::string& text : {ledger_->notice(), ledger_->fault()}) {
@@ -120,6 +121,7 @@ std::size_t Terminal::advance(std::size_t limit) {
   tell_notices();
   const std::size_t delivered = main_->deliver_events(limit);
   backend_->flush();
+  if (const std::uint64_t saved = ledger_->saved(); saved != kept_) backend_->kept(kept_ = saved);
   tell_notices();
   main_->poll_timers(delivered == limit);
   return delivered;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <limits>
@@ -104,6 +105,7 @@ class Terminal {
   ProcessLocale locale_;
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<LedgerWriter> ledger_;
+  std::uint64_t kept_ = 0;  // as the backend was told last
   LedgerWatch reads_{options_.home, options_.key_file};
   std::unique_ptr<StopFile> stop_;
   std::unique_ptr<Main> main_;

@@ -68,7 +68,11 @@ double OrderDriver::distribute_floor() {
 double OrderDriver::fan_out() {
   double time = 0.0;
   for (std::size_t i = 0; i < runs(); ++i) {
-    time += time_of([&] { terminal_.sessions().BuyFunction(); });
+    time += time_of([&] {
+      terminal_.sessions().BuyFunction();
+      // More than a thousand leave part by part.
+      terminal_.sessions().wait_for_stored();
+    });
     answer_orders();
   }
   return per_account(time);

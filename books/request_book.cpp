@@ -85,6 +85,8 @@ void RequestBook::note_goes(SentOrder& request, std::chrono::milliseconds now) {
   request.not_sent = NotSent::nothing;
   // Its answer may be overdue, though later ones have been looked at.
   heard_of(request, now);
+  // From now on it is what was asked for its number, so that nobody asks once more.
+  note_last(request);
 }
 
 void RequestBook::note_last(SentOrder& request) {
@@ -122,13 +124,20 @@ SentOrder* RequestBook::named(std::int32_t account, RequestId id) {
 
 SentOrder* RequestBook::fitting(Sender sender, const Figures& figures) {
   if (!is_new_order(figures.kind)) {
-    return only(sender, figures.kind, [&](const SentOrder& o) { return o.number == figures.number; });
+    return only(sender, figures.kind, [&](const SentOrder& o) {
+      // Of a part of a position another part is told.
+      const bool other_lots = figures.kind == RequestKind::close && figures.lots > 0.0 &&
+                              std::fabs(o.amount - figures.lots) > same_lots;
+      return o.number == figures.number && !other_lots;
+    });
   }
   const auto& known = of(sender).last;
   if (const auto at = known.find({figures.kind, figures.number}); figures.number != 0 && at != known.end())
     return at->second;
   return only(sender, figures.kind, [&](const SentOrder& o) {
-    return o.number == 0 && o.symbol == figures.symbol && buys(o.side) == buys(figures.side) &&
+    // What an earlier run has left may be of any symbol as long as nobody here knows which.
+    const bool any_symbol = o.symbol == no_symbol && o.outcome == SentOrder::Outcome::unknown;
+    return o.number == 0 && !any_symbol && o.symbol == figures.symbol && buys(o.side) == buys(figures.side) &&
            std::fabs(o.amount - figures.lots) <= same_lots;
   });
 }
@@ -213,9 +222,12 @@ std::vector<SentOrder*> RequestBook::unknown(Sender sender) const {
 
 std::vector<const SentOrder*> RequestBook::all_unknown() const {
   std::vector<const SentOrder*> out;
+  // Asked for with every ticket, and there are hundreds of senders.
+  if (unknown_now_ == 0) return out;
   for (const Sent& sent : sent_)
-    std::copy_if(sent.alive.begin(), sent.alive.end(), std::back_inserter(out),
-                 [](const SentOrder* each) { return each->outcome == SentOrder::Outcome::unknown; });
+    std::copy_if(sent.alive.begin(), sent.alive.end(), std::back_inserter(out), [](const SentOrder* each) {
+      return each->outcome == SentOrder::Outcome::unknown && each->kind != RequestKind::requote;
+    });
   return out;
 }
 
@@ -233,12 +245,12 @@ std::vector<SentOrder*> RequestBook::overdue(std::chrono::milliseconds now) {
   for (; looked_at_ < all_.size(); ++looked_at_) {
     SentOrder& request = all_[looked_at_];
     if (request.heard_of || !awaited(request)) continue;
-    if (request.last_word + patience > now) break;
+    if (request.last_word + patience_ > now) break;
     out.push_back(&request);
   }
   std::erase_if(heard_, [&](SentOrder* request) {
     if (awaited(*request)) {
-      if (request->last_word + patience > now) return false;
+      if (request->last_word + patience_ > now) return false;
       out.push_back(request);
     }
     request->heard_of = false;

@@ -21,8 +21,6 @@ namespace tutti {
 // everybody reads. Records stay where they are for the whole run.
 class RequestBook {
  public:
-  // So long after the broker's last word a request without a result is unknown.
-  static constexpr std::chrono::milliseconds patience{30'000};
   // Amounts that differ by no more are the same one, written in another way.
   static constexpr double same_lots = 1e-8;
 
@@ -31,13 +29,15 @@ class RequestBook {
     RequestKind kind = RequestKind::open;
     std::int64_t number = 0;  // 0: not told, or not known here
     SymbolHandle symbol = no_symbol;
-    Operation side{};  // of which only the side counts
-    double lots = 0.0;
+    Operation side{};   // of which only the side counts
+    double lots = 0.0;  // 0: not told
   };
 
   // Takes in a request that is about to leave, to be filled where it stands. Its id is greater than every one
   // before, and it is sent no earlier.
   SentOrder& add(RequestId id, Sender sender, RequestKind kind);
+  // So long after the broker's last word a request without a result is unknown; 30 s at first.
+  void set_patience(std::chrono::milliseconds patience) { patience_ = patience; }
   // So many that come next find their room made. To be called while nobody waits.
   void make_room(std::size_t count) { all_.make_room(count); }
   // Takes in a request of an earlier run, unknown and of no sender, before any that is added. Ids ascend.
@@ -110,9 +110,9 @@ class RequestBook {
   // Those of a sender without a result, oldest first; and those that nobody knows the outcome of.
   std::vector<SentOrder*> open(Sender sender) const;
   std::vector<SentOrder*> unknown(Sender sender) const;
-  // Of all senders, and of none.
+  // Of all senders, and of none; answers to requotes don't count.
   std::vector<const SentOrder*> all_unknown() const;
-  // Those without a word for longer than patience, oldest first.
+  // Those without a word for too long, oldest first.
   std::vector<SentOrder*> overdue(std::chrono::milliseconds now);
 
  private:
@@ -142,6 +142,7 @@ class RequestBook {
   std::size_t place_of(RequestId id) const;
 
   RecordBlocks<SentOrder> all_;  // ids ascend
+  std::chrono::milliseconds patience_{30'000};
   int given_up_ = 0;
   int unknown_now_ = 0;
   std::vector<Sent> sent_;         // by sender

@@ -27,7 +27,7 @@ class ChainHash {
   void begin(const Bytes& before, std::int64_t of_format = format);
   void add(std::string_view table, std::int64_t seq);
   void add(const LedgerValue& value);
-  void add(std::string_view bytes);
+  void add(std::string_view text);
   Bytes end(std::int64_t number, std::int64_t first, std::int64_t last, std::int64_t time);
 
  private:

@@ -174,6 +174,11 @@ std::string LedgerWriter::fault() const {
   return fault_;
 }
 
+std::uint64_t LedgerWriter::saved() const {
+  const std::lock_guard lock{mutex_};
+  return saved_;
+}
+
 bool LedgerWriter::flush(std::chrono::milliseconds most) {
   std::unique_lock lock{mutex_};
   if (told_ == saved_) return true;

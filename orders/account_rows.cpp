@@ -57,29 +57,33 @@ std::string AccountRows::left_out_text() const {
   return out;
 }
 
-ShareFault AccountRows::fault_of(const Row& row) const {
+std::optional<double> AccountRows::share_of(const Row& row) {
   const Cell& cell = row.cell(Column::amount);
-  if (!row.checked() || cell.empty()) return ShareFault::none;
-  const double share = cell.number();
-  if (share <= 0.0) return ShareFault::zero_or_below;
-  if (share < lots_.minimum) return ShareFault::below_minimum;
-  return lots_.maximum > 0.0 && share > lots_.maximum ? ShareFault::above_maximum : ShareFault::none;
+  return cell.empty() ? std::nullopt : std::optional{cell.number()};
+}
+
+ShareFault AccountRows::fault_of(const Row& row) const {
+  if (!row.checked()) return ShareFault::none;
+  const auto share = share_of(row);
+  if (!share) return ShareFault::none;
+  if (*share <= 0.0) return ShareFault::zero_or_below;
+  if (*share < lots_.minimum) return ShareFault::below_minimum;
+  return lots_.maximum > 0.0 && *share > lots_.maximum ? ShareFault::above_maximum : ShareFault::none;
 }
 
 Shares AccountRows::shares() const {
   Shares out;
   for (const Row& row : list_) {
     if (!row.checked()) continue;
-    const Cell& cell = row.cell(Column::amount);
-    if (cell.empty()) {
+    const auto share = share_of(row);
+    if (!share) {
       ++out.without;
       continue;
     }
-    const double share = cell.number();
-    out.sum += share;
+    out.sum += *share;
     ++out.counted;
     const ShareFault fault = fault_of(row);
-    if (fault == ShareFault::zero_or_below) ++(share < 0.0 ? out.negative : out.zero);
+    if (fault == ShareFault::zero_or_below) ++(*share < 0.0 ? out.negative : out.zero);
     if (fault == ShareFault::below_minimum) ++out.below_minimum;
     if (fault == ShareFault::above_maximum) ++out.above_maximum;
   }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -44,6 +45,9 @@ class AccountRows {
   // when it went says so in its Result, and is not ticked by itself.
   Row* add(std::int32_t account, std::string_view amount);
   static bool came_back(const Row& row) { return row.reads(Column::result_text, came_back_text); }
+  // What was distributed or typed, in lots; nothing where the cell is empty.
+  static std::optional<double> share_of(const Row& row);
+  static std::string result_of(const Row& row) { return row.text(Column::result_text); }
   Row* find(std::int32_t account) const { return list_.find(client_key(account)); }
   std::vector<std::int32_t> accounts() const;
   void update_result(RowKey key, std::string_view text);

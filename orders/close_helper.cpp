@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "accounts/frmMain.h"
 #include "core/numbers.h"
 #include "core/texts.h"
 

@@ -58,14 +58,16 @@ void EntryRound::settled(const SentOrder& order, std::int32_t account) {
   if (order.round == round_ && at != answers_.end()) at->second = answer_from(order.outcome);
   Row* row = rows_.find(account);
   // The row tells of what was sent for it last.
-  if (row == nullptr || order.round != row->data<RowData>().round) return;
+  // Nor does what was sent in an earlier run have one.
+  if (row == nullptr || order.round == 0 || order.round != row->data<RowData>().round) return;
   // Of an update some refusals say nothing.
   if (order.kind == RequestKind::update && order.outcome == SentOrder::Outcome::refused &&
-      result_texts::update_entry(order.result_code).empty())
+      order.result_code != ResultCode::none && result_texts::update_entry(order.result_code).empty())
     return note(*row, "");
   // Handlers that have a text of their own write it over this one.
-  note(*row, order.outcome == SentOrder::Outcome::unknown
-                 ? "unknown"
+  // What became known by other ways than an answer has no code.
+  note(*row, order.result_code == ResultCode::none || order.outcome == SentOrder::Outcome::unknown
+                 ? result_texts::learnt(order.outcome)
                  : CClientAPIManager::ResultDescription(order.result_code));
   auto& data = row->data<RowData>();
   if (order.kind == RequestKind::stops) data.stops_done = order.outcome == SentOrder::Outcome::accepted;

@@ -37,6 +37,7 @@ frmStop::frmStop(MGeneral& general, CClientAPIManagers& sessions, const Books& b
   cmdCarryOut.on_click = [this] { carry_out(); };
   cmdEnd.on_click = [this] { end(); };
   cmdHide.on_click = [this] { Displayed(false); };
+  chkOrders.on_click = chkPositions.on_click = [this] { enable_carry_out(); };
 }
 
 void frmStop::stop(std::string_view by) {
@@ -93,7 +94,7 @@ std::string frmStop::figures_text() const {
 bool frmStop::verified_flat() const {
   for (const auto& session : sessions_.Children()) {
     const AccountClient& client = session->ClientAPIF();
-    if (!client.LoggedIn() || !session->lists_account() || client.OpenPositionCount() > 0 ||
+    if (!client.LoggedIn() || !session->has_positions() || client.OpenPositionCount() > 0 ||
         entry_orders_of(client) > 0 || session->unanswered() > 0)
       return false;
   }
@@ -107,7 +108,7 @@ void frmStop::list_open() {
     const AccountClient& client = session->ClientAPIF();
     std::string text;
     const auto add = [&text](const std::string& what) { text += (text.empty() ? "" : ", ") + what; };
-    if (!client.LoggedIn() || !session->lists_account()) {
+    if (!client.LoggedIn() || !session->has_positions()) {
       add("not verified: not connected");
     } else {
       const auto positions = static_cast<std::size_t>(client.OpenPositionCount());
@@ -131,12 +132,25 @@ void frmStop::list_open() {
   const Figures now = figures();
   chkOrders.set_enabled(stopped() && now.orders > 0);
   chkPositions.set_enabled(stopped() && now.positions > 0);
-  cmdCarryOut.set_enabled(chkOrders.enabled() || chkPositions.enabled());
+  enable_carry_out();
   cmdEnd.set_enabled(stopped());
 }
 
+std::vector<frmStop::Open> frmStop::shown_open() const {
+  std::vector<Open> out;
+  for (const Row& row : lvwOpen)
+    out.push_back(
+        {static_cast<std::int32_t>(row.cell(Column::account).stored_number()), row.text(Column::open)});
+  return out;
+}
+
+void frmStop::enable_carry_out() {
+  const auto wanted = [](const CheckBox& box) { return box.enabled() && box.checked(); };
+  cmdCarryOut.set_enabled(wanted(chkOrders) || wanted(chkPositions));
+}
+
 void frmStop::carry_out() {
-  if (!stopped() || (!chkOrders.checked() && !chkPositions.checked())) return;
+  if (!stopped()) return;
   const LedgerTicket about{.origin = TicketOrigin::stop};
   if (chkOrders.checked()) {
     std::vector<std::pair<CClientAPIManager*, std::int64_t>> orders;
@@ -188,7 +202,7 @@ void frmStop::changed(const PositionBook::Record& position) {
   last_arrival_ = position.arrival;
   const CClientAPIManager* session = sessions_.logged_in(position.account);
   // What a login lists was there before.
-  if (session == nullptr || !session->lists_account() || !stopped()) return;
+  if (session == nullptr || !session->has_positions() || !stopped()) return;
   const std::string text =
       fmt::format("Position #{} of {} lots {} has come on account {} while trading is stopped",
                   position.ticket, number_text(position.amount), position.symbol, position.account);

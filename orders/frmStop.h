@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "books/books.h"
 #include "core/MGeneral.h"
@@ -33,7 +34,7 @@ class frmStop final : public Displayable, public PositionBook::Observer {
   CheckBox chkPositions;
   Button cmdCarryOut{"Carry out"};
   Button cmdEnd{"End the stop"};
-  Button cmdHide{"Close"};
+  Button cmdHide{"Hide"};
   RowList lvwOpen{{"Account", "Open"}};
 
   // Stops at once. `by`: who says so, for the journal and the sign.
@@ -57,6 +58,12 @@ class frmStop final : public Displayable, public PositionBook::Observer {
   Figures figures() const;
   // "12 entry orders and 40 positions of 21.5 lots; 3 accounts are not connected"
   std::string figures_text() const;
+  // What the list shows.
+  struct Open {
+    std::int32_t account = 0;
+    std::string what;
+  };
+  std::vector<Open> shown_open() const;
   // Nothing stands open as far as anybody can tell, and everybody could be asked.
   bool verified_flat() const;
 
@@ -70,6 +77,7 @@ class frmStop final : public Displayable, public PositionBook::Observer {
   void carry_out();
   void end();
   void list_open();
+  void enable_carry_out();
 
   MGeneral& general_;
   CClientAPIManagers& sessions_;

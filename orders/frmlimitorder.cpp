@@ -23,9 +23,6 @@ frmlimitorder::frmlimitorder(MGeneral& general, frmMain& accounts_list, CClientA
   txtatprice.on_edited = [this] { cblimiordertype_Click(); };
   cblimitordersymbols.on_choose = [this] { cblimitordersymbols_Click(); };
   cblimiordertype.on_choose = [this] { cblimiordertype_Click(); };
-  lvwConClients.on_tick = [this](Row& row) { ticked(row); };
-  chkAllClients.on_click = [this] { chkAllClients_Click(); };
-  LblCheck.on_click = [this] { chkAllClients.click(); };
   cmdlimiorderdis.on_click = [this] { Distribute(); };
   cmdsubmitlimiorder.on_click = [this] { cmdsubmitlimiorder_Click(); };
   cmdcancel.on_click = [this] { cmdcancel_Click(); };
@@ -58,14 +55,6 @@ void frmlimitorder::clearresult() {
     row.set_text(Column::result_text, "");
 }
 
-void frmlimitorder::uncheckall() {
-  for (Row& row : lvwConClients) {
-    row.set_checked(false);
-    row.data<EntryRound::RowData>().wanted = false;
-  }
-  rows_.forget_ticks();
-}
-
 void frmlimitorder::symbols_changed() {
   cblimitordersymbols.set_items(symbols_.names());
   market_.choose(cblimitordersymbols.text());
@@ -89,26 +78,6 @@ void frmlimitorder::cblimiordertype_Click() {
   sltpprice();
 }
 
-void frmlimitorder::chkAllClients_Click() {
-  const bool checked = chkAllClients.checked();
-  LblCheck.set_text(checked ? "Uncheck All" : "Check All");
-  if (!checked) return uncheckall();
-  for (Row& row : lvwConClients) {
-    row.set_checked(true);
-    ticked(row);
-  }
-}
-
-void frmlimitorder::ticked(Row& row) {
-  row.data<EntryRound::RowData>().wanted = row.checked();
-  rows_.ticked(row);
-}
-
-void frmlimitorder::tick_all() {
-  if (chkAllClients.checked() && lvwConClients.checked_count() == 0) return chkAllClients_Click();
-  chkAllClients.click();
-}
-
 void frmlimitorder::prices(SymbolHandle symbol, const Symbol&) {
   if (symbol == market_.symbol() && Displayed() && market_.moved()) limitorderpricechange();
 }
@@ -126,8 +95,7 @@ void frmlimitorder::sltpprice() {
 void frmlimitorder::Distribute() {
   if (!symbol_taken(general_, cblimitordersymbols)) return;
   round_.begin();
-  for (Row& row : lvwConClients)
-    row.data<EntryRound::RowData>().wanted = row.checked();
+  ticks_.take_as_wanted();
   Distribution{general_, general_.amount_decimals(), sessions_, *this}.run(
       draft_.lots(), static_cast<std::int16_t>(CBlimitorderdis.index()), cblimitordersymbols.text());
 }
@@ -151,11 +119,9 @@ void frmlimitorder::clearFrmlimit() {
   for (TextBox* box : {&txtlimitorderammount, &txtatprice, &txtsl, &txttp})
     box->set_text("");
   sltpprice();
-  chkAllClients.set_checked(false);
-  LblCheck.set_text("Check All");
   for (Row& row : lvwConClients)
     row.set_text(Column::amount, "");
-  uncheckall();
+  ticks_.reset();
 }
 
 void frmlimitorder::EdirMode(const EditRequest& request) {
@@ -175,8 +141,7 @@ void frmlimitorder::EdirMode(const EditRequest& request) {
   txtsl.set_text(price(request.stop_loss));
   txttp.set_text(price(request.take_profit));
   if (Row* row = rows_.find(request.account)) {
-    row->set_checked(true);
-    row->data<EntryRound::RowData>().wanted = true;
+    EntryTicks::tick(*row);
     row->set_text(Column::amount, txtlimitorderammount.text());
   }
   cblimiordertype_Click();

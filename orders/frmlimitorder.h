@@ -21,6 +21,7 @@
 #include "orders/entry_hints.h"
 #include "orders/entry_market.h"
 #include "orders/entry_round.h"
+#include "orders/entry_ticks.h"
 #include "sessions/desk.h"
 #include "views/frmPending.h"
 
@@ -84,10 +85,8 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   void updateAmount(RowKey account, double amount) { rows_.update_amount(account, amount); }
   void addNote(Row& row, std::string_view text) { row.set_text(Column::result_text, text); }
   void clearresult();
-  void uncheckall();
-  // The operator's command: as a click on the all-accounts box, but where the box is checked while nobody is
-  // ticked, everybody is ticked again.
-  void tick_all();
+  void uncheckall() { ticks_.untick_all(); }
+  void tick_all() { ticks_.tick_all(); }
   // Another window hands a symbol over. The one that is chosen already is not chosen again, and nothing is
   // chosen while something is edited.
   void take_symbol(std::string_view name);
@@ -172,9 +171,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
  private:
   void cblimitordersymbols_Click();
   void cblimiordertype_Click();
-  void chkAllClients_Click();
   void cmdsubmitlimiorder_Click();
-  void ticked(Row& row);
 
   EntryType type() const { return draft_.type(); }
   void set_edit_controls();
@@ -192,6 +189,7 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   CClientAPIManagers& sessions_;
   SymbolCollection& symbols_;
   AccountRows rows_{general_.lots, lvwConClients, txtEditPrice};
+  EntryTicks ticks_{rows_, lvwConClients, chkAllClients, LblCheck};
   EntryRound round_{general_, accounts_list_, sessions_, rows_, edit_stops};
   EntryDraft draft_{general_.locale, cblimiordertype, txtlimitorderammount, txtatprice, txtsl, txttp};
   EntryMarket market_{symbols_};

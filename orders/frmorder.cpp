@@ -218,7 +218,10 @@ void frmorder::send(void (CClientAPIManagers::*function)()) {
 std::optional<double> frmorder::ticked_share(std::int32_t account) const {
   const Row* row = account_row(account);
   if (row == nullptr || !row->checked()) return std::nullopt;
-  return row->cell(Column::amount).number();
+  const Cell& amount = row->cell(Column::amount);
+  // Distribute has rounded what it put there: its text reads the same, and needs not be made for each
+  // account.
+  return amount.is_number() ? amount.stored_number() : amount.number();
 }
 
 void frmorder::request_ended(std::int32_t, RequestCode) {

@@ -24,6 +24,7 @@ CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const Lo
       market_(scope_),
       records_(scope_),
       requests_(scope_, records_, shared.book, shared.gate, *client),
+      unknown_(scope_, requests_.sent(), shared.gate.ledger()),
       windows_(shared.windows),
       book_(shared.book),
       gate_(shared.gate),
@@ -132,7 +133,7 @@ void CClientAPIManager::AllDataAreLoaded() {
     desk.close_positions->add_account(account());
     desk.entry_order->add_account(account());
     desk.close_positions->refresh_symbols();
-    requests_.ask_for_unknown();
+    unknown_.ask();
     if (scope_.record.connected()) {
       desk.accounts->record_connected(*this);
       general.play_sound("\\sounds\\Connect.wav");
@@ -167,7 +168,7 @@ void CClientAPIManager::OrderTimer(const Requote& requote) {
 void CClientAPIManager::SlTpOrderAccepted(std::int64_t order) {
   scope_.log_order(order, "SL/TP request #" + std::to_string(order) + " is accepted");
   // What was closed by it comes without a report.
-  requests_.read_fills(std::chrono::minutes{10});
+  unknown_.read_fills(std::chrono::minutes{10});
 }
 
 void CClientAPIManager::SlTpOrderCanceledNoMoney(std::int64_t order) {

@@ -17,6 +17,7 @@
 #include "sessions/session_records.h"
 #include "sessions/session_requests.h"
 #include "sessions/session_summary.h"
+#include "sessions/session_unknown.h"
 
 namespace tutti {
 
@@ -71,6 +72,8 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
 
   // The lists show what this session told of the account.
   bool lists_account() const { return records_.lists_account(); }
+  // Whatever the account held at its login is listed by now.
+  bool has_positions() const { return records_.has_positions(); }
   // What the session's row of the accounts list shows.
   const AccountEntry& ClientListItem() const { return scope_.record; }
 
@@ -125,11 +128,16 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   // How many requests are still to be answered.
   int unanswered() const { return book_.unanswered(sender()); }
   // Of how many unknown requests the server is asked and has not answered.
-  int asked() const { return requests_.asked(); }
+  int asked() const { return unknown_.asked(); }
   // Gives up waiting: journals every request without a result as unknown. `reason` as the ledger has it.
-  void journal_unanswered(std::string_view reason) { requests_.give_up_all(reason); }
+  void journal_unanswered(std::string_view reason) {
+    gate_.drop_waiting(sender());
+    unknown_.give_up_all(reason);
+  }
   // No word came for one of them in too long.
-  void overdue(SentOrder& request) { requests_.overdue(request); }
+  void overdue(SentOrder& request) { unknown_.overdue(request); }
+  // The operator knows what became of one of them: its row says so.
+  void known(const SentOrder& request) { unknown_.known(request); }
   // An order of the account has ended with the answer to its requote: it is listed no more.
   void order_ended(std::int64_t order) { scope_.orders.remove(order, account()); }
 
@@ -169,10 +177,8 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   void OrderTimer(const Requote& requote) override;
   void PendingOrdersLoaded() override { records_.orders_loaded(); }
   void PosFloatingPLChanged(const OpenPosition& position) override { records_.floating_changed(position); }
-  void RequestTold(RequestId id, RequestState state, double lots) override {
-    requests_.told(id, state, lots);
-  }
-  void ExecutionsTold(std::span<const Execution> fills, bool) override { requests_.fills_told(fills); }
+  void RequestTold(RequestId id, RequestState state, double lots) override { unknown_.told(id, state, lots); }
+  void ExecutionsTold(std::span<const Execution> fills, bool) override { unknown_.fills_told(fills); }
   void ServerRouted(std::string_view address, std::string_view port) override {
     connection_.server_routed(address, port);
   }
@@ -213,6 +219,7 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   SessionMarket market_;
   SessionRecords records_;
   SessionRequests requests_;
+  SessionUnknown unknown_;
   const AccountWindows& windows_;
   RequestBook& book_;
   RequestGate& gate_;

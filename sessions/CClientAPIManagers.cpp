@@ -224,6 +224,8 @@ bool CClientAPIManagers::settle_by_hand(RequestId request, bool executed, std::s
                        .reason = std::string{executed ? hand_filled : hand_not_executed},
                        .note = std::string{note}});
   if (of_entry_window(meant->kind)) desk_.entry_order->request_settled(*meant, meant->account);
+  for (const auto& session : sessions_)
+    if (session->sender() == meant->sender) session->known(*meant);
   general_.log("Request " + std::to_string(request) + " was unknown: settled by hand as " +
                    (executed ? "executed" : "not executed") + ", " + std::string{note},
                meant->account);

@@ -101,6 +101,8 @@ class CClientAPIManagers {
   // The orders of the last Buy or Sell, sorted by account.
   std::span<const SentOrder* const> last_fan_out();
   const RequestBook& requests() const { return requests_; }
+  // See RequestBook::set_patience.
+  void set_patience(std::chrono::milliseconds patience) { requests_.set_patience(patience); }
   // Requests of all sessions that are still to be answered.
   int unanswered() const;
   // Requests of all sessions that nobody knows the outcome of, of those for which `counted` holds.

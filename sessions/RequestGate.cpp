@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "core/for_now.h"
 #include "core/numbers.h"
 #include "sessions/gate_texts.h"
 
@@ -14,27 +15,6 @@ namespace {
 
 // What was asked for in a handler and is not stored by then is dropped: nobody expects it any more.
 constexpr std::chrono::milliseconds too_old{5'000};
-
-std::string not_stored_text(const std::string& why) {
-  return fmt::format(
-      ", since what is not stored must not leave: {}. See to the disk of the application folder, then send "
-      "them again",
-      why);
-}
-
-// The entry order as the broker takes it.
-EntryOrder entry_of(const SentOrder& request) {
-  const bool stop = request.side == operation::buy_stop || request.side == operation::sell_stop;
-  return {.side = buys(request.side) ? operation::buy : operation::sell,
-          .kind = stop ? EntryKind::stop : EntryKind::limit,
-          .symbol_id = request.symbol_id,
-          .amount = request.amount,
-          .price = request.price,
-          .stop_loss = request.stops.stop_loss,
-          .take_profit = request.stops.take_profit,
-          .has_stop_loss = request.stops.has_stop_loss,
-          .has_take_profit = request.stops.has_take_profit};
-}
 
 }  // namespace
 
@@ -46,7 +26,7 @@ RequestGate::RequestGate(RequestBook& book, MGeneral& general, const Books& book
       ledger_(ledger),
       ids_(general.clock),
       admission_(book, general, books, ledger, stop,
-                 [this](Sender sender) -> const AccountClient& { return *senders_[sender - 1].client; }) {
+                 [this](Sender sender) -> const AccountClient& { return ways_.client(sender); }) {
   for (const LedgerUnknown& each : ledger_.unknown()) {
     book_.restore({.number = each.number,
                    .amount = each.lots,
@@ -64,8 +44,7 @@ RequestGate::RequestGate(RequestBook& book, MGeneral& general, const Books& book
 
 Sender RequestGate::join(const LedgerAccount& account, OrderOperations& operations,
                          const AccountClient& client) {
-  senders_.push_back({account.account, &operations, &client});
-  const auto sender = static_cast<Sender>(senders_.size());
+  const Sender sender = ways_.add(account.account, operations, client);
   ledger_.know(sender, account);
   for (const LedgerUnknown& each : ledger_.unknown())
     if (each.account == account) book_.hand_over(each.id, sender);
@@ -74,13 +53,8 @@ Sender RequestGate::join(const LedgerAccount& account, OrderOperations& operatio
 
 void RequestGate::as_one_ticket(const std::function<void()>& ask, const LedgerTicket& about) {
   if (collecting_) return ask();
-  struct Collecting {
-    explicit Collecting(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Collecting() { flag_ = false; }
-    bool& flag_;
-  };
   {
-    const Collecting collecting{collecting_};
+    const ForNow collecting{collecting_, true};
     ask();
   }
   // What is told of these may ask for the next.
@@ -91,116 +65,104 @@ void RequestGate::as_one_ticket(const std::function<void()>& ask, const LedgerTi
 }
 
 void RequestGate::as_retry_of(RequestId request, const std::function<void()>& ask) {
-  struct Retrying {
-    explicit Retrying(RequestId& now) : now_(now) {}
-    ~Retrying() { now_ = 0; }
-    RequestId& now_;
-  };
-  const Retrying retrying{retry_of_};
-  retry_of_ = request;
+  const ForNow retrying{retry_of_, request};
   ask();
 }
 
 SentOrder& RequestGate::make(Sender sender, RequestKind kind) {
-  const Way& way = senders_[sender - 1];
   SentOrder& request = book_.add(ids_.next(), sender, kind);
-  request.account = way.account;
-  request.era = way.client->Era();
+  request.account = ways_.account(sender);
+  request.era = ways_.client(sender).Era();
   request.retry_of = retry_of_;
   request.last_word = general_.clock.elapsed();
   return request;
 }
 
-const SentOrder& RequestGate::ask(SentOrder& noted, Then&& then) {
+const SentOrder& RequestGate::ask(SentOrder& request, Then&& then) {
   // Events may come while a box of the operator's action stands.
   if (collecting_ && !general_.in_handler()) {
-    collected_.add(noted, std::move(then));
-    return noted;
+    collected_.add(request, std::move(then));
+    return request;
   }
   AskedRequests alone;
-  alone.add(noted, std::move(then));
+  alone.add(request, std::move(then));
   submit({}, alone);
-  return noted;
+  return request;
 }
 
 void RequestGate::submit(LedgerTicket about, AskedRequests& asked) {
   if (asked.empty()) return;
-  quote_at_click(about, *asked.requests.front());
   admission_.admit(about, asked);
-  if (!asked.empty()) store_and_send(about, asked);
+  if (!asked.empty()) store_and_send(std::move(about), asked);
 }
 
-void RequestGate::quote_at_click(LedgerTicket& about, const SentOrder& request) const {
-  if (about.price_at_click > 0.0 || request.kind != RequestKind::open || request.symbol == no_symbol) return;
-  const SymbolCollection::Entry& quoted = books_.symbols.entry(request.symbol);
-  about.price_at_click = buys(request.side) ? quoted.ask : quoted.bid;
-  about.quote_age = std::max(general_.clock.now() - quoted.quote_time, std::chrono::milliseconds{0});
-}
-
-void RequestGate::store_and_send(const LedgerTicket& about, AskedRequests& asked) {
+void RequestGate::store_and_send(LedgerTicket about, AskedRequests& asked) {
   const std::size_t all = asked.size();
-  const std::size_t step = all > whole_ticket ? part : all;
+  const std::size_t step = WaitingTicket::step(all);
   const Ledger::Requests requests{asked.requests};
   std::vector<Ledger::Mark> marks;
   for (std::size_t first = 0; first < all; first += step) {
     marks.push_back(ledger_.store(about, requests, requests.subspan(first, std::min(step, all - first)),
                                   marks.empty() ? Ledger::Mark{0} : marks.front(), books_));
   }
-  const std::chrono::milliseconds now = general_.clock.elapsed();
-  if (general_.in_handler() && ledger_.state(marks.back()) == Ledger::Stored::waiting) {
-    waiting_.push_back({marks.back(), now, about, std::move(asked)});
-    return;
+  WaitingTicket ticket{std::move(marks), general_.clock.elapsed(), std::move(about), std::move(asked)};
+  const auto stored =
+      general_.in_handler() ? ledger_.state(ticket.mark()) : ledger_.wait(ticket.mark(), store_within);
+  const bool late = stored == Ledger::Stored::waiting;
+  if (stored == Ledger::Stored::yes) {
+    send_part(ticket);
+  } else if (!late || !general_.in_handler()) {
+    drop(ticket, late ? NotSent::stored_late : NotSent::not_stored,
+         gate_texts::not_stored(
+             late ? fmt::format("the ledger took longer than {} ms to store it", store_within.count())
+                  : ledger_.fault()));
   }
-  for (std::size_t first = 0; first < all; first += step) {
-    const auto stored = ledger_.wait(marks[first / step], store_within);
-    if (stored != Ledger::Stored::yes) {
-      const bool late = stored == Ledger::Stored::waiting;
-      return drop(asked, first, late ? NotSent::stored_late : NotSent::not_stored,
-                  not_stored_text(late ? fmt::format("the ledger took longer than {} ms to store it",
-                                                     store_within.count())
-                                       : ledger_.fault()));
-    }
-    const std::size_t end = std::min(first + step, all);
-    const std::size_t sent = send_all(about, asked, first, end);
-    if (sent == all) return;
-    if (sent < end) queue(about, asked, sent, end, now, false);
+  if (!ticket.done()) {
+    // The operator may act again before the other parts have left: what they close is under way.
+    if (!general_.in_handler())
+      for (std::size_t place = ticket.first; place < all; ++place)
+        book_.note_goes(*ticket.asked.requests[place], general_.clock.elapsed());
+    waiting_.push_back(std::move(ticket));
+  } else {
+    asked = std::move(ticket.asked);  // whose room is used again
   }
 }
 
-std::size_t RequestGate::send_all(const LedgerTicket& about, AskedRequests& asked, std::size_t first,
-                                  std::size_t end) {
-  for (std::size_t place = first; place < end; ++place) {
-    SentOrder& request = *asked.requests[place];
+// What has no turn yet waits behind what has waited longer.
+void RequestGate::send_part(WaitingTicket& ticket) {
+  const std::size_t end = ticket.end();
+  if (queue_.empty() || !TicketJudge::judged(*ticket.asked.requests[ticket.first])) send_up_to(ticket, end);
+  if (ticket.first < end) queue(ticket, end, general_.clock.elapsed(), false);
+}
+
+void RequestGate::send_up_to(WaitingTicket& ticket, std::size_t end) {
+  for (; ticket.first < end; ++ticket.first) {
+    SentOrder& request = *ticket.asked.requests[ticket.first];
     // One that waited was dropped with its connection.
     if (request.settled()) continue;
-    if (const auto refusal = admission_.leaving(request, about)) {
-      drop(asked, place, refusal->why, ": " + refusal->text);
-      return asked.size();
-    }
-    if (waits_for_turn(request)) return place;
+    if (const auto refusal = admission_.leaving(request, ticket.about))
+      return drop(ticket, refusal->why, ": " + refusal->text);
+    if (waits_for_turn(request)) return;
     if (!request.has_left()) book_.note_goes(request, general_.clock.elapsed());
-    if (!send(request, asked.then[place])) {
-      drop(asked, place, NotSent::not_noted, not_stored_text(ledger_.fault()));
-      return asked.size();
-    }
+    if (!send(request, ticket.asked.then[ticket.first]))
+      return drop(ticket, NotSent::not_noted, gate_texts::not_stored(ledger_.fault()));
   }
-  return end;
 }
 
 bool RequestGate::waits_for_turn(const SentOrder& request) const {
-  return TicketJudge::judged(request) &&
-         rate_.next(admission_.limits()[Limit::orders_per_second], general_.clock.elapsed()).has_value();
+  const auto& most = admission_.limits()[Limit::orders_per_second];
+  return most && TicketJudge::judged(request) && rate_.next(most, general_.clock.elapsed()).has_value();
 }
 
-void RequestGate::queue(const LedgerTicket& about, AskedRequests& asked, std::size_t first, std::size_t end,
-                        std::chrono::milliseconds since, bool in_front) {
-  Waiting rest{.since = since, .about = about, .asked = {}};
-  for (std::size_t place = first; place < end; ++place) {
-    SentOrder& request = *asked.requests[place];
+void RequestGate::queue(WaitingTicket& ticket, std::size_t end, std::chrono::milliseconds since,
+                        bool in_front) {
+  WaitingTicket rest{.marks = {}, .since = since, .about = ticket.about, .asked = {}};
+  for (; ticket.first < end; ++ticket.first) {
+    SentOrder& request = *ticket.asked.requests[ticket.first];
     const bool told = request.outcome == SentOrder::Outcome::queued;
     book_.note_kept(request, SentOrder::Outcome::queued, NotSent::turn);
-    if (!told) asked.tell(place);
-    rest.asked.add(request, std::move(asked.then[place]));
+    if (!told) ticket.asked.tell(ticket.first);
+    rest.asked.add(request, std::move(ticket.asked.then[ticket.first]));
   }
   queue_.insert(in_front ? queue_.begin() : queue_.end(), std::move(rest));
 }
@@ -213,65 +175,47 @@ void RequestGate::send_queued() {
     const SentOrder& next = *queue_.front().asked.requests.front();
     if (!old && !next.settled() && waits_for_turn(next) && !admission_.leaving(next, queue_.front().about))
       return;
-    Waiting first = std::move(queue_.front());
+    WaitingTicket first = std::move(queue_.front());
     queue_.pop_front();
+    const std::size_t all = first.asked.size();
     if (old) {
       drop(
-          first.asked, 0, NotSent::turn,
+          first, NotSent::turn,
           fmt::format(": they waited for their turn for {} s, longer than the limit", number_text(*longest)));
-      continue;
+    } else {
+      send_up_to(first, all);
     }
-    const std::size_t all = first.asked.size();
-    const std::size_t sent = send_all(first.about, first.asked, 0, all);
-    if (sent < all) return queue(first.about, first.asked, sent, all, first.since, true);
+    if (!first.done()) return queue(first, all, first.since, true);
   }
 }
 
 std::optional<std::chrono::milliseconds> RequestGate::next_turn() const {
-  if (queue_.empty()) return std::nullopt;
+  constexpr std::chrono::milliseconds soon{2};  // of what is being stored
   const std::chrono::milliseconds now = general_.clock.elapsed();
+  if (!waiting_.empty())
+    return ledger_.state(waiting_.front().mark()) == Ledger::Stored::waiting ? now + soon : now;
+  if (queue_.empty()) return std::nullopt;
   return rate_.next(admission_.limits()[Limit::orders_per_second], now).value_or(now);
 }
 
 void RequestGate::send_held(int number, std::string_view reason) {
-  if (auto ticket = admission_.let_go(number, reason)) store_and_send(ticket->about, ticket->asked);
+  if (auto ticket = admission_.let_go(number, reason))
+    store_and_send(std::move(ticket->about), ticket->asked);
 }
 
 bool RequestGate::send(SentOrder& request, const Then& then) {
-  OrderOperations* to = senders_[request.sender - 1].operations;
-  if (to != nullptr && !ledger_.leaves(request.id)) return false;
+  const bool open = ways_.open(request.sender);
+  if (open && !ledger_.leaves(request.id)) return false;
   request.last_word = general_.clock.elapsed();
   rate_.left(request.last_word);
-  book_.note_code(request, to == nullptr ? request::invalid_account : call(*to, request));
-  if (to == nullptr) {
-    note(request, LedgerState::refused_here, "request code", LedgerEvidence::answer);
-  } else {
+  book_.note_code(request, ways_.call(request));
+  if (open) {
     ledger_.sent(request);
+  } else {
+    note(request, LedgerState::refused_here, "request code", LedgerEvidence::answer);
   }
   if (then) then(request);
   return true;
-}
-
-RequestCode RequestGate::call(OrderOperations& to, const SentOrder& request) {
-  switch (request.kind) {
-    case RequestKind::open:
-      return to.NewMarketOrder(request.side, request.symbol_id, request.amount, "", "", request.id);
-    case RequestKind::close:
-      return to.ClosePosition(std::to_string(request.number), number_text(request.amount), "", request.id);
-    case RequestKind::cancel:
-      return request.stops_of_position ? to.DeleteSLTPOrder(request.number, request.id)
-                                       : to.DeleteEntryOrder(request.number, request.id);
-    case RequestKind::entry:
-      return to.NewEntryOrder(entry_of(request), request.id);
-    case RequestKind::update:
-      return to.UpdateEntryOrder(request.number, request.price, request.stops, request.id);
-    case RequestKind::stops:
-      return to.UpdateSLTP(request.number, request.stops, request.id);
-    case RequestKind::requote:
-      return request.accepts ? to.AcceptRequote(request.number, request.id)
-                             : to.RejectRequote(request.number, request.id);
-  }
-  return request::invalid_account;
 }
 
 void RequestGate::note(const SentOrder& request, LedgerState state, std::string_view reason,
@@ -290,52 +234,56 @@ void RequestGate::drop(SentOrder& request, const Then& then, NotSent why) {
   if (then) then(request);
 }
 
-void RequestGate::drop(AskedRequests& asked, std::size_t first, NotSent why, const std::string& because) {
+void RequestGate::drop(WaitingTicket& ticket, NotSent why, const std::string& because) {
+  const std::size_t all = ticket.asked.size();
   std::size_t dropped = 0;
-  for (std::size_t place = first; place < asked.size(); ++place) {
-    if (asked.requests[place]->settled()) continue;
-    drop(*asked.requests[place], asked.then[place], why);
+  for (; ticket.first < all; ++ticket.first) {
+    SentOrder& request = *ticket.asked.requests[ticket.first];
+    if (request.settled()) continue;
+    drop(request, ticket.asked.then[ticket.first], why);
     ++dropped;
   }
   if (dropped == 0) return;
-  const std::string text = fmt::format("{} of {} requests were not sent{}", dropped, asked.size(), because);
+  const std::string text = fmt::format("{} of {} requests were not sent{}", dropped, all, because);
   general_.log(text, no_account);
   general_.queue_message(text);
 }
 
 void RequestGate::send_stored() {
   if (admission_.look_at_stop()) {
-    for (Waiting& each : std::exchange(queue_, {}))
-      drop(each.asked, 0, NotSent::stopped, ": trading is stopped. End the stop first");
+    for (WaitingTicket& each : std::exchange(queue_, {}))
+      drop(each, NotSent::stopped, ": trading is stopped. End the stop first");
   }
-  while (!waiting_.empty()) {
-    const auto stored = ledger_.state(waiting_.front().mark);
+  for (bool large = false; !large && !waiting_.empty();) {
+    const auto stored = ledger_.state(waiting_.front().mark());
     const bool old = general_.clock.elapsed() - waiting_.front().since >= too_old;
     if (stored == Ledger::Stored::waiting && !old) break;
-    Waiting next = std::move(waiting_.front());
+    // What is told of it may let others wait.
+    WaitingTicket next = std::move(waiting_.front());
     waiting_.pop_front();
     if (stored == Ledger::Stored::yes) {
-      const std::size_t all = next.asked.size();
-      const std::size_t sent = send_all(next.about, next.asked, 0, all);
-      if (sent < all) queue(next.about, next.asked, sent, all, general_.clock.elapsed(), false);
+      large = next.marks.size() > 1;
+      send_part(next);
+      if (!next.done()) waiting_.push_front(std::move(next));
     } else {
-      drop(next.asked, 0, old ? NotSent::stored_late : NotSent::not_stored,
-           not_stored_text(old ? "the ledger did not store them in time" : ledger_.fault()));
+      drop(next, old ? NotSent::stored_late : NotSent::not_stored,
+           gate_texts::not_stored(old ? "the ledger did not store them in time" : ledger_.fault()));
     }
   }
   send_queued();
 }
 
 void RequestGate::wait_for_stored() {
-  if (!waiting_.empty()) ledger_.wait(waiting_.back().mark, store_within);
+  while (!waiting_.empty() && ledger_.wait(waiting_.front().mark(), store_within) != Ledger::Stored::waiting)
+    send_stored();
   send_stored();
 }
 
 void RequestGate::drop_waiting(Sender sender) {
   admission_.drop_held(sender);
-  for (const std::deque<Waiting>* list : {&waiting_, &queue_}) {
-    for (const Waiting& each : *list) {
-      for (std::size_t place = 0; place < each.asked.size(); ++place) {
+  for (const std::deque<WaitingTicket>* list : {&waiting_, &queue_}) {
+    for (const WaitingTicket& each : *list) {
+      for (std::size_t place = each.first; place < each.asked.size(); ++place) {
         SentOrder& request = *each.asked.requests[place];
         if (request.sender == sender && !request.settled())
           drop(request, each.asked.then[place], NotSent::account_gone);

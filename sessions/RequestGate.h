@@ -6,7 +6,6 @@
 #include <functional>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 #include "books/books.h"
 #include "books/request_book.h"
@@ -17,18 +16,18 @@
 #include "limits/send_rate.h"
 #include "sessions/admission.h"
 #include "sessions/asked_requests.h"
-#include "sessions/contract/account_client.h"
-#include "sessions/contract/codes.h"
-#include "sessions/contract/order_operations.h"
+#include "sessions/order_ways.h"
+#include "sessions/waiting_ticket.h"
 
 namespace tutti {
 
-// The only way out: the one holder of what sends. Every request gets its id here, is in the request book and
+// The only way out: it alone has the ways to send. Every request gets its id here, is in the request book and
 // stored in the ledger before it leaves, and noted once more as it leaves.
 //
 // What the operator asks for has left, or was dropped, when the call returns: it waits for the ledger, so
-// long at most. What is asked for in a handler, which never waits, is queued and leaves once it is stored.
-// What can't be stored is dropped, and the operator is told so once.
+// long at most. Of a large ticket that is its first part; the others leave one after the other with the calls
+// of send_stored, so that nobody waits for all of them. What is asked for in a handler, which never waits, is
+// queued and leaves once it is stored. What can't be stored is dropped, and the operator is told so once.
 //
 // Limits and the stop are judged before a ticket is stored and as each request leaves. What too many requests
 // within a second keep waiting leaves when its turn comes; closes and cancels don't wait.
@@ -38,9 +37,6 @@ class RequestGate {
  public:
   // So long a click waits for the ledger.
   static constexpr std::chrono::milliseconds store_within{250};
-  // Of more requests than `whole_ticket` each part of so many is stored before it leaves.
-  static constexpr std::size_t whole_ticket = 1000;
-  static constexpr std::size_t part = 500;
 
   using Then = AskedRequests::Then;
 
@@ -51,7 +47,7 @@ class RequestGate {
   // of the account's earlier requests.
   Sender join(const LedgerAccount& account, OrderOperations& operations, const AccountClient& client);
   // Whatever it is asked to send from now on is refused with request::invalid_account.
-  void leave(Sender sender) { senders_[sender - 1].operations = nullptr; }
+  void leave(Sender sender) { ways_.close(sender); }
 
   // What `ask` asks for is one ticket: stored together, then sent in that order, before this returns. `about`
   // tells the prices at the click where they count; the rest the requests say.
@@ -81,7 +77,7 @@ class RequestGate {
   void send_stored();
   // The same for all of it, once it is stored, for who has nothing else to do.
   void wait_for_stored();
-  // When the next that waits for its turn may leave, by the clock's elapsed time; nothing while none waits.
+  // When to call send_stored again, by the clock's elapsed time; nothing while nothing waits.
   std::optional<std::chrono::milliseconds> next_turn() const;
   // Sends a held ticket after all; see Admission::let_go.
   void send_held(int number, std::string_view reason);
@@ -92,33 +88,21 @@ class RequestGate {
   Admission& admission() { return admission_; }
 
  private:
-  struct Way {
-    std::int32_t account = 0;
-    OrderOperations* operations = nullptr;
-    const AccountClient* client = nullptr;
-  };
-  struct Waiting {
-    Ledger::Mark mark = 0;
-    std::chrono::milliseconds since{0};
-    LedgerTicket about{};
-    AskedRequests asked;
-  };
-
   SentOrder& make(Sender sender, RequestKind kind);
   const SentOrder& ask(SentOrder& request, Then&& then);
   void submit(LedgerTicket about, AskedRequests& asked);
-  void store_and_send(const LedgerTicket& about, AskedRequests& asked);
-  void quote_at_click(LedgerTicket& about, const SentOrder& request) const;
-  static RequestCode call(OrderOperations& to, const SentOrder& request);
+  void store_and_send(LedgerTicket about, AskedRequests& asked);
+  void send_part(WaitingTicket& ticket);
   // False when nothing more may leave, for want of a note of it.
   bool send(SentOrder& request, const Then& then);
-  // Answers up to where they were sent or dropped: the rest waits for its turn.
-  std::size_t send_all(const LedgerTicket& about, AskedRequests& asked, std::size_t first, std::size_t end);
+  // Stops at what waits for its turn.
+  void send_up_to(WaitingTicket& ticket, std::size_t end);
   bool waits_for_turn(const SentOrder& request) const;
-  void queue(const LedgerTicket& about, AskedRequests& asked, std::size_t first, std::size_t end,
-             std::chrono::milliseconds since, bool in_front);
+  // `since`: when what waits for its turn began to wait.
+  void queue(WaitingTicket& ticket, std::size_t end, std::chrono::milliseconds since, bool in_front);
   void send_queued();
-  void drop(AskedRequests& asked, std::size_t first, NotSent why, const std::string& text);
+  // What of it has not left.
+  void drop(WaitingTicket& ticket, NotSent why, const std::string& because);
   void drop(SentOrder& request, const Then& then, NotSent why);
   void note(const SentOrder& request, LedgerState state, std::string_view reason, LedgerEvidence evidence);
 
@@ -127,13 +111,13 @@ class RequestGate {
   const Books& books_;
   Ledger& ledger_;
   RequestIds ids_;
-  std::vector<Way> senders_;  // sender n at n - 1
-  RequestId retry_of_ = 0;    // of what is asked for now
+  OrderWays ways_;
+  RequestId retry_of_ = 0;  // of what is asked for now
   bool collecting_ = false;
   AskedRequests collected_;
-  AskedRequests spare_;          // room for the next ticket
-  std::deque<Waiting> waiting_;  // asked for in handlers
-  std::deque<Waiting> queue_;    // stored, and waits for its turn
+  AskedRequests spare_;                // room for the next ticket
+  std::deque<WaitingTicket> waiting_;  // asked for in handlers, and what is left of large tickets
+  std::deque<WaitingTicket> queue_;    // stored, and waits for its turn
   SendRate rate_;
   Admission admission_;
 };

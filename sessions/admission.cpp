@@ -27,6 +27,7 @@ Admission::Admission(RequestBook& book, MGeneral& general, const Books& books, L
       judge_(books, book, general.clock, ledger, std::move(client_of)) {}
 
 void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
+  quote_at_click(about, *asked.requests.front());
   if (stop_.stopped()) {
     const AskedRequests refused =
         asked.take_out([&](const SentOrder& each) { return !passes_stop(each, about); });
@@ -51,6 +52,13 @@ void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
                  no_account);
   }
   if (!asked.empty()) judge_.note(asked.requests);
+}
+
+void Admission::quote_at_click(LedgerTicket& about, const SentOrder& request) const {
+  if (about.price_at_click > 0.0 || request.kind != RequestKind::open || request.symbol == no_symbol) return;
+  const SymbolCollection::Entry& quoted = books_.symbols.entry(request.symbol);
+  about.price_at_click = buys(request.side) ? quoted.ask : quoted.bid;
+  about.quote_age = std::max(general_.clock.now() - quoted.quote_time, std::chrono::milliseconds{0});
 }
 
 bool Admission::passes_stop(const SentOrder& request, const LedgerTicket& about) const {

@@ -27,6 +27,7 @@ class Admission {
             TicketJudge::ClientOf client_of);
 
   // Leaves in `asked` what may be stored and sent, which may be nothing; what is held or refused is told.
+  // Notes the quote of this moment in `about`, unless it has one.
   void admit(LedgerTicket& about, AskedRequests& asked);
   // Why a request that is stored may not leave now; nothing: it may.
   struct Refusal {
@@ -54,6 +55,7 @@ class Admission {
   std::function<void()> on_held;
 
  private:
+  void quote_at_click(LedgerTicket& about, const SentOrder& request) const;
   bool passes_stop(const SentOrder& request, const LedgerTicket& about) const;
   void hold(LedgerTicket about, AskedRequests asked, TicketJudge::Breaches breaches, NotSent why);
   void refuse(const LedgerTicket& about, const AskedRequests& asked, NotSent why);

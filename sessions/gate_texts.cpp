@@ -1,5 +1,7 @@
 #include "sessions/gate_texts.h"
 
+#include <fmt/format.h>
+
 namespace tutti::gate_texts {
 namespace {
 
@@ -42,6 +44,13 @@ std::string_view row(const SentOrder& request) {
 
 std::string_view reason(NotSent why) {
   return of(why).reason;
+}
+
+std::string not_stored(const std::string& why) {
+  return fmt::format(
+      ", since what is not stored must not leave: {}. See to the disk of the application folder, then send "
+      "them again",
+      why);
 }
 
 }  // namespace tutti::gate_texts

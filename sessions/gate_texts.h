@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "books/sent_order.h"
@@ -10,5 +11,7 @@ namespace tutti::gate_texts {
 std::string_view row(const SentOrder& request);
 // What the ledger has as the reason.
 std::string_view reason(NotSent why);
+// The end of "... were not sent", of what the ledger could not store.
+std::string not_stored(const std::string& why);
 
 }  // namespace tutti::gate_texts

@@ -232,4 +232,30 @@ std::string_view told(RequestState state) {
   return {};
 }
 
+std::string_view learnt(SentOrder::Outcome outcome) {
+  switch (outcome) {
+    case SentOrder::Outcome::accepted:
+      return "Executed, as is known now";
+    case SentOrder::Outcome::partly:
+      return "Executed in part, as is known now";
+    case SentOrder::Outcome::refused:
+      return "Not executed, as is known now";
+    case SentOrder::Outcome::pending:
+      return "With the dealer, as is known now";
+    default:
+      return "unknown";
+  }
+}
+
+std::string_view learnt_of_cancel(SentOrder::Outcome outcome) {
+  switch (outcome) {
+    case SentOrder::Outcome::accepted:
+      return "Its cancel was carried out, as is known now";
+    case SentOrder::Outcome::refused:
+      return "Its cancel was not carried out, as is known now";
+    default:
+      return "The outcome of its cancel is unknown";
+  }
+}
+
 }  // namespace tutti::result_texts

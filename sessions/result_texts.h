@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "books/sent_order.h"
 #include "sessions/contract/codes.h"
 #include "sessions/contract/request_state.h"
 
@@ -34,5 +35,9 @@ std::string_view type_word(Operation operation);
 
 // What the server says of a request that it was asked for: "was executed".
 std::string_view told(RequestState state);
+// What the row of a request says whose outcome was unknown and has become known by other ways than its
+// answer; and that of an order whose cancel it was.
+std::string_view learnt(SentOrder::Outcome outcome);
+std::string_view learnt_of_cancel(SentOrder::Outcome outcome);
 
 }  // namespace tutti::result_texts

@@ -57,12 +57,18 @@ void take_fill(LedgerEvent& event, const OrderReport& report, const SessionScope
 
 }  // namespace
 
+SentOrder* SentRequests::named(RequestId id, RequestKind kind) {
+  SentOrder* request = named(id);
+  return request != nullptr && request->kind == kind ? request : nullptr;
+}
+
 SentOrder* SentRequests::closing(const OrderReport& report) {
-  return change(RequestKind::close, report.number, report.id);
+  if (report.id != 0) return named(report.id, RequestKind::close);
+  return book_.fitting(sender_, {.kind = RequestKind::close, .number = report.number, .lots = report.amount});
 }
 
 SentOrder* SentRequests::opening(const OrderReport& report) {
-  if (report.id != 0) return named(report.id);
+  if (report.id != 0) return named(report.id, RequestKind::open);
   return book_.fitting(sender_, {.kind = RequestKind::open,
                                  .number = report.number,
                                  .symbol = scope_.symbols.find(report.symbol),
@@ -72,21 +78,23 @@ SentOrder* SentRequests::opening(const OrderReport& report) {
 
 // What is told of an order that went through dealing names a number that was told before.
 SentOrder* SentRequests::dealt(const OrderReport& report) {
-  if (report.id != 0) return named(report.id);
+  if (report.id != 0) return named(report.id, RequestKind::open);
   const SentOrder* known = book_.last(sender_, RequestKind::open, report.number);
   return known == nullptr ? nullptr : named(known->id);
 }
 
 SentOrder* SentRequests::change(RequestKind kind, std::int64_t order, RequestId id) {
-  return id != 0 ? named(id) : book_.fitting(sender_, {.kind = kind, .number = order});
+  return id != 0 ? named(id, kind) : book_.fitting(sender_, {.kind = kind, .number = order});
 }
 
 SentOrder* SentRequests::entry(std::int64_t order, ResultCode code, RequestId id) {
-  return id != 0 ? named(id) : unnamed_entry(order, code);
+  return id != 0 ? named(id, RequestKind::entry) : unnamed_entry(order, code);
 }
 
-SentOrder* SentRequests::stops(std::int64_t order, ResultCode code, RequestId id) {
-  return id != 0 ? named(id) : unnamed_stops(order, code);
+bool SentRequests::settle_stops(std::int64_t order, ResultCode code, RequestId id) {
+  const bool settled = settle(id != 0 ? named(id, RequestKind::stops) : unnamed_stops(order, code), code);
+  if (settled) stops_told_.insert(order);
+  return settled;
 }
 
 // The answer names no more than a number. That of a success is known to the server, as an order or as the
@@ -125,7 +133,8 @@ SentOrder* SentRequests::unnamed_stops(std::int64_t order, ResultCode code) {
   if (SentOrder* had = only([&](const SentOrder& o) { return o.stops_order == order; })) return had;
   if (const PendingOrder* placed = records_.pending_order(order))
     return only([&](const SentOrder& o) { return o.number == placed->reference; });
-  if (code == result::succeeded) return nullptr;
+  // A refusal that comes again is that of the stops it was told of.
+  if (code == result::succeeded || stops_told_.contains(order)) return nullptr;
   return only([&](const SentOrder& o) {
     return o.stops_order == 0 || records_.pending_order(o.stops_order) == nullptr;
   });

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include <tsl/robin_set.h>
+
 #include "books/request_book.h"
 #include "ledger/ledger.h"
 #include "sessions/contract/request_state.h"
@@ -28,9 +30,10 @@ class SentRequests {
   SentOrder* closing(const OrderReport& report);
   // Of the answers that tell no more than an order number and a result code.
   SentOrder* entry(std::int64_t order, ResultCode code, RequestId id);
-  SentOrder* stops(std::int64_t order, ResultCode code, RequestId id);
   SentOrder* change(RequestKind kind, std::int64_t order, RequestId id);
   SentOrder* named(RequestId id) { return book_.named(scope_.account, id); }
+  // An id of another kind of request names none.
+  SentOrder* named(RequestId id, RequestKind kind);
 
   // What became of it; `order` as in RequestBook::settle. False, and nothing changed, where nothing is meant
   // or the outcome is known already: a word that comes again or too late. What was given up it settles after
@@ -39,6 +42,8 @@ class SentRequests {
   // No more is waited for; `reason` is the ledger's.
   void give_up(SentOrder& request, std::string_view reason);
   bool settle(SentOrder* meant, ResultCode code) { return settle(meant, code, SentOrder::outcome_of(code)); }
+  // The same of the stops that the answer means, which names their order.
+  bool settle_stops(std::int64_t order, ResultCode code, RequestId id);
   // The same with what the report says was filled; a fill that is told again changes nothing.
   bool settle(SentOrder* meant, const OrderReport& report);
   bool settle(SentOrder* meant, const OrderReport& report, ResultCode code, SentOrder::Outcome outcome);
@@ -74,6 +79,7 @@ class SentRequests {
   RequestBook& book_;
   Ledger& ledger_;
   Sender sender_;
+  tsl::robin_set<std::int64_t> stops_told_;  // orders of stops that were answered
 };
 
 }  // namespace tutti

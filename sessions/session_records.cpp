@@ -63,6 +63,7 @@ void SessionRecords::positions_loaded() {
   for (int index = 1; index <= scope_.client.OpenPositionCount(); ++index) {
     if (const OpenPosition* item = scope_.client.OpenPositionItem(index)) position(*item);
   }
+  has_positions_ = true;
 }
 
 void SessionRecords::position(const OpenPosition& position) {

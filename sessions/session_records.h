@@ -14,7 +14,12 @@ class SessionRecords {
   // The lists show what this session told of the account; they may show what another user name of the
   // account number told as well.
   bool lists_account() const { return lists_account_; }
-  void lists_account(bool lists) { lists_account_ = lists; }
+  void lists_account(bool lists) {
+    lists_account_ = lists;
+    if (!lists) has_positions_ = false;
+  }
+  // All that the account held at the login is in the book: what comes from now on is new.
+  bool has_positions() const { return has_positions_; }
 
   // As the library has them; nullptr when it has none with this number. Valid until its next event.
   const PendingOrder* pending_order(std::int64_t order) const;
@@ -38,6 +43,7 @@ class SessionRecords {
  private:
   SessionScope& scope_;
   bool lists_account_ = false;
+  bool has_positions_ = false;
 };
 
 }  // namespace tutti

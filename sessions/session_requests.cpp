@@ -1,7 +1,5 @@
 #include "sessions/session_requests.h"
 
-#include <algorithm>
-
 #include "core/numbers.h"
 #include "core/texts.h"
 #include "sessions/result_texts.h"
@@ -19,20 +17,6 @@ constexpr std::string_view alert = "\\sounds\\Alert.wav";
 std::string accepted_text(const OrderReport& report) {
   return "Order #" + std::to_string(report.number) + " [" + (buys(report.operation) ? "BUY" : "SELL") + " " +
          number_text(report.amount) + " " + report.symbol + "] has been accepted";
-}
-
-// "BUY 0.5 EURUSD"
-std::string words(const SentOrder& order, const SymbolCollection& symbols) {
-  return (buys(order.side) ? "BUY " : "SELL ") + number_text(order.amount) + " " +
-         (order.symbol == no_symbol ? "" : symbols.entry(order.symbol).name);
-}
-
-// "Order BUY 0.5 EURUSD", "The request for #12"
-std::string request_words(const SentOrder& request, const SymbolCollection& symbols) {
-  if (request.kind == RequestKind::open) return "Order " + std::string{trim(words(request, symbols))};
-  if (request.kind == RequestKind::entry)
-    return "Entry order " + std::string{trim(words(request, symbols))} + " at " + number_text(request.price);
-  return "The request for #" + std::to_string(request.number);
 }
 
 PendingOrder in_dealing(const OrderReport& report, std::int32_t account, OrderKind kind, TimePoint now) {
@@ -177,7 +161,7 @@ bool SessionRequests::delete_entry(std::int64_t order, ResultCode code, RequestI
 }
 
 bool SessionRequests::new_stops(std::int64_t order, ResultCode code, RequestId id) {
-  const bool ours = sent_.settle(sent_.stops(order, code, id), code);
+  const bool ours = sent_.settle_stops(order, code, id);
   scope_.log_order(order, result_texts::new_stops_line(order));
   const std::string_view refusal = result_texts::new_stops(code);
   if (!refusal.empty()) scope_.log_order(order, refusal);
@@ -188,7 +172,7 @@ bool SessionRequests::new_stops(std::int64_t order, ResultCode code, RequestId i
 }
 
 bool SessionRequests::update_stops(std::int64_t order, ResultCode code, RequestId id) {
-  const bool ours = sent_.settle(sent_.stops(order, code, id), code);
+  const bool ours = sent_.settle_stops(order, code, id);
   scope_.log("Updating SL/TP order #" + std::to_string(order) + " result #" +
              std::string{result_texts::general(code)});
   if (ours && code == result::succeeded)
@@ -206,7 +190,8 @@ bool SessionRequests::delete_stops(std::int64_t order, ResultCode code, RequestI
 void SessionRequests::entry_executed(const OrderReport& report) {
   // It was placed, then, whether that was told or not.
   if (report.id != 0)
-    sent_.settle(sent_.named(report.id), result::succeeded, Outcome::accepted, report.number);
+    sent_.settle(sent_.named(report.id, RequestKind::entry), result::succeeded, Outcome::accepted,
+                 report.number);
   sent_.entry_executed(report);
   scope_.orders.remove(report.number, scope_.account);
   scope_.log("Entry Order " + std::to_string(report.number) + " [" +
@@ -220,58 +205,6 @@ void SessionRequests::entry_cancelled(std::int64_t order, std::int32_t account, 
   scope_.desk.pending->order_text(order, scope_.account, text);
   sent_.entry_cancelled(order, trim(why));
   scope_.tell(text);
-}
-
-void SessionRequests::give_up(SentOrder& request, std::string_view reason) {
-  if (request.settled()) return;
-  const std::string what = request_words(request, scope_.symbols);
-  sent_.give_up(request, reason);
-  if (request.kind == RequestKind::requote) return;  // the order that it is for is told of
-  scope_.log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
-             std::to_string(scope_.account));
-}
-
-void SessionRequests::overdue(SentOrder& request) {
-  give_up(request, "late");
-  constexpr std::string_view text = "unknown";
-  if (request.kind == RequestKind::open && sent_.has_row(&request))
-    scope_.desk.market_order->result(text, scope_.account);
-  if (request.kind == RequestKind::cancel)
-    scope_.desk.pending->order_text(request.number, scope_.account, "The outcome of its cancel is unknown");
-  if (request.kind == RequestKind::close)
-    scope_.desk.close_positions->result(request.number, scope_.account, text);
-}
-
-void SessionRequests::ask_for_unknown() {
-  asked_ = 0;
-  for (const SentOrder* request : sent_.unknown())
-    if (scope_.client.AskRequest(request->id, request->era) == request::taken) ++asked_;
-}
-
-void SessionRequests::told(RequestId id, RequestState state, double lots) {
-  asked_ = std::max(asked_ - 1, 0);
-  SentOrder* request = sent_.named(id);
-  if (request == nullptr || !sent_.told(*request, state, lots)) return;
-  scope_.log(request_words(*request, scope_.symbols) + " was unknown: the server says that it " +
-             std::string{result_texts::told(state)});
-  // At what price, its answer would have told.
-  if (lots > 0.0) read_fills(std::chrono::hours{24});
-}
-
-void SessionRequests::read_fills(std::chrono::milliseconds of_late) {
-  if (scope_.client.AskExecutions(scope_.general.clock.now() - of_late) == request::taken) ++asked_;
-}
-
-void SessionRequests::fills_told(std::span<const Execution> fills) {
-  asked_ = std::max(asked_ - 1, 0);
-  for (const Execution& fill : fills)
-    sent_.fill_told(fill);
-}
-
-void SessionRequests::give_up_all(std::string_view reason) {
-  gate_.drop_waiting(sender_);
-  for (SentOrder* request : sent_.open())
-    give_up(*request, reason);
 }
 
 LedgerAccount SessionRequests::identity(const AccountEntry& record) {

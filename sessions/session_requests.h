@@ -1,8 +1,6 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,6 +26,7 @@ class SessionRequests {
         sent_(scope, records, book, gate.ledger(), sender_) {}
 
   Sender sender() const { return sender_; }
+  SentRequests& sent() { return sent_; }
   // Who a session's account is in the ledger.
   static LedgerAccount identity(const AccountEntry& record);
   // The session is over: nothing goes out any more.
@@ -46,25 +45,8 @@ class SessionRequests {
   // What prices set off; no request is meant.
   void entry_executed(const OrderReport& report);
   void entry_cancelled(std::int64_t order, std::int32_t account, std::string_view why);
-  // Asks what became of those that nobody knows the outcome of. To be called once the account's data are
-  // there.
-  void ask_for_unknown();
-  // What the broker answers to that.
-  void told(RequestId id, RequestState state, double lots);
-  // Reads back what was filled of late and brings no report with it. What comes twice is kept once.
-  void read_fills(std::chrono::milliseconds of_late);
-  void fills_told(std::span<const Execution> fills);
-  // How many of these answers are still to come.
-  int asked() const { return asked_; }
   // The countdown of a requote: the dealer has the order.
   void requote_tick(const Requote& requote) { sent_.dealer_has(requote.order); }
-
-  // Gives up waiting for it, journaled: its outcome is unknown. `reason`: "late" or "lost", for the ledger.
-  void give_up(SentOrder& request, std::string_view reason);
-  // The same for all that have left; the others are dropped.
-  void give_up_all(std::string_view reason);
-  // The same for one that no word came for in too long while the connection stands: its row says so.
-  void overdue(SentOrder& request);
 
  private:
   // Journal, messages, and the position's row in the close positions window when the close is `ours`.
@@ -74,7 +56,6 @@ class SessionRequests {
   SessionRecords& records_;
   RequestGate& gate_;
   Sender sender_;
-  int asked_ = 0;
   SentRequests sent_;
 };
 

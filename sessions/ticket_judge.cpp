@@ -67,8 +67,10 @@ limits::RequestFigures TicketJudge::market_figures(const SentOrder& request, con
 }
 
 limits::RequestFigures TicketJudge::figures(const SentOrder& request, const LedgerTicket& about) const {
+  limits::RequestFigures out{.account = request.account, .lots = request.amount};
   double newest = 0.0;
-  limits::RequestFigures out = market_figures(request, about, newest);
+  if (limits::wants_quote(limits_) || limits::wants_value(limits_))
+    out = market_figures(request, about, newest);
   if (!opens(request)) return out;
   if (limits::wants_equity(limits_)) {
     const SummaryAnswer answer = client_of_(request.sender).GetAccountSummary(request.account);
@@ -91,10 +93,13 @@ limits::TicketFigures TicketJudge::figures(Requests ticket, const LedgerTicket& 
   const auto same = [&](std::chrono::milliseconds since) {
     out.since_same = out.since_same ? std::min(*out.since_same, since) : since;
   };
-  const std::uint64_t own = limits_[Limit::same_ticket] ? digest(ticket) : 0;
-  for (const Past& each : past_) {
-    if (now - each.time < minute) ++out.tickets_in_minute;
-    if (each.digest == own) same(now - each.time);
+  if (limits_[Limit::same_ticket]) {
+    if (const auto at = last_same_.find(digest(ticket)); at != last_same_.end()) same(now - at->second);
+  }
+  if (limits_[Limit::tickets_per_minute]) {
+    const auto earlier = [&](const Past& each) { return now - each.time >= minute; };
+    const auto first = std::find_if(past_.rbegin(), past_.rend(), earlier);
+    out.tickets_in_minute = static_cast<int>(first - past_.rbegin());
   }
   for (const LedgerPastTicket& each : ledger_.recent()) {
     // Of a clock that was set back it was just now.
@@ -115,21 +120,34 @@ bool TicketJudge::may_be(const LedgerPastTicket& earlier, Requests ticket) const
 }
 
 std::uint64_t TicketJudge::digest(Requests ticket) {
-  std::uint64_t out = 14695981039346656037U;
-  const auto add = [&out](std::uint64_t value) { out = (out ^ value) * 1099511628211U + (value >> 32); };
+  // Of each request alone and then added up, so that none waits for the one before.
+  const auto mixed = [](std::uint64_t value, std::uint64_t by) {
+    const std::uint64_t product = value * by;
+    return product ^ product >> 29;
+  };
+  const auto of_figure = [&](double value, std::uint64_t by) {
+    return mixed(std::bit_cast<std::uint64_t>(value), by);
+  };
+  std::uint64_t out = ticket.size();
   for (const SentOrder* each : ticket) {
-    add(static_cast<std::uint64_t>(each->kind));
-    add(static_cast<std::uint64_t>(each->account));
-    add(static_cast<std::uint64_t>(each->symbol));
-    add(static_cast<std::uint64_t>(format_as(each->side)));
-    add(static_cast<std::uint64_t>(each->number));
-    for (const double value : {each->amount, each->price, each->stops.stop_loss, each->stops.take_profit})
-      add(std::bit_cast<std::uint64_t>(value));
+    const auto account = static_cast<std::uint64_t>(each->account) << 32;
+    const auto kind = static_cast<std::uint64_t>(each->kind) << 32;
+    std::uint64_t own = mixed(account | static_cast<std::uint32_t>(each->symbol), 0x9E3779B97F4A7C15U) +
+                        mixed(kind | static_cast<std::uint32_t>(format_as(each->side)), 0xC2B2AE3D27D4EB4FU) +
+                        of_figure(each->amount, 0xD6E8FEB86659FD93U);
+    if (each->kind != RequestKind::open) {
+      own += mixed(static_cast<std::uint64_t>(each->number), 0xFF51AFD7ED558CCDU) +
+             of_figure(each->price, 0xC4CEB9FE1A85EC53U) +
+             of_figure(each->stops.stop_loss, 0x87C37B91114253D5U) +
+             of_figure(each->stops.take_profit, 0x4CF5AD432745937FU);
+    }
+    out += mixed(own, 0x9E3779B97F4A7C15U);
   }
   return out;
 }
 
 TicketJudge::Breaches TicketJudge::judge(Requests ticket, const LedgerTicket& about) const {
+  if (limits_ == Limits{}) return {};
   std::vector<limits::RequestFigures> requests;
   requests.reserve(ticket.size());
   std::vector<limits::RequestFigures> changes;  // have no lots of their own
@@ -147,8 +165,7 @@ TicketJudge::Breaches TicketJudge::judge(Requests ticket, const LedgerTicket& ab
 
 std::optional<limits::Breach> TicketJudge::judge_leaving(const SentOrder& request,
                                                          const LedgerTicket& about) const {
-  if (!judged(request) || (!limits_[Limit::quote_age] && !limits_[Limit::price_distance]))
-    return std::nullopt;
+  if (!judged(request) || !limits::wants_quote(limits_)) return std::nullopt;
   double newest = 0.0;
   return limits::judge_leaving(limits_, market_figures(request, about, newest));
 }
@@ -156,9 +173,17 @@ std::optional<limits::Breach> TicketJudge::judge_leaving(const SentOrder& reques
 void TicketJudge::note(Requests ticket) {
   if (std::none_of(ticket.begin(), ticket.end(), [](const SentOrder* each) { return judged(*each); })) return;
   const std::chrono::milliseconds now = clock_.elapsed();
-  while (!past_.empty() && past_.front().time + longest_memory < now)
-    past_.pop_front();
+  forget_before(now - longest_memory);
   past_.push_back({now, digest(ticket)});
+  last_same_[past_.back().digest] = now;
+}
+
+void TicketJudge::forget_before(std::chrono::milliseconds time) {
+  for (; !past_.empty() && past_.front().time < time; past_.pop_front()) {
+    const auto at = last_same_.find(past_.front().digest);
+    // It may have been sent again since.
+    if (at != last_same_.end() && at->second == past_.front().time) last_same_.erase(at);
+  }
 }
 
 }  // namespace tutti

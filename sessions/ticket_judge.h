@@ -9,6 +9,8 @@
 #include <span>
 #include <vector>
 
+#include <tsl/robin_map.h>
+
 #include "books/books.h"
 #include "books/request_book.h"
 #include "core/clock.h"
@@ -56,6 +58,7 @@ class TicketJudge {
     std::chrono::milliseconds time{0};  // elapsed
     std::uint64_t digest = 0;
   };
+  void forget_before(std::chrono::milliseconds time);
 
   std::string symbol_of(const SentOrder& request) const;
   std::string symbol_of_unknown(const SentOrder& request) const;
@@ -72,7 +75,8 @@ class TicketJudge {
   const Clock& clock_;
   const Ledger& ledger_;
   ClientOf client_of_;
-  std::deque<Past> past_;  // of this run, of the last hour
+  std::deque<Past> past_;                                               // of this run, of the last hour
+  tsl::robin_map<std::uint64_t, std::chrono::milliseconds> last_same_;  // of these, by digest
   Limits limits_;
 };
 

@@ -253,6 +253,9 @@ TEST(EntryOrders, AnswersFindTheirRequests) {
   desk.main->poll_timers();
   EXPECT_EQ(session.unanswered(), 0);
   EXPECT_EQ(desk.rows() + desk.answers(), "- unknown|1 unknown, 1 unknown of earlier rounds");
+  client.sink->RequestTold(session.last_entry().id, RequestState::working, 0.0);
+  EXPECT_EQ(desk.rows() + desk.answers(),
+            "- Executed, as is known now|1 accepted, 1 unknown of earlier rounds");
 
   // An order that was executed while it was being cancelled: its number is the ticket's now.
   session.cancel_order(22, false);
@@ -265,6 +268,12 @@ TEST(EntryOrders, AnswersFindTheirRequests) {
   session.set_stops(6, {}, 0);
   session.set_stops(7, {}, 0);
   client.sink->NewSLTPOrderResult(32, result::market_conditions);
+  EXPECT_EQ(session.sent_request(RequestKind::stops, 6)->outcome, SentOrder::Outcome::refused);
+  // Told twice, it settles no other.
+  session.set_stops(6, {}, 0);
+  client.sink->NewSLTPOrderResult(32, result::market_conditions);
+  EXPECT_EQ(session.sent_request(RequestKind::stops, 6)->outcome, SentOrder::Outcome::waiting);
+  client.sink->NewSLTPOrderResult(33, result::market_conditions);
   EXPECT_EQ(session.sent_request(RequestKind::stops, 6)->outcome, SentOrder::Outcome::refused);
   client.sink->UpdateSLTPOrderResult(31, result::succeeded);
   EXPECT_EQ(session.sent_request(RequestKind::stops, 7)->outcome, SentOrder::Outcome::accepted);

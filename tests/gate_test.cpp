@@ -79,42 +79,26 @@ struct WayOut {
 std::vector<WayOut> ways_out(SymbolHandle symbol) {
   using Session = CClientAPIManager;
   return {
-      {"market", [=](Session & s, double lots) -> auto& {return s.market_order(operation::buy, symbol, lots);
-}
-}  // namespace
-, {"entry",
-   [=](Session& s, double lots) -> auto& {return s.place_entry(
-                                    {.side = operation::buy, .symbol_id = 3, .amount = lots, .price = 1.07},
-                                    symbol, 1);
-}  // namespace tutti::testing
-}
-, {"update", [](Session& s, double) -> auto& {return s.update_entry(12, 1.06, {}, 1);
-}
-}
-, {"stops", [](Session& s, double) -> auto& {return s.set_stops(13, {}, 1);
-}
-}
-, {"close", [](Session& s, double lots) -> auto& {return s.close_position(13, lots);
-}
-}
-, {"cancel", [](Session& s, double) -> auto& {return s.cancel_order(12, false);
-}
-}
-, {"cancel stops", [](Session& s, double) -> auto& {return s.cancel_order(12, true);
-}
-}
-, {"accept an order's price", [](Session& s, double) -> auto& {return s.answer_requote(14, true);
-}
-}
-, {"accept a close's price", [](Session& s, double) -> auto& {return s.answer_requote(15, true);
-}
-}
-, {"reject", [](Session& s, double) -> auto& {return s.answer_requote(14, false);
-}
-}
-,
-}
-;
+      {"market",
+       [=](Session& s, double lots) -> const SentOrder& {
+         return s.market_order(operation::buy, symbol, lots);
+       }},
+      {"entry",
+       [=](Session& s, double lots) -> const SentOrder& {
+         return s.place_entry({.side = operation::buy, .symbol_id = 3, .amount = lots, .price = 1.07}, symbol,
+                              1);
+       }},
+      {"update", [](Session& s, double) -> const SentOrder& { return s.update_entry(12, 1.06, {}, 1); }},
+      {"stops", [](Session& s, double) -> const SentOrder& { return s.set_stops(13, {}, 1); }},
+      {"close", [](Session& s, double lots) -> const SentOrder& { return s.close_position(13, lots); }},
+      {"cancel", [](Session& s, double) -> const SentOrder& { return s.cancel_order(12, false); }},
+      {"cancel stops", [](Session& s, double) -> const SentOrder& { return s.cancel_order(12, true); }},
+      {"accept an order's price",
+       [](Session& s, double) -> const SentOrder& { return s.answer_requote(14, true); }},
+      {"accept a close's price",
+       [](Session& s, double) -> const SentOrder& { return s.answer_requote(15, true); }},
+      {"reject", [](Session& s, double) -> const SentOrder& { return s.answer_requote(14, false); }},
+  };
 }
 
 struct Barrier {

@@ -111,7 +111,7 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
                 "ticket = 1) AND state <> 'TAKEN' "
                 "GROUP BY 1, 2 ORDER BY 1 DESC"),
             (Texts{"UNKNOWN|clock|3", "FILLED|asked|3"}));
-  const std::string told = "Order BUY 0.3 was unknown: the server says that it was executed";
+  const std::string told = "Order BUY 0.3 EURUSD was unknown: the server says that it was executed";
   std::size_t lines = 0;
   for (std::size_t at = 0; (at = rig.out.find(told, at)) != std::string::npos; ++at)
     ++lines;

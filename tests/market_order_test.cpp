@@ -218,7 +218,7 @@ TEST(MarketOrder, EveryAccountOfTheLastRoundIsCounted) {
   const auto answers = [&] {
     std::string out;
     for (const Row& row : form.lvwConClients)
-      out += "-LWARU"[static_cast<int>(form.answer_of(row))];
+      out += "-LWARUH"[static_cast<int>(form.answer_of(row))];
     return out + " " + frmorder::answers_text(form.answers());
   };
   const auto answer = [&](std::size_t account, ResultCode code, OrderState state) {

@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "core/texts.h"
+#include "dealer/config/config_reader.h"
 #include "sessions/account_records.h"
 #include "tests/support/scripted_terminal.h"
 #include "tests/support/session_rig.h"
@@ -282,7 +283,7 @@ TEST(AccountFile, ADealerFileLeavesNoPasswordInMemory) {
     wipe(text);
   }
   {
-    const auto config = DealerConfig::load(home.path() / "dealer.toml");
+    const auto config = load_dealer_config(home.path() / "dealer.toml");
     overwrite_stack();
     EXPECT_TRUE(config && copies_in_memory(inverted) == 1);
   }

@@ -16,10 +16,7 @@ struct StopDesk : ::testing::Test {
       desk.main->poll_timers();
     }
   }
-  Texts open_rows() {
-    stop.refresh_now();
-    return rows_of(stop.lvwOpen);
-  }
+  Texts open_rows() { return rows_of(stop.lvwOpen); }
 
   ScenarioDesk desk{still_market(3)};
   frmHeld& held = desk.main->held();
@@ -179,6 +176,7 @@ TEST(Commands, StopAndGoOn) {
   EXPECT_EQ(rig.home.read("stop"), "by tuttictl\n");
   EXPECT_EQ(rig.run(order), 1);
   EXPECT_NE(rig.out.find("Not sent: trading is stopped"), std::string::npos);
+  EXPECT_EQ(rig.err.find("has come"), std::string::npos) << "what a login lists was there before";
   EXPECT_EQ(rig.run("--yes close --symbol EURUSD"), 1) << "only the stop's own";
   EXPECT_EQ(rig.run("--yes --json stop --cancel-orders"), 1);
   EXPECT_NE(rig.out.find("\"flat\": false"), std::string::npos);

@@ -60,21 +60,21 @@ OrderAccounts::OrderAccounts(OrderForm form, Screen& screen)
   list_->set_pieces([this](const Row& row, std::size_t at) {
     std::vector<TextPiece> out;
     if (at != AccountRows::result_text) return out;
-    const std::string before = unknown_before_text(form_.unknown_before(row));
-    if (before.empty()) return out;
+    const std::string unknown = unknown_text(row);
+    if (unknown.empty()) return out;
     const std::string result = row.text(at);
     if (!result.empty()) out.push_back({result + "  -  ", {}});
-    out.push_back({before, QColor{theme::amber}});
+    out.push_back({unknown, QColor{theme::amber}});
     return out;
   });
   list_->set_tip([this](const Row& row, std::size_t at) {
     if (at == AccountRows::account) return form_.user_names(row);
     const std::string fault{text_of(form_.share_fault(row))};
-    const std::string before = unknown_before_text(form_.unknown_before(row));
+    const std::string unknown = unknown_text(row);
     const std::string result = row.text(AccountRows::result_text);
     std::string out = fault;
-    if (fault.empty() && before.empty()) return out;
-    for (const std::string& line : {result, before}) {
+    if (fault.empty() && unknown.empty()) return out;
+    for (const std::string& line : {result, unknown}) {
       if (!line.empty()) out += (out.empty() ? "" : "\n") + line;
     }
     return out;
@@ -165,6 +165,15 @@ void OrderAccounts::resizeEvent(QResizeEvent* event) {
   head_->setDirection(event->size().width() >= one_line_head ? QBoxLayout::LeftToRight
                                                              : QBoxLayout::TopToBottom);
   QWidget::resizeEvent(event);
+}
+
+std::string OrderAccounts::unknown_text(const Row& row) const {
+  const std::string before = unknown_before_text(form_.unknown_before(row));
+  // An account that was lost meanwhile comes back with a new row.
+  constexpr std::string_view word = "unknown";
+  if (form_.answer_of(row) != OrderAnswer::unknown || row.reads(AccountRows::result_text, word))
+    return before;
+  return before.empty() ? std::string{word} : std::string{word} + ", " + before;
 }
 
 }  // namespace tutti

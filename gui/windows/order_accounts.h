@@ -31,6 +31,8 @@ class OrderAccounts final : public QWidget {
   QWidget* make_find(AnswerFilter& filter);
   void add_share_editor();
   void edit_share();
+  // What the row's Result does not say of what nobody knows.
+  std::string unknown_text(const Row& row) const;
 
   OrderForm form_;
   Screen& screen_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -55,8 +56,11 @@ class Backend {
 
   // How many more requests that open something may leave for the account now; nothing: there is no bound.
   virtual std::optional<int> credits(std::int32_t account) const = 0;
-  // Everything up to this mark of the terminal's own records is on the disk and needs no repetition.
+  // So much of the terminal's own records is on the disk, counted over the run, and needs no repetition.
+  // Called after `flush` whenever it has become more.
   virtual void kept(std::uint64_t mark) = 0;
+  // So long after the last word of a request its outcome counts as unknown.
+  virtual std::chrono::milliseconds patience() const { return std::chrono::seconds{30}; }
 };
 
 }  // namespace tutti

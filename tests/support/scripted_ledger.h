@@ -17,7 +17,7 @@ class ScriptedLedger : public Ledger {
   std::size_t may_leave = 1000000;  // so many more
   std::vector<std::pair<LedgerTicket, std::vector<LedgerRequest>>> stored;
   std::vector<LedgerEvent> events;
-  std::function<void()> on_wait;
+  int waits = 0;
   std::vector<LedgerPastTicket> recent_;
 
   void know(Sender, const LedgerAccount&) override {}
@@ -27,7 +27,7 @@ class ScriptedLedger : public Ledger {
   }
   Stored state(Mark) const override { return says; }
   Stored wait(Mark, std::chrono::milliseconds) override {
-    if (on_wait) on_wait();
+    ++waits;
     return says;
   }
   bool leaves(RequestId) override { return may_leave > 0 && may_leave-- > 0; }

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <chrono>
+#include <span>
+#include <string_view>
+
+#include "ledger/ledger.h"
+#include "sessions/sent_requests.h"
+
+namespace tutti {
+
+// What nobody knows the outcome of: gives up waiting for an account session's requests, asks the broker what
+// became of them, and tells what it learns in the journal and in the rows that show them.
+class SessionUnknown {
+ public:
+  SessionUnknown(SessionScope& scope, SentRequests& sent, const Ledger& ledger)
+      : scope_(scope), sent_(sent), ledger_(ledger) {}
+
+  // Gives up waiting for it, journaled. `reason`: "late" or "lost", for the ledger.
+  void give_up(SentOrder& request, std::string_view reason);
+  // The same for all that have left.
+  void give_up_all(std::string_view reason);
+  // The same for one that no word came for in too long while the connection stands: its row says so.
+  void overdue(SentOrder& request);
+  // Its outcome has become known by other ways than its answer: its row says so.
+  void known(const SentOrder& request);
+
+  // Asks what became of all of them. To be called once the account's data are there.
+  void ask();
+  // What the broker answers to that.
+  void told(RequestId id, RequestState state, double lots);
+  // Reads back what was filled of late and brings no report with it. What comes twice is kept once.
+  void read_fills(std::chrono::milliseconds of_late);
+  void fills_told(std::span<const Execution> fills);
+  // How many of these answers are still to come.
+  int asked() const { return asked_; }
+
+ private:
+  void tell_row(const SentOrder& request, std::string_view text, std::string_view text_of_cancel);
+
+  SessionScope& scope_;
+  SentRequests& sent_;
+  const Ledger& ledger_;
+  int asked_ = 0;
+};
+
+}  // namespace tutti
