@@ -33,6 +33,18 @@ double bytes_per_session(int carried) {
   return (heap_in_use() - before) / accounts;
 }
 
+// What the dealing server takes in one go when 500 accounts carry 1000 symbols.
+double market_step_ms() {
+  ManualProgram program{accounts, 1000};
+  program.start();
+  std::vector<double> runs;
+  for (int run = 0; run < 20; ++run) {
+    program.deliver_all();
+    runs.push_back(time_of([&] { program.step_market(); }) / 1e6);
+  }
+  return median(std::move(runs));
+}
+
 double file_calls() {
   return CallCounter::per_unit([](const CallCounter& counter) {
     ManualProgram program{accounts, symbols};
@@ -59,6 +71,7 @@ void login_figures() {
     return interleaved_ratio([] { return login_time(accounts); }, [] { return login_time(50); });
   });
   figure("login_500_file_calls", file_calls);
+  figure("market_step_1000_symbols_ms", market_step_ms);
 }
 
 }  // namespace tutti::bench

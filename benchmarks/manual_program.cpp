@@ -49,6 +49,11 @@ Main& ManualProgram::start() {
   return main();
 }
 
+void ManualProgram::step_market() {
+  clock_.advance(server_.config().tick_interval);
+  server_.advance();
+}
+
 void ManualProgram::run_until(const std::function<bool()>& done) {
   constexpr auto step = 10ms;
   for (auto left = 60'000ms; !done(); left -= step) {

@@ -27,6 +27,10 @@ class ManualProgram {
   // Throws when that takes a minute by its clock.
   void run_until(const std::function<bool()>& done);
 
+  // Moves the market by one step; its news wait in the queue, unless they are taken along.
+  void step_market();
+  void deliver_all() { main_->deliver_events(); }
+
   Main& main() { return *main_; }
   const std::filesystem::path& home() const { return home_.path(); }
 

@@ -196,6 +196,14 @@ TEST(Dealer, PricesThatWaitAreToldOnceAndLatest) {
   rig.let_pass(std::chrono::seconds{25});
   rig.drain();
   EXPECT_EQ(seat.seen->prices, 40);
+
+  // What moves behind the one that is being told comes once more, latest.
+  rig.let_pass(std::chrono::seconds{25});
+  rig.server.deliver_next();
+  EXPECT_EQ(seat.seen->prices, 41);
+  rig.let_pass(std::chrono::seconds{25});
+  rig.drain();
+  EXPECT_EQ(seat.seen->last_bid, rig.server.market().quote(0).bid);
 }
 
 TEST(Dealer, PricesWalkWithoutDrift) {

@@ -1,6 +1,6 @@
 #include "dealer/link/dealer_session.h"
 
-#include <algorithm>
+#include <cassert>
 #include <memory>
 #include <utility>
 
@@ -29,8 +29,8 @@ void DealerSession::set_sink(CLAPICLASS* sink) {
   if (sink == sink_) return;
   if (sink_ != nullptr) {
     queue_.forget(*this);
-    forget_waiting();
   }
+  forget_waiting();
   sink_ = sink;
 }
 
@@ -49,8 +49,6 @@ void DealerSession::refuse() {
 void DealerSession::open(TradingAccount* account) {
   link_ = Link::on;
   account_ = account;
-  price_waiting_.assign(market_.count(), false);
-  high_low_waiting_.assign(market_.count(), false);
   if (account_ != nullptr) account_->set_listener(this);
   forget_waiting();
   post(ConnectionNews{true});
@@ -98,8 +96,8 @@ const Symbol& DealerSession::Shown::fill(const DealerSession& session, std::size
 }
 
 void DealerSession::forget_waiting() {
-  std::fill(price_waiting_.begin(), price_waiting_.end(), false);
-  std::fill(high_low_waiting_.begin(), high_low_waiting_.end(), false);
+  pass_ = {market_.steps(), market_.steps()};
+  prices_waiting_ = false;
   summary_waiting_ = false;
   time_waiting_ = false;
   positions_waiting_ = false;
@@ -113,21 +111,10 @@ void DealerSession::post(News news) {
   if (sink_ != nullptr) queue_.push(*this, std::move(news));
 }
 
-void DealerSession::tell_price(const Market::Move& move) {
-  if (sink_ == nullptr || !carries(move.symbol)) return;
-  if (!price_waiting_[move.symbol]) {
-    price_waiting_[move.symbol] = true;
-    if (const auto value = faults_.garbage(number_, FaultPoint::price)) {
-      SpoiltPrice spoilt{symbol(move.symbol)};
-      spoilt.symbol.bid = spoilt.symbol.ask = spoilt.symbol.high = spoilt.symbol.low = *value;
-      post(std::make_unique<SpoiltPrice>(std::move(spoilt)));
-    }
-    post(PriceNews{move.symbol});
-  }
-  if (move.high_low && !high_low_waiting_[move.symbol]) {
-    high_low_waiting_[move.symbol] = true;
-    post(HighLowNews{move.symbol});
-  }
+void DealerSession::tell_prices() {
+  if (sink_ == nullptr || prices_waiting_) return;
+  prices_waiting_ = true;
+  post(PricesNews{});
 }
 
 void DealerSession::tell_floating() {
@@ -197,6 +184,45 @@ void DealerSession::deliver(const News& news) {
   if (sink_ != nullptr) std::visit([&](const auto& one) { pass(*sink_, one); }, news);
 }
 
+bool DealerSession::deliver_price() {
+  using Part = PricePass::Part;
+  if (sink_ == nullptr) return false;
+  if (pass_.place == 0 && pass_.part == Part::spoilt) pass_.until = market_.steps();
+  // All is noted before a handler is called: it may raise an error, or destroy this session.
+  while (pass_.place < market_.count()) {
+    const std::size_t place = pass_.place;
+    const Market::Moved moved = market_.moved(place);
+    const bool price = moved.price > pass_.before && carries(place);
+    switch (pass_.part) {
+      case Part::spoilt:
+        pass_.part = Part::price;
+        if (!price) break;
+        if (const auto value = faults_.garbage(number_, FaultPoint::price)) {
+          Symbol spoilt = symbol(place);
+          spoilt.bid = spoilt.ask = spoilt.high = spoilt.low = *value;
+          sink_->SymbolPricesChanged(spoilt);
+          return true;
+        }
+        break;
+      case Part::price:
+        pass_.part = Part::high_low;
+        if (!price) break;
+        sink_->SymbolPricesChanged(told_.fill(*this, place));
+        return true;
+      case Part::high_low:
+        pass_.part = Part::spoilt;
+        ++pass_.place;
+        if (!price || moved.high_low <= pass_.before) break;
+        sink_->SymbolHighLowChanged(told_.fill(*this, place));
+        return true;
+    }
+  }
+  pass_ = {pass_.until, pass_.until};
+  prices_waiting_ = false;
+  if (market_.last_move() > pass_.before) tell_prices();
+  return false;
+}
+
 // The handlers come last below, and nothing of the session is touched after them: they may destroy it.
 
 void DealerSession::pass(CLAPICLASS& sink, Signal signal) {
@@ -232,14 +258,9 @@ void DealerSession::pass(CLAPICLASS& sink, ConnectionNews news) {
   sink.ConnectionState(news.connected);
 }
 
-void DealerSession::pass(CLAPICLASS& sink, PriceNews news) {
-  price_waiting_[news.symbol] = false;
-  sink.SymbolPricesChanged(told_.fill(*this, news.symbol));
-}
-
-void DealerSession::pass(CLAPICLASS& sink, HighLowNews news) {
-  high_low_waiting_[news.symbol] = false;
-  sink.SymbolHighLowChanged(told_.fill(*this, news.symbol));
+// Told one by one, by deliver_price().
+void DealerSession::pass(CLAPICLASS&, PricesNews) {
+  assert(false);
 }
 
 void DealerSession::pass(CLAPICLASS& sink, FloatingNews news) {
@@ -341,10 +362,6 @@ void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<RequestTold>& n
 
 void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<FillsTold>& news) {
   sink.ExecutionsTold(news->fills, news->complete);
-}
-
-void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news) {
-  sink.SymbolPricesChanged(news->symbol);
 }
 
 void DealerSession::pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news) {

@@ -52,7 +52,7 @@ class DealerSession final : public AccountListener {
   void end(bool dropped);
 
   // News while `on`.
-  void tell_price(const Market::Move& move);
+  void tell_prices();
   void tell_time(TimePoint time);
   void tell_position(PositionChange change, const OpenPosition& position) override;
   void tell_order(bool gone, const PendingOrder& order) override;
@@ -65,6 +65,9 @@ class DealerSession final : public AccountListener {
 
   // Hands one event to the sink, if it has not become void. The sink may destroy this session.
   void deliver(const News& news);
+  // Hands the next one of the prices that moved to the sink, which may destroy this session; false when all
+  // are told.
+  bool deliver_price();
 
  private:
   // Sessions differ in the symbols' numbers alone: a record is made when somebody wants it.
@@ -75,13 +78,22 @@ class DealerSession final : public AccountListener {
     const Symbol& fill(const DealerSession& session, std::size_t index);
   };
 
+  // How far the prices that moved are told.
+  struct PricePass {
+    enum class Part : std::uint8_t { spoilt, price, high_low };
+
+    std::uint64_t before = 0;  // step of the market up to which the last pass told
+    std::uint64_t until = 0;   // and this one; a symbol that moves later may be told once more
+    std::size_t place = 0;     // of the symbol that is next
+    Part part = Part::spoilt;
+  };
+
   void post(News news);
   void forget_waiting();
   void pass(CLAPICLASS& sink, Signal signal);
   void pass(CLAPICLASS& sink, WaitingNews news);
   void pass(CLAPICLASS& sink, ConnectionNews news);
-  void pass(CLAPICLASS& sink, PriceNews news);
-  void pass(CLAPICLASS& sink, HighLowNews news);
+  void pass(CLAPICLASS& sink, PricesNews news);
   void pass(CLAPICLASS& sink, FloatingNews news);
   void pass(CLAPICLASS& sink, SummaryNews news);
   void pass(CLAPICLASS& sink, TimeNews news);
@@ -91,7 +103,6 @@ class DealerSession final : public AccountListener {
   void pass(CLAPICLASS& sink, const std::unique_ptr<Requote>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<RequestTold>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<FillsTold>& news);
-  void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltPrice>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltFloating>& news);
   void pass(CLAPICLASS& sink, const std::unique_ptr<SpoiltSummary>& news);
 
@@ -104,8 +115,8 @@ class DealerSession final : public AccountListener {
   TradingAccount* account_ = nullptr;
   mutable Shown asked_;
   Shown told_;  // of the event that is being delivered
-  std::vector<bool> price_waiting_;
-  std::vector<bool> high_low_waiting_;
+  PricePass pass_;
+  bool prices_waiting_ = false;
   bool summary_waiting_ = false;
   bool time_waiting_ = false;
   // The news that a list is loaded is in the queue; what changes before is part of that list.

@@ -138,13 +138,11 @@ void DealingServer::run(TimePoint at) {
 }
 
 void DealingServer::move_market() {
-  const std::vector<Market::Move>& moves = market_.step();
-  if (moves.empty()) return;
+  if (!market_.step()) return;
   rates_.update(market_.middles());
   stale_ = true;
   for (DealerSession* session : online_)
-    for (const Market::Move& move : moves)
-      session->tell_price(move);
+    session->tell_prices();
 }
 
 void DealingServer::roll_over() {
@@ -184,12 +182,17 @@ void DealingServer::revalue() {
 
 bool DealingServer::deliver_next() {
   if (delivering_) return false;
-  Event event;
-  while (may_deliver() && queue_.pop(event)) {
-    if (event.session == nullptr) continue;
-    delivered_account_ = event.session->number();
+  while (may_deliver()) {
+    const Event* front = queue_.front();
+    if (front == nullptr) return false;
+    DealerSession* const session = front->session;
+    if (session != nullptr) delivered_account_ = session->number();
     const Flag delivering(delivering_);
-    event.session->deliver(event.news);
+    const bool prices = std::holds_alternative<PricesNews>(front->news);
+    if (prices && session != nullptr && session->deliver_price()) return true;
+    const Event event = queue_.pop();
+    if (prices || session == nullptr) continue;
+    session->deliver(event.news);
     return true;
   }
   return false;

@@ -8,12 +8,11 @@ void EventQueue::push(DealerSession& session, News news) {
   events_.push_back({&session, std::move(news)});
 }
 
-bool EventQueue::pop(Event& event) {
-  if (events_.empty()) return false;
-  event = std::move(events_.front());
+Event EventQueue::pop() {
+  Event event = std::move(events_.front());
   events_.pop_front();
   ++popped_;
-  return true;
+  return event;
 }
 
 void EventQueue::forget(const DealerSession& session) {

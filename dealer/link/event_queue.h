@@ -14,7 +14,6 @@
 #include "sessions/contract/open_position.h"
 #include "sessions/contract/pending_order.h"
 #include "sessions/contract/requote.h"
-#include "sessions/contract/symbol.h"
 
 namespace tutti {
 
@@ -36,12 +35,9 @@ struct WaitingNews {
 struct ConnectionNews {
   bool connected = false;
 };
-struct PriceNews {
-  std::size_t symbol = 0;
-};
-struct HighLowNews {
-  std::size_t symbol = 0;
-};
+// All symbols that moved since they were last told, one after the other. It stays in front until it is told
+// whole: a step of the market costs each session one event, however many symbols there are.
+struct PricesNews {};
 struct FloatingNews {
   std::int64_t ticket = 0;
 };
@@ -56,20 +52,17 @@ struct OrderNews {
   PendingOrder order;
 };
 // A spoilt copy of what comes right behind.
-struct SpoiltPrice {
-  Symbol symbol;
-};
 struct SpoiltFloating {
   OpenPosition position;
 };
 struct SpoiltSummary {
   AccountSummary summary;
 };
-using News = std::variant<Signal, WaitingNews, ConnectionNews, PriceNews, HighLowNews, FloatingNews,
-                          SummaryNews, TimeNews, std::unique_ptr<PositionNews>, std::unique_ptr<OrderNews>,
-                          std::unique_ptr<AnswerNews>, std::unique_ptr<Requote>, std::unique_ptr<RequestTold>,
-                          std::unique_ptr<FillsTold>, std::unique_ptr<SpoiltPrice>,
-                          std::unique_ptr<SpoiltFloating>, std::unique_ptr<SpoiltSummary>>;
+using News =
+    std::variant<Signal, WaitingNews, ConnectionNews, PricesNews, FloatingNews, SummaryNews, TimeNews,
+                 std::unique_ptr<PositionNews>, std::unique_ptr<OrderNews>, std::unique_ptr<AnswerNews>,
+                 std::unique_ptr<Requote>, std::unique_ptr<RequestTold>, std::unique_ptr<FillsTold>,
+                 std::unique_ptr<SpoiltFloating>, std::unique_ptr<SpoiltSummary>>;
 
 struct Event {
   DealerSession* session = nullptr;  // nullptr once the session wants it no more
@@ -80,8 +73,10 @@ struct Event {
 class EventQueue {
  public:
   void push(DealerSession& session, News news);
-  // Moves the oldest event out; false when none is left.
-  bool pop(Event& event);
+  // The oldest event; nullptr when none is left. Good until the next call.
+  const Event* front() const { return events_.empty() ? nullptr : &events_.front(); }
+  // Moves the oldest event out; there is one.
+  Event pop();
   // How many events were ever pushed, and how many of them have been popped.
   std::uint64_t pushed() const { return popped_ + events_.size(); }
   std::uint64_t popped() const { return popped_; }

@@ -22,7 +22,8 @@ Market::Market(const DealerConfig& config, TimePoint start)
       start_(start),
       next_step_(start + config.tick_interval),
       random_(config.seed),
-      quotes_(config.symbols.size()) {
+      quotes_(config.symbols.size()),
+      moved_(config.symbols.size()) {
   for (std::size_t i = 0; i < config.symbols.size(); ++i) {
     const SymbolConfig& symbol = config.symbols[i];
     names_.emplace_back(symbol.name, i);
@@ -31,7 +32,6 @@ Market::Market(const DealerConfig& config, TimePoint start)
   std::sort(names_.begin(), names_.end());
   for (const Tick& tick : config.ticks)
     tick_symbols_.push_back(find(tick.symbol).value_or(count()));
-  moves_.clear();
 }
 
 std::vector<double> Market::middles() const {
@@ -54,15 +54,15 @@ std::optional<TimePoint> Market::next_due() const {
   return start_ + config_.ticks[next_tick_].at;
 }
 
-const std::vector<Market::Move>& Market::step() {
-  moves_.clear();
+bool Market::step() {
   const auto due = next_due();
-  if (!due) return moves_;
+  if (!due) return false;
+  ++steps_;
   if (config_.ticks.empty())
     walk(*due);
   else
     replay(*due);
-  return moves_;
+  return last_move_ == steps_;
 }
 
 void Market::skip_to(TimePoint target) {
@@ -108,7 +108,9 @@ void Market::set_price(std::size_t symbol, double bid, double ask, TimePoint at)
   quote.high = new_day ? quote.bid : std::max(before.high, quote.bid);
   quote.low = new_day ? quote.bid : std::min(before.low, quote.bid);
   const bool high_low = quote.high != before.high || quote.low != before.low;
-  if (quote.bid != before.bid || quote.ask != before.ask || high_low) moves_.push_back({symbol, high_low});
+  if (quote.bid != before.bid || quote.ask != before.ask || high_low)
+    last_move_ = moved_[symbol].price = steps_;
+  if (high_low) moved_[symbol].high_low = steps_;
 }
 
 }  // namespace tutti

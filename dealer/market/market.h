@@ -17,9 +17,10 @@ namespace tutti {
 // however time is cut into calls.
 class Market {
  public:
-  struct Move {
-    std::size_t symbol = 0;
-    bool high_low = false;  // the day's high or low changed too
+  // In which of the market's steps a symbol changed last; 0: in none.
+  struct Moved {
+    std::uint64_t price = 0;     // anything of it
+    std::uint64_t high_low = 0;  // the day's high or low
   };
 
   // Keeps a reference to the configuration.
@@ -34,8 +35,14 @@ class Market {
 
   // When the next step is due; nothing after the last replayed tick.
   std::optional<TimePoint> next_due() const;
-  // Makes the step that is due at next_due(). What moved is valid until the next call.
-  const std::vector<Move>& step();
+  // Makes the step that is due at next_due(); false when no price moved in it.
+  bool step();
+  // How many steps were made. What was told of all the symbols up to one of them is told the rest by
+  // comparing it with moved().
+  std::uint64_t steps() const { return steps_; }
+  Moved moved(std::size_t index) const { return moved_[index]; }
+  // The last step in which any price moved.
+  std::uint64_t last_move() const { return last_move_; }
   // Leaves out the steps of the walk between now and `target`, so that a sleeping machine wakes up without
   // an hour of steps to make. Replayed ticks are never left out.
   void skip_to(TimePoint target);
@@ -51,7 +58,9 @@ class Market {
   std::size_t next_tick_ = 0;
   std::mt19937_64 random_;
   std::vector<Quote> quotes_;
-  std::vector<Move> moves_;
+  std::uint64_t steps_ = 0;
+  std::uint64_t last_move_ = 0;
+  std::vector<Moved> moved_;
   std::vector<std::size_t> tick_symbols_;                        // symbol of each tick
   std::vector<std::pair<std::string_view, std::size_t>> names_;  // sorted by name
 };
