@@ -70,7 +70,7 @@ void PaneLayout::arrange() {
   // front.
   for (QDockWidget* front : {orders, bottom}) {
     front->raise();
-    QMetaObject::invokeMethod(front, &QWidget::raise, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(front, "raise", Qt::QueuedConnection);
   }
 }
 
