@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "apps/commands.h"
+#include "apps/named_act.h"
 #include "apps/output.h"
 #include "apps/requests_report.h"
 #include "apps/requote_answer.h"
@@ -106,6 +107,11 @@ int RowsRun::run(const Book& book, Label& button) {
   if (!context_.knows(arguments_.accounts)) return exit_status::usage;
   if (arguments_.require_connected && !context_.all_connected(arguments_.accounts))
     return exit_status::some_refused;
+  NamedAct act{context_, arguments_.id, std::string{report_.list_name()}};
+  act.with("symbol", arguments_.symbol)
+      .with("numbers", arguments_.numbers)
+      .with("accounts", arguments_.accounts);
+  if (const auto repeated = act.repeated(arguments_.requote)) return *repeated;
   const bool everybody = context_.tell_unconnected(arguments_.accounts) == 0;
   std::vector<Asked> all;
   for (Row& row : list_) {

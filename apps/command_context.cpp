@@ -96,6 +96,15 @@ std::optional<std::vector<TicketRequest>> CommandContext::requests_of(std::int64
   return std::nullopt;
 }
 
+std::optional<std::optional<NamedTicket>> CommandContext::named(const std::string& key,
+                                                                const std::string& plan) const {
+  const TerminalOptions& options = terminal_.options();
+  auto found = LedgerReader{options.home, options.key_file}.named(key, plan);
+  if (found) return *found;
+  console().fail("Nothing was sent: {}", found.error().text());
+  return std::nullopt;
+}
+
 bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {
   for (const std::int32_t account : accounts) {
     if (main().sessions().by_account(account) != nullptr) continue;

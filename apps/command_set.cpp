@@ -60,7 +60,17 @@ CLI::Option* add_numbers(CLI::App& command, const std::string& name, std::vector
       ->type_name(or_all ? "all|N,N,..." : "N,N,...");
 }
 
+void add_id(CLI::App& command, std::string& id) {
+  command
+      .add_option(
+          "--id", id,
+          "Your own name for this act: who asks for it again has sent what was not, and nothing twice")
+      ->type_name("TEXT")
+      ->check(check_filled);
+}
+
 void add_accounts(CLI::App& command, AccountArguments& out) {
+  add_id(command, out.id);
   command.add_flag("--require-connected", out.require_connected,
                    "Send nothing unless all these accounts are connected");
   add_numbers(command, "--accounts", out.accounts, true, "all, or account numbers with commas between them");
@@ -198,6 +208,7 @@ Command add_modify(CLI::App& app) {
   prices.add_option("--sl", arguments->stop_loss, "Stop loss, or none")->check(check_new_price);
   prices.add_option("--tp", arguments->take_profit, "Take profit, or none")->check(check_new_price);
   prices.require_option(1, 3);
+  add_id(command, arguments->id);
   add_override(command, arguments->over_limits);
   explain(command, "tuttictl modify 10000012 --at 1.0790 --tp none", sends_requests);
   return {.app = &command, .effect = Effect::sends, .run = with(modify_command, arguments)};

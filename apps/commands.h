@@ -17,6 +17,7 @@ enum class RequoteReply { accept, reject, ask };
 
 // Which accounts are meant.
 struct AccountArguments {
+  std::string id;                      // the script's own name of the act; empty: it has none
   std::vector<std::int32_t> accounts;  // empty: all
   bool require_connected = false;      // send nothing unless all of them are connected
 };
@@ -44,6 +45,7 @@ struct EntryArguments : SplitArguments {
 
 // New prices of an entry order, or of a position's SL/TP. What is not given stays, "none" takes away.
 struct ModifyArguments {
+  std::string id;           // as in AccountArguments
   std::int64_t number = 0;  // order or ticket
   std::optional<std::string> price;
   std::optional<std::string> stop_loss;

@@ -4,6 +4,7 @@
 
 #include <tuple>
 
+#include "apps/named_act.h"
 #include "apps/requests_report.h"
 #include "apps/split_run.h"
 #include "core/numbers.h"
@@ -34,6 +35,12 @@ class EntryRun final : public SplitRun {
   std::string title() const override {
     return form_.cblimiordertype.items()[static_cast<std::size_t>(order_.type)] + " " + order_.symbol +
            " at " + order_.price;
+  }
+  NamedAct named() const override {
+    NamedAct out{context_, order_.id, "entry " + std::to_string(order_.type)};
+    for (const std::string* price : {&order_.price, &order_.stop_loss, &order_.take_profit})
+      out.with("price", price->empty() ? "" : number_text(read_number(*price)));
+    return out;
   }
   bool send() override {
     // Distribute has said so already when nobody is left.
@@ -107,6 +114,10 @@ int entry_command(CommandContext& context, const EntryArguments& arguments) {
 
 int modify_command(CommandContext& context, const ModifyArguments& arguments) {
   frmlimitorder& form = context.main().entry_order();
+  NamedAct act{context, arguments.id, "modify " + std::to_string(arguments.number)};
+  for (const auto* price : {&arguments.price, &arguments.stop_loss, &arguments.take_profit})
+    act.with("price", !*price ? "as before" : **price == "none" ? "none" : number_text(read_number(**price)));
+  if (const auto repeated = act.repeated(RequoteReply::reject)) return *repeated;
   if (const std::size_t found = open(context.main(), arguments.number); found != 1) {
     context.console().fail("{} has the order or ticket {}; nothing is changed",
                            found == 0 ? "No connected account" : "More than one account", arguments.number);

@@ -55,6 +55,8 @@ int ledger_export_command(const HomeContext& context) {
               [](const auto& value) -> Json {
                 if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::monostate>)
                   return {};
+                else if constexpr (std::is_same_v<std::decay_t<decltype(value)>, LedgerBytes>)
+                  return fmt::format("{:02x}", fmt::join(value, ""));
                 else
                   return value;
               },

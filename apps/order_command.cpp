@@ -18,6 +18,8 @@ class OrderRun final : public SplitRun {
   ShareFault share_fault(const Row& row) const override { return form_.share_fault(row); }
   const SentOrder& sent_by(const CClientAPIManager& session) const override { return session.last_order(); }
   std::string title() const override { return (order_.buy ? "Buy " : "Sell ") + order_.symbol; }
+  NamedAct named() const override { return {context_, order_.id, order_.buy ? "order buy" : "order sell"}; }
+  RequoteReply requote() const override { return order_.requote; }
   bool send() override {
     Button& button = order_.buy ? form_.cmdbuy : form_.cmdsell;
     // Not available unless shares were written.

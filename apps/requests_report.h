@@ -21,6 +21,7 @@ class RequestsReport {
       : context_(context), kind_(kind), name_(number_name), list_name_(list_name) {}
 
   const char* number_name() const { return name_; }
+  const char* list_name() const { return list_name_; }
   // nullptr when nothing was sent.
   const SentOrder* sent(const Asked& asked) const;
   // Nothing more is to come, be it that nothing was sent.

@@ -203,6 +203,16 @@ int SplitRun::run() {
   if (!known_arguments()) return exit_status::usage;
   if (arguments_.require_connected && !context_.all_connected(arguments_.accounts))
     return exit_status::some_refused;
+  if (!arguments_.dry_run) {
+    const auto repeated = named()
+                              .with("symbol", arguments_.symbol)
+                              .with("amount", number_text(read_number(arguments_.amount)))
+                              .with("rule", std::to_string(arguments_.rule))
+                              .with("decimals", std::to_string(main_.general().precision.decimals()))
+                              .with("accounts", arguments_.accounts)
+                              .repeated(requote());
+    if (repeated) return *repeated;
+  }
   main_.sessions().admission().override_limits(arguments_.over_limits);
   controls_.rule.choose(arguments_.rule);
   controls_.symbol.choose(arguments_.symbol);

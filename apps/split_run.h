@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/commands.h"
+#include "apps/named_act.h"
 #include "orders/account_rows.h"
 
 namespace tutti {
@@ -64,6 +65,10 @@ class SplitRun {
   virtual const SentOrder& sent_by(const CClientAPIManager& session) const = 0;
   // "Buy EURUSD"
   virtual std::string title() const = 0;
+  // The act under the name that a script gave it, with what is the window's own of its plan.
+  virtual NamedAct named() const = 0;
+  // What to answer when the dealer offers another price.
+  virtual RequoteReply requote() const { return RequoteReply::reject; }
 
   bool known_arguments() const;
   void tick_accounts();

@@ -8,7 +8,7 @@
 #include "apps/output.h"
 #include "apps/requests_report.h"
 #include "apps/requote_answer.h"
-#include "apps/stored_fill.h"
+#include "apps/sent_report.h"
 #include "apps/times.h"
 #include "core/numbers.h"
 #include "ledger/ledger_reader.h"
@@ -20,39 +20,6 @@ namespace {
 
 Json text_or_null(std::string_view text) {
   return text.empty() ? Json{} : Json(std::string{text});
-}
-
-// One line per request that was sent, as the other commands that send have it.
-void print_sent(CommandContext& context, const std::vector<const SentOrder*>& sent) {
-  std::vector<RequestId> ids;
-  for (const SentOrder* each : sent)
-    ids.push_back(each->id);
-  const auto stored = context.stored(ids);
-  Records records{
-      {"account", "kind", "share", "request_code", "accepted", "result", "order", "filled", "price", "time"}};
-  TextTable table{
-      {{"Account", true}, {"What"}, {"Share", true}, {"Order", true}, {"Price", true}, {"Result"}}};
-  for (const SentOrder* each : sent) {
-    const StoredFill fill{stored, each->id};
-    const std::string result = RequestsReport::result(each);
-    const bool accepted = each->outcome == SentOrder::Outcome::accepted;
-    std::vector<Json> values{each->account,
-                             std::string{ledger_words::of(each->kind)},
-                             each->amount > 0.0 ? json_number(each->amount) : Json{},
-                             format_as(each->request_code),
-                             accepted,
-                             result,
-                             fill.order()};
-    fill.add_to(values);
-    records.add(std::move(values));
-    table.add({std::to_string(each->account), std::string{ticket_texts::what(each->kind)},
-               each->amount > 0.0 ? number_text(each->amount) : "", fill.order_text(), fill.price_text(),
-               result});
-  }
-  context.print("requests", records, context.totals_and_journal(), [&] {
-    Main& main = context.main();
-    return fmt::format("{}{}\n\n{}", table.text(), main.window().totals_pane(), journal_text(main));
-  });
 }
 
 }  // namespace
@@ -117,7 +84,16 @@ int retry_command(CommandContext& context, const RetryArguments& arguments) {
     return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
   });
   context.journal_unanswered();
-  print_sent(context, sent);
+  std::vector<SentLine> lines;
+  for (const SentOrder* each : sent)
+    lines.push_back({.request = each->id,
+                     .account = each->account,
+                     .kind = each->kind,
+                     .lots = each->amount,
+                     .code = each->request_code,
+                     .accepted = each->outcome == SentOrder::Outcome::accepted,
+                     .result = RequestsReport::result(each)});
+  print_sent(context, lines);
   if (std::any_of(sent.begin(), sent.end(), [](const SentOrder* each) {
         return !each->settled() || each->outcome == SentOrder::Outcome::unknown;
       }))

@@ -25,21 +25,34 @@ SentOrder& RequestBook::add(RequestId id, Sender sender, RequestKind kind) {
   added.id = id;
   added.sender = sender;
   added.kind = kind;
-  added.outcome = SentOrder::Outcome::waiting;
-  Sent& sent = of(sender);
-  sent.alive.push_back(&added);
-  if (kind == RequestKind::open) sent.last_open = &added;
-  if (kind == RequestKind::entry) sent.last_entry = &added;
-  if (of_entry_window(kind)) sent.last_of_entry_window = &added;
+  note_sent(added);
   return added;
+}
+
+void RequestBook::note_sent(SentOrder& request) {
+  request.outcome = SentOrder::Outcome::waiting;
+  Sent& sent = of(request.sender);
+  sent.alive.push_back(&request);
+  if (request.kind == RequestKind::open) sent.last_open = &request;
+  if (request.kind == RequestKind::entry) sent.last_entry = &request;
+  if (of_entry_window(request.kind)) sent.last_of_entry_window = &request;
 }
 
 void RequestBook::restore(const SentOrder& request) {
   assert(request.id > last_id());
   SentOrder& added = all_.add();
   added = request;
-  of(request.sender).alive.push_back(&added);
+  if (request.outcome == SentOrder::Outcome::unknown) of(request.sender).alive.push_back(&added);
   count_unknown(added, 1);
+}
+
+SentOrder& RequestBook::revive(const SentOrder& as) {
+  const std::size_t place = place_of(as.id);
+  assert(place < all_.size() && all_[place].outcome == SentOrder::Outcome::none);
+  SentOrder& request = all_[place];
+  request = as;
+  note_sent(request);
+  return request;
 }
 
 void RequestBook::count_unknown(const SentOrder& request, int step) {

@@ -40,8 +40,11 @@ class RequestBook {
   void set_patience(std::chrono::milliseconds patience) { patience_ = patience; }
   // So many that come next find their room made. To be called while nobody waits.
   void make_room(std::size_t count) { all_.make_room(count); }
-  // Takes in a request of an earlier run, unknown and of no sender, before any that is added. Ids ascend.
+  // Takes in a request of an earlier run, of no sender, before any that is added: unknown, or with the
+  // outcome `none` when it never left. Ids ascend.
   void restore(const SentOrder& request);
+  // One that never left is about to after all; `as` has its id, sender and terms.
+  SentOrder& revive(const SentOrder& as);
   // A request that was taken in so is this sender's from now on; it is none of what he sent last.
   void hand_over(RequestId id, Sender sender);
   // What the call that sent it answered. Of a repetition that is refused what is on its way stays the last.
@@ -83,6 +86,11 @@ class RequestBook {
   // What became of it. `order` is the number it is known by from now on, 0: as before.
   void settle(SentOrder& request, ResultCode result, SentOrder::Outcome outcome, std::int64_t order,
               std::chrono::milliseconds now);
+  // An answer contradicts what is known of it for good; to be settled with what it says.
+  void note_conflict(SentOrder& request) {
+    if (!std::exchange(request.conflict, true)) ++conflicts_;
+  }
+  int conflicts() const { return conflicts_; }
   // The broker has it, and said so.
   void heard_of(SentOrder& request, std::chrono::milliseconds now);
   // False for a fill that was told before.
@@ -132,6 +140,8 @@ class RequestBook {
   };
 
   Sent& of(Sender sender);
+  // It is on its way: the last of its sender.
+  void note_sent(SentOrder& request);
   // It has left, or not: of its number it is the last now, unless an earlier one is still on its way.
   void note_last(SentOrder& request);
   const Sent* find_sent(Sender sender) const { return sender < sent_.size() ? &sent_[sender] : nullptr; }
@@ -145,6 +155,7 @@ class RequestBook {
   std::chrono::milliseconds patience_{30'000};
   int given_up_ = 0;
   int unknown_now_ = 0;
+  int conflicts_ = 0;
   std::vector<Sent> sent_;         // by sender
   std::size_t looked_at_ = 0;      // those before it were looked at since they are due
   std::vector<SentOrder*> heard_;  // what the broker has said a word about, and may be without a result

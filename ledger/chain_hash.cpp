@@ -18,6 +18,12 @@ const unsigned char* bytes(const char* text) {
 
 }  // namespace
 
+LedgerBytes digest_of_plan(std::string_view plan) {
+  LedgerBytes out(16);
+  ::crypto_generichash(out.data(), out.size(), bytes(plan.data()), plan.size(), nullptr, 0);
+  return out;
+}
+
 ChainHash::ChainHash(const Secret& key)
     : key_(Secret::filled(crypto_generichash_KEYBYTES, [&](char* out) {
         ::crypto_generichash(bytes(out), crypto_generichash_KEYBYTES, bytes(own_key.data()), own_key.size(),
@@ -44,6 +50,10 @@ void ChainHash::add(const LedgerValue& value) {
   } else if (const auto* text = std::get_if<std::string>(&value)) {
     encoded_ += 't';
     add(std::string_view{*text});
+  } else if (const auto* blob = std::get_if<LedgerBytes>(&value)) {
+    encoded_ += 'b';
+    add_number(static_cast<std::int64_t>(blob->size()));
+    encoded_.append(blob->begin(), blob->end());
   } else {
     encoded_ += 'n';
   }

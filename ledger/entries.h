@@ -40,6 +40,8 @@ struct LedgerTicket {
   TicketOrigin origin = TicketOrigin::here;
   std::string override_reason{};  // why it went over a limit; empty: it did not
   double typed_total = 0.0;       // lots that the operator split, 0: not known; not stored
+  std::string key{};              // the operator's own name for it, unique over all tickets; empty: none
+  std::string plan{};             // what an act of this name has to be asked for with; its digest is stored
 };
 
 // What is known of a ticket of an earlier run.
@@ -96,6 +98,9 @@ enum class LedgerEvidence : std::uint8_t { answer, asked, positions, hand, clock
 inline constexpr std::string_view hand_filled = "filled";
 inline constexpr std::string_view hand_not_executed = "not-executed";
 
+// The reason of what contradicts an outcome that was final.
+inline constexpr std::string_view ledger_conflict = "conflict";
+
 // Something that became of a request, and what was filled with it.
 struct LedgerEvent {
   RequestId request = 0;  // 0: that of the working order `order`; with a fill perhaps nobody's
@@ -119,7 +124,7 @@ struct LedgerEvent {
   std::optional<Realised> realised{};
 };
 
-// A request of an earlier run that nobody knows the outcome of.
+// A request of an earlier run that nobody knows the outcome of, or that never left.
 struct LedgerUnknown {
   RequestId id = 0;
   LedgerAccount account;

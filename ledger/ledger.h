@@ -45,6 +45,8 @@ class Ledger {
   virtual std::string fault() const = 0;
   // Requests of earlier runs whose outcome is unknown, oldest first.
   virtual const std::vector<LedgerUnknown>& unknown() const = 0;
+  // Requests of earlier runs that are stored and never left, of tickets that have a name; oldest first.
+  virtual const std::vector<LedgerUnknown>& never_left() const = 0;
   // Tickets that earlier runs sent within the hour before this one, but for closes and cancels.
   virtual const std::vector<LedgerPastTicket>& recent() const = 0;
 };

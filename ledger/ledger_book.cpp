@@ -76,8 +76,8 @@ std::int64_t LedgerBook::add_ticket(const LedgerTicket& ticket, std::size_t plan
   LedgerValue age;
   if (ticket.quote_age.count() >= 0) age = std::int64_t{ticket.quote_age.count()};
   file_.add(Chained::ticket, {n,
-                              {},
-                              {},
+                              text_or_none(ticket.key),
+                              ticket.key.empty() ? LedgerValue{} : digest_of_plan(ticket.plan),
                               std::string{ledger_words::of(ticket.kind)},
                               text_or_none(ticket.symbol),
                               text_or_none(ledger_words::of(ticket.side)),

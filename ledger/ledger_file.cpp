@@ -32,7 +32,9 @@ FileError failure(const std::filesystem::path& file, const SQLite::Exception& er
 LedgerValue value_of(const SQLite::Column& column) {
   if (column.isNull()) return {};
   if (column.isInteger()) return column.getInt64();
-  return column.getString();
+  if (!column.isBlob()) return column.getString();
+  const auto* first = static_cast<const unsigned char*>(column.getBlob());
+  return LedgerBytes(first, first + column.getBytes());
 }
 
 std::int64_t milliseconds(TimePoint time) {
@@ -68,6 +70,8 @@ void bind_value(SQLite::Statement& statement, int place, const LedgerValue& valu
     statement.bind(place, *number);
   } else if (const auto* text = std::get_if<std::string>(&value)) {
     statement.bind(place, *text);
+  } else if (const auto* blob = std::get_if<LedgerBytes>(&value)) {
+    statement.bind(place, blob->data(), static_cast<int>(blob->size()));
   } else {
     statement.bind(place);
   }

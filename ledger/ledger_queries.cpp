@@ -284,45 +284,62 @@ std::vector<TicketRequest> LedgerQueries::with_tickets_of(std::span<const Reques
   return out;
 }
 
+// Of those that more is to come of, the ones that `which` names; `id` is bound to it unless it is 0.
+void LedgerQueries::add_open(const std::string& which, RequestId id, std::vector<LedgerUnknown>& out) {
+  auto& rows = file_.statement(
+      "SELECT o.request, a.server, a.user, a.account_text, r.kind, coalesce(r.symbol, ''), coalesce(r.side, "
+      "''), coalesce(r.lots, 0), coalesce(r.lots_digits, 0), coalesce(r.price, 0), coalesce(r.price_digits, "
+      "0), coalesce(r.reference, o.order_no, 0), coalesce(r.era, 0), coalesce(e.reason, ''), "
+      "coalesce(e.t_here, t.t) FROM open_request o JOIN request r ON r.id = o.request JOIN account a ON a.n "
+      "= "
+      "r.account JOIN ticket t ON t.n = r.ticket LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event "
+      "WHERE request = o.request) WHERE " +
+      which + " ORDER BY o.request");
+  if (id != 0) rows.bind(1, id);
+  while (rows.executeStep()) {
+    out.push_back({.id = rows.getColumn(0).getInt64(),
+                   .account = account_of(rows, 1),
+                   .kind = ledger_words::kind(rows.getColumn(4).getString()),
+                   .symbol = rows.getColumn(5).getString(),
+                   .side = ledger_words::side(rows.getColumn(6).getString()),
+                   .lots = decimal(rows, 7),
+                   .price = decimal(rows, 9),
+                   .number = rows.getColumn(11).getInt64(),
+                   .era = static_cast<BookEra>(rows.getColumn(12).getInt64()),
+                   .why = rows.getColumn(13).getString(),
+                   .since = time_of(rows.getColumn(14))});
+  }
+  rows.reset();
+}
+
 std::vector<LedgerUnknown> LedgerQueries::unknown(std::span<const LedgerEvent> more) {
   std::vector<LedgerUnknown> out;
-  const auto read = [&](const std::string& which, RequestId id) {
-    auto& rows = file_.statement(
-        "SELECT o.request, a.server, a.user, a.account_text, r.kind, coalesce(r.symbol, ''), "
-        "coalesce(r.side, "
-        "''), coalesce(r.lots, 0), coalesce(r.lots_digits, 0), coalesce(r.price, 0), "
-        "coalesce(r.price_digits, "
-        "0), coalesce(r.reference, o.order_no, 0), coalesce(r.era, 0), coalesce(e.reason, ''), "
-        "coalesce(e.t_here, t.t) FROM open_request o JOIN request r ON r.id = o.request JOIN account a ON "
-        "a.n = "
-        "r.account JOIN ticket t ON t.n = r.ticket LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event "
-        "WHERE request = o.request) WHERE " +
-        which);
-    if (id != 0) rows.bind(1, id);
-    while (rows.executeStep()) {
-      out.push_back({.id = rows.getColumn(0).getInt64(),
-                     .account = account_of(rows, 1),
-                     .kind = ledger_words::kind(rows.getColumn(4).getString()),
-                     .symbol = rows.getColumn(5).getString(),
-                     .side = ledger_words::side(rows.getColumn(6).getString()),
-                     .lots = decimal(rows, 7),
-                     .price = decimal(rows, 9),
-                     .number = rows.getColumn(11).getInt64(),
-                     .era = static_cast<BookEra>(rows.getColumn(12).getInt64()),
-                     .why = rows.getColumn(13).getString(),
-                     .since = time_of(rows.getColumn(14))});
-    }
-    rows.reset();
-  };
-  read("o.state IN ('UNKNOWN', 'GONE')", 0);
+  add_open("o.state IN ('UNKNOWN', 'GONE')", 0, out);
   for (const LedgerEvent& event : more) {
     if (event.state != LedgerState::unknown) continue;
     const std::size_t before = out.size();
-    read("o.request = ?", event.request);
+    add_open("o.request = ?", event.request, out);
     if (out.size() > before) out.back().why = event.reason;
   }
   std::sort(out.begin(), out.end(),
             [](const LedgerUnknown& a, const LedgerUnknown& b) { return a.id < b.id; });
+  return out;
+}
+
+std::vector<LedgerUnknown> LedgerQueries::never_left() {
+  std::vector<LedgerUnknown> out;
+  add_open("o.state = 'STORED' AND t.key_text IS NOT NULL", 0, out);
+  return out;
+}
+
+std::optional<NamedTicket> LedgerQueries::named(const std::string& key, const std::string& plan) {
+  std::optional<NamedTicket> out;
+  auto& rows = file_.statement("SELECT n, plan_digest = ?2, planned_count FROM ticket WHERE key_text = ?1");
+  bind_value(rows, 1, key);
+  bind_value(rows, 2, digest_of_plan(plan));
+  if (rows.executeStep())
+    out = {rows.getColumn(0).getInt64(), rows.getColumn(1).getInt() != 0, rows.getColumn(2).getInt()};
+  rows.reset();
   return out;
 }
 

@@ -101,6 +101,14 @@ struct TicketRequest {
   bool may_be_retried() const;
 };
 
+// A ticket that the operator gave a name.
+struct NamedTicket {
+  std::int64_t number = 0;
+  bool same_plan = false;  // as the one that it is asked for with again
+  int planned = 0;         // requests
+  bool operator==(const NamedTicket&) const = default;
+};
+
 // Reads what the ledger has, for whoever shows it. Throws as the file does.
 class LedgerQueries {
  public:
@@ -119,12 +127,16 @@ class LedgerQueries {
   std::vector<TicketRequest> with_tickets_of(std::span<const RequestId> requests);
   // Those whose outcome nobody knows, oldest first; `more` are so too, and the file does not say it yet.
   std::vector<LedgerUnknown> unknown(std::span<const LedgerEvent> more = {});
+  // Those that never left, of tickets that have a name; oldest first.
+  std::vector<LedgerUnknown> never_left();
+  std::optional<NamedTicket> named(const std::string& key, const std::string& plan);
   // Tickets since a time that were not refused here, but for closes and cancels; of the last thousand.
   std::vector<LedgerPastTicket> recent(TimePoint since);
 
  private:
   std::vector<TicketRecord> tickets(const std::string& which, std::int64_t value);
   void add_outcomes(TicketRecord& ticket);
+  void add_open(const std::string& which, RequestId id, std::vector<LedgerUnknown>& out);
 
   LedgerFile& file_;
 };

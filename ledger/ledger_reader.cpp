@@ -72,6 +72,11 @@ tl::expected<std::vector<TicketRequest>, FileError> LedgerReader::with_tickets_o
   return with_file([&](LedgerFile& file) { return LedgerQueries{file}.with_tickets_of(requests); });
 }
 
+tl::expected<std::optional<NamedTicket>, FileError> LedgerReader::named(const std::string& key,
+                                                                        const std::string& plan) {
+  return with_file([&](LedgerFile& file) { return LedgerQueries{file}.named(key, plan); });
+}
+
 tl::expected<LedgerReader::Unknown, FileError> LedgerReader::unknown() {
   // Whoever comes or goes meanwhile has settled, or begun, what is read here.
   const bool used = HomeLock::taken(home_);

@@ -35,6 +35,7 @@ class LedgerReader {
   tl::expected<std::vector<TicketRecord>, FileError> newest_tickets(int count);
   tl::expected<std::vector<TicketRequest>, FileError> requests_of(std::int64_t ticket);
   tl::expected<std::vector<TicketRequest>, FileError> with_tickets_of(std::span<const RequestId> requests);
+  tl::expected<std::optional<NamedTicket>, FileError> named(const std::string& key, const std::string& plan);
   struct Unknown {
     std::vector<LedgerUnknown> requests;  // oldest first
     std::string notice;                   // what is wrong with the last run's end; empty mostly

@@ -56,6 +56,7 @@ tl::expected<void, FileError> LedgerWriter::start() {
     }
     if (auto begun = begin_run(); !begun) return begun;
     unknown_ = LedgerQueries{*file_}.unknown();
+    never_left_ = LedgerQueries{*file_}.never_left();
     recent_ = LedgerQueries{*file_}.recent(clock_.now() - std::chrono::hours{1});
   } catch (const SQLite::Exception& error) {
     return tl::unexpected(FileError{ledger_path(options_.home), error.what()});

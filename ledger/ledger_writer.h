@@ -54,6 +54,7 @@ class LedgerWriter final : public Ledger {
   void note(LedgerEvent event) override;
   std::string fault() const override;
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+  const std::vector<LedgerUnknown>& never_left() const override { return never_left_; }
   const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
 
   // What the operator must be told of the last run's end; empty mostly.
@@ -103,6 +104,7 @@ class LedgerWriter final : public Ledger {
   bool run_noted_ = false;  // in the file; the thread's
   std::string notice_;
   std::vector<LedgerUnknown> unknown_;
+  std::vector<LedgerUnknown> never_left_;
   std::vector<LedgerPastTicket> recent_;
   std::optional<LeftLog> left_;
   bool left_fails_ = false;

@@ -51,12 +51,12 @@ std::string TicketRetry::obstacle(const TicketRequest& request, const CClientAPI
   return "its order has ended";
 }
 
-std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequest>& requests,
+std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequest>& requests, Wanted wanted,
                                                     std::vector<std::string>& left_out) const {
   std::vector<Rest> out;
   left_out.clear();
   for (const TicketRequest& each : requests) {
-    if (!each.may_be_retried() || sent_.contains(each.id)) continue;
+    if (!wanted(each) || sent_.contains(each.id)) continue;
     CClientAPIManager* session = session_of(each.account);
     const std::string why = obstacle(each, session);
     if (why.empty()) {
@@ -71,7 +71,8 @@ std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequ
 std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
                                                 const std::vector<TicketRequest>& requests) {
   std::vector<std::string> left_out;
-  std::vector<Rest> rest = rest_of(requests, left_out);
+  const Wanted wanted = [](const TicketRequest& each) { return each.may_be_retried(); };
+  std::vector<Rest> rest = rest_of(requests, wanted, left_out);
   const auto about = [&] {
     LotSums sums{"request"};
     for (const Rest& each : rest)
@@ -97,7 +98,33 @@ std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
   constexpr int yes = 1;
   if (general_.msg_box.GeneralQuestionMsg(question, about()) != yes) return {};
   // Events went on while the question stood.
-  rest = rest_of(requests, left_out);
+  return send_again(ticket, rest_of(requests, wanted, left_out));
+}
+
+std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
+                                                 const std::vector<TicketRequest>& requests) {
+  std::vector<std::string> left_out;
+  const std::vector<Rest> stored = rest_of(
+      requests, [](const TicketRequest& each) { return each.state == LedgerState::stored; }, left_out);
+  std::vector<std::string> not_again;
+  const std::vector<Rest> never = rest_of(
+      requests,
+      [](const TicketRequest& each) { return each.state == LedgerState::never && each.may_be_retried(); },
+      not_again);
+  left_out.insert(left_out.end(), not_again.begin(), not_again.end());
+  std::vector<const SentOrder*> sent;
+  for (const Rest& each : stored) {
+    sent_.insert(each.request->id);
+    sent.push_back(&send_stored(each));
+  }
+  const std::vector<const SentOrder*> again = send_again(ticket, never);
+  sent.insert(sent.end(), again.begin(), again.end());
+  for (const std::string& line : left_out)
+    general_.log("Not sent. " + line, no_account);
+  return sent;
+}
+
+std::vector<const SentOrder*> TicketRetry::send_again(std::int64_t ticket, const std::vector<Rest>& rest) {
   std::vector<const SentOrder*> sent;
   if (rest.empty()) return sent;
   LedgerTicket of_all;
@@ -111,6 +138,19 @@ std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
       },
       of_all);
   return sent;
+}
+
+const SentOrder& TicketRetry::send_stored(const Rest& rest) {
+  const TicketRequest& request = *rest.request;
+  SentOrder as = *sessions_.requests().find(request.id);
+  as.symbol = books_.symbols.find(request.symbol);
+  as.symbol_id = rest.session->symbol_id(as.symbol);
+  as.stops = request.stops;
+  if (request.kind == RequestKind::cancel) {
+    const auto* order = books_.orders.find(request.number, request.account.account);
+    as.stops_of_position = order != nullptr && order->kind == OrderKind::stops;
+  }
+  return rest.session->send_stored(std::move(as));
 }
 
 const SentOrder& TicketRetry::send(const Rest& rest) {

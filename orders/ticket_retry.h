@@ -24,6 +24,10 @@ class TicketRetry {
   // terminal. What can't be sent now - its account is not connected, its position is gone - is told and stays
   // as it is.
   std::vector<const SentOrder*> send(std::int64_t ticket, const std::vector<TicketRequest>& requests);
+  // A script's, whose act was broken off: without a question, and what nothing is known of stays as it is.
+  // What was stored and never left leaves under the id it has; what the broker says it never took is sent
+  // again.
+  std::vector<const SentOrder*> go_on(std::int64_t ticket, const std::vector<TicketRequest>& requests);
 
  private:
   // What is to be sent again, and who sends it.
@@ -32,8 +36,11 @@ class TicketRetry {
     CClientAPIManager* session = nullptr;
   };
 
-  std::vector<Rest> rest_of(const std::vector<TicketRequest>& requests,
+  using Wanted = bool (*)(const TicketRequest&);
+  std::vector<Rest> rest_of(const std::vector<TicketRequest>& requests, Wanted wanted,
                             std::vector<std::string>& left_out) const;
+  std::vector<const SentOrder*> send_again(std::int64_t ticket, const std::vector<Rest>& rest);
+  const SentOrder& send_stored(const Rest& rest);
   CClientAPIManager* session_of(const LedgerAccount& account) const;
   // Why it can't be sent by this session now; empty when it can.
   std::string obstacle(const TicketRequest& request, const CClientAPIManager* session) const;

@@ -87,6 +87,12 @@ const SentOrder& CClientAPIManager::set_stops(std::int64_t ticket, const StopPri
   return gate_.set_stops(sender(), ticket, stops, records_.stops_order_of(ticket), round, std::move(then));
 }
 
+const SentOrder& CClientAPIManager::send_stored(SentOrder as) {
+  as.sender = sender();
+  if (as.kind == RequestKind::stops) as.stops_order = records_.stops_order_of(as.number);
+  return gate_.send_stored(as);
+}
+
 const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept, Then&& then) {
   return gate_.answer_requote(sender(), order, accept, std::move(then));
 }

@@ -117,6 +117,8 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
                                 Then&& then = {});
   const SentOrder& set_stops(std::int64_t ticket, const StopPrices& stops, int round, Then&& then = {});
   const SentOrder& answer_requote(std::int64_t order, bool accept, Then&& then = {});
+  // One that an earlier run stored for this account and never sent, under the id it has.
+  const SentOrder& send_stored(SentOrder as);
   // The market order (new entry order) sent last; its outcome is `none` when none was.
   const SentOrder& last_order() const { return book_.last_new(sender(), RequestKind::open); }
   const SentOrder& last_entry() const { return book_.last_new(sender(), RequestKind::entry); }

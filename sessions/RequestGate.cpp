@@ -8,6 +8,7 @@
 
 #include "core/for_now.h"
 #include "core/numbers.h"
+#include "sessions/earlier_requests.h"
 #include "sessions/gate_texts.h"
 
 namespace tutti {
@@ -27,27 +28,14 @@ RequestGate::RequestGate(RequestBook& book, MGeneral& general, const Books& book
       ids_(general.clock),
       admission_(book, general, books, ledger, stop,
                  [this](Sender sender) -> const AccountClient& { return ways_.client(sender); }) {
-  for (const LedgerUnknown& each : ledger_.unknown()) {
-    book_.restore({.number = each.number,
-                   .amount = each.lots,
-                   .price = each.price,
-                   .id = each.id,
-                   .era = each.era,
-                   .side = each.side,
-                   .request_code = request::taken,
-                   .account = each.account.account,
-                   .kind = each.kind,
-                   .outcome = SentOrder::Outcome::unknown});
-    ids_.go_on_after(each.id);
-  }
+  earlier_requests::restore(ledger_, book_, ids_);
 }
 
 Sender RequestGate::join(const LedgerAccount& account, OrderOperations& operations,
                          const AccountClient& client) {
   const Sender sender = ways_.add(account.account, operations, client);
   ledger_.know(sender, account);
-  for (const LedgerUnknown& each : ledger_.unknown())
-    if (each.account == account) book_.hand_over(each.id, sender);
+  earlier_requests::hand_over(ledger_, book_, account, sender);
   return sender;
 }
 
@@ -290,6 +278,16 @@ void RequestGate::drop_waiting(Sender sender) {
       }
     }
   }
+}
+
+const SentOrder& RequestGate::send_stored(const SentOrder& as, Then&& then) {
+  SentOrder& request = book_.revive(as);
+  request.last_word = general_.clock.elapsed();
+  AskedRequests alone;
+  alone.add(request, std::move(then));
+  WaitingTicket ticket{.marks = {}, .since = request.last_word, .about = {}, .asked = std::move(alone)};
+  send_part(ticket);
+  return request;
 }
 
 const SentOrder& RequestGate::market_order(Sender sender, Operation side, SymbolHandle symbol,

@@ -71,6 +71,9 @@ class RequestGate {
   const SentOrder& set_stops(Sender sender, std::int64_t ticket, const StopPrices& stops,
                              std::int64_t stops_order, int round, Then&& then = {});
   const SentOrder& answer_requote(Sender sender, std::int64_t order, bool accept, Then&& then = {});
+  // Sends what an earlier run stored and never sent, under the id it has; `as` is what it asks for, with the
+  // sender and the account's number of the symbol of this run. Limits and the stop are judged as it leaves.
+  const SentOrder& send_stored(const SentOrder& as, Then&& then = {});
 
   // Sends what was asked for in handlers and is stored by now, and what waited for its turn; drops what waits
   // when trading is stopped. To be called outside of handlers.

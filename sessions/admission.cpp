@@ -28,6 +28,10 @@ Admission::Admission(RequestBook& book, MGeneral& general, const Books& books, L
 
 void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
   quote_at_click(about, *asked.requests.front());
+  if (!key_.empty() && !general_.in_handler()) {
+    about.key = std::exchange(key_, {});
+    about.plan = std::exchange(plan_, {});
+  }
   if (stop_.stopped()) {
     const AskedRequests refused =
         asked.take_out([&](const SentOrder& each) { return !passes_stop(each, about); });

@@ -44,6 +44,11 @@ class Admission {
   void refuse(int number);
   // From now on a ticket over a limit goes all the same, and is stored with this reason.
   void override_limits(std::string reason) { override_ = std::move(reason); }
+  // The next ticket that the operator asks for has this name, and this plan; see LedgerTicket.
+  void name_next(std::string key, std::string plan) {
+    key_ = std::move(key);
+    plan_ = std::move(plan);
+  }
   // What is held of a connection that is over is refused; while trading is stopped, all of it.
   void drop_held(Sender sender);
   bool look_at_stop();
@@ -73,6 +78,8 @@ class Admission {
   std::deque<HeldTicket> held_;
   int last_number_ = 0;
   std::string override_;
+  std::string key_;
+  std::string plan_;
 };
 
 }  // namespace tutti

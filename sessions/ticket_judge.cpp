@@ -90,7 +90,9 @@ limits::RequestFigures TicketJudge::figures(const SentOrder& request, const Ledg
 limits::TicketFigures TicketJudge::figures(Requests ticket, const LedgerTicket& about) const {
   limits::TicketFigures out{.total = about.typed_total};
   const std::chrono::milliseconds now = clock_.elapsed();
+  // What is sent again of a ticket is meant to be the same.
   const auto same = [&](std::chrono::milliseconds since) {
+    if (about.retry_of != 0) return;
     out.since_same = out.since_same ? std::min(*out.since_same, since) : since;
   };
   if (limits_[Limit::same_ticket]) {

@@ -120,6 +120,61 @@ TEST_F(Ledgers, TellAfterAKillWhatNobodyKnows) {
   EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
 }
 
+// A script asks for its act until it is done: killed between storing and sending, it leaves what has yet to
+// go.
+TEST_F(Ledgers, GoOnWithANamedActAndSendNothingTwice) {
+  const std::string named = order + " --id morning";
+  // The order for 500103 never comes to the server.
+  CommandLineRig rig{"sample_accounts = 5\n[[fault]]\nkind = \"swallow\"\naccount = 500103\ntimes = 1\n"};
+  const auto ask = [&](const std::string& sql) { return ask_ledger(rig.home.path(), sql); };
+  killed([&] {
+    rig.on_pause = [&] {
+      const std::string left = rig.home.read("left.log");
+      if (std::count(left.begin(), left.end(), '\n') == 4) ::_exit(0);
+    };
+    rig.run(named);
+    ::_exit(1);
+  });
+  // As if the kill had come before the last two left.
+  const std::string left = rig.home.read("left.log");
+  std::size_t end = left.find('\n', left.find('\n') + 1) + 1;
+  rig.home.write("left.log", left.substr(0, end));
+  EXPECT_EQ(rig.run("positions"), 0) << rig.err;
+  EXPECT_EQ(ask(by_ticket), (Texts{"1|open|EURUSD|buy|1|FILLED", "1|open|EURUSD|buy|2|STORED"}));
+  const Texts ids = ask("SELECT id FROM request ORDER BY id");
+
+  struct Case {
+    const char* words;
+    int status;
+  };
+  for (const Case& other :
+       {Case{"order --buy EURUSD --amount 1.2 --rule equal --accounts 500101,500102,500103 --id morning", 2},
+        Case{"order --sell EURUSD --amount 0.9 --rule equal --accounts 500101,500102,500103 --id morning", 2},
+        Case{"order --buy EURUSD --amount 0.9 --rule equal --accounts 500101,500102 --id morning", 2},
+        Case{"--yes close --symbol EURUSD --id morning", 2}}) {
+    EXPECT_EQ(rig.run(other.words), other.status) << other.words;
+    EXPECT_NE(rig.err.find("another plan before, ticket 1"), std::string::npos) << rig.err;
+  }
+  // The same plan in other words; one of the two had come to the server after all, which knows it by its id.
+  EXPECT_EQ(
+      rig.run("order --buy EURUSD --amount 0.90 --rule equal --accounts 500103,500101,500102 --id morning"),
+      0)
+      << rig.out << rig.err;
+  EXPECT_NE(rig.err.find("2 of its 3 requests were sent now"), std::string::npos) << rig.err;
+  EXPECT_EQ(ask(by_ticket), (Texts{"1|open|EURUSD|buy|3|FILLED"}));
+  EXPECT_EQ(ask("SELECT id FROM request ORDER BY id"), ids);
+  EXPECT_EQ(rig.run(named), 0) << rig.err;
+  EXPECT_NE(rig.err.find("0 of its 3 requests were sent now"), std::string::npos) << rig.err;
+  EXPECT_EQ(rig.run("--csv positions"), 0);
+  EXPECT_EQ(split(rig.out, "\n").size(), 5U) << rig.out;
+  EXPECT_EQ(rig.run("verify"), 0) << rig.out;
+  EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
+  // Another name is another act, and what has none is none.
+  EXPECT_EQ(rig.run(order + " --id noon"), 0);
+  EXPECT_EQ(rig.run(order), 0);
+  EXPECT_EQ(ask("SELECT count(*), count(key_text), count(DISTINCT plan_digest) FROM ticket"), Texts{"3|2|1"});
+}
+
 TEST_F(Ledgers, TakeTheOperatorsWordWhereNobodyElseKnows) {
   kill_in_flight();
   EXPECT_EQ(rig.run("--csv unknown"), 4);
