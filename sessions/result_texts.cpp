@@ -247,6 +247,10 @@ std::string_view learnt(SentOrder::Outcome outcome) {
   }
 }
 
+std::string_view conflict(bool executed) {
+  return executed ? "CONFLICT: executed after all" : "CONFLICT: not executed after all";
+}
+
 std::string_view learnt_of_cancel(SentOrder::Outcome outcome) {
   switch (outcome) {
     case SentOrder::Outcome::accepted:

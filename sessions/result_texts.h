@@ -39,5 +39,7 @@ std::string_view told(RequestState state);
 // answer; and that of an order whose cancel it was.
 std::string_view learnt(SentOrder::Outcome outcome);
 std::string_view learnt_of_cancel(SentOrder::Outcome outcome);
+// What its row says when an answer contradicts what was known of it for good, and was believed.
+std::string_view conflict(bool executed);
 
 }  // namespace tutti::result_texts

@@ -35,6 +35,12 @@ LedgerState state_of(const SentOrder& request) {
   }
 }
 
+// What was final, and can't have been if this is true.
+bool contradicts(Outcome final, Outcome told) {
+  const bool executed = told == Outcome::accepted || told == Outcome::partly;
+  return final == Outcome::accepted ? told == Outcome::refused : executed;
+}
+
 bool opens_or_closes(RequestKind kind) {
   return kind == RequestKind::open || kind == RequestKind::close || kind == RequestKind::entry;
 }
@@ -92,7 +98,7 @@ SentOrder* SentRequests::entry(std::int64_t order, ResultCode code, RequestId id
 }
 
 bool SentRequests::settle_stops(std::int64_t order, ResultCode code, RequestId id) {
-  const bool settled = settle(id != 0 ? named(id, RequestKind::stops) : unnamed_stops(order, code), code);
+  const bool settled = settle(id != 0 ? named(id, RequestKind::stops) : unnamed_stops(order, code), code, id);
   if (settled) stops_told_.insert(order);
   return settled;
 }
@@ -140,18 +146,34 @@ SentOrder* SentRequests::unnamed_stops(std::int64_t order, ResultCode code) {
   });
 }
 
-bool SentRequests::settle_in_book(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order) {
-  // A word that comes again, or too late, changes nothing; what was given up it settles after all.
-  if (meant == nullptr || (meant->settled() && meant->outcome != Outcome::unknown)) return false;
+SentRequests::Word SentRequests::take(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order,
+                                      RequestId id) {
+  if (meant == nullptr) return Word::nothing;
+  const bool final = meant->settled() && meant->outcome != Outcome::unknown;
+  // A word that comes again, or too late, changes nothing; what was given up it settles after all. By its
+  // figures alone it may mean another one.
+  if (final && (id == 0 || !contradicts(meant->outcome, outcome))) return Word::nothing;
+  if (final) book_.note_conflict(*meant);
   book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
   if (of_entry_window(meant->kind)) scope_.desk.entry_order->request_settled(*meant, scope_.account);
-  return true;
+  return final ? Word::contradiction : Word::news;
 }
 
-bool SentRequests::settle(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order) {
-  if (!settle_in_book(meant, code, outcome, order)) return false;
-  note(*meant, {}, LedgerEvidence::answer, nullptr);
-  return true;
+bool SentRequests::settle(SentOrder* meant, ResultCode code, Outcome outcome, std::int64_t order,
+                          RequestId id) {
+  return told_of(meant, take(meant, code, outcome, order, id), nullptr);
+}
+
+// Into the ledger, and to whoever has to be told at once.
+bool SentRequests::told_of(SentOrder* meant, Word word, const OrderReport* report) {
+  if (word == Word::nothing) return false;
+  if (word == Word::news) {
+    note(*meant, {}, LedgerEvidence::answer, report);
+    return true;
+  }
+  note(*meant, ledger_conflict, LedgerEvidence::answer, report);
+  if (on_conflict) on_conflict(*meant);
+  return false;
 }
 
 bool SentRequests::settle(SentOrder* meant, const OrderReport& report) {
@@ -165,7 +187,8 @@ bool SentRequests::settle(SentOrder* meant, const OrderReport& report, ResultCod
   // A fill that is told again is none.
   if (!book_.is_new_execution(sender_, report.execution)) return false;
   if (outcome == Outcome::accepted && report.left > 0.0) outcome = Outcome::partly;
-  if (!settle_in_book(meant, code, outcome, report.number)) {
+  const Word word = take(meant, code, outcome, report.number, report.id);
+  if (word == Word::nothing) {
     // What was filled was, whatever is known of the request, and be it nobody's here.
     SentOrder told;
     told.id = report.id;
@@ -174,12 +197,11 @@ bool SentRequests::settle(SentOrder* meant, const OrderReport& report, ResultCod
     return false;
   }
   if (report.filled_all > 0.0) meant->filled = report.filled_all;
-  note(*meant, {}, LedgerEvidence::answer, &report);
-  return true;
+  return told_of(meant, word, &report);
 }
 
 void SentRequests::give_up(SentOrder& request, std::string_view reason) {
-  if (settle_in_book(&request, ResultCode::none, Outcome::unknown, 0))
+  if (take(&request, ResultCode::none, Outcome::unknown, 0, 0) == Word::news)
     note(request, reason, LedgerEvidence::clock, nullptr);
 }
 
@@ -193,7 +215,7 @@ void SentRequests::note(const SentOrder& request, std::string_view reason, Ledge
                     .order = request.number};
   if (request.outcome == Outcome::refused) {
     event.code = format_as(request.result_code);
-    event.reason = "result code";
+    if (reason.empty()) event.reason = "result code";
   }
   if (report != nullptr) take_fill(event, *report, scope_);
   ledger_.note(std::move(event));
@@ -229,7 +251,7 @@ bool SentRequests::told(SentOrder& request, RequestState state, double lots) {
   }();
   if (request.outcome != Outcome::unknown || meaning.outcome == Outcome::none) return false;
   request.filled = std::max(request.filled, lots);
-  if (meaning.outcome != Outcome::unknown) settle_in_book(&request, ResultCode::none, meaning.outcome, 0);
+  if (meaning.outcome != Outcome::unknown) take(&request, ResultCode::none, meaning.outcome, 0, 0);
   ledger_.note({.request = request.id,
                 .sender = sender_,
                 .state = meaning.stored,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -37,11 +38,16 @@ class SentRequests {
 
   // What became of it; `order` as in RequestBook::settle. False, and nothing changed, where nothing is meant
   // or the outcome is known already: a word that comes again or too late. What was given up it settles after
-  // all. The entry order window is told of its requests.
-  bool settle(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order = 0);
+  // all; what contradicts a final outcome is taken over as a conflict, and false as well. The entry order
+  // window is told of its requests.
+  // `id`: as the answer names the request, 0 where it doesn't; only a named one is contradicted.
+  bool settle(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order = 0,
+              RequestId id = 0);
   // No more is waited for; `reason` is the ledger's.
   void give_up(SentOrder& request, std::string_view reason);
-  bool settle(SentOrder* meant, ResultCode code) { return settle(meant, code, SentOrder::outcome_of(code)); }
+  bool settle(SentOrder* meant, ResultCode code, RequestId id) {
+    return settle(meant, code, SentOrder::outcome_of(code), 0, id);
+  }
   // The same of the stops that the answer means, which names their order.
   bool settle_stops(std::int64_t order, ResultCode code, RequestId id);
   // The same with what the report says was filled; a fill that is told again changes nothing.
@@ -67,8 +73,14 @@ class SentRequests {
   // Those without a result, oldest first.
   std::vector<SentOrder*> open() const { return book_.open(sender_); }
 
+  // Told when an answer contradicts what was known for good: the book has what it says.
+  std::function<void(const SentOrder&)> on_conflict;
+
  private:
-  bool settle_in_book(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order);
+  // What a word about a request comes to.
+  enum class Word : std::uint8_t { nothing, news, contradiction };
+  Word take(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order, RequestId id);
+  bool told_of(SentOrder* meant, Word word, const OrderReport* report);
   void note(const SentOrder& request, std::string_view reason, LedgerEvidence evidence,
             const OrderReport* report);
   SentOrder* unnamed_entry(std::int64_t order, ResultCode code);

@@ -122,7 +122,7 @@ void SessionRequests::tell_close(const OrderReport& report, bool ours) {
 
 bool SessionRequests::new_entry(std::int64_t order, ResultCode code, RequestId id) {
   SentOrder* meant = sent_.entry(order, code, id);
-  const bool ours = sent_.settle(meant, code, SentOrder::outcome_of(code), order);
+  const bool ours = sent_.settle(meant, code, SentOrder::outcome_of(code), order, id);
   const std::string_view text = result_texts::new_entry(code);
   if (code == result::all_managed) {
     scope_.log_order(order, "Order " + std::to_string(order) + " :All Lots Are Managed");
@@ -138,7 +138,7 @@ bool SessionRequests::new_entry(std::int64_t order, ResultCode code, RequestId i
 
 bool SessionRequests::update_entry(std::int64_t order, ResultCode code, RequestId id) {
   SentOrder* meant = sent_.change(RequestKind::update, order, id);
-  const bool ours = sent_.settle(meant, code);
+  const bool ours = sent_.settle(meant, code, id);
   const std::string line = result_texts::update_entry_line(order, code);
   if (!line.empty()) scope_.log_order(order, line);
   if (!ours) return false;
@@ -151,7 +151,7 @@ bool SessionRequests::update_entry(std::int64_t order, ResultCode code, RequestI
 }
 
 bool SessionRequests::delete_entry(std::int64_t order, ResultCode code, RequestId id) {
-  const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code);
+  const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code, id);
   if (code == result::succeeded) sent_.entry_cancelled(order, "cancel");
   const std::string text =
       "Order number #" + std::to_string(order) + std::string{result_texts::delete_entry(code)};
@@ -181,7 +181,7 @@ bool SessionRequests::update_stops(std::int64_t order, ResultCode code, RequestI
 }
 
 bool SessionRequests::delete_stops(std::int64_t order, ResultCode code, RequestId id) {
-  const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code);
+  const bool ours = sent_.settle(sent_.change(RequestKind::cancel, order, id), code, id);
   scope_.log_order(
       order, "Delete SLTP Order #" + std::to_string(order) + " " + std::string{result_texts::general(code)});
   return ours;

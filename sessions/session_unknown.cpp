@@ -1,5 +1,7 @@
 #include "sessions/session_unknown.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <string>
 
@@ -43,6 +45,20 @@ void SessionUnknown::give_up_all(std::string_view reason) {
 void SessionUnknown::overdue(SentOrder& request) {
   give_up(request, "late");
   tell_row(request, "unknown", "The outcome of its cancel is unknown");
+  ask(request);
+}
+
+void SessionUnknown::in_conflict(const SentOrder& request) {
+  const bool executed = request.outcome != SentOrder::Outcome::refused;
+  const std::string text = fmt::format(
+      "CONFLICT: {} was known as {}, and the server says now that it {}. Compare the positions of account {} "
+      "with the broker's",
+      request_words(request, scope_.symbols), executed ? "not executed" : "executed",
+      executed ? "was executed" : "was not", scope_.account);
+  scope_.log(text);
+  tell_row(request, result_texts::conflict(executed), result_texts::conflict(executed));
+  scope_.tell(text);
+  scope_.general.play_sound("\\sounds\\Alert.wav");
 }
 
 void SessionUnknown::known(const SentOrder& request) {
@@ -62,16 +78,19 @@ void SessionUnknown::tell_row(const SentOrder& request, std::string_view text,
 
 void SessionUnknown::ask() {
   asked_ = 0;
-  for (SentOrder* request : sent_.unknown()) {
-    // Of an earlier run the symbol's name is known; which one that is, since the symbols are there.
-    if (request->symbol == no_symbol) {
-      const auto& earlier = ledger_.unknown();
-      const auto at = std::find_if(earlier.begin(), earlier.end(),
-                                   [&](const LedgerUnknown& each) { return each.id == request->id; });
-      if (at != earlier.end()) request->symbol = scope_.symbols.find(at->symbol);
-    }
-    if (scope_.client.AskRequest(request->id, request->era) == request::taken) ++asked_;
+  for (SentOrder* request : sent_.unknown())
+    ask(*request);
+}
+
+void SessionUnknown::ask(SentOrder& request) {
+  // Of an earlier run the symbol's name is known; which one that is, since the symbols are there.
+  if (request.symbol == no_symbol) {
+    const auto& earlier = ledger_.unknown();
+    const auto at = std::find_if(earlier.begin(), earlier.end(),
+                                 [&](const LedgerUnknown& each) { return each.id == request.id; });
+    if (at != earlier.end()) request.symbol = scope_.symbols.find(at->symbol);
   }
+  if (scope_.client.AskRequest(request.id, request.era) == request::taken) ++asked_;
 }
 
 void SessionUnknown::told(RequestId id, RequestState state, double lots) {

@@ -14,16 +14,22 @@ namespace tutti {
 class SessionUnknown {
  public:
   SessionUnknown(SessionScope& scope, SentRequests& sent, const Ledger& ledger)
-      : scope_(scope), sent_(sent), ledger_(ledger) {}
+      : scope_(scope), sent_(sent), ledger_(ledger) {
+    sent_.on_conflict = [this](const SentOrder& request) { in_conflict(request); };
+  }
 
   // Gives up waiting for it, journaled. `reason`: "late" or "lost", for the ledger.
   void give_up(SentOrder& request, std::string_view reason);
   // The same for all that have left.
   void give_up_all(std::string_view reason);
-  // The same for one that no word came for in too long while the connection stands: its row says so.
+  // The same for one that no word came for in too long while the connection stands: its row says so, and it
+  // is asked for.
   void overdue(SentOrder& request);
   // Its outcome has become known by other ways than its answer: its row says so.
   void known(const SentOrder& request);
+
+  // What was known of it for good is contradicted: message and alarm, journal, and its row say so.
+  void in_conflict(const SentOrder& request);
 
   // Asks what became of all of them. To be called once the account's data are there.
   void ask();
@@ -36,6 +42,7 @@ class SessionUnknown {
   int asked() const { return asked_; }
 
  private:
+  void ask(SentOrder& request);
   void tell_row(const SentOrder& request, std::string_view text, std::string_view text_of_cancel);
 
   SessionScope& scope_;

@@ -145,7 +145,10 @@ TEST_F(Requests, WithoutAWordForHalfAMinuteTheyAreUnknown) {
               "journal 81: The request for #12" + tail, "pending 44: The outcome of its cancel is unknown",
               "journal 81: The request for #44" + tail}));
   EXPECT_EQ(rig.sessions.unanswered(), 1);
+  // The server is asked about each, once.
+  EXPECT_EQ(rig.client(one).asked_for.size(), 3U);
   EXPECT_EQ(wait(1s), Heard{});
+  EXPECT_EQ(rig.client(one).asked_for.size(), 3U);
   // A countdown is a word, too.
   rig.during([&] { sink(two).OrderTimer({.order = 30, .account = 82, .symbol = "EURUSD"}); });
   EXPECT_EQ(wait(29s), Heard{});
@@ -266,6 +269,52 @@ TEST_F(Requests, TheBrokerIsAskedAboutWhatIsUnknown) {
     if (order.outcome == Outcome::unknown) continue;
     EXPECT_EQ(rig.during(tell), Heard{});
   }
+}
+
+// A second word on what was final: it is believed, and everybody is told, once.
+TEST_F(Requests, AContradictionIsBelievedAndToldAsAConflict) {
+  rig.sessions.admission().override_limits("one after another");
+  const std::string positions = ". Compare the positions of account 81 with the broker's";
+  const auto tell = [&](const SentOrder& order, bool executed) {
+    OrderReport report = OneSession::report(executed ? 1 : 5, 1);
+    report.number = 30;
+    report.id = order.id;
+    return rig.during([&] { sink(one).NewOrderResult(report); });
+  };
+  const auto conflicts = [](const Heard& lines) {
+    return std::count_if(lines.begin(), lines.end(),
+                         [](const std::string& line) { return line.find("CONFLICT") != std::string::npos; });
+  };
+  int count = 0;
+  for (const bool executed : {false, true}) {
+    SCOPED_TRACE(executed);
+    const SentOrder& order = buy(one);
+    EXPECT_EQ(conflicts(tell(order, !executed)), 0);
+    EXPECT_EQ(conflicts(tell(order, !executed)), 0) << "the same again";
+    const std::string text = std::string{"CONFLICT: Order BUY 0.5 EURUSD was known as "} +
+                             (executed ? "not executed, and the server says now that it was executed"
+                                       : "executed, and the server says now that it was not") +
+                             positions;
+    const Heard lines = tell(order, executed);
+    EXPECT_EQ(conflicts(lines), 3);
+    for (const std::string& line :
+         {"journal 81: " + text, "Alert: " + text,
+          "market 81: " +
+              std::string{executed ? "CONFLICT: executed after all" : "CONFLICT: not executed after all"},
+          std::string{"sound Alert.wav"}})
+      EXPECT_GE(std::count(lines.begin(), lines.end(), line), 1) << line;
+    EXPECT_EQ(order.outcome, executed ? Outcome::accepted : Outcome::refused);
+    EXPECT_EQ(rig.ledger.events.back().state, executed ? LedgerState::filled : LedgerState::refused);
+    EXPECT_EQ(rig.ledger.events.back().reason, ledger_conflict);
+    EXPECT_EQ(rig.sessions.requests().conflicts(), ++count);
+  }
+  // So is the operator's word; what was only unknown contradicts nothing.
+  const SentOrder &by_hand = buy(one), &late = buy(one);
+  wait();
+  EXPECT_TRUE(rig.sessions.settle_by_hand(by_hand.id, false, "phone"));
+  EXPECT_EQ(conflicts(tell(by_hand, true)), 2) << "the row is another order's";
+  EXPECT_EQ(conflicts(tell(late, true)), 0);
+  EXPECT_EQ(rig.sessions.requests().conflicts(), 3);
 }
 
 // A ticket of two, one of each account: what the ledger does, and what becomes of them.

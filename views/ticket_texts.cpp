@@ -15,8 +15,9 @@ namespace {
 
 // In the order in which they are told.
 constexpr std::string_view outcomes[] = {
-    "closed",    "filled",  "filled in part", "working",  "done",        "cancelled",       "waiting",
-    "no margin", "refused", "not connected",  "not sent", "never taken", "settled by hand", "unknown"};
+    "closed",    "filled",      "filled in part",  "working", "done",
+    "cancelled", "waiting",     "no margin",       "refused", "not connected",
+    "not sent",  "never taken", "settled by hand", "unknown", "in conflict"};
 
 bool fills(std::string_view outcome) {
   return outcome == "closed" || outcome == "filled" || outcome == "filled in part";
@@ -57,6 +58,7 @@ std::string side(RequestKind kind, Operation side) {
 }
 
 std::string_view outcome(RequestKind kind, LedgerState state, const std::string& reason, std::int64_t code) {
+  if (reason == ledger_conflict) return "in conflict";
   switch (state) {
     case LedgerState::filled:
       return kind == RequestKind::close ? "closed" : "filled";

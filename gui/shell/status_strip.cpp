@@ -49,7 +49,9 @@ StatusStrip::StatusStrip(Main& main, Screen& screen) : main_(main) {
   waiting_->setProperty("warn", true);
   unknown_ = add_label(*this, QStringLiteral("unknown_requests"));
   unknown_->setProperty("warn", true);
-  unknown_->setToolTip(tr("Requests that nobody knows the outcome of: see the pane Unknown"));
+  unknown_->setToolTip(tr(
+      "Requests that nobody knows the outcome of: see the pane Unknown. In conflict are those of which the "
+      "server said two things: see Tickets and the journal"));
   connected_control_ = add_label(*this, QStringLiteral("connected_control"));
   progress_ = new QProgressBar{this};
   progress_->setTextVisible(false);
@@ -73,8 +75,11 @@ void StatusStrip::refresh() {
   share_room();
   refresh_connections();
   show_text(*stopped_, main_.stop_form().shows_stopped() ? tr("TRADING IS STOPPED") : QString{});
-  const int unknown = main_.sessions().requests().unknown_now();
-  show_text(*unknown_, unknown == 0 ? QString{} : QStringLiteral("%1 unknown").arg(unknown));
+  const RequestBook& requests = main_.sessions().requests();
+  QStringList doubtful;
+  if (const int count = requests.unknown_now(); count > 0) doubtful += tr("%1 unknown").arg(count);
+  if (const int count = requests.conflicts(); count > 0) doubtful += tr("%1 in conflict").arg(count);
+  show_text(*unknown_, doubtful.join(QStringLiteral(", ")));
   const frmMdiNew& form = main_.window();
   if (form.stamp() == shown_) return;
   shown_ = form.stamp();

@@ -101,7 +101,11 @@ class ScriptedClient final : public ClientAPI {
   double MinimumLot() const override { return 0.01; }
   double MaximumLot() const override { return 100.0; }
   BookEra Era() const override { return 0; }
-  RequestCode AskRequest(RequestId, BookEra) override { return request::silent; }
+  std::vector<RequestId> asked_for;
+  RequestCode AskRequest(RequestId id, BookEra) override {
+    asked_for.push_back(id);
+    return request::silent;
+  }
   std::vector<TimePoint> executions_since;  // asked for
   RequestCode AskExecutions(TimePoint since) override {
     executions_since.push_back(since);
