@@ -68,36 +68,46 @@ std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequ
   return out;
 }
 
+TicketRetry::Plan TicketRetry::plan(std::int64_t ticket, const std::vector<TicketRequest>& requests) const {
+  std::vector<std::string> left_out;
+  Plan out;
+  LotSums sums{"request"};
+  double lots = 0.0;
+  for (const Rest& each : rest_of(requests, left_out)) {
+    out.requests.push_back(each.request->id);
+    sums.add(each.request->symbol, each.request->lots);
+    lots += each.request->lots;
+  }
+  const std::string sum = lots > 0.0 ? ", " + number_text(lots_of_sum(lots)) + " lots in all" : "";
+  if (out.requests.empty()) {
+    out.question = fmt::format("Nothing of ticket {} can be sent again", ticket);
+  } else {
+    out.question =
+        fmt::format("Send {} of ticket {} again{}?", counted(out.requests.size(), "request"), ticket, sum);
+    out.details = sums.text();
+  }
+  for (const std::string& line : left_out)
+    out.details += (out.details.empty() ? "" : "\n") + line;
+  return out;
+}
+
 std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
                                                 const std::vector<TicketRequest>& requests) {
-  std::vector<std::string> left_out;
-  std::vector<Rest> rest = rest_of(requests, left_out);
-  const auto about = [&] {
-    LotSums sums{"request"};
-    for (const Rest& each : rest)
-      sums.add(each.request->symbol, each.request->lots);
-    std::string out = sums.text();
-    for (const std::string& line : left_out)
-      out += "\n" + line;
-    return out;
-  };
-  if (rest.empty()) {
-    std::string text = fmt::format("Nothing of ticket {} can be sent again", ticket);
-    for (const std::string& line : left_out)
-      text += "\n" + line;
-    general_.message_box(text);
+  const Plan now = plan(ticket, requests);
+  if (now.requests.empty()) {
+    general_.message_box(now.details.empty() ? now.question : now.question + "\n" + now.details);
     return {};
   }
-  double lots = 0.0;
-  for (const Rest& each : rest)
-    lots += each.request->lots;
-  const std::string sum = lots > 0.0 ? ", " + number_text(lots_of_sum(lots)) + " lots in all" : "";
-  const std::string question =
-      fmt::format("Send {} of ticket {} again{}?", counted(rest.size(), "request"), ticket, sum);
   constexpr int yes = 1;
-  if (general_.msg_box.GeneralQuestionMsg(question, about()) != yes) return {};
+  if (general_.msg_box.GeneralQuestionMsg(now.question, now.details) != yes) return {};
   // Events went on while the question stood.
-  rest = rest_of(requests, left_out);
+  return send_agreed(ticket, requests);
+}
+
+std::vector<const SentOrder*> TicketRetry::send_agreed(std::int64_t ticket,
+                                                       const std::vector<TicketRequest>& requests) {
+  std::vector<std::string> left_out;
+  const std::vector<Rest> rest = rest_of(requests, left_out);
   std::vector<const SentOrder*> sent;
   if (rest.empty()) return sent;
   LedgerTicket of_all;

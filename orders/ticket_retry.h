@@ -25,6 +25,17 @@ class TicketRetry {
   // as it is.
   std::vector<const SentOrder*> send(std::int64_t ticket, const std::vector<TicketRequest>& requests);
 
+  // What would be sent now, in the order of the ids, and how it is asked about. Nothing would be where
+  // `requests` is empty: then the question is why.
+  struct Plan {
+    std::vector<RequestId> requests;
+    std::string question;
+    std::string details;
+  };
+  Plan plan(std::int64_t ticket, const std::vector<TicketRequest>& requests) const;
+  // Sends what can be now, without a question: somebody has answered it.
+  std::vector<const SentOrder*> send_agreed(std::int64_t ticket, const std::vector<TicketRequest>& requests);
+
  private:
   // What is to be sent again, and who sends it.
   struct Rest {

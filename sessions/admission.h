@@ -9,6 +9,7 @@
 #include "books/books.h"
 #include "books/request_book.h"
 #include "core/MGeneral.h"
+#include "core/for_now.h"
 #include "core/stop_sign.h"
 #include "ledger/ledger.h"
 #include "sessions/held_ticket.h"
@@ -44,6 +45,8 @@ class Admission {
   void refuse(int number);
   // From now on a ticket over a limit goes all the same, and is stored with this reason.
   void override_limits(std::string reason) { override_ = std::move(reason); }
+  // The same for as long as what it answers is held; with an empty one nothing goes so meanwhile.
+  ForNow<std::string> override_for_now(std::string reason) { return {override_, std::move(reason)}; }
   // What is held of a connection that is over is refused; while trading is stopped, all of it.
   void drop_held(Sender sender);
   bool look_at_stop();
