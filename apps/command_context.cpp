@@ -11,6 +11,14 @@ namespace {
 constexpr std::chrono::milliseconds longest_pause{10};
 }
 
+std::string held_text(const HeldTicket& ticket) {
+  std::string why;
+  for (const limits::Breach& each : ticket.breaches)
+    why += "\n  " + limits::text(each);
+  return fmt::format("Not sent, {} requests; --override REASON sends them all the same:{}",
+                     ticket.asked.size(), why);
+}
+
 bool CommandContext::run_until(const std::function<bool()>& done) {
   const auto deadline = ports_.clock.elapsed() + options_.timeout;
   for (;;) {
@@ -57,11 +65,7 @@ void CommandContext::refuse_held() const {
   Admission& admission = main().sessions().admission();
   while (!admission.held().empty()) {
     const HeldTicket& ticket = admission.held().front();
-    std::string why;
-    for (const limits::Breach& each : ticket.breaches)
-      why += "\n  " + limits::text(each);
-    console().fail("Not sent, {} requests; --override REASON sends them all the same:{}", ticket.asked.size(),
-                   why);
+    console().fail(held_text(ticket));
     admission.refuse(ticket.number);
   }
 }

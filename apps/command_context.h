@@ -30,6 +30,9 @@ struct CommandOptions {
   std::chrono::milliseconds timeout{40'000};  // for the logins, and again for the answers
 };
 
+// What is said of a ticket that is held over a limit and refused.
+std::string held_text(const HeldTicket& ticket);
+
 // What a command works with: the terminal, the console it prints to, and the time that goes by while it
 // waits.
 class CommandContext {

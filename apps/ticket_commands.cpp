@@ -8,7 +8,7 @@
 #include "apps/output.h"
 #include "apps/requests_report.h"
 #include "apps/requote_answer.h"
-#include "apps/stored_fill.h"
+#include "apps/sent_lines.h"
 #include "apps/times.h"
 #include "core/numbers.h"
 #include "ledger/ledger_reader.h"
@@ -22,37 +22,22 @@ Json text_or_null(std::string_view text) {
   return text.empty() ? Json{} : Json(std::string{text});
 }
 
-// One line per request that was sent, as the other commands that send have it.
-void print_sent(CommandContext& context, const std::vector<const SentOrder*>& sent) {
+SentLines lines_of(CommandContext& context, const std::vector<const SentOrder*>& sent) {
+  SentLines out;
   std::vector<RequestId> ids;
-  for (const SentOrder* each : sent)
-    ids.push_back(each->id);
-  const auto stored = context.stored(ids);
-  Records records{
-      {"account", "kind", "share", "request_code", "accepted", "result", "order", "filled", "price", "time"}};
-  TextTable table{
-      {{"Account", true}, {"What"}, {"Share", true}, {"Order", true}, {"Price", true}, {"Result"}}};
   for (const SentOrder* each : sent) {
-    const StoredFill fill{stored, each->id};
-    const std::string result = RequestsReport::result(each);
-    const bool accepted = each->outcome == SentOrder::Outcome::accepted;
-    std::vector<Json> values{each->account,
-                             std::string{ledger_words::of(each->kind)},
-                             each->amount > 0.0 ? json_number(each->amount) : Json{},
-                             format_as(each->request_code),
-                             accepted,
-                             result,
-                             fill.order()};
-    fill.add_to(values);
-    records.add(std::move(values));
-    table.add({std::to_string(each->account), std::string{ticket_texts::what(each->kind)},
-               each->amount > 0.0 ? number_text(each->amount) : "", fill.order_text(), fill.price_text(),
-               result});
+    ids.push_back(each->id);
+    out.lines.push_back({.request = each->id,
+                         .account = each->account,
+                         .kind = each->kind,
+                         .share = each->amount,
+                         .request_code = format_as(each->request_code),
+                         .accepted = each->outcome == SentOrder::Outcome::accepted,
+                         .unknown = !each->settled() || each->outcome == SentOrder::Outcome::unknown,
+                         .result = RequestsReport::result(each)});
   }
-  context.print("requests", records, context.totals_and_journal(), [&] {
-    Main& main = context.main();
-    return fmt::format("{}{}\n\n{}", table.text(), main.window().totals_pane(), journal_text(main));
-  });
+  out.stored = context.stored(ids);
+  return out;
 }
 
 }  // namespace
@@ -92,14 +77,18 @@ int tickets_command(const HomeContext& context, int count) {
   return exit_status::all_accepted;
 }
 
+void tell_settled(Console& console, const SettleArguments& arguments) {
+  console.tell("Request {} was settled as {}", arguments.request,
+               arguments.executed ? hand_filled : hand_not_executed);
+}
+
 int settle_command(CommandContext& context, const SettleArguments& arguments) {
   if (!context.main().sessions().settle_by_hand(arguments.request, arguments.executed, arguments.note)) {
     context.console().fail("Request {} is none whose outcome is unknown: tuttictl unknown names them",
                            arguments.request);
     return exit_status::usage;
   }
-  context.console().tell("Request {} was settled as {}", arguments.request,
-                         arguments.executed ? hand_filled : hand_not_executed);
+  tell_settled(context.console(), arguments);
   return exit_status::all_accepted;
 }
 
@@ -113,21 +102,16 @@ int retry_command(CommandContext& context, const RetryArguments& arguments) {
   context.main().sessions().admission().override_limits(arguments.over_limits);
   const auto sent = context.main().ticket_retry().send(arguments.ticket, *requests);
   context.refuse_held();
-  run_answering(context, arguments.requote, [&] {
+  run_answering(context, arguments.requote.value_or(RequoteReply::reject), [&] {
     return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
   });
   context.journal_unanswered();
-  print_sent(context, sent);
-  if (std::any_of(sent.begin(), sent.end(), [](const SentOrder* each) {
-        return !each->settled() || each->outcome == SentOrder::Outcome::unknown;
-      }))
-    return exit_status::some_unknown;
-  const auto wanted = std::count_if(requests->begin(), requests->end(),
-                                    [](const TicketRequest& each) { return each.may_be_retried(); });
-  const auto done = std::count_if(sent.begin(), sent.end(), [](const SentOrder* each) {
-    return each->outcome == SentOrder::Outcome::accepted;
-  });
-  return done == wanted ? exit_status::all_accepted : exit_status::some_refused;
+  const SentLines lines = lines_of(context, sent);
+  context.console().print(lines.report(context.form(), context.totals_and_journal(), [&] {
+    Main& main = context.main();
+    return fmt::format("{}\n\n{}", main.window().totals_pane(), journal_text(main));
+  }));
+  return lines.status(*requests);
 }
 
 }  // namespace tutti
