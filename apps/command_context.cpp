@@ -11,6 +11,14 @@ namespace {
 constexpr std::chrono::milliseconds longest_pause{10};
 }
 
+std::string held_text(const HeldTicket& ticket) {
+  std::string why;
+  for (const limits::Breach& each : ticket.breaches)
+    why += "\n  " + limits::text(each);
+  return fmt::format("Not sent, {} requests; --override REASON sends them all the same:{}",
+                     ticket.asked.size(), why);
+}
+
 bool CommandContext::run_until(const std::function<bool()>& done) {
   const auto deadline = ports_.clock.elapsed() + options_.timeout;
   for (;;) {
@@ -57,11 +65,7 @@ void CommandContext::refuse_held() const {
   Admission& admission = main().sessions().admission();
   while (!admission.held().empty()) {
     const HeldTicket& ticket = admission.held().front();
-    std::string why;
-    for (const limits::Breach& each : ticket.breaches)
-      why += "\n  " + limits::text(each);
-    console().fail("Not sent, {} requests; --override REASON sends them all the same:{}", ticket.asked.size(),
-                   why);
+    console().fail(held_text(ticket));
     admission.refuse(ticket.number);
   }
 }
@@ -69,6 +73,12 @@ void CommandContext::refuse_held() const {
 void CommandContext::journal_unanswered() {
   for (const auto& session : main().sessions().Children())
     session->journal_unanswered("late");
+}
+
+void CommandContext::print(const SentLines& lines) const {
+  console().print(lines.report(form(), totals_and_journal(), [this] {
+    return fmt::format("{}\n\n{}", main().window().totals_pane(), journal_text(main()));
+  }));
 }
 
 std::map<RequestId, TicketRequest> CommandContext::stored(const std::vector<RequestId>& requests) const {

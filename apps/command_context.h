@@ -10,6 +10,7 @@
 
 #include "apps/console.h"
 #include "apps/output.h"
+#include "apps/sent_lines.h"
 #include "apps/terminal.h"
 #include "core/clock.h"
 #include "dealer/link/dealing_server.h"
@@ -29,6 +30,9 @@ struct CommandOptions {
   OutputForm form = OutputForm::text;
   std::chrono::milliseconds timeout{40'000};  // for the logins, and again for the answers
 };
+
+// What is said of a ticket that is held over a limit and refused.
+std::string held_text(const HeldTicket& ticket);
 
 // What a command works with: the terminal, the console it prints to, and the time that goes by while it
 // waits.
@@ -52,6 +56,8 @@ class CommandContext {
              const std::function<std::string()>& text) const {
     console().print(report_text(form(), name, records, more, text));
   }
+  // The same of what was sent, with the totals and the journal of this run.
+  void print(const SentLines& lines) const;
   // What a command that sends tells beside its records.
   Json totals_and_journal() const {
     return {{"totals", totals_json(main())}, {"journal", journal_json(main(), clock())}};

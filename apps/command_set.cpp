@@ -98,10 +98,13 @@ CLI::Option* add_choice(CLI::App& command, const std::string& name, Value& out,
       ->type_name(names);
 }
 
-void add_requote(CLI::App& command, RequoteReply& out) {
-  add_choice(command, "--requote", out,
-             {{"accept", RequoteReply::accept}, {"reject", RequoteReply::reject}, {"ask", RequoteReply::ask}},
-             "What to answer when the dealer offers another price; reject when not given");
+// `Reply`: RequoteReply, or optional where it counts whether it was given.
+template <class Reply>
+void add_requote(CLI::App& command, Reply& out) {
+  add_choice<Reply>(
+      command, "--requote", out,
+      {{"accept", RequoteReply::accept}, {"reject", RequoteReply::reject}, {"ask", RequoteReply::ask}},
+      "What to answer when the dealer offers another price; reject when not given");
 }
 
 // What the boxes take as it is typed: digits and one ".".
@@ -255,7 +258,10 @@ Command add_retry(CLI::App& app) {
           "0 all of it was accepted, or there was nothing left, 1 some refused or left out, 4 the outcome of "
           "some "
           "is unknown");
-  return {.app = &command, .effect = Effect::sends, .run = with(retry_command, arguments)};
+  return {.app = &command,
+          .effect = Effect::sends,
+          .run = with(retry_command, arguments),
+          .read = [arguments](const HomeContext& context) { return retry_beside(context, *arguments); }};
 }
 
 Command add_settle(CLI::App& app) {
@@ -272,7 +278,11 @@ Command add_settle(CLI::App& app) {
       ->check(check_filled);
   explain(command, "tuttictl settle 256354791741335552 --as not-executed --note \"broker by phone\"",
           "0 it is settled");
-  return {.app = &command, .effect = Effect::sends, .logs_in = false, .run = with(settle_command, arguments)};
+  return {.app = &command,
+          .effect = Effect::sends,
+          .logs_in = false,
+          .run = with(settle_command, arguments),
+          .read = [arguments](const HomeContext& context) { return settle_beside(context, *arguments); }};
 }
 
 Command add_tickets(CLI::App& app) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/command_context.h"
+#include "apps/terminal_link.h"
 #include "ledger/ledger_queries.h"
 
 // The commands of the command line. Each prints to standard output and answers the exit status.
@@ -70,7 +71,7 @@ struct RowsArguments : AccountArguments {
 // The rest of an act, to be sent again.
 struct RetryArguments {
   std::int64_t ticket = 0;
-  RequoteReply requote = RequoteReply::reject;
+  std::optional<RequoteReply> requote;
   std::string over_limits;  // as in SplitArguments
 };
 
@@ -86,6 +87,7 @@ struct HomeContext {
   Console& console;
   const TerminalOptions& terminal;
   OutputForm form = OutputForm::text;
+  const TerminalLink& link;  // to the terminal that has the folder, if one has
 };
 
 // The ledger: what is wrong with it; a copy of it; all its rows as JSON, one in a line.
@@ -99,8 +101,13 @@ int tickets_command(const HomeContext& context, int count);
 // What was filled, and what it brought.
 int fills_command(const HomeContext& context, const FillFilter& filter);
 
-// Stops trading before anything else, whoever has the folder; nothing: what follows needs a terminal.
+void tell_settled(Console& console, const SettleArguments& arguments);
+// Stops trading before anything else, whoever has the folder. What follows the terminal does that has it;
+// nothing: none has, and it needs one.
 std::optional<int> stop_at_once(const HomeContext& context, const StopArguments& arguments);
+// What these two come to in a folder that a terminal has, which carries them out; nothing: none has it.
+std::optional<int> settle_beside(const HomeContext& context, const SettleArguments& arguments);
+std::optional<int> retry_beside(const HomeContext& context, const RetryArguments& arguments);
 int stop_command(CommandContext& context, const StopArguments& arguments);
 int accounts_command(CommandContext& context);
 int order_command(CommandContext& context, const OrderArguments& arguments);

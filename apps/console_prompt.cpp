@@ -28,6 +28,13 @@ void ConsolePrompt::run(frmSure& box) {
   }
 }
 
+bool agreed(Console& console, bool yes, std::string_view question, std::string_view details) {
+  ConsolePrompt prompt{console, yes};
+  MessageQueue nothing_waits;
+  constexpr int pressed_yes = 1;
+  return frmMsgBox{prompt, nothing_waits}.GeneralQuestionMsg(question, details) == pressed_yes;
+}
+
 void ConsolePrompt::system_box(std::string_view text, std::string_view caption) {
   console_.tell("{}: {}", caption, text);
 }

@@ -26,6 +26,9 @@ class ConsolePrompt final : public Prompt {
   bool yes_;
 };
 
+// Asks that way what somebody else is to do; true: yes.
+bool agreed(Console& console, bool yes, std::string_view question, std::string_view details = {});
+
 class SilentSound final : public SoundPort {
  public:
   void play(const std::string&) override {}

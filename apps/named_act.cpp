@@ -3,57 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
 
 #include "apps/requote_answer.h"
-#include "apps/sent_report.h"
-#include "views/ticket_texts.h"
+#include "apps/sent_lines.h"
 
 namespace tutti {
-namespace {
-
-bool accepted(const TicketRequest& request) {
-  switch (request.state) {
-    case LedgerState::filled:
-    case LedgerState::part:
-    case LedgerState::part_filled:
-    case LedgerState::working:
-    case LedgerState::done:
-      return true;
-    case LedgerState::hand:
-      return request.reason == hand_filled;
-    default:
-      return false;
-  }
-}
-
-bool open(const TicketRequest& request) {
-  switch (request.state) {
-    case LedgerState::taken:
-    case LedgerState::pending:
-    case LedgerState::unknown:
-    case LedgerState::gone:
-      return true;
-    default:
-      return false;
-  }
-}
-
-SentLine line(const TicketRequest& request) {
-  std::string result{ticket_texts::outcome(request.kind, request.state, request.reason, request.code)};
-  const std::string why = ticket_texts::why(request);
-  if (!accepted(request) && !why.empty()) result += ": " + why;
-  return {.request = request.id,
-          .account = request.account.account,
-          .kind = request.kind,
-          .lots = request.lots,
-          .code = std::nullopt,
-          .accepted = accepted(request),
-          .result = std::move(result)};
-}
-
-}  // namespace
-
 NamedAct& NamedAct::with(const std::string& name, const std::string& value) {
   // A value ends where its length says, whatever it holds.
   plan_ += fmt::format("\n{} {} {}", name, value.size(), value);
@@ -95,20 +49,21 @@ int NamedAct::go_on(const NamedTicket& ticket, RequoteReply requote) {
     return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
   });
   context_.journal_unanswered();
-  const std::vector<TicketRequest> all = outcomes(ticket.number);
-  std::vector<SentLine> lines;
-  for (const TicketRequest& each : all)
-    lines.push_back(line(each));
+  const SentLines all = SentLines::of(outcomes(ticket.number));
+  const auto planned = static_cast<std::size_t>(ticket.planned);
   context_.console().tell("--id {} was asked for before, as ticket {}: {} of its {} requests were sent now",
                           id_, ticket.number, sent.size(), ticket.planned);
-  if (all.size() < static_cast<std::size_t>(ticket.planned))
+  if (all.lines.size() < planned)
     context_.console().fail("{} requests of it were never stored, and are not sent under this name",
-                            static_cast<std::size_t>(ticket.planned) - all.size());
-  print_sent(context_, lines);
-  if (std::any_of(all.begin(), all.end(), open)) return exit_status::some_unknown;
-  const bool done =
-      all.size() == static_cast<std::size_t>(ticket.planned) && std::all_of(all.begin(), all.end(), accepted);
-  return done ? exit_status::all_accepted : exit_status::some_refused;
+                            planned - all.lines.size());
+  context_.print(all);
+  const auto is = [&](bool SentLines::Line::*what) {
+    return std::count_if(all.lines.begin(), all.lines.end(),
+                         [&](const SentLines::Line& each) { return each.*what; });
+  };
+  if (is(&SentLines::Line::unknown) > 0) return exit_status::some_unknown;
+  return static_cast<std::size_t>(is(&SentLines::Line::accepted)) == planned ? exit_status::all_accepted
+                                                                             : exit_status::some_refused;
 }
 
 std::vector<TicketRequest> NamedAct::outcomes(std::int64_t ticket) const {

@@ -116,6 +116,15 @@ tl::expected<void, FileError> Terminal::write_first_list() {
   return SavedLists{files, paths}.write_all(records);
 }
 
+tl::expected<void, FileError> Terminal::listen(std::function<bool()> occupied) {
+  auto listener = LocalListener::open(options_.home, TerminalControl::socket_name);
+  if (!listener) return tl::unexpected(listener.error());
+  control_.emplace(*main_, *ledger_, reads_, std::move(occupied));
+  listens_.emplace(std::move(*listener), ports_.clock,
+                   [this](std::string_view question) { return control_->take(question); });
+  return {};
+}
+
 std::size_t Terminal::advance(std::size_t limit) {
   backend_->advance();
   tell_notices();
@@ -124,6 +133,7 @@ std::size_t Terminal::advance(std::size_t limit) {
   if (const std::uint64_t saved = ledger_->saved(); saved != kept_) backend_->kept(kept_ = saved);
   tell_notices();
   main_->poll_timers(delivered == limit);
+  if (listens_) listens_->poll();
   return delivered;
 }
 
@@ -131,6 +141,12 @@ std::optional<TimePoint> Terminal::next_due() const {
   std::optional<TimePoint> due = backend_->next_due();
   if (const auto turn = main_->sessions().next_turn()) {
     const TimePoint at = ports_.clock.now() + (*turn - ports_.clock.elapsed());
+    due = due ? std::min(*due, at) : at;
+  }
+  // Who asks waits for the next step.
+  constexpr std::chrono::milliseconds soon{10};
+  if (listens_ && listens_->connections() > 0) {
+    const TimePoint at = ports_.clock.now() + soon;
     due = due ? std::min(*due, at) : at;
   }
   return due;

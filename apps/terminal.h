@@ -11,6 +11,8 @@
 
 #include <tl/expected.hpp>
 
+#include "apps/line_server.h"
+#include "apps/terminal_control.h"
 #include "core/clock.h"
 #include "core/file_dialog.h"
 #include "core/home_lock.h"
@@ -80,6 +82,10 @@ class Terminal {
   tl::expected<void, FileError> keep();
   const TerminalOptions& options() const { return options_; }
 
+  // Takes what other programs ask of this terminal from now on, through a socket in its home folder;
+  // `occupied` as TerminalControl takes it. It goes with the terminal.
+  tl::expected<void, FileError> listen(std::function<bool()> occupied);
+
   // Brings the backend up to the clock, delivers up to `limit` events and runs the timers that are due;
   // answers how many events were delivered. As many as the limit: there may be more.
   std::size_t advance(std::size_t limit = std::numeric_limits<std::size_t>::max());
@@ -109,6 +115,8 @@ class Terminal {
   LedgerWatch reads_{options_.home, options_.key_file};
   std::unique_ptr<StopFile> stop_;
   std::unique_ptr<Main> main_;
+  std::optional<TerminalControl> control_;
+  std::optional<LineServer> listens_;
 };
 
 }  // namespace tutti

@@ -8,7 +8,7 @@
 #include "apps/output.h"
 #include "apps/requests_report.h"
 #include "apps/requote_answer.h"
-#include "apps/sent_report.h"
+#include "apps/sent_lines.h"
 #include "apps/times.h"
 #include "core/numbers.h"
 #include "ledger/ledger_reader.h"
@@ -20,6 +20,24 @@ namespace {
 
 Json text_or_null(std::string_view text) {
   return text.empty() ? Json{} : Json(std::string{text});
+}
+
+SentLines lines_of(CommandContext& context, const std::vector<const SentOrder*>& sent) {
+  SentLines out;
+  std::vector<RequestId> ids;
+  for (const SentOrder* each : sent) {
+    ids.push_back(each->id);
+    out.lines.push_back({.request = each->id,
+                         .account = each->account,
+                         .kind = each->kind,
+                         .share = each->amount,
+                         .request_code = format_as(each->request_code),
+                         .accepted = each->outcome == SentOrder::Outcome::accepted,
+                         .unknown = !each->settled() || each->outcome == SentOrder::Outcome::unknown,
+                         .result = RequestsReport::result(each)});
+  }
+  out.stored = context.stored(ids);
+  return out;
 }
 
 }  // namespace
@@ -59,14 +77,18 @@ int tickets_command(const HomeContext& context, int count) {
   return exit_status::all_accepted;
 }
 
+void tell_settled(Console& console, const SettleArguments& arguments) {
+  console.tell("Request {} was settled as {}", arguments.request,
+               arguments.executed ? hand_filled : hand_not_executed);
+}
+
 int settle_command(CommandContext& context, const SettleArguments& arguments) {
   if (!context.main().sessions().settle_by_hand(arguments.request, arguments.executed, arguments.note)) {
     context.console().fail("Request {} is none whose outcome is unknown: tuttictl unknown names them",
                            arguments.request);
     return exit_status::usage;
   }
-  context.console().tell("Request {} was settled as {}", arguments.request,
-                         arguments.executed ? hand_filled : hand_not_executed);
+  tell_settled(context.console(), arguments);
   return exit_status::all_accepted;
 }
 
@@ -80,30 +102,13 @@ int retry_command(CommandContext& context, const RetryArguments& arguments) {
   context.main().sessions().admission().override_limits(arguments.over_limits);
   const auto sent = context.main().ticket_retry().send(arguments.ticket, *requests);
   context.refuse_held();
-  run_answering(context, arguments.requote, [&] {
+  run_answering(context, arguments.requote.value_or(RequoteReply::reject), [&] {
     return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
   });
   context.journal_unanswered();
-  std::vector<SentLine> lines;
-  for (const SentOrder* each : sent)
-    lines.push_back({.request = each->id,
-                     .account = each->account,
-                     .kind = each->kind,
-                     .lots = each->amount,
-                     .code = each->request_code,
-                     .accepted = each->outcome == SentOrder::Outcome::accepted,
-                     .result = RequestsReport::result(each)});
-  print_sent(context, lines);
-  if (std::any_of(sent.begin(), sent.end(), [](const SentOrder* each) {
-        return !each->settled() || each->outcome == SentOrder::Outcome::unknown;
-      }))
-    return exit_status::some_unknown;
-  const auto wanted = std::count_if(requests->begin(), requests->end(),
-                                    [](const TicketRequest& each) { return each.may_be_retried(); });
-  const auto done = std::count_if(sent.begin(), sent.end(), [](const SentOrder* each) {
-    return each->outcome == SentOrder::Outcome::accepted;
-  });
-  return done == wanted ? exit_status::all_accepted : exit_status::some_refused;
+  const SentLines lines = lines_of(context, sent);
+  context.print(lines);
+  return lines.status(*requests);
 }
 
 }  // namespace tutti

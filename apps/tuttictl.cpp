@@ -11,6 +11,7 @@
 #include "apps/command_set.h"
 #include "apps/console_prompt.h"
 #include "apps/open_backend.h"
+#include "apps/terminal_link.h"
 #include "core/numbers.h"
 
 namespace tutti {
@@ -97,6 +98,15 @@ int finish_report(const Command& command, Console& console, int status) {
   return exit_status::unreadable_data;
 }
 
+// Has the terminal that has the folder, if one has, store what it knows; false, after a message, when it
+// doesn't.
+bool all_is_stored(const TerminalLink& link, Console& console) {
+  const auto stored = link.ask({{"do", "flush"}});
+  if (stored || stored.error().nobody) return true;
+  console.fail("The newest may be missing. {}", stored.error().text);
+  return false;
+}
+
 int run(const Command& command, const CommonOptions& options, const CommandPorts& ports) {
   Console& console = ports.console;
   if (const std::string unknown = unknown_home(options.terminal); !unknown.empty()) {
@@ -104,8 +114,11 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
     return exit_status::usage;
   }
   if (command.read) {
-    if (const auto status = command.read({console, options.terminal, options.command.form}))
-      return finish_report(command, console, *status);
+    const TerminalLink link{options.terminal.home, ports, options.command.timeout};
+    // What only reads finds all that a terminal knows which has the folder.
+    const bool all_there = command.effect == Command::Effect::sends || all_is_stored(link, console);
+    if (const auto status = command.read({console, options.terminal, options.command.form, link}))
+      return finish_report(command, console, all_there ? *status : exit_status::unreadable_data);
   }
   if (const auto refused = ask_for_fresh(options.terminal, console)) return *refused;
   ConsolePrompt prompt{console, options.terminal.yes};

@@ -25,7 +25,7 @@ int frmMsgBox::GeneralQuestionMsg(std::string_view text, std::string_view detail
 
 int frmMsgBox::MessageBox(const Message& message, Icon icon) {
   const bool question = !message.button2.empty();
-  if (queue_.in_handler()) {
+  if (queue_.in_handler() || queue_.quiet()) {
     queue_.post(message);
     return question ? no : 0;
   }

@@ -15,7 +15,7 @@ namespace tutti {
 // Message form: the box for warnings, notes and questions.
 //
 // Called from an operator's action it waits for the button; called while an event handler runs it queues the
-// message and returns 0 at once, since a handler never waits.
+// message and returns 0 at once, since a handler never waits. So it does where somebody else acts.
 class frmMsgBox {
  public:
   enum class Icon { none, stop, note, question };

@@ -4,6 +4,7 @@
 #include <deque>
 #include <utility>
 
+#include "core/for_now.h"
 #include "core/message.h"
 
 namespace tutti {
@@ -24,7 +25,18 @@ class MessageQueue {
     MessageQueue& queue_;
   };
 
+  // Held while somebody else than the operator acts: what would be a box that waits is queued, and a question
+  // is answered with no.
+  class QuietScope {
+   public:
+    explicit QuietScope(MessageQueue& queue) : quiet_(queue.quiet_, true) {}
+
+   private:
+    ForNow<bool> quiet_;
+  };
+
   bool in_handler() const { return handlers_ > 0; }
+  bool quiet() const { return quiet_; }
   void post(Message message) { waiting_.push_back(std::move(message)); }
 
   // The message on show, nullptr when none.
@@ -39,6 +51,7 @@ class MessageQueue {
  private:
   std::deque<Message> waiting_;
   int handlers_ = 0;
+  bool quiet_ = false;
 };
 
 }  // namespace tutti

@@ -175,6 +175,11 @@ std::string LedgerWriter::fault() const {
   return fault_;
 }
 
+std::uint64_t LedgerWriter::told() const {
+  const std::lock_guard lock{mutex_};
+  return told_;
+}
+
 std::uint64_t LedgerWriter::saved() const {
   const std::lock_guard lock{mutex_};
   return saved_;

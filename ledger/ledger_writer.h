@@ -59,7 +59,8 @@ class LedgerWriter final : public Ledger {
 
   // What the operator must be told of the last run's end; empty mostly.
   const std::string& notice() const { return notice_; }
-  // How much of what was told is on the disk, counted over the run.
+  // How much was told, counted over the run, and how much of that is on the disk.
+  std::uint64_t told() const;
   std::uint64_t saved() const;
   // Waits until all that was told is on the disk, so long at most; false when it isn't.
   bool flush(std::chrono::milliseconds most);

@@ -34,8 +34,8 @@ std::size_t entry_orders_of(const AccountClient& client) {
 
 frmStop::frmStop(MGeneral& general, CClientAPIManagers& sessions, const Books& books)
     : general_(general), sessions_(sessions), books_(books) {
-  cmdCarryOut.on_click = [this] { carry_out(); };
-  cmdEnd.on_click = [this] { end(); };
+  cmdCarryOut.on_click = [this] { carry_out(chkOrders.checked(), chkPositions.checked()); };
+  cmdEnd.on_click = [this] { end("the operator"); };
   cmdHide.on_click = [this] { Displayed(false); };
   chkOrders.on_click = chkPositions.on_click = [this] { enable_carry_out(); };
 }
@@ -149,10 +149,10 @@ void frmStop::enable_carry_out() {
   cmdCarryOut.set_enabled(wanted(chkOrders) || wanted(chkPositions));
 }
 
-void frmStop::carry_out() {
+void frmStop::carry_out(bool cancel_orders, bool close_positions) {
   if (!stopped()) return;
   const LedgerTicket about{.origin = TicketOrigin::stop};
-  if (chkOrders.checked()) {
+  if (cancel_orders) {
     std::vector<std::pair<CClientAPIManager*, std::int64_t>> orders;
     for (const OrderBook::Record* order : books_.orders.all()) {
       CClientAPIManager* session = sessions_.logged_in(order->account);
@@ -169,7 +169,7 @@ void frmStop::carry_out() {
         },
         about);
   }
-  if (chkPositions.checked() && close) {
+  if (close_positions && close) {
     struct Position {
       std::int64_t ticket;
       double amount;
@@ -188,11 +188,11 @@ void frmStop::carry_out() {
   list_open();
 }
 
-void frmStop::end() {
+void frmStop::end(std::string_view by) {
   if (const auto ended = sessions_.admission().stop().clear(); !ended)
     return general_.message_box("The stop can't be ended: " + ended.error().text());
   was_stopped_ = false;
-  general_.log("The stop is ended by the operator: trading goes on", no_account);
+  general_.log(fmt::format("The stop is ended by {}: trading goes on", by), no_account);
   Displayed(false);
   list_open();
 }

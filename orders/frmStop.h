@@ -39,6 +39,10 @@ class frmStop final : public Displayable, public PositionBook::Observer {
 
   // Stops at once. `by`: who says so, for the journal and the sign.
   void stop(std::string_view by);
+  // Cancels all entry orders, closes all positions, or both, while trading is stopped; what the button does.
+  void carry_out(bool cancel_orders, bool close_positions);
+  // Ends the stop, which the operator's button does too; where it can't be, says so.
+  void end(std::string_view by);
   bool stopped() const { return sessions_.admission().stop().stopped(); }
   // As it was at the last heartbeat.
   bool shows_stopped() const { return was_stopped_; }
@@ -74,8 +78,6 @@ class frmStop final : public Displayable, public PositionBook::Observer {
   std::function<bool(std::int64_t ticket, double amount, std::int32_t account)> close;
 
  private:
-  void carry_out();
-  void end();
   void list_open();
   void enable_carry_out();
 

@@ -68,37 +68,46 @@ std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequ
   return out;
 }
 
+TicketRetry::Plan TicketRetry::plan(std::int64_t ticket, const std::vector<TicketRequest>& requests) const {
+  std::vector<std::string> left_out;
+  Plan out;
+  LotSums sums{"request"};
+  double lots = 0.0;
+  for (const Rest& each : rest_of(requests, &TicketRetry::had_no_effect, left_out)) {
+    out.requests.push_back(each.request->id);
+    sums.add(each.request->symbol, each.request->lots);
+    lots += each.request->lots;
+  }
+  const std::string sum = lots > 0.0 ? ", " + number_text(lots_of_sum(lots)) + " lots in all" : "";
+  if (out.requests.empty()) {
+    out.question = fmt::format("Nothing of ticket {} can be sent again", ticket);
+  } else {
+    out.question =
+        fmt::format("Send {} of ticket {} again{}?", counted(out.requests.size(), "request"), ticket, sum);
+    out.details = sums.text();
+  }
+  for (const std::string& line : left_out)
+    out.details += (out.details.empty() ? "" : "\n") + line;
+  return out;
+}
+
 std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
                                                 const std::vector<TicketRequest>& requests) {
-  std::vector<std::string> left_out;
-  const Wanted wanted = [](const TicketRequest& each) { return each.may_be_retried(); };
-  std::vector<Rest> rest = rest_of(requests, wanted, left_out);
-  const auto about = [&] {
-    LotSums sums{"request"};
-    for (const Rest& each : rest)
-      sums.add(each.request->symbol, each.request->lots);
-    std::string out = sums.text();
-    for (const std::string& line : left_out)
-      out += "\n" + line;
-    return out;
-  };
-  if (rest.empty()) {
-    std::string text = fmt::format("Nothing of ticket {} can be sent again", ticket);
-    for (const std::string& line : left_out)
-      text += "\n" + line;
-    general_.message_box(text);
+  const Plan now = plan(ticket, requests);
+  if (now.requests.empty()) {
+    general_.message_box(now.details.empty() ? now.question : now.question + "\n" + now.details);
     return {};
   }
-  double lots = 0.0;
-  for (const Rest& each : rest)
-    lots += each.request->lots;
-  const std::string sum = lots > 0.0 ? ", " + number_text(lots_of_sum(lots)) + " lots in all" : "";
-  const std::string question =
-      fmt::format("Send {} of ticket {} again{}?", counted(rest.size(), "request"), ticket, sum);
   constexpr int yes = 1;
-  if (general_.msg_box.GeneralQuestionMsg(question, about()) != yes) return {};
+  if (general_.msg_box.GeneralQuestionMsg(now.question, now.details) != yes) return {};
   // Events went on while the question stood.
-  return send_again(ticket, rest_of(requests, wanted, left_out));
+  return send_agreed(ticket, requests);
+}
+
+std::vector<const SentOrder*> TicketRetry::send_agreed(std::int64_t ticket,
+                                                       const std::vector<TicketRequest>& requests) {
+  std::vector<std::string> left_out;
+  return send_again(ticket, rest_of(requests, &TicketRetry::had_no_effect, left_out));
 }
 
 std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
@@ -109,7 +118,7 @@ std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
   std::vector<std::string> not_again;
   const std::vector<Rest> never = rest_of(
       requests,
-      [](const TicketRequest& each) { return each.state == LedgerState::never && each.may_be_retried(); },
+      [](const TicketRequest& each) { return each.state == LedgerState::never && had_no_effect(each); },
       not_again);
   left_out.insert(left_out.end(), not_again.begin(), not_again.end());
   std::vector<const SentOrder*> sent;

@@ -29,6 +29,17 @@ class TicketRetry {
   // again.
   std::vector<const SentOrder*> go_on(std::int64_t ticket, const std::vector<TicketRequest>& requests);
 
+  // What would be sent now, in the order of the ids, and how it is asked about. Nothing would be where
+  // `requests` is empty: then the question is why.
+  struct Plan {
+    std::vector<RequestId> requests;
+    std::string question;
+    std::string details;
+  };
+  Plan plan(std::int64_t ticket, const std::vector<TicketRequest>& requests) const;
+  // Sends what can be now, without a question: somebody has answered it.
+  std::vector<const SentOrder*> send_agreed(std::int64_t ticket, const std::vector<TicketRequest>& requests);
+
  private:
   // What is to be sent again, and who sends it.
   struct Rest {
@@ -37,6 +48,7 @@ class TicketRetry {
   };
 
   using Wanted = bool (*)(const TicketRequest&);
+  static bool had_no_effect(const TicketRequest& request) { return request.may_be_retried(); }
   std::vector<Rest> rest_of(const std::vector<TicketRequest>& requests, Wanted wanted,
                             std::vector<std::string>& left_out) const;
   std::vector<const SentOrder*> send_again(std::int64_t ticket, const std::vector<Rest>& rest);

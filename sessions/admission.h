@@ -9,6 +9,7 @@
 #include "books/books.h"
 #include "books/request_book.h"
 #include "core/MGeneral.h"
+#include "core/for_now.h"
 #include "core/stop_sign.h"
 #include "ledger/ledger.h"
 #include "sessions/held_ticket.h"
@@ -49,6 +50,8 @@ class Admission {
     key_ = std::move(key);
     plan_ = std::move(plan);
   }
+  // The same for as long as what it answers is held; with an empty one nothing goes so meanwhile.
+  ForNow<std::string> override_for_now(std::string reason) { return {override_, std::move(reason)}; }
   // What is held of a connection that is over is refused; while trading is stopped, all of it.
   void drop_held(Sender sender);
   bool look_at_stop();

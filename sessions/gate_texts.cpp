@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace tutti::gate_texts {
 namespace {
 
@@ -44,6 +47,12 @@ std::string_view row(const SentOrder& request) {
 
 std::string_view reason(NotSent why) {
   return of(why).reason;
+}
+
+std::string_view row_of(std::string_view reason) {
+  const auto* at = std::find_if(std::begin(table), std::end(table),
+                                [reason](const Texts& each) { return each.reason == reason; });
+  return at == std::end(table) ? std::string_view{} : at->dropped;
 }
 
 std::string not_stored(const std::string& why) {

@@ -85,6 +85,8 @@ int run(Terminal& terminal, DesktopPrompt& prompt, DesktopSound& sound, DesktopF
   // Start-up has run these before there was a window to bring up.
   for (const int command : {frmMdiNew::show_accounts, frmMdiNew::show_journal})
     terminal.main().window().execute(command);
+  if (const auto listens = terminal.listen(&DesktopPrompt::box_stands); !listens)
+    terminal.main().general().log("tuttictl can't reach this terminal: " + listens.error().text(), -1);
   Heartbeat heartbeat{screen,
                       terminal.main().general().clock,
                       {[&terminal](std::size_t limit) { return terminal.advance(limit); },

@@ -37,6 +37,10 @@ MessageWindow::Content message(std::string_view text, std::string_view details, 
 
 }  // namespace
 
+bool DesktopPrompt::box_stands() {
+  return QApplication::activeModalWidget() != nullptr;
+}
+
 void DesktopPrompt::run(frmMsgBox& box) {
   const bool asks = box.cmd2.visible();
   const auto answer =

@@ -23,6 +23,9 @@ class DesktopPrompt final : public Prompt {
   // Boxes stand over this window; without one, as at start-up, in the middle of the screen.
   void set_parent(QWidget* parent) { parent_ = parent; }
 
+  // Whether a box stands that the operator must answer before he goes on, of whatever part of the program.
+  static bool box_stands();
+
   void run(frmMsgBox& box) override;
   void run(frmSure& box) override;
   void system_box(std::string_view text, std::string_view caption) override;
