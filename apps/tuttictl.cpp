@@ -104,7 +104,8 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
     return exit_status::usage;
   }
   if (command.read) {
-    if (const auto status = command.read({console, options.terminal, options.command.form}))
+    if (const auto status =
+            command.read({console, options.terminal, ports.clock, ports.signal, options.command.form}))
       return finish_report(command, console, *status);
   }
   if (const auto refused = ask_for_fresh(options.terminal, console)) return *refused;
