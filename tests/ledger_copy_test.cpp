@@ -7,6 +7,7 @@
 
 #include "core/key_file.h"
 #include "core/texts.h"
+#include "ledger/copy/ledger_copier.h"
 #include "ledger/copy/ledger_copy.h"
 #include "ledger/ledger_reader.h"
 #include "ledger/ledger_start.h"
@@ -48,14 +49,14 @@ struct LedgerCopies : ::testing::Test {
       std::vector<LedgerRequest> some;
       for (int i = part; i < std::min(requests, part + 500); ++i)
         some.push_back(
-            {.id = 1'000'000 + i, .sender = 1, .symbol = "EURUSD", .side = operation::buy, .lots = 0.25});
+            {.id = first_id + i, .sender = 1, .symbol = "EURUSD", .side = operation::buy, .lots = 0.25});
       const auto mark =
           (*ledger)->store({.symbol = "EURUSD", .total = requests * 0.25, .price_at_click = 1.08467},
                            static_cast<std::size_t>(requests), std::move(some), first);
       if (first == 0) first = mark;
       ASSERT_EQ((*ledger)->wait(mark, 10s), Ledger::Stored::yes);
     }
-    (*ledger)->note({.request = 1'000'000,
+    (*ledger)->note({.request = first_id,
                      .sender = 1,
                      .state = LedgerState::filled,
                      .note = R"({"a\,b'} NULL)",
@@ -63,12 +64,14 @@ struct LedgerCopies : ::testing::Test {
                      .filled = 0.25,
                      .price = 1.08515,
                      .realised = Realised{-1.25, 0.0}});
-    (*ledger)->note({.request = 1'000'001, .sender = 1, .state = LedgerState::unknown, .reason = "late"});
+    (*ledger)->note({.request = first_id + 1, .sender = 1, .state = LedgerState::unknown, .reason = "late"});
     ASSERT_TRUE((*ledger)->flush(10s));
+    first_id += requests;
   }
 
   CommandLineRig rig;
   PostgresServer server;
+  RequestId first_id = 1'000'000;  // of what is stored next
 };
 
 TEST_F(LedgerCopies, HaveWhatTheLedgerHasOnce) {
@@ -203,6 +206,53 @@ TEST_F(LedgerCopies, OfARestoredHomeBeginAnew) {
                  "= t.ledger ORDER BY 1"),
       (Texts{"0.2|0.2|t", "0.4|0.4|t", "0.6|0.6|t", "0.8|0.8|f", "1|1.0|f"}));
   EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
+}
+
+TEST_F(LedgerCopies, GoOnWhileATerminalRuns) {
+  store(3);
+  server.kill();
+  {
+    LedgerCopier copier{rig.home.path(), rig.home.key_file(), *CopyTarget::of(server.url())};
+    EXPECT_FALSE(copier.flush(30s));
+    copier.wake();
+    EXPECT_FALSE(copier.flush(30s));
+    Texts told = copier.take_notices();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_NE(told[0].find("can't be copied to " + server.url()), std::string::npos) << told[0];
+    server.start();
+    EXPECT_TRUE(copier.flush(30s));
+    expect_whole();
+    EXPECT_EQ(copier.take_notices(), Texts{"The ledger is copied to " + server.url() + " again"});
+    server.end_connections();
+    store(2);
+    EXPECT_TRUE(copier.flush(30s));
+    expect_whole();
+    EXPECT_EQ(copier.take_notices(), Texts{});
+    // Another home's rows under its id: nothing is added, and it stops.
+    server.ask("UPDATE tutti.commit_log SET hash = 'x' WHERE n = (SELECT max(n) FROM tutti.commit_log)");
+    EXPECT_FALSE(copier.flush(30s));
+    EXPECT_FALSE(copier.flush(30s));
+    told = copier.take_notices();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_NE(told[0].find("tuttictl ledger push --to"), std::string::npos) << told[0];
+    server.ask("DROP SCHEMA tutti CASCADE");
+  }
+  rig.home.write("manage/ledger-copy.toml", "# always\nto = \"" + server.url() + "\"\n");
+  EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.2 --rule equal --accounts 500101,500102"), 0) << rig.err;
+  // A terminal that closes waits for the copy a second, which may be too short here; the next one goes on.
+  const auto all = here("SELECT max(n) FROM commit_log");
+  for (int runs = 0; runs < 30 && server.ask("SELECT max(n) FROM tutti.commit_log") != all; ++runs)
+    EXPECT_EQ(rig.run("journal 500101"), 0) << rig.err;
+  expect_whole();
+  for (const auto& [text, says] : {std::pair{"to = 7", "line 1"},
+                                   {"\nfrom = \"x\"", "to"},
+                                   {"to = \"postgresql://bob:Hidden1@db/x\"", "~/.pgpass"}}) {
+    rig.home.write("manage/ledger-copy.toml", text);
+    EXPECT_EQ(rig.run("accounts"), 3);
+    EXPECT_NE(rig.err.find("ledger-copy.toml"), std::string::npos) << rig.err;
+    EXPECT_NE(rig.err.find(says), std::string::npos) << rig.err;
+    EXPECT_EQ(rig.err.find("Hidden1"), std::string::npos) << rig.err;
+  }
 }
 
 TEST(CopyTarget, IsVerifiedAndTellsNoPassword) {
