@@ -391,6 +391,16 @@ void add_ledger(CLI::App& app, std::vector<Command>& out) {
       [to](const HomeContext& context) { return ledger_backup_command(context, *to); }, "0 it was copied");
   backup.add_option("file", *to, "New file")->required()->check(check_filled);
   explain(backup, "tuttictl ledger backup ~/ledger-copy.db", "0 it was copied");
+  auto server = std::make_shared<std::string>();
+  CLI::App& push = add(
+      "push", "Copy what is new of it to a PostgreSQL server",
+      [server](const HomeContext& context) { return ledger_push_command(context, *server); }, "");
+  push.add_option("--to", *server, "Its URL, without a password")
+      ->required()
+      ->check(check_filled)
+      ->type_name("URL");
+  explain(push, "tuttictl ledger push --to postgresql://dealing@db.example.com/trading",
+          "0 all of it is there, 1 too, but its copy had gone another way and what came since has a new id");
   add("export", "Print all its rows as JSON, one in a line", ledger_export_command, "0 it was read");
 }
 

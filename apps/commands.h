@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -86,6 +87,8 @@ struct SettleArguments {
 struct HomeContext {
   Console& console;
   const TerminalOptions& terminal;
+  const Clock& clock;
+  std::function<int()> signal;  // that asks the program to end; 0: none
   OutputForm form = OutputForm::text;
   const TerminalLink& link;  // to the terminal that has the folder, if one has
 };
@@ -94,6 +97,8 @@ struct HomeContext {
 int ledger_check_command(const HomeContext& context);
 int ledger_backup_command(const HomeContext& context, const std::filesystem::path& to);
 int ledger_export_command(const HomeContext& context);
+// Copies what is new of it to a PostgreSQL server; no terminal may have the folder.
+int ledger_push_command(const HomeContext& context, const std::string& to);
 // Requests whose outcome nobody knows.
 int unknown_command(const HomeContext& context);
 // The newest acts, and what became of them.

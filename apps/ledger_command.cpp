@@ -1,13 +1,16 @@
-// What the ledger says of itself: its check, a copy, all of its rows; and the requests nobody knows of. None
-// of it changes anything, whether a terminal runs or not.
+// What the ledger says of itself: its check, copies, all of its rows; and the requests nobody knows of. None
+// of it changes anything, whether a terminal runs or not, but for a copy on a server that went another way.
 
 #include <fmt/format.h>
 
 #include "apps/commands.h"
 #include "apps/output.h"
 #include "apps/times.h"
+#include "core/home_lock.h"
 #include "core/numbers.h"
+#include "ledger/copy/ledger_copy.h"
 #include "ledger/ledger_reader.h"
+#include "ledger/ledger_start.h"
 #include "ledger/ledger_words.h"
 
 namespace tutti {
@@ -43,6 +46,51 @@ int ledger_backup_command(const HomeContext& context, const std::filesystem::pat
   if (const auto done = reader(context).back_up(to); !done) return fail(context, done.error());
   context.console.tell("The ledger was copied to {}", to.string());
   return exit_status::all_accepted;
+}
+
+int ledger_push_command(const HomeContext& context, const std::string& to) {
+  const auto target = CopyTarget::of(to);
+  if (!target) {
+    context.console.fail("Nothing was copied: {}", target.error());
+    return exit_status::usage;
+  }
+  const std::filesystem::path path = ledger_path(context.terminal.home);
+  // Who has the folder is the ledger's only writer.
+  const auto lock = HomeLock::take(context.terminal.home);
+  if (!lock) return fail(context, lock.error());
+  if (const auto there = reader(context).open(); !there) return fail(context, there.error());
+  KeyFile key_file{context.terminal.key_file};
+  const auto key = key_file.find();
+  if (!key) return fail(context, key.error());
+  const auto file = LedgerFile::open(path, **key, context.clock.now());
+  if (!file) return fail(context, file.error());
+
+  LedgerCopy copy{**file, *target, [&] { return context.signal() != 0; }};
+  auto pushed = copy.push();
+  std::optional<std::string> parted;
+  if (!pushed && pushed.error().kind == CopyError::Kind::forked) {
+    parted = pushed.error().text;
+    try {
+      begin_line(**file, pushed.error().common, context.clock.now());
+      context.console.fail(
+          "{}. Nothing that stands there was changed; what this home has beyond them is "
+          "copied under the new id {}. Compare positions and fills with the broker's",
+          *parted, ledger_lines(**file).back().id);
+    } catch (const SQLite::Exception& error) {
+      return fail(context, {path, error.what()});
+    }
+    pushed = copy.push();
+  }
+  if (!pushed) {
+    context.console.fail("Not all was copied to {}: {}", target->url(), pushed.error().text);
+    return exit_status::unreadable_data;
+  }
+  Records records{{"commits", "rows", "new_id"}};
+  records.add({pushed->commits, pushed->rows, parted.has_value()});
+  context.console.print(report_text(context.form, "pushed", records, Json::object(), [&] {
+    return fmt::format("{} commits with {} rows were copied\n", pushed->commits, pushed->rows);
+  }));
+  return parted ? exit_status::some_refused : exit_status::all_accepted;
 }
 
 int ledger_export_command(const HomeContext& context) {

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "apps/copy_setting.h"
 #include "sessions/account_records.h"
 
 namespace tutti {
@@ -32,7 +33,11 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
   if (!backend) return tl::unexpected(backend.error());
   backend_ = std::move(*backend);
   if (auto written = write_first_list(); !written) return written;
+  auto copy_to = copy_setting(options_.home);
+  if (!copy_to) return tl::unexpected(copy_to.error());
   if (auto opened = open_ledger(); !opened) return opened;
+  if (*copy_to)
+    copier_ = std::make_unique<LedgerCopier>(options_.home, options_.key_file, std::move(**copy_to));
   stop_ = std::make_unique<StopFile>(options_.home);
 
   auto started =
@@ -87,6 +92,10 @@ tl::expected<void, FileError> Terminal::keep() {
 
 tl::expected<void, FileError> Terminal::close() {
   const auto kept = keep();
+  // What is missing there is copied by the next run.
+  constexpr std::chrono::milliseconds short_enough{1000};
+  if (copier_) (void)copier_->flush(short_enough);
+  copier_.reset();
   if (auto closed = backend_->close(); !closed) return closed;
   return kept;
 }
@@ -130,7 +139,10 @@ std::size_t Terminal::advance(std::size_t limit) {
   tell_notices();
   const std::size_t delivered = main_->deliver_events(limit);
   backend_->flush();
-  if (const std::uint64_t saved = ledger_->saved(); saved != kept_) backend_->kept(kept_ = saved);
+  if (const std::uint64_t saved = ledger_->saved(); saved != kept_) {
+    backend_->kept(kept_ = saved);
+    if (copier_) copier_->wake();
+  }
   tell_notices();
   main_->poll_timers(delivered == limit);
   if (listens_) listens_->poll();
@@ -156,6 +168,11 @@ void Terminal::tell_notices() {
   for (const BackendNotice& notice : backend_->take_notices()) {
     if (notice.journaled) main_->general().log(notice.text, notice.account);
     if (notice.shown) main_->messages().post({notice.text, "Warning", "Ok", ""});
+  }
+  if (!copier_) return;
+  for (const std::string& text : copier_->take_notices()) {
+    main_->general().log(text, -1);
+    main_->messages().post({text, "Warning", "Ok", ""});
   }
 }
 

@@ -19,6 +19,7 @@
 #include "core/locale_port.h"
 #include "core/prompt.h"
 #include "core/sound_port.h"
+#include "ledger/copy/ledger_copier.h"
 #include "ledger/ledger_watch.h"
 #include "ledger/ledger_writer.h"
 #include "sessions/contract/backend.h"
@@ -111,7 +112,8 @@ class Terminal {
   ProcessLocale locale_;
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<LedgerWriter> ledger_;
-  std::uint64_t kept_ = 0;  // as the backend was told last
+  std::unique_ptr<LedgerCopier> copier_;  // where the home says that its ledger is copied
+  std::uint64_t kept_ = 0;                // as the backend was told last
   LedgerWatch reads_{options_.home, options_.key_file};
   std::unique_ptr<StopFile> stop_;
   std::unique_ptr<Main> main_;

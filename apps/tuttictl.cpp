@@ -117,7 +117,8 @@ int run(const Command& command, const CommonOptions& options, const CommandPorts
     const TerminalLink link{options.terminal.home, ports, options.command.timeout};
     // What only reads finds all that a terminal knows which has the folder.
     const bool all_there = command.effect == Command::Effect::sends || all_is_stored(link, console);
-    if (const auto status = command.read({console, options.terminal, options.command.form, link}))
+    if (const auto status =
+            command.read({console, options.terminal, ports.clock, ports.signal, options.command.form, link}))
       return finish_report(command, console, all_there ? *status : exit_status::unreadable_data);
   }
   if (const auto refused = ask_for_fresh(options.terminal, console)) return *refused;

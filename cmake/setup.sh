@@ -3,7 +3,8 @@
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
 build_packages=(cmake ninja-build ccache g++ pkg-config libfmt-dev libexpected-dev robin-map-dev libsodium-dev libicu-dev
-  libsqlitecpp-dev libsqlite3-dev libtomlplusplus-dev libcli11-dev nlohmann-json3-dev qt6-base-dev qt6-multimedia-dev qt6-svg-dev)
+  libsqlitecpp-dev libsqlite3-dev libpq-dev libtomlplusplus-dev libcli11-dev nlohmann-json3-dev
+  qt6-base-dev qt6-multimedia-dev qt6-svg-dev)
 
 # What was compiled once, in whatever clone of the project, is not compiled again: paths count from the clone.
 export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines

@@ -57,10 +57,11 @@ std::string hex(const void* data, int size) {
 }
 
 std::string insert_of(const ledger_schema::Table& table) {
-  std::string marks;
-  for (int i = 0; i < table.count; ++i)
+  std::string marks = "?";
+  for (std::size_t i = 1; i < table.columns.size(); ++i)
     marks += ", ?";
-  return fmt::format("INSERT INTO {} (seq, {}) VALUES (?{})", table.name, table.columns, marks);
+  return fmt::format("INSERT INTO {} ({}) VALUES ({})", table.name, table.names(0, table.columns.size()),
+                     marks);
 }
 
 }  // namespace
@@ -151,7 +152,7 @@ void LedgerFile::create(TimePoint now) {
 }
 
 void LedgerFile::read_identity() {
-  auto& own = statement("SELECT id, schema, created FROM ledger");
+  auto& own = statement("SELECT id, schema, created FROM ledger ORDER BY rowid LIMIT 1");
   if (!own.executeStep()) throw SQLite::Exception{"it does not say which one it is"};
   id_ = hex(own.getColumn(0).getBlob(), own.getColumn(0).getBytes());
   schema_ = own.getColumn(1).getInt64();
@@ -185,7 +186,7 @@ void LedgerFile::begin() {
 
 std::int64_t LedgerFile::add(Chained table, std::vector<LedgerValue> values) {
   const ledger_schema::Table& into = ledger_schema::table(table);
-  assert(values.size() == static_cast<std::size_t>(into.count));
+  assert(values.size() == into.columns.size() - 1);
   static const std::array<std::string, 5> inserts = [] {
     std::array<std::string, 5> out;
     for (std::size_t i = 0; i < out.size(); ++i)
@@ -242,16 +243,16 @@ bool LedgerFile::fits(const Commit& commit, const ChainHash::Bytes& before) {
   hash_.begin(before, commit.format);
   for (const ledger_schema::Table& table : ledger_schema::chained()) {
     auto& rows = statement(fmt::format("SELECT seq, {} FROM {} WHERE seq BETWEEN ? AND ? ORDER BY seq",
-                                       table.columns_in(schema_), table.name));
+                                       table.names_in(schema_), table.name));
     rows.bind(1, commit.first);
     rows.bind(2, commit.head.seq);
     while (rows.executeStep()) {
       hash_.add(table.name, rows.getColumn(0).getInt64());
-      const int hashed = table.count_in(commit.format);
+      const int hashed = static_cast<int>(table.count_in(commit.format));
       for (int column = 1; column <= hashed; ++column)
         hash_.add(value_of(rows.getColumn(column)));
       // What came later is empty in what was there before.
-      for (int column = hashed + 1; column <= table.count_in(schema_); ++column)
+      for (int column = hashed + 1; column <= static_cast<int>(table.count_in(schema_)); ++column)
         if (!rows.getColumn(column).isNull()) return rows.reset(), false;
     }
   }
@@ -368,7 +369,9 @@ void LedgerFile::each_row(
       take(table, names, values);
     }
   };
-  read("ledger", "SELECT lower(hex(id)) AS id, schema, created FROM ledger");
+  read("ledger",
+       "SELECT lower(hex(id)) AS id, nullif(lower(hex(parent)), '') AS parent, forked_at, schema, created "
+       "FROM ledger");
   for (const ledger_schema::Table& table : ledger_schema::chained())
     read(std::string{table.name}, fmt::format("SELECT * FROM {} ORDER BY seq", table.name));
   read("commit_log",

@@ -49,7 +49,7 @@ class LedgerFile {
   // Made by a newer program: it is only read.
   bool newer() const { return schema_ > ledger_schema::version; }
   std::int64_t schema() const { return schema_; }
-  const std::string& id() const { return id_; }  // 32 hexadecimal digits
+  const std::string& id() const { return id_; }  // 32 hexadecimal digits; the hashes begin with it
   const Head& head() const { return head_; }
 
   void begin();

@@ -6,6 +6,7 @@
 #include "core/file_writer.h"
 #include "core/home_lock.h"
 #include "core/synced_log.h"
+#include "ledger/ledger_lines.h"
 #include "ledger/ledger_start.h"
 
 namespace tutti {
@@ -36,7 +37,12 @@ auto LedgerReader::with_file(Work&& work)
 }
 
 tl::expected<std::vector<std::string>, FileError> LedgerReader::check() {
-  return with_file([](LedgerFile& file) { return file.check(); });
+  return with_file([](LedgerFile& file) {
+    std::vector<std::string> faults = file.check();
+    for (std::string& fault : faults_of_lines(file))
+      faults.push_back(std::move(fault));
+    return faults;
+  });
 }
 
 tl::expected<void, FileError> LedgerReader::back_up(const std::filesystem::path& to) {

@@ -8,67 +8,106 @@
 namespace tutti::ledger_schema {
 namespace {
 
-constexpr Table tables[] = {
-    {"account", "n, server, user, account_text", 4, 4},
-    {"ticket",
-     "n, key_text, plan_digest, kind, symbol, side, total, total_digits, rule, price_at_click, price_digits, "
-     "quote_age, \"by\", origin, retry_of, override_reason, planned_count, t",
-     18, 18},
-    {"request",
-     "id, ticket, account, kind, symbol, side, lots, lots_digits, price, stop_loss, take_profit, "
-     "price_digits, reference, orig_request, wire_id, era, retry_of, net_before, greatest_before",
-     19, 19},
-    {"event", "request, state, reason, evidence, code, order_no, note, t_server, t_here", 9, 9},
-    {"fill",
-     "request, account, exec_id, open_or_close, order_no, position, lots, lots_digits, price, price_digits, "
-     "commission, profit, day, t_server, t_here, symbol, side, currency",
-     18, 15},
-};
+constexpr std::string_view number = "INTEGER";
+constexpr std::string_view text = "TEXT";
+constexpr std::string_view bytes = "BLOB";
 
-constexpr std::string_view creation = R"(
-CREATE TABLE ledger (
-  id BLOB NOT NULL, parent BLOB, forked_at INTEGER, schema INTEGER NOT NULL, created INTEGER NOT NULL) STRICT;
+constexpr Column account_columns[] = {{"seq", number, "PRIMARY KEY"},
+                                      {"n", number, "NOT NULL UNIQUE"},
+                                      {"server", text, "NOT NULL"},
+                                      {"user", text, "NOT NULL"},
+                                      {"account_text", text, "NOT NULL"}};
+constexpr Column ticket_columns[] = {{"seq", number, "PRIMARY KEY"},
+                                     {"n", number, "NOT NULL UNIQUE"},
+                                     {"key_text", text, "UNIQUE"},
+                                     {"plan_digest", bytes},
+                                     {"kind", text, "NOT NULL"},
+                                     {"symbol", text},
+                                     {"side", text},
+                                     {"total", number},
+                                     {"total_digits", number},
+                                     {"rule", text},
+                                     {"price_at_click", number},
+                                     {"price_digits", number},
+                                     {"quote_age", number},
+                                     {"by", text},
+                                     {"origin", text, "NOT NULL"},
+                                     {"retry_of", number, "REFERENCES ticket (n)"},
+                                     {"override_reason", text},
+                                     {"planned_count", number, "NOT NULL"},
+                                     {"t", number, "NOT NULL"}};
+constexpr Column request_columns[] = {{"seq", number, "NOT NULL UNIQUE"},
+                                      {"id", number, "PRIMARY KEY"},
+                                      {"ticket", number, "NOT NULL REFERENCES ticket (n)"},
+                                      {"account", number, "NOT NULL REFERENCES account (n)"},
+                                      {"kind", text, "NOT NULL"},
+                                      {"symbol", text},
+                                      {"side", text},
+                                      {"lots", number},
+                                      {"lots_digits", number},
+                                      {"price", number},
+                                      {"stop_loss", number},
+                                      {"take_profit", number},
+                                      {"price_digits", number},
+                                      {"reference", number},
+                                      {"orig_request", number},
+                                      {"wire_id", text},
+                                      {"era", number},
+                                      {"retry_of", number, "UNIQUE REFERENCES request (id)"},
+                                      {"net_before", number},
+                                      {"greatest_before", number}};
+constexpr Column event_columns[] = {
+    {"seq", number, "PRIMARY KEY"}, {"request", number, "NOT NULL REFERENCES request (id)"},
+    {"state", text, "NOT NULL"},    {"reason", text},
+    {"evidence", text, "NOT NULL"}, {"code", number},
+    {"order_no", number},           {"note", text},
+    {"t_server", number},           {"t_here", number, "NOT NULL"}};
+constexpr Column fill_columns[] = {{"seq", number, "PRIMARY KEY"},
+                                   {"request", number, "REFERENCES request (id)"},
+                                   {"account", number, "NOT NULL REFERENCES account (n)"},
+                                   {"exec_id", text},
+                                   {"open_or_close", text, "NOT NULL"},
+                                   {"order_no", number},
+                                   {"position", number},
+                                   {"lots", number},
+                                   {"lots_digits", number},
+                                   {"price", number},
+                                   {"price_digits", number},
+                                   {"commission", number},
+                                   {"profit", number},
+                                   {"day", text, "NOT NULL"},
+                                   {"t_server", number},
+                                   {"t_here", number, "NOT NULL"},
+                                   {"symbol", text},
+                                   {"side", text},
+                                   {"currency", text}};
+
+constexpr Table tables[] = {{"account", account_columns, 4, "server, user, account_text"},
+                            {"ticket", ticket_columns, 18},
+                            {"request", request_columns, 19, "account, wire_id"},
+                            {"event", event_columns, 9},
+                            {"fill", fill_columns, 15, "account, day, exec_id"}};
+
+constexpr Column commit_columns[] = {{"n", number, "PRIMARY KEY"},     {"first_seq", number, "NOT NULL"},
+                                     {"last_seq", number, "NOT NULL"}, {"format", number, "NOT NULL"},
+                                     {"t", number, "NOT NULL"},        {"hash", bytes, "NOT NULL"}};
+constexpr Column ledger_columns[] = {{"id", bytes, "NOT NULL"},
+                                     {"parent", bytes},
+                                     {"forked_at", number},
+                                     {"schema", number, "NOT NULL"},
+                                     {"created", number, "NOT NULL"}};
+constexpr Table unchained[] = {{"commit_log", commit_columns}, {"ledger", ledger_columns}};
+
+constexpr std::string_view runs = R"(
 CREATE TABLE run (n INTEGER PRIMARY KEY, boot TEXT NOT NULL, started INTEGER NOT NULL) STRICT;
-CREATE TABLE account (
-  seq INTEGER PRIMARY KEY, n INTEGER NOT NULL UNIQUE, server TEXT NOT NULL, user TEXT NOT NULL,
-  account_text TEXT NOT NULL, UNIQUE (server, user, account_text)) STRICT;
-CREATE TABLE ticket (
-  seq INTEGER PRIMARY KEY, n INTEGER NOT NULL UNIQUE, key_text TEXT UNIQUE, plan_digest BLOB,
-  kind TEXT NOT NULL, symbol TEXT, side TEXT, total INTEGER, total_digits INTEGER, rule TEXT,
-  price_at_click INTEGER, price_digits INTEGER, quote_age INTEGER, "by" TEXT, origin TEXT NOT NULL,
-  retry_of INTEGER REFERENCES ticket (n), override_reason TEXT, planned_count INTEGER NOT NULL,
-  t INTEGER NOT NULL) STRICT;
-CREATE TABLE request (
-  seq INTEGER NOT NULL UNIQUE, id INTEGER PRIMARY KEY, ticket INTEGER NOT NULL REFERENCES ticket (n),
-  account INTEGER NOT NULL REFERENCES account (n), kind TEXT NOT NULL, symbol TEXT, side TEXT, lots INTEGER,
-  lots_digits INTEGER, price INTEGER, stop_loss INTEGER, take_profit INTEGER, price_digits INTEGER,
-  reference INTEGER, orig_request INTEGER, wire_id TEXT, era INTEGER,
-  retry_of INTEGER UNIQUE REFERENCES request (id), net_before INTEGER, greatest_before INTEGER,
-  UNIQUE (account, wire_id)) STRICT;
-CREATE INDEX request_of_ticket ON request (ticket);
-CREATE TABLE event (
-  seq INTEGER PRIMARY KEY, request INTEGER NOT NULL REFERENCES request (id), state TEXT NOT NULL, reason TEXT,
-  evidence TEXT NOT NULL, code INTEGER, order_no INTEGER, note TEXT, t_server INTEGER,
-  t_here INTEGER NOT NULL) STRICT;
-CREATE INDEX event_of_request ON event (request);
-CREATE TABLE fill (
-  seq INTEGER PRIMARY KEY, request INTEGER REFERENCES request (id),
-  account INTEGER NOT NULL REFERENCES account (n), exec_id TEXT, open_or_close TEXT NOT NULL,
-  order_no INTEGER, position INTEGER, lots INTEGER, lots_digits INTEGER, price INTEGER, price_digits INTEGER,
-  commission INTEGER, profit INTEGER, day TEXT NOT NULL, t_server INTEGER, t_here INTEGER NOT NULL,
-  symbol TEXT, side TEXT, currency TEXT, UNIQUE (account, day, exec_id)) STRICT;
-CREATE TABLE commit_log (
-  n INTEGER PRIMARY KEY, first_seq INTEGER NOT NULL, last_seq INTEGER NOT NULL, format INTEGER NOT NULL,
-  t INTEGER NOT NULL, hash BLOB NOT NULL) STRICT;
-)";
-
-constexpr std::string_view addition = R"(
-ALTER TABLE fill ADD COLUMN symbol TEXT;
-ALTER TABLE fill ADD COLUMN side TEXT;
-ALTER TABLE fill ADD COLUMN currency TEXT;
 )";
 
 constexpr std::string_view indices = R"(
+CREATE INDEX request_of_ticket ON request (ticket);
+CREATE INDEX event_of_request ON event (request);
+)";
+
+constexpr std::string_view later_indices = R"(
 CREATE INDEX fill_of_request ON fill (request) WHERE request IS NOT NULL;
 )";
 
@@ -112,15 +151,26 @@ std::string keep(std::string_view table, std::string_view change) {
       table, change);
 }
 
-// Made from the tables, so that none of them is forgotten.
-std::string with_triggers() {
-  std::string out{creation};
-  std::vector<std::string_view> names{"commit_log", "ledger"};
-  for (const Table& table : tables)
-    names.push_back(table.name);
-  for (const std::string_view name : names)
-    out += keep(name, "UPDATE") + keep(name, "DELETE");
-  return out;
+std::string definition(const Column& column) {
+  return fmt::format("{} {}{}{}", quoted(column.name), column.type, column.rule.empty() ? "" : " ",
+                     column.rule);
+}
+
+std::string creation(const Table& table) {
+  std::string columns;
+  for (const Column& column : table.columns)
+    columns += (columns.empty() ? "" : ", ") + definition(column);
+  if (!table.unique.empty()) columns += fmt::format(", UNIQUE ({})", table.unique);
+  return fmt::format("CREATE TABLE {} ({}) STRICT;\n", table.name, columns);
+}
+
+// With the triggers, so that none of the tables is forgotten.
+std::string whole_creation() {
+  std::string out{runs};
+  for (const auto& group : {std::span<const Table>{tables}, std::span<const Table>{unchained}})
+    for (const Table& table : group)
+      out += creation(table) + keep(table.name, "UPDATE") + keep(table.name, "DELETE");
+  return out.append(indices).append(later_indices);
 }
 
 }  // namespace
@@ -133,22 +183,38 @@ const Table& table(Chained which) {
   return tables[static_cast<std::size_t>(which)];
 }
 
-std::string_view Table::columns_in(std::int64_t of_version) const {
-  std::size_t end = 0;
-  for (int left = count_in(of_version); left > 0 && end != std::string_view::npos; --left)
-    end = columns.find(", ", end == 0 ? 0 : end + 1);
-  return columns.substr(0, end);
+const Table& commits() {
+  return unchained[0];
+}
+
+const Table& ledgers() {
+  return unchained[1];
+}
+
+std::string quoted(std::string_view name) {
+  return fmt::format("\"{}\"", name);
+}
+
+std::string Table::names(std::size_t from, std::size_t to) const {
+  std::string out;
+  for (const Column& column : columns.subspan(from, to - from))
+    out += (out.empty() ? "" : ", ") + quoted(column.name);
+  return out;
 }
 
 std::string_view create() {
-  static const std::string text = with_triggers() + std::string{indices};
-  return text;
+  static const std::string text_of_all = whole_creation();
+  return text_of_all;
 }
 
 std::string migrate() {
+  std::string out;
+  for (const Table& table : tables)
+    for (const Column& column : table.columns.subspan(table.first_count + 1))
+      out += fmt::format("ALTER TABLE {} ADD COLUMN {};\n", table.name, definition(column));
   // What is kept besides is made anew, in the shape that it has now.
-  std::string out = fmt::format("{}{}DROP TRIGGER ledger_no_UPDATE; UPDATE ledger SET schema = {};\n{}",
-                                addition, indices, version, keep("ledger", "UPDATE"));
+  out += fmt::format("{}DROP TRIGGER ledger_no_UPDATE; UPDATE ledger SET schema = {};\n{}", later_indices,
+                     version, keep("ledger", "UPDATE"));
   for (const std::string_view name : derived_names)
     out += fmt::format("DROP TABLE IF EXISTS {};\n", name);
   return out;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -10,21 +11,39 @@ namespace tutti::ledger_schema {
 // Of the tables below. A file with a greater one was made by a newer program.
 inline constexpr int version = 2;
 
-// One whose rows are never changed and lie under the hash of their commit. Its first column is `seq`.
-struct Table {
+struct Column {
   std::string_view name;
-  std::string_view columns;  // without seq, with ", " between them
-  int count = 0;             // of these columns
-  int first_count = 0;       // so many of them the first version had, and its commits have in their hash
-  // Those that a file of this version has.
-  int count_in(std::int64_t of_version) const { return of_version < 2 ? first_count : count; }
-  std::string_view columns_in(std::int64_t of_version) const;
+  std::string_view type;    // INTEGER, TEXT or BLOB
+  std::string_view rule{};  // of the column alone, such as NOT NULL
 };
 
+// One whose rows are only added. Its first column numbers them.
+struct Table {
+  std::string_view name;
+  std::span<const Column> columns;
+  std::size_t first_count =
+      0;  // so many behind `seq` the first version had, and its commits have in their hash
+  std::string_view unique{};  // columns that are so together
+  // Those behind `seq` that a file of this version has.
+  std::size_t count_in(std::int64_t of_version) const {
+    return of_version < 2 ? first_count : columns.size() - 1;
+  }
+  std::string names_in(std::int64_t of_version) const { return names(1, 1 + count_in(of_version)); }
+  // From this column to before that one, with ", " between them.
+  std::string names(std::size_t from, std::size_t to) const;
+};
+
+// As a name stands in a statement, whatever other meaning it has there.
+std::string quoted(std::string_view name);
+
 enum class Chained { account, ticket, request, event, fill };
-// In the order in which the hash of a commit takes them.
+// Those whose rows are numbered together by `seq` and lie under the hash of their commit, in the order in
+// which it takes them.
 std::span<const Table> chained();
 const Table& table(Chained which);
+// The log of the commits, and which ledger it is.
+const Table& commits();
+const Table& ledgers();
 
 // Statements that make a new file: tables, indices, and the triggers that keep rows as they are.
 std::string_view create();
