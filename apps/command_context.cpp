@@ -115,6 +115,15 @@ std::optional<std::optional<NamedTicket>> CommandContext::named(const std::strin
   return std::nullopt;
 }
 
+std::unique_ptr<LedgerFile> CommandContext::open_ledger() const {
+  const auto kept = terminal_.keep();
+  const TerminalOptions& options = terminal_.options();
+  auto file = LedgerReader{options.home, options.key_file}.open();
+  if (kept && file) return std::move(*file);
+  console().fail("The ledger can't be read: {}", (kept ? file.error() : kept.error()).text());
+  return nullptr;
+}
+
 bool CommandContext::knows(const std::vector<std::int32_t>& accounts) const {
   for (const std::int32_t account : accounts) {
     if (main().sessions().by_account(account) != nullptr) continue;

@@ -81,6 +81,8 @@ class CommandContext {
   std::optional<std::vector<TicketRequest>> requests_of(std::int64_t ticket) const;
   // The ticket of this name, compared with a plan; nothing, after a message, when it can't be read.
   std::optional<std::optional<NamedTicket>> named(const std::string& key, const std::string& plan) const;
+  // The ledger, once all is stored, to read more of it; nothing, after a message, when it can't be read.
+  std::unique_ptr<LedgerFile> open_ledger() const;
   // False, after a message, when one of these accounts is not in the accounts list.
   bool knows(const std::vector<std::int32_t>& accounts) const;
   // How many of these accounts, or of all when none is named, are not connected; says so when there are any.

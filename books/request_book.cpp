@@ -34,7 +34,10 @@ void RequestBook::note_sent(SentOrder& request) {
   Sent& sent = of(request.sender);
   sent.alive.push_back(&request);
   if (request.kind == RequestKind::open) sent.last_open = &request;
-  if (request.kind == RequestKind::entry) sent.last_entry = &request;
+  if (request.kind == RequestKind::entry) {
+    sent.last_entry = &request;
+    sent.entries.push_back(&request);
+  }
   if (of_entry_window(request.kind)) sent.last_of_entry_window = &request;
 }
 
@@ -71,7 +74,8 @@ void RequestBook::hand_over(RequestId id, Sender sender) {
   SentOrder& request = all_[place];
   std::erase(of(request.sender).alive, &request);
   request.sender = sender;
-  of(sender).alive.push_back(&request);
+  if (request.outcome == SentOrder::Outcome::unknown) of(sender).alive.push_back(&request);
+  if (request.kind == RequestKind::entry) of(sender).entries.push_back(&request);
   if (request.number != 0) of(sender).last[{request.kind, request.number}] = &request;
 }
 
@@ -182,8 +186,12 @@ void RequestBook::settle(SentOrder& request, ResultCode result, SentOrder::Outco
                          std::int64_t order, std::chrono::milliseconds now) {
   if (outcome == SentOrder::Outcome::unknown && request.kind != RequestKind::requote) ++given_up_;
   count_unknown(request, -1);
+  const bool final = request.settled() && request.outcome != SentOrder::Outcome::unknown;
   request.outcome = outcome;
   count_unknown(request, 1);
+  // What was thought to be over is not.
+  if (final && (outcome == SentOrder::Outcome::unknown || !request.settled()))
+    of(request.sender).alive.push_back(&request);
   if (result != ResultCode::none) request.result_code = result;
   // One that was given up, and is with the dealer after all, is waited for again.
   if (!request.settled()) heard_of(request, now);
@@ -230,6 +238,15 @@ std::vector<SentOrder*> RequestBook::unknown(Sender sender) const {
     std::copy_if(sent->alive.begin(), sent->alive.end(), std::back_inserter(out),
                  [](const SentOrder* each) { return each->outcome == SentOrder::Outcome::unknown; });
   }
+  return out;
+}
+
+std::vector<SentOrder*> RequestBook::working(Sender sender) const {
+  std::vector<SentOrder*> out;
+  const Sent* sent = find_sent(sender);
+  if (sent == nullptr) return out;
+  std::copy_if(sent->entries.begin(), sent->entries.end(), std::back_inserter(out),
+               [](const SentOrder* each) { return each->working; });
   return out;
 }
 

@@ -40,8 +40,8 @@ class RequestBook {
   void set_patience(std::chrono::milliseconds patience) { patience_ = patience; }
   // So many that come next find their room made. To be called while nobody waits.
   void make_room(std::size_t count) { all_.make_room(count); }
-  // Takes in a request of an earlier run, of no sender, before any that is added: unknown, or with the
-  // outcome `none` when it never left. Ids ascend.
+  // Takes in a request of an earlier run, of no sender, before any that is added: unknown, with the outcome
+  // `none` when it never left, or an entry order that works. Ids ascend.
   void restore(const SentOrder& request);
   // One that never left is about to after all; `as` has its id, sender and terms.
   SentOrder& revive(const SentOrder& as);
@@ -118,6 +118,8 @@ class RequestBook {
   // Those of a sender without a result, oldest first; and those that nobody knows the outcome of.
   std::vector<SentOrder*> open(Sender sender) const;
   std::vector<SentOrder*> unknown(Sender sender) const;
+  // Entry orders of his that work, as far as is known.
+  std::vector<SentOrder*> working(Sender sender) const;
   // Of all senders, and of none; answers to requotes don't count.
   std::vector<const SentOrder*> all_unknown() const;
   // Those without a word for too long, oldest first.
@@ -135,6 +137,7 @@ class RequestBook {
     SentOrder* last_open = nullptr;
     SentOrder* last_entry = nullptr;
     SentOrder* last_of_entry_window = nullptr;  // a new order, an update, or the stops of a position
+    std::vector<SentOrder*> entries;            // entry orders, oldest first
     tsl::robin_map<Slot, SentOrder*, SlotHash> last;
     tsl::robin_set<std::string> executions;
   };

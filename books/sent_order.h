@@ -81,6 +81,7 @@ struct SentOrder {
   bool heard_of = false;           // the broker said a word since it was sent; the book's own
   bool stops_of_position = false;  // of a cancel: of the SL/TP of a position
   bool accepts = false;            // of an answer to a requote
+  bool working = false;            // of an entry order: it waits, as far as is known
   bool conflict = false;           // an answer contradicted what was known of it for good
 
   // Nothing more is expected of it. A late word may still come for one that is unknown.

@@ -18,12 +18,6 @@ const unsigned char* bytes(const char* text) {
 
 }  // namespace
 
-LedgerBytes digest_of_plan(std::string_view plan) {
-  LedgerBytes out(16);
-  ::crypto_generichash(out.data(), out.size(), bytes(plan.data()), plan.size(), nullptr, 0);
-  return out;
-}
-
 ChainHash::ChainHash(const Secret& key)
     : key_(Secret::filled(crypto_generichash_KEYBYTES, [&](char* out) {
         ::crypto_generichash(bytes(out), crypto_generichash_KEYBYTES, bytes(own_key.data()), own_key.size(),

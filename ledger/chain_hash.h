@@ -4,19 +4,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <variant>
-#include <vector>
 
 #include "core/secret.h"
+#include "ledger/ledger_value.h"
 
 namespace tutti {
-
-// A value of a row as it lies in the file: none, a whole number, a text, or bytes.
-using LedgerBytes = std::vector<unsigned char>;
-using LedgerValue = std::variant<std::monostate, std::int64_t, std::string, LedgerBytes>;
-
-// What tells one plan of an act from another.
-LedgerBytes digest_of_plan(std::string_view plan);
 
 // The hash of one commit: keyed, over the hash of the commit before and all rows that it adds, each value
 // with its type and length, numbers with the lowest byte first.

@@ -124,7 +124,7 @@ struct LedgerEvent {
   std::optional<Realised> realised{};
 };
 
-// A request of an earlier run that nobody knows the outcome of, or that never left.
+// A request of an earlier run that nobody knows the outcome of, that never left, or that works.
 struct LedgerUnknown {
   RequestId id = 0;
   LedgerAccount account;

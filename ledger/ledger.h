@@ -47,6 +47,10 @@ class Ledger {
   virtual const std::vector<LedgerUnknown>& unknown() const = 0;
   // Requests of earlier runs that are stored and never left, of tickets that have a name; oldest first.
   virtual const std::vector<LedgerUnknown>& never_left() const = 0;
+  // Entry orders of earlier runs that work, as far as it knows; oldest first.
+  virtual const std::vector<LedgerUnknown>& working() const = 0;
+  // When earlier runs stored something last; the epoch when none has.
+  virtual TimePoint known_until() const = 0;
   // Tickets that earlier runs sent within the hour before this one, but for closes and cancels.
   virtual const std::vector<LedgerPastTicket>& recent() const = 0;
 };

@@ -29,14 +29,6 @@ FileError failure(const std::filesystem::path& file, const SQLite::Exception& er
   return {file, fmt::format("the ledger can't be used: {}", error.what())};
 }
 
-LedgerValue value_of(const SQLite::Column& column) {
-  if (column.isNull()) return {};
-  if (column.isInteger()) return column.getInt64();
-  if (!column.isBlob()) return column.getString();
-  const auto* first = static_cast<const unsigned char*>(column.getBlob());
-  return LedgerBytes(first, first + column.getBytes());
-}
-
 std::int64_t milliseconds(TimePoint time) {
   return time.time_since_epoch().count();
 }
@@ -65,18 +57,6 @@ std::string insert_of(const ledger_schema::Table& table) {
 }
 
 }  // namespace
-
-void bind_value(SQLite::Statement& statement, int place, const LedgerValue& value) {
-  if (const auto* number = std::get_if<std::int64_t>(&value)) {
-    statement.bind(place, *number);
-  } else if (const auto* text = std::get_if<std::string>(&value)) {
-    statement.bind(place, *text);
-  } else if (const auto* blob = std::get_if<LedgerBytes>(&value)) {
-    statement.bind(place, blob->data(), static_cast<int>(blob->size()));
-  } else {
-    statement.bind(place);
-  }
-}
 
 LedgerFile::LedgerFile(const std::filesystem::path& file, int flags, const Secret& key)
     : database_(file.string(), flags, busy_ms), hash_(key) {}

@@ -20,8 +20,6 @@
 
 namespace tutti {
 
-void bind_value(SQLite::Statement& statement, int place, const LedgerValue& value);
-
 // The ledger's file and the one connection to it: rows that are only added, and one keyed hash per commit
 // over them and the hash before.
 //

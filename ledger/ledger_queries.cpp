@@ -332,6 +332,19 @@ std::vector<LedgerUnknown> LedgerQueries::never_left() {
   return out;
 }
 
+std::vector<LedgerUnknown> LedgerQueries::working() {
+  std::vector<LedgerUnknown> out;
+  add_open("o.state = 'WORKING'", 0, out);
+  return out;
+}
+
+TimePoint LedgerQueries::last_commit() {
+  auto& last = file_.statement("SELECT t FROM commit_log ORDER BY n DESC LIMIT 1");
+  const TimePoint out = last.executeStep() ? time_of(last.getColumn(0)) : TimePoint{};
+  last.reset();
+  return out;
+}
+
 std::optional<NamedTicket> LedgerQueries::named(const std::string& key, const std::string& plan) {
   std::optional<NamedTicket> out;
   auto& rows = file_.statement("SELECT n, plan_digest = ?2, planned_count FROM ticket WHERE key_text = ?1");

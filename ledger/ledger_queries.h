@@ -127,8 +127,12 @@ class LedgerQueries {
   std::vector<TicketRequest> with_tickets_of(std::span<const RequestId> requests);
   // Those whose outcome nobody knows, oldest first; `more` are so too, and the file does not say it yet.
   std::vector<LedgerUnknown> unknown(std::span<const LedgerEvent> more = {});
+  // When the last commit was made; the epoch while there is none.
+  TimePoint last_commit();
   // Those that never left, of tickets that have a name; oldest first.
   std::vector<LedgerUnknown> never_left();
+  // Entry orders that wait for their price; oldest first.
+  std::vector<LedgerUnknown> working();
   std::optional<NamedTicket> named(const std::string& key, const std::string& plan);
   // Tickets since a time that were not refused here, but for closes and cancels; of the last thousand.
   std::vector<LedgerPastTicket> recent(TimePoint since);

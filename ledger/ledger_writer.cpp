@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/boot_id.h"
+#include "core/network_folder.h"
 #include "ledger/ledger_queries.h"
 #include "ledger/ledger_start.h"
 #include "ledger/stored_form.h"
@@ -44,6 +45,13 @@ LedgerWriter::~LedgerWriter() {
 }
 
 tl::expected<void, FileError> LedgerWriter::start() {
+  if (const auto network = network_file_system(options_.home); !network.empty()) {
+    return tl::unexpected(FileError{
+        ledger_path(options_.home),
+        fmt::format("lies on a network file system ({}), where nobody can rely on what is stored: move "
+                    "the application folder to a disk of this machine",
+                    network)});
+  }
   if (auto opened = open_file(clock_.now()); !opened) return opened;
   try {
     if (file_->newer()) {
@@ -54,9 +62,11 @@ tl::expected<void, FileError> LedgerWriter::start() {
       unknown_ = LedgerQueries{*file_}.unknown();
       return {};
     }
+    known_until_ = LedgerQueries{*file_}.last_commit();
     if (auto begun = begin_run(); !begun) return begun;
     unknown_ = LedgerQueries{*file_}.unknown();
     never_left_ = LedgerQueries{*file_}.never_left();
+    working_ = LedgerQueries{*file_}.working();
     recent_ = LedgerQueries{*file_}.recent(clock_.now() - std::chrono::hours{1});
   } catch (const SQLite::Exception& error) {
     return tl::unexpected(FileError{ledger_path(options_.home), error.what()});

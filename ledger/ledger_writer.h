@@ -54,6 +54,8 @@ class LedgerWriter final : public Ledger {
   void note(LedgerEvent event) override;
   std::string fault() const override;
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+  const std::vector<LedgerUnknown>& working() const override { return working_; }
+  TimePoint known_until() const override { return known_until_; }
   const std::vector<LedgerUnknown>& never_left() const override { return never_left_; }
   const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
 
@@ -106,6 +108,8 @@ class LedgerWriter final : public Ledger {
   std::string notice_;
   std::vector<LedgerUnknown> unknown_;
   std::vector<LedgerUnknown> never_left_;
+  std::vector<LedgerUnknown> working_;
+  TimePoint known_until_{};
   std::vector<LedgerPastTicket> recent_;
   std::optional<LeftLog> left_;
   bool left_fails_ = false;

@@ -16,6 +16,8 @@ class NoLedger final : public Ledger {
   void note(LedgerEvent) override {}
   std::string fault() const override { return {}; }
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+  const std::vector<LedgerUnknown>& working() const override { return unknown_; }
+  TimePoint known_until() const override { return {}; }
   const std::vector<LedgerUnknown>& never_left() const override { return unknown_; }
   const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
 

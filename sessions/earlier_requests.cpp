@@ -27,6 +27,10 @@ void restore(const Ledger& ledger, RequestBook& book, RequestIds& ids) {
     all.push_back(record(each, SentOrder::Outcome::unknown));
   for (const LedgerUnknown& each : ledger.never_left())
     all.push_back(record(each, SentOrder::Outcome::none));
+  for (const LedgerUnknown& each : ledger.working()) {
+    all.push_back(record(each, SentOrder::Outcome::accepted));
+    all.back().working = true;
+  }
   std::sort(all.begin(), all.end(), [](const SentOrder& a, const SentOrder& b) { return a.id < b.id; });
   for (const SentOrder& each : all) {
     book.restore(each);
@@ -35,8 +39,9 @@ void restore(const Ledger& ledger, RequestBook& book, RequestIds& ids) {
 }
 
 void hand_over(const Ledger& ledger, RequestBook& book, const LedgerAccount& account, Sender sender) {
-  for (const LedgerUnknown& each : ledger.unknown())
-    if (each.account == account) book.hand_over(each.id, sender);
+  for (const auto* list : {&ledger.unknown(), &ledger.working()})
+    for (const LedgerUnknown& each : *list)
+      if (each.account == account) book.hand_over(each.id, sender);
 }
 
 }  // namespace tutti::earlier_requests

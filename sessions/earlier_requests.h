@@ -7,7 +7,8 @@
 namespace tutti::earlier_requests {
 
 // Takes what earlier runs left into the book, before anything is added to it: those whose outcome nobody
-// knows, and those that never left and may be sent after all. New ids come after theirs.
+// knows, those that never left and may be sent after all, and entry orders that work. New ids come after
+// theirs.
 void restore(const Ledger& ledger, RequestBook& book, RequestIds& ids);
 
 // This sender's account has a session again: its earlier requests are his from now on.

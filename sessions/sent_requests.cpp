@@ -155,6 +155,7 @@ SentRequests::Word SentRequests::take(SentOrder* meant, ResultCode code, Outcome
   if (final && (id == 0 || !contradicts(meant->outcome, outcome))) return Word::nothing;
   if (final) book_.note_conflict(*meant);
   book_.settle(*meant, code, outcome, order, scope_.general.clock.elapsed());
+  meant->working = meant->kind == RequestKind::entry && outcome == Outcome::accepted;
   if (of_entry_window(meant->kind)) scope_.desk.entry_order->request_settled(*meant, scope_.account);
   return final ? Word::contradiction : Word::news;
 }
@@ -249,15 +250,58 @@ bool SentRequests::told(SentOrder& request, RequestState state, double lots) {
     }
     return {Outcome::none, LedgerState::unknown};
   }();
+  if (request.working) return told_of_gone(request, state, lots, meaning.stored);
   if (request.outcome != Outcome::unknown || meaning.outcome == Outcome::none) return false;
   request.filled = std::max(request.filled, lots);
   if (meaning.outcome != Outcome::unknown) take(&request, ResultCode::none, meaning.outcome, 0, 0);
+  note_asked(request, meaning.stored);
+  request.working = state == RequestState::working;
+  return true;
+}
+
+void SentRequests::note_asked(const SentOrder& request, LedgerState state) {
   ledger_.note({.request = request.id,
                 .sender = sender_,
-                .state = meaning.stored,
+                .state = state,
                 .evidence = LedgerEvidence::asked,
                 .order = request.number});
+}
+
+// What the account does not list and the server calls no end of nobody knows the outcome of.
+bool SentRequests::told_of_gone(SentOrder& request, RequestState state, double lots, LedgerState stored) {
+  const bool over = state == RequestState::executed || state == RequestState::cancelled ||
+                    state == RequestState::partly_executed || state == RequestState::refused;
+  // One whose number nobody told is asked about with every login.
+  if (state == RequestState::working || state == RequestState::waiting) return false;
+  if (!over) {
+    note_gone(request);
+    return false;
+  }
+  request.working = false;
+  request.filled = std::max(request.filled, lots);
+  note_asked(request, stored);
   return true;
+}
+
+std::vector<SentOrder*> SentRequests::gone() const {
+  std::vector<SentOrder*> out = book_.working(sender_);
+  std::erase_if(out,
+                [this](const SentOrder* each) { return records_.pending_order(each->number) != nullptr; });
+  return out;
+}
+
+void SentRequests::note_gone(SentOrder& request) {
+  request.working = false;
+  const OpenPosition* position = records_.open_position(request.number);
+  if (position == nullptr) {
+    book_.settle(request, ResultCode::none, Outcome::unknown, 0, scope_.general.clock.elapsed());
+    return note(request, "gone", LedgerEvidence::clock, nullptr);
+  }
+  ledger_.note({.request = request.id,
+                .sender = sender_,
+                .state = LedgerState::filled,
+                .evidence = LedgerEvidence::positions,
+                .order = request.number});
 }
 
 void SentRequests::fill_told(const Execution& fill) {
@@ -284,9 +328,12 @@ void SentRequests::entry_executed(const OrderReport& report) {
                     .state = report.left > 0.0 ? LedgerState::part : LedgerState::filled};
   take_fill(event, report, scope_);
   ledger_.note(std::move(event));
+  if (SentOrder* request = named(report.id); request != nullptr) request->working = report.left > 0.0;
 }
 
 void SentRequests::entry_cancelled(std::int64_t order, std::string_view reason) {
+  if (const SentOrder* request = book_.last(sender_, RequestKind::entry, order))
+    named(request->id)->working = false;
   ledger_.note(
       {.sender = sender_, .state = LedgerState::cancelled, .reason = std::string{reason}, .order = order});
 }

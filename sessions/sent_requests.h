@@ -59,6 +59,11 @@ class SentRequests {
   bool told(SentOrder& request, RequestState state, double lots);
   // Those that nobody knows the outcome of, oldest first.
   std::vector<SentOrder*> unknown() const { return book_.unknown(sender_); }
+  // Entry orders that work as far as is known, and that the account does not list.
+  std::vector<SentOrder*> gone() const;
+  // What is known of such a one without asking: it has become the position of its number, or else nobody
+  // knows.
+  void note_gone(SentOrder& request);
   // A fill that was read back. Only the ledger is told, which knows whether it has it.
   void fill_told(const Execution& fill);
   // What prices set off: an entry order was executed, or is no more. Only the ledger is told.
@@ -81,6 +86,8 @@ class SentRequests {
   enum class Word : std::uint8_t { nothing, news, contradiction };
   Word take(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order, RequestId id);
   bool told_of(SentOrder* meant, Word word, const OrderReport* report);
+  bool told_of_gone(SentOrder& request, RequestState state, double lots, LedgerState stored);
+  void note_asked(const SentOrder& request, LedgerState state);
   void note(const SentOrder& request, std::string_view reason, LedgerEvidence evidence,
             const OrderReport* report);
   SentOrder* unnamed_entry(std::int64_t order, ResultCode code);

@@ -38,6 +38,7 @@ void SessionUnknown::give_up(SentOrder& request, std::string_view reason) {
 }
 
 void SessionUnknown::give_up_all(std::string_view reason) {
+  told_until_ = scope_.general.clock.now();
   for (SentOrder* request : sent_.open())
     give_up(*request, reason);
 }
@@ -80,26 +81,36 @@ void SessionUnknown::ask() {
   asked_ = 0;
   for (SentOrder* request : sent_.unknown())
     ask(*request);
+  for (SentOrder* request : sent_.gone())
+    if (!ask(*request)) sent_.note_gone(*request);
+  // A home that has stored nothing knows of nothing that it could lack. Clocks differ, and what comes twice
+  // is kept once.
+  constexpr std::chrono::minutes before{5};
+  if (told_until_ != TimePoint{}) read_fills(scope_.general.clock.now() - told_until_ + before);
 }
 
-void SessionUnknown::ask(SentOrder& request) {
+bool SessionUnknown::ask(SentOrder& request) {
   // Of an earlier run the symbol's name is known; which one that is, since the symbols are there.
   if (request.symbol == no_symbol) {
-    const auto& earlier = ledger_.unknown();
+    const auto& earlier = request.working ? ledger_.working() : ledger_.unknown();
     const auto at = std::find_if(earlier.begin(), earlier.end(),
                                  [&](const LedgerUnknown& each) { return each.id == request.id; });
     if (at != earlier.end()) request.symbol = scope_.symbols.find(at->symbol);
   }
-  if (scope_.client.AskRequest(request.id, request.era) == request::taken) ++asked_;
+  if (scope_.client.AskRequest(request.id, request.era) != request::taken) return false;
+  ++asked_;
+  return true;
 }
 
 void SessionUnknown::told(RequestId id, RequestState state, double lots) {
   asked_ = std::max(asked_ - 1, 0);
   SentOrder* request = sent_.named(id);
+  const bool worked = request != nullptr && request->working;
   if (request == nullptr || !sent_.told(*request, state, lots)) return;
-  scope_.log(request_words(*request, scope_.symbols) + " was unknown: the server says that it " +
+  scope_.log(request_words(*request, scope_.symbols) +
+             (worked ? " is gone: the server says that it " : " was unknown: the server says that it ") +
              std::string{result_texts::told(state)});
-  known(*request);
+  if (!worked) known(*request);
   // At what price, its answer would have told.
   if (lots > 0.0) read_fills(std::chrono::hours{24});
 }

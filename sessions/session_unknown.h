@@ -14,7 +14,7 @@ namespace tutti {
 class SessionUnknown {
  public:
   SessionUnknown(SessionScope& scope, SentRequests& sent, const Ledger& ledger)
-      : scope_(scope), sent_(sent), ledger_(ledger) {
+      : scope_(scope), sent_(sent), ledger_(ledger), told_until_(ledger.known_until()) {
     sent_.on_conflict = [this](const SentOrder& request) { in_conflict(request); };
   }
 
@@ -31,7 +31,8 @@ class SessionUnknown {
   // What was known of it for good is contradicted: message and alarm, journal, and its row say so.
   void in_conflict(const SentOrder& request);
 
-  // Asks what became of all of them. To be called once the account's data are there.
+  // Asks what became of all of them, of entry orders that the account lists no more, and what was filled
+  // while nobody was logged in: a stop loss waits for nobody. To be called once the account's data are there.
   void ask();
   // What the broker answers to that.
   void told(RequestId id, RequestState state, double lots);
@@ -42,13 +43,15 @@ class SessionUnknown {
   int asked() const { return asked_; }
 
  private:
-  void ask(SentOrder& request);
+  // False where the broker can't be asked.
+  bool ask(SentOrder& request);
   void tell_row(const SentOrder& request, std::string_view text, std::string_view text_of_cancel);
 
   SessionScope& scope_;
   SentRequests& sent_;
   const Ledger& ledger_;
   int asked_ = 0;
+  TimePoint told_until_;  // what was filled before has been told
 };
 
 }  // namespace tutti

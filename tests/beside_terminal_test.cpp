@@ -24,7 +24,8 @@ using Step = LocalSocket::Step;
 constexpr auto faulty =
     "sample_accounts = 3\n[[fault]]\nkind = \"reject\"\naccount = 500101\non = [\"open\"]\ncode = 2\ntimes = "
     "2\n"
-    "[[fault]]\nkind = \"swallow\"\naccount = 500102\non = [\"open\"]\nevery = 2\n";
+    "[[fault]]\nkind = \"swallow\"\naccount = 500102\non = [\"open\"]\nevery = 2\n"
+    "[[fault]]\nkind = \"drop\"\naccount = 500102\nafter = 300\n";
 
 // A client of the socket that sends what it likes.
 struct Client {
@@ -163,9 +164,11 @@ TEST_F(BesideTerminal, TheRestOfATicketIsSentAgainOnce) {
 }
 
 TEST_F(BesideTerminal, ARequestIsSettledWhileTheTerminalRuns) {
+  // The account is lost before the answer is overdue: else the server would be asked.
+  run(296s);
   order("0.9");
   order("0.3", "XAUUSD");
-  run(31s);
+  run(2s);
   ASSERT_EQ(rig.run("--json unknown"), 4) << rig.err;
   const Json unknown = Json::parse(rig.out)["unknown"];
   ASSERT_EQ(unknown.size(), 1U) << rig.out;

@@ -137,8 +137,10 @@ TEST_F(Ledgers, GoOnWithANamedActAndSendNothingTwice) {
   });
   // As if the kill had come before the last two left.
   const std::string left = rig.home.read("left.log");
-  std::size_t end = left.find('\n', left.find('\n') + 1) + 1;
+  const std::size_t end = left.find('\n', left.find('\n') + 1) + 1;
   rig.home.write("left.log", left.substr(0, end));
+  rig.home.write("dealer.toml", "sample_accounts = 5\n");
+  rig.clock.advance(60s);
   EXPECT_EQ(rig.run("positions"), 0) << rig.err;
   EXPECT_EQ(ask(by_ticket), (Texts{"1|open|EURUSD|buy|1|FILLED", "1|open|EURUSD|buy|2|STORED"}));
   const Texts ids = ask("SELECT id FROM request ORDER BY id");
@@ -173,6 +175,51 @@ TEST_F(Ledgers, GoOnWithANamedActAndSendNothingTwice) {
   EXPECT_EQ(rig.run(order + " --id noon"), 0);
   EXPECT_EQ(rig.run(order), 0);
   EXPECT_EQ(ask("SELECT count(*), count(key_text), count(DISTINCT plan_digest) FROM ticket"), Texts{"3|2|1"});
+}
+
+// Whatever is lost on one side is found by who compares it with the other.
+TEST_F(Ledgers, AreComparedWithWhatTheServerKeeps) {
+  EXPECT_EQ(rig.run(order), 0) << rig.err;
+  EXPECT_EQ(rig.run("entry EURUSD --type buy-limit --amount 0.4 --at 1.01 --rule equal --accounts 500101"),
+            0);
+  EXPECT_EQ(rig.run("--yes close --symbol EURUSD --accounts 500102"), 0) << rig.err;
+  // What is lost of the last minutes is read back from the server.
+  rig.clock.advance(3600s);
+  EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.1 --rule equal --accounts 500104"), 0);
+  EXPECT_EQ(rig.run("verify"), 0) << rig.out;
+  const std::string before = rig.home.read("ledger.db");
+  const std::string first = ask("SELECT min(id) FROM request WHERE ticket = 1")[0];
+  const struct {
+    const char* loss;
+    std::string told;
+  } cases[] = {
+      {"DROP TRIGGER event_no_DELETE; DELETE FROM event WHERE request = (SELECT min(id) FROM request WHERE "
+       "ticket = 1)",
+       "Account 500101: of request " + first + " the ledger says STORED, the server that it was executed\n"},
+      {"DROP TRIGGER event_no_UPDATE; UPDATE event SET state = 'REFUSED' WHERE state = 'FILLED' AND request "
+       "= "
+       "(SELECT min(id) FROM request WHERE ticket = 1)",
+       "Account 500101: of request " + first + " the ledger says REFUSED, the server that it was executed\n"},
+      {"DROP TRIGGER event_no_UPDATE; UPDATE event SET state = 'CANCELLED' WHERE state = 'WORKING'",
+       " the ledger says CANCELLED, the server that it waits for its price\n"},
+      {"DROP TRIGGER fill_no_DELETE; DELETE FROM fill WHERE open_or_close = 'close'",
+       "Account 500102: the server has fill "},
+      {"DROP TRIGGER fill_no_UPDATE; UPDATE fill SET lots = 7 WHERE open_or_close = 'close'",
+       "Account 500102: fill "},
+      {"DROP TRIGGER fill_no_UPDATE; UPDATE fill SET exec_id = 'none' WHERE open_or_close = 'close'",
+       "Account 500102: the ledger has fill none of 0.3 lots, and the server has not\n"},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.loss);
+    ASSERT_EQ(ask(each.loss), Texts{});
+    EXPECT_EQ(rig.run("verify"), 1) << rig.err;
+    EXPECT_NE(rig.out.find(each.told), std::string::npos) << rig.out;
+    for (const char* beside : {"ledger.db-wal", "ledger.db-shm"})
+      std::filesystem::remove(rig.home.path() / beside);
+    rig.home.write("ledger.db", before);
+  }
+  EXPECT_EQ(rig.run("verify"), 0) << rig.out;
+  EXPECT_EQ(rig.out, "0 differences\n") << "no fill is of nobody's request";
 }
 
 TEST_F(Ledgers, TakeTheOperatorsWordWhereNobodyElseKnows) {

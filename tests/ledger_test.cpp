@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "core/key_file.h"
+#include "core/network_folder.h"
 #include "ledger/ledger_reader.h"
 #include "ledger/ledger_start.h"
 #include "ledger/ledger_writer.h"
@@ -322,6 +323,16 @@ TEST(Ledger, StoresNothingOnABadDiskAndGoesOnWhenItIsWellAgain) {
     EXPECT_EQ(home.ask("SELECT request, state FROM event"), Texts{"1000000|FILLED"});
     EXPECT_EQ(home.check(), Texts{});
   }
+}
+
+TEST(Ledger, KnowsTheFileSystemsItDoesNotTrust) {
+  const TemporaryFolder here;
+  EXPECT_EQ(network_file_system(here.path()), "");
+  EXPECT_EQ(network_file_system(here.path() / "none"), "");
+  const std::pair<std::int64_t, std::string_view> kinds[] = {
+      {0x6969, "NFS"}, {0xFF534D42, "CIFS"}, {0x00C36400, "Ceph"}, {0xEF53, ""}, {0x01021994, ""}};
+  for (const auto& [kind, name] : kinds)
+    EXPECT_EQ(network_file_system(kind), name) << kind;
 }
 
 // An id that was given before, as by a copied home, is not stored a second time, and holds up nothing else.

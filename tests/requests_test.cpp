@@ -271,6 +271,63 @@ TEST_F(Requests, TheBrokerIsAskedAboutWhatIsUnknown) {
   }
 }
 
+// An entry order that worked and that the account lists no more at its next login: executed, cancelled, or
+// nobody knows.
+TEST_F(Requests, AnEntryOrderThatIsGoneIsAskedFor) {
+  ScriptedClient& client = rig.client(one);
+  client.info = AccountInfo{};
+  std::int64_t number = 40;
+  const auto login = [&] { return rig.during([&] { sink(one).AllDataAreLoaded(); }); };
+  const auto place = [&]() -> const SentOrder& {
+    const SentOrder& order =
+        one.place_entry({.side = operation::buy, .symbol_id = 3, .amount = 0.5, .price = 1.01},
+                        rig.books.symbols.find("EURUSD"), 1);
+    client.orders = {{.order = ++number, .account = 81, .symbol = "EURUSD"}};
+    rig.during([&] { sink(one).NewLimitOrderResult(number, result::succeeded, order.id); });
+    client.asked_for.clear();
+    login();
+    EXPECT_EQ(client.asked_for, std::vector<RequestId>{}) << "it is listed";
+    client.orders.clear();
+    return order;
+  };
+  const auto says = [](const Heard& lines, const std::string& what) {
+    return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
+      return line.find("Entry order BUY 0.5 EURUSD at 1.01" + what) != std::string::npos;
+    });
+  };
+  client.ask_code = request::taken;
+  for (const auto& [state, stored, words] :
+       {std::tuple{RequestState::cancelled, LedgerState::cancelled,
+                   " is gone: the server says that it was cancelled"},
+        {RequestState::executed, LedgerState::filled, " is gone: the server says that it was executed"}}) {
+    const SentOrder& order = place();
+    login();
+    EXPECT_EQ(client.asked_for, std::vector<RequestId>{order.id});
+    const auto tell = [&] { return rig.during([&] { sink(one).RequestTold(order.id, state, 0.0); }); };
+    EXPECT_EQ(says(tell(), words), 1);
+    EXPECT_EQ(says(tell(), words), 0);
+    EXPECT_EQ(rig.ledger.events.back().state, stored);
+    EXPECT_EQ(order.outcome, Outcome::accepted);
+    client.asked_for.clear();
+    login();
+    EXPECT_EQ(client.asked_for, std::vector<RequestId>{});
+  }
+  // A broker that can't be asked: the position of its number, or nothing.
+  client.ask_code = request::silent;
+  place();
+  client.positions = {{.ticket = number, .account = 81, .symbol = "EURUSD"}};
+  login();
+  EXPECT_EQ(rig.ledger.events.back().state, LedgerState::filled);
+  EXPECT_EQ(rig.ledger.events.back().evidence, LedgerEvidence::positions);
+  client.positions.clear();
+  const SentOrder& lost = place();
+  login();
+  EXPECT_EQ(lost.outcome, Outcome::unknown);
+  EXPECT_EQ(rig.ledger.events.back().reason, "gone");
+  EXPECT_EQ(rig.sessions.requests().unknown_now(), 1);
+  EXPECT_EQ(rig.sessions.requests().all_unknown(), std::vector<const SentOrder*>{&lost});
+}
+
 // A second word on what was final: it is believed, and everybody is told, once.
 TEST_F(Requests, AContradictionIsBelievedAndToldAsAConflict) {
   rig.sessions.admission().override_limits("one after another");

@@ -86,6 +86,9 @@ class DealingServer final : public EventSource, private ServerGate {
   // How the requests of this run ended and what prices set off, oldest first; the last 100,000 at least.
   const std::vector<Outcome>& outcomes() const { return recorder_.outcomes(); }
 
+  // What is kept of requests and fills for good, those of earlier runs included.
+  const RequestHistory& history() const { return recorder_.history(); }
+
   // How requests of an earlier run ended of which no session was told, as nobody was logged in: each once,
   // and none before it is stored.
   std::vector<Outcome> take_untold();

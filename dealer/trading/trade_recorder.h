@@ -24,6 +24,7 @@ class TradeRecorder {
 
   OrderNumbers& numbers() { return numbers_; }
   RequestHistory& history() { return history_; }
+  const RequestHistory& history() const { return history_; }
 
   // Something of this account has changed that the book holds.
   void note_change(TradingAccount& account) {

@@ -102,9 +102,10 @@ class ScriptedClient final : public ClientAPI {
   double MaximumLot() const override { return 100.0; }
   BookEra Era() const override { return 0; }
   std::vector<RequestId> asked_for;
+  RequestCode ask_code = request::silent;
   RequestCode AskRequest(RequestId id, BookEra) override {
     asked_for.push_back(id);
-    return request::silent;
+    return ask_code;
   }
   std::vector<TimePoint> executions_since;  // asked for
   RequestCode AskExecutions(TimePoint since) override {

@@ -35,6 +35,8 @@ class ScriptedLedger : public Ledger {
   void note(LedgerEvent event) override { events.push_back(std::move(event)); }
   std::string fault() const override { return why; }
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
+  const std::vector<LedgerUnknown>& working() const override { return unknown_; }
+  TimePoint known_until() const override { return {}; }
   const std::vector<LedgerUnknown>& never_left() const override { return unknown_; }
   const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
 

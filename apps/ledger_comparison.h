@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "dealer/link/dealing_server.h"
+#include "ledger/ledger_queries.h"
+#include "ledger/request_outcomes.h"
+
+namespace tutti {
+
+// Compares what the ledger says became of each request, and what was filled, with what the dealing server
+// keeps of the same for good. To be run when all is stored and no request is on its way.
+class LedgerComparison {
+ public:
+  // Of the accounts for which `compared` holds. What the server has from before the ledger's first request is
+  // left out.
+  LedgerComparison(const DealingServer& server, std::function<bool(std::int32_t)> compared)
+      : server_(server), compared_(std::move(compared)) {}
+
+  // One line per difference, empty when there is none. Both as the ledger has them, oldest first.
+  std::vector<std::string> run(const std::vector<RequestOutcome>& requests,
+                               const std::vector<FillRecord>& fills);
+  // Fills of the ledger that are of nobody's request here.
+  int elsewhere() const { return elsewhere_; }
+
+ private:
+  void differ(std::int32_t account, const std::string& what);
+  void compare_requests(const std::vector<RequestOutcome>& requests, const HistoryState& booked);
+  void compare_fills(const std::vector<FillRecord>& fills, const HistoryState& booked,
+                     const RequestOutcome& first);
+
+  const DealingServer& server_;
+  std::function<bool(std::int32_t)> compared_;
+  std::vector<std::string> differences_;
+  int elsewhere_ = 0;
+};
+
+}  // namespace tutti

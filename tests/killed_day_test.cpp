@@ -1,0 +1,125 @@
+// A scripted day that is killed at a drawn write, and gone on with by a script that asks for each of its acts
+// again until it is done.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "core/texts.h"
+#include "tests/support/command_line_rig.h"
+#include "tests/support/kill_point.h"
+#include "tests/support/ledger_home.h"
+
+namespace tutti::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Dealing, refusals and entry orders; prices stand still, so that every run ends with the same.
+constexpr auto dealer = R"(
+sample_accounts = 5
+[[fault]]
+kind = "pending"
+seconds = 1
+account = 500102
+on = ["open"]
+[[fault]]
+kind = "reject"
+account = 500103
+code = 2
+on = ["open"]
+times = 1
+)";
+
+const Texts acts{
+    "order --buy EURUSD --amount 1.5 --rule equal --id open",
+    "entry EURUSD --type buy-limit --amount 0.5 --at 1.01 --rule equal --id wait",
+    "--yes close --symbol EURUSD --accounts 500100,500101 --id close",
+    "--yes cancel --symbol EURUSD --accounts 500104 --id cancel",
+};
+
+struct Day {
+  CommandLineRig rig{dealer};
+
+  // The acts, one after the other; answers how each ended.
+  Texts run() {
+    Texts out;
+    for (const std::string& act : acts)
+      out.push_back(std::to_string(rig.run(act)));
+    return out;
+  }
+  // What accounts hold in the end, without the numbers and times that differ from run to run.
+  Texts holds() {
+    Texts out;
+    EXPECT_EQ(rig.run("--csv net --by account"), 0) << rig.err;
+    for (const std::string_view line : split(rig.out, "\n")) {
+      const auto cells = split(line, ",");
+      if (cells.size() > 3)
+        out.push_back(fmt::format("{}", fmt::join(cells.begin(), cells.begin() + 3, ",")));
+    }
+    EXPECT_EQ(rig.run("--csv orders"), 0) << rig.err;
+    out.push_back(std::to_string(split(rig.out, "\n").size()) + " orders");
+    return out;
+  }
+};
+
+// How a child that runs the day ends; -1: it was killed at its `at`-th write. With 0 it tells how many there
+// are.
+long run_child(Day& day, long at) {
+  int ends[2];
+  if (::pipe(ends) != 0) return -2;
+  const pid_t child = ::fork();
+  if (child == 0) {
+    kill_at_write(at);
+    day.run();
+    const long count = writes_counted();
+    (void)!::write(ends[1], &count, sizeof(count));
+    ::_exit(0);
+  }
+  ::close(ends[1]);
+  long count = -1;
+  const bool told = ::read(ends[0], &count, sizeof(count)) == sizeof(count);
+  ::close(ends[0]);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return told ? count : -1;
+}
+
+// Seeds: TUTTI_KILLS, 30 when it is not set.
+TEST(KilledDays, EndAsIfNothingHadHappened) {
+  Day whole;
+  whole.rig.run("accounts");
+  const long writes = run_child(whole, 0);
+  ASSERT_GT(writes, 100);
+  const Texts wanted = whole.holds();
+  const char* asked = std::getenv("TUTTI_KILLS");
+  const int seeds = asked == nullptr ? 30 : std::atoi(asked);
+  for (int seed = 1; seed <= seeds; ++seed) {
+    SCOPED_TRACE(fmt::format("seed {}", seed));
+    std::mt19937 random{static_cast<unsigned>(seed)};
+    Day day;
+    day.rig.run("accounts");
+    const long at = std::uniform_int_distribution<long>{1, writes}(random);
+    SCOPED_TRACE(fmt::format("write {} of {}", at, writes));
+    EXPECT_LE(run_child(day, at), writes + 50);
+    day.rig.clock.advance(60s);
+    for (const std::string& act : acts) {
+      // What is unknown is asked for with the login; what the server never took leaves with the second.
+      const int first = day.rig.run(act);
+      const int second = day.rig.run(act);
+      EXPECT_TRUE(second <= 1) << act << ": " << first << ", " << second << "\n"
+                               << day.rig.out << day.rig.err;
+    }
+    EXPECT_EQ(day.holds(), wanted);
+    EXPECT_EQ(day.rig.run("unknown"), 0) << day.rig.out;
+    EXPECT_EQ(day.rig.run("verify"), 0) << day.rig.out << day.rig.err;
+    EXPECT_EQ(day.rig.run("ledger check"), 0) << day.rig.out;
+    if (HasFailure()) break;
+  }
+}
+
+}  // namespace
+}  // namespace tutti::testing

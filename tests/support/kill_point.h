@@ -1,0 +1,11 @@
+#pragma once
+
+namespace tutti::testing {
+
+// Ends this process, as a kill does, right before its `count`-th call from now on that writes something to a
+// disk or makes what was written last: of whichever thread, library or file. 0: never, it only counts.
+void kill_at_write(long count);
+// How many such calls there were since then.
+long writes_counted();
+
+}  // namespace tutti::testing
