@@ -75,6 +75,12 @@ void Main::connect() {
   desk_.requote = &requote_;
   tickets_.send_again = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests,
                                RetryPart part) { ticket_retry_.send(ticket, requests, part); };
+  tickets_.on_change_orders = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+    ticket_orders_form_.open(ticket, requests);
+  };
+  tickets_.on_cancel_orders = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+    ticket_orders_.cancel(ticket, requests);
+  };
   tickets_.decimals_of = [this](const std::string& symbol) {
     const SymbolHandle handle = books_.symbols.find(symbol);
     return handle == no_symbol ? 0 : books_.symbols.entry(handle).digits;

@@ -42,8 +42,15 @@ TicketBoard::TicketBoard(const Clock& clock, LedgerReads* reads) : clock_(clock)
     outdated_ = true;
     read();
   };
-  retry.on_click = [this] { press(RetryPart::no_effect); };
-  retry_settled.on_click = [this] { press(RetryPart::settled_by_hand); };
+  const auto again = [this](RetryPart part) {
+    press([this, part](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+      if (send_again) send_again(ticket, requests, part);
+    });
+  };
+  retry.on_click = [again] { again(RetryPart::no_effect); };
+  retry_settled.on_click = [again] { again(RetryPart::settled_by_hand); };
+  change_orders.on_click = [this] { press(on_change_orders); };
+  cancel_orders.on_click = [this] { press(on_cancel_orders); };
   show_head();
 }
 
@@ -62,10 +69,16 @@ void TicketBoard::open(std::int64_t number) {
   read();
 }
 
-void TicketBoard::press(RetryPart part) {
+void TicketBoard::press(const OfTicket& act) {
   // Events go on while the question stands.
-  if (send_again && listed_ == opened_) send_again(opened_, std::vector<TicketRequest>{requests_}, part);
+  if (act && listed_ == opened_) act(opened_, std::vector<TicketRequest>{requests_});
   outdated_ = true;
+}
+
+bool TicketBoard::has_working_orders() const {
+  return std::any_of(requests_.begin(), requests_.end(), [](const TicketRequest& each) {
+    return each.kind == RequestKind::entry && each.state == LedgerState::working;
+  });
 }
 
 std::size_t TicketBoard::retryable(RetryPart part) const {
@@ -192,6 +205,9 @@ void TicketBoard::show_head() {
   retry.set_enabled(rest > 0 && send_again != nullptr);
   retry_settled.set_visible(listed_ == opened_ && send_again != nullptr &&
                             retryable(RetryPart::settled_by_hand) > 0);
+  const bool works = listed_ == opened_ && has_working_orders();
+  change_orders.set_visible(works && on_change_orders != nullptr);
+  cancel_orders.set_visible(works && on_cancel_orders != nullptr);
   older.set_visible(static_cast<int>(tickets_.size()) >= count_);
   if (!fault_.empty()) return head.set_text("The ledger can't be read: " + fault_);
   if (opened_ == 0) return head.set_text("Select a ticket to see its accounts");

@@ -47,6 +47,9 @@ class TicketBoard {
   Button retry{"Send the rest again..."};
   // What the operator settled by hand as not executed; seen only where there is such a one.
   Button retry_settled{"Send the settled again..."};
+  // Of a ticket of entry orders while some of them work.
+  Button change_orders{"Change orders..."};
+  Button cancel_orders{"Cancel orders..."};
   // Of the opened ticket, or what to do to open one; or why nothing can be read.
   Label head;
 
@@ -67,6 +70,10 @@ class TicketBoard {
   // Sends what may be of these requests again, after a question; set by start-up.
   std::function<void(std::int64_t ticket, const std::vector<TicketRequest>& requests, RetryPart part)>
       send_again;
+  // Change or cancel the entry orders of these requests, after a question; set by start-up.
+  using OfTicket = std::function<void(std::int64_t ticket, const std::vector<TicketRequest>& requests)>;
+  OfTicket on_change_orders;
+  OfTicket on_cancel_orders;
 
  private:
   struct Shown {
@@ -85,7 +92,8 @@ class TicketBoard {
   void draw(const std::vector<FillRecord>& fills);
   const TicketRecord* listed() const;
   void show_head();
-  void press(RetryPart part);
+  void press(const OfTicket& act);
+  bool has_working_orders() const;
 
   const Clock& clock_;
   LedgerReads* reads_;

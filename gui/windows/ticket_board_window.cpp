@@ -86,12 +86,18 @@ QWidget* TicketBoardWindow::make_requests(Screen& screen) {
   head_text->set_colour(QColor{theme::muted});
   Binder binder{screen, *this};
   binder.show([this, head_text] { head_text->set_text(QString::fromStdString(form_.head.text())); });
+  auto* change = named(new QPushButton, "change_orders");
+  binder.bind(*change, form_.change_orders);
+  auto* cancel = named(new QPushButton, "cancel_orders");
+  binder.bind(*cancel, form_.cancel_orders);
   auto* retry = named(new QPushButton, "retry");
   binder.bind(*retry, form_.retry);
   auto* head = new QHBoxLayout;
   head->setContentsMargins(8, 3, 10, 3);
   head->setSpacing(12);
   head->addWidget(head_text, 1);
+  head->addWidget(change);
+  head->addWidget(cancel);
   head->addWidget(retry);
   // Another key than the one that presses everything else, and none that comes by the way.
   auto* settled = named(new QPushButton, "retry_settled");
