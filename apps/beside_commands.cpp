@@ -73,7 +73,8 @@ std::optional<int> settle_beside(const HomeContext& context, const SettleArgumen
 }
 
 std::optional<int> retry_beside(const HomeContext& context, const RetryArguments& arguments) {
-  const Json question{{"do", "retry"}, {"ticket", arguments.ticket}};
+  Json question{{"do", "retry"}, {"ticket", arguments.ticket}};
+  if (arguments.part == RetryPart::settled_by_hand) question["settled"] = true;
   const auto plan = context.link.ask(question);
   if (!plan && plan.error().nobody) return std::nullopt;
   if (!plan) return tell_fault(context.console, plan.error());
@@ -112,7 +113,7 @@ std::optional<int> retry_beside(const HomeContext& context, const RetryArguments
   context.console.print(lines.report(context.form, more, [&] {
     return totals ? totals->at("line").get<std::string>() + "\n" : std::string{};
   }));
-  return lines.status(*before);
+  return lines.status(*before, arguments.part);
 }
 
 }  // namespace tutti

@@ -252,6 +252,9 @@ Command add_retry(CLI::App& app) {
   auto arguments = std::make_shared<RetryArguments>();
   command.add_option("ticket", arguments->ticket, "Number of the ticket, as tuttictl tickets names it")
       ->required();
+  command.add_flag_callback(
+      "--settled", [arguments] { arguments->part = RetryPart::settled_by_hand; },
+      "Instead: what you settled by hand as not executed");
   add_requote(command, arguments->requote);
   add_override(command, arguments->over_limits);
   explain(command, "tuttictl --yes retry 34",

@@ -74,6 +74,7 @@ struct RetryArguments {
   std::int64_t ticket = 0;
   std::optional<RequoteReply> requote;
   std::string over_limits;  // as in SplitArguments
+  RetryPart part = RetryPart::no_effect;
 };
 
 // The operator's word on a request whose outcome nobody knows.

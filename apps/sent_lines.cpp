@@ -54,11 +54,11 @@ SentLines SentLines::of(std::vector<TicketRequest> requests) {
   return out;
 }
 
-int SentLines::status(const std::vector<TicketRequest>& of_ticket) const {
+int SentLines::status(const std::vector<TicketRequest>& of_ticket, RetryPart part) const {
   if (std::any_of(lines.begin(), lines.end(), [](const Line& each) { return each.unknown; }))
     return exit_status::some_unknown;
   const auto wanted = std::count_if(of_ticket.begin(), of_ticket.end(),
-                                    [](const TicketRequest& each) { return each.may_be_retried(); });
+                                    [part](const TicketRequest& each) { return each.may_be_retried(part); });
   const auto done = std::count_if(lines.begin(), lines.end(), [](const Line& each) { return each.accepted; });
   return done == wanted ? exit_status::all_accepted : exit_status::some_refused;
 }

@@ -31,7 +31,7 @@ struct SentLines {
   std::map<RequestId, TicketRequest> stored;
 
   // The exit status, where these requests were to be sent again as far as they may be.
-  int status(const std::vector<TicketRequest>& of_ticket) const;
+  int status(const std::vector<TicketRequest>& of_ticket, RetryPart part) const;
   // `behind`: what a text ends with.
   std::string report(OutputForm form, const Json& more, const std::function<std::string()>& behind) const;
 };

@@ -148,12 +148,13 @@ LineServer::Work TerminalControl::retry(const Json& asked) {
   const std::int64_t ticket = whole(asked, "ticket");
   const auto agreed = asked.value("plan", std::string{});
   const auto override_reason = asked.value("override", std::string{});
+  const RetryPart part = asked.value("settled", false) ? RetryPart::settled_by_hand : RetryPart::no_effect;
   return with_ticket(ticket, [=, this](Requests requests) -> Work {
     if (!agreed.empty())
       return act([=, this, requests = std::move(requests)] {
-        return send_again(ticket, requests, agreed, override_reason);
+        return send_again(ticket, requests, part, agreed, override_reason);
       });
-    const TicketRetry::Plan plan = main_.ticket_retry().plan(ticket, requests);
+    const TicketRetry::Plan plan = main_.ticket_retry().plan(ticket, requests, part);
     return [said = line_of({{"plan", name_of(plan)},
                             {"count", plan.requests.size()},
                             {"question", plan.question},
@@ -161,9 +162,9 @@ LineServer::Work TerminalControl::retry(const Json& asked) {
   });
 }
 
-std::string TerminalControl::send_again(std::int64_t ticket, const Requests& requests,
+std::string TerminalControl::send_again(std::int64_t ticket, const Requests& requests, RetryPart part,
                                         const std::string& plan, const std::string& override_reason) {
-  const TicketRetry::Plan now = main_.ticket_retry().plan(ticket, requests);
+  const TicketRetry::Plan now = main_.ticket_retry().plan(ticket, requests, part);
   if (now.requests.empty() || name_of(now) != plan)
     return refusal(
         fmt::format("What of ticket {} can be sent again has changed meanwhile: nothing was sent", ticket),
@@ -171,7 +172,7 @@ std::string TerminalControl::send_again(std::int64_t ticket, const Requests& req
   journal(fmt::format("send {} requests of ticket {} again", now.requests.size(), ticket));
   Admission& admission = main_.sessions().admission();
   const auto over_limits = admission.override_for_now(override_reason);
-  const auto sent = main_.ticket_retry().send_agreed(ticket, requests);
+  const auto sent = main_.ticket_retry().send_agreed(ticket, requests, part);
   // They were made one after the other, so their ids are these and those between.
   const RequestId first = sent.front()->id;
   const RequestId last = sent.back()->id;

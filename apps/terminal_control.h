@@ -47,8 +47,8 @@ class TerminalControl {
   Work with_ticket(std::int64_t ticket, std::function<Work(Requests)> next);
   // That answer, once the ledger has stored all up to here; an error when it can't.
   std::optional<std::string> once_stored(std::uint64_t told, const std::string& answer);
-  std::string send_again(std::int64_t ticket, const Requests& requests, const std::string& plan,
-                         const std::string& override_reason);
+  std::string send_again(std::int64_t ticket, const Requests& requests, RetryPart part,
+                         const std::string& plan, const std::string& override_reason);
   std::string stop_state();
   void journal(const std::string& what);
 

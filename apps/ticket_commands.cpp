@@ -100,7 +100,7 @@ int retry_command(CommandContext& context, const RetryArguments& arguments) {
     return exit_status::usage;
   }
   context.main().sessions().admission().override_limits(arguments.over_limits);
-  const auto sent = context.main().ticket_retry().send(arguments.ticket, *requests);
+  const auto sent = context.main().ticket_retry().send(arguments.ticket, *requests, arguments.part);
   context.refuse_held();
   run_answering(context, arguments.requote.value_or(RequoteReply::reject), [&] {
     return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
@@ -108,7 +108,7 @@ int retry_command(CommandContext& context, const RetryArguments& arguments) {
   context.journal_unanswered();
   const SentLines lines = lines_of(context, sent);
   context.print(lines);
-  return lines.status(*requests);
+  return lines.status(*requests, arguments.part);
 }
 
 }  // namespace tutti

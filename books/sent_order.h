@@ -89,6 +89,10 @@ struct SentOrder {
     return has_left() && outcome != Outcome::waiting && outcome != Outcome::pending &&
            outcome != Outcome::partly;
   }
+  // It was refused or not sent, as far as is known, and nothing of it was filled.
+  bool had_no_effect() const {
+    return (outcome == Outcome::refused || outcome == Outcome::dropped) && filled == 0.0;
+  }
   // It is not kept back any more.
   bool has_left() const { return outcome != Outcome::held && outcome != Outcome::queued; }
 

@@ -62,7 +62,8 @@ Query fill_query(const FillFilter& filter, bool whole) {
       "SELECT f.seq, coalesce(f.t_server, f.t_here) AS t, r.ticket, f.request, a.server, a.user, "
       "a.account_text, f.open_or_close, coalesce(f.position, 0), f.lots, f.lots_digits, coalesce(f.price, "
       "0), "
-      "f.price_digits, f.profit, f.commission, coalesce(f.exec_id, ''), r.symbol, r.side, {} FROM {} WHERE 1",
+      "f.price_digits, f.profit, f.commission, coalesce(f.exec_id, ''), r.symbol, r.side, {}, f.t_here FROM "
+      "{} WHERE 1",
       later, from);
   const auto add = [&](const std::string& condition, auto... values) {
     out.sql += " AND " + condition;
@@ -97,9 +98,11 @@ constexpr auto ticket_columns =
 
 }  // namespace
 
-bool TicketRequest::may_be_retried() const {
-  const bool nothing_done = state == LedgerState::refused || state == LedgerState::refused_here ||
-                            state == LedgerState::never || state == LedgerState::dropped;
+bool TicketRequest::may_be_retried(RetryPart part) const {
+  const bool nothing_done = part == RetryPart::settled_by_hand
+                                ? state == LedgerState::hand && reason == hand_not_executed
+                                : state == LedgerState::refused || state == LedgerState::refused_here ||
+                                      state == LedgerState::never || state == LedgerState::dropped;
   // The order that the answer to a requote was for has ended.
   return nothing_done && retried_by == 0 && kind != RequestKind::requote;
 }
@@ -129,6 +132,7 @@ std::vector<FillRecord> LedgerQueries::fills(const FillFilter& filter) {
     const bool closes = text(7) == "close";
     out.push_back({.seq = rows.getColumn(0).getInt64(),
                    .time = time_of(rows.getColumn(1)),
+                   .heard = time_of(rows.getColumn(21)),
                    .ticket = rows.getColumn(2).getInt64(),
                    .request = rows.getColumn(3).getInt64(),
                    .account = account_of(rows, 4),
@@ -233,6 +237,7 @@ std::vector<TicketRequest> LedgerQueries::requests_of(std::int64_t ticket) {
   rows.bind(1, ticket);
   while (rows.executeStep()) {
     out.push_back({.id = rows.getColumn(0).getInt64(),
+                   .ticket = ticket,
                    .account = account_of(rows, 1),
                    .kind = ledger_words::kind(rows.getColumn(4).getString()),
                    .symbol = rows.getColumn(5).getString(),

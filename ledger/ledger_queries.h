@@ -16,6 +16,7 @@ namespace tutti {
 struct FillRecord {
   std::int64_t seq = 0;
   TimePoint time{};         // the server's; ours where it told none
+  TimePoint heard{};        // ours, when it was heard of
   std::int64_t ticket = 0;  // of the request; 0 when the fill is of no request of ours
   RequestId request = 0;    // 0 as well
   LedgerAccount account{};
@@ -75,9 +76,14 @@ struct TicketRecord {
   TicketFills filled{};
 };
 
+// Which of a ticket's requests are sent again: those that had no effect for sure, or those of which only the
+// operator says so.
+enum class RetryPart : std::uint8_t { no_effect, settled_by_hand };
+
 // A request of a ticket, and what became of it.
 struct TicketRequest {
   RequestId id = 0;
+  std::int64_t ticket = 0;
   LedgerAccount account{};
   RequestKind kind = RequestKind::open;
   std::string symbol{};
@@ -97,8 +103,8 @@ struct TicketRequest {
   RequestId retried_by = 0;
   StopPrices stops{};  // of an entry order, an update, and stops
 
-  // It has had no effect for sure, and was not sent again yet.
-  bool may_be_retried() const;
+  // It belongs to these, and was not sent again yet.
+  bool may_be_retried(RetryPart part = RetryPart::no_effect) const;
 };
 
 // A ticket that the operator gave a name.

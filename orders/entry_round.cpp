@@ -12,6 +12,7 @@ namespace tutti {
 void EntryRound::begin() {
   ++round_;
   answers_.clear();
+  requests_.clear();
 }
 
 std::string EntryRound::report(RequestCode code, std::int32_t account, const Request& request) {
@@ -28,6 +29,7 @@ void EntryRound::send(Row& row, Request request, const Send& send) {
   if (session == nullptr) return sent(row, request::invalid_account);
   answers_[number] = OrderAnswer::waiting;
   send(*session, round_, [this](const SentOrder& request) {
+    if (request.round == round_) requests_.insert(&request);
     // What is held may leave long after; its row may be gone by then, and its round over.
     Row* to = rows_.find(request.account);
     const std::string_view kept = gate_texts::row(request);

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "accounts/frmMain.h"
 #include "core/notices.h"
@@ -52,6 +54,8 @@ class EntryRound {
   void stops_carried_out(std::int32_t account);
 
   bool empty() const { return answers_.empty(); }
+  // What has left in this round, or was not sent after all.
+  std::vector<const SentOrder*> requests() const { return {requests_.begin(), requests_.end()}; }
   OrderAnswer answer_of(const Row& row) const;
   OrderAnswers answers() const;
   // How many requests of earlier rounds for the account of a row nobody knows the outcome of.
@@ -72,6 +76,7 @@ class EntryRound {
   std::string_view stops_;
   int round_ = 1;                                // those of earlier runs have 0
   std::map<std::int32_t, OrderAnswer> answers_;  // of the round, by account
+  std::set<const SentOrder*> requests_;          // of the round
 };
 
 }  // namespace tutti

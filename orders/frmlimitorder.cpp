@@ -10,7 +10,11 @@ namespace tutti {
 
 frmlimitorder::frmlimitorder(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions,
                              SymbolCollection& symbols)
-    : general_(general), accounts_list_(accounts_list), sessions_(sessions), symbols_(symbols) {
+    : retry(general.clock, [this] { return round_.requests(); }),
+      general_(general),
+      accounts_list_(accounts_list),
+      sessions_(sessions),
+      symbols_(symbols) {
   cblimiordertype.set_items({"Buy Limit", "Sell Limit", "Buy Stop", "Sell Stop"});
   CBlimitorderdis.set_items(
       {"Distribute as equal parts", "Distribute by margin Ratio", "Distribute by equity Ratio"});

@@ -22,6 +22,7 @@
 #include "orders/entry_market.h"
 #include "orders/entry_round.h"
 #include "orders/entry_ticks.h"
+#include "orders/round_retry.h"
 #include "sessions/desk.h"
 #include "views/frmPending.h"
 
@@ -68,6 +69,8 @@ class frmlimitorder final : public EntryOrderDesk, public OrderWindow, public Di
   Button cmdlimiorderdis{"Distribute"};
   Button cmdsubmitlimiorder{"Submit"};
   Button cmdcancel{"Cancel"};
+  // What of the last Submit had no effect, once more.
+  RoundRetry retry;
 
   // Whether the window is shown. Showing it chooses the first type and symbol where none is, and has the
   // symbol looked up anew.

@@ -35,7 +35,11 @@ Answer combined(Orders own) {
 
 frmorder::frmorder(MGeneral& general, frmMain& accounts_list, CClientAPIManagers& sessions,
                    SymbolCollection& symbols)
-    : general_(general), accounts_list_(accounts_list), sessions_(sessions), symbols_(symbols) {
+    : retry(general.clock, [this] { return round(); }),
+      general_(general),
+      accounts_list_(accounts_list),
+      sessions_(sessions),
+      symbols_(symbols) {
   CBdis.set_items({"Distribute as equal parts", "Distribute by margin Ratio", "Distribute by equity Ratio"});
   ColumnWidthsPer("20,12,67");
   Enableds(true);
@@ -226,6 +230,12 @@ std::optional<double> frmorder::ticked_share(std::int32_t account) const {
 
 void frmorder::request_ended(std::int32_t, RequestCode) {
   ++requests_refused_;
+}
+
+std::vector<const SentOrder*> frmorder::round() const {
+  if (!sent_) return {};
+  const Orders all = sessions_.last_fan_out();
+  return {all.begin(), all.end()};
 }
 
 frmorder::Answer frmorder::answer_of(const Row& row) const {

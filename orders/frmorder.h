@@ -16,6 +16,7 @@
 #include "core/text_box.h"
 #include "orders/account_rows.h"
 #include "orders/order_answer.h"
+#include "orders/round_retry.h"
 #include "sessions/contract/codes.h"
 #include "sessions/desk.h"
 
@@ -46,6 +47,8 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
   Label distribute_label{"Distribute"};
   Label symbol_label{"Symbol"};
   RowList lvwConClients{{"Account", "Amount", "Result"}};
+  // What of the last round had no effect, once more.
+  RoundRetry retry;
 
   // Rows. Adding one twice and removing a missing one are ignored.
   void Add(std::int32_t account, std::string_view amount, double result);
@@ -128,6 +131,7 @@ class frmorder final : public MarketOrderDesk, public OrderWindow {
 
  private:
   bool is_of_before(const SentOrder& order) const;
+  std::vector<const SentOrder*> round() const;
   void cbsymbols_Click();
   void CBdis_Click();
   void chkAllClients_Click();

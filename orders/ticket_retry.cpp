@@ -19,14 +19,12 @@ std::string counted(std::size_t count, const char* one) {
 
 }  // namespace
 
-CClientAPIManager* TicketRetry::session_of(const LedgerAccount& account) const {
-  for (const auto& session : sessions_.Children())
-    if (session->ledger_account() == account && session->ClientAPIF().LoggedIn()) return session.get();
-  return nullptr;
-}
-
 std::string TicketRetry::obstacle(const TicketRequest& request, const CClientAPIManager* session) const {
   if (session == nullptr) return "not connected";
+  // A late word may have come that the ledger did not have when it was asked.
+  const SentOrder* now = sessions_.requests().find(request.id);
+  if (now != nullptr && now->outcome != SentOrder::Outcome::none && !now->had_no_effect())
+    return "its first request has had an effect after all";
   const std::int32_t account = request.account.account;
   switch (request.kind) {
     case RequestKind::open:
@@ -51,13 +49,14 @@ std::string TicketRetry::obstacle(const TicketRequest& request, const CClientAPI
   return "its order has ended";
 }
 
-std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequest>& requests, Wanted wanted,
+std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequest>& requests,
+                                                    const Wanted& wanted,
                                                     std::vector<std::string>& left_out) const {
   std::vector<Rest> out;
   left_out.clear();
   for (const TicketRequest& each : requests) {
     if (!wanted(each) || sent_.contains(each.id)) continue;
-    CClientAPIManager* session = session_of(each.account);
+    CClientAPIManager* session = sessions_.logged_in(each.account);
     const std::string why = obstacle(each, session);
     if (why.empty()) {
       out.push_back({&each, session});
@@ -68,23 +67,33 @@ std::vector<TicketRetry::Rest> TicketRetry::rest_of(const std::vector<TicketRequ
   return out;
 }
 
-TicketRetry::Plan TicketRetry::plan(std::int64_t ticket, const std::vector<TicketRequest>& requests) const {
+TicketRetry::Plan TicketRetry::plan(std::int64_t ticket, const std::vector<TicketRequest>& requests,
+                                    RetryPart part) const {
   std::vector<std::string> left_out;
   Plan out;
   LotSums sums{"request"};
   double lots = 0.0;
-  for (const Rest& each : rest_of(requests, &TicketRetry::had_no_effect, left_out)) {
+  for (const Rest& each : rest_of(requests, of(part), left_out)) {
     out.requests.push_back(each.request->id);
     sums.add(each.request->symbol, each.request->lots);
     lots += each.request->lots;
   }
   const std::string sum = lots > 0.0 ? ", " + number_text(lots_of_sum(lots)) + " lots in all" : "";
+  const bool settled = part == RetryPart::settled_by_hand;
   if (out.requests.empty()) {
-    out.question = fmt::format("Nothing of ticket {} can be sent again", ticket);
+    out.question = fmt::format("Nothing of ticket {}{} can be sent again", ticket,
+                               settled ? " that was settled by hand" : "");
   } else {
-    out.question =
-        fmt::format("Send {} of ticket {} again{}?", counted(out.requests.size(), "request"), ticket, sum);
+    out.question = fmt::format("Send {} of ticket {} again{}{}?", counted(out.requests.size(), "request"),
+                               ticket, settled ? " that you settled by hand as not executed" : "", sum);
     out.details = sums.text();
+    if (settled) out.details += "\nWhat was executed all the same is executed twice then";
+  }
+  if (!settled) {
+    const auto by_hand = std::count_if(requests.begin(), requests.end(), of(RetryPart::settled_by_hand));
+    if (by_hand > 0)
+      left_out.push_back(fmt::format("{} settled by hand as not executed: only with the second key",
+                                     counted(static_cast<std::size_t>(by_hand), "request")));
   }
   for (const std::string& line : left_out)
     out.details += (out.details.empty() ? "" : "\n") + line;
@@ -92,8 +101,8 @@ TicketRetry::Plan TicketRetry::plan(std::int64_t ticket, const std::vector<Ticke
 }
 
 std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
-                                                const std::vector<TicketRequest>& requests) {
-  const Plan now = plan(ticket, requests);
+                                                const std::vector<TicketRequest>& requests, RetryPart part) {
+  const Plan now = plan(ticket, requests, part);
   if (now.requests.empty()) {
     general_.message_box(now.details.empty() ? now.question : now.question + "\n" + now.details);
     return {};
@@ -101,13 +110,14 @@ std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
   constexpr int yes = 1;
   if (general_.msg_box.GeneralQuestionMsg(now.question, now.details) != yes) return {};
   // Events went on while the question stood.
-  return send_agreed(ticket, requests);
+  return send_agreed(ticket, requests, part);
 }
 
 std::vector<const SentOrder*> TicketRetry::send_agreed(std::int64_t ticket,
-                                                       const std::vector<TicketRequest>& requests) {
+                                                       const std::vector<TicketRequest>& requests,
+                                                       RetryPart part) {
   std::vector<std::string> left_out;
-  return send_again(ticket, rest_of(requests, &TicketRetry::had_no_effect, left_out));
+  return send_again(ticket, rest_of(requests, of(part), left_out));
 }
 
 std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
@@ -118,7 +128,7 @@ std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
   std::vector<std::string> not_again;
   const std::vector<Rest> never = rest_of(
       requests,
-      [](const TicketRequest& each) { return each.state == LedgerState::never && had_no_effect(each); },
+      [](const TicketRequest& each) { return each.state == LedgerState::never && each.may_be_retried(); },
       not_again);
   left_out.insert(left_out.end(), not_again.begin(), not_again.end());
   std::vector<const SentOrder*> sent;

@@ -52,6 +52,15 @@ CClientAPIManager* CClientAPIManagers::logged_in(std::int32_t account) const {
   return session == at->second.end() ? nullptr : *session;
 }
 
+CClientAPIManager* CClientAPIManagers::logged_in(const LedgerAccount& account) const {
+  const auto at = by_account_.find(account.account);
+  if (at == by_account_.end()) return nullptr;
+  const auto session = std::find_if(at->second.begin(), at->second.end(), [&](const auto* each) {
+    return each->ledger_account() == account && each->ClientAPIF().LoggedIn();
+  });
+  return session == at->second.end() ? nullptr : *session;
+}
+
 bool CClientAPIManagers::close_awaited(std::int64_t ticket, std::int32_t account) const {
   const auto at = by_account_.find(account);
   return at != by_account_.end() &&

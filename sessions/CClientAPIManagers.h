@@ -49,7 +49,9 @@ class CClientAPIManagers {
   }
   // First such session that is logged in.
   CClientAPIManager* logged_in(std::int32_t account) const;
-  // That one, where it carries the symbol; nullptr when it does not.
+  // The one that is logged in to exactly this account, at this server and under this user.
+  CClientAPIManager* logged_in(const LedgerAccount& account) const;
+  // The first, where it carries the symbol; nullptr when it does not.
   CClientAPIManager* carrying(std::string_view symbol, std::int32_t account) const;
   // A close of the position has left, and nobody knows yet what became of it.
   bool close_awaited(std::int64_t ticket, std::int32_t account) const;

@@ -73,9 +73,20 @@ void Main::connect() {
   pending_.EdirMode = edit;
   trade_.EdirMode = edit;
   desk_.requote = &requote_;
-  tickets_.send_again = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
-    ticket_retry_.send(ticket, requests);
+  tickets_.send_again = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests,
+                               RetryPart part) { ticket_retry_.send(ticket, requests, part); };
+  tickets_.on_change_orders = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+    ticket_orders_form_.open(ticket, requests);
   };
+  tickets_.on_cancel_orders = [this](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+    ticket_orders_.cancel(ticket, requests);
+  };
+  tickets_.decimals_of = [this](const std::string& symbol) {
+    const SymbolHandle handle = books_.symbols.find(symbol);
+    return handle == no_symbol ? 0 : books_.symbols.entry(handle).digits;
+  };
+  for (RoundRetry* each : {&market_order_.retry, &entry_order_.retry})
+    each->attach(ticket_retry_, ports_.reads);
   sessions_.admission().on_held = [this] { held_.refresh(); };
   unknown_.settle = [this](RequestId request, bool executed, const std::string& note) {
     return sessions_.settle_by_hand(request, executed, note);
@@ -125,6 +136,8 @@ std::size_t Main::deliver_events(std::size_t limit) {
 void Main::poll_timers(bool events_wait) {
   sessions_.send_stored();
   if (ports_.reads != nullptr) ports_.reads->deliver();
+  for (RoundRetry* each : {&market_order_.retry, &entry_order_.retry})
+    each->poll();
   tickets_.poll();
   fills_.poll();
   stop_.refresh();

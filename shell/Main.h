@@ -32,6 +32,8 @@
 #include "orders/frmStop.h"
 #include "orders/frmlimitorder.h"
 #include "orders/frmorder.h"
+#include "orders/ticket_orders.h"
+#include "orders/ticket_orders_form.h"
 #include "orders/ticket_retry.h"
 #include "sessions/CClientAPIManagers.h"
 #include "sessions/CLoginOptions.h"
@@ -115,6 +117,7 @@ class Main {
   FillList& fills() { return fills_; }
   UnknownList& unknown() { return unknown_; }
   TicketRetry& ticket_retry() { return ticket_retry_; }
+  TicketOrdersForm& ticket_orders_form() { return ticket_orders_form_; }
   frmPriceChanged& requote() { return requote_; }
   // An order over a limit, the limits, and STOP ALL.
   frmHeld& held() { return held_; }
@@ -181,6 +184,8 @@ class Main {
                                trade_,   books_.positions, books_.symbols};
   CloseHelper close_helper_{general_, sessions_};
   TicketRetry ticket_retry_{general_, sessions_, books_};
+  TicketOrders ticket_orders_{general_, sessions_, books_};
+  TicketOrdersForm ticket_orders_form_{general_, ticket_orders_};
   TicketBoard tickets_{ports_.clock, ports_.reads};
   FillList fills_{ports_.clock, ports_.reads};
   frmHeld held_{general_, sessions_};

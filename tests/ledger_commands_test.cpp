@@ -244,9 +244,25 @@ TEST_F(Ledgers, TakeTheOperatorsWordWhereNobodyElseKnows) {
   // His word sends nothing again, and the server is asked about the rest alone, with what was filled of it.
   rig.clock.advance(60s);
   EXPECT_EQ(rig.run("--yes retry 1"), 0);
+  EXPECT_NE(rig.err.find("1 request settled by hand as not executed: only with the second key"),
+            std::string::npos)
+      << rig.err;
   EXPECT_EQ(rig.run("unknown"), 0);
   EXPECT_EQ(ask("SELECT count(*), min(price > 0), max(side) FROM fill WHERE request = " + id(3)),
             Texts{"1|1|buy"});
+  // Only with the second key, once, and never what he said was executed.
+  EXPECT_EQ(rig.run("retry 1 --settled"), 1);
+  EXPECT_EQ(ask("SELECT count(*) FROM request"), Texts{"3"});
+  EXPECT_EQ(rig.run("--yes retry 1 --settled"), 0) << rig.err;
+  EXPECT_NE(
+      rig.err.find("Send 1 request of ticket 1 again that you settled by hand as not executed, 0.3 lots "
+                   "in all? Yes"),
+      std::string::npos)
+      << rig.err;
+  EXPECT_EQ(rig.run("--yes retry 1 --settled"), 0);
+  EXPECT_NE(rig.err.find("Nothing of ticket 1 that was settled by hand can be sent again"), std::string::npos)
+      << rig.err;
+  EXPECT_EQ(ask("SELECT retry_of FROM request WHERE retry_of IS NOT NULL"), Texts{id(2)});
   EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
 }
 

@@ -1,9 +1,11 @@
 // The ticket board and the fills over a ledger that the command line has filled, and sending the rest again.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <thread>
 
+#include "core/numbers.h"
 #include "core/texts.h"
 #include "ledger/ledger_watch.h"
 #include "tests/support/command_line_rig.h"
@@ -23,6 +25,46 @@ Texts column(const RowList& list, std::size_t column) {
   for (const Row& row : list)
     out.push_back(row.text(column));
   return out;
+}
+
+Texts points(const TicketPicture& picture) {
+  Texts out;
+  for (const FillPoint& each : picture.points)
+    out.push_back(fmt::format("{} {} {} at {}, {} worse", each.account, each.buys ? "bought" : "sold",
+                              number_text(each.lots), fixed_text(each.price, picture.digits),
+                              each.worse ? fixed_text(*each.worse, picture.digits) : "?"));
+  return out;
+}
+
+TEST(Tickets, HaveAPointForEachFillOfOneSymbol) {
+  const TimePoint click{100s};
+  const auto fill = [&](std::int32_t account, Operation side, double price, std::chrono::milliseconds after) {
+    return FillRecord{.time = click + 1h,  // the server's clock is another one
+                      .heard = click + after,
+                      .account = {"", "", account},
+                      .symbol = "EURUSD",
+                      .side = side,
+                      .lots = 0.5,
+                      .price = price,
+                      .price_digits = 5};
+  };
+  const std::vector<FillRecord> fills{
+      fill(1, operation::buy, 1.08471, 40ms), fill(2, operation::buy, 0.0, 50ms),
+      fill(3, operation::sell_stop, 1.08471, 70ms), fill(1, operation::buy, 1.0846, -5s)};
+  using State = TicketPicture::State;
+  const TicketPicture picture =
+      TicketPicture::of({.time = click, .symbol = "EURUSD", .price_at_click = 1.08462}, fills);
+  EXPECT_EQ(points(picture),
+            (Texts{"1 bought 0.5 at 1.08471, 0.00009 worse", "3 sold 0.5 at 1.08471, -0.00009 worse",
+                   "1 bought 0.5 at 1.08460, -0.00002 worse"}));
+  EXPECT_EQ(picture.points[1].after, 70ms);
+  EXPECT_EQ(picture.points[2].after, 0ms) << "the clock was set back";
+  EXPECT_TRUE(picture.state == State::shown && picture.lots() == 1.5);
+  EXPECT_EQ(points(TicketPicture::of({.time = click, .symbol = "EURUSD"}, {fills[0]})),
+            Texts{"1 bought 0.5 at 1.08471, ? worse"});
+  EXPECT_EQ(TicketPicture::of({.time = click, .symbol = "EURUSD"}, {fills[1]}).state, State::nothing_filled);
+  const TicketPicture several = TicketPicture::of({.time = click}, fills);
+  EXPECT_TRUE(several.state == State::several_symbols && several.points.empty());
 }
 
 TEST(Tickets, AreToldInOneLine) {
@@ -132,6 +174,7 @@ TEST(Tickets, AreShownWithTheirAccountsAndFills) {
   EXPECT_EQ(told(1), "Sell limit|0.2|1.2|Entry order|2 working");
   EXPECT_EQ(told(2), "Buy|0.9|1.08462|Market order|2 filled 0.6 lots at 1.08462, 1 no margin");
   EXPECT_FALSE(board.retry.enabled());
+  EXPECT_EQ(points(board.picture()), Texts{});
 
   board.lvwTickets.select(board.lvwTickets.row(2));
   EXPECT_TRUE(until([&] { return board.lvwRequests.size() == 3; }));
@@ -141,10 +184,14 @@ TEST(Tickets, AreShownWithTheirAccountsAndFills) {
   EXPECT_EQ(column(board.lvwRequests, Column::fill_price), (Texts{"1.08462", "1.08462", ""}));
   EXPECT_EQ(column(board.lvwRequests, Column::slippage), (Texts{"0.00000", "0.00000", ""}));
   EXPECT_EQ(board.head.text(), "Ticket 1, 1 may be sent again");
+  EXPECT_FALSE(board.retry_settled.visible());
+  EXPECT_EQ(sorted(points(board.picture())), (Texts{"500100 bought 0.3 at 1.08462, 0.00000 worse",
+                                                    "500102 bought 0.3 at 1.08462, 0.00000 worse"}));
   // What the button hands over is sent again by the terminal, which is another one here.
   EXPECT_FALSE(board.retry.enabled());
   std::vector<std::int64_t> sent;
-  board.send_again = [&](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+  board.send_again = [&](std::int64_t ticket, const std::vector<TicketRequest>& requests, RetryPart part) {
+    EXPECT_EQ(part, RetryPart::no_effect);
     sent.push_back(ticket);
     EXPECT_EQ(requests.size(), 3U);
     EXPECT_EQ(rig.run("--yes retry 1"), 1);

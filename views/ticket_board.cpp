@@ -42,11 +42,15 @@ TicketBoard::TicketBoard(const Clock& clock, LedgerReads* reads) : clock_(clock)
     outdated_ = true;
     read();
   };
-  retry.on_click = [this] {
-    // Events go on while the question stands.
-    if (send_again && listed_ == opened_) send_again(opened_, std::vector<TicketRequest>{requests_});
-    outdated_ = true;
+  const auto again = [this](RetryPart part) {
+    press([this, part](std::int64_t ticket, const std::vector<TicketRequest>& requests) {
+      if (send_again) send_again(ticket, requests, part);
+    });
   };
+  retry.on_click = [again] { again(RetryPart::no_effect); };
+  retry_settled.on_click = [again] { again(RetryPart::settled_by_hand); };
+  change_orders.on_click = [this] { press(on_change_orders); };
+  cancel_orders.on_click = [this] { press(on_cancel_orders); };
   show_head();
 }
 
@@ -65,9 +69,22 @@ void TicketBoard::open(std::int64_t number) {
   read();
 }
 
-std::size_t TicketBoard::retryable() const {
-  return static_cast<std::size_t>(std::count_if(
-      requests_.begin(), requests_.end(), [](const TicketRequest& each) { return each.may_be_retried(); }));
+void TicketBoard::press(const OfTicket& act) {
+  // Events go on while the question stands.
+  if (act && listed_ == opened_) act(opened_, std::vector<TicketRequest>{requests_});
+  outdated_ = true;
+}
+
+bool TicketBoard::has_working_orders() const {
+  return std::any_of(requests_.begin(), requests_.end(), [](const TicketRequest& each) {
+    return each.kind == RequestKind::entry && each.state == LedgerState::working;
+  });
+}
+
+std::size_t TicketBoard::retryable(RetryPart part) const {
+  return static_cast<std::size_t>(
+      std::count_if(requests_.begin(), requests_.end(),
+                    [part](const TicketRequest& each) { return each.may_be_retried(part); }));
 }
 
 void TicketBoard::read() {
@@ -83,7 +100,10 @@ void TicketBoard::read() {
         shown.changed = shown.version != known;
         if (shown.changed) {
           shown.tickets = ledger.newest_tickets(count);
-          if (opened != 0) shown.requests = ledger.requests_of(opened);
+          if (opened != 0) {
+            shown.requests = ledger.requests_of(opened);
+            shown.fills = ledger.fills({.ticket = opened});
+          }
         }
         return [this, shown = std::move(shown)]() mutable { show(std::move(shown)); };
       },
@@ -105,6 +125,7 @@ void TicketBoard::show(Shown shown) {
     listed_ = shown.opened;
     show_tickets(tickets_);
     show_requests();
+    draw(shown.fills);
   }
   show_head();
   // Another one was opened meanwhile.
@@ -135,10 +156,23 @@ void TicketBoard::show_tickets(const std::vector<TicketRecord>& tickets) {
   }
 }
 
+const TicketRecord* TicketBoard::listed() const {
+  const auto at = std::find_if(tickets_.begin(), tickets_.end(),
+                               [this](const TicketRecord& each) { return each.number == listed_; });
+  return at == tickets_.end() ? nullptr : &*at;
+}
+
+void TicketBoard::draw(const std::vector<FillRecord>& fills) {
+  const TicketRecord* ticket = listed();
+  picture_ = ticket == nullptr ? TicketPicture{} : TicketPicture::of(*ticket, fills);
+  if (ticket == nullptr) return;
+  picture_.digits = std::max(picture_.digits, price_digits(ticket->price_at_click));
+  if (decimals_of) picture_.digits = std::max(picture_.digits, decimals_of(ticket->symbol));
+}
+
 void TicketBoard::show_requests() {
-  const auto ticket = std::find_if(tickets_.begin(), tickets_.end(),
-                                   [this](const TicketRecord& each) { return each.number == listed_; });
-  const double click = ticket == tickets_.end() ? 0.0 : ticket->price_at_click;
+  const TicketRecord* ticket = listed();
+  const double click = ticket == nullptr ? 0.0 : ticket->price_at_click;
   std::vector<const TicketRequest*> all;
   for (const TicketRequest& each : requests_)
     all.push_back(&each);
@@ -169,6 +203,11 @@ void TicketBoard::show_requests() {
 void TicketBoard::show_head() {
   const std::size_t rest = listed_ == opened_ ? retryable() : 0;
   retry.set_enabled(rest > 0 && send_again != nullptr);
+  retry_settled.set_visible(listed_ == opened_ && send_again != nullptr &&
+                            retryable(RetryPart::settled_by_hand) > 0);
+  const bool works = listed_ == opened_ && has_working_orders();
+  change_orders.set_visible(works && on_change_orders != nullptr);
+  cancel_orders.set_visible(works && on_cancel_orders != nullptr);
   older.set_visible(static_cast<int>(tickets_.size()) >= count_);
   if (!fault_.empty()) return head.set_text("The ledger can't be read: " + fault_);
   if (opened_ == 0) return head.set_text("Select a ticket to see its accounts");

@@ -15,6 +15,7 @@
 #include "gui/windows/frmHeld_window.h"
 #include "gui/windows/frmLimits_window.h"
 #include "gui/windows/frmStop_window.h"
+#include "gui/windows/ticket_orders_window.h"
 #include "shell/holdings.h"
 
 namespace tutti {
@@ -55,6 +56,7 @@ FrmMdiNewWindow::FrmMdiNewWindow(Main& main, Screen& screen, DesktopPrompt& prom
   new FrmLimitsWindow{main_.limits(), screen, this};
   new FrmStopWindow{main_.stop_form(), screen, this};
   new FrmHeldWindow{main_.held(), screen, this};
+  new TicketOrdersWindow{main_.ticket_orders_form(), screen, this};
   messages_ = std::make_unique<MessageQueueWindow>(main_.messages(), screen, main_.general().clock, *this);
   help_ = new HelpWindow{this};
   const CommandTargets targets{*this,

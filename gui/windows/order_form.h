@@ -6,6 +6,7 @@
 #include <string>
 
 #include "accounts/account_texts.h"
+#include "core/button.h"
 #include "core/check_box.h"
 #include "core/label.h"
 #include "core/row_list.h"
@@ -24,6 +25,7 @@ struct OrderForm {
   const TextBox& total;     // lots, as typed
   TextBox& share_editor;    // visible while a share is edited
   const char* editor_name;  // of its box on screen
+  Button& retry;            // what of the last round had no effect, once more
 
   std::function<void(Row& row, std::size_t column)> open_editor;
   std::function<void()> commit_editor;
@@ -54,6 +56,7 @@ OrderForm order_form_of(Form& form, const TextBox& total, TextBox& share_editor,
           .total = total,
           .share_editor = share_editor,
           .editor_name = editor_name,
+          .retry = form.retry.button,
           .open_editor = [&form](Row& row, std::size_t column) { form.open_editor(row, column); },
           .commit_editor = [&form] { form.commit_editor(); },
           .cancel_editor = [&form] { form.cancel_editor(); },

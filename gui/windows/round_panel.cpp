@@ -2,9 +2,11 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "core/numbers.h"
+#include "gui/kit/binder.h"
 #include "gui/kit/screen.h"
 #include "gui/kit/window_parts.h"
 #include "gui/windows/answers_line.h"
@@ -19,7 +21,7 @@ std::string lots(double value) {
 
 }  // namespace
 
-RoundPanel::RoundPanel(const OrderForm& form, std::function<int()> hidden, Screen& screen)
+RoundPanel::RoundPanel(OrderForm& form, std::function<int()> hidden, Screen& screen)
     : form_(form), hidden_(std::move(hidden)) {
   auto* column = new QVBoxLayout{this};
   column->setContentsMargins(0, 0, 0, 0);
@@ -33,8 +35,20 @@ RoundPanel::RoundPanel(const OrderForm& form, std::function<int()> hidden, Scree
   line->setSpacing(12);
   line->addWidget(shares_, 1);
   line->addWidget(limits_, 0, Qt::AlignTop);
+  auto* retry = named(new QPushButton, "retry_round");
+  retry->setToolTip(QStringLiteral("What was refused or not sent, with the shares it had, after a question"));
+  Binder{screen, *this}.bind(*retry, form.retry);
+  // While there is nothing to send again the list has the room.
+  Binder{screen, *this}.show([retry, &form] {
+    if (retry->isHidden() == form.retry.enabled()) retry->setVisible(form.retry.enabled());
+  });
+  retry->hide();
+  auto* answers = new QHBoxLayout;
+  answers->setSpacing(12);
+  answers->addWidget(answers_, 1);
+  answers->addWidget(retry, 0, Qt::AlignTop);
   column->addLayout(line);
-  column->addWidget(answers_);
+  column->addLayout(answers);
   follow();
   screen.on_refresh(*this, [this] { follow(); });
 }

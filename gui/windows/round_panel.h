@@ -19,7 +19,7 @@ class RoundPanel final : public QWidget {
  public:
   // `form` must live as long as the panel.
   // `hidden`: how many ticked accounts a filter keeps off the screen; they take part all the same.
-  RoundPanel(const OrderForm& form, std::function<int()> hidden, Screen& screen);
+  RoundPanel(OrderForm& form, std::function<int()> hidden, Screen& screen);
 
  private:
   void follow();

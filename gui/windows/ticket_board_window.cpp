@@ -2,6 +2,7 @@
 
 #include <QBoxLayout>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSplitter>
 
 #include "gui/kit/binder.h"
@@ -11,6 +12,7 @@
 #include "gui/kit/window_parts.h"
 #include "gui/list/empty_hint.h"
 #include "gui/list/row_list_view.h"
+#include "gui/windows/ticket_picture_view.h"
 
 namespace tutti {
 
@@ -20,6 +22,9 @@ using TicketColumn = TicketBoard::Column;
 using RequestColumn = TicketBoard::RequestColumn;
 
 constexpr int side_by_side = 900;  // from this width on the requests stand beside the tickets
+// Of the requests: from this height on the picture stands below them, from this width on else beside them.
+constexpr int picture_below = 200;
+constexpr int picture_beside = 620;
 
 Side side(const Row& row, std::size_t column) {
   if (column != TicketColumn::side) return Side::none;
@@ -81,20 +86,55 @@ QWidget* TicketBoardWindow::make_requests(Screen& screen) {
   head_text->set_colour(QColor{theme::muted});
   Binder binder{screen, *this};
   binder.show([this, head_text] { head_text->set_text(QString::fromStdString(form_.head.text())); });
+  auto* change = named(new QPushButton, "change_orders");
+  binder.bind(*change, form_.change_orders);
+  auto* cancel = named(new QPushButton, "cancel_orders");
+  binder.bind(*cancel, form_.cancel_orders);
   auto* retry = named(new QPushButton, "retry");
   binder.bind(*retry, form_.retry);
   auto* head = new QHBoxLayout;
   head->setContentsMargins(8, 3, 10, 3);
   head->setSpacing(12);
   head->addWidget(head_text, 1);
+  head->addWidget(change);
+  head->addWidget(cancel);
   head->addWidget(retry);
+  // Another key than the one that presses everything else, and none that comes by the way.
+  auto* settled = named(new QPushButton, "retry_settled");
+  settled->setToolTip(QStringLiteral("Ctrl+F10"));
+  settled->setFocusPolicy(Qt::NoFocus);
+  binder.bind(*settled, form_.retry_settled);
+  head->addWidget(settled);
+  auto* key = new QShortcut{QKeySequence{Qt::CTRL | Qt::Key_F10}, this};
+  key->setContext(Qt::WidgetWithChildrenShortcut);
+  key->setAutoRepeat(false);
+  connect(key, &QShortcut::activated, this, [this, &screen] {
+    form_.retry_settled.click();
+    screen.acted();
+  });
   auto* part = new QWidget;
   auto* column = new QVBoxLayout{part};
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   column->addLayout(head);
-  column->addWidget(requests_, 1);
+  picture_ = new TicketPictureView{form_, screen};
+  opened_ = new QSplitter{Qt::Vertical};
+  opened_->setChildrenCollapsible(false);
+  opened_->addWidget(requests_);
+  opened_->addWidget(picture_);
+  opened_->setStretchFactor(0, 1);
+  opened_->setStretchFactor(1, 1);
+  column->addWidget(opened_, 1);
+  binder.show([this] { fit_picture(); });
   return part;
+}
+
+void TicketBoardWindow::fit_picture() {
+  const bool below = opened_->height() >= picture_below;
+  const auto wanted = below ? Qt::Vertical : Qt::Horizontal;
+  if (opened_->orientation() != wanted) opened_->setOrientation(wanted);
+  const bool room = below || opened_->width() >= picture_beside;
+  if (picture_->isHidden() == room) picture_->setVisible(room);
 }
 
 void TicketBoardWindow::resizeEvent(QResizeEvent* event) {
