@@ -16,6 +16,7 @@ bool may_go(const TicketRequest& request, const std::vector<RequestId>& ids) {
 
 RoundRetry::RoundRetry(const Clock& clock, Round round) : clock_(clock), round_(std::move(round)) {
   button.set_enabled(false);
+  button.set_visible(false);
   button.on_click = [this] { press(); };
 }
 
@@ -44,6 +45,8 @@ void RoundRetry::look() {
   const auto ready = std::count_if(requests_.begin(), requests_.end(),
                                    [&](const TicketRequest& each) { return may_go(each, ids); });
   button.set_enabled(ready > 0);
+  // While there is nothing to send again the window has the room.
+  button.set_visible(ready > 0);
   // What is told a moment ago is stored a moment later.
   if (static_cast<std::size_t>(ready) < ids.size() && !asked_) read(std::move(ids));
 }

@@ -32,6 +32,12 @@ std::string text_of(const OrderChange& to) {
   return out;
 }
 
+// There was never an order to be reached.
+bool never_placed(LedgerState state) {
+  return state == LedgerState::refused || state == LedgerState::refused_here || state == LedgerState::never ||
+         state == LedgerState::dropped;
+}
+
 // A request of this kind for the order has left, and its answer is awaited or unknown.
 bool awaited(const CClientAPIManager& session, RequestKind kind, std::int64_t order) {
   const SentOrder* sent = session.sent_request(kind, order);
@@ -56,7 +62,7 @@ std::string TicketOrders::obstacle(const TicketRequest& request, const CClientAP
 TicketOrders::Reach TicketOrders::reach(const std::vector<TicketRequest>& requests) const {
   Reach out;
   for (const TicketRequest& each : requests) {
-    if (each.kind != RequestKind::entry) continue;
+    if (each.kind != RequestKind::entry || never_placed(each.state)) continue;
     CClientAPIManager* session = sessions_.logged_in(each.account);
     const std::string why = obstacle(each, session);
     if (!why.empty()) {
@@ -67,6 +73,8 @@ TicketOrders::Reach TicketOrders::reach(const std::vector<TicketRequest>& reques
     out.orders.push_back({each.number, &each, session, lots});
     out.lots += lots;
   }
+  // Requests come in the order in which they were sent, accounts in none.
+  std::sort(out.left_out.begin(), out.left_out.end());
   return out;
 }
 

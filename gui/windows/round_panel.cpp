@@ -38,11 +38,6 @@ RoundPanel::RoundPanel(OrderForm& form, std::function<int()> hidden, Screen& scr
   auto* retry = named(new QPushButton, "retry_round");
   retry->setToolTip(QStringLiteral("What was refused or not sent, with the shares it had, after a question"));
   Binder{screen, *this}.bind(*retry, form.retry);
-  // While there is nothing to send again the list has the room.
-  Binder{screen, *this}.show([retry, &form] {
-    if (retry->isHidden() == form.retry.enabled()) retry->setVisible(form.retry.enabled());
-  });
-  retry->hide();
   auto* answers = new QHBoxLayout;
   answers->setSpacing(12);
   answers->addWidget(answers_, 1);

@@ -122,6 +122,7 @@ QWidget* TicketBoardWindow::make_requests(Screen& screen) {
   opened_->setChildrenCollapsible(false);
   opened_->addWidget(requests_);
   opened_->addWidget(picture_);
+  picture_->hide();
   opened_->setStretchFactor(0, 1);
   opened_->setStretchFactor(1, 1);
   column->addWidget(opened_, 1);
@@ -131,9 +132,10 @@ QWidget* TicketBoardWindow::make_requests(Screen& screen) {
 
 void TicketBoardWindow::fit_picture() {
   const bool below = opened_->height() >= picture_below;
-  const auto wanted = below ? Qt::Vertical : Qt::Horizontal;
+  const bool beside = !below && opened_->width() >= picture_beside;
+  const auto wanted = beside ? Qt::Horizontal : Qt::Vertical;
   if (opened_->orientation() != wanted) opened_->setOrientation(wanted);
-  const bool room = below || opened_->width() >= picture_beside;
+  const bool room = below || beside;
   if (picture_->isHidden() == room) picture_->setVisible(room);
 }
 
