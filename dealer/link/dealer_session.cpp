@@ -1,6 +1,5 @@
 #include "dealer/link/dealer_session.h"
 
-#include <cassert>
 #include <memory>
 #include <utility>
 
@@ -256,11 +255,6 @@ void DealerSession::pass(CLAPICLASS& sink, WaitingNews news) {
 
 void DealerSession::pass(CLAPICLASS& sink, ConnectionNews news) {
   sink.ConnectionState(news.connected);
-}
-
-// Told one by one, by deliver_price().
-void DealerSession::pass(CLAPICLASS&, PricesNews) {
-  assert(false);
 }
 
 void DealerSession::pass(CLAPICLASS& sink, FloatingNews news) {

@@ -93,7 +93,7 @@ class DealerSession final : public AccountListener {
   void pass(CLAPICLASS& sink, Signal signal);
   void pass(CLAPICLASS& sink, WaitingNews news);
   void pass(CLAPICLASS& sink, ConnectionNews news);
-  void pass(CLAPICLASS& sink, PricesNews news);
+  void pass(CLAPICLASS&, PricesNews) {}  // told one by one, by deliver_price()
   void pass(CLAPICLASS& sink, FloatingNews news);
   void pass(CLAPICLASS& sink, SummaryNews news);
   void pass(CLAPICLASS& sink, TimeNews news);
