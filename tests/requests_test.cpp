@@ -296,18 +296,19 @@ TEST_F(Requests, AnEntryOrderThatIsGoneIsAskedFor) {
     });
   };
   client.ask_code = request::taken;
-  for (const auto& [state, stored, words] :
-       {std::tuple{RequestState::cancelled, LedgerState::cancelled,
-                   " is gone: the server says that it was cancelled"},
-        {RequestState::executed, LedgerState::filled, " is gone: the server says that it was executed"}}) {
+  const Told ends[] = {
+      {RequestState::cancelled, Outcome::accepted, LedgerState::cancelled, "was cancelled", ""},
+      {RequestState::executed, Outcome::accepted, LedgerState::filled, "was executed", ""}};
+  for (const Told& each : ends) {
+    const std::string words = " is gone: the server says that it " + each.words;
     const SentOrder& order = place();
     login();
     EXPECT_EQ(client.asked_for, std::vector<RequestId>{order.id});
-    const auto tell = [&] { return rig.during([&] { sink(one).RequestTold(order.id, state, 0.0); }); };
+    const auto tell = [&] { return rig.during([&] { sink(one).RequestTold(order.id, each.state, 0.0); }); };
     EXPECT_EQ(says(tell(), words), 1);
     EXPECT_EQ(says(tell(), words), 0);
-    EXPECT_EQ(rig.ledger.events.back().state, stored);
-    EXPECT_EQ(order.outcome, Outcome::accepted);
+    EXPECT_EQ(rig.ledger.events.back().state, each.stored);
+    EXPECT_EQ(order.outcome, each.outcome);
     client.asked_for.clear();
     login();
     EXPECT_EQ(client.asked_for, std::vector<RequestId>{});
