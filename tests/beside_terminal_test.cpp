@@ -6,6 +6,7 @@
 #include <sys/un.h>
 
 #include <fstream>
+#include <optional>
 #include <thread>
 
 #include "apps/line_server.h"
@@ -177,8 +178,10 @@ TEST_F(BesideTerminal, ARequestIsSettledWhileTheTerminalRuns) {
   const std::string settle = "settle " + id + " --as not-executed --note phone";
   {
     // Who has hung up before anything was done for him gets nothing done.
-    Client{rig.home.path(),
-           "{\"version\":1,\"do\":\"settle\",\"request\":" + id + ",\"executed\":true,\"note\":\"x\"}\n"};
+    std::optional<Client> gone;
+    gone.emplace(rig.home.path(), "{\"version\":1,\"do\":\"settle\",\"request\":" + id +
+                                      ",\"executed\":true,\"note\":\"x\"}\n");
+    gone.reset();
     run(1s);
     EXPECT_EQ(main().sessions().requests().unknown_now(), 1U);
   }

@@ -36,6 +36,7 @@ long writes_counted() {
 
 }  // namespace tutti::testing
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the C library's own names are reserved.
 // The program's and the libraries' calls come here instead of to the C library: a program's own functions go
 // before those of what it is linked with.
 extern "C" {
@@ -66,3 +67,4 @@ int rename(const char* from, const char* to) noexcept {
 }
 
 }  // extern "C"
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

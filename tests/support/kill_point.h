@@ -2,9 +2,9 @@
 
 namespace tutti::testing {
 
-// Ends this process, as a kill does, right before its `count`-th call from now on that writes something to a
+// Ends this process, as a kill does, right before its `number`-th call from now on that writes something to a
 // disk or makes what was written last: of whichever thread, library or file. 0: never, it only counts.
-void kill_at_write(long count);
+void kill_at_write(long number);
 // How many such calls there were since then.
 long writes_counted();
 
