@@ -96,6 +96,11 @@ LineServer::Work TerminalControl::act(std::function<std::string()> carry_out) {
       said = carry_out();
       told = ledger_.told();
     }
+    // It was done, whatever the disk says.
+    if (const std::string fault = ledger_.fault(); !fault.empty() && ledger_.saved() < told) {
+      return refusal("The command was carried out, and what became of it is not stored: " + fault,
+                     exit_status::some_unknown);
+    }
     return once_stored(told, said);
   };
 }

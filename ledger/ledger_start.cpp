@@ -24,9 +24,13 @@ std::vector<LedgerEvent> unanswered_events(LedgerBook& book, const LedgerFile& f
   for (const LedgerBook::Open& each : book.unanswered()) {
     LedgerEvent event{.request = each.id, .evidence = LedgerEvidence::clock, .reason = "crash"};
     if (each.state == "STORED") {
-      // Found so by an earlier start.
-      if (each.has_event) continue;
-      event.state = whole && !left->left.contains(each.id) ? LedgerState::stored : LedgerState::unknown;
+      // Found so by an earlier start, and not sent after all since, as far as this start of the machine can
+      // tell. A run that stored nothing has no number, so it is not compared.
+      const bool same_log =
+          left && !boot.empty() && left->head.boot == boot && left->head.ledger == file.id();
+      if (each.has_event && same_log && !left->left.contains(each.id)) continue;
+      event.state = !each.has_event && whole && !left->left.contains(each.id) ? LedgerState::stored
+                                                                              : LedgerState::unknown;
     } else {
       // The order that a requote's answer was for is unknown itself, and the countdown is over.
       event.state = each.kind.starts_with("requote") ? LedgerState::done : LedgerState::unknown;

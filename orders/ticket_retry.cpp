@@ -109,8 +109,17 @@ std::vector<const SentOrder*> TicketRetry::send(std::int64_t ticket,
   }
   constexpr int yes = 1;
   if (general_.msg_box.GeneralQuestionMsg(now.question, now.details) != yes) return {};
-  // Events went on while the question stood.
-  return send_agreed(ticket, requests, part);
+  // Events went on while the question stood: what it did not name is not sent.
+  std::vector<std::string> left_out;
+  std::vector<Rest> rest = rest_of(requests, of(part), left_out);
+  std::erase_if(rest, [&](const Rest& each) {
+    return std::find(now.requests.begin(), now.requests.end(), each.request->id) == now.requests.end();
+  });
+  if (rest.size() < now.requests.size())
+    general_.log(fmt::format("{} of ticket {} could not be sent any more",
+                             counted(now.requests.size() - rest.size(), "request"), ticket),
+                 no_account);
+  return send_again(ticket, rest);
 }
 
 std::vector<const SentOrder*> TicketRetry::send_agreed(std::int64_t ticket,
@@ -132,7 +141,21 @@ std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
       not_again);
   left_out.insert(left_out.end(), not_again.begin(), not_again.end());
   std::vector<const SentOrder*> sent;
+  const auto unknown_before = [this](const TicketRequest& request) {
+    const bool opens = request.kind == RequestKind::open || request.kind == RequestKind::entry;
+    const SymbolHandle symbol = books_.symbols.find(request.symbol);
+    const auto unknown = sessions_.requests().all_unknown();
+    return opens && std::any_of(unknown.begin(), unknown.end(), [&](const SentOrder* each) {
+             return each->account == request.account.account &&
+                    (each->symbol == symbol || each->symbol == no_symbol);
+           });
+  };
   for (const Rest& each : stored) {
+    if (unknown_before(*each.request)) {
+      left_out.push_back(fmt::format("Account {}: the outcome of an earlier request of {} is unknown",
+                                     each.request->account.account, each.request->symbol));
+      continue;
+    }
     sent_.insert(each.request->id);
     sent.push_back(&send_stored(each));
   }

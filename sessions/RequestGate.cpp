@@ -286,6 +286,11 @@ const SentOrder& RequestGate::send_stored(const SentOrder& as, Then&& then) {
   AskedRequests alone;
   alone.add(request, std::move(then));
   WaitingTicket ticket{.marks = {}, .since = request.last_word, .about = {}, .asked = std::move(alone)};
+  // Whoever asks for it again does so at the price of now.
+  if (request.symbol != no_symbol) {
+    const SymbolCollection::Entry& quoted = books_.symbols.entry(request.symbol);
+    ticket.about.price_at_click = buys(request.side) ? quoted.ask : quoted.bid;
+  }
   send_part(ticket);
   return request;
 }

@@ -49,7 +49,11 @@ void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
     if (unknown_before(*each)) breaches.push_back({Limit::unknown, each->account});
   if (!breaches.empty() && override_.empty()) {
     if (whole) return hold(about, std::exchange(asked, {}), std::move(breaches), NotSent::limit);
-    hold(about, asked.take_out(unknown_before), std::move(breaches), NotSent::unknown_before);
+    // The rest has the ticket's name.
+    LedgerTicket of_held = about;
+    of_held.key.clear();
+    of_held.plan.clear();
+    hold(std::move(of_held), asked.take_out(unknown_before), std::move(breaches), NotSent::unknown_before);
   } else if (!breaches.empty()) {
     about.override_reason = override_;
     general_.log(fmt::format("Sent over a limit ({}): {}", override_, limits::text(breaches.front())),

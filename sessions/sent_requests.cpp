@@ -328,7 +328,9 @@ void SentRequests::entry_executed(const OrderReport& report) {
                     .state = report.left > 0.0 ? LedgerState::part : LedgerState::filled};
   take_fill(event, report, scope_);
   ledger_.note(std::move(event));
-  if (SentOrder* request = named(report.id); request != nullptr) request->working = report.left > 0.0;
+  const SentOrder* known =
+      report.id != 0 ? named(report.id) : book_.last(sender_, RequestKind::entry, report.number);
+  if (known != nullptr) named(known->id)->working = report.left > 0.0;
 }
 
 void SentRequests::entry_cancelled(std::int64_t order, std::string_view reason) {

@@ -38,7 +38,6 @@ void SessionUnknown::give_up(SentOrder& request, std::string_view reason) {
 }
 
 void SessionUnknown::give_up_all(std::string_view reason) {
-  told_until_ = scope_.general.clock.now();
   for (SentOrder* request : sent_.open())
     give_up(*request, reason);
 }
@@ -86,7 +85,11 @@ void SessionUnknown::ask() {
   // A home that has stored nothing knows of nothing that it could lack. Clocks differ, and what comes twice
   // is kept once.
   constexpr std::chrono::minutes before{5};
-  if (told_until_ != TimePoint{}) read_fills(scope_.general.clock.now() - told_until_ + before);
+  const TimePoint now = scope_.general.clock.now();
+  if (told_until_ == TimePoint{})
+    told_until_ = now;
+  else
+    read_fills(now - told_until_ + before);
 }
 
 bool SessionUnknown::ask(SentOrder& request) {
@@ -123,6 +126,8 @@ void SessionUnknown::fills_told(std::span<const Execution> fills) {
   asked_ = std::max(asked_ - 1, 0);
   for (const Execution& fill : fills)
     sent_.fill_told(fill);
+  // Only now: a login that failed, or was cut off, has read nothing back.
+  told_until_ = scope_.general.clock.now();
 }
 
 }  // namespace tutti

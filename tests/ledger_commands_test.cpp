@@ -26,13 +26,13 @@ constexpr auto by_ticket =
 struct Ledgers : ::testing::Test {
   Texts ask(const std::string& sql) const { return ask_ledger(rig.home.path(), sql); }
   // A buy on three accounts, killed when all have left and none is answered.
-  void kill_in_flight() {
-    killed([this] {
+  void kill_in_flight(const std::string& more = {}) {
+    killed([this, &more] {
       rig.on_pause = [this] {
         const std::string left = rig.home.read("left.log");
         if (std::count(left.begin(), left.end(), '\n') == 4) ::_exit(0);
       };
-      rig.run(order);
+      rig.run(order + more);
       ::_exit(1);
     });
   }
@@ -175,6 +175,24 @@ TEST_F(Ledgers, GoOnWithANamedActAndSendNothingTwice) {
   EXPECT_EQ(rig.run(order + " --id noon"), 0);
   EXPECT_EQ(rig.run(order), 0);
   EXPECT_EQ(ask("SELECT count(*), count(key_text), count(DISTINCT plan_digest) FROM ticket"), Texts{"3|2|1"});
+}
+
+// What never left by one start's word may have left since: a second kill, right behind the sending.
+TEST_F(Ledgers, AskAboutWhatMayHaveLeftMeanwhile) {
+  kill_in_flight(" --id morning");
+  const std::string left = rig.home.read("left.log");
+  const std::size_t head = left.find('\n') + 1;
+  rig.home.write("left.log", left.substr(0, head));
+  rig.clock.advance(60s);
+  EXPECT_EQ(rig.run("positions"), 0) << rig.err;
+  EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|STORED"});
+  rig.home.write("left.log", rig.home.read("left.log") + left.substr(head));
+  EXPECT_EQ(rig.run(order + " --id morning"), 0) << rig.out << rig.err;
+  EXPECT_NE(rig.err.find("0 of its 3 requests were sent now"), std::string::npos) << rig.err;
+  EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|FILLED"});
+  EXPECT_EQ(
+      ask("SELECT state, reason, evidence, count(*) FROM event WHERE state = 'UNKNOWN' GROUP BY 1, 2, 3"),
+      Texts{"UNKNOWN|crash|clock|3"});
 }
 
 // Whatever is lost on one side is found by who compares it with the other.

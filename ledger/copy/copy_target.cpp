@@ -62,10 +62,16 @@ tl::expected<CopyTarget, std::string> CopyTarget::of(const std::string& url) {
     const auto other = otherwise.find(option);
     return own != values.end() ? own->second : other != otherwise.end() ? other->second : std::string{};
   };
-  const std::string address = named("hostaddr");
-  const std::string where = address.empty() ? named("host") : address;
-  const auto hosts = split(where, ",");
-  if (!std::all_of(hosts.begin(), hosts.end(), on_this_computer)) {
+  // An address goes before the host of the same place, an empty one leaves it to that.
+  const std::string address_list = named("hostaddr"), host_list = named("host");
+  const auto addresses = split(address_list, ","), hosts = split(host_list, ",");
+  bool here = true;
+  for (std::size_t place = 0; place < std::max(addresses.size(), hosts.size()); ++place) {
+    const std::string_view address = place < addresses.size() ? addresses[place] : std::string_view{};
+    const std::string_view host = place < hosts.size() ? hosts[place] : std::string_view{};
+    here = here && on_this_computer(address.empty() ? host : address);
+  }
+  if (!here) {
     const auto mode = values.find("sslmode");
     if (mode != values.end() && mode->second != verified) {
       return tl::unexpected("sslmode=" + mode->second +
