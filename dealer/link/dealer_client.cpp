@@ -21,6 +21,7 @@ void DealerClient::set_sink(CLAPICLASS* sink) {
 
 void DealerClient::SetLoginData(const LoginData& data) {
   data_ = data.copy();
+  ledger_ = ledger_tag(data.ledger);
 }
 
 void DealerClient::Login() {
@@ -74,7 +75,8 @@ const PendingOrder* DealerClient::PendingOrderItem(int index) const {
   return &session_->account()->orders()[static_cast<std::size_t>(index - 1)];
 }
 
-RequestCode DealerClient::send(const Instruction& wanted) {
+RequestCode DealerClient::send(Instruction wanted) {
+  wanted.ledger = ledger_;
   TradingAccount* account = session_->account();
   return account != nullptr ? gate_.send(*account, wanted) : request::invalid_account;
 }
@@ -136,6 +138,11 @@ RequestCode DealerClient::DeleteEntryOrder(std::int64_t order, RequestId id) {
 
 RequestCode DealerClient::DeleteSLTPOrder(std::int64_t order, RequestId id) {
   return send({.kind = TradeKind::cancel_stops, .id = id, .reference = order});
+}
+
+std::optional<std::int64_t> DealerClient::RequestsKnown() const {
+  if (!LoggedIn() || ledger_ == 0) return std::nullopt;
+  return gate_.requests_known(*session_->account(), ledger_);
 }
 
 BookEra DealerClient::Era() const {

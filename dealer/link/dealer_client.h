@@ -48,6 +48,7 @@ class DealerClient final : public ClientAPI {
   std::optional<AccountInfo> FindAccount(std::int32_t number) const override;
   double MinimumLot() const override;
   double MaximumLot() const override;
+  std::optional<std::int64_t> RequestsKnown() const override;
   BookEra Era() const override;
   RequestCode AskRequest(RequestId id, BookEra era) override;
   RequestCode AskExecutions(TimePoint since) override;
@@ -60,7 +61,7 @@ class DealerClient final : public ClientAPI {
   std::optional<std::size_t> carried(std::string_view symbol) const;
 
   // invalid_account when nobody is logged in.
-  RequestCode send(const Instruction& wanted);
+  RequestCode send(Instruction wanted);
   RequestCode answer_requote(std::int64_t order, bool accept, RequestId id);
   // Account of the logged-in user; nullptr when he does not own the number.
   const TradingAccount* own(std::int32_t number) const;
@@ -68,6 +69,7 @@ class DealerClient final : public ClientAPI {
   ServerGate& gate_;
   std::unique_ptr<DealerSession> session_;
   LoginData data_;
+  LedgerTag ledger_ = 0;
 };
 
 }  // namespace tutti

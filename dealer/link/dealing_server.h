@@ -101,6 +101,9 @@ class DealingServer final : public EventSource, private ServerGate {
   RequestCode send(TradingAccount& account, const Instruction& wanted) override;
   RequestCode answer_requote(TradingAccount& account, std::int64_t order, bool accept, RequestId id) override;
   BookEra era() const override { return book_.era(); }
+  std::int64_t requests_known(const TradingAccount& account, LedgerTag ledger) const override {
+    return history().known(account.config().number, ledger);
+  }
   RequestCode ask_request(TradingAccount& account, RequestId id, BookEra era) override;
   RequestCode ask_executions(TradingAccount& account, TimePoint since) override;
   double smallest_lot() const override { return config_.min_lot; }

@@ -31,6 +31,7 @@ class ServerGate {
 
   // As AccountClient has them.
   virtual BookEra era() const = 0;
+  virtual std::int64_t requests_known(const TradingAccount& account, LedgerTag ledger) const = 0;
   virtual RequestCode ask_request(TradingAccount& account, RequestId id, BookEra era) = 0;
   virtual RequestCode ask_executions(TradingAccount& account, TimePoint since) = 0;
 

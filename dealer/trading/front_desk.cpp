@@ -14,7 +14,7 @@ RequestCode FrontDesk::send(TradingAccount& account, const Instruction& wanted, 
       wanted.symbol ? market_.symbol(*wanted.symbol).name : "", wanted.side, wanted.entry == EntryKind::stop,
       wanted.amount, wanted.price, stops.has_stop_loss, stops.has_stop_loss ? stops.stop_loss : 0.0,
       stops.has_take_profit, stops.has_take_profit ? stops.take_profit : 0.0));
-  return once(account, wanted.id, digest, RequestState::waiting,
+  return once({.id = wanted.id, .digest = digest, .ledger = wanted.ledger}, account, RequestState::waiting,
               [&] { return desk_.send(account, wanted, now); });
 }
 
@@ -24,14 +24,15 @@ RequestCode FrontDesk::answer_requote(TradingAccount& account, std::int64_t orde
   if (id <= 0) return answer();
   const std::string digest =
       checksum(fmt::format("{} {} {}", account.config().number, accept ? "accept" : "reject", order));
-  return once(account, id, digest, RequestState::executed, answer);
+  return once({.id = id, .digest = digest}, account, RequestState::executed, answer);
 }
 
-RequestCode FrontDesk::once(TradingAccount& account, RequestId id, const std::string& digest,
-                            RequestState taken, const std::function<RequestCode()>& act) {
-  const std::int32_t number = account.config().number;
-  if (const RequestRecord* known = history_.find(number, id)) return repeat(account, *known, digest);
-  history_.add({.id = id, .account = number, .digest = digest});
+RequestCode FrontDesk::once(RequestRecord record, TradingAccount& account, RequestState taken,
+                            const std::function<RequestCode()>& act) {
+  const std::int32_t number = record.account = account.config().number;
+  const RequestId id = record.id;
+  if (const RequestRecord* known = history_.find(number, id)) return repeat(account, *known, record.digest);
+  history_.add(std::move(record));
   const RequestCode code = act();
   history_.set_code(number, id, code);
   history_.set_state(number, id, code == request::taken ? taken : RequestState::refused);

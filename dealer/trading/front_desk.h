@@ -34,7 +34,7 @@ class FrontDesk {
   void ask_fills(const TradingAccount& account, TimePoint since) const;
 
  private:
-  RequestCode once(TradingAccount& account, RequestId id, const std::string& digest, RequestState taken,
+  RequestCode once(RequestRecord record, TradingAccount& account, RequestState taken,
                    const std::function<RequestCode()>& act);
   static RequestCode repeat(const TradingAccount& account, const RequestRecord& known,
                             const std::string& digest);

@@ -80,8 +80,10 @@ void take_realised(Fields& fields, std::optional<Realised>& out) {
 }  // namespace
 
 std::string of(const RequestRecord& record) {
-  std::string text = fmt::format("{} {} {} {} {}", record.account, record.id, record.digest, record.code,
-                                 word_of(state_words, record.state));
+  // Behind the digest, so that what was written before there was one is read as ever.
+  const std::string ledger = record.ledger == 0 ? "" : fmt::format(":{:016x}", record.ledger);
+  std::string text = fmt::format("{} {} {}{} {} {}", record.account, record.id, record.digest, ledger,
+                                 record.code, word_of(state_words, record.state));
   if (!record.answer) return text;
   const OrderReport& report = record.answer->report;
   return text += fmt::format(" {} {} {} {} {} {} {} {} {} {} {} {} {} {}{}",
@@ -103,6 +105,10 @@ std::optional<RequestRecord> request(std::string_view text) {
   fields.take(record.account);
   fields.take(record.id);
   fields.take(record.digest);
+  if (const auto colon = record.digest.find(':'); colon != std::string::npos) {
+    record.ledger = ledger_tag(std::string_view{record.digest}.substr(colon + 1));
+    record.digest.resize(colon);
+  }
   fields.take(record.code);
   fields.take(record.state, state_words);
   if (fields.more()) {

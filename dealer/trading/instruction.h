@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "dealer/trading/ledger_tag.h"
 #include "dealer/trading/trade_request.h"
 #include "sessions/contract/codes.h"
 #include "sessions/contract/entry_order.h"
@@ -23,6 +24,7 @@ struct Instruction {
   double amount = 0.0;  // lots, of a new order or a close
   double price = 0.0;   // of an entry order
   StopPrices stops{};
+  LedgerTag ledger = 0;  // of the terminal that asks
 };
 
 }  // namespace tutti

@@ -50,8 +50,18 @@ RequestHistory::Entry& RequestHistory::put(RequestRecord record) {
     working_[{record.account, record.answer->report.number}] = record.id;
   auto [at, is_new] = by_id_.try_emplace({record.account, record.id}, nullptr);
   if (is_new) at.value() = &entries_.emplace_back();
+  if (is_new) count(record, 1);
   at->second->record = std::move(record);
   return *at->second;
+}
+
+void RequestHistory::count(const RequestRecord& record, std::int64_t step) {
+  if (record.ledger != 0) known_[{record.account, static_cast<std::int64_t>(record.ledger)}] += step;
+}
+
+std::int64_t RequestHistory::known(std::int32_t account, LedgerTag ledger) const {
+  const auto at = known_.find({account, static_cast<std::int64_t>(ledger)});
+  return at == known_.end() ? 0 : at->second;
 }
 
 void RequestHistory::add(RequestRecord record) {
@@ -61,6 +71,7 @@ void RequestHistory::add(RequestRecord record) {
 void RequestHistory::forget(std::int32_t account, RequestId id) {
   const auto at = by_id_.find({account, id});
   if (at == by_id_.end()) return;
+  count(at->second->record, -1);
   at->second->record.id = 0;
   by_id_.erase(at);
 }
@@ -170,6 +181,7 @@ void RequestHistory::restore(HistoryState filed, HistoryState stored, TimePoint 
   entries_.clear();
   by_id_.clear();
   working_.clear();
+  known_.clear();
   unstored_.clear();
   unfiled_.clear();
   for (RequestRecord& record : filed.requests)

@@ -46,6 +46,9 @@ class RequestHistory {
   std::vector<Execution> fills(std::int32_t account, TimePoint since) const;
   TimePoint fills_since() const { return fills_since_; }
 
+  // How many it has ever taken for the account from the terminal with this ledger.
+  std::int64_t known(std::int32_t account, LedgerTag ledger) const;
+
   std::size_t size() const { return by_id_.size(); }
   // Grows with every change.
   std::uint64_t revision() const { return revision_; }
@@ -81,12 +84,15 @@ class RequestHistory {
   RequestRecord* change(std::int32_t account, RequestId id);
   Entry& put(RequestRecord record);
   void outdate(Entry& entry);
+  // Counts it for its terminal, or no more.
+  void count(const RequestRecord& record, std::int64_t step);
   HistoryState part(const Entries& entries, bool Entry::*meant, std::size_t fills) const;
 
   std::deque<Entry> entries_;  // in the order in which they came
   tsl::robin_map<Key, Entry*, KeyHash> by_id_;
-  tsl::robin_map<Key, RequestId, KeyHash> working_;  // by account and order
-  std::vector<Execution> fills_;                     // in order of time
+  tsl::robin_map<Key, RequestId, KeyHash> working_;   // by account and order
+  tsl::robin_map<Key, std::int64_t, KeyHash> known_;  // by account and ledger
+  std::vector<Execution> fills_;                      // in order of time
   TimePoint fills_since_;
   Entries unstored_, unfiled_;
   // So many fills at the end are stored nowhere, or in the file not yet; the latter count the former.

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "dealer/trading/answer_news.h"
+#include "dealer/trading/ledger_tag.h"
 #include "sessions/contract/codes.h"
 #include "sessions/contract/request_id.h"
 #include "sessions/contract/request_state.h"
@@ -17,6 +18,7 @@ struct RequestRecord {
   std::int32_t account = 0;
   // Of all that was asked for; empty: the id was asked about before it came, and is burnt.
   std::string digest{};
+  LedgerTag ledger = 0;               // of the terminal it came from
   RequestCode code = request::taken;  // answered at once
   RequestState state = RequestState::waiting;
   std::optional<AnswerNews> answer{};  // its last result event; nothing while it has none

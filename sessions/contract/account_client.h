@@ -66,6 +66,9 @@ class AccountClient {
   virtual double MinimumLot() const = 0;
   virtual double MaximumLot() const = 0;
 
+  // How many requests of the ledger that it was logged in with the server has ever taken for the account, as
+  // told at login, answers to requotes not counted; nothing where a broker doesn't tell.
+  virtual std::optional<std::int64_t> RequestsKnown() const { return std::nullopt; }
   // Era of the book that the server has, as it told at login; 0 where it has none.
   virtual BookEra Era() const = 0;
   // What became of a request that was sent while the server had the book of `era`. Answers a request code;

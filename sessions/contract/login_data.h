@@ -21,8 +21,11 @@ struct LoginData {
   Secret password;
   std::int32_t account = 0;
   Endpoint server;
+  // The ledger that this terminal's requests are stored in: 32 hexadecimal digits, empty without one. Whoever
+  // can counts them by it; see AccountClient::RequestsKnown.
+  std::string ledger{};
 
-  LoginData copy() const { return {user, password.copy(), account, server}; }
+  LoginData copy() const { return {user, password.copy(), account, server, ledger}; }
 };
 
 }  // namespace tutti
