@@ -84,6 +84,14 @@ class RecordBook {
   std::vector<const Record*> all() const;
   std::vector<const Record*> of_account(std::int32_t account) const;
   std::vector<const Record*> of_symbol(const std::string& symbol) const;
+  // The same without their order, for who only looks.
+  template <class Take>
+  void each_of_account(std::int32_t account, Take&& take) const {
+    const auto at = by_account_.find(account);
+    if (at == by_account_.end()) return;
+    for (const Slot slot : at->second)
+      take(records_[slot]);
+  }
   std::size_t size() const { return index_.size(); }
   std::uint64_t stamp() const { return stamp_; }
 

@@ -36,6 +36,7 @@ enum class NotSent : std::uint8_t {
   limit,           // its ticket is over a limit
   unknown_before,  // nobody knows what became of an earlier one of the account and symbol
   turn,            // too many leave in this second
+  home_lacks,      // the server has taken requests of the account that the ledger lacks
   market,          // the quote was too old, or the price had gone, as it was about to leave
 };
 
@@ -65,7 +66,10 @@ struct SentOrder {
   RequestId retry_of = 0;        // the one that is sent again with it, 0 none
   BookEra era = 0;               // of the server's book when it was sent
   std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
-  StopPrices stops{};            // of an entry order, an update, and stops
+  // Greatest number of a position or order that the account had when it was stored; 0 where nothing is
+  // stored.
+  std::int64_t greatest_before = 0;
+  StopPrices stops{};                      // of an entry order, an update, and stops
   std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
   SymbolHandle symbol = no_symbol;
   std::int32_t symbol_id = 0;  // of a new order: the account's own number of the symbol

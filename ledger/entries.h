@@ -1,11 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "books/sent_order.h"
 #include "core/clock.h"
@@ -22,7 +24,7 @@ struct LedgerAccount {
   std::string user;
   std::int32_t account = 0;
 
-  bool operator==(const LedgerAccount&) const = default;
+  auto operator<=>(const LedgerAccount&) const = default;
 };
 
 // Whose act it is: the operator's trading, or that he stopped it.
@@ -68,6 +70,10 @@ struct LedgerRequest {
   RequestId retry_of = 0;      // the one that is sent again with it, 0 none
   bool accepts = false;        // of an answer to a requote
   BookEra era = 0;             // of the server's book at that time
+  // What the account held then: lots of the symbol, sold ones below 0, and the greatest number of a position
+  // or order.
+  double net_before = 0.0;
+  std::int64_t greatest_before = 0;
 };
 
 // How far a request has come. What is stored and has not left has no event.
@@ -137,6 +143,8 @@ struct LedgerUnknown {
   BookEra era = 0;
   std::string why;  // "late", "lost", "crash"
   TimePoint since{};
+  std::int64_t greatest_before = 0;         // as LedgerRequest has it
+  std::vector<std::int64_t> taken_since{};  // greater numbers that other requests of the account were given
 };
 
 }  // namespace tutti

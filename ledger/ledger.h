@@ -24,9 +24,9 @@ class Ledger {
   // Who sends under this number from now on.
   virtual void know(Sender sender, const LedgerAccount& account) = 0;
   using Requests = std::span<SentOrder* const>;
-  // Hands a part of a ticket's requests over, to be stored whole or not at all. `about` tells the prices at
-  // the click; the rest the requests say, and the books of what they are about. A part after the first
-  // continues the mark that the first one was given; else this is 0.
+  // Hands a part of a ticket's requests over, to be stored whole or not at all; what their accounts hold now
+  // is noted in them. `about` tells the prices at the click; the rest the requests say, and the books of what
+  // they are about. A part after the first continues the mark that the first one was given; else this is 0.
   virtual Mark store(const LedgerTicket& about, Requests ticket, Requests part, Mark continues,
                      const Books& books) = 0;
   // Whether they are on the disk. What is not and will not be may be there all the same: who gives up says so
@@ -49,6 +49,13 @@ class Ledger {
   virtual const std::vector<LedgerUnknown>& never_left() const = 0;
   // Entry orders of earlier runs that work, as far as it knows; oldest first.
   virtual const std::vector<LedgerUnknown>& working() const = 0;
+  // Which ledger it is, 32 hexadecimal digits; empty where nothing is kept.
+  virtual std::string id() const = 0;
+  // How many requests have left for the account, answers to requotes not counted, and how many more the
+  // operator knows to be missing.
+  virtual std::int64_t left(Sender sender) const = 0;
+  // The operator goes on although so many more are missing.
+  virtual void accept_missing(Sender sender, std::int64_t requests) = 0;
   // When earlier runs stored something last; the epoch when none has.
   virtual TimePoint known_until() const = 0;
   // Tickets that earlier runs sent within the hour before this one, but for closes and cancels.

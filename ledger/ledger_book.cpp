@@ -30,6 +30,11 @@ LedgerValue time_or_none(TimePoint time) {
   return number_or_none(time.time_since_epoch().count());
 }
 
+// Whether a request of this state has left, as far as is known.
+bool has_left(std::string_view state) {
+  return state != "STORED" && state != "REFUSED_HERE" && state != "DROPPED" && state != "NEVER";
+}
+
 // "2026-03-04", in UTC.
 std::string day_of(TimePoint time) {
   const std::chrono::year_month_day day{std::chrono::floor<std::chrono::days>(time)};
@@ -99,7 +104,7 @@ std::int64_t LedgerBook::add_ticket(const LedgerTicket& ticket, std::size_t plan
 void LedgerBook::add_requests(std::int64_t ticket, const std::vector<LedgerRequest>& requests) {
   for (const LedgerRequest& each : requests) {
     const std::int64_t account = account_of(each.sender);
-    const int lots_digits = decimals::needed({each.lots});
+    const int lots_digits = decimals::needed({each.lots, each.net_before});
     const int price_digits = decimals::needed({each.price, each.stops.stop_loss, each.stops.take_profit});
     std::string kind = std::string{ledger_words::of(each.kind)};
     if (each.kind == RequestKind::requote) kind += each.accepts ? " accept" : " reject";
@@ -121,8 +126,8 @@ void LedgerBook::add_requests(std::int64_t ticket, const std::vector<LedgerReque
                {},
                number_or_none(static_cast<std::int64_t>(each.era)),
                number_or_none(each.retry_of),
-               {},
-               {}});
+               whole_or_none(each.net_before, lots_digits),
+               number_or_none(each.greatest_before)});
     auto& open =
         file_.statement("INSERT INTO open_request (request, account, state) VALUES (?, ?, 'STORED')");
     open.bind(1, each.id);
@@ -143,8 +148,9 @@ std::optional<LedgerBook::Known> LedgerBook::find(const LedgerEvent& event) {
     working.reset();
   }
   auto& one = file_.statement(
-      "SELECT r.ticket, r.account, coalesce(e.state, 'STORED'), coalesce(e.reason, ''), coalesce(e.code, 0) "
-      "FROM request r LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event WHERE request = r.id) WHERE "
+      "SELECT r.ticket, r.account, coalesce(e.state, 'STORED'), coalesce(e.reason, ''), coalesce(e.code, 0), "
+      "r.kind LIKE 'requote%' FROM request r LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event WHERE "
+      "request = r.id) WHERE "
       "r.id "
       "= ?");
   one.bind(1, id);
@@ -153,6 +159,7 @@ std::optional<LedgerBook::Known> LedgerBook::find(const LedgerEvent& event) {
     out = Known{id,
                 one.getColumn(0).getInt64(),
                 one.getColumn(1).getInt64(),
+                one.getColumn(5).getInt() != 0,
                 {one.getColumn(2).getString(), one.getColumn(3).getString(), one.getColumn(4).getInt64()}};
   }
   one.reset();
@@ -188,6 +195,8 @@ void LedgerBook::note_state(const Known& request, const LedgerEvent& event) {
   }
   Outcome after{std::string{ledger_words::of(event.state)}, event.reason, event.code};
   if (request.outcome == after) return;
+  const bool left = has_left(after.state);
+  if (!request.requote && left != has_left(request.outcome.state)) count_left(request.account, left ? 1 : -1);
   count(request.ticket, request.outcome, -1);
   count(request.ticket, after, 1);
 }
@@ -211,6 +220,24 @@ void LedgerBook::count(std::int64_t ticket, const Outcome& outcome, std::int64_t
   none.bind(3, outcome.reason);
   none.bind(4, outcome.code);
   none.exec();
+}
+
+void LedgerBook::count_left(std::int64_t account, std::int64_t step) {
+  auto& change = file_.statement(
+      "INSERT INTO account_sum VALUES (?1, ?2) ON CONFLICT (account) DO UPDATE SET requests = requests + ?2");
+  change.bind(1, account);
+  change.bind(2, step);
+  change.exec();
+}
+
+void LedgerBook::accept_missing(Sender sender, std::int64_t requests) {
+  auto& change = file_.statement(
+      "INSERT INTO missing_accepted VALUES (?1, ?2) ON CONFLICT (account) DO UPDATE SET requests = requests "
+      "+ "
+      "?2");
+  change.bind(1, account_of(sender));
+  change.bind(2, requests);
+  change.exec();
 }
 
 void LedgerBook::add_fill(const LedgerEvent& event, const std::optional<Known>& request) {
@@ -264,7 +291,8 @@ std::vector<LedgerBook::Open> LedgerBook::unanswered() {
   std::vector<Open> out;
   auto& rows = file_.statement(
       "SELECT o.request, o.state, r.kind, EXISTS (SELECT 1 FROM event WHERE request = o.request) FROM "
-      "open_request o JOIN request r ON r.id = o.request WHERE o.state IN ('STORED', 'TAKEN', 'PENDING') "
+      "open_request o JOIN request r ON r.id = o.request WHERE o.state IN ('STORED', 'TAKEN', 'PENDING', "
+      "'PART') "
       "ORDER "
       "BY o.request");
   while (rows.executeStep()) {

@@ -40,6 +40,8 @@ class LedgerBook {
   // Runs have numbers, each greater than those before; one that stores nothing has no row.
   void add_run(std::int64_t number, const std::string& boot, TimePoint time);
   std::int64_t last_run();
+  // The operator goes on although the ledger lacks so many more requests of the account than it knew of.
+  void accept_missing(Sender sender, std::int64_t requests);
 
  private:
   // What the requests of a ticket are counted by.
@@ -53,7 +55,8 @@ class LedgerBook {
     RequestId id = 0;
     std::int64_t ticket = 0;
     std::int64_t account = 0;
-    Outcome outcome;  // now
+    bool requote = false;  // an answer to one
+    Outcome outcome;       // now
   };
 
   std::int64_t account_of(Sender sender);
@@ -61,6 +64,8 @@ class LedgerBook {
   std::optional<Known> find(const LedgerEvent& event);
   void note_state(const Known& request, const LedgerEvent& event);
   void count(std::int64_t ticket, const Outcome& outcome, std::int64_t step);
+  // Of those that have left, as far as is known.
+  void count_left(std::int64_t account, std::int64_t step);
   void add_fill(const LedgerEvent& event, const std::optional<Known>& request);
   void count_fill(std::int64_t ticket, double lots, double price, int price_digits);
 

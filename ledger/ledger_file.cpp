@@ -97,6 +97,7 @@ tl::expected<std::unique_ptr<LedgerFile>, FileError> LedgerFile::open(const std:
     if (out->schema_ < ledger_schema::version) {
       if (auto migrated = out->migrate(file); !migrated) return tl::unexpected(migrated.error());
     }
+    out->database_.exec(std::string{ledger_schema::create_missing()});
     if (!out->has_derived()) out->make_derived();
     return out;
   } catch (const SQLite::Exception& error) {

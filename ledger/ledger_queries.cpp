@@ -102,7 +102,8 @@ bool TicketRequest::may_be_retried(RetryPart part) const {
   const bool nothing_done = part == RetryPart::settled_by_hand
                                 ? state == LedgerState::hand && reason == hand_not_executed
                                 : state == LedgerState::refused || state == LedgerState::refused_here ||
-                                      state == LedgerState::never || state == LedgerState::dropped;
+                                      state == LedgerState::never || state == LedgerState::dropped ||
+                                      was_left_behind();
   // The order that the answer to a requote was for has ended.
   return nothing_done && retried_by == 0 && kind != RequestKind::requote;
 }
@@ -295,7 +296,8 @@ void LedgerQueries::add_open(const std::string& which, RequestId id, std::vector
       "SELECT o.request, a.server, a.user, a.account_text, r.kind, coalesce(r.symbol, ''), coalesce(r.side, "
       "''), coalesce(r.lots, 0), coalesce(r.lots_digits, 0), coalesce(r.price, 0), coalesce(r.price_digits, "
       "0), coalesce(r.reference, o.order_no, 0), coalesce(r.era, 0), coalesce(e.reason, ''), "
-      "coalesce(e.t_here, t.t) FROM open_request o JOIN request r ON r.id = o.request JOIN account a ON a.n "
+      "coalesce(e.t_here, t.t), coalesce(r.greatest_before, 0) FROM open_request o JOIN request r ON r.id = "
+      "o.request JOIN account a ON a.n "
       "= "
       "r.account JOIN ticket t ON t.n = r.ticket LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event "
       "WHERE request = o.request) WHERE " +
@@ -312,7 +314,8 @@ void LedgerQueries::add_open(const std::string& which, RequestId id, std::vector
                    .number = rows.getColumn(11).getInt64(),
                    .era = static_cast<BookEra>(rows.getColumn(12).getInt64()),
                    .why = rows.getColumn(13).getString(),
-                   .since = time_of(rows.getColumn(14))});
+                   .since = time_of(rows.getColumn(14)),
+                   .greatest_before = rows.getColumn(15).getInt64()});
   }
   rows.reset();
 }
@@ -328,6 +331,32 @@ std::vector<LedgerUnknown> LedgerQueries::unknown(std::span<const LedgerEvent> m
   }
   std::sort(out.begin(), out.end(),
             [](const LedgerUnknown& a, const LedgerUnknown& b) { return a.id < b.id; });
+  for (LedgerUnknown& each : out)
+    if (each.kind == RequestKind::open && each.greatest_before != 0) add_taken_since(each);
+  return out;
+}
+
+void LedgerQueries::add_taken_since(LedgerUnknown& unknown) {
+  auto& rows = file_.statement(
+      "SELECT DISTINCT e.order_no FROM request o JOIN request r ON r.id > o.id AND +r.account = o.account "
+      "JOIN event e "
+      "ON e.request = r.id WHERE o.id = ?1 AND e.order_no > ?2 ORDER BY 1");
+  rows.bind(1, unknown.id);
+  rows.bind(2, unknown.greatest_before);
+  while (rows.executeStep())
+    unknown.taken_since.push_back(rows.getColumn(0).getInt64());
+  rows.reset();
+}
+
+std::map<LedgerAccount, std::int64_t> LedgerQueries::left() {
+  std::map<LedgerAccount, std::int64_t> out;
+  auto& rows = file_.statement(
+      "SELECT a.server, a.user, a.account_text, coalesce(s.requests, 0) + coalesce(m.requests, 0) FROM "
+      "account a "
+      "LEFT JOIN account_sum s ON s.account = a.n LEFT JOIN missing_accepted m ON m.account = a.n");
+  while (rows.executeStep())
+    out[account_of(rows, 0)] = rows.getColumn(3).getInt64();
+  rows.reset();
   return out;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -38,12 +39,16 @@ class LedgerQueries {
   // Entry orders that wait for their price; oldest first.
   std::vector<LedgerUnknown> working();
   std::optional<NamedTicket> named(const std::string& key, const std::string& plan);
+  // How many requests of each account have left, answers to requotes not counted, with those that the
+  // operator knows to be missing.
+  std::map<LedgerAccount, std::int64_t> left();
   // Tickets since a time that were not refused here, but for closes and cancels; of the last thousand.
   std::vector<LedgerPastTicket> recent(TimePoint since);
 
  private:
   std::vector<TicketRecord> tickets(const std::string& which, std::int64_t value);
   void add_outcomes(TicketRecord& ticket);
+  void add_taken_since(LedgerUnknown& unknown);
   void add_open(const std::string& which, RequestId id, std::vector<LedgerUnknown>& out);
 
   LedgerFile& file_;

@@ -104,6 +104,8 @@ struct TicketRequest {
 
   // It belongs to these, and was not sent again yet.
   bool may_be_retried(RetryPart part = RetryPart::no_effect) const;
+  // An earlier run stored it and ended before it left.
+  bool was_left_behind() const { return state == LedgerState::stored && !reason.empty(); }
 };
 
 // A ticket that the operator gave a name.

@@ -121,8 +121,12 @@ CREATE TABLE ticket_sum (
 CREATE TABLE ticket_fill (
   ticket INTEGER PRIMARY KEY, fills INTEGER NOT NULL, lots REAL NOT NULL, value REAL NOT NULL,
   least REAL NOT NULL, most REAL NOT NULL, price_digits INTEGER NOT NULL) STRICT;
+CREATE TABLE account_sum (account INTEGER PRIMARY KEY, requests INTEGER NOT NULL) STRICT;
 )";
-constexpr std::string_view derived_names[] = {"open_request", "ticket_sum", "ticket_fill"};
+constexpr std::string_view missing = R"(
+CREATE TABLE IF NOT EXISTS missing_accepted (account INTEGER PRIMARY KEY, requests INTEGER NOT NULL) STRICT;
+)";
+constexpr std::string_view derived_names[] = {"open_request", "ticket_sum", "ticket_fill", "account_sum"};
 
 constexpr std::string_view filling = R"(
 INSERT INTO open_request
@@ -142,6 +146,12 @@ INSERT INTO ticket_fill
                f.price_digits
         FROM fill f JOIN request r ON r.id = f.request WHERE f.price IS NOT NULL ORDER BY f.seq)
   GROUP BY ticket;
+INSERT INTO account_sum
+  SELECT r.account, count(*)
+  FROM request r
+  JOIN (SELECT request, state, max(seq) FROM event GROUP BY request) e ON e.request = r.id
+  WHERE e.state NOT IN ('STORED', 'REFUSED_HERE', 'DROPPED', 'NEVER') AND r.kind NOT LIKE 'requote%'
+  GROUP BY 1;
 )";
 
 std::string keep(std::string_view table, std::string_view change) {
@@ -218,6 +228,10 @@ std::string migrate() {
   for (const std::string_view name : derived_names)
     out += fmt::format("DROP TABLE IF EXISTS {};\n", name);
   return out;
+}
+
+std::string_view create_missing() {
+  return missing;
 }
 
 std::string_view create_derived() {

@@ -47,6 +47,8 @@ const Table& ledgers();
 
 // Statements that make a new file: tables, indices, and the triggers that keep rows as they are.
 std::string_view create();
+// The statement that makes the table of what the operator accepted to be missing, where there is none.
+std::string_view create_missing();
 // Statements that make a file of the first version one of this.
 std::string migrate();
 // What is kept besides for speed, and can be made again from the rest at any time.

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <iterator>
 #include <utility>
 
 #include "core/boot_id.h"
@@ -25,7 +24,10 @@ constexpr std::chrono::milliseconds idle = 1000ms;  // then the log of the datab
 }  // namespace
 
 LedgerWriter::LedgerWriter(Options options, const Secret& key, const Clock& clock)
-    : options_(std::move(options)), key_(key.copy()), clock_(clock) {}
+    : options_(std::move(options)),
+      key_(key.copy()),
+      clock_(clock),
+      store_(options_.home, options_.program, key_) {}
 
 tl::expected<std::unique_ptr<LedgerWriter>, FileError> LedgerWriter::open(Options options, const Secret& key,
                                                                           const Clock& clock) {
@@ -52,22 +54,25 @@ tl::expected<void, FileError> LedgerWriter::start() {
                     "the application folder to a disk of this machine",
                     network)});
   }
-  if (auto opened = open_file(clock_.now()); !opened) return opened;
+  if (auto opened = store_.open(clock_.now()); !opened) return opened;
+  LedgerFile& file = store_.file();
   try {
-    if (file_->newer()) {
+    if (file.newer()) {
       fault_ = fmt::format(
           "{} was made by a newer program: this one only reads it, and sends nothing. Start the newer one",
           ledger_path(options_.home).string());
       read_only_ = true;
-      unknown_ = LedgerQueries{*file_}.unknown();
+      unknown_ = LedgerQueries{file}.unknown();
       return {};
     }
-    known_until_ = LedgerQueries{*file_}.last_commit();
+    id_ = file.id();
+    known_until_ = LedgerQueries{file}.last_commit();
     if (auto begun = begin_run(); !begun) return begun;
-    unknown_ = LedgerQueries{*file_}.unknown();
-    never_left_ = LedgerQueries{*file_}.never_left();
-    working_ = LedgerQueries{*file_}.working();
-    recent_ = LedgerQueries{*file_}.recent(clock_.now() - std::chrono::hours{1});
+    unknown_ = LedgerQueries{file}.unknown();
+    never_left_ = LedgerQueries{file}.never_left();
+    working_ = LedgerQueries{file}.working();
+    counts_.begin(LedgerQueries{file}.left());
+    recent_ = LedgerQueries{file}.recent(clock_.now() - std::chrono::hours{1});
   } catch (const SQLite::Exception& error) {
     return tl::unexpected(FileError{ledger_path(options_.home), error.what()});
   }
@@ -78,10 +83,12 @@ tl::expected<void, FileError> LedgerWriter::start() {
 tl::expected<void, FileError> LedgerWriter::begin_run() {
   const std::filesystem::path path = left_log_path(options_.home);
   const auto left = LeftLog::read(path);
-  boot_ = boot_id();
-  run_ = book_->last_run() + 1;
+  const std::string boot = boot_id();
+  LedgerFile& file = store_.file();
+  LedgerBook& book = store_.book();
+  const std::int64_t run = book.last_run() + 1;
   const TimePoint now = clock_.now();
-  if (const std::string fault = fault_of_end(*file_, left); !fault.empty()) {
+  if (const std::string fault = fault_of_end(file, left); !fault.empty()) {
     const std::filesystem::path kept =
         options_.home / fmt::format("left-{}.log", now.time_since_epoch().count());
     std::error_code error;
@@ -92,19 +99,19 @@ tl::expected<void, FileError> LedgerWriter::begin_run() {
         "you send anything; what had left is kept in {}",
         fault, kept.filename().string());
   }
-  std::vector<LedgerEvent> events = unanswered_events(*book_, *file_, left, boot_);
+  std::vector<LedgerEvent> events = unanswered_events(book, file, left, boot);
   if (!events.empty()) {
-    file_->begin();
+    file.begin();
     for (LedgerEvent& event : events) {
       event.time = now;
-      book_->add_event(event);
+      book.add_event(event);
     }
-    book_->add_run(run_, boot_, now);
-    file_->commit(now);
-    run_noted_ = true;
+    book.add_run(run, boot, now);
+    file.commit(now);
   }
+  store_.begin_run(run, boot, !events.empty());
   // Only now that the outcome of what had left is on the disk.
-  auto log = LeftLog::begin(path, {boot_, file_->id(), run_, file_->head()});
+  auto log = LeftLog::begin(path, {boot, file.id(), run, file.head()});
   if (!log) return tl::unexpected(log.error());
   left_ = std::move(*log);
   return {};
@@ -123,7 +130,8 @@ void LedgerWriter::put(Item item, bool urgent) {
 }
 
 void LedgerWriter::know(Sender sender, const LedgerAccount& account) {
-  if (!read_only_) put(Known{sender, account}, false);
+  counts_.know(sender, account);
+  if (!read_only_) put(LedgerStore::Known{sender, account}, false);
 }
 
 Ledger::Mark LedgerWriter::store(const LedgerTicket& about, Requests ticket, Requests part, Mark continues,
@@ -163,13 +171,18 @@ Ledger::Stored LedgerWriter::wait(Mark mark, std::chrono::milliseconds most) {
 
 bool LedgerWriter::leaves(RequestId request) {
   if (!left_) return false;
-  const bool written = left_->add(request);
-  if (written != left_fails_) return written;
+  const bool written = left_->add(request) || (store_.make_room() && left_->add(request));
   left_fails_ = !written;
   return written;
 }
 
+void LedgerWriter::accept_missing(Sender sender, std::int64_t requests) {
+  counts_.add(sender, requests);
+  if (!read_only_) put(LedgerStore::Missing{sender, requests}, false);
+}
+
 void LedgerWriter::sent(const SentOrder& request) {
+  if (request.kind != RequestKind::requote) counts_.add(request.sender, 1);
   note(answer_of(request));
 }
 
@@ -213,11 +226,12 @@ void LedgerWriter::run() {
     const auto called = [this] { return stop_ || urgent_; };
     if (queue_.empty() && !called()) {
       const bool waited =
-          work_.wait_for(lock, later_.empty() ? idle : next_try, [&] { return called() || !queue_.empty(); });
-      if (!waited && later_.empty()) {
+          work_.wait_for(lock, store_.waits() ? next_try : idle, [&] { return called() || !queue_.empty(); });
+      if (!waited && !store_.waits()) {
         lock.unlock();
-        take_in_log();
+        std::string fault = store_.rest();
         lock.lock();
+        fault_ = std::move(fault);
         continue;
       }
     }
@@ -228,119 +242,19 @@ void LedgerWriter::run() {
     const std::uint64_t told = told_;
     lock.unlock();
     Mark newest = 0;
-    std::vector<Mark> marks;
     for (const Item& item : batch)
-      if (const auto* part = std::get_if<Part>(&item)) marks.push_back(newest = part->mark);
-    const auto written = write(std::move(batch));
+      if (const auto* part = std::get_if<Part>(&item)) newest = part->mark;
+    LedgerStore::Written written = store_.write(std::move(batch));
     lock.lock();
     done_ = std::max(done_, newest);
-    if (written) {
+    failed_.insert(failed_.end(), written.failed.begin(), written.failed.end());
+    fault_ = std::move(written.fault);
+    if (written.all_kept)
       saved_ = told;
-      fault_.clear();
-    } else {
-      failed_.insert(failed_.end(), marks.begin(), marks.end());
-      fault_ = written.error().text();
+    else
       ++failures_;
-    }
     settled_.notify_all();
     if (last && queue_.empty()) return;
-  }
-}
-
-tl::expected<void, FileError> LedgerWriter::open_file(TimePoint now) {
-  auto opened = LedgerFile::open(ledger_path(options_.home), key_, now);
-  if (!opened) return tl::unexpected(opened.error());
-  file_ = std::move(*opened);
-  book_ = std::make_unique<LedgerBook>(*file_, options_.program);
-  for (const Known& known : senders_)
-    book_->know(known.sender, known.account);
-  // A commit that failed may have reached the disk all the same.
-  if (doubtful_ > 0 && file_->head() == in_doubt_)
-    later_.erase(later_.begin(), later_.begin() + static_cast<std::ptrdiff_t>(doubtful_));
-  run_noted_ = run_ != 0 && book_->last_run() >= run_;
-  doubtful_ = 0;
-  return {};
-}
-
-tl::expected<void, FileError> LedgerWriter::write(std::vector<Item> batch) {
-  std::erase_if(batch, [this](const Item& item) {
-    const auto* known = std::get_if<Known>(&item);
-    if (known == nullptr) return false;
-    senders_.push_back(*known);
-    if (book_) book_->know(known->sender, known->account);
-    return true;
-  });
-  const auto put_off = [&] {
-    std::erase_if(batch, [](const Item& item) { return std::holds_alternative<Part>(item); });
-    later_.insert(later_.end(), std::make_move_iterator(batch.begin()), std::make_move_iterator(batch.end()));
-  };
-  if (!file_) {
-    if (auto opened = open_file(time_of(batch)); !opened) {
-      put_off();
-      return opened;
-    }
-  }
-  if (later_.empty() && batch.empty()) return {};
-  auto written = commit(batch);
-  if (written) {
-    later_.clear();
-    return written;
-  }
-  put_off();
-  const bool maybe = file_->attempted().commit > file_->head().commit;
-  doubtful_ = maybe ? later_.size() : 0;
-  in_doubt_ = file_->attempted();
-  book_.reset();
-  file_.reset();
-  return written;
-}
-
-tl::expected<void, FileError> LedgerWriter::commit(const std::vector<Item>& batch) {
-  try {
-    file_->begin();
-    const TimePoint time = time_of(batch.empty() ? later_ : batch);
-    if (!run_noted_) book_->add_run(run_, boot_, time);
-    for (const std::vector<Item>* items : {&std::as_const(later_), &batch})
-      for (const Item& item : *items)
-        add(item);
-    file_->commit(time);
-    run_noted_ = true;
-    return {};
-  } catch (const SQLite::Exception& error) {
-    return tl::unexpected(FileError{ledger_path(options_.home), error.what()});
-  }
-}
-
-void LedgerWriter::add(const Item& item) {
-  if (const auto* event = std::get_if<LedgerEvent>(&item)) {
-    book_->add_event(*event);
-  } else if (const auto* told = std::get_if<Part>(&item)) {
-    const Part& part = *told;
-    if (part.continues == 0) ticket_ = {part.mark, book_->add_ticket(part.ticket, part.planned, part.time)};
-    // The parts of one ticket come one behind the other.
-    if (part.continues != 0 && part.continues != ticket_.first)
-      throw SQLite::Exception{"a ticket's first part is missing"};
-    book_->add_requests(ticket_.second, part.requests);
-  }
-}
-
-TimePoint LedgerWriter::time_of(const std::vector<Item>& items) {
-  TimePoint newest{};
-  for (const Item& item : items) {
-    if (const auto* event = std::get_if<LedgerEvent>(&item)) newest = std::max(newest, event->time);
-    if (const auto* part = std::get_if<Part>(&item)) newest = std::max(newest, part->time);
-  }
-  return newest;
-}
-
-void LedgerWriter::take_in_log() {
-  if (!file_ || file_->head() == taken_in_) return;
-  try {
-    file_->checkpoint();
-    taken_in_ = file_->head();
-  } catch (const SQLite::Exception&) {
-    // The next commit tells whether the file can be used.
-    taken_in_ = file_->head();
   }
 }
 

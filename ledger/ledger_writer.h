@@ -8,14 +8,14 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <variant>
 #include <vector>
 
 #include <tl/expected.hpp>
 
 #include "core/key_file.h"
 #include "ledger/ledger.h"
-#include "ledger/ledger_book.h"
+#include "ledger/ledger_store.h"
+#include "ledger/left_counts.h"
 #include "ledger/left_log.h"
 
 namespace tutti {
@@ -25,7 +25,8 @@ namespace tutti {
 // has come within 20 ms.
 //
 // When the disk fails the requests of that commit count as not stored; events are kept and tried again with
-// every request, and once a second. Its end waits until all is written, or can't be.
+// every request, and once a second. What a full disk leaves room for, LedgerStore says. Its end waits until
+// all is written, or can't be.
 class LedgerWriter final : public Ledger {
  public:
   struct Options {
@@ -55,6 +56,9 @@ class LedgerWriter final : public Ledger {
   std::string fault() const override;
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
   const std::vector<LedgerUnknown>& working() const override { return working_; }
+  std::string id() const override { return id_; }
+  std::int64_t left(Sender sender) const override { return counts_.of(sender); }
+  void accept_missing(Sender sender, std::int64_t requests) override;
   TimePoint known_until() const override { return known_until_; }
   const std::vector<LedgerUnknown>& never_left() const override { return never_left_; }
   const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
@@ -68,19 +72,8 @@ class LedgerWriter final : public Ledger {
   bool flush(std::chrono::milliseconds most);
 
  private:
-  struct Known {
-    Sender sender;
-    LedgerAccount account;
-  };
-  struct Part {
-    LedgerTicket ticket;
-    std::size_t planned;
-    std::vector<LedgerRequest> requests;
-    Mark mark;
-    Mark continues;
-    TimePoint time;
-  };
-  using Item = std::variant<Known, Part, LedgerEvent>;
+  using Part = LedgerStore::Part;
+  using Item = LedgerStore::Item;
 
   LedgerWriter(Options options, const Secret& key, const Clock& clock);
   tl::expected<void, FileError> start();
@@ -89,27 +82,20 @@ class LedgerWriter final : public Ledger {
   void put(Item item, bool urgent);
   Stored state_of(Mark mark) const;
 
-  // The thread's own, and `start`'s before there is one.
+  // Of the thread.
   void run();
-  tl::expected<void, FileError> open_file(TimePoint now);
-  tl::expected<void, FileError> write(std::vector<Item> batch);
-  tl::expected<void, FileError> commit(const std::vector<Item>& batch);
-  void add(const Item& item);
-  void take_in_log();
-  static TimePoint time_of(const std::vector<Item>& items);
 
   const Options options_;
   const Secret key_;
   const Clock& clock_;
   bool read_only_ = false;
-  std::string boot_;
-  std::int64_t run_ = 0;    // number of this one
-  bool run_noted_ = false;  // in the file; the thread's
   std::string notice_;
   std::vector<LedgerUnknown> unknown_;
   std::vector<LedgerUnknown> never_left_;
   std::vector<LedgerUnknown> working_;
   TimePoint known_until_{};
+  std::string id_;
+  LeftCounts counts_;
   std::vector<LedgerPastTicket> recent_;
   std::optional<LeftLog> left_;
   bool left_fails_ = false;
@@ -128,15 +114,7 @@ class LedgerWriter final : public Ledger {
   std::uint64_t failures_ = 0;
   std::string fault_;
 
-  // The thread's.
-  std::unique_ptr<LedgerFile> file_;
-  std::unique_ptr<LedgerBook> book_;
-  std::vector<Known> senders_;            // for a file that is opened again
-  std::vector<Item> later_;               // events of commits that failed
-  LedgerFile::Head in_doubt_;             // a commit that failed as it was made, of which
-  std::size_t doubtful_ = 0;              // so many of `later_` are
-  LedgerFile::Head taken_in_;             // up to here the log of the database is in its file
-  std::pair<Mark, std::int64_t> ticket_;  // the last one: mark of its first part, and its number
+  LedgerStore store_;  // the thread's, and `start`'s before there is one
   std::thread thread_;
 };
 

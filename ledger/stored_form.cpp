@@ -5,7 +5,17 @@
 namespace tutti {
 namespace {
 
-LedgerRequest stored_form(const SentOrder& request, const Books& books) {
+void note_what_was_there(LedgerRequest& out, std::int32_t account, const Books& books) {
+  books.positions.each_of_account(account, [&](const OpenPosition& each) {
+    out.greatest_before = std::max(out.greatest_before, each.ticket);
+    if (each.symbol == out.symbol) out.net_before += buys(each.side) ? each.amount : -each.amount;
+  });
+  books.orders.each_of_account(account, [&](const PendingOrder& each) {
+    out.greatest_before = std::max(out.greatest_before, each.order);
+  });
+}
+
+LedgerRequest stored_form(SentOrder& request, const Books& books) {
   LedgerRequest out{.id = request.id,
                     .sender = request.sender,
                     .kind = request.kind,
@@ -38,6 +48,8 @@ LedgerRequest stored_form(const SentOrder& request, const Books& books) {
       }
       break;
   }
+  note_what_was_there(out, request.account, books);
+  request.greatest_before = out.greatest_before;
   return out;
 }
 
@@ -46,7 +58,7 @@ LedgerRequest stored_form(const SentOrder& request, const Books& books) {
 std::vector<LedgerRequest> stored_form(Ledger::Requests requests, const Books& books) {
   std::vector<LedgerRequest> out;
   out.reserve(requests.size());
-  for (const SentOrder* each : requests)
+  for (SentOrder* each : requests)
     out.push_back(stored_form(*each, books));
   return out;
 }

@@ -36,6 +36,9 @@ class ScriptedLedger : public Ledger {
   std::string fault() const override { return why; }
   const std::vector<LedgerUnknown>& unknown() const override { return unknown_; }
   const std::vector<LedgerUnknown>& working() const override { return unknown_; }
+  std::string id() const override { return {}; }
+  std::int64_t left(Sender) const override { return 0; }
+  void accept_missing(Sender, std::int64_t) override {}
   TimePoint known_until() const override { return {}; }
   const std::vector<LedgerUnknown>& never_left() const override { return unknown_; }
   const std::vector<LedgerPastTicket>& recent() const override { return recent_; }
