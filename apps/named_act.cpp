@@ -42,9 +42,8 @@ std::optional<int> NamedAct::repeated(RequoteReply requote) {
 }
 
 int NamedAct::go_on(const NamedTicket& ticket, RequoteReply requote) {
-  const auto before = context_.requests_of(ticket.number);
-  if (!before) return exit_status::unreadable_data;
-  const auto sent = context_.main().ticket_retry().go_on(ticket.number, *before);
+  if (!context_.requests_of(ticket.number)) return exit_status::unreadable_data;
+  const auto sent = context_.main().ticket_retry().go_on(ticket.number, outcomes(ticket.number));
   run_answering(context_, requote, [&] {
     return std::all_of(sent.begin(), sent.end(), [](const SentOrder* each) { return each->settled(); });
   });

@@ -120,6 +120,14 @@ std::string text(const Breach& breach) {
                                       : "the share of " + is + " lots is above the total of " + most);
     case Limit::unknown:
       return who + "what became of an earlier request of the symbol is unknown";
+    case Limit::restored:
+      return fmt::format(
+          "{}the server has taken {} requests that this ledger lacks. Its folder was put back from a backup, "
+          "or "
+          "a copy of it is in use: compare positions and fills before you send",
+          who, number_text(breach.is.value_or(0.0)));
+    case Limit::not_stored:
+      return who + "the ledger can't store it, so nothing would know of it after a crash";
     case Limit::orders_per_second:
     case Limit::queue_age:
       break;

@@ -90,11 +90,23 @@ constexpr LimitField fields[set_limits] = {
 };
 
 // What is no setting.
-constexpr LimitField unknown_field{.key = "unknown",
-                                   .name = "Unknown outcome",
-                                   .unit = "",
-                                   .initially = {},
-                                   .meaning = "A request of the symbol has an unknown outcome."};
+constexpr LimitField always_judged[] = {
+    {.key = "unknown",
+     .name = "Unknown outcome",
+     .unit = "",
+     .initially = {},
+     .meaning = "A request of the symbol has an unknown outcome."},
+    {.key = "restored",
+     .name = "Requests missing here",
+     .unit = "",
+     .initially = {},
+     .meaning = "The server has taken requests of this terminal that its ledger lacks."},
+    {.key = "not_stored",
+     .name = "Not stored",
+     .unit = "",
+     .initially = {},
+     .meaning = "The ledger can't store it."},
+};
 
 }  // namespace
 
@@ -103,7 +115,8 @@ std::span<const LimitField, set_limits> limit_fields() {
 }
 
 const LimitField& field_of(Limit limit) {
-  return limit == Limit::unknown ? unknown_field : fields[static_cast<std::size_t>(limit)];
+  const auto place = static_cast<std::size_t>(limit);
+  return place < set_limits ? fields[place] : always_judged[place - set_limits];
 }
 
 Limits Limits::of_new_home() {

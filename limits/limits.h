@@ -22,7 +22,10 @@ enum class Limit : std::uint8_t {
   orders_per_second,
   queue_age,
   odd_shares,
-  unknown,  // the account has a request of the symbol whose outcome is unknown; always judged
+  // Always judged:
+  unknown,     // the account has a request of the symbol whose outcome is unknown
+  restored,    // the server has taken requests of the account that the ledger lacks
+  not_stored,  // the ledger can't store a close or a cancel
 };
 inline constexpr std::size_t set_limits = static_cast<std::size_t>(Limit::unknown);
 

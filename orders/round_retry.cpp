@@ -26,7 +26,7 @@ void RoundRetry::attach(TicketRetry& retry, LedgerReads* reads) {
 }
 
 void RoundRetry::poll() {
-  if (reads_ == nullptr || clock_.elapsed() - looked_at_ < interval) return;
+  if (reads_ == nullptr || clock_.elapsed() - looked_at_ < pause_) return;
   looked_at_ = clock_.elapsed();
   look();
 }
@@ -47,8 +47,11 @@ void RoundRetry::look() {
   button.set_enabled(ready > 0);
   // While there is nothing to send again the window has the room.
   button.set_visible(ready > 0);
-  // What is told a moment ago is stored a moment later.
-  if (static_cast<std::size_t>(ready) < ids.size() && !asked_) read(std::move(ids));
+  // What is told a moment ago is stored a moment later; what can't be stored is asked for less and less.
+  const bool wanting = static_cast<std::size_t>(ready) < ids.size();
+  pause_ = wanting && ids == wanted_ ? std::min(2 * pause_, longest_pause) : interval;
+  wanted_ = ids;
+  if (wanting && !asked_) read(std::move(ids));
 }
 
 void RoundRetry::read(std::vector<RequestId> requests) {

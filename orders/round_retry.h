@@ -21,6 +21,7 @@ class RoundRetry {
   using Round = std::function<std::vector<const SentOrder*>()>;
 
   static constexpr std::chrono::milliseconds interval{250};
+  static constexpr std::chrono::milliseconds longest_pause{8000};
 
   RoundRetry(const Clock& clock, Round round);
 
@@ -45,7 +46,9 @@ class RoundRetry {
   LedgerReads* reads_ = nullptr;
   bool asked_ = false;  // and not answered
   std::chrono::milliseconds looked_at_{-interval};
-  std::vector<TicketRequest> requests_;  // of the round's tickets, as the ledger had them last
+  std::chrono::milliseconds pause_{interval};  // until it looks again
+  std::vector<RequestId> wanted_;              // of the last look
+  std::vector<TicketRequest> requests_;        // of the round's tickets, as the ledger had them last
 };
 
 }  // namespace tutti

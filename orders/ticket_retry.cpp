@@ -132,12 +132,18 @@ std::vector<const SentOrder*> TicketRetry::send_agreed(std::int64_t ticket,
 std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
                                                  const std::vector<TicketRequest>& requests) {
   std::vector<std::string> left_out;
-  const std::vector<Rest> stored = rest_of(
-      requests, [](const TicketRequest& each) { return each.state == LedgerState::stored; }, left_out);
+  // What was sent again by such an act, and was left behind itself, has no name to leave under.
+  const auto leaves_as_it_is = [this](const TicketRequest& each) {
+    return each.state == LedgerState::stored && sessions_.requests().find(each.id) != nullptr;
+  };
+  const std::vector<Rest> stored = rest_of(requests, leaves_as_it_is, left_out);
   std::vector<std::string> not_again;
   const std::vector<Rest> never = rest_of(
       requests,
-      [](const TicketRequest& each) { return each.state == LedgerState::never && each.may_be_retried(); },
+      [&](const TicketRequest& each) {
+        return each.may_be_retried() && (each.state == LedgerState::never || each.was_left_behind()) &&
+               !leaves_as_it_is(each);
+      },
       not_again);
   left_out.insert(left_out.end(), not_again.begin(), not_again.end());
   std::vector<const SentOrder*> sent;
@@ -175,6 +181,7 @@ std::vector<const SentOrder*> TicketRetry::send_again(std::int64_t ticket, const
       [&] {
         for (const Rest& each : rest) {
           sent_.insert(each.request->id);
+          if (each.request->was_left_behind()) sessions_.drop_stored(each.request->id);
           sessions_.as_retry_of(each.request->id, [&] { sent.push_back(&send(each)); });
         }
       },

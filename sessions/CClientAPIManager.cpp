@@ -31,7 +31,9 @@ CClientAPIManager::CClientAPIManager(std::unique_ptr<ClientAPI> client, const Lo
       password_(login.password.copy()) {
   client_ = std::move(client);
   client_->set_sink(this);
-  client_->SetLoginData(login);
+  LoginData data = login.copy();
+  data.ledger = shared.gate.ledger().id();
+  client_->SetLoginData(data);
 }
 
 CClientAPIManager::~CClientAPIManager() {
@@ -61,40 +63,74 @@ std::string CClientAPIManager::SummaryDesc(double balance, double equity, double
 
 const SentOrder& CClientAPIManager::market_order(Operation side, SymbolHandle symbol, double amount,
                                                  Then&& then) {
-  return gate_.market_order(sender(), side, symbol, symbol_id(symbol), amount, std::move(then));
+  return gate_.request(sender(), RequestKind::open, std::move(then), [&](SentOrder& request) {
+    request.side = side;
+    request.symbol = symbol;
+    request.symbol_id = symbol_id(symbol);
+    request.amount = amount;
+  });
 }
 
 const SentOrder& CClientAPIManager::close_position(std::int64_t ticket, double amount, Then&& then) {
-  return gate_.close(sender(), ticket, amount, std::move(then));
+  return gate_.request(sender(), RequestKind::close, std::move(then), [&](SentOrder& request) {
+    request.number = ticket;
+    request.amount = amount;
+  });
 }
 
 const SentOrder& CClientAPIManager::cancel_order(std::int64_t order, bool stops_of_position, Then&& then) {
-  return gate_.cancel(sender(), order, stops_of_position, std::move(then));
+  return gate_.request(sender(), RequestKind::cancel, std::move(then), [&](SentOrder& request) {
+    request.number = order;
+    request.stops_of_position = stops_of_position;
+  });
 }
 
 const SentOrder& CClientAPIManager::place_entry(const EntryOrder& order, SymbolHandle symbol, int round,
                                                 Then&& then) {
-  return gate_.place_entry(sender(), order, symbol, round, std::move(then));
+  return gate_.request(sender(), RequestKind::entry, std::move(then), [&](SentOrder& request) {
+    const bool stop = order.kind == EntryKind::stop;
+    request.side = buys(order.side) ? (stop ? operation::buy_stop : operation::buy)
+                                    : (stop ? operation::sell_stop : operation::sell);
+    request.symbol = symbol;
+    request.symbol_id = order.symbol_id;
+    request.amount = order.amount;
+    request.price = order.price;
+    request.stops = {order.stop_loss, order.take_profit, order.has_stop_loss, order.has_take_profit};
+    request.round = round;
+  });
 }
 
 const SentOrder& CClientAPIManager::update_entry(std::int64_t order, double price, const StopPrices& stops,
                                                  int round, Then&& then) {
-  return gate_.update_entry(sender(), order, price, stops, round, std::move(then));
+  return gate_.request(sender(), RequestKind::update, std::move(then), [&](SentOrder& request) {
+    request.number = order;
+    request.price = price;
+    request.stops = stops;
+    request.round = round;
+  });
 }
 
 const SentOrder& CClientAPIManager::set_stops(std::int64_t ticket, const StopPrices& stops, int round,
                                               Then&& then) {
-  return gate_.set_stops(sender(), ticket, stops, records_.stops_order_of(ticket), round, std::move(then));
+  return gate_.request(sender(), RequestKind::stops, std::move(then), [&](SentOrder& request) {
+    request.number = ticket;
+    request.stops_order = records_.stops_order_of(ticket);
+    request.stops = stops;
+    request.round = round;
+  });
+}
+
+const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept, Then&& then) {
+  return gate_.request(sender(), RequestKind::requote, std::move(then), [&](SentOrder& request) {
+    request.number = order;
+    request.accepts = accept;
+  });
 }
 
 const SentOrder& CClientAPIManager::send_stored(SentOrder as) {
   as.sender = sender();
   if (as.kind == RequestKind::stops) as.stops_order = records_.stops_order_of(as.number);
   return gate_.send_stored(as);
-}
-
-const SentOrder& CClientAPIManager::answer_requote(std::int64_t order, bool accept, Then&& then) {
-  return gate_.answer_requote(sender(), order, accept, std::move(then));
 }
 
 void CClientAPIManager::ConnectionState(bool connected) {
@@ -140,12 +176,20 @@ void CClientAPIManager::AllDataAreLoaded() {
     desk.entry_order->add_account(account());
     desk.close_positions->refresh_symbols();
     unknown_.ask();
+    compare_counts();
     if (scope_.record.connected()) {
       desk.accounts->record_connected(*this);
       general.play_sound("\\sounds\\Connect.wav");
     }
   }
   general.outdate_settings();
+}
+
+// A server that has taken more than this home knows of shows that the home is older.
+void CClientAPIManager::compare_counts() {
+  const auto known = client_->RequestsKnown();
+  const std::int64_t missing = known ? *known - gate_.ledger().left(sender()) : 0;
+  if (missing > 0) gate_.admission().home_lacks(sender(), account(), missing);
 }
 
 void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {

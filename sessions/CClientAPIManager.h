@@ -180,7 +180,9 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   void PendingOrdersLoaded() override { records_.orders_loaded(); }
   void PosFloatingPLChanged(const OpenPosition& position) override { records_.floating_changed(position); }
   void RequestTold(RequestId id, RequestState state, double lots) override { unknown_.told(id, state, lots); }
-  void ExecutionsTold(std::span<const Execution> fills, bool) override { unknown_.fills_told(fills); }
+  void ExecutionsTold(std::span<const Execution> fills, bool complete) override {
+    unknown_.fills_told(fills, complete);
+  }
   void ServerRouted(std::string_view address, std::string_view port) override {
     connection_.server_routed(address, port);
   }
@@ -204,6 +206,7 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   void SummariesChanged(const AccountSummary& summary) override { CLAPICLASS_SummariesChanged(summary); }
 
  private:
+  void compare_counts();
   void CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
     session_summary::changed(scope_, reported);
   }

@@ -100,10 +100,9 @@ void RequestGate::store_and_send(LedgerTicket about, AskedRequests& asked) {
   if (stored == Ledger::Stored::yes) {
     send_part(ticket);
   } else if (!late || !general_.in_handler()) {
-    drop(ticket, late ? NotSent::stored_late : NotSent::not_stored,
-         gate_texts::not_stored(
-             late ? fmt::format("the ledger took longer than {} ms to store it", store_within.count())
-                  : ledger_.fault()));
+    not_stored(ticket, late,
+               late ? fmt::format("the ledger took longer than {} ms to store it", store_within.count())
+                    : ledger_.fault());
   }
   if (!ticket.done()) {
     // The operator may act again before the other parts have left: what they close is under way.
@@ -114,6 +113,23 @@ void RequestGate::store_and_send(LedgerTicket about, AskedRequests& asked) {
   } else {
     asked = std::move(ticket.asked);  // whose room is used again
   }
+}
+
+void RequestGate::not_stored(WaitingTicket& ticket, bool late, const std::string& why) {
+  const auto& requests = ticket.asked.requests;
+  const bool ends_only = std::all_of(requests.begin(), requests.end(), [](const SentOrder* each) {
+    return each->kind == RequestKind::close || each->kind == RequestKind::cancel;
+  });
+  if (!ends_only || general_.in_handler())
+    return drop(ticket, late ? NotSent::stored_late : NotSent::not_stored, gate_texts::not_stored(why));
+  if (ticket.about.override_reason.empty()) ticket.about.override_reason = admission_.override_reason();
+  if (ticket.about.override_reason.empty())
+    return admission_.hold_not_stored(std::move(ticket.about), std::exchange(ticket.asked, {}));
+  general_.log(fmt::format("{} closes and cancels are sent without being stored ({}): {}", requests.size(),
+                           ticket.about.override_reason, why),
+               no_account);
+  ticket.unrecorded = true;
+  send_up_to(ticket, ticket.asked.size());
 }
 
 // What has no turn yet waits behind what has waited longer.
@@ -132,7 +148,7 @@ void RequestGate::send_up_to(WaitingTicket& ticket, std::size_t end) {
       return drop(ticket, refusal->why, ": " + refusal->text);
     if (waits_for_turn(request)) return;
     if (!request.has_left()) book_.note_goes(request, general_.clock.elapsed());
-    if (!send(request, ticket.asked.then[ticket.first]))
+    if (!send(request, ticket.asked.then[ticket.first], ticket.unrecorded))
       return drop(ticket, NotSent::not_noted, gate_texts::not_stored(ledger_.fault()));
   }
 }
@@ -191,9 +207,9 @@ void RequestGate::send_held(int number, std::string_view reason) {
     store_and_send(std::move(ticket->about), ticket->asked);
 }
 
-bool RequestGate::send(SentOrder& request, const Then& then) {
+bool RequestGate::send(SentOrder& request, const Then& then, bool unrecorded) {
   const bool open = ways_.open(request.sender);
-  if (open && !ledger_.leaves(request.id)) return false;
+  if (open && !ledger_.leaves(request.id) && !unrecorded) return false;
   request.last_word = general_.clock.elapsed();
   rate_.left(request.last_word);
   book_.note_code(request, ways_.call(request));
@@ -286,6 +302,7 @@ const SentOrder& RequestGate::send_stored(const SentOrder& as, Then&& then) {
   AskedRequests alone;
   alone.add(request, std::move(then));
   WaitingTicket ticket{.marks = {}, .since = request.last_word, .about = {}, .asked = std::move(alone)};
+  ticket.about.override_reason = admission_.override_reason();
   // Whoever asks for it again does so at the price of now.
   if (request.symbol != no_symbol) {
     const SymbolCollection::Entry& quoted = books_.symbols.entry(request.symbol);
@@ -293,72 +310,6 @@ const SentOrder& RequestGate::send_stored(const SentOrder& as, Then&& then) {
   }
   send_part(ticket);
   return request;
-}
-
-const SentOrder& RequestGate::market_order(Sender sender, Operation side, SymbolHandle symbol,
-                                           std::int32_t symbol_id, double amount, Then&& then) {
-  SentOrder& request = make(sender, RequestKind::open);
-  request.side = side;
-  request.symbol = symbol;
-  request.symbol_id = symbol_id;
-  request.amount = amount;
-  return ask(request, std::move(then));
-}
-
-const SentOrder& RequestGate::close(Sender sender, std::int64_t ticket, double amount, Then&& then) {
-  SentOrder& request = make(sender, RequestKind::close);
-  request.number = ticket;
-  request.amount = amount;
-  return ask(request, std::move(then));
-}
-
-const SentOrder& RequestGate::cancel(Sender sender, std::int64_t order, bool stops_of_position, Then&& then) {
-  SentOrder& request = make(sender, RequestKind::cancel);
-  request.number = order;
-  request.stops_of_position = stops_of_position;
-  return ask(request, std::move(then));
-}
-
-const SentOrder& RequestGate::place_entry(Sender sender, const EntryOrder& order, SymbolHandle symbol,
-                                          int round, Then&& then) {
-  const bool stop = order.kind == EntryKind::stop;
-  SentOrder& request = make(sender, RequestKind::entry);
-  request.side = buys(order.side) ? (stop ? operation::buy_stop : operation::buy)
-                                  : (stop ? operation::sell_stop : operation::sell);
-  request.symbol = symbol;
-  request.symbol_id = order.symbol_id;
-  request.amount = order.amount;
-  request.price = order.price;
-  request.stops = {order.stop_loss, order.take_profit, order.has_stop_loss, order.has_take_profit};
-  request.round = round;
-  return ask(request, std::move(then));
-}
-
-const SentOrder& RequestGate::update_entry(Sender sender, std::int64_t order, double price,
-                                           const StopPrices& stops, int round, Then&& then) {
-  SentOrder& request = make(sender, RequestKind::update);
-  request.number = order;
-  request.price = price;
-  request.stops = stops;
-  request.round = round;
-  return ask(request, std::move(then));
-}
-
-const SentOrder& RequestGate::set_stops(Sender sender, std::int64_t ticket, const StopPrices& stops,
-                                        std::int64_t stops_order, int round, Then&& then) {
-  SentOrder& request = make(sender, RequestKind::stops);
-  request.number = ticket;
-  request.stops_order = stops_order;
-  request.stops = stops;
-  request.round = round;
-  return ask(request, std::move(then));
-}
-
-const SentOrder& RequestGate::answer_requote(Sender sender, std::int64_t order, bool accept, Then&& then) {
-  SentOrder& request = make(sender, RequestKind::requote);
-  request.number = order;
-  request.accepts = accept;
-  return ask(request, std::move(then));
 }
 
 }  // namespace tutti

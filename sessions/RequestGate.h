@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "books/books.h"
 #include "books/request_book.h"
@@ -56,21 +57,13 @@ class RequestGate {
   // What `ask` asks for sends a request again that had no effect.
   void as_retry_of(RequestId request, const std::function<void()>& ask);
 
-  // Amounts in lots, `side` an operation:: code. `symbol_id` is the account's own number of the symbol.
-  const SentOrder& market_order(Sender sender, Operation side, SymbolHandle symbol, std::int32_t symbol_id,
-                                double amount, Then&& then = {});
-  const SentOrder& close(Sender sender, std::int64_t ticket, double amount, Then&& then = {});
-  // `stops_of_position`: the order is the SL/TP of a position, not an entry order.
-  const SentOrder& cancel(Sender sender, std::int64_t order, bool stops_of_position, Then&& then = {});
-  // `round`: the caller's own mark.
-  const SentOrder& place_entry(Sender sender, const EntryOrder& order, SymbolHandle symbol, int round,
-                               Then&& then = {});
-  const SentOrder& update_entry(Sender sender, std::int64_t order, double price, const StopPrices& stops,
-                                int round, Then&& then = {});
-  // `stops_order`: the SL/TP order that the position has already, 0 when none.
-  const SentOrder& set_stops(Sender sender, std::int64_t ticket, const StopPrices& stops,
-                             std::int64_t stops_order, int round, Then&& then = {});
-  const SentOrder& answer_requote(Sender sender, std::int64_t order, bool accept, Then&& then = {});
+  // Asks for one request; `fill` gives the new record what is asked for, amounts in lots.
+  template <class Fill>
+  const SentOrder& request(Sender sender, RequestKind kind, Then&& then, Fill&& fill) {
+    SentOrder& request = make(sender, kind);
+    fill(request);
+    return ask(request, std::move(then));
+  }
   // Sends what an earlier run stored and never sent, under the id it has; `as` is what it asks for, with the
   // sender and the account's number of the symbol of this run. Limits and the stop are judged as it leaves.
   const SentOrder& send_stored(const SentOrder& as, Then&& then = {});
@@ -95,9 +88,11 @@ class RequestGate {
   const SentOrder& ask(SentOrder& request, Then&& then);
   void submit(LedgerTicket about, AskedRequests& asked);
   void store_and_send(LedgerTicket about, AskedRequests& asked);
+  // Of what can't be stored, closes and cancels may go all the same, when the operator says so.
+  void not_stored(WaitingTicket& ticket, bool late, const std::string& why);
   void send_part(WaitingTicket& ticket);
   // False when nothing more may leave, for want of a note of it.
-  bool send(SentOrder& request, const Then& then);
+  bool send(SentOrder& request, const Then& then, bool unrecorded);
   // Stops at what waits for its turn.
   void send_up_to(WaitingTicket& ticket, std::size_t end);
   bool waits_for_turn(const SentOrder& request) const;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "sessions/gate_texts.h"
@@ -41,6 +42,9 @@ void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
     return;
   }
   TicketJudge::Breaches breaches = judge_.judge(asked.requests, about);
+  const NotSent why = breaches.empty() ? NotSent::home_lacks : NotSent::limit;
+  for (limits::Breach& each : lacking(asked))
+    breaches.push_back(each);
   const bool whole = !breaches.empty();
   const auto unknown_before = [this, unknown = judge_.unknown()](const SentOrder& each) {
     return judge_.unknown_before(each, unknown);
@@ -48,7 +52,7 @@ void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
   for (const SentOrder* each : asked.requests)
     if (unknown_before(*each)) breaches.push_back({Limit::unknown, each->account});
   if (!breaches.empty() && override_.empty()) {
-    if (whole) return hold(about, std::exchange(asked, {}), std::move(breaches), NotSent::limit);
+    if (whole) return hold(about, std::exchange(asked, {}), std::move(breaches), why);
     // The rest has the ticket's name.
     LedgerTicket of_held = about;
     of_held.key.clear();
@@ -56,6 +60,7 @@ void Admission::admit(LedgerTicket& about, AskedRequests& asked) {
     hold(std::move(of_held), asked.take_out(unknown_before), std::move(breaches), NotSent::unknown_before);
   } else if (!breaches.empty()) {
     about.override_reason = override_;
+    accept_missing(asked, breaches);
     general_.log(fmt::format("Sent over a limit ({}): {}", override_, limits::text(breaches.front())),
                  no_account);
   }
@@ -123,9 +128,57 @@ std::optional<HeldTicket> Admission::let_go(int number, std::string_view reason)
   general_.log(fmt::format("Sent over a limit ({}): {}", reason, out.text()), no_account);
   for (SentOrder* each : out.asked.requests)
     book_.note_goes(*each, general_.clock.elapsed());
+  accept_missing(out.asked, out.breaches);
   judge_.note(out.asked.requests);
   held_changed();
   return out;
+}
+
+void Admission::home_lacks(Sender sender, std::int32_t account, std::int64_t requests) {
+  const bool first = missing_.empty();
+  missing_[sender] = requests;
+  general_.log(
+      fmt::format("The server has taken {} requests of this terminal that its ledger lacks", requests),
+      account);
+  // One for all accounts.
+  if (first)
+    general_.queue_message(
+        "The server has taken requests of this terminal that its ledger lacks: the application folder was "
+        "put "
+        "back from a backup, or a copy of it is in use. What was filled since is read back. Compare "
+        "positions "
+        "with the broker's: the next order is held until you let it go");
+}
+
+TicketJudge::Breaches Admission::lacking(const AskedRequests& asked) const {
+  TicketJudge::Breaches out;
+  if (missing_.empty()) return out;
+  std::set<Sender> told;
+  for (const SentOrder* each : asked.requests) {
+    const auto at = missing_.find(each->sender);
+    if (at == missing_.end() || !TicketJudge::judged(*each) || !told.insert(each->sender).second) continue;
+    out.push_back({Limit::restored, each->account, static_cast<double>(at->second)});
+  }
+  return out;
+}
+
+void Admission::accept_missing(const AskedRequests& asked, const TicketJudge::Breaches& breaches) {
+  if (std::none_of(breaches.begin(), breaches.end(),
+                   [](const limits::Breach& each) { return each.limit == Limit::restored; }))
+    return;
+  for (const SentOrder* each : asked.requests) {
+    const auto at = missing_.find(each->sender);
+    if (at == missing_.end()) continue;
+    ledger_.accept_missing(each->sender, at->second);
+    missing_.erase(at);
+  }
+}
+
+void Admission::hold_not_stored(LedgerTicket about, AskedRequests asked) {
+  TicketJudge::Breaches breaches;
+  for (const SentOrder* each : asked.requests)
+    breaches.push_back({Limit::not_stored, each->account});
+  hold(std::move(about), std::move(asked), std::move(breaches), NotSent::not_stored);
 }
 
 void Admission::refuse(int number) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include <tsl/robin_map.h>
+
 #include "books/books.h"
 #include "books/request_book.h"
 #include "core/MGeneral.h"
@@ -52,6 +54,12 @@ class Admission {
   }
   // The same for as long as what it answers is held; with an empty one nothing goes so meanwhile.
   ForNow<std::string> override_for_now(std::string reason) { return {override_, std::move(reason)}; }
+  const std::string& override_reason() const { return override_; }
+  // The server has taken so many requests of this sender's account that the ledger lacks: what opens or
+  // changes something is held until the operator lets one such ticket go, which says that he knows.
+  void home_lacks(Sender sender, std::int32_t account, std::int64_t requests);
+  // Holds closes and cancels that can't be stored; let go, they are sent all the same.
+  void hold_not_stored(LedgerTicket about, AskedRequests asked);
   // What is held of a connection that is over is refused; while trading is stopped, all of it.
   void drop_held(Sender sender);
   bool look_at_stop();
@@ -63,6 +71,9 @@ class Admission {
   std::function<void()> on_held;
 
  private:
+  TicketJudge::Breaches lacking(const AskedRequests& asked) const;
+  // The operator has seen these.
+  void accept_missing(const AskedRequests& asked, const TicketJudge::Breaches& breaches);
   void quote_at_click(LedgerTicket& about, const SentOrder& request) const;
   bool passes_stop(const SentOrder& request, const LedgerTicket& about) const;
   void hold(LedgerTicket about, AskedRequests asked, TicketJudge::Breaches breaches, NotSent why);
@@ -81,6 +92,7 @@ class Admission {
   std::deque<HeldTicket> held_;
   int last_number_ = 0;
   std::string override_;
+  tsl::robin_map<Sender, std::int64_t> missing_;  // requests that the ledger lacks
   std::string key_;
   std::string plan_;
 };

@@ -16,7 +16,7 @@ struct Texts {
 };
 constexpr Texts table[] = {
     {NotSent::nothing, "", "", ""},
-    {NotSent::not_stored, "", "Not sent: it could not be stored", "not stored"},
+    {NotSent::not_stored, "Held: it could not be stored", "Not sent: it could not be stored", "not stored"},
     {NotSent::stored_late, "", "Not sent: it could not be stored", "late"},
     {NotSent::not_noted, "", "Not sent: it could not be stored", "not noted"},
     {NotSent::account_gone, "", "Not sent: the connection was lost", "account gone"},
@@ -24,6 +24,8 @@ constexpr Texts table[] = {
     {NotSent::limit, "Held: a limit is exceeded", "Not sent: a limit is exceeded", "limit"},
     {NotSent::unknown_before, "Held: what became of an earlier request is unknown",
      "Not sent: what became of an earlier request is unknown", "unknown"},
+    {NotSent::home_lacks, "Held: the ledger lacks earlier requests",
+     "Not sent: the ledger lacks earlier requests", "missing"},
     {NotSent::turn, "Waits for its turn", "Not sent: it waited for its turn for too long", "age"},
     {NotSent::market, "", "Not sent: the quote is too old, or the price has gone", "limit"},
 };

@@ -269,10 +269,12 @@ void SentRequests::note_asked(const SentOrder& request, LedgerState state) {
 
 // What the account does not list and the server calls no end of nobody knows the outcome of.
 bool SentRequests::told_of_gone(SentOrder& request, RequestState state, double lots, LedgerState stored) {
-  const bool over = state == RequestState::executed || state == RequestState::cancelled ||
-                    state == RequestState::partly_executed || state == RequestState::refused;
-  // One whose number nobody told is asked about with every login.
-  if (state == RequestState::working || state == RequestState::waiting) return false;
+  const bool over =
+      state == RequestState::executed || state == RequestState::cancelled || state == RequestState::refused;
+  // One whose number nobody told, or of which a part is alive, is asked about with every login.
+  if (state == RequestState::working || state == RequestState::waiting ||
+      state == RequestState::partly_executed)
+    return false;
   if (!over) {
     note_gone(request);
     return false;
@@ -297,6 +299,15 @@ void SentRequests::note_gone(SentOrder& request) {
     book_.settle(request, ResultCode::none, Outcome::unknown, 0, scope_.general.clock.elapsed());
     return note(request, "gone", LedgerEvidence::clock, nullptr);
   }
+  note_position(request);
+}
+
+void SentRequests::settle_by_position(SentOrder& request, std::int64_t ticket) {
+  take(&request, ResultCode::none, Outcome::accepted, ticket, 0);
+  note_position(request);
+}
+
+void SentRequests::note_position(const SentOrder& request) {
   ledger_.note({.request = request.id,
                 .sender = sender_,
                 .state = LedgerState::filled,

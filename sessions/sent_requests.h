@@ -64,6 +64,11 @@ class SentRequests {
   // What is known of such a one without asking: it has become the position of its number, or else nobody
   // knows.
   void note_gone(SentOrder& request);
+  // The position of this number shows that a market order was executed, and nobody else says so.
+  void settle_by_position(SentOrder& request, std::int64_t ticket);
+  const SentOrder* last(RequestKind kind, std::int64_t number) const {
+    return book_.last(sender_, kind, number);
+  }
   // A fill that was read back. Only the ledger is told, which knows whether it has it.
   void fill_told(const Execution& fill);
   // What prices set off: an entry order was executed, or is no more. Only the ledger is told.
@@ -88,6 +93,7 @@ class SentRequests {
   bool told_of(SentOrder* meant, Word word, const OrderReport* report);
   bool told_of_gone(SentOrder& request, RequestState state, double lots, LedgerState stored);
   void note_asked(const SentOrder& request, LedgerState state);
+  void note_position(const SentOrder& request);
   void note(const SentOrder& request, std::string_view reason, LedgerEvidence evidence,
             const OrderReport* report);
   SentOrder* unnamed_entry(std::int64_t order, ResultCode code);

@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "core/numbers.h"
 #include "core/texts.h"
+#include "core/time_texts.h"
 #include "sessions/result_texts.h"
 
 namespace tutti {
@@ -79,7 +81,7 @@ void SessionUnknown::tell_row(const SentOrder& request, std::string_view text,
 void SessionUnknown::ask() {
   asked_ = 0;
   for (SentOrder* request : sent_.unknown())
-    ask(*request);
+    if (!ask(*request)) look_at_positions(*request);
   for (SentOrder* request : sent_.gone())
     if (!ask(*request)) sent_.note_gone(*request);
   // A home that has stored nothing knows of nothing that it could lack. Clocks differ, and what comes twice
@@ -95,19 +97,68 @@ void SessionUnknown::ask() {
 bool SessionUnknown::ask(SentOrder& request) {
   // Of an earlier run the symbol's name is known; which one that is, since the symbols are there.
   if (request.symbol == no_symbol) {
-    const auto& earlier = request.working ? ledger_.working() : ledger_.unknown();
-    const auto at = std::find_if(earlier.begin(), earlier.end(),
-                                 [&](const LedgerUnknown& each) { return each.id == request.id; });
-    if (at != earlier.end()) request.symbol = scope_.symbols.find(at->symbol);
+    if (const LedgerUnknown* known = earlier(request)) request.symbol = scope_.symbols.find(known->symbol);
   }
   if (scope_.client.AskRequest(request.id, request.era) != request::taken) return false;
   ++asked_;
   return true;
 }
 
+const LedgerUnknown* SessionUnknown::earlier(const SentOrder& request) const {
+  const auto& all = request.working ? ledger_.working() : ledger_.unknown();
+  const auto at =
+      std::find_if(all.begin(), all.end(), [&](const LedgerUnknown& each) { return each.id == request.id; });
+  return at == all.end() ? nullptr : &*at;
+}
+
+// A number that another request was given, in this run or an earlier one.
+bool SessionUnknown::is_of_another(std::int64_t ticket, const SentOrder& request) const {
+  for (const RequestKind kind : {RequestKind::open, RequestKind::entry})
+    if (sent_.last(kind, ticket) != nullptr) return true;
+  const LedgerUnknown* known = earlier(request);
+  return known != nullptr && std::binary_search(known->taken_since.begin(), known->taken_since.end(), ticket);
+}
+
+void SessionUnknown::look_at_positions(SentOrder& request) {
+  if (request.kind != RequestKind::open || request.outcome != SentOrder::Outcome::unknown ||
+      request.symbol == no_symbol || request.era != scope_.client.Era())
+    return;
+  // Whatever else is under way may be the position's request as well.
+  if (!sent_.open().empty()) return;
+  const auto like = [&](const SentOrder& each) {
+    return each.kind == RequestKind::open && buys(each.side) == buys(request.side) &&
+           (each.symbol == request.symbol || each.symbol == no_symbol) &&
+           std::fabs(each.amount - request.amount) <= RequestBook::same_lots;
+  };
+  const auto unknown = sent_.unknown();
+  if (std::count_if(unknown.begin(), unknown.end(), [&](const SentOrder* each) { return like(*each); }) != 1)
+    return;
+  const LedgerUnknown* known = earlier(request);
+  const std::int64_t before = known != nullptr ? known->greatest_before : request.greatest_before;
+  const std::string& symbol = scope_.symbols.entry(request.symbol).name;
+  std::int64_t found = 0;
+  for (int place = 1; place <= scope_.client.OpenPositionCount(); ++place) {
+    const OpenPosition* each = scope_.client.OpenPositionItem(place);
+    if (each == nullptr || each->ticket <= before || each->symbol != symbol ||
+        buys(each->side) != buys(request.side) ||
+        std::fabs(each->amount - request.amount) > RequestBook::same_lots ||
+        is_of_another(each->ticket, request))
+      continue;
+    if (found != 0) return;
+    found = each->ticket;
+  }
+  if (found == 0) return;
+  sent_.settle_by_position(request, found);
+  scope_.log(request_words(request, scope_.symbols) + " was unknown: position #" + std::to_string(found) +
+             " says that it was executed");
+  this->known(request);
+}
+
 void SessionUnknown::told(RequestId id, RequestState state, double lots) {
   asked_ = std::max(asked_ - 1, 0);
   SentOrder* request = sent_.named(id);
+  if (request != nullptr && state == RequestState::not_told && !request->working)
+    return look_at_positions(*request);
   const bool worked = request != nullptr && request->working;
   if (request == nullptr || !sent_.told(*request, state, lots)) return;
   scope_.log(request_words(*request, scope_.symbols) +
@@ -122,10 +173,21 @@ void SessionUnknown::read_fills(std::chrono::milliseconds of_late) {
   if (scope_.client.AskExecutions(scope_.general.clock.now() - of_late) == request::taken) ++asked_;
 }
 
-void SessionUnknown::fills_told(std::span<const Execution> fills) {
+void SessionUnknown::fills_told(std::span<const Execution> fills, bool complete) {
   asked_ = std::max(asked_ - 1, 0);
   for (const Execution& fill : fills)
     sent_.fill_told(fill);
+  // It may lack only what was asked for to be sure.
+  if (!complete && !exactly_) {
+    exactly_ = scope_.client.AskExecutions(told_until_) == request::taken;
+    if (exactly_) ++asked_;
+    return;
+  }
+  if (!complete)
+    scope_.log("The server keeps no fills from " + full_time_text(told_until_) +
+               " on any more: what was filled meanwhile may be missing here, compare the positions with its "
+               "statement");
+  exactly_ = false;
   // Only now: a login that failed, or was cut off, has read nothing back.
   told_until_ = scope_.general.clock.now();
 }

@@ -38,13 +38,20 @@ class SessionUnknown {
   void told(RequestId id, RequestState state, double lots);
   // Reads back what was filled of late and brings no report with it. What comes twice is kept once.
   void read_fills(std::chrono::milliseconds of_late);
-  void fills_told(std::span<const Execution> fills);
+  // `complete`: the broker keeps all that was asked for.
+  void fills_told(std::span<const Execution> fills, bool complete);
   // How many of these answers are still to come.
   int asked() const { return asked_; }
 
  private:
   // False where the broker can't be asked.
   bool ask(SentOrder& request);
+  // Who can't be asked may show all the same what became of a market order: by its position, where that
+  // leaves no doubt.
+  void look_at_positions(SentOrder& request);
+  bool is_of_another(std::int64_t ticket, const SentOrder& request) const;
+  // nullptr when nobody knew of it before this run.
+  const LedgerUnknown* earlier(const SentOrder& request) const;
   void tell_row(const SentOrder& request, std::string_view text, std::string_view text_of_cancel);
 
   SessionScope& scope_;
@@ -52,6 +59,7 @@ class SessionUnknown {
   const Ledger& ledger_;
   int asked_ = 0;
   TimePoint told_until_;  // what was filled before has been told
+  bool exactly_ = false;  // it was asked for what has come since, and for nothing before
 };
 
 }  // namespace tutti

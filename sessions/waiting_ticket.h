@@ -21,7 +21,8 @@ struct WaitingTicket {
   std::chrono::milliseconds since{0};
   LedgerTicket about{};
   AskedRequests asked;
-  std::size_t first = 0;  // of the part that is next; those before it have left
+  bool unrecorded = false;  // the operator has it sent although it can't be stored
+  std::size_t first = 0;    // of the part that is next; those before it have left
 
   static std::size_t step(std::size_t all) { return all > whole ? part : all; }
   Ledger::Mark mark() const { return marks[first / step(asked.size())]; }

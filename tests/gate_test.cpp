@@ -220,6 +220,38 @@ TEST_F(Gate, HoldsAWholeTicketUntilTheOperatorSaysWhatBecomesOfIt) {
   EXPECT_EQ(rig.sessions.unknown([](const SentOrder&) { return true; }), 6);
 }
 
+// Nothing opens what can't be stored; what ends something may go all the same, by the second key.
+TEST_F(Gate, ClosesAndCancelsGoUnstoredByTheSecondKeyAlone) {
+  rig.ledger.says = Ledger::Stored::no;
+  rig.ledger.why = "disk full";
+  rig.ledger.may_leave = 0;
+  for (const WayOut& way : ways_out(rig.books.symbols.find("EURUSD"))) {
+    SCOPED_TRACE(way.name);
+    rig.clock.advance(61s);
+    quote();
+    client.sink->SymbolPricesChanged(client.symbols[0]);
+    rig.take();
+    const std::size_t left = client.ids.size();
+    const SentOrder& sent = way.send(session, 0.5);
+    const bool ends = sent.kind == RequestKind::close || sent.kind == RequestKind::cancel;
+    EXPECT_EQ(client.ids.size(), left);
+    EXPECT_EQ(sent.outcome, ends ? Outcome::held : Outcome::dropped);
+    ASSERT_EQ(admission.held().size(), ends ? 1U : 0U);
+    if (!ends) continue;
+    EXPECT_EQ(admission.held()[0].text(),
+              "account 81: the ledger can't store it, so nothing would know of it after a crash");
+    rig.take();
+    rig.sessions.send_held(admission.held()[0].number, "seen");
+    EXPECT_EQ(client.ids.size() - left, 1U);
+    EXPECT_EQ(sent.outcome, Outcome::waiting);
+    EXPECT_EQ(
+        rig.take(),
+        sorted({"journal -1: 1 closes and cancels are sent without being stored (seen): disk full",
+                "journal -1: Sent over a limit (seen): account 81: the ledger can't store it, so nothing "
+                "would know of it after a crash"}));
+  }
+}
+
 TEST_F(Gate, LeavesOutAnAccountThatHasAnUnknownRequestOfTheSymbol) {
   CClientAPIManager& other = rig.add(82);
   rig.client(other).symbols = client.symbols;

@@ -195,6 +195,67 @@ TEST_F(Ledgers, AskAboutWhatMayHaveLeftMeanwhile) {
       Texts{"UNKNOWN|crash|clock|3"});
 }
 
+// What has no name and never left is sent again by the retry of its ticket, which leaves nothing behind under
+// the old id; and so is what such a retry left behind.
+TEST_F(Ledgers, SendAgainWhatWasLeftBehind) {
+  const auto leave_behind = [&](const std::string& words) {
+    killed([&] {
+      rig.on_pause = [&] {
+        const std::string left = rig.home.read("left.log");
+        if (std::count(left.begin(), left.end(), '\n') == 4) ::_exit(0);
+      };
+      rig.run(words);
+      ::_exit(1);
+    });
+    // As if the kill had come before any of them left: neither the server nor this home heard of it.
+    const std::string left = rig.home.read("left.log");
+    rig.home.write("left.log", left.substr(0, left.find('\n') + 1));
+    for (const auto& file : std::filesystem::directory_iterator{rig.home.path()})
+      if (file.path().filename().string().starts_with("dealer-")) std::filesystem::remove(file.path());
+    rig.clock.advance(60s);
+  };
+  leave_behind(order);
+  EXPECT_EQ(rig.run("positions"), 0) << rig.err;
+  EXPECT_EQ(ask(by_ticket), Texts{"1|open|EURUSD|buy|3|STORED"});
+  leave_behind("--yes retry 1");
+  EXPECT_EQ(rig.run("--yes retry 2"), 0) << rig.out << rig.err;
+  EXPECT_EQ(ask(by_ticket), (Texts{"1|open|EURUSD|buy|3|DROPPED", "2|open|EURUSD|buy|3|DROPPED",
+                                   "3|open|EURUSD|buy|3|FILLED"}));
+  EXPECT_EQ(rig.run("--yes retry 1"), 0);
+  EXPECT_EQ(rig.run("--yes retry 2"), 0);
+  EXPECT_EQ(ask("SELECT count(*) FROM request"), Texts{"9"});
+  EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
+}
+
+// A home put back from a backup lacks what the server has taken from it since: trading waits for the
+// operator, who is asked once.
+TEST_F(Ledgers, ThatWerePutBackFromABackupSendNothingUnseen) {
+  EXPECT_EQ(rig.run(order), 0) << rig.err;
+  const std::filesystem::path home = rig.home.path();
+  const std::filesystem::path backup = home / "backup.db";
+  EXPECT_EQ(rig.run("ledger backup " + backup.string()), 0) << rig.err;
+  EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.4 --rule equal --accounts 500101,500102"), 0) << rig.err;
+  for (const char* name : {"ledger.db-wal", "ledger.db-shm", "left.log"})
+    std::filesystem::remove(home / name);
+  std::filesystem::rename(backup, home / "ledger.db");
+  rig.clock.advance(60s);
+  EXPECT_EQ(rig.run(order), 1);
+  EXPECT_NE(rig.out.find("Not sent: the ledger lacks earlier requests"), std::string::npos) << rig.out;
+  EXPECT_NE(rig.err.find("account 500101: the server has taken 1 requests that this ledger lacks"),
+            std::string::npos)
+      << rig.err;
+  // What was filled meanwhile is read back, as nobody's.
+  EXPECT_EQ(ask("SELECT count(*), sum(lots) FROM fill WHERE request IS NULL"), Texts{"2|4"})
+      << "0.2 lots each";
+  // Who is missing nothing, and what ends something, waits for nobody.
+  EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.1 --rule equal --accounts 500103"), 0) << rig.err;
+  EXPECT_EQ(rig.run("--yes close --accounts 500102 --symbol EURUSD"), 0) << rig.out << rig.err;
+  EXPECT_EQ(rig.run(order + " --override seen"), 0) << rig.out << rig.err;
+  EXPECT_EQ(rig.run(order), 0) << rig.out << rig.err;
+  EXPECT_EQ(ask("SELECT account, requests FROM missing_accepted ORDER BY 1"), (Texts{"1|1", "2|1"}));
+  EXPECT_EQ(rig.run("ledger check"), 0) << rig.out;
+}
+
 // Whatever is lost on one side is found by who compares it with the other.
 TEST_F(Ledgers, AreComparedWithWhatTheServerKeeps) {
   EXPECT_EQ(rig.run(order), 0) << rig.err;

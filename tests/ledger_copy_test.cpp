@@ -185,7 +185,7 @@ TEST_F(LedgerCopies, OfARestoredHomeBeginAnew) {
       std::filesystem::remove(home / file);
     std::filesystem::copy(backup, home / "ledger.db");
     if (gone_on) {
-      EXPECT_EQ(rig.run(order + "0.8"), 0);
+      EXPECT_EQ(rig.run(order + "0.8 --override seen"), 0);
       EXPECT_EQ(rig.run(order + "1"), 0);
     }
     EXPECT_EQ(push(), 1);

@@ -271,6 +271,82 @@ TEST_F(Requests, TheBrokerIsAskedAboutWhatIsUnknown) {
   }
 }
 
+// Of a broker that can't be asked the positions settle what they leave no doubt about, and nothing else.
+struct Seen {
+  const char* name;
+  std::vector<OpenPosition> positions;
+  bool settled;
+  int orders = 1;          // that are unknown, all alike
+  bool in_flight = false;  // another one has no answer yet
+};
+
+TEST_F(Requests, APositionSettlesWhatNobodyCanBeAskedAbout) {
+  const auto position = [](std::int64_t ticket, double lots, Operation side = operation::buy,
+                           const char* symbol = "EURUSD") {
+    return OpenPosition{.ticket = ticket, .account = 81, .side = side, .symbol = symbol, .amount = lots};
+  };
+  ScriptedClient& client = rig.client(one);
+  client.info = AccountInfo{};
+  client.ask_code = request::silent;
+  rig.sessions.admission().override_limits("one after another");
+  Seen cases[] = {
+      {"its position", {position(20, 0.5)}, true},
+      {"one from before", {position(9, 0.5)}, false},
+      {"other lots", {position(20, 0.4)}, false},
+      {"the other side", {position(20, 0.5, operation::sell)}, false},
+      {"another symbol", {position(20, 0.5, operation::buy, "XAUUSD")}, false},
+      {"two of them", {position(20, 0.5), position(21, 0.5)}, false},
+      {"one of other lots beside it", {position(20, 0.5), position(21, 0.1)}, true},
+      {"nothing", {}, false},
+      {"two unknown", {position(20, 0.5)}, false, 2},
+      {"another in flight", {position(20, 0.5)}, false, 1, true},
+      {"an answered one's", {position(30, 0.5)}, false},
+  };
+  std::int64_t base = 0;  // numbers of earlier cases are taken
+  for (Seen& each : cases) {
+    SCOPED_TRACE(each.name);
+    base += 100;
+    rig.during([&] {
+      client.positions = {position(base + 9, 0.5)};
+      sink(one).NewOpenPosition(client.positions[0]);
+    });
+    std::vector<const SentOrder*> orders;
+    for (int i = 0; i < each.orders; ++i)
+      orders.push_back(&buy(one));
+    OrderReport report{.number = base + 30, .operation = operation::buy, .symbol = "EURUSD"};
+    report.amount = 0.5;
+    report.id = buy(one).id;
+    rig.during([&] { sink(one).NewOrderResult(report); });
+    wait();
+    if (each.in_flight) orders.push_back(&one.close_position(base + 9, 0.1));
+    for (OpenPosition& there : each.positions)
+      there.ticket += base;
+    client.positions = each.positions;
+    const std::size_t events = rig.ledger.events.size();
+    const Heard heard = rig.during([&] { sink(one).AllDataAreLoaded(); });
+    const std::string line = "journal 81: Order BUY 0.5 EURUSD was unknown: position #" +
+                             std::to_string(base + 20) + " says that it was executed";
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), line), each.settled ? 1 : 0);
+    EXPECT_EQ(orders[0]->outcome, each.settled ? Outcome::accepted : Outcome::unknown);
+    EXPECT_EQ(rig.ledger.events.size() - events, each.settled ? 1U : 0U);
+    if (each.settled) {
+      EXPECT_EQ(rig.ledger.events.back().evidence, LedgerEvidence::positions);
+      EXPECT_EQ(rig.ledger.events.back().order, base + 20);
+      EXPECT_EQ(rig.ledger.events.back().filled, 0.0) << "the fill comes with its report";
+    }
+    // For the next case.
+    for (const SentOrder* order : orders) {
+      rig.sessions.settle_by_hand(order->id, false, "seen");
+      OrderReport refused;
+      refused.number = base + 9;
+      refused.result = result::hedging_not_allowed;
+      refused.id = order->id;
+      if (order->kind == RequestKind::close) rig.during([&] { sink(one).CloseOrderResult(refused); });
+    }
+    rig.take();
+  }
+}
+
 // An entry order that worked and that the account lists no more at its next login: executed, cancelled, or
 // nobody knows.
 TEST_F(Requests, AnEntryOrderThatIsGoneIsAskedFor) {
