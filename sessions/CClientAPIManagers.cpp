@@ -5,6 +5,7 @@
 
 #include "core/numbers.h"
 #include "sessions/gate_texts.h"
+#include "sessions/result_texts.h"
 
 namespace tutti {
 
@@ -235,9 +236,7 @@ bool CClientAPIManagers::settle_by_hand(RequestId request, bool executed, std::s
   if (of_entry_window(meant->kind)) desk_.entry_order->request_settled(*meant, meant->account);
   for (const auto& session : sessions_)
     if (session->sender() == meant->sender) session->known(*meant);
-  general_.log("Request " + std::to_string(request) + " was unknown: settled by hand as " +
-                   (executed ? "executed" : "not executed") + ", " + std::string{note},
-               meant->account);
+  general_.log(result_texts::by_hand_line(request, executed, note), meant->account);
   return true;
 }
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "core/numbers.h"
+
 namespace tutti::result_texts {
 namespace {
 
@@ -197,6 +199,48 @@ std::string_view type_word(Operation operation) {
     default:
       return " ";
   }
+}
+
+std::string market_details(Operation side, double lots, std::string_view symbol) {
+  return fmt::format("[{} {} {}]", buys(side) ? "BUY" : "SELL", number_text(lots), symbol);
+}
+
+std::string entry_details(Operation side, double lots, std::string_view symbol) {
+  return fmt::format("[{} {} {}]", buy_or_sell(side), number_text(lots), symbol);
+}
+
+std::string accepted_line(std::int64_t order, std::string_view details) {
+  return fmt::format("Order #{}{}{} has been accepted", order, details.empty() ? "" : " ", details);
+}
+
+std::string executed_line(std::int64_t order, std::string_view details) {
+  return fmt::format("Entry Order {}{}{} has been executed", order, details.empty() ? "" : " ", details);
+}
+
+std::string request_words(RequestKind kind, Operation side, double lots, std::string_view symbol,
+                          double price, std::int64_t number) {
+  if (kind != RequestKind::open && kind != RequestKind::entry)
+    return fmt::format("The request for #{}", number);
+  const std::string what = fmt::format("{} {}{}{}", buys(side) ? "BUY" : "SELL", number_text(lots),
+                                       symbol.empty() ? "" : " ", symbol);
+  if (kind == RequestKind::open) return "Order " + what;
+  return fmt::format("Entry order {} at {}", what, number_text(price));
+}
+
+std::string unknown_line(const std::string& words, std::int32_t account) {
+  return fmt::format(
+      "{} was sent, but no result came: the outcome is unknown, check the positions of account {}", words,
+      account);
+}
+
+std::string told_line(const std::string& words, bool worked, RequestState state) {
+  return fmt::format("{}{}: the server says that it {}", words, worked ? " is gone" : " was unknown",
+                     told(state));
+}
+
+std::string by_hand_line(RequestId request, bool executed, std::string_view note) {
+  return fmt::format("Request {} was unknown: settled by hand as {}, {}", request,
+                     executed ? "executed" : "not executed", note);
 }
 
 std::string update_entry_line(std::int64_t order, ResultCode code) {

@@ -98,7 +98,9 @@ SentOrder* SentRequests::entry(std::int64_t order, ResultCode code, RequestId id
 }
 
 bool SentRequests::settle_stops(std::int64_t order, ResultCode code, RequestId id) {
-  const bool settled = settle(id != 0 ? named(id, RequestKind::stops) : unnamed_stops(order, code), code, id);
+  SentOrder* meant = id != 0 ? named(id, RequestKind::stops) : unnamed_stops(order, code);
+  const Word word = take(meant, code, SentOrder::outcome_of(code), 0, id);
+  const bool settled = told_of(meant, word, nullptr, order);
   if (settled) stops_told_.insert(order);
   return settled;
 }
@@ -166,13 +168,13 @@ bool SentRequests::settle(SentOrder* meant, ResultCode code, Outcome outcome, st
 }
 
 // Into the ledger, and to whoever has to be told at once.
-bool SentRequests::told_of(SentOrder* meant, Word word, const OrderReport* report) {
+bool SentRequests::told_of(SentOrder* meant, Word word, const OrderReport* report, std::int64_t order) {
   if (word == Word::nothing) return false;
   if (word == Word::news) {
-    note(*meant, {}, LedgerEvidence::answer, report);
+    note(*meant, {}, LedgerEvidence::answer, report, order);
     return true;
   }
-  note(*meant, ledger_conflict, LedgerEvidence::answer, report);
+  note(*meant, ledger_conflict, LedgerEvidence::answer, report, order);
   if (on_conflict) on_conflict(*meant);
   return false;
 }
@@ -207,13 +209,13 @@ void SentRequests::give_up(SentOrder& request, std::string_view reason) {
 }
 
 void SentRequests::note(const SentOrder& request, std::string_view reason, LedgerEvidence evidence,
-                        const OrderReport* report) {
+                        const OrderReport* report, std::int64_t order) {
   LedgerEvent event{.request = request.id,
                     .sender = sender_,
                     .state = state_of(request),
                     .evidence = evidence,
                     .reason = std::string{reason},
-                    .order = request.number};
+                    .order = order != 0 ? order : request.number};
   if (request.outcome == Outcome::refused) {
     event.code = format_as(request.result_code);
     if (reason.empty()) event.reason = "result code";

@@ -90,12 +90,13 @@ class SentRequests {
   // What a word about a request comes to.
   enum class Word : std::uint8_t { nothing, news, contradiction };
   Word take(SentOrder* meant, ResultCode code, SentOrder::Outcome outcome, std::int64_t order, RequestId id);
-  bool told_of(SentOrder* meant, Word word, const OrderReport* report);
+  // `order`: as the answer names it where that is not the request's own number, else 0.
+  bool told_of(SentOrder* meant, Word word, const OrderReport* report, std::int64_t order = 0);
   bool told_of_gone(SentOrder& request, RequestState state, double lots, LedgerState stored);
   void note_asked(const SentOrder& request, LedgerState state);
   void note_position(const SentOrder& request);
   void note(const SentOrder& request, std::string_view reason, LedgerEvidence evidence,
-            const OrderReport* report);
+            const OrderReport* report, std::int64_t order = 0);
   SentOrder* unnamed_entry(std::int64_t order, ResultCode code);
   SentOrder* unnamed_stops(std::int64_t order, ResultCode code);
 

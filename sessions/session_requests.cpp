@@ -13,10 +13,9 @@ constexpr std::string_view order_ok = "\\sounds\\OrderOk.wav";
 constexpr std::string_view no_equity = "\\sounds\\NoEquity.wav";
 constexpr std::string_view alert = "\\sounds\\Alert.wav";
 
-// "Order #12 [BUY 0.5 EURUSD] has been accepted"
 std::string accepted_text(const OrderReport& report) {
-  return "Order #" + std::to_string(report.number) + " [" + (buys(report.operation) ? "BUY" : "SELL") + " " +
-         number_text(report.amount) + " " + report.symbol + "] has been accepted";
+  return result_texts::accepted_line(
+      report.number, result_texts::market_details(report.operation, report.amount, report.symbol));
 }
 
 PendingOrder in_dealing(const OrderReport& report, std::int32_t account, OrderKind kind, TimePoint now) {
@@ -194,9 +193,8 @@ void SessionRequests::entry_executed(const OrderReport& report) {
                  report.number);
   sent_.entry_executed(report);
   scope_.orders.remove(report.number, scope_.account);
-  scope_.log("Entry Order " + std::to_string(report.number) + " [" +
-             std::string{result_texts::buy_or_sell(report.operation)} + " " + number_text(report.amount) +
-             " " + report.symbol + "] " + "has been executed");
+  scope_.log(result_texts::executed_line(
+      report.number, result_texts::entry_details(report.operation, report.amount, report.symbol)));
 }
 
 void SessionRequests::entry_cancelled(std::int64_t order, std::int32_t account, std::string_view why) {

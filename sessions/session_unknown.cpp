@@ -6,26 +6,16 @@
 #include <cmath>
 #include <string>
 
-#include "core/numbers.h"
-#include "core/texts.h"
 #include "core/time_texts.h"
 #include "sessions/result_texts.h"
 
 namespace tutti {
 namespace {
 
-// "BUY 0.5 EURUSD"
-std::string words(const SentOrder& order, const SymbolCollection& symbols) {
-  return (buys(order.side) ? "BUY " : "SELL ") + number_text(order.amount) + " " +
-         (order.symbol == no_symbol ? "" : symbols.entry(order.symbol).name);
-}
-
-// "Order BUY 0.5 EURUSD", "The request for #12"
 std::string request_words(const SentOrder& request, const SymbolCollection& symbols) {
-  if (request.kind == RequestKind::open) return "Order " + std::string{trim(words(request, symbols))};
-  if (request.kind == RequestKind::entry)
-    return "Entry order " + std::string{trim(words(request, symbols))} + " at " + number_text(request.price);
-  return "The request for #" + std::to_string(request.number);
+  return result_texts::request_words(request.kind, request.side, request.amount,
+                                     request.symbol == no_symbol ? "" : symbols.entry(request.symbol).name,
+                                     request.price, request.number);
 }
 
 }  // namespace
@@ -35,8 +25,7 @@ void SessionUnknown::give_up(SentOrder& request, std::string_view reason) {
   const std::string what = request_words(request, scope_.symbols);
   sent_.give_up(request, reason);
   if (request.kind == RequestKind::requote) return;  // the order that it is for is told of
-  scope_.log(what + " was sent, but no result came: the outcome is unknown, check the positions of account " +
-             std::to_string(scope_.account));
+  scope_.log(result_texts::unknown_line(what, scope_.account));
 }
 
 void SessionUnknown::give_up_all(std::string_view reason) {
@@ -161,9 +150,7 @@ void SessionUnknown::told(RequestId id, RequestState state, double lots) {
     return look_at_positions(*request);
   const bool worked = request != nullptr && request->working;
   if (request == nullptr || !sent_.told(*request, state, lots)) return;
-  scope_.log(request_words(*request, scope_.symbols) +
-             (worked ? " is gone: the server says that it " : " was unknown: the server says that it ") +
-             std::string{result_texts::told(state)});
+  scope_.log(result_texts::told_line(request_words(*request, scope_.symbols), worked, state));
   if (!worked) known(*request);
   // At what price, its answer would have told.
   if (lots > 0.0) read_fills(std::chrono::hours{24});
