@@ -237,6 +237,15 @@ TEST_F(JournalTest, ClearFileForgetsTheHistoryOnShow) {
   EXPECT_FALSE(std::filesystem::exists(terminal.home->path() / "History/JN7.his"));
   journal->vID(-1);
   EXPECT_EQ(terminal.journal(), (Texts{"7 one of 7", "8 one of 8"}));
+  EXPECT_EQ(file(7), "");
+  EXPECT_EQ(file(-1), "2026-01-01 00:00:00*,%$The history of account 7 was cleared\n");
+  EXPECT_EQ(CJournal::cleared_account("The history of account 7 was cleared"), 7);
+  EXPECT_EQ(CJournal::cleared_account("The history was cleared"), std::nullopt);
+  log("general", -1);
+  journal->ClearFile();
+  EXPECT_TRUE(terminal.journal().empty());
+  EXPECT_EQ(file(-1), "2026-01-01 00:00:00*,%$The history was cleared\n");
+  EXPECT_NE(file(8), "");
   EXPECT_EQ(journal->FileName(12345), terminal.home->path().string() + "\\History\\JN12345.his");
 }
 

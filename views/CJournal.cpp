@@ -1,25 +1,15 @@
 #include "views/CJournal.h"
 
-#include <algorithm>
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "core/line_reader.h"
+#include "core/numbers.h"
 #include "core/time_texts.h"
+#include "views/history_line.h"
 
 namespace tutti {
-
-namespace {
-
-constexpr std::string_view separator = "*,%$";
-
-void take_apart(std::string_view line, const CJournal::Take& take) {
-  const auto end = line.find(separator);
-  if (end == std::string_view::npos) return take(line, "");
-  const std::string_view rest = line.substr(end + separator.size());
-  take(line.substr(0, end), rest.substr(0, rest.find(separator)));
-}
-
-}  // namespace
 
 CJournal::CJournal(const Paths& paths, const Clock& clock, frmJournal& window)
     : paths_(paths), clock_(clock), window_(window), files_(paths) {}
@@ -39,6 +29,18 @@ void CJournal::Add(std::string_view message, std::int32_t id) {
   append(time, message, id);
 }
 
+void CJournal::note(std::string_view message) {
+  append(now_text(clock_), message, no_account);
+}
+
+std::optional<std::int32_t> CJournal::cleared_account(std::string_view message) {
+  if (!message.starts_with(cleared_account_begin) || !message.ends_with(cleared_account_end))
+    return std::nullopt;
+  message.remove_prefix(cleared_account_begin.size());
+  message.remove_suffix(cleared_account_end.size());
+  return read_integer(message);
+}
+
 void CJournal::addToListView(std::string_view time, std::string_view message, std::int32_t id) {
   if (id != id_ && id >= 0) return;
   Row& row = *window_.lvwJournal.insert(0);
@@ -47,15 +49,7 @@ void CJournal::addToListView(std::string_view time, std::string_view message, st
 }
 
 void CJournal::append(std::string_view time, std::string_view message, std::int32_t id) {
-  std::string line{time};
-  line += separator;
-  const std::size_t behind_time = line.size();
-  line += message;
-  // One entry is one line of the file, and has one separator.
-  std::replace(line.begin(), line.end(), '\n', ' ');
-  for (auto at = line.find(separator, behind_time); at != std::string::npos; at = line.find(separator, at))
-    line.insert(at + 2, 1, ' ');
-  files_.add(id, line);
+  files_.add(id, history_line::of(time, message));
 }
 
 void CJournal::check(const tl::expected<void, FileError>& written) {
@@ -73,7 +67,7 @@ tl::expected<void, FileError> CJournal::read(std::int32_t id, const Take& take) 
   if (!there) return tl::unexpected(there.error());
   if (!*there) return {};
   return read_lines(paths_.file(name), [&take](std::string_view line) {
-    if (!line.empty()) take_apart(line, take);
+    if (!line.empty()) history_line::take_apart(line, take);
   });
 }
 
@@ -110,7 +104,7 @@ void CJournal::show_older(std::size_t bytes) {
     row.set_text(frmJournal::message, message);
   };
   const auto read = older_->read(bytes, [&](std::string_view line) {
-    if (!line.empty()) take_apart(line, add);
+    if (!line.empty()) history_line::take_apart(line, add);
   });
   if (read) return;
   add(now_text(clock_), "What is older can't be read: " + read.error().text());
@@ -123,7 +117,10 @@ void CJournal::show_all() {
 }
 
 void CJournal::ClearFile() {
-  (void)files_.remove(id_);
+  // Who compares the histories with the ledger must know why lines are missing.
+  if (files_.remove(id_))
+    note(id_ == no_account ? std::string{cleared_text}
+                           : fmt::format("{}{}{}", cleared_account_begin, id_, cleared_account_end));
   older_.reset();
   ClearList();
 }

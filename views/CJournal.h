@@ -14,6 +14,7 @@
 #include "core/text_file.h"
 #include "views/frmJournal.h"
 #include "views/history_files.h"
+#include "views/history_line.h"
 
 namespace tutti {
 
@@ -36,10 +37,12 @@ class CJournal final : public Journal, public Displayable {
   void close() { check(files_.close_all()); }
   // Line of `id` with the time of this moment, and a row when it is the one on show.
   void Add(std::string_view message, std::int32_t id);
+  // A line of the history of what belongs to no account, and no row.
+  void note(std::string_view message);
   void addToListView(std::string_view time, std::string_view message, std::int32_t id);
   // The entries of a history, oldest first, whatever is on show; none when there is no file. A message that
   // holds the separator is cut there.
-  using Take = std::function<void(std::string_view time, std::string_view message)>;
+  using Take = history_line::Take;
   tl::expected<void, FileError> read(std::int32_t id, const Take& take);
   // Runs when a line can't be written for the first time: from then on the files are not complete.
   std::function<void(std::string_view text)> on_incomplete;
@@ -51,14 +54,19 @@ class CJournal final : public Journal, public Displayable {
   bool has_older() const { return older_ && !older_->done(); }
   void show_older() { show_older(page); }
   void show_all();
-  // Removes the history file of vID and clears the list.
+  // Removes the history file of vID and clears the list. The history of what belongs to no account notes it.
   void ClearFile();
+  // What it notes when its own file was removed; the account that another line is about, if it tells of one.
+  static constexpr std::string_view cleared_text = "The history was cleared";
+  static std::optional<std::int32_t> cleared_account(std::string_view message);
   // Full path of a history file; -1 means that of vID.
   std::string FileName(std::int32_t id) const { return files_.name(id == -1 ? id_ : id); }
   void ClearList() { window_.lvwJournal.clear(); }
 
  private:
   static constexpr std::size_t page = 256u << 10;  // bytes
+  static constexpr std::string_view cleared_account_begin = "The history of account ";
+  static constexpr std::string_view cleared_account_end = " was cleared";
 
   void append(std::string_view time, std::string_view message, std::int32_t id);
   void check(const tl::expected<void, FileError>& written);
