@@ -72,6 +72,12 @@ Operation side(std::string_view word) {
   return operation::none;
 }
 
+LedgerEvidence evidence(std::string_view word) {
+  const auto* found = std::find(std::begin(evidences), std::end(evidences), word);
+  return found == std::end(evidences) ? LedgerEvidence::answer
+                                      : static_cast<LedgerEvidence>(found - std::begin(evidences));
+}
+
 bool is_open(LedgerState state) {
   return states[static_cast<std::size_t>(state)].open;
 }
