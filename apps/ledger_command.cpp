@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "apps/commands.h"
+#include "apps/journal_anchor.h"
 #include "apps/output.h"
 #include "apps/times.h"
 #include "core/home_lock.h"
@@ -28,8 +29,19 @@ LedgerReader reader(const HomeContext& context) {
 }  // namespace
 
 int ledger_check_command(const HomeContext& context) {
-  const auto faults = reader(context).check();
+  LedgerReader from = reader(context);
+  auto faults = from.check();
   if (!faults) return fail(context, faults.error());
+  // What is anchored was stored before.
+  const auto file = from.open();
+  if (!file) return fail(context, file.error());
+  try {
+    const auto unanchored = faults_of_anchors(Paths{context.terminal.home}, **file);
+    if (!unanchored) return fail(context, unanchored.error());
+    faults->insert(faults->end(), unanchored->begin(), unanchored->end());
+  } catch (const SQLite::Exception& error) {
+    return fail(context, {ledger_path(context.terminal.home), error.what()});
+  }
   Records records{{"fault"}};
   for (const std::string& fault : *faults)
     records.add({fault});

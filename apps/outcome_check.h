@@ -30,12 +30,6 @@ class OutcomeCheck {
   using Line = std::pair<std::int32_t, std::string>;
 
   void expect(const Outcome& outcome);
-  // An order that a price set off.
-  void expect_set_off(const Outcome& outcome, const std::string& number);
-  // The line of an answer that concerns entry orders or stops; empty when there is none.
-  static std::string entry_answer(const Outcome& outcome, const std::string& number);
-  // One line more of any of these texts is expected of the account.
-  void expect_line(std::int32_t account, std::vector<std::string> texts);
 
   std::map<Line, int> journaled_;  // how often, less what was expected
   std::vector<Difference> differences_;

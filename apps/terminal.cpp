@@ -5,14 +5,27 @@
 #include <vector>
 
 #include "apps/copy_setting.h"
+#include "apps/journal_anchor.h"
+#include "apps/missing_lines.h"
+#include "core/time_texts.h"
+#include "ledger/ledger_reader.h"
 #include "sessions/account_records.h"
+#include "views/history_files.h"
+#include "views/history_line.h"
 
 namespace tutti {
 
 Terminal::Terminal(TerminalOptions options, OperatorPorts ports)
     : options_(std::move(options)), ports_(std::move(ports)) {}
 
-Terminal::~Terminal() = default;
+Terminal::~Terminal() {
+  listens_.reset();
+  control_.reset();
+  if (main_ == nullptr) return;
+  // What the sessions say as they end comes before.
+  main_.reset();
+  end_journal();
+}
 
 tl::expected<std::unique_ptr<Terminal>, FileError> Terminal::open(const TerminalOptions& options,
                                                                   OperatorPorts ports, const Opener& opener) {
@@ -50,6 +63,7 @@ tl::expected<void, FileError> Terminal::start(const Opener& opener) {
   main_ = std::move(*started);
   main_->sessions().set_patience(backend_->patience());
   if (!options_.precision.empty()) main_->general().precision.hold(options_.precision);
+  begin_journal();
   tell_notices();
   for (const std::string& text : {ledger_->notice(), ledger_->fault()}) {
     if (text.empty()) continue;
@@ -81,6 +95,58 @@ tl::expected<void, FileError> Terminal::open_ledger() {
   if (!opened) return tl::unexpected(opened.error());
   ledger_ = std::move(*opened);
   return {};
+}
+
+void Terminal::begin_journal() {
+  anchored_ = std::chrono::floor<std::chrono::days>(ports_.clock.now());
+  const auto file = LedgerReader{options_.home, options_.key_file}.open();
+  const auto tell = [this](const std::string& why) {
+    main_->general().log("The journal was not compared with the ledger: " + why, -1);
+  };
+  if (!file) return tell(file.error().text());
+  try {
+    const auto added = add_missing_lines(main_->journal(), Paths{options_.home}, ports_.clock, **file);
+    if (!added) tell(added.error().text());
+    anchor_journal(**file);
+  } catch (const SQLite::Exception& error) {
+    tell(error.what());
+  }
+}
+
+void Terminal::anchor_journal(LedgerFile& file) {
+  const JournalAnchor anchor = JournalAnchor::newest(file);
+  // The lines that tell of what is stored stand before it.
+  main_->journal().flush();
+  main_->journal().note(anchor.text());
+  main_->journal().flush();
+}
+
+void Terminal::anchor_new_day() {
+  const auto day = std::chrono::floor<std::chrono::days>(ports_.clock.now());
+  if (day == anchored_) return;
+  anchored_ = day;
+  const auto file = LedgerReader{options_.home, options_.key_file}.open();
+  if (!file) return;
+  try {
+    anchor_journal(**file);
+  } catch (const SQLite::Exception&) {
+    return;  // the run's end says it
+  }
+}
+
+void Terminal::end_journal() {
+  constexpr std::chrono::seconds short_enough{1};
+  if (!ledger_->flush(short_enough)) return;
+  const auto file = LedgerReader{options_.home, options_.key_file}.open();
+  if (!file) return;
+  const Paths paths{options_.home};
+  HistoryFiles files{paths};
+  try {
+    files.add(no_account, history_line::of(now_text(ports_.clock), JournalAnchor::newest(**file).text()));
+  } catch (const SQLite::Exception&) {
+    return;
+  }
+  (void)files.close_all();
 }
 
 tl::expected<void, FileError> Terminal::keep() {
@@ -146,6 +212,7 @@ std::size_t Terminal::advance(std::size_t limit) {
   tell_notices();
   main_->poll_timers(delivered == limit);
   if (listens_) listens_->poll();
+  anchor_new_day();
   return delivered;
 }
 

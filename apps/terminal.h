@@ -105,6 +105,13 @@ class Terminal {
   // After a message for the operator, when the ledger of the last run has lost its end.
   tl::expected<void, FileError> open_ledger();
   void tell_notices();
+  // Adds what the last run's histories lack, and says in the journal how far the ledger is.
+  void begin_journal();
+  void anchor_journal(LedgerFile& file);
+  // Says it with every new day in UTC.
+  void anchor_new_day();
+  // Says it once everything else is written. Whoever has no time for that leaves it to the next start.
+  void end_journal();
 
   TerminalOptions options_;
   std::optional<HomeLock> lock_;  // let go last
@@ -119,6 +126,7 @@ class Terminal {
   std::unique_ptr<Main> main_;
   std::optional<TerminalControl> control_;
   std::optional<LineServer> listens_;
+  std::chrono::sys_days anchored_{};  // the day in UTC on which the journal was told last
 };
 
 }  // namespace tutti
