@@ -14,6 +14,7 @@
 #include "core/texts.h"
 #include "tests/support/command_line_rig.h"
 #include "tests/support/ledger_home.h"
+#include "tests/support/order_forms.h"
 
 namespace tutti::testing {
 namespace {
@@ -78,14 +79,7 @@ struct BesideTerminal : ::testing::Test {
   }
   Main& main() { return desktop->main(); }
   void order(const char* lots, const char* symbol = "EURUSD") {
-    frmorder& form = main().market_order();
-    if (!form.chkAllClients.checked()) form.chkAllClients.click();
-    form.CBdis.choose(0);
-    form.cbsymbols.choose(symbol);
-    form.txtammount.set_text("");
-    form.txtammount.type(lots);
-    form.cmddis.click();
-    form.cmdbuy.click();
+    send_in_equal_parts(main().market_order(), lots, symbol);
     run(1s);
   }
   Texts ask(const std::string& sql) const {

@@ -8,6 +8,7 @@
 
 #include "apps/verification.h"
 #include "tests/dealer_rig.h"
+#include "tests/support/order_forms.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
@@ -27,14 +28,7 @@ struct ScenarioDesk : TestTerminal {
   }
   // A distributed market order, answered where the server answers at once.
   void open(const char* amount, const char* symbol = "EURUSD", bool buy = true) {
-    frmorder& form = main->market_order();
-    if (!form.chkAllClients.checked()) form.chkAllClients.click();
-    form.CBdis.choose(0);
-    form.cbsymbols.choose(symbol);
-    form.txtammount.set_text("");
-    form.txtammount.type(amount);
-    form.cmddis.click();
-    (buy ? form.cmdbuy : form.cmdsell).click();
+    send_in_equal_parts(main->market_order(), amount, symbol, buy);
     run(std::chrono::milliseconds{300});
   }
   void close_all() {

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "apps/open_backend.h"
+#include "tests/support/order_forms.h"
 #include "tests/support/test_terminal.h"
 
 namespace tutti::testing {
@@ -44,14 +45,7 @@ struct StoredTerminal {
   }
   // A buy for all accounts in equal parts.
   void buy(const char* lots, const char* symbol = "EURUSD") {
-    frmorder& form = main().market_order();
-    if (!form.chkAllClients.checked()) form.chkAllClients.click();
-    form.CBdis.choose(0);
-    form.cbsymbols.choose(symbol);
-    form.txtammount.set_text("");
-    form.txtammount.type(lots);
-    form.cmddis.click();
-    form.cmdbuy.click();
+    send_in_equal_parts(main().market_order(), lots, symbol);
     run(1s);
   }
   // A buy limit far below the market for all accounts in equal parts.
