@@ -54,6 +54,11 @@ bool agrees(const RequestOutcome& request, const RequestRecord* booked) {
 
 }  // namespace
 
+bool LedgerComparison::compared(const LedgerAccount& account) const {
+  const auto at = compared_.find(account.account);
+  return at != compared_.end() && at->second == account;
+}
+
 void LedgerComparison::differ(std::int32_t account, const std::string& what) {
   differences_.push_back(fmt::format("Account {}: {}", account, what));
 }
@@ -65,10 +70,11 @@ void LedgerComparison::compare_requests(const std::vector<RequestOutcome>& reque
     server[{each.account, each.id}] = &each;
   std::set<Key> here;
   for (const RequestOutcome& each : requests) {
-    const std::int32_t account = each.account;
+    if (!compared(each.account)) continue;
+    const std::int32_t account = each.account.account;
     here.insert({account, each.id});
     // An answer to a requote is part of what became of its order.
-    if (!compared_(account) || each.kind == RequestKind::requote) continue;
+    if (each.kind == RequestKind::requote) continue;
     const auto at = server.find({account, each.id});
     const RequestRecord* record = at == server.end() ? nullptr : at->second;
     if (agrees(each, record)) continue;
@@ -78,7 +84,7 @@ void LedgerComparison::compare_requests(const std::vector<RequestOutcome>& reque
                        result_texts::told(record == nullptr ? RequestState::never_taken : record->state)));
   }
   for (const auto& [key, record] : server) {
-    if (key.second < requests.front().id || here.contains(key) || !compared_(key.first)) continue;
+    if (key.second < requests.front().id || here.contains(key) || !compared_.contains(key.first)) continue;
     // Asked about before it came, it is burnt.
     if (record->state == RequestState::never_taken) continue;
     differ(key.first, fmt::format("the server has request {}, and the ledger has not", key.second));
@@ -94,12 +100,13 @@ void LedgerComparison::compare_fills(const std::vector<FillRecord>& fills, const
   };
   for (const Execution& each : booked.fills) {
     const bool earlier = each.id != 0 ? each.id < first.id : each.time < first.asked;
-    if (!earlier && compared_(each.account)) open[name(each.account, each.execution, each.time)] = each.lots;
+    if (!earlier && compared_.contains(each.account))
+      open[name(each.account, each.execution, each.time)] = each.lots;
   }
   for (const FillRecord& each : fills) {
     const std::int32_t account = each.account.account;
     if (each.request == 0) ++elsewhere_;
-    if (!compared_(account)) continue;
+    if (!compared(each.account)) continue;
     const auto at = open.find(name(account, each.execution, each.time));
     if (at == open.end()) {
       differ(account, fmt::format("the ledger has fill {} of {} lots, and the server has not", each.execution,

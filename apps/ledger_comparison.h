@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,9 +16,12 @@ namespace tutti {
 // keeps of the same for good. To be run when all is stored and no request is on its way.
 class LedgerComparison {
  public:
-  // Of the accounts for which `compared` holds. What the server has from before the ledger's first request is
-  // left out.
-  LedgerComparison(const DealingServer& server, std::function<bool(std::int32_t)> compared)
+  // Who the server's accounts are in the ledger, by their numbers: the same number may stand there under
+  // other servers and users too.
+  using Accounts = std::map<std::int32_t, LedgerAccount>;
+
+  // Of these accounts. What the server has from before the ledger's first request is left out.
+  LedgerComparison(const DealingServer& server, Accounts compared)
       : server_(server), compared_(std::move(compared)) {}
 
   // One line per difference, empty when there is none. Both as the ledger has them, oldest first.
@@ -28,13 +31,14 @@ class LedgerComparison {
   int elsewhere() const { return elsewhere_; }
 
  private:
+  bool compared(const LedgerAccount& account) const;
   void differ(std::int32_t account, const std::string& what);
   void compare_requests(const std::vector<RequestOutcome>& requests, const HistoryState& booked);
   void compare_fills(const std::vector<FillRecord>& fills, const HistoryState& booked,
                      const RequestOutcome& first);
 
   const DealingServer& server_;
-  std::function<bool(std::int32_t)> compared_;
+  Accounts compared_;
   std::vector<std::string> differences_;
   int elsewhere_ = 0;
 };

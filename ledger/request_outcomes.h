@@ -13,7 +13,7 @@ namespace tutti {
 // What is known last of a request.
 struct RequestOutcome {
   RequestId id = 0;
-  std::int32_t account = 0;
+  LedgerAccount account{};
   RequestKind kind = RequestKind::open;
   LedgerState state = LedgerState::stored;
   std::string reason{};

@@ -288,7 +288,7 @@ Time                 Account  Message
 "totals": {"balance": 74994,"floating": -8.4,"credit": 0,"equity": 74985.6,"used_margin": 759.19,"margin_level": 3291.87,"free_margin": 74226.41,"line": "Balance:74994  Flt P/L:-8.4   Credit:0  Equity:74985.6  Used Margin:759.19  Free Margin:74226.41  Margin Level:3291.87 %"},
 "journal": [{"time": "2026-01-01T00:00:04+00:00","account": 500101,"message": "Order #10000009 [SELL 0.2 EURUSD] has been accepted"}]})"},
       {"verify", 0, "0 differences\n"},
-      {"--json verify", 0, "{\n  \"differences\": [],\n  \"elsewhere\": 0\n}\n"},
+      {"--json verify", 0, "{\n  \"differences\": [],\n  \"elsewhere\": 0,\n  \"cleared\": 0\n}\n"},
       {"journal 7", 2, "", "Account 7 is not in the accounts list\n"},
       {"--json journal 7", 2, "", "{\"error\": \"Account 7 is not in the accounts list\"}\n"},
   };
