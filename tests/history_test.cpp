@@ -148,9 +148,10 @@ TEST_F(Histories, GetTheLinesThatAKillKeptFromThem) {
       {"--yes close --symbol EURUSD --accounts 500100", 500100, "Postion # is closed successfuly"},
   };
   rig.run("accounts");
-  for (const auto& [act, account, line] : acts) {
-    SCOPED_TRACE(act);
-    std::string words = act;
+  for (const auto& each : acts) {
+    SCOPED_TRACE(each.act);
+    const int account = each.account;
+    std::string words = each.act;
     const auto fill_in = [&](const std::string& name, const std::string& sql) {
       if (const auto at = words.find(name); at != std::string::npos)
         words.replace(at, name.size(), ask(sql).at(0));
@@ -167,14 +168,10 @@ TEST_F(Histories, GetTheLinesThatAKillKeptFromThem) {
     const std::string history = rig.home.read(file_of(account));
     rig.run(words);
     const Texts whole = messages(account);
-    const auto told = std::find_if(whole.rbegin(), whole.rend(), [&](const std::string& each) {
-      std::string plain = each;
-      std::string number;
-      if (const auto digits = plain.find("1000"); digits != std::string::npos) {
-        number = plain.substr(digits, 8);
-        plain.replace(digits, 8, "#");
-      }
-      return plain == line;
+    const auto told = std::find_if(whole.rbegin(), whole.rend(), [&](const std::string& text) {
+      std::string plain = text;
+      if (const auto digits = plain.find("1000"); digits != std::string::npos) plain.replace(digits, 8, "#");
+      return plain == each.line;
     });
     ASSERT_NE(told, whole.rend()) << ::testing::PrintToString(whole);
     const std::string happened = ask("SELECT datetime(max(t_here) / 1000, 'unixepoch') FROM event").at(0);
