@@ -192,6 +192,45 @@ TEST_F(Histories, GetTheLinesThatAKillKeptFromThem) {
   }
 }
 
+// The ledger's thread was faster than the frame that writes the lines.
+TEST(AKill, BetweenTheLedgerAndTheHistoriesCostsNoLine) {
+  const char* const dealer = "sample_accounts = 3\n";
+  StoredTerminal killed{dealer};
+  send_in_equal_parts(killed.main().market_order(), "0.9", "EURUSD");
+  const auto told = [&] {
+    Texts out;
+    for (const auto& entry : killed.main().journal_window().shown_entries())
+      if (entry.message.ends_with("has been accepted")) out.push_back(entry.message);
+    return out;
+  };
+  for (int steps = 0; steps < 100 && told().empty(); ++steps) {
+    killed.clock.advance(10ms);
+    killed.desktop->advance(0);
+    killed.main().deliver_events();
+  }
+  const Texts lines = told();
+  ASSERT_FALSE(lines.empty());
+  ASSERT_TRUE(killed.desktop->keep());
+
+  CommandLineRig next{dealer};
+  namespace fs = std::filesystem;
+  fs::copy(killed.home.path(), next.home.path(),
+           fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+  fs::copy_file(killed.home.key_file(), next.home.key_file());
+  next.clock.advance(60s);
+  // What is unknown is asked for meanwhile.
+  EXPECT_EQ(next.run("verify"), 0) << next.out << next.err;
+  std::string histories;
+  for (const int account : {500100, 500101, 500102})
+    histories += next.home.read("History/JN" + std::to_string(account) + ".his");
+  for (const std::string& line : lines) {
+    const auto at =
+        histories.find("*,%$" + line + " (added at the next start: it happened at 2026-01-01 00:00:0");
+    EXPECT_NE(at, std::string::npos) << histories;
+    EXPECT_EQ(histories.find(line), at + 4);
+  }
+}
+
 TEST_F(Histories, LackNothingAfterAKillThatTookNoLine) {
   rig.run("accounts");
   EXPECT_EQ(rig.run(buy), 0);

@@ -6,8 +6,11 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <random>
+#include <set>
 
+#include "apps/missing_lines.h"
 #include "core/texts.h"
 #include "tests/support/command_line_rig.h"
 #include "tests/support/kill_point.h"
@@ -46,6 +49,22 @@ struct Day {
     Texts out;
     for (const std::string& act : acts)
       out.push_back(std::to_string(rig.run(act)));
+    return out;
+  }
+  // Lines of the histories that tell of an order by its number, and stand there twice.
+  Texts told_twice() const {
+    Texts out;
+    for (const auto& file : std::filesystem::directory_iterator{rig.home.path() / "History"}) {
+      std::set<std::string> told;
+      for (const std::string_view line :
+           split(rig.home.read("History/" + file.path().filename().string()), "\n"))
+        history_line::take_apart(line, [&](std::string_view time, std::string_view message) {
+          const std::string text = told_line(time, message).text;
+          const bool numbered = text.starts_with("Order #") || text.starts_with("Order number #") ||
+                                text.starts_with("Postion ") || text.starts_with("Ticket #");
+          if (numbered && !told.insert(text).second) out.push_back(text);
+        });
+    }
     return out;
   }
   // What accounts hold in the end, without the numbers and times that differ from run to run.
@@ -118,6 +137,7 @@ TEST_P(KilledDays, EndAsIfNothingHadHappened) {
     EXPECT_EQ(day.rig.run("unknown"), 0) << day.rig.out;
     EXPECT_EQ(day.rig.run("verify"), 0) << day.rig.out << day.rig.err;
     EXPECT_EQ(day.rig.run("ledger check"), 0) << day.rig.out;
+    EXPECT_EQ(day.told_twice(), Texts{});
     if (HasFailure()) break;
   }
 }
