@@ -2,6 +2,7 @@
 
 #include <sodium.h>
 
+#include <array>
 #include <cassert>
 
 namespace tutti {
@@ -53,6 +54,20 @@ void ChainHash::add(const LedgerValue& value) {
   }
 }
 
+void ChainHash::add(const SQLite::Column& column) {
+  if (column.isNull()) {
+    encoded_ += 'n';
+  } else if (column.isInteger()) {
+    encoded_ += 'i';
+    add_number(column.getInt64());
+  } else {
+    encoded_ += column.isBlob() ? 'b' : 't';
+    // Asked for before its size, which is that of the form asked for last.
+    const auto* content = static_cast<const char*>(column.getBlob());
+    add(std::string_view{content, static_cast<std::size_t>(column.getBytes())});
+  }
+}
+
 void ChainHash::add(std::string_view text) {
   add_number(static_cast<std::int64_t>(text.size()));
   encoded_ += text;
@@ -70,8 +85,10 @@ ChainHash::Bytes ChainHash::end(std::int64_t number, std::int64_t first, std::in
 
 void ChainHash::add_number(std::int64_t number) {
   const auto value = static_cast<std::uint64_t>(number);
-  for (int byte = 0; byte < 8; ++byte)
-    encoded_ += static_cast<char>(value >> (8 * byte) & 0xFF);
+  std::array<char, 8> out{};
+  for (std::size_t byte = 0; byte < out.size(); ++byte)
+    out[byte] = static_cast<char>(value >> (8 * byte) & 0xFF);
+  encoded_.append(out.data(), out.size());
 }
 
 }  // namespace tutti

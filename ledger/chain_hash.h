@@ -24,6 +24,8 @@ class ChainHash {
   void begin(const Bytes& before, std::int64_t of_format = format);
   void add(std::string_view table, std::int64_t seq);
   void add(const LedgerValue& value);
+  // The same of one as it lies in the file.
+  void add(const SQLite::Column& column);
   void add(std::string_view text);
   Bytes end(std::int64_t number, std::int64_t first, std::int64_t last, std::int64_t time);
 

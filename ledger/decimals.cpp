@@ -1,6 +1,7 @@
 #include "ledger/decimals.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace tutti::decimals {
@@ -9,9 +10,13 @@ namespace {
 constexpr int most_digits = 15;
 constexpr double largest = 9e15;  // beyond it not every whole number has a double
 
-// Powers up to this one are exact.
-double ten_to(int digits) {
-  return std::pow(10.0, digits);
+// All of them are exact.
+constexpr std::array<double, most_digits + 1> powers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                     1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+// A file that somebody changed may say any number.
+double ten_to(std::int64_t digits) {
+  return digits >= 0 && digits <= most_digits ? powers[static_cast<std::size_t>(digits)]
+                                              : std::pow(10.0, static_cast<double>(digits));
 }
 
 int needed(double value) {

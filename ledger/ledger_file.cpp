@@ -59,7 +59,7 @@ std::string insert_of(const ledger_schema::Table& table) {
 }  // namespace
 
 LedgerFile::LedgerFile(const std::filesystem::path& file, int flags, const Secret& key)
-    : database_(file.string(), flags, busy_ms), hash_(key) {}
+    : database_(file.string(), flags | SQLite::OPEN_NOMUTEX, busy_ms), hash_(key) {}
 
 tl::expected<std::unique_ptr<LedgerFile>, FileError> LedgerFile::open(const std::filesystem::path& file,
                                                                       const Secret& key, TimePoint now) {
@@ -231,7 +231,7 @@ bool LedgerFile::fits(const Commit& commit, const ChainHash::Bytes& before) {
       hash_.add(table.name, rows.getColumn(0).getInt64());
       const int hashed = static_cast<int>(table.count_in(commit.format));
       for (int column = 1; column <= hashed; ++column)
-        hash_.add(value_of(rows.getColumn(column)));
+        hash_.add(rows.getColumn(column));
       // What came later is empty in what was there before.
       for (int column = hashed + 1; column <= static_cast<int>(table.count_in(schema_)); ++column)
         if (!rows.getColumn(column).isNull()) return rows.reset(), false;

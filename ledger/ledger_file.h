@@ -21,7 +21,7 @@
 namespace tutti {
 
 // The ledger's file and the one connection to it: rows that are only added, and one keyed hash per commit
-// over them and the hash before.
+// over them and the hash before. One thread uses it at a time.
 //
 // What the library can't do it throws as SQLite::Exception, from everything but the two that open; after one
 // the object is good for nothing but its end.

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <set>
 #include <utility>
 
@@ -47,45 +46,50 @@ std::string day_sql(TimePoint time) {
 struct Query {
   std::string sql;
   std::vector<LedgerValue> values;
+
+  void narrow(const std::string& condition) { sql += " AND " + condition; }
+  void narrow(const std::string& condition, LedgerValue value) {
+    narrow(condition);
+    values.push_back(std::move(value));
+  }
 };
 
+// The fills are found first, by an index alone, and read in the order in which they lie in the file.
 Query fill_query(const FillFilter& filter, bool whole) {
   Query out;
-  // Columns that came later.
-  const std::string_view later = whole ? "f.symbol, f.side, f.currency" : "NULL, NULL, NULL";
-  // By its days an account's fills are found, and by the requests those of a ticket.
+  // Those of a ticket are found by its requests, those behind another by their own number, all others by
+  // the days of the accounts.
   const std::string_view from =
       filter.ticket != 0
-          ? "request r CROSS JOIN fill f ON f.request = r.id JOIN account a ON a.n = f.account"
-          : "account a CROSS JOIN fill f ON f.account = a.n LEFT JOIN request r ON r.id = f.request";
-  out.sql = fmt::format(
-      "SELECT f.seq, coalesce(f.t_server, f.t_here) AS t, r.ticket, f.request, a.server, a.user, "
-      "a.account_text, f.open_or_close, coalesce(f.position, 0), f.lots, f.lots_digits, coalesce(f.price, "
-      "0), "
-      "f.price_digits, f.profit, f.commission, coalesce(f.exec_id, ''), r.symbol, r.side, {}, f.t_here FROM "
-      "{} WHERE 1",
-      later, from);
-  const auto add = [&](const std::string& condition, auto... values) {
-    out.sql += " AND " + condition;
-    (out.values.emplace_back(std::move(values)), ...);
-  };
-  if (filter.ticket != 0) add("r.ticket = ?", filter.ticket);
-  if (filter.since) {
-    add("f.day >= " + day_sql(*filter.since));
-    add("t >= ?", milliseconds(*filter.since));
-  }
-  if (filter.until) {
-    add("f.day <= " + day_sql(*filter.until));
-    add("t < ?", milliseconds(*filter.until));
-  }
-  if (!filter.symbol.empty()) add(whole ? "coalesce(r.symbol, f.symbol) = ?" : "r.symbol = ?", filter.symbol);
+          ? "request r CROSS JOIN fill f ON f.request = r.id CROSS JOIN account a ON a.n = f.account"
+      : filter.after != 0 ? "fill f CROSS JOIN account a ON a.n = f.account"
+                          : "account a CROSS JOIN fill f ON f.account = a.n";
+  out.sql = fmt::format("WITH found AS MATERIALIZED (SELECT f.seq FROM {} WHERE 1", from);
+  if (filter.ticket != 0) out.narrow("r.ticket = ?", filter.ticket);
+  if (filter.after != 0) out.narrow("f.seq > ?", filter.after);
+  if (filter.since) out.narrow("f.day >= " + day_sql(*filter.since));
+  if (filter.until) out.narrow("f.day <= " + day_sql(*filter.until));
   if (!filter.accounts.empty()) {
     std::string numbers;
     for (const std::int32_t account : filter.accounts)
       numbers += fmt::format("{}'{}'", numbers.empty() ? "" : ", ", account);
-    add("a.account_text IN (" + numbers + ")");
+    out.narrow("a.account_text IN (" + numbers + ")");
   }
-  out.sql += " ORDER BY f.seq";
+  // Without a limit the order would not count, as that of a part.
+  out.sql += " ORDER BY f.seq LIMIT -1) ";
+  // Columns that came later.
+  const auto later = [whole](std::string_view column) {
+    return whole ? fmt::format("coalesce(r.{0}, f.{0})", column) : fmt::format("r.{}", column);
+  };
+  out.sql += fmt::format(
+      "SELECT f.seq, coalesce(f.t_server, f.t_here) AS t, f.t_here, r.ticket, f.request, f.account, "
+      "f.open_or_close, f.position, f.lots, f.lots_digits, f.price, f.price_digits, f.profit, f.commission, "
+      "f.exec_id, {} AS symbol, {} AS side, {} FROM found CROSS JOIN fill f ON f.seq = found.seq LEFT JOIN "
+      "request r ON r.id = f.request WHERE 1",
+      later("symbol"), later("side"), whole ? "f.currency" : "NULL");
+  if (filter.since) out.narrow("t >= ?", milliseconds(*filter.since));
+  if (filter.until) out.narrow("t < ?", milliseconds(*filter.until));
+  if (!filter.symbol.empty()) out.narrow(later("symbol") + " = ?", filter.symbol);
   return out;
 }
 
@@ -115,6 +119,16 @@ std::int64_t LedgerQueries::version() {
   return out;
 }
 
+const LedgerAccount& LedgerQueries::account(std::int64_t number) {
+  const auto [at, is_new] = accounts_.try_emplace(number);
+  if (!is_new) return at->second;
+  auto& row = file_.statement("SELECT server, user, account_text FROM account WHERE n = ?");
+  row.bind(1, number);
+  if (row.executeStep()) at->second = account_of(row, 0);
+  row.reset();
+  return at->second;
+}
+
 std::vector<FillRecord> LedgerQueries::fills(const FillFilter& filter) {
   std::vector<FillRecord> out;
   const Query query = fill_query(filter, file_.schema() >= 2);
@@ -122,36 +136,28 @@ std::vector<FillRecord> LedgerQueries::fills(const FillFilter& filter) {
   for (std::size_t i = 0; i < query.values.size(); ++i)
     bind_value(rows, static_cast<int>(i) + 1, query.values[i]);
   while (rows.executeStep()) {
-    const auto text = [&](int column) {
-      const SQLite::Column cell = rows.getColumn(column);
-      return cell.isNull() ? std::string{} : cell.getString();
-    };
-    const auto first_told = [&](int of_request, int of_fill) {
-      std::string told = text(of_request);
-      return told.empty() ? text(of_fill) : told;
-    };
-    const bool closes = text(7) == "close";
     out.push_back({.seq = rows.getColumn(0).getInt64(),
                    .time = time_of(rows.getColumn(1)),
-                   .heard = time_of(rows.getColumn(21)),
-                   .ticket = rows.getColumn(2).getInt64(),
-                   .request = rows.getColumn(3).getInt64(),
-                   .account = account_of(rows, 4),
-                   .closes = closes,
-                   .order = rows.getColumn(8).getInt64(),
-                   .symbol = first_told(16, 18),
-                   .side = ledger_words::side(first_told(17, 19)),
-                   .lots = decimal(rows, 9),
-                   .price = decimal(rows, 11),
-                   .profit = money(rows.getColumn(13)),
-                   .commission = money(rows.getColumn(14)),
-                   .currency = text(20),
-                   .execution = text(15)});
+                   .heard = time_of(rows.getColumn(2)),
+                   .ticket = rows.getColumn(3).getInt64(),
+                   .request = rows.getColumn(4).getInt64(),
+                   .account = account(rows.getColumn(5).getInt64()),
+                   .closes = rows.getColumn(6).getText() == std::string_view{"close"},
+                   .order = rows.getColumn(7).getInt64(),
+                   .symbol = rows.getColumn(15).getText(),
+                   .side = ledger_words::side(rows.getColumn(16).getText()),
+                   .lots = decimal(rows, 8),
+                   .price = decimal(rows, 10),
+                   .price_digits = rows.getColumn(11).getInt(),
+                   .profit = money(rows.getColumn(12)),
+                   .commission = money(rows.getColumn(13)),
+                   .currency = rows.getColumn(17).getText(),
+                   .execution = rows.getColumn(14).getText()});
   }
   std::map<std::string, int> digits;
   for (const FillRecord& fill : out) {
     int& most = digits[fill.symbol];
-    most = std::max(most, decimals::needed({fill.price}));
+    most = std::max(most, fill.price_digits);
   }
   for (FillRecord& fill : out)
     fill.price_digits = digits[fill.symbol];

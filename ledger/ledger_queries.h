@@ -46,12 +46,15 @@ class LedgerQueries {
   std::vector<LedgerPastTicket> recent(TimePoint since);
 
  private:
+  // By its number in the file.
+  const LedgerAccount& account(std::int64_t number);
   std::vector<TicketRecord> tickets(const std::string& which, std::int64_t value);
   void add_outcomes(TicketRecord& ticket);
   void add_taken_since(LedgerUnknown& unknown);
   void add_open(const std::string& which, RequestId id, std::vector<LedgerUnknown>& out);
 
   LedgerFile& file_;
+  std::map<std::int64_t, LedgerAccount> accounts_;  // that were looked up
 };
 
 }  // namespace tutti

@@ -39,6 +39,7 @@ struct FillFilter {
   std::vector<std::int32_t> accounts{};
   std::string symbol{};
   std::int64_t ticket = 0;
+  std::int64_t after = 0;  // seq: only those that were stored behind it
 };
 
 // How many requests of a ticket have come to the same.

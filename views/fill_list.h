@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -10,11 +11,12 @@
 #include "core/label.h"
 #include "core/row_list.h"
 #include "ledger/ledger_reads.h"
+#include "ledger/realised_sums.h"
 
 namespace tutti {
 
 // Fills: a line per execution, newest first, and what the closes among them have brought. Read from the
-// ledger, and read again while it can be seen, when something was stored since.
+// ledger; while it can be seen, what was stored since is read as well.
 class FillList {
  public:
   enum Column : std::size_t {
@@ -48,8 +50,17 @@ class FillList {
   void poll();
 
  private:
+  struct Told {
+    std::vector<FillRecord> fills{};  // oldest first
+    std::vector<RealisedSum> sums{};  // of them, by currency
+    std::map<std::string, int> digits{};
+    std::int64_t version = 0;
+    TimePoint since{};
+  };
+
   void read();
-  void show(const std::vector<FillRecord>& fills, std::int64_t version, TimePoint since);
+  void show(Told told);
+  void make_cells(Row& row) const;
 
   const Clock& clock_;
   LedgerReads* reads_;
@@ -58,8 +69,11 @@ class FillList {
   bool outdated_ = true;
   std::chrono::milliseconds asked_at_{0};
   std::int64_t version_ = 0;
-  std::int64_t newest_ = 0;  // seq of the newest one that is listed
-  TimePoint since_{};        // of what is listed
+  // What is listed, as of which time. The ledger only grows, and so does this.
+  TimePoint since_{};
+  std::vector<FillRecord> fills_;
+  std::vector<RealisedSum> sums_;
+  std::map<std::string, int> digits_;  // of the prices, by symbol
 };
 
 }  // namespace tutti
