@@ -57,6 +57,8 @@ void order_figures();
 void login_figures();
 // The journal's files: what a line costs, and how soon a history is there.
 void journal_figures();
+// The ledger: what it adds to an order, and what a long one costs whoever starts with it or reads it.
+void ledger_figures();
 // The accounts list and the journal on a screen: what it adds to events, what cells cost, how long input
 // waits, and how soon the list is there.
 void gui_figures();

@@ -11,21 +11,29 @@ namespace tutti::bench {
 using namespace std::chrono_literals;
 
 HomeProgram::HomeProgram(const std::string& dealer, const std::filesystem::path& where) : home_(where) {
-  TerminalOptions options;
-  options.home = home_.path();
-  options.key_file = home_.path() / "key";
-  options.create = true;
-  options.demo = dealer.empty();
+  options_.home = home_.path();
+  options_.key_file = home_.path() / "key";
+  options_.create = true;
+  options_.demo = dealer.empty();
   if (!dealer.empty()) {
-    options.dealer_file = home_.path() / "dealer.toml";
-    if (const auto written = replace_file(options.dealer_file, dealer); !written)
+    options_.dealer_file = home_.path() / "dealer.toml";
+    if (const auto written = replace_file(options_.dealer_file, dealer); !written)
       throw std::runtime_error(written.error().text());
   }
+  open();
+}
+
+void HomeProgram::open() {
   auto opened =
-      Terminal::open(options, {nobody_, silence_, files_, clock_, [](std::string_view) {}},
+      Terminal::open(options_, {nobody_, silence_, files_, clock_, [](std::string_view) {}},
                      [this](const TerminalOptions& home) { return EmbeddedDealer::open(home, clock_); });
   if (!opened) throw std::runtime_error(opened.error().text());
   terminal_ = std::move(*opened);
+}
+
+void HomeProgram::close() {
+  if (const auto closed = terminal_->close(); !closed) throw std::runtime_error(closed.error().text());
+  terminal_.reset();
 }
 
 bool HomeProgram::logged_in() {

@@ -25,6 +25,9 @@ class HomeProgram {
   explicit HomeProgram(const std::string& dealer,
                        const std::filesystem::path& where = std::filesystem::temp_directory_path());
 
+  // Starts it again with the files that it has, once it was ended.
+  void open();
+  void close();
   Terminal& terminal() { return *terminal_; }
   Main& main() { return terminal_->main(); }
   const Clock& clock() const { return clock_; }
@@ -41,6 +44,7 @@ class HomeProgram {
 
  private:
   ScratchFolder home_;
+  TerminalOptions options_;
   SystemClock clock_;
   QuietPrompt nobody_;
   QuietSound silence_;

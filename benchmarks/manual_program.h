@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -9,6 +10,7 @@
 #include "core/clock.h"
 #include "core/locale_port.h"
 #include "dealer/link/dealing_server.h"
+#include "ledger/ledger_writer.h"
 #include "ledger/no_ledger.h"
 #include "shell/Main.h"
 
@@ -18,8 +20,12 @@ namespace tutti::bench {
 // turned as fast as it goes.
 class ManualProgram {
  public:
+  enum class Keeps : std::uint8_t { nothing, ledger };
+
   // So many of the sample accounts are saved, to be logged in at the start, and carry so many symbols.
   ManualProgram(int accounts, int symbols);
+  // The same with other accounts. `keeps`: whether requests are stored, in the files of a real home.
+  ManualProgram(DealerConfig config, Keeps keeps);
 
   // Starts it, and lets it run until every account is in the market order window, which is the last thing its
   // data do.
@@ -30,6 +36,11 @@ class ManualProgram {
   // Moves the market by one step; its news wait in the queue, unless they are taken along.
   void step_market();
   void deliver_all() { main_->deliver_events(); }
+  // Runs as a window does, a few events at a time, until it is done; answers the longest turn in nanoseconds,
+  // what the dealing server does between two of them not counted.
+  double longest_turn_until(const std::function<bool()>& done);
+  // All that was told to the ledger is on the disk.
+  void settle_ledger();
 
   Main& main() { return *main_; }
   const std::filesystem::path& home() const { return home_.path(); }
@@ -41,7 +52,8 @@ class ManualProgram {
   QuietSound sound_;
   ProcessLocale locale_;
   QuietFileDialog file_dialog_;
-  NoLedger ledger_;
+  NoLedger no_ledger_;
+  std::unique_ptr<LedgerWriter> ledger_;
   UnkeptStop stop_;
   DealingServer server_;
   std::unique_ptr<Main> main_;
