@@ -1,5 +1,5 @@
-// A scripted day that is killed at a drawn write, and gone on with by a script that asks for each of its acts
-// again until it is done.
+// A scripted day that is killed at a drawn write, or whose machine loses its power there, and gone on with by
+// a script that asks for each of its acts again until it is done.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -12,9 +12,11 @@
 
 #include "apps/missing_lines.h"
 #include "core/texts.h"
+#include "ledger/ledger_start.h"
 #include "tests/support/command_line_rig.h"
 #include "tests/support/kill_point.h"
 #include "tests/support/ledger_home.h"
+#include "tests/support/unsynced_files.h"
 
 namespace tutti::testing {
 namespace {
@@ -82,14 +84,18 @@ struct Day {
   }
 };
 
+// The end of the program alone, or of the machine that it runs on; the dealing server is another one.
+enum class Ends : std::uint8_t { program, machine };
+
 // How a child that runs the day ends; -1: it was killed at its `at`-th write. With 0 it tells how many there
 // are.
-long run_child(Day& day, long at) {
+long run_child(Day& day, long at, Ends what = Ends::program, unsigned seed = 0) {
   int ends[2];
   if (::pipe(ends) != 0) return -2;
   const pid_t child = ::fork();
   if (child == 0) {
-    kill_at_write(at);
+    UnsyncedFiles files{day.rig.home.path(), seed};
+    what == Ends::machine ? cut_power_at_write(at, files) : kill_at_write(at);
     day.run();
     const long count = writes_counted();
     (void)!::write(ends[1], &count, sizeof(count));
@@ -104,28 +110,48 @@ long run_child(Day& day, long at) {
   return told ? count : -1;
 }
 
-// Seeds: TUTTI_KILLS, 30 when it is not set; each test takes a fifth of them, since all take their time.
-constexpr int tests = 5;
-struct KilledDays : ::testing::TestWithParam<int> {};
-INSTANTIATE_TEST_SUITE_P(Fifth, KilledDays, ::testing::Range(1, tests + 1));
+// What is left of left.log is of an earlier start of the machine.
+void start_machine_again(const std::filesystem::path& home) {
+  const auto left = LeftLog::read(left_log_path(home));
+  if (!left) return;
+  LeftLog::Head head = left->head;
+  head.boot = "earlier";
+  auto log = LeftLog::begin(left_log_path(home), head);
+  ASSERT_TRUE(log);
+  for (const RequestId id : left->left)
+    log->add(id);
+}
 
-TEST_P(KilledDays, EndAsIfNothingHadHappened) {
+// Each test takes a fifth of the seeds, since all take their time.
+constexpr int tests = 5;
+
+int asked_or_30(const char* variable) {
+  const char* asked = std::getenv(variable);
+  return asked == nullptr ? 30 : std::atoi(asked);
+}
+
+void end_and_go_on(Ends what, int first_seed, int seeds) {
   Day whole;
   whole.rig.run("accounts");
   const long writes = run_child(whole, 0);
   ASSERT_GT(writes, 100);
   const Texts wanted = whole.holds();
-  const char* asked = std::getenv("TUTTI_KILLS");
-  const int seeds = asked == nullptr ? 30 : std::atoi(asked);
-  for (int seed = GetParam(); seed <= seeds; seed += tests) {
+  for (int seed = first_seed; seed <= seeds; seed += tests) {
     SCOPED_TRACE(fmt::format("seed {}", seed));
     std::mt19937 random{static_cast<unsigned>(seed)};
     Day day;
     day.rig.run("accounts");
     const long at = std::uniform_int_distribution<long>{1, writes}(random);
     SCOPED_TRACE(fmt::format("write {} of {}", at, writes));
-    EXPECT_LE(run_child(day, at), writes + 50);
+    EXPECT_LE(run_child(day, at, what, static_cast<unsigned>(seed)), writes + 50);
+    if (what == Ends::machine) start_machine_again(day.rig.home.path());
     day.rig.clock.advance(60s);
+    // What is unknown is asked for with the login, and then all are of one mind before anything is sent.
+    if (what == Ends::machine) {
+      day.rig.run("accounts");
+      EXPECT_EQ(day.rig.run("verify"), 0) << day.rig.out << day.rig.err;
+      EXPECT_EQ(day.rig.run("ledger check"), 0) << day.rig.out << day.rig.err;
+    }
     for (const std::string& act : acts) {
       // What is unknown is asked for with the login; what the server never took leaves with the second.
       const int first = day.rig.run(act);
@@ -138,8 +164,24 @@ TEST_P(KilledDays, EndAsIfNothingHadHappened) {
     EXPECT_EQ(day.rig.run("verify"), 0) << day.rig.out << day.rig.err;
     EXPECT_EQ(day.rig.run("ledger check"), 0) << day.rig.out;
     EXPECT_EQ(day.told_twice(), Texts{});
-    if (HasFailure()) break;
+    if (::testing::Test::HasFailure()) break;
   }
+}
+
+// Seeds: TUTTI_KILLS, 30 when it is not set.
+struct KilledDays : ::testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Fifth, KilledDays, ::testing::Range(1, tests + 1));
+
+TEST_P(KilledDays, EndAsIfNothingHadHappened) {
+  end_and_go_on(Ends::program, GetParam(), asked_or_30("TUTTI_KILLS"));
+}
+
+// Seeds: TUTTI_CUTS, 30 when it is not set.
+struct PowerCuts : ::testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Fifth, PowerCuts, ::testing::Range(1, tests + 1));
+
+TEST_P(PowerCuts, EndAsIfNothingHadHappened) {
+  end_and_go_on(Ends::machine, GetParam(), asked_or_30("TUTTI_CUTS"));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The ledger's file: what is stored before it leaves, what a crash leaves, and what becomes of a bad disk.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <unistd.h>
@@ -283,6 +284,81 @@ TEST(Ledger, KilledBeforeItsCommitHasNothingSent) {
   const Texts states = home.states();
   EXPECT_TRUE(states.empty() || states == (Texts{"STORED", "STORED", "STORED"}));
   EXPECT_TRUE(ledger->unknown().empty());
+}
+
+// What was sent again is not sent a third time: neither what may have left nor what is stored and did not.
+TEST(Ledger, KilledInARetryHasEachRequestSentAgainOnce) {
+  Home home;
+  constexpr RequestId again = first_id + 10;
+  const auto retry = [](RequestId from) {
+    auto out = requests(2, from);
+    for (std::size_t i = 0; i < out.size(); ++i)
+      out[i].retry_of = first_id + static_cast<RequestId>(i);
+    return out;
+  };
+  killed([&] {
+    const auto ledger = home.open().release();
+    if (!stored(*ledger, requests(2))) ::_exit(1);
+    for (int i = 0; i < 2; ++i)
+      ledger->note(event(first_id + i, LedgerState::refused));
+    if (!stored(*ledger, retry(again)) || !ledger->leaves(again)) ::_exit(2);
+  });
+  const auto ledger = home.open();
+  ASSERT_TRUE(ledger) << home.fault;
+  EXPECT_EQ(home.states(), (Texts{"REFUSED", "REFUSED", "UNKNOWN", "STORED"}));
+  EXPECT_FALSE(stored(*ledger, retry(again + 10)));
+  EXPECT_EQ(home.ask("SELECT id, retry_of FROM request WHERE retry_of IS NOT NULL ORDER BY id"),
+            (Texts{"1000010|1000000", "1000011|1000001"}));
+  EXPECT_EQ(home.check(), Texts{});
+}
+
+// A ledger that was put back without the rest of its home: what left since is told, and its list is kept.
+TEST(Ledger, PutBackFromABackupTellsWhatHasLeftSince) {
+  Home home;
+  const std::filesystem::path backup = home.folder.path() / "backup.db";
+  killed([&] {
+    const auto ledger = home.open().release();
+    if (!stored(*ledger, requests(1))) ::_exit(1);
+    if (!LedgerReader{home.folder.path(), home.key_file.path()}.back_up(backup)) ::_exit(2);
+    if (!stored(*ledger, requests(2, first_id + 1))) ::_exit(3);
+    for (int i = 0; i < 3; ++i)
+      if (!ledger->leaves(first_id + i)) ::_exit(4);
+  });
+  const std::filesystem::path file = ledger_path(home.folder.path());
+  for (const char* part : {"", "-wal", "-shm"})
+    std::filesystem::remove(file.string() + part);
+  std::filesystem::rename(backup, file);
+  const auto ledger = home.open();
+  ASSERT_TRUE(ledger) << home.fault;
+  EXPECT_NE(ledger->notice().find("2 requests have left that the ledger does not have"), std::string::npos)
+      << ledger->notice();
+  EXPECT_EQ(home.states(), Texts{"UNKNOWN"});
+  EXPECT_EQ(
+      home.folder.read(fmt::format("left-{}.log", home.clock.now().time_since_epoch().count())).substr(0, 5),
+      "left1");
+}
+
+// Nobody trades on a ledger that can't be written, and it is as it was when it can be again.
+TEST(Ledger, OnAReadOnlyDiskDoesNotOpen) {
+  Home home;
+  ASSERT_TRUE(stored(*home.open(), requests(1)));
+  const auto allow = [&](std::filesystem::perms folder, std::filesystem::perms file) {
+    std::filesystem::permissions(ledger_path(home.folder.path()), file);
+    std::filesystem::permissions(home.folder.path(), folder);
+  };
+  using std::filesystem::perms;
+  allow(perms{0555}, perms{0444});
+  killed([&] {
+    // Nothing is read-only to root.
+    if (::geteuid() == 0 && ::seteuid(65534) != 0) ::_exit(1);
+    if (home.open() != nullptr) ::_exit(2);
+    if (home.fault.find("the ledger can't be used") == std::string::npos) ::_exit(3);
+  });
+  allow(perms{0700}, perms{0600});
+  const auto ledger = home.open();
+  ASSERT_TRUE(ledger) << home.fault;
+  EXPECT_TRUE(stored(*ledger, requests(1, first_id + 1)));
+  EXPECT_EQ(home.ask("SELECT id FROM request"), (Texts{"1000000", "1000001"}));
 }
 
 // What a disk does to a ledger in use, and how it is made well again.

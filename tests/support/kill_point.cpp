@@ -7,6 +7,9 @@
 #include <atomic>
 #include <csignal>
 #include <cstdint>
+#include <mutex>
+
+#include "tests/support/unsynced_files.h"
 
 namespace tutti::testing {
 namespace {
@@ -15,19 +18,45 @@ std::atomic<bool> armed{false};
 std::atomic<long> counted{0};
 std::atomic<long> last{0};
 
+UnsyncedFiles* files = nullptr;  // whose writes are watched
+std::mutex one_by_one;           // while they are
+
 void count() {
   if (armed && ++counted == last) {
+    if (files != nullptr) files->lose();
     // Nothing of what a process does at its end may run.
     ::kill(::getpid(), SIGKILL);
   }
 }
 
+// A call that may be the last; `note` tells the watched files of it.
+template <class Note, class Call>
+auto counted_call(Note&& note, Call&& call) {
+  if (files == nullptr) {
+    count();
+    return call();
+  }
+  const std::lock_guard lock{one_by_one};
+  count();
+  note(*files);
+  return call();
+}
+
+void arm(long number, UnsyncedFiles* watched) {
+  counted = 0;
+  last = number;
+  files = watched;
+  armed = true;
+}
+
 }  // namespace
 
 void kill_at_write(long number) {
-  counted = 0;
-  last = number;
-  armed = true;
+  arm(number, nullptr);
+}
+
+void cut_power_at_write(long number, UnsyncedFiles& unsynced) {
+  arm(number, &unsynced);
 }
 
 long writes_counted() {
@@ -42,28 +71,28 @@ long writes_counted() {
 extern "C" {
 
 ssize_t write(int fd, const void* data, size_t size) {
-  tutti::testing::count();
-  return ::syscall(SYS_write, fd, data, size);
+  return tutti::testing::counted_call([&](auto& files) { files.written(fd, data, size); },
+                                      [&] { return ::syscall(SYS_write, fd, data, size); });
 }
 
 ssize_t pwrite64(int fd, const void* data, size_t size, off64_t offset) {
-  tutti::testing::count();
-  return ::syscall(SYS_pwrite64, fd, data, size, offset);
+  return tutti::testing::counted_call([&](auto& files) { files.written(fd, data, size, offset); },
+                                      [&] { return ::syscall(SYS_pwrite64, fd, data, size, offset); });
 }
 
 int fdatasync(int fd) {
-  tutti::testing::count();
-  return static_cast<int>(::syscall(SYS_fdatasync, fd));
+  return static_cast<int>(tutti::testing::counted_call([&](auto& files) { files.synchronised(fd); },
+                                                       [&] { return ::syscall(SYS_fdatasync, fd); }));
 }
 
 int fsync(int fd) {
-  tutti::testing::count();
-  return static_cast<int>(::syscall(SYS_fsync, fd));
+  return static_cast<int>(tutti::testing::counted_call([&](auto& files) { files.synchronised(fd); },
+                                                       [&] { return ::syscall(SYS_fsync, fd); }));
 }
 
 int rename(const char* from, const char* to) noexcept {
-  tutti::testing::count();
-  return static_cast<int>(::syscall(SYS_rename, from, to));
+  return static_cast<int>(
+      tutti::testing::counted_call([](auto&) {}, [&] { return ::syscall(SYS_rename, from, to); }));
 }
 
 }  // extern "C"
