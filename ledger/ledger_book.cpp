@@ -228,6 +228,8 @@ void LedgerBook::count_left(std::int64_t account, std::int64_t step) {
   change.bind(1, account);
   change.bind(2, step);
   change.exec();
+  // As it is when it is made anew.
+  if (step < 0) file_.statement("DELETE FROM account_sum WHERE requests = 0").exec();
 }
 
 void LedgerBook::accept_missing(Sender sender, std::int64_t requests) {
