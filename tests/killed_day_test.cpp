@@ -107,6 +107,7 @@ long run_child(Day& day, long at, Ends what = Ends::program, unsigned seed = 0) 
   ::close(ends[0]);
   int status = 0;
   ::waitpid(child, &status, 0);
+  UnsyncedFiles::take_effect(day.rig.home.path());
   return told ? count : -1;
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "core/file_writer.h"
@@ -16,7 +17,14 @@ namespace fs = std::filesystem;
 
 namespace {
 constexpr std::size_t sector = 512;
+// The index of the log is no file to be relied on: who opens the ledger first makes it anew.
+constexpr std::array names{"ledger.db", "ledger.db-wal", "left.log"};
+
+fs::path left_of(fs::path file) {
+  file += ".left";
+  return file;
 }
+}  // namespace
 
 UnsyncedFiles::UnsyncedFiles(const fs::path& home, unsigned seed) : home_(home), random_(seed) {
   for (const auto& entry : fs::directory_iterator{home}) {
@@ -29,10 +37,8 @@ UnsyncedFiles::UnsyncedFiles(const fs::path& home, unsigned seed) : home_(home),
   }
 }
 
-// The index of the log is no file to be relied on: who opens the ledger first makes it anew.
 bool UnsyncedFiles::is_watched(const fs::path& file) {
-  const std::string name = file.filename();
-  return name == "ledger.db" || name == "ledger.db-wal" || name == "left.log";
+  return std::find(names.begin(), names.end(), file.filename()) != names.end();
 }
 
 UnsyncedFiles::File* UnsyncedFiles::of(int descriptor) {
@@ -87,17 +93,22 @@ void UnsyncedFiles::lose() {
         apply(write, file.synced);
       }
     }
-    if (file.synced.empty() && drawn()) {
-      ::unlink(path.c_str());
-      continue;
-    }
-    const int out = ::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+    if (file.synced.empty() && drawn()) continue;
+    const int out = ::open(left_of(path).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     for (std::size_t done = 0; done < file.synced.size();) {
       const long wrote = ::syscall(SYS_write, out, file.synced.data() + done, file.synced.size() - done);
       if (wrote <= 0) break;
       done += static_cast<std::size_t>(wrote);
     }
     ::close(out);
+  }
+}
+
+void UnsyncedFiles::take_effect(const fs::path& home) {
+  if (!fs::exists(left_of(home / names.front()))) return;
+  for (const char* name : names) {
+    const fs::path file = home / name;
+    fs::exists(left_of(file)) ? fs::rename(left_of(file), file) : void(fs::remove(file));
   }
 }
 

@@ -23,8 +23,11 @@ class UnsyncedFiles {
   // at the end.
   void written(int descriptor, const void* data, std::size_t size, off_t offset = -1);
   void synchronised(int descriptor);
-  // Makes the files what the power cut has left of them.
+  // Writes down what the power cut leaves of the files. They stay as they are: other threads of the process
+  // may be at them until it ends.
   void lose();
+  // Makes the files of a home what was written down, once the process has ended; nothing where none was.
+  static void take_effect(const std::filesystem::path& home);
 
  private:
   struct Write {
