@@ -59,6 +59,7 @@ LedgerStore::Written LedgerStore::write(std::vector<Item> batch) {
     return true;
   });
   Written out;
+  if (short_ && !reserve_.disk_is_full() && reserve_.take()) short_ = false;
   if (short_) give_up(batch, true, out.failed);
   auto written = commit(batch);
   if (!written && no_room_ && reserve_.give_up()) {

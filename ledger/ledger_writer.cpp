@@ -221,6 +221,7 @@ bool LedgerWriter::flush(std::chrono::milliseconds most) {
 }
 
 void LedgerWriter::run() {
+  (void)store_.rest();
   std::unique_lock lock{mutex_};
   for (;;) {
     const auto called = [this] { return stop_ || urgent_; };

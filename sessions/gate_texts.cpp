@@ -24,9 +24,9 @@ constexpr Texts table[] = {
     {NotSent::limit, "Held: a limit is exceeded", "Not sent: a limit is exceeded", "limit"},
     {NotSent::unknown_before, "Held: what became of an earlier request is unknown",
      "Not sent: what became of an earlier request is unknown", "unknown"},
+    {NotSent::turn, "Waits for its turn", "Not sent: it waited for its turn for too long", "age"},
     {NotSent::home_lacks, "Held: the ledger lacks earlier requests",
      "Not sent: the ledger lacks earlier requests", "missing"},
-    {NotSent::turn, "Waits for its turn", "Not sent: it waited for its turn for too long", "age"},
     {NotSent::market, "", "Not sent: the quote is too old, or the price has gone", "limit"},
 };
 const Texts& of(NotSent why) {

@@ -12,6 +12,7 @@
 #include "ledger/ledger_reader.h"
 #include "ledger/ledger_start.h"
 #include "ledger/ledger_writer.h"
+#include "tests/support/kill_point.h"
 #include "tests/support/ledger_home.h"
 
 namespace tutti::testing {
@@ -399,6 +400,52 @@ TEST(Ledger, StoresNothingOnABadDiskAndGoesOnWhenItIsWellAgain) {
     EXPECT_EQ(home.ask("SELECT request, state FROM event"), Texts{"1000000|FILLED"});
     EXPECT_EQ(home.check(), Texts{});
   }
+}
+
+// What ends something and what is answered is stored on a full disk, too, as long as the reserve lasts; new
+// orders are once there is room again.
+TEST(Ledger, OnAFullDiskTheReserveIsForAnswersClosesAndCancels) {
+  Home home;
+  auto ledger = home.open();
+  ASSERT_TRUE(stored(*ledger, requests(1)));
+  const std::filesystem::path reserve = home.folder.path() / "ledger-reserve";
+  EXPECT_EQ(std::filesystem::file_size(reserve), 8u << 20);
+  const auto of_kind = [](RequestKind kind, RequestId id) {
+    std::vector<LedgerRequest> out = requests(1, id);
+    out[0].kind = kind;
+    return out;
+  };
+  fill_disk_but_for(reserve.string());
+  EXPECT_TRUE(ledger->leaves(first_id)) << "it takes the reserve for that, too";
+  fill_disk_but_for("");
+  ASSERT_TRUE(stored(*ledger, requests(1, first_id + 1)));
+  ledger.reset();
+  ledger = home.open();
+  ASSERT_TRUE(stored(*ledger, requests(1, first_id + 2)));
+  fill_disk_but_for(reserve.string());
+  ledger->note(event(first_id + 2, LedgerState::filled));
+  EXPECT_TRUE(ledger->flush(10s));
+  EXPECT_FALSE(std::filesystem::exists(reserve));
+  EXPECT_NE(ledger->fault().find("the disk is full"), std::string::npos) << ledger->fault();
+  RequestId id = first_id + 10;
+  for (const auto& [kind, kept] : {std::pair{RequestKind::open, false},
+                                   {RequestKind::close, true},
+                                   {RequestKind::entry, false},
+                                   {RequestKind::cancel, true},
+                                   {RequestKind::update, false},
+                                   {RequestKind::stops, false},
+                                   {RequestKind::requote, true}}) {
+    EXPECT_EQ(stored(*ledger, of_kind(kind, ++id)), kept) << static_cast<int>(kind);
+    ledger->note(event(id, LedgerState::dropped));
+  }
+  EXPECT_TRUE(ledger->flush(10s));
+  fill_disk_but_for("");
+  EXPECT_TRUE(stored(*ledger, requests(1, first_id + 20)));
+  EXPECT_EQ(ledger->fault(), "");
+  EXPECT_TRUE(std::filesystem::exists(reserve));
+  EXPECT_EQ(home.ask("SELECT kind, count(*) FROM request WHERE id > 1000002 GROUP BY 1 ORDER BY 1"),
+            (Texts{"cancel|1", "close|1", "open|1", "requote reject|1"}));
+  EXPECT_EQ(home.check(), Texts{});
 }
 
 TEST(Ledger, KnowsTheFileSystemsItDoesNotTrust) {

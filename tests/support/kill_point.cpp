@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <mutex>
+#include <string>
 
 #include "tests/support/unsynced_files.h"
 
@@ -17,6 +19,11 @@ namespace {
 std::atomic<bool> armed{false};
 std::atomic<long> counted{0};
 std::atomic<long> last{0};
+
+std::string room;  // of a full disk; empty: it is not
+bool full() {
+  return !room.empty() && ::access(room.c_str(), F_OK) == 0;
+}
 
 UnsyncedFiles* files = nullptr;  // whose writes are watched
 std::mutex one_by_one;           // while they are
@@ -59,6 +66,10 @@ void cut_power_at_write(long number, UnsyncedFiles& unsynced) {
   arm(number, &unsynced);
 }
 
+void fill_disk_but_for(const std::string& file) {
+  room = file;
+}
+
 long writes_counted() {
   return counted;
 }
@@ -70,12 +81,19 @@ long writes_counted() {
 // before those of what it is linked with.
 extern "C" {
 
+int posix_fallocate(int fd, off_t offset, off_t size) {
+  if (!tutti::testing::room.empty()) return ENOSPC;
+  return ::syscall(SYS_fallocate, fd, 0, offset, size) == 0 ? 0 : errno;
+}
+
 ssize_t write(int fd, const void* data, size_t size) {
+  if (tutti::testing::full()) return errno = ENOSPC, -1;
   return tutti::testing::counted_call([&](auto& files) { files.written(fd, data, size); },
                                       [&] { return ::syscall(SYS_write, fd, data, size); });
 }
 
 ssize_t pwrite64(int fd, const void* data, size_t size, off64_t offset) {
+  if (tutti::testing::full()) return errno = ENOSPC, -1;
   return tutti::testing::counted_call([&](auto& files) { files.written(fd, data, size, offset); },
                                       [&] { return ::syscall(SYS_pwrite64, fd, data, size, offset); });
 }
