@@ -127,7 +127,9 @@ int RowsRun::run(const Book& book, Label& button) {
       return exit_status::usage;
     }
   }
+  context_.main().sessions().admission().override_limits(arguments_.over_limits);
   button.click();
+  context_.refuse_held();
   run_answering(context_, arguments_.requote, [&] {
     return std::all_of(all.begin(), all.end(), [&](const Asked& a) { return report_.answered(a); });
   });

@@ -125,10 +125,11 @@ std::string check_new_price(const std::string& text) {
   return typable(text) || text == "none" ? std::string{} : "must be a price above 0, or none";
 }
 
-void add_override(CLI::App& command, std::string& reason) {
-  command.add_option("--override", reason, "Send what is over a limit all the same, for this reason")
-      ->type_name("REASON")
-      ->check(check_filled);
+constexpr auto send_over_limits = "Send what is over a limit all the same, for this reason";
+constexpr auto send_unstored = "Send what can't be stored all the same, for this reason";
+
+void add_override(CLI::App& command, std::string& reason, const char* help = send_over_limits) {
+  command.add_option("--override", reason, help)->type_name("REASON")->check(check_filled);
 }
 
 void add_split_options(CLI::App& command, SplitArguments& arguments) {
@@ -234,6 +235,7 @@ Command add_close(CLI::App& app) {
   const auto arguments =
       add_rows_options(command, "--ticket", "All positions of a symbol", "Tickets with commas between them");
   add_requote(command, arguments->requote);
+  add_override(command, arguments->over_limits, send_unstored);
   explain(command, "tuttictl --yes close --symbol EURUSD --accounts 500100,500102", sends_requests);
   return {.app = &command, .effect = Effect::sends, .run = with(close_command, arguments)};
 }
@@ -242,6 +244,7 @@ Command add_cancel(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("cancel", "Cancel pending orders");
   const auto arguments = add_rows_options(command, "--order", "All pending orders of a symbol",
                                           "Order numbers with commas between them");
+  add_override(command, arguments->over_limits, send_unstored);
   explain(command, "tuttictl --yes cancel --order 10000012,10000013", sends_requests);
   return {.app = &command, .effect = Effect::sends, .run = with(cancel_command, arguments)};
 }
@@ -366,6 +369,7 @@ Command add_stop(CLI::App& app) {
   command.add_flag("--end", arguments->end, "End the stop: trading goes on")
       ->excludes("--cancel-orders")
       ->excludes("--close-positions");
+  add_override(command, arguments->over_limits, send_unstored);
   explain(command, "tuttictl --yes stop --cancel-orders --close-positions",
           "0 it was done, and nothing is open where something was to be closed; 1 something is open, or "
           "nobody could look; 4 what became of something that was sent is unknown");

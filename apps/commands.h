@@ -60,6 +60,7 @@ struct StopArguments {
   bool cancel_orders = false;
   bool close_positions = false;
   bool end = false;
+  std::string over_limits;  // as in SplitArguments
 };
 
 // Which rows of a list are meant; what is empty does not narrow.
@@ -67,6 +68,7 @@ struct RowsArguments : AccountArguments {
   std::string symbol;
   std::vector<std::int64_t> numbers;  // tickets or order numbers
   RequoteReply requote = RequoteReply::reject;
+  std::string over_limits;  // as in SplitArguments
 };
 
 // The rest of an act, to be sent again.

@@ -75,6 +75,9 @@ LineTexts answer_line(const RequestEvent& event) {
   LineTexts out;
   for (const Outcome& outcome : outcomes(event)) {
     const auto lines = outcome_lines(outcome, details);
+    // A refusal that no line tells of, unless the dealer was asked.
+    const bool opens_or_closes = event.kind == RequestKind::open || event.kind == RequestKind::close;
+    if (lines.empty() && out.empty() && opens_or_closes && !event.dealt) return {};
     if (!lines.empty()) out.insert(out.end(), lines.front().begin(), lines.front().end());
   }
   return out;

@@ -20,6 +20,8 @@ constexpr std::string_view added_begin = " (added at the next start: it happened
 constexpr std::string_view added_end = ")";
 // A line is written in the handler that has told the ledger.
 constexpr std::chrono::seconds handler_takes{5};
+// Its time is that of the place where the terminal stood, and of a clock that may have been set.
+constexpr std::chrono::hours other_zones{26};
 constexpr std::size_t piece = 16u << 10;
 
 struct Expected {
@@ -51,12 +53,15 @@ tl::expected<std::vector<ToldLine>, FileError> lines_since(const std::filesystem
   return out;
 }
 
-// Takes the line that tells of it out, if there is one.
+// Takes the line that tells of it out, if there is one. One that names the order is no other's, whatever the
+// clock and its zone were when it was written.
 bool take_line(const Expected& expected, std::vector<ToldLine>& lines, const Clock& clock) {
   const std::string from = journal_time(clock, expected.event.time);
   const std::string until = journal_time(clock, expected.event.time + handler_takes);
+  const std::string number = std::to_string(expected.event.order);
   const auto line = std::find_if(lines.begin(), lines.end(), [&](const ToldLine& each) {
-    return each.time >= from && each.time <= until &&
+    const bool named = expected.event.order != 0 && each.text.find(number) != std::string::npos;
+    return (named || (each.time >= from && each.time <= until)) &&
            std::any_of(expected.texts.begin(), expected.texts.end(),
                        [&](const std::string& text) { return plain_history_text(text) == each.text; });
   });
@@ -113,7 +118,8 @@ tl::expected<std::size_t, FileError> add_missing_lines(CJournal& journal, const 
     const auto oldest = std::min_element(all.begin(), all.end(), [](const Expected& a, const Expected& b) {
       return a.event.time < b.event.time;
     });
-    auto lines = lines_since(paths.file(journal.FileName(account)), journal_time(clock, oldest->event.time));
+    auto lines = lines_since(paths.file(journal.FileName(account)),
+                             journal_time(clock, oldest->event.time - other_zones));
     if (!lines) return tl::unexpected(lines.error());
     for (const Expected& each : all)
       if (!take_line(each, *lines, clock)) missing.push_back(each);

@@ -96,7 +96,9 @@ int stop_command(CommandContext& context, const StopArguments& arguments) {
   if (context.main().general().msg_box.GeneralQuestionMsg(question(form.figures_text(), arguments)) == yes) {
     if (arguments.cancel_orders) form.chkOrders.click();
     if (arguments.close_positions) form.chkPositions.click();
+    context.main().sessions().admission().override_limits(arguments.over_limits);
     form.cmdCarryOut.click();
+    context.refuse_held();
     context.run_until([&] { return context.main().sessions().unanswered() == 0; });
   }
   context.journal_unanswered();

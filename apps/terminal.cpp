@@ -23,6 +23,7 @@ Terminal::~Terminal() {
   control_.reset();
   if (main_ == nullptr) return;
   // What the sessions say as they end comes before.
+  whole_ = whole_ && main_->journal().complete();
   main_.reset();
   end_journal();
 }
@@ -102,11 +103,12 @@ void Terminal::begin_journal() {
   const auto file = LedgerReader{options_.home, options_.key_file}.open();
   const auto tell = [this](const std::string& why) {
     main_->general().log("The journal was not compared with the ledger: " + why, -1);
+    whole_ = false;
   };
   if (!file) return tell(file.error().text());
   try {
     const auto added = add_missing_lines(main_->journal(), Paths{options_.home}, ports_.clock, **file);
-    if (!added) tell(added.error().text());
+    if (!added) return tell(added.error().text());
     anchor_journal(**file);
   } catch (const SQLite::Exception& error) {
     tell(error.what());
@@ -115,8 +117,9 @@ void Terminal::begin_journal() {
 
 void Terminal::anchor_journal(LedgerFile& file) {
   const JournalAnchor anchor = JournalAnchor::newest(file);
-  // The lines that tell of what is stored stand before it.
+  // The lines that tell of what is stored stand before it: where one is missing the next start looks for it.
   main_->journal().flush();
+  if (!whole_ || !main_->journal().complete()) return;
   main_->journal().note(anchor.text());
   main_->journal().flush();
 }
@@ -136,7 +139,7 @@ void Terminal::anchor_new_day() {
 
 void Terminal::end_journal() {
   constexpr std::chrono::seconds short_enough{1};
-  if (!ledger_->flush(short_enough)) return;
+  if (!whole_ || !ledger_->flush(short_enough)) return;
   const auto file = LedgerReader{options_.home, options_.key_file}.open();
   if (!file) return;
   const Paths paths{options_.home};

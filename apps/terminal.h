@@ -126,6 +126,7 @@ class Terminal {
   std::unique_ptr<Main> main_;
   std::optional<TerminalControl> control_;
   std::optional<LineServer> listens_;
+  bool whole_ = true;                 // nothing is known to be missing in the histories
   std::chrono::sys_days anchored_{};  // the day in UTC on which the journal was told last
 };
 

@@ -66,9 +66,8 @@ struct SentOrder {
   RequestId retry_of = 0;        // the one that is sent again with it, 0 none
   BookEra era = 0;               // of the server's book when it was sent
   std::int64_t stops_order = 0;  // of stops: the SL/TP order that the position had when they were sent
-  // Greatest number of a position or order that the account had when it was stored; 0 where nothing is
-  // stored.
-  std::int64_t greatest_before = 0;
+  // Greatest number of a position or order that the account had when it was stored; below 0: not known.
+  std::int64_t greatest_before = -1;
   StopPrices stops{};                      // of an entry order, an update, and stops
   std::chrono::milliseconds last_word{0};  // when it was sent or last heard of; of the clock's elapsed time
   SymbolHandle symbol = no_symbol;

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <mutex>
 #include <utility>
 
 namespace tutti {
@@ -26,6 +27,7 @@ class DiskReserve {
  private:
   const std::filesystem::path file_;
   const std::uintmax_t bytes_;
+  std::mutex mutex_;
   std::atomic<bool> held_{false};
 };
 

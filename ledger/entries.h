@@ -143,7 +143,7 @@ struct LedgerUnknown {
   BookEra era = 0;
   std::string why;  // "late", "lost", "crash"
   TimePoint since{};
-  std::int64_t greatest_before = 0;         // as LedgerRequest has it
+  std::int64_t greatest_before = -1;        // as LedgerRequest has it; below 0: not known
   std::vector<std::int64_t> taken_since{};  // greater numbers that other requests of the account were given
 };
 

@@ -127,7 +127,7 @@ void LedgerBook::add_requests(std::int64_t ticket, const std::vector<LedgerReque
                number_or_none(static_cast<std::int64_t>(each.era)),
                number_or_none(each.retry_of),
                whole_or_none(each.net_before, lots_digits),
-               number_or_none(each.greatest_before)});
+               each.greatest_before});
     auto& open =
         file_.statement("INSERT INTO open_request (request, account, state) VALUES (?, ?, 'STORED')");
     open.bind(1, each.id);

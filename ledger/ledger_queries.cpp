@@ -302,7 +302,7 @@ void LedgerQueries::add_open(const std::string& which, RequestId id, std::vector
       "SELECT o.request, a.server, a.user, a.account_text, r.kind, coalesce(r.symbol, ''), coalesce(r.side, "
       "''), coalesce(r.lots, 0), coalesce(r.lots_digits, 0), coalesce(r.price, 0), coalesce(r.price_digits, "
       "0), coalesce(r.reference, o.order_no, 0), coalesce(r.era, 0), coalesce(e.reason, ''), "
-      "coalesce(e.t_here, t.t), coalesce(r.greatest_before, 0) FROM open_request o JOIN request r ON r.id = "
+      "coalesce(e.t_here, t.t), coalesce(r.greatest_before, -1) FROM open_request o JOIN request r ON r.id = "
       "o.request JOIN account a ON a.n "
       "= "
       "r.account JOIN ticket t ON t.n = r.ticket LEFT JOIN event e ON e.seq = (SELECT max(seq) FROM event "
@@ -338,30 +338,33 @@ std::vector<LedgerUnknown> LedgerQueries::unknown(std::span<const LedgerEvent> m
   std::sort(out.begin(), out.end(),
             [](const LedgerUnknown& a, const LedgerUnknown& b) { return a.id < b.id; });
   for (LedgerUnknown& each : out)
-    if (each.kind == RequestKind::open && each.greatest_before != 0) add_taken_since(each);
+    if (each.kind == RequestKind::open && each.greatest_before >= 0) add_taken_since(each);
   return out;
 }
 
 void LedgerQueries::add_taken_since(LedgerUnknown& unknown) {
+  // What was under way then was sent within the hour before; the upper half of an id counts seconds.
+  constexpr std::int64_t hour = std::int64_t{3600} << 32;
   auto& rows = file_.statement(
-      "SELECT DISTINCT e.order_no FROM request o JOIN request r ON r.id > o.id AND +r.account = o.account "
-      "JOIN event e "
-      "ON e.request = r.id WHERE o.id = ?1 AND e.order_no > ?2 ORDER BY 1");
+      "SELECT DISTINCT e.order_no FROM request o JOIN request r ON r.id > o.id - ?3 AND r.id <> o.id AND "
+      "+r.account = o.account JOIN event e ON e.request = r.id WHERE o.id = ?1 AND e.order_no > ?2 ORDER BY "
+      "1");
   rows.bind(1, unknown.id);
   rows.bind(2, unknown.greatest_before);
+  rows.bind(3, hour);
   while (rows.executeStep())
     unknown.taken_since.push_back(rows.getColumn(0).getInt64());
   rows.reset();
 }
 
-std::map<LedgerAccount, std::int64_t> LedgerQueries::left() {
-  std::map<LedgerAccount, std::int64_t> out;
+std::map<std::int32_t, std::int64_t> LedgerQueries::left() {
+  std::map<std::int32_t, std::int64_t> out;
   auto& rows = file_.statement(
-      "SELECT a.server, a.user, a.account_text, coalesce(s.requests, 0) + coalesce(m.requests, 0) FROM "
+      "SELECT a.account_text, coalesce(s.requests, 0) + coalesce(m.requests, 0) FROM "
       "account a "
       "LEFT JOIN account_sum s ON s.account = a.n LEFT JOIN missing_accepted m ON m.account = a.n");
   while (rows.executeStep())
-    out[account_of(rows, 0)] = rows.getColumn(3).getInt64();
+    out[read_integer(rows.getColumn(0).getString())] += rows.getColumn(1).getInt64();
   rows.reset();
   return out;
 }

@@ -39,9 +39,9 @@ class LedgerQueries {
   // Entry orders that wait for their price; oldest first.
   std::vector<LedgerUnknown> working();
   std::optional<NamedTicket> named(const std::string& key, const std::string& plan);
-  // How many requests of each account have left, answers to requotes not counted, with those that the
-  // operator knows to be missing.
-  std::map<LedgerAccount, std::int64_t> left();
+  // How many requests have left by the number of their account, answers to requotes not counted, with those
+  // that the operator knows to be missing.
+  std::map<std::int32_t, std::int64_t> left();
   // Tickets since a time that were not refused here, but for closes and cancels; of the last thousand.
   std::vector<LedgerPastTicket> recent(TimePoint since);
 

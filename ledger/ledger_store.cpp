@@ -68,7 +68,7 @@ LedgerStore::Written LedgerStore::write(std::vector<Item> batch) {
     if (opened && file_->head() == in_doubt_) {
       later_.clear();
       written = {};
-    } else {
+    } else if (opened) {
       give_up(batch, true, out.failed);
       written = commit(batch);
     }
@@ -79,20 +79,21 @@ LedgerStore::Written LedgerStore::write(std::vector<Item> batch) {
   }
   give_up(batch, false, out.failed);
   later_.insert(later_.end(), std::make_move_iterator(batch.begin()), std::make_move_iterator(batch.end()));
-  // What waited before was in that commit, too.
-  doubtful_ = in_doubt_.commit > 0 ? later_.size() : 0;
+  // What waited before was in that commit, too. While the file can't be opened that of before is in doubt.
+  if (attempted_) doubtful_ = in_doubt_.commit > 0 ? later_.size() : 0;
   out.all_kept = false;
   out.fault = written.error().text();
   return out;
 }
 
 tl::expected<void, FileError> LedgerStore::commit(const std::vector<Item>& batch) {
-  no_room_ = false;
+  no_room_ = attempted_ = false;
   if (!file_) {
     if (auto opened = open(time_of(batch)); !opened) return opened;
   }
   if (later_.empty() && batch.empty()) return {};
   in_doubt_ = {};
+  attempted_ = true;
   try {
     file_->begin();
     const TimePoint time = time_of(batch.empty() ? later_ : batch);
@@ -143,12 +144,14 @@ TimePoint LedgerStore::time_of(const std::vector<Item>& items) {
   for (const Item& item : items) {
     if (const auto* event = std::get_if<LedgerEvent>(&item)) newest = std::max(newest, event->time);
     if (const auto* part = std::get_if<Part>(&item)) newest = std::max(newest, part->time);
+    if (const auto* missing = std::get_if<Missing>(&item)) newest = std::max(newest, missing->time);
   }
   return newest;
 }
 
-std::string LedgerStore::rest() {
-  if (file_ && file_->head() != taken_in_) {
+std::optional<std::string> LedgerStore::rest() {
+  if (!file_) return std::nullopt;
+  if (file_->head() != taken_in_) {
     taken_in_ = file_->head();
     try {
       file_->checkpoint();
@@ -156,7 +159,8 @@ std::string LedgerStore::rest() {
       // The next commit tells whether the file can be used.
     }
   }
-  if (reserve_.take()) short_ = false;
+  // Without one a disk that has less room than that is full.
+  short_ = !reserve_.take() && reserve_.disk_is_full();
   return shortage();
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -40,6 +42,7 @@ class LedgerStore {
   struct Missing {
     Sender sender;
     std::int64_t requests;
+    TimePoint time;
   };
   using Item = std::variant<Known, Part, LedgerEvent, Missing>;
 
@@ -63,10 +66,15 @@ class LedgerStore {
   bool waits() const { return !later_.empty(); }
   // To be called when there is nothing to write: takes the log of the database into its file, and what room
   // the reserve needs. Answers the fault as `write` does.
-  std::string rest();
-  // Gives up the reserve, for what else must be written in the home; false when there was none. Any thread
-  // may call.
-  bool make_room() { return reserve_.give_up(); }
+  // Nothing while the file can't be used.
+  std::optional<std::string> rest();
+  // Gives up the reserve, for what else must be written in the home; false when there was none. New orders
+  // are given up from then on, as ever. Any thread may call.
+  bool make_room() {
+    const bool room = reserve_.give_up();
+    if (room) short_ = true;
+    return room;
+  }
 
  private:
   tl::expected<void, FileError> commit(const std::vector<Item>& batch);
@@ -91,8 +99,9 @@ class LedgerStore {
   std::string boot_;
   bool run_noted_ = false;
   DiskReserve reserve_;
-  bool no_room_ = false;  // as the last commit said that failed
-  bool short_ = false;    // the reserve was needed, and is not back yet
+  bool no_room_ = false;            // as the last commit said that failed
+  bool attempted_ = false;          // the last one came as far as the file
+  std::atomic<bool> short_{false};  // the reserve was needed, and is not back yet
 };
 
 }  // namespace tutti

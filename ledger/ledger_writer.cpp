@@ -32,7 +32,10 @@ LedgerWriter::LedgerWriter(Options options, const Secret& key, const Clock& cloc
 tl::expected<std::unique_ptr<LedgerWriter>, FileError> LedgerWriter::open(Options options, const Secret& key,
                                                                           const Clock& clock) {
   std::unique_ptr<LedgerWriter> out{new LedgerWriter{std::move(options), key, clock}};
-  if (auto started = out->start(); !started) return tl::unexpected(started.error());
+  auto started = out->start();
+  // The last run's reserve may be what a full disk needs.
+  if (!started && out->store_.make_room()) started = out->start();
+  if (!started) return tl::unexpected(started.error());
   return out;
 }
 
@@ -178,7 +181,7 @@ bool LedgerWriter::leaves(RequestId request) {
 
 void LedgerWriter::accept_missing(Sender sender, std::int64_t requests) {
   counts_.add(sender, requests);
-  if (!read_only_) put(LedgerStore::Missing{sender, requests}, false);
+  if (!read_only_) put(LedgerStore::Missing{sender, requests, clock_.now()}, false);
 }
 
 void LedgerWriter::sent(const SentOrder& request) {
@@ -230,9 +233,9 @@ void LedgerWriter::run() {
           work_.wait_for(lock, store_.waits() ? next_try : idle, [&] { return called() || !queue_.empty(); });
       if (!waited && !store_.waits()) {
         lock.unlock();
-        std::string fault = store_.rest();
+        std::optional<std::string> fault = store_.rest();
         lock.lock();
-        fault_ = std::move(fault);
+        if (fault) fault_ = std::move(*fault);
         continue;
       }
     }

@@ -11,12 +11,13 @@
 namespace tutti {
 
 // How many requests have left for each account over all runs, so that a server that has taken more shows what
-// the ledger lacks. Answers to requotes are not counted.
+// the ledger lacks. Answers to requotes are not counted. What stands under one number counts together: the
+// same account may be written with another address of its server, or be another user's, too.
 class LeftCounts {
  public:
   // Of earlier runs.
-  void begin(std::map<LedgerAccount, std::int64_t> earlier) { counts_ = std::move(earlier); }
-  void know(Sender sender, const LedgerAccount& account) { of_[sender] = &counts_[account]; }
+  void begin(std::map<std::int32_t, std::int64_t> earlier) { counts_ = std::move(earlier); }
+  void know(Sender sender, const LedgerAccount& account) { of_[sender] = &counts_[account.account]; }
   void add(Sender sender, std::int64_t requests) {
     if (const auto at = of_.find(sender); at != of_.end()) *at->second += requests;
   }
@@ -26,8 +27,8 @@ class LeftCounts {
   }
 
  private:
-  std::map<LedgerAccount, std::int64_t> counts_;
-  tsl::robin_map<Sender, std::int64_t*> of_;  // within them
+  std::map<std::int32_t, std::int64_t> counts_;  // by the number of the account
+  tsl::robin_map<Sender, std::int64_t*> of_;     // within them
 };
 
 }  // namespace tutti

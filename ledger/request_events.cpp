@@ -29,7 +29,8 @@ void each_request_event(LedgerFile& file, std::int64_t after,
       "SELECT e.seq, e.request, a.account_text, r.kind, r.symbol, r.side, r.lots, r.lots_digits, r.price, "
       "r.price_digits, r.reference, r.retry_of IS NOT NULL, e.state, e.evidence, e.reason, e.code, "
       "e.order_no, e.note, e.t_here, e.state = 'WORKING' AND EXISTS (SELECT 1 FROM event n WHERE n.request "
-      "= e.request AND n.seq > e.seq AND n.t_here = e.t_here AND n.state IN ('PART', 'FILLED')) FROM event e "
+      "= e.request AND n.seq > e.seq AND n.t_here - e.t_here BETWEEN 0 AND 20 AND n.state IN ('PART', "
+      "'FILLED')) FROM event e "
       "JOIN request r ON r.id = e.request JOIN account a ON a.n = r.account WHERE e.request IN (SELECT "
       "request FROM event WHERE seq > ?1) ORDER BY e.seq");
   rows.bind(1, after);

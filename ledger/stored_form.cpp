@@ -2,14 +2,19 @@
 
 #include <algorithm>
 
+#include "core/numbers.h"
+
 namespace tutti {
 namespace {
+
+constexpr int most_decimals = 8;  // of any lots
 
 void note_what_was_there(LedgerRequest& out, std::int32_t account, const Books& books) {
   books.positions.each_of_account(account, [&](const OpenPosition& each) {
     out.greatest_before = std::max(out.greatest_before, each.ticket);
     if (each.symbol == out.symbol) out.net_before += buys(each.side) ? each.amount : -each.amount;
   });
+  out.net_before = round_half_even(out.net_before, most_decimals);
   books.orders.each_of_account(account, [&](const PendingOrder& each) {
     out.greatest_before = std::max(out.greatest_before, each.order);
   });
@@ -66,6 +71,8 @@ std::vector<LedgerRequest> stored_form(Ledger::Requests requests, const Books& b
 LedgerTicket ticket_of(LedgerTicket about, const std::vector<LedgerRequest>& requests) {
   for (const LedgerRequest& each : requests)
     about.total += each.lots;
+  // What the fractions add up to beyond any share's decimals is none of the operator's.
+  about.total = round_half_even(about.total, most_decimals);
   const auto all_have = [&](auto member) {
     return std::all_of(requests.begin(), requests.end(),
                        [&](const LedgerRequest& each) { return each.*member == requests.front().*member; });

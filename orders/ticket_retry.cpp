@@ -157,6 +157,11 @@ std::vector<const SentOrder*> TicketRetry::go_on(std::int64_t ticket,
            });
   };
   for (const Rest& each : stored) {
+    if (sessions_.admission().lacks(each.session->sender())) {
+      left_out.push_back(fmt::format("Account {}: the ledger lacks requests that the server has taken",
+                                     each.request->account.account));
+      continue;
+    }
     if (unknown_before(*each.request)) {
       left_out.push_back(fmt::format("Account {}: the outcome of an earlier request of {} is unknown",
                                      each.request->account.account, each.request->symbol));

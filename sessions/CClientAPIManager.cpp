@@ -175,8 +175,7 @@ void CClientAPIManager::AllDataAreLoaded() {
     desk.close_positions->add_account(account());
     desk.entry_order->add_account(account());
     desk.close_positions->refresh_symbols();
-    unknown_.ask();
-    compare_counts();
+    unknown_.ask(is_whole());
     if (scope_.record.connected()) {
       desk.accounts->record_connected(*this);
       general.play_sound("\\sounds\\Connect.wav");
@@ -186,10 +185,11 @@ void CClientAPIManager::AllDataAreLoaded() {
 }
 
 // A server that has taken more than this home knows of shows that the home is older.
-void CClientAPIManager::compare_counts() {
+bool CClientAPIManager::is_whole() {
   const auto known = client_->RequestsKnown();
   const std::int64_t missing = known ? *known - gate_.ledger().left(sender()) : 0;
-  if (missing > 0) gate_.admission().home_lacks(sender(), account(), missing);
+  gate_.admission().home_lacks(sender(), account(), missing);
+  return missing <= 0;
 }
 
 void CClientAPIManager::DisInvalidAcc(std::string_view key_text) {

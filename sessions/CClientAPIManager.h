@@ -206,7 +206,7 @@ class alignas(64) CClientAPIManager final : public CLAPICLASS {
   void SummariesChanged(const AccountSummary& summary) override { CLAPICLASS_SummariesChanged(summary); }
 
  private:
-  void compare_counts();
+  bool is_whole();
   void CLAPICLASS_SummariesChanged(const AccountSummary& reported) {
     session_summary::changed(scope_, reported);
   }

@@ -63,6 +63,7 @@ CClientAPIManager* CClientAPIManagers::logged_in(const LedgerAccount& account) c
 }
 
 bool CClientAPIManagers::close_awaited(std::int64_t ticket, std::int32_t account) const {
+  if (gate_.admission().holds_close(ticket, account)) return true;
   const auto at = by_account_.find(account);
   return at != by_account_.end() &&
          std::any_of(at->second.begin(), at->second.end(), [ticket](const CClientAPIManager* session) {

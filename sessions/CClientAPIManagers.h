@@ -90,6 +90,7 @@ class CClientAPIManagers {
     gate_.as_one_ticket(ask, about);
   }
   // What `ask` sends is a request that had no effect, once more.
+  void as_retry_of(RequestId request, const std::function<void()>& ask) { gate_.as_retry_of(request, ask); }
   // What an earlier run stored and never sent won't be sent under its id any more.
   void drop_stored(RequestId request) {
     gate_.ledger().note({.request = request,
@@ -97,7 +98,6 @@ class CClientAPIManagers {
                          .evidence = LedgerEvidence::hand,
                          .reason = "sent again"});
   }
-  void as_retry_of(RequestId request, const std::function<void()>& ask) { gate_.as_retry_of(request, ask); }
   // Sends what was asked for in handlers and is stored by now, or waits for that.
   void send_stored() { gate_.send_stored(); }
   void wait_for_stored() { gate_.wait_for_stored(); }

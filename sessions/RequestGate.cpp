@@ -125,8 +125,12 @@ void RequestGate::not_stored(WaitingTicket& ticket, bool late, const std::string
   if (ticket.about.override_reason.empty()) ticket.about.override_reason = admission_.override_reason();
   if (ticket.about.override_reason.empty())
     return admission_.hold_not_stored(std::move(ticket.about), std::exchange(ticket.asked, {}));
-  general_.log(fmt::format("{} closes and cancels are sent without being stored ({}): {}", requests.size(),
-                           ticket.about.override_reason, why),
+  send_unstored(std::exchange(ticket, {}), why);
+}
+
+void RequestGate::send_unstored(WaitingTicket ticket, const std::string& why) {
+  general_.log(fmt::format("{} closes and cancels are sent whether they are stored or not ({}): {}",
+                           ticket.asked.size(), ticket.about.override_reason, why),
                no_account);
   ticket.unrecorded = true;
   send_up_to(ticket, ticket.asked.size());
@@ -203,8 +207,14 @@ std::optional<std::chrono::milliseconds> RequestGate::next_turn() const {
 }
 
 void RequestGate::send_held(int number, std::string_view reason) {
-  if (auto ticket = admission_.let_go(number, reason))
-    store_and_send(std::move(ticket->about), ticket->asked);
+  auto ticket = admission_.let_go(number, reason);
+  if (!ticket) return;
+  if (!ticket->not_stored()) return store_and_send(std::move(ticket->about), ticket->asked);
+  send_unstored({.marks = {},
+                 .since = general_.clock.elapsed(),
+                 .about = std::move(ticket->about),
+                 .asked = std::move(ticket->asked)},
+                ticket->text());
 }
 
 bool RequestGate::send(SentOrder& request, const Then& then, bool unrecorded) {
@@ -215,6 +225,8 @@ bool RequestGate::send(SentOrder& request, const Then& then, bool unrecorded) {
   book_.note_code(request, ways_.call(request));
   if (open) {
     ledger_.sent(request);
+    // Else the next start would take it for one that somebody else has sent.
+    if (unrecorded) ledger_.accept_missing(request.sender, 1);
   } else {
     note(request, LedgerState::refused_here, "request code", LedgerEvidence::answer);
   }

@@ -90,6 +90,7 @@ class RequestGate {
   void store_and_send(LedgerTicket about, AskedRequests& asked);
   // Of what can't be stored, closes and cancels may go all the same, when the operator says so.
   void not_stored(WaitingTicket& ticket, bool late, const std::string& why);
+  void send_unstored(WaitingTicket ticket, const std::string& why);
   void send_part(WaitingTicket& ticket);
   // False when nothing more may leave, for want of a note of it.
   bool send(SentOrder& request, const Then& then, bool unrecorded);

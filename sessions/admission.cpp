@@ -111,7 +111,7 @@ std::optional<HeldTicket> Admission::let_go(int number, std::string_view reason)
   const auto at = std::find_if(held_.begin(), held_.end(),
                                [number](const HeldTicket& each) { return each.number == number; });
   if (at == held_.end()) return std::nullopt;
-  if (look_at_stop()) return std::nullopt;
+  if (look_at_stop() && at->about.origin != TicketOrigin::stop) return std::nullopt;
   TicketJudge::Breaches now = judge_.judge(at->asked.requests, at->about);
   const auto seen = [&](const limits::Breach& breach) {
     return std::any_of(at->breaches.begin(), at->breaches.end(),
@@ -135,6 +135,10 @@ std::optional<HeldTicket> Admission::let_go(int number, std::string_view reason)
 }
 
 void Admission::home_lacks(Sender sender, std::int32_t account, std::int64_t requests) {
+  if (requests <= 0) {
+    missing_.erase(sender);
+    return;
+  }
   const bool first = missing_.empty();
   missing_[sender] = requests;
   general_.log(
@@ -169,9 +173,20 @@ void Admission::accept_missing(const AskedRequests& asked, const TicketJudge::Br
   for (const SentOrder* each : asked.requests) {
     const auto at = missing_.find(each->sender);
     if (at == missing_.end()) continue;
+    general_.log(fmt::format("Trading goes on although {} requests are missing here", at->second),
+                 each->account);
     ledger_.accept_missing(each->sender, at->second);
     missing_.erase(at);
   }
+}
+
+bool Admission::holds_close(std::int64_t ticket, std::int32_t account) const {
+  const auto is_of_it = [&](const SentOrder* each) {
+    return each->kind == RequestKind::close && each->number == ticket && each->account == account;
+  };
+  return std::any_of(held_.begin(), held_.end(), [&](const HeldTicket& each) {
+    return std::any_of(each.asked.requests.begin(), each.asked.requests.end(), is_of_it);
+  });
 }
 
 void Admission::hold_not_stored(LedgerTicket about, AskedRequests asked) {
@@ -189,7 +204,7 @@ void Admission::refuse(int number) {
   held_.erase(at);
   general_.log(fmt::format("What was held is not sent, {} requests: {}", ticket.asked.size(), ticket.text()),
                no_account);
-  refuse(ticket.about, ticket.asked, ticket.asked.requests.front()->not_sent);
+  refuse(ticket, ticket.asked, ticket.asked.requests.front()->not_sent);
   held_changed();
 }
 
@@ -199,7 +214,7 @@ void Admission::drop_held(Sender sender) {
     const AskedRequests gone =
         ticket->asked.take_out([sender](const SentOrder& each) { return each.sender == sender; });
     changed = changed || !gone.empty();
-    refuse(ticket->about, gone, NotSent::account_gone);
+    refuse(*ticket, gone, NotSent::account_gone);
     ticket = ticket->asked.empty() ? held_.erase(ticket) : std::next(ticket);
   }
   if (changed) held_changed();
@@ -207,20 +222,28 @@ void Admission::drop_held(Sender sender) {
 
 bool Admission::look_at_stop() {
   if (!stop_.stopped()) return false;
-  if (held_.empty()) return true;
   std::size_t count = 0;
-  for (const HeldTicket& each : std::exchange(held_, {})) {
-    refuse(each.about, each.asked, NotSent::stopped);
-    count += each.asked.size();
+  // What carries the stop out waits for its own answer.
+  for (auto ticket = held_.begin(); ticket != held_.end();) {
+    const AskedRequests stopped =
+        ticket->asked.take_out([&](const SentOrder& each) { return !passes_stop(each, ticket->about); });
+    refuse(*ticket, stopped, NotSent::stopped);
+    count += stopped.size();
+    ticket = ticket->asked.empty() ? held_.erase(ticket) : std::next(ticket);
   }
+  if (count == 0) return true;
   tell(stopped_text(count));
   held_changed();
   return true;
 }
 
-void Admission::refuse(const LedgerTicket& about, const AskedRequests& asked, NotSent why) {
+void Admission::refuse(const HeldTicket& ticket, const AskedRequests& asked, NotSent why) {
+  refuse(ticket.about, asked, why, !ticket.not_stored());
+}
+
+void Admission::refuse(const LedgerTicket& about, const AskedRequests& asked, NotSent why, bool stores) {
   if (asked.empty()) return;
-  ledger_.store(about, asked.requests, asked.requests, Ledger::Mark{0}, books_);
+  if (stores) ledger_.store(about, asked.requests, asked.requests, Ledger::Mark{0}, books_);
   for (std::size_t place = 0; place < asked.size(); ++place) {
     SentOrder& request = *asked.requests[place];
     book_.note_dropped(request, why);

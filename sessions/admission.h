@@ -55,11 +55,16 @@ class Admission {
   // The same for as long as what it answers is held; with an empty one nothing goes so meanwhile.
   ForNow<std::string> override_for_now(std::string reason) { return {override_, std::move(reason)}; }
   const std::string& override_reason() const { return override_; }
-  // The server has taken so many requests of this sender's account that the ledger lacks: what opens or
-  // changes something is held until the operator lets one such ticket go, which says that he knows.
+  // The server has taken so many requests of this sender's account that the ledger lacks, 0 or below where it
+  // lacks none: what opens or changes something is held until the operator lets one such ticket go, which
+  // says that he knows.
   void home_lacks(Sender sender, std::int32_t account, std::int64_t requests);
   // Holds closes and cancels that can't be stored; let go, they are sent all the same.
   void hold_not_stored(LedgerTicket about, AskedRequests asked);
+  // A close of this position is held.
+  bool holds_close(std::int64_t ticket, std::int32_t account) const;
+  // Requests of this sender's account are missing, and nobody has let that go.
+  bool lacks(Sender sender) const { return override_.empty() && missing_.contains(sender); }
   // What is held of a connection that is over is refused; while trading is stopped, all of it.
   void drop_held(Sender sender);
   bool look_at_stop();
@@ -77,7 +82,9 @@ class Admission {
   void quote_at_click(LedgerTicket& about, const SentOrder& request) const;
   bool passes_stop(const SentOrder& request, const LedgerTicket& about) const;
   void hold(LedgerTicket about, AskedRequests asked, TicketJudge::Breaches breaches, NotSent why);
-  void refuse(const LedgerTicket& about, const AskedRequests& asked, NotSent why);
+  void refuse(const HeldTicket& ticket, const AskedRequests& asked, NotSent why);
+  // `stores`: with their ticket.
+  void refuse(const LedgerTicket& about, const AskedRequests& asked, NotSent why, bool stores = true);
   void tell(const std::string& text);
   void held_changed() const {
     if (on_held) on_held();

@@ -67,8 +67,10 @@ void SessionUnknown::tell_row(const SentOrder& request, std::string_view text,
     scope_.desk.close_positions->result(request.number, scope_.account, text);
 }
 
-void SessionUnknown::ask() {
+void SessionUnknown::ask(bool whole) {
   asked_ = 0;
+  reads_.clear();
+  whole_ = whole;
   for (SentOrder* request : sent_.unknown())
     if (!ask(*request)) look_at_positions(*request);
   for (SentOrder* request : sent_.gone())
@@ -80,7 +82,7 @@ void SessionUnknown::ask() {
   if (told_until_ == TimePoint{})
     told_until_ = now;
   else
-    read_fills(now - told_until_ + before);
+    read(told_until_ - before, Reads::since_told);
 }
 
 bool SessionUnknown::ask(SentOrder& request) {
@@ -103,13 +105,13 @@ const LedgerUnknown* SessionUnknown::earlier(const SentOrder& request) const {
 // A number that another request was given, in this run or an earlier one.
 bool SessionUnknown::is_of_another(std::int64_t ticket, const SentOrder& request) const {
   for (const RequestKind kind : {RequestKind::open, RequestKind::entry})
-    if (sent_.last(kind, ticket) != nullptr) return true;
+    if (const SentOrder* other = sent_.last(kind, ticket); other != nullptr && other != &request) return true;
   const LedgerUnknown* known = earlier(request);
   return known != nullptr && std::binary_search(known->taken_since.begin(), known->taken_since.end(), ticket);
 }
 
 void SessionUnknown::look_at_positions(SentOrder& request) {
-  if (request.kind != RequestKind::open || request.outcome != SentOrder::Outcome::unknown ||
+  if (!whole_ || request.kind != RequestKind::open || request.outcome != SentOrder::Outcome::unknown ||
       request.symbol == no_symbol || request.era != scope_.client.Era())
     return;
   // Whatever else is under way may be the position's request as well.
@@ -124,12 +126,14 @@ void SessionUnknown::look_at_positions(SentOrder& request) {
     return;
   const LedgerUnknown* known = earlier(request);
   const std::int64_t before = known != nullptr ? known->greatest_before : request.greatest_before;
+  if (before < 0) return;
   const std::string& symbol = scope_.symbols.entry(request.symbol).name;
   std::int64_t found = 0;
   for (int place = 1; place <= scope_.client.OpenPositionCount(); ++place) {
     const OpenPosition* each = scope_.client.OpenPositionItem(place);
-    if (each == nullptr || each->ticket <= before || each->symbol != symbol ||
-        buys(each->side) != buys(request.side) ||
+    // Of an order that went through dealing the number is known.
+    if (each == nullptr || (request.number != 0 && each->ticket != request.number) ||
+        each->ticket <= before || each->symbol != symbol || buys(each->side) != buys(request.side) ||
         std::fabs(each->amount - request.amount) > RequestBook::same_lots ||
         is_of_another(each->ticket, request))
       continue;
@@ -157,24 +161,32 @@ void SessionUnknown::told(RequestId id, RequestState state, double lots) {
 }
 
 void SessionUnknown::read_fills(std::chrono::milliseconds of_late) {
-  if (scope_.client.AskExecutions(scope_.general.clock.now() - of_late) == request::taken) ++asked_;
+  read(scope_.general.clock.now() - of_late, Reads::others);
+}
+
+bool SessionUnknown::read(TimePoint since, Reads what) {
+  if (scope_.client.AskExecutions(since) != request::taken) return false;
+  ++asked_;
+  reads_.push_back(what);
+  return true;
 }
 
 void SessionUnknown::fills_told(std::span<const Execution> fills, bool complete) {
   asked_ = std::max(asked_ - 1, 0);
   for (const Execution& fill : fills)
     sent_.fill_told(fill);
-  // It may lack only what was asked for to be sure.
-  if (!complete && !exactly_) {
-    exactly_ = scope_.client.AskExecutions(told_until_) == request::taken;
-    if (exactly_) ++asked_;
-    return;
+  Reads what = Reads::others;
+  if (!reads_.empty()) {
+    what = reads_.front();
+    reads_.pop_front();
   }
+  if (what == Reads::others) return;
+  // It may lack only what was asked for to be sure.
+  if (!complete && what == Reads::since_told && read(told_until_, Reads::exactly)) return;
   if (!complete)
     scope_.log("The server keeps no fills from " + full_time_text(told_until_) +
                " on any more: what was filled meanwhile may be missing here, compare the positions with its "
                "statement");
-  exactly_ = false;
   // Only now: a login that failed, or was cut off, has read nothing back.
   told_until_ = scope_.general.clock.now();
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <deque>
 #include <span>
 #include <string_view>
 
@@ -33,7 +35,8 @@ class SessionUnknown {
 
   // Asks what became of all of them, of entry orders that the account lists no more, and what was filled
   // while nobody was logged in: a stop loss waits for nobody. To be called once the account's data are there.
-  void ask();
+  // `whole`: the ledger lacks nothing that the server has; else no position tells anything.
+  void ask(bool whole);
   // What the broker answers to that.
   void told(RequestId id, RequestState state, double lots);
   // Reads back what was filled of late and brings no report with it. What comes twice is kept once.
@@ -59,7 +62,12 @@ class SessionUnknown {
   const Ledger& ledger_;
   int asked_ = 0;
   TimePoint told_until_;  // what was filled before has been told
-  bool exactly_ = false;  // it was asked for what has come since, and for nothing before
+  bool whole_ = true;     // as `ask` was told
+  // What was asked for, in the order in which it is answered: fills since what was told last with some time
+  // before to be sure, exactly since then, or others.
+  enum class Reads : std::uint8_t { others, since_told, exactly };
+  bool read(TimePoint since, Reads what);
+  std::deque<Reads> reads_;
 };
 
 }  // namespace tutti

@@ -310,7 +310,6 @@ TEST(VerifyCommand, FindsTheLossOfOneRow) {
 TEST_F(Histories, ThatWereClearedAreCounted) {
   rig.run("accounts");
   EXPECT_EQ(rig.run(buy), 0);
-  const std::string general = rig.home.read(file_of(no_account));
   std::filesystem::remove(rig.home.path() / file_of(500100));
   EXPECT_EQ(rig.run("verify"), 1) << "removed by hand";
   rig.clock.advance(60s);

@@ -117,10 +117,14 @@ void CJournal::show_all() {
 }
 
 void CJournal::ClearFile() {
-  // Who compares the histories with the ledger must know why lines are missing.
-  if (files_.remove(id_))
-    note(id_ == no_account ? std::string{cleared_text}
-                           : fmt::format("{}{}{}", cleared_account_begin, id_, cleared_account_end));
+  // Who compares the histories with the ledger must know why lines are missing, whenever this run ends.
+  if (id_ != no_account) {
+    note(fmt::format("{}{}{}", cleared_account_begin, id_, cleared_account_end));
+    flush();
+    (void)files_.remove(id_);
+  } else if (files_.remove(id_)) {
+    note(cleared_text);
+  }
   older_.reset();
   ClearList();
 }

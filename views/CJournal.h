@@ -44,6 +44,8 @@ class CJournal final : public Journal, public Displayable {
   // holds the separator is cut there.
   using Take = history_line::Take;
   tl::expected<void, FileError> read(std::int32_t id, const Take& take);
+  // No line was lost so far, as far as is known.
+  bool complete() const { return !incomplete_; }
   // Runs when a line can't be written for the first time: from then on the files are not complete.
   std::function<void(std::string_view text)> on_incomplete;
   // Identifier whose history is shown; -1 while live rows are.

@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <algorithm>
 #include <utility>
 
@@ -212,6 +213,14 @@ void RowListView::mouseDoubleClickEvent(QMouseEvent* event) {
   // Rows may have moved since the first click: what counts is what was clicked twice.
   if (event->button() != Qt::LeftButton || !index.isValid() || target_at(index) != pressed_) return;
   run_activate(index);
+}
+
+// The toolkit brings a cell into sight a moment after it was pressed. Rows alone are chosen here: a list that
+// has become narrower meanwhile must not move its first columns away.
+void RowListView::timerEvent(QTimerEvent* event) {
+  const int before = horizontalScrollBar()->value();
+  QTableView::timerEvent(event);
+  horizontalScrollBar()->setValue(before);
 }
 
 void RowListView::run_activate(const QModelIndex& index) {

@@ -89,6 +89,7 @@ class RowListView final : public QTableView {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void timerEvent(QTimerEvent* event) override;
 
  private:
   // A cell by what is in it: rows move, and new ones are made where others were freed.
