@@ -3,6 +3,7 @@
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
 build_packages=(cmake ninja-build ccache g++ pkg-config libfmt-dev libexpected-dev robin-map-dev libsodium-dev libicu-dev
+  libquickfix-dev libasio-dev libssl-dev
   libsqlitecpp-dev libsqlite3-dev libpq-dev libtomlplusplus-dev libcli11-dev nlohmann-json3-dev
   qt6-base-dev qt6-multimedia-dev qt6-svg-dev)
 

@@ -1,0 +1,27 @@
+#include "fix/session/fix_fields.h"
+
+#include <utility>
+
+namespace tutti {
+
+void FixFields::set(int tag, std::string value) {
+  for (FixField& field : fields_)
+    if (field.tag == tag) {
+      field.value = std::move(value);
+      return;
+    }
+  fields_.push_back({tag, std::move(value)});
+}
+
+const std::string* FixFields::find(int tag) const {
+  for (const FixField& field : fields_)
+    if (field.tag == tag) return &field.value;
+  return nullptr;
+}
+
+std::string_view FixFields::text(int tag) const {
+  const std::string* value = find(tag);
+  return value != nullptr ? std::string_view{*value} : std::string_view{};
+}
+
+}  // namespace tutti
