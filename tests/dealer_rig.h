@@ -117,6 +117,10 @@ class DealerRecorder final : public CLAPICLASS {
                            "executed", "refused",     "cancelled", "another book"};
     events.push_back(std::string{words[static_cast<std::size_t>(state)]} + " " + number_text(lots));
   }
+  void RequestRefused(RequestId, RequestCode code, std::string_view) override {
+    events.push_back("refused " + std::to_string(format_as(code)));
+  }
+  void RequestUnsent(RequestId) override { events.emplace_back("unsent"); }
   void ExecutionsTold(std::span<const Execution> told, bool complete) override {
     events.emplace_back(complete ? "fills" : "some fills");
     fills.assign(told.begin(), told.end());

@@ -72,6 +72,11 @@ class CLAPICLASS {
   virtual void SummariesChanged(const AccountSummary&) {}
   // What became of a request that AskRequest asked for; `lots` is how much of it was executed.
   virtual void RequestTold(RequestId, RequestState, double /*lots*/) {}
+  // A request that was taken at once was refused later, by a server that is far away.
+  virtual void RequestRefused(RequestId, RequestCode, std::string_view /*text*/) {}
+  // A request that was taken at once has never left: the connection was gone, or it was stopped. It may be
+  // sent again.
+  virtual void RequestUnsent(RequestId) {}
   // What AskExecutions asked for, oldest first; not `complete` when the broker keeps only the newest.
   virtual void ExecutionsTold(std::span<const Execution>, bool /*complete*/) {}
 };
