@@ -32,6 +32,6 @@ inline constexpr int dialect = 20000, era = 20001, carried = 20002, digits = 200
                      floating_profit = 20030, credit = 20031, used_margin = 20032, margin_level = 20033,
                      leverage = 20034, holder = 20035, owned = 20036, seconds_all = 20037,
                      smallest_lots = 20038, largest_lots = 20039, fills = 20040, closes = 20041,
-                     complete = 20042;
+                     complete = 20042, seconds_left = 20043;
 
 }  // namespace tutti::tag

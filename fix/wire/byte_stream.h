@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace tutti {
@@ -12,6 +13,8 @@ class ByteStream {
 
   // Never blocks, and copies. After the end it does nothing.
   virtual void write(std::string_view bytes) = 0;
+  // Bytes that were written and have not left yet.
+  virtual std::size_t unsent() const = 0;
   // Lets what was written go out, then closes. The receiver hears of it as of any other end.
   virtual void close() = 0;
 };

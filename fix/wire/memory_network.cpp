@@ -22,6 +22,7 @@ class MemoryNetwork::End final : public ByteStream {
   void write(std::string_view bytes) override {
     if (!link_->ended) link_->directions[side_].waiting.append(bytes);
   }
+  std::size_t unsent() const override { return link_->directions[side_].waiting.size(); }
   void close() override { end("The connection was closed"); }
 
  private:
