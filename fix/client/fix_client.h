@@ -1,0 +1,129 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/clock.h"
+#include "fix/client/account_cache.h"
+#include "fix/client/client_desk.h"
+#include "fix/client/client_event.h"
+#include "fix/client/line_news.h"
+#include "fix/client/requote_clock.h"
+#include "fix/dialect/wire_request.h"
+#include "sessions/contract/ClientAPI.h"
+#include "sessions/contract/codes.h"
+
+namespace tutti {
+
+// The trading client of one account at a broker that is reached by FIX. What is asked is answered from a
+// cache, which changes before the event that tells of it is queued; what is sent goes out at once or never,
+// and is refused at once only where the cache leaves no doubt.
+class FixClient final : public ClientAPI {
+ public:
+  // The desk outlives the client.
+  explicit FixClient(ClientDesk& desk);
+  ~FixClient() override;
+  FixClient(const FixClient&) = delete;
+  FixClient& operator=(const FixClient&) = delete;
+
+  void set_sink(CLAPICLASS* sink) override;
+  void SetLoginData(const LoginData& data) override;
+  void Login() override;
+  int SymbolCount() const override;
+  const Symbol* SymbolItem(int index) const override;
+  const Symbol* SymbolRecord(std::string_view symbol) const override;
+  const Symbol* FindSymbol(std::string_view symbol) const override;
+  int OpenPositionCount() const override;
+  const OpenPosition* OpenPositionItem(int index) const override;
+  int PendingOrderCount() const override;
+  const PendingOrder* PendingOrderItem(int index) const override;
+  RequestCode NewMarketOrder(Operation side, std::int32_t symbol_id, double amount, std::string_view,
+                             std::string_view, RequestId id) override;
+  RequestCode NewEntryOrder(const EntryOrder& order, RequestId id) override;
+  RequestCode UpdateEntryOrder(std::int64_t order, double price, const StopPrices& stops,
+                               RequestId id) override;
+  RequestCode AcceptRequote(std::int64_t order, RequestId id) override;
+  RequestCode RejectRequote(std::int64_t order, RequestId id) override;
+  RequestCode ClosePosition(std::string_view ticket, std::string_view amount, std::string_view,
+                            RequestId id) override;
+  bool LoggedIn() const override;
+  void Logout() override;
+  SummaryAnswer GetAccountSummary(std::int32_t account) const override;
+  RequestCode UpdateSLTP(std::int64_t ticket, const StopPrices& stops, RequestId id) override;
+  double EvaluateSLTPPrice(std::int32_t symbol_id, double at_price, std::string_view, double price,
+                           double& value) const override;
+  double SymbolLimitDistance(std::string_view symbol) const override;
+  double SymbolStopDistance(std::string_view symbol) const override;
+  std::optional<AccountInfo> FindAccount(std::int32_t number) const override;
+  double MinimumLot() const override;
+  double MaximumLot() const override;
+  BookEra Era() const override;
+  RequestCode AskRequest(RequestId id, BookEra era) override;
+  RequestCode AskExecutions(TimePoint since) override;
+  RequestCode DeleteEntryOrder(std::int64_t order, RequestId id) override;
+  RequestCode DeleteSLTPOrder(std::int64_t order, RequestId id) override;
+
+  // What follows is the hub's. Takes up what the line `line` told; a line that was left brings answers only.
+  void take(std::uint64_t line, LineNews& news);
+  // Values positions by the prices that came in since.
+  void settle_prices();
+  // Queues the ticks of requotes that are due.
+  void tick();
+  std::optional<std::chrono::milliseconds> next_tick() const { return requotes_.next_due(); }
+  // Hands one event to the sink, which may destroy the client.
+  void deliver(const ClientEvent& event);
+  std::int32_t account() const { return data_.account; }
+
+ private:
+  enum class Link : std::uint8_t { off, connecting, on };
+
+  RequestCode send(WireRequest request);
+  RequestCode answer_requote(std::int64_t order, bool accept, RequestId id);
+  // What names an order: symbol, operation and lots, and the request that was accepted last.
+  static WireRequest about(const AccountCache::Order& order, RequestKind kind, RequestId id);
+
+  void post(std::function<void(CLAPICLASS&)> call, bool outlives = false);
+  void post_moved(ClientEvent::Kind kind, std::int64_t which);
+
+  void take(line::Ready& ready);
+  void take(const line::Refused& refused);
+  void take(const line::Ended& ended);
+  void take(const line::Unsent& unsent);
+  void take(const line::Silence& silence);
+  void take(const line::Remark& remark);
+  void take(const news::Symbols&) {}
+  void take(const news::Price& price);
+  void take(const news::PositionList&) {}
+  void take(news::Position& position);
+  void take(news::Order& order);
+  void take(const news::Report& report);
+  void take(const news::Refused& refused);
+  void take(const news::Told& told);
+  void take(news::Fills& fills);
+  void take(const news::Summary& summary);
+  void take(const news::Offer& offer);
+  void take(const news::Time& time);
+  void take(WireNews& news);
+  void end_link();
+
+  ClientDesk& desk_;
+  CLAPICLASS* sink_ = nullptr;
+  LoginData data_;
+  Link link_ = Link::off;
+  std::uint64_t line_ = 0;
+  mutable AccountCache cache_;  // rates are made when somebody asks
+  RequoteClock requotes_;
+  std::vector<Execution> fills_;  // that came so far of an answer in parts
+  TimePoint server_time_{};
+  // Events that wait already, and take along what comes before they are delivered.
+  std::vector<bool> price_waits_, high_low_waits_;
+  bool summary_waits_ = false;
+  bool time_waits_ = false;
+  // The news that a list is loaded is in the queue; what changes before is part of that list.
+  bool positions_wait_ = false;
+  bool orders_wait_ = false;
+};
+
+}  // namespace tutti

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+
+#include "fix/client/fix_line.h"
+
+namespace tutti {
+
+// The lines of one broker. Whoever decides opens, uses and closes them by their keys, and never waits; all
+// that happens on the wire's thread. The network has stopped before this goes.
+class FixLines {
+ public:
+  // All are kept by reference.
+  FixLines(Network& network, const BrokerProfile& profile, const FixDictionary& dictionary);
+
+  LineInbox& inbox() { return inbox_; }
+  // Begins to log in on a line whose key is new.
+  void open(std::uint64_t line, LineLogin login);
+  void send(std::uint64_t line, WireAsk ask);
+  // Says good-bye; its end is told.
+  void close(std::uint64_t line);
+
+ private:
+  void tick();
+  void sweep();
+
+  Network& network_;
+  const BrokerProfile& profile_;
+  const FixDictionary& dictionary_;
+  LineInbox inbox_;
+  // On the wire's thread alone.
+  std::map<std::uint64_t, std::unique_ptr<FixLine>> lines_;
+  bool ticking_ = false;
+};
+
+}  // namespace tutti

@@ -1,0 +1,1 @@
+#include "fix/profile/broker_profile.h"
