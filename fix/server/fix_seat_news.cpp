@@ -1,0 +1,157 @@
+// What the trading client tells, as messages.
+
+#include <algorithm>
+#include <utility>
+
+#include "fix/dialect/ask_codec.h"
+#include "fix/dialect/wire_values.h"
+#include "fix/server/fix_seat.h"
+#include "sessions/contract/codes.h"
+
+namespace tutti {
+namespace {
+
+constexpr std::size_t fills_at_once = 200;
+
+// Whether the request that a report answers has come to its end with it.
+bool is_final(Answer answer, const OrderReport& report) {
+  const bool done = report.result == result::succeeded;
+  switch (answer) {
+    case Answer::order:
+    case Answer::close:
+      return !done || (report.state == order_state::executed && report.left <= 0.0);
+    case Answer::accepted:
+    case Answer::entry_done:
+      return report.left <= 0.0;
+    case Answer::entry:
+      return !done;
+    default:
+      return true;
+  }
+}
+
+}  // namespace
+
+void FixSeat::tell(const WireNews& news, std::string_view stamp) {
+  if (!on_ || !encoder_) return;
+  const auto message = encoder_->encode(news, stamp);
+  if (!message) return;
+  session_.send(*message);
+  pump();
+  if (stream_ && stream_->unsent() > host_.settings.dropped_from) {
+    remark("Does not read what it is sent, and is dropped");
+    leave();
+    stream_->close();
+  }
+}
+
+void FixSeat::tell_price(const Symbol& symbol, std::string_view stamp) {
+  if (!priced_.contains(symbol.name)) return;
+  if (stream_ && stream_->unsent() > host_.settings.slow_from) {
+    late_prices_.insert(symbol.name);
+    return;
+  }
+  tell(news::Price{symbol.name, symbol.bid, symbol.ask, symbol.high, symbol.low, symbol.quote_time}, stamp);
+}
+
+void FixSeat::tell_summary(std::string_view stamp) {
+  news::Summary news;
+  const auto info = client_->FindAccount(account_);
+  news.owned = info.has_value();
+  if (info) news.info = *info;
+  news.era = client_->Era();
+  news.lots = {client_->MinimumLot(), client_->MaximumLot()};
+  const SummaryAnswer answer = client_->GetAccountSummary(account_);
+  if (answer.result == result::succeeded) news.summary = answer.values;
+  tell(news, stamp);
+}
+
+void FixSeat::SummariesChanged(const AccountSummary&) {
+  if (!on_ || !summary_wanted_) return;
+  if (stream_ && stream_->unsent() > host_.settings.slow_from)
+    late_summary_ = true;
+  else
+    tell_summary();
+}
+
+void FixSeat::tell_position(const OpenPosition& position, bool gone) {
+  if (on_ && positions_wanted_) tell(news::Position{position, false, gone});
+}
+
+void FixSeat::tell_order(const PendingOrder& order, bool gone) {
+  if (!on_) return;
+  if (orders_wanted_ && own_fields_) {
+    news::Order news;
+    news.order = order;
+    news.id_text = memory_->accepted_of(order.order);
+    news.gone = gone;
+    tell(news);
+  }
+  if (gone) {
+    memory_->end_order(order.order);
+    offered_.erase(order.order);
+  }
+}
+
+void FixSeat::tell_report(Answer answer, OrderReport report) {
+  if (!on_) return;
+  news::Report news{answer, std::move(report), {}, {}};
+  OrderReport& told = news.report;
+  news.id_text = memory_->text_of(told.id);
+  // Reports of entry orders and of changes name the order alone.
+  if (const WireRequest* request = memory_->find(told.id)) {
+    news.original_text = request->original_text;
+    if (told.symbol.empty()) told.symbol = request->symbol;
+    if (told.operation == Operation::none) told.operation = request->operation;
+    if (told.amount == 0.0) told.amount = request->lots;
+  }
+  if (told.symbol.empty())
+    if (const PendingOrder* row = order(told.number)) {
+      told.symbol = row->symbol;
+      told.operation = row->operation;
+      told.amount = row->amount;
+    }
+  const bool done = told.result == result::succeeded;
+  if (done && answer == Answer::entry) told.left = told.amount;
+  if (done && (answer == Answer::entry || answer == Answer::update_entry) && !news.id_text.empty())
+    memory_->note_accepted(told.number, news.id_text);
+  tell(news);
+  if (is_final(answer, told)) {
+    memory_->end(told.id);
+    offered_.erase(told.number);
+  }
+}
+
+void FixSeat::tell_result(Answer answer, std::int64_t order, ResultCode result, RequestId id) {
+  OrderReport report;
+  report.number = order;
+  report.account = account_;
+  report.result = result;
+  report.id = id;
+  tell_report(answer, std::move(report));
+}
+
+// The other end counts the seconds itself.
+void FixSeat::OrderTimer(const Requote& requote) {
+  if (on_ && offered_.insert(requote.order).second) tell(news::Offer{requote});
+}
+
+void FixSeat::RequestTold(RequestId id, RequestState state, double lots) {
+  if (on_) tell(news::Told{id, memory_->text_of(id), state, lots});
+}
+
+void FixSeat::RequestRefused(RequestId id, RequestCode code, std::string_view text) {
+  if (on_) tell(news::Refused{id, memory_->text_of(id), code, std::string{text}}, "D");
+}
+
+void FixSeat::ExecutionsTold(std::span<const Execution> fills, bool complete) {
+  std::size_t at = 0;
+  do {
+    const std::size_t count = std::min(fills_at_once, fills.size() - at);
+    const auto part = fills.subspan(at, count);
+    at += count;
+    tell(news::Fills{{part.begin(), part.end()}, complete, at == fills.size()});
+  } while (at < fills.size());
+}
+
+}  // namespace tutti
