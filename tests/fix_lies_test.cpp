@@ -153,6 +153,66 @@ TEST(FixLies, AFillOfAServerWithoutOurFieldsIsAnAnswer) {
   EXPECT_EQ(report.execution, "E1");
 }
 
+// A broker that tells no rows of pending orders: they are kept by his reports alone.
+TEST(FixLies, ABrokersReportsKeepThePendingOrders) {
+  LiarRig rig;
+  rig.profile.logon.own_fields = false;
+  rig.profile.orders.stops = BrokerProfile::Orders::Stops::none;
+  rig.client->Login();
+  rig.run();
+  const std::int32_t symbol = rig.client->FindSymbol("EURUSD")->id;
+  EXPECT_EQ(
+      rig.client->NewEntryOrder({buy, EntryKind::stop, symbol, 0.5, 1.2, 1.1, 0, true, false}, next_id()),
+      request::cannot_change_price)
+      << "no order goes out without the stop that belongs to it";
+  EXPECT_EQ(rig.notices().size(), 1U);
+  const RequestId id = next_id();
+  rig.client->NewEntryOrder({buy, EntryKind::stop, symbol, 0.5, 1.2, 0, 0, false, false}, id);
+  rig.run();
+  EXPECT_EQ(rig.liar.last.text(99), "1.2");
+  FixMessage report = fill_of(id);
+  report.set(37, "ORD-1");
+  report.set(40, "3");
+  report.set(150, "0");
+  report.set(39, "0");
+  report.set(99, "1.2");
+  report.set(14, "0");
+  report.set(151, "50000");
+  rig.liar.say(report);
+  EXPECT_EQ(rig.run(), (Words{"entry 1", "+LO"}));
+  ASSERT_EQ(rig.client->PendingOrderCount(), 1);
+  const PendingOrder placed = *rig.client->PendingOrderItem(1);
+  EXPECT_EQ(placed.operation, operation::buy_stop);
+  EXPECT_EQ(placed.price, 1.2);
+  EXPECT_EQ(placed.amount, 0.5);
+
+  EXPECT_EQ(rig.client->UpdateEntryOrder(placed.order, 1.3, {}, next_id()), request::taken);
+  rig.run();
+  EXPECT_EQ(rig.liar.last.type, "G");
+  EXPECT_EQ(rig.liar.last.text(37), "ORD-1");
+  EXPECT_EQ(rig.liar.last.text(41), wire_id(id)) << "the request that the broker accepted last";
+  report.set(11, std::string{rig.liar.last.text(11)});
+  report.set(150, "5");
+  report.set(99, "1.3");
+  rig.liar.say(report);
+  EXPECT_EQ(rig.run(), (Words{"update 1", "+LO"}));
+  EXPECT_EQ(rig.client->PendingOrderItem(1)->price, 1.3);
+
+  report.set(150, "F");
+  report.set(39, "1");
+  report.set(32, "20000");
+  report.set(14, "20000");
+  report.set(151, "30000");
+  rig.liar.say(report);
+  EXPECT_EQ(rig.run(), (Words{"executed 1", "+LO"})) << "a part";
+  EXPECT_EQ(rig.client->PendingOrderItem(1)->amount, 0.3);
+  report.set(150, "4");
+  report.set(39, "4");
+  report.set(151, "0");
+  rig.liar.say(report);
+  EXPECT_EQ(rig.run(), Words{"-LO"});
+}
+
 // Told for the journal, and nothing of it counts; the session goes on.
 TEST(FixLies, ReportsThatCannotBeReadAreToldAndGuessNothing) {
   struct Case {

@@ -7,6 +7,7 @@
 #include "fix/client/client_event.h"
 #include "fix/client/line_login.h"
 #include "fix/dialect/wire_request.h"
+#include "fix/profile/broker_profile.h"
 #include "sessions/contract/symbol.h"
 
 namespace tutti {
@@ -30,6 +31,7 @@ class ClientDesk {
   // A symbol that some other account of the broker carries; nullptr when none does.
   virtual const Symbol* symbol_of_others(std::string_view name) const = 0;
   virtual const Clock& clock() const = 0;
+  virtual const BrokerProfile& profile() const = 0;
 };
 
 }  // namespace tutti

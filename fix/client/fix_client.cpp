@@ -120,6 +120,11 @@ RequestCode FixClient::send(WireRequest request) {
   return request::taken;
 }
 
+RequestCode FixClient::refuse(RequestCode code, const char* what) {
+  desk_.remark(*this, std::string{"This broker "} + what + ": nothing was sent");
+  return code;
+}
+
 RequestCode FixClient::NewMarketOrder(Operation side, std::int32_t symbol_id, double amount, std::string_view,
                                       std::string_view, RequestId id) {
   if (!LoggedIn()) return request::invalid_account;
@@ -138,6 +143,9 @@ RequestCode FixClient::NewEntryOrder(const EntryOrder& order, RequestId id) {
   const StopPrices stops{order.stop_loss, order.take_profit, order.has_stop_loss, order.has_take_profit};
   const news::SymbolEntry* entry = cache_.symbol_of_id(order.symbol_id);
   if (entry == nullptr || !is_price(order.price) || !are_prices(stops)) return request::invalid_price;
+  const bool stopped = stops.has_stop_loss || stops.has_take_profit;
+  if (stopped && desk_.profile().orders.stops == BrokerProfile::Orders::Stops::none)
+    return refuse(request::cannot_change_price, "takes no stop loss and no take profit");
   const bool bought = order.side == operation::buy;
   const bool stop = order.kind == EntryKind::stop;
   return send({.kind = RequestKind::entry,
@@ -168,6 +176,8 @@ RequestCode FixClient::UpdateEntryOrder(std::int64_t order, double price, const 
   const AccountCache::Order* found = cache_.find_order(order, OrderKind::entry);
   if (found == nullptr) return request::invalid_order_id;
   if (!is_price(price) || !are_prices(stops)) return request::invalid_price;
+  if (!desk_.profile().orders.replace)
+    return refuse(request::cannot_change_price, "does not change entry orders");
   WireRequest request = about(*found, RequestKind::update_entry, id);
   request.price = price;
   request.stops = stops;
@@ -182,6 +192,8 @@ RequestCode FixClient::DeleteEntryOrder(std::int64_t order, RequestId id) {
 
 RequestCode FixClient::DeleteSLTPOrder(std::int64_t order, RequestId id) {
   if (!LoggedIn()) return request::invalid_account;
+  if (desk_.profile().orders.stops != BrokerProfile::Orders::Stops::own)
+    return refuse(request::cannot_change_price, "takes no stop loss and no take profit of a position");
   const AccountCache::Order* found = cache_.find_order(order, OrderKind::stops);
   return found != nullptr ? send(about(*found, RequestKind::cancel_stops, id)) : request::invalid_order_id;
 }
@@ -194,6 +206,8 @@ RequestCode FixClient::ClosePosition(std::string_view ticket, std::string_view a
   if (position == nullptr) return request::invalid_ticket;
   const double lots = parse_number(amount).value_or(0.0);
   if (!is_price(lots) || lots > position->record.amount + tolerance) return request::invalid_lots;
+  if (desk_.profile().orders.close != BrokerProfile::Orders::Close::position_id)
+    return refuse(request::silent, "closes no position by its ticket");
   return send({.kind = RequestKind::close,
                .id = id,
                .number = *number,
@@ -207,6 +221,8 @@ RequestCode FixClient::UpdateSLTP(std::int64_t ticket, const StopPrices& stops, 
   const AccountCache::Position* position = cache_.find_position(ticket);
   if (position == nullptr) return request::invalid_ticket;
   if (!are_prices(stops)) return request::invalid_price;
+  if (desk_.profile().orders.stops != BrokerProfile::Orders::Stops::own)
+    return refuse(request::cannot_change_price, "takes no stop loss and no take profit of a position");
   return send({.kind = RequestKind::set_stops,
                .id = id,
                .number = ticket,
@@ -262,11 +278,13 @@ std::optional<AccountInfo> FixClient::FindAccount(std::int32_t number) const {
 }
 
 double FixClient::MinimumLot() const {
-  return cache_.summary().lots.minimum;
+  const double given = desk_.profile().orders.smallest_lots;
+  return given > 0.0 ? given : cache_.summary().lots.minimum;
 }
 
 double FixClient::MaximumLot() const {
-  return cache_.summary().lots.maximum;
+  const double given = desk_.profile().orders.largest_lots;
+  return given > 0.0 ? given : cache_.summary().lots.maximum;
 }
 
 BookEra FixClient::Era() const {
@@ -275,13 +293,14 @@ BookEra FixClient::Era() const {
 
 RequestCode FixClient::AskRequest(RequestId id, BookEra era) {
   if (!LoggedIn()) return request::invalid_account;
-  if (id <= 0) return request::silent;
+  if (id <= 0 || !desk_.profile().orders.status_request) return request::silent;
   desk_.send(line_, ask::Request{id, {}, era});
   return request::taken;
 }
 
 RequestCode FixClient::AskExecutions(TimePoint since) {
   if (!LoggedIn()) return request::invalid_account;
+  if (!desk_.profile().logon.own_fields) return request::silent;
   desk_.send(line_, ask::Fills{since});
   return request::taken;
 }

@@ -80,6 +80,8 @@ class FixClient final : public ClientAPI {
   enum class Link : std::uint8_t { off, connecting, on };
 
   RequestCode send(WireRequest request);
+  // The broker has nothing for it, which is told.
+  RequestCode refuse(RequestCode code, const char* what);
   RequestCode answer_requote(std::int64_t order, bool accept, RequestId id);
   // What names an order: symbol, operation and lots, and the request that was accepted last.
   static WireRequest about(const AccountCache::Order& order, RequestKind kind, RequestId id);
@@ -99,6 +101,8 @@ class FixClient final : public ClientAPI {
   void take(news::Position& position);
   void take(news::Order& order);
   void take(const news::Report& report);
+  // Keeps the rows of pending orders by the reports alone, where a server tells none.
+  void follow_orders(const news::Report& report);
   void take(const news::Refused& refused);
   void take(const news::Told& told);
   void take(news::Fills& fills);

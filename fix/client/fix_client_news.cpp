@@ -104,6 +104,10 @@ void FixClient::deliver(const ClientEvent& event) {
 void FixClient::take(std::uint64_t line, LineNews& news) {
   if (line != line_ && !is_answer(news)) return;
   std::visit([&](auto& each) { take(each); }, news);
+  if (line != line_ || link_ != Link::on || desk_.profile().logon.own_fields) return;
+  const auto* wire = std::get_if<WireNews>(&news);
+  const auto* report = wire != nullptr ? std::get_if<news::Report>(wire) : nullptr;
+  if (report != nullptr) follow_orders(*report);
 }
 
 void FixClient::take(WireNews& news) {
@@ -224,6 +228,45 @@ void FixClient::take(const news::Report& report) {
   if (report.answer == Answer::update_entry && report.report.result == result::succeeded)
     cache_.note_accepted(report.report.number, report.id_text);
   post([report](CLAPICLASS& sink) { call(sink, report); }, true);
+}
+
+void FixClient::follow_orders(const news::Report& news) {
+  const OrderReport& report = news.report;
+  const bool done = report.result == result::succeeded;
+  news::Order row;
+  PendingOrder& order = row.order;
+  if (const AccountCache::Order* known = cache_.find_order(report.number)) order = known->record;
+  order.order = report.number;
+  order.account = report.account;
+  row.id_text = news.id_text;
+  switch (news.answer) {
+    case Answer::order:
+    case Answer::close:
+      row.gone = !done || report.state != order_state::pending;
+      order.kind = news.answer == Answer::close ? OrderKind::close : OrderKind::open;
+      break;
+    case Answer::entry:
+      if (!done) return;
+      order.kind = OrderKind::entry;
+      break;
+    case Answer::update_entry:
+      if (!done) return;
+      break;
+    case Answer::cancel_entry:
+      if (!done) return;
+      row.gone = true;
+      break;
+    default:
+      row.gone = report.left <= 0.0;
+  }
+  if (!report.symbol.empty()) {
+    order.symbol = report.symbol;
+    order.operation = report.operation;
+    order.amount = report.left > 0.0 ? report.left : report.amount;
+    order.time = report.time;
+    if (report.state != order_state::executed && report.price > 0.0) order.price = report.price;
+  }
+  take(row);
 }
 
 void FixClient::take(const news::Refused& refused) {

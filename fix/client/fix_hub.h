@@ -48,6 +48,7 @@ class FixHub final : public EventSource, private ClientDesk {
   void remark(const FixClient& client, std::string text) override;
   const Symbol* symbol_of_others(std::string_view name) const override;
   const Clock& clock() const override { return clock_; }
+  const BrokerProfile& profile() const override { return lines_.profile(); }
 
   FixLines& lines_;
   const Clock& clock_;

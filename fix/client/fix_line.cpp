@@ -14,6 +14,7 @@ constexpr int longest_login = 30;    // seconds for each stage of a login
 constexpr int longest_farewell = 2;  // seconds
 constexpr int most_remarks = 20;     // on one connection
 constexpr std::size_t kept_sent = 1'000;
+constexpr int sender_sub_tag = 50, target_sub_tag = 57;
 
 // What the caches are made of: after one of these that can't be read they are not right any more.
 bool makes_state(const FixMessage& message) {
@@ -29,30 +30,34 @@ FixLine::FixLine(std::uint64_t key, const BrokerProfile& profile, const FixDicti
       profile_(profile),
       inbox_(inbox),
       login_(std::move(login)),
+      translation_(profile, login_.account),
       session_(FixSession::initiator(dictionary, settings())),
       decoder_([this](std::string_view symbol) { return size_of(symbol); }, login_.account) {}
 
 SessionSettings FixLine::settings() const {
   SessionSettings settings;
-  settings.sender = profile_.sender.empty() ? std::to_string(login_.account) : profile_.sender;
-  settings.target = profile_.target;
-  settings.heartbeat = profile_.heartbeat;
-  settings.time_digits = profile_.time_digits;
-  if (!profile_.sender_sub.empty()) settings.header.set(50, profile_.sender_sub);
-  if (!profile_.target_sub.empty()) settings.header.set(57, profile_.target_sub);
-  settings.logon.set(tag::username, login_.user);
-  settings.logon.set(tag::dialect, "1");
+  const BrokerProfile::Logon& logon = profile_.logon;
+  settings.sender = translation_.sender();
+  settings.target = logon.target;
+  settings.heartbeat = logon.heartbeat;
+  settings.time_digits = logon.timestamp_digits;
+  if (!logon.sender_sub.empty()) settings.header.set(sender_sub_tag, logon.sender_sub);
+  if (!logon.target_sub.empty()) settings.header.set(target_sub_tag, logon.target_sub);
+  settings.logon.set(tag::username, logon.username.empty() ? login_.user : logon.username);
+  if (logon.own_fields) settings.logon.set(tag::dialect, "1");
+  for (const auto& [tag, value] : logon.extra)
+    settings.logon.set(tag, value);
   settings.password = login_.password.copy();
   return settings;
 }
 
 double FixLine::size_of(std::string_view symbol) const {
   const auto at = sizes_.find(std::string{symbol});
-  return at == sizes_.end() ? 0.0 : at->second;
+  return at == sizes_.end() ? 0.0 : translation_.units_per_lot(symbol, at->second);
 }
 
 void FixLine::begin(Network& network) {
-  stream_ = network.connect(profile_.peer, *this);
+  stream_ = network.connect(profile_.connection.peer, *this);
 }
 
 void FixLine::on_open() {
@@ -74,8 +79,9 @@ void FixLine::on_closed(std::string_view why) {
 void FixLine::send(const WireAsk& ask) {
   const auto* request = std::get_if<WireRequest>(&ask);
   const std::string stamp = std::to_string(++stamps_);
-  const FixMessage message = encode_ask(
+  FixMessage message = encode_ask(
       ask, [this](std::string_view symbol) { return size_of(symbol); }, stamp);
+  translation_.outgoing(message);
   // Whoever reads this may be told in between that the connection ends: it is one thread that knows.
   const int number = leaving_ || told_end_ ? 0 : session_.send(message);
   if (request != nullptr && number == 0) tell(line::Unsent{request->id});
@@ -118,8 +124,12 @@ void FixLine::pump() {
 void FixLine::hear(const session_event::LoggedOn&) {
   logged_on_ = true;
   waited_ = 0;
-  gathering_ = std::make_unique<LoginGathering>();
-  ask_on();
+  const bool told = profile_.symbols.source != BrokerProfile::Symbols::Source::table;
+  gathering_ = std::make_unique<LoginGathering>(told);
+  if (told)
+    ask_on();
+  else
+    take(translation_.table());
 }
 
 void FixLine::ask_on() {
@@ -129,8 +139,9 @@ void FixLine::ask_on() {
 
 void FixLine::hear(const session_event::Received& received) {
   if (told_end_) return;
-  const FixMessage& message = received.message;
-  if (message.has(tag::account) && message.text(tag::account) != std::to_string(login_.account))
+  FixMessage message = received.message;
+  translation_.incoming(message);
+  if (message.has(tag::account) && message.text(tag::account) != translation_.account_text())
     return end("A message for another account came");
   auto news = decoder_.decode(message);
   if (!news) return take_fault(message, news.error());
@@ -182,7 +193,7 @@ void FixLine::hear(const session_event::Ended& ended) {
   using Reason = session_event::Ended::Reason;
   if (ended.reason == Reason::left && !logged_on_) {
     const bool password =
-        std::any_of(profile_.refused_password.begin(), profile_.refused_password.end(),
+        std::any_of(profile_.logon.refused_password.begin(), profile_.logon.refused_password.end(),
                     [&](const std::string& word) { return ended.why.find(word) != ended.why.npos; });
     if (password)
       tell_end(line::Refused{ended.why});

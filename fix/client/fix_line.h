@@ -13,6 +13,7 @@
 #include "fix/client/line_inbox.h"
 #include "fix/client/line_login.h"
 #include "fix/client/login_gathering.h"
+#include "fix/client/translation.h"
 #include "fix/dialect/news_decoder.h"
 #include "fix/dialect/wire_request.h"
 #include "fix/profile/broker_profile.h"
@@ -66,6 +67,7 @@ class FixLine final : public ByteReceiver {
   const BrokerProfile& profile_;
   LineInbox& inbox_;
   const LineLogin login_;
+  Translation translation_;
   FixSession session_;
   NewsDecoder decoder_;
   std::unique_ptr<ByteStream> stream_;

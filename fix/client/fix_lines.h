@@ -16,6 +16,7 @@ class FixLines {
   FixLines(Network& network, const BrokerProfile& profile, const FixDictionary& dictionary);
 
   LineInbox& inbox() { return inbox_; }
+  const BrokerProfile& profile() const { return profile_; }
   // Begins to log in on a line whose key is new.
   void open(std::uint64_t line, LineLogin login);
   void send(std::uint64_t line, WireAsk ask);

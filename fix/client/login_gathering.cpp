@@ -66,6 +66,7 @@ bool LoginGathering::add(const news::PositionList& list) {
 }
 
 bool LoginGathering::add(const news::Position& position) {
+  if (position.listed && !positions_left_ && position.count > 0) positions_left_ = position.count;
   if (!position.listed || positions_left_.value_or(0) == 0) return false;
   --*positions_left_;
   ready_.positions.push_back(position.position);

@@ -14,6 +14,9 @@ namespace tutti {
 // meanwhile is kept and told behind it, since a list may be older.
 class LoginGathering {
  public:
+  // `asks_symbols`: whether the server tells them; else they are taken up before anything is asked.
+  explicit LoginGathering(bool asks_symbols = true) : asked_symbols_(!asks_symbols) {}
+
   // What to ask for next; empty while answers are awaited.
   std::vector<WireAsk> take_asks();
   // Takes up what came; false when it belongs to the time behind the login.
@@ -39,7 +42,7 @@ class LoginGathering {
 
   line::Ready ready_;
   std::vector<WireNews> later_;
-  bool asked_symbols_ = false;
+  bool asked_symbols_;
   bool asked_rest_ = false;
   bool symbols_ = false;
   std::optional<std::int64_t> positions_left_;

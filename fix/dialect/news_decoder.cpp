@@ -164,6 +164,7 @@ WireNews NewsDecoder::position(const FixMessage& message, FieldReader& reader) c
   position.ticket = reader.integer(tag::position);
   position.symbol = reader.text(tag::symbol);
   out.listed = !reader.flag(tag::unsolicited);
+  out.count = reader.integer_or(tag::position_count, 0);
   const auto& amounts = message.entries(tag::position_list);
   if (amounts.size() != 1) reader.complain(tag::position_list, "is not 1");
   if (amounts.size() == 1) {
@@ -200,7 +201,11 @@ WireNews NewsDecoder::status(FieldReader& reader) const {
   news::Told out;
   out.id_text = reader.text(tag::id);
   out.id = read_id(out.id_text);
-  const RequestState told = state_of(reader.text(tag::order_status));
+  const std::string letter = reader.text(tag::order_status);
+  // A server that does not know an order says so with the letter of a refusal.
+  const std::string reason = reader.text_or_empty(tag::reject_reason);
+  const bool refused = letter == "8" && !reason.empty() && reason != "5";
+  const RequestState told = refused ? RequestState::refused : state_of(letter);
   const std::int64_t code = reader.integer_or(tag::request_state, static_cast<std::int64_t>(told));
   if (code < 0 || code > static_cast<std::int64_t>(RequestState::another_book))
     reader.complain(tag::request_state, "is no state");
@@ -263,7 +268,8 @@ WireNews NewsDecoder::report(FieldReader& reader) const {
   report.operation = read_operation(reader, closes);
   report.symbol = reader.text_or_empty(tag::symbol);
   report.amount = reader.has(tag::quantity) ? lots(reader, tag::quantity, report.symbol) : 0.0;
-  report.price = fills ? reader.positive(tag::last_price) : reader.number_or(tag::price, 0.0);
+  report.price = fills ? reader.positive(tag::last_price)
+                       : reader.number_or(tag::price, reader.number_or(tag::stop_price, 0.0));
   if (fills) {
     report.execution = reader.text(tag::execution);
     if (report.execution == "0") report.execution.clear();

@@ -71,6 +71,7 @@ struct Position {
   OpenPosition position;
   bool listed = false;  // part of that list, else a change
   bool gone = false;
+  std::int64_t count = 0;  // of the list, where it begins without a word of its own
 };
 struct Order {
   PendingOrder order;

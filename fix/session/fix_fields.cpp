@@ -13,6 +13,16 @@ void FixFields::set(int tag, std::string value) {
   fields_.push_back({tag, std::move(value)});
 }
 
+void FixFields::remove(int tag) {
+  std::erase_if(fields_, [tag](const FixField& field) { return field.tag == tag; });
+}
+
+void FixFields::remove_from(int first, int kept, int kept_too) {
+  std::erase_if(fields_, [&](const FixField& field) {
+    return field.tag >= first && field.tag != kept && field.tag != kept_too;
+  });
+}
+
 const std::string* FixFields::find(int tag) const {
   for (const FixField& field : fields_)
     if (field.tag == tag) return &field.value;

@@ -22,6 +22,10 @@ class FixFields {
   const std::string* find(int tag) const;
   // Empty when there is no such field.
   std::string_view text(int tag) const;
+  // Nothing where there is no such field.
+  void remove(int tag);
+  // All from this tag on, but for two.
+  void remove_from(int first, int kept, int kept_too);
   bool has(int tag) const { return find(tag) != nullptr; }
 
   std::vector<FixField>::const_iterator begin() const { return fields_.begin(); }
