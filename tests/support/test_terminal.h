@@ -4,7 +4,6 @@
 #include <sys/resource.h>
 
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,6 +14,7 @@
 #include "ledger/no_ledger.h"
 #include "shell/Main.h"
 #include "tests/support/recording_ports.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tutti::testing {
 
@@ -26,25 +26,6 @@ Texts sorted(Texts texts);
 // The cells with "|" between them.
 std::string row_text(const Row& row);
 Texts rows_of(const RowList& list);
-
-// A folder of its own for one test, gone with it.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-  // A place beside the folder for the key of a terminal that has the folder as its home; goes with the
-  // folder.
-  std::filesystem::path key_file() const { return path_.string() + ".key"; }
-  void write(const std::string& name, const std::string& content) const;
-  std::string read(const std::string& name) const;  // empty when missing
-
- private:
-  std::filesystem::path path_;
-};
 
 // While it lives, no file of this process grows beyond so many bytes.
 class FullDisk {
