@@ -162,8 +162,47 @@ TEST(FixLosses, ALoginThatIsNotAnsweredEnds) {
   EXPECT_EQ(rig.network.open_connections(), 0U);
 }
 
+// A broker takes only so many logons at a time, and per minute; an account waits for its own good-bye.
+TEST(FixLosses, LogonsWaitTheirTurn) {
+  FixRig rig(still_market(10));
+  rig.profile.connection.logons_at_once = 3;
+  rig.profile.connection.logons_per_minute = 7;
+  std::vector<Seat> seats;
+  for (const AccountConfig& account : rig.server.config().accounts)
+    seats.push_back(rig.seat({account.user, account.password, account.number, {}}));
+  rig.settle();
+  EXPECT_EQ(rig.network.open_connections(), 3U);
+  rig.run(2'000);
+  EXPECT_EQ(rig.fix.logged_on(), 7U);
+  seats[0].client->Logout();
+  seats[0].client->Login();
+  seats[9].client->Logout();
+  EXPECT_EQ(rig.heard(seats[9], 1'000), (Words{"waiting 2", "disconnected", "waiting 0"}));
+  rig.run(61'000);
+  EXPECT_EQ(rig.fix.logged_on(), 9U);
+  EXPECT_TRUE(seats[0].client->LoggedIn());
+}
+
+TEST(FixLosses, CreditsAreWhatABrokerTakesPerSecond) {
+  FixRig rig(still_market());
+  rig.profile.connection.orders_per_second = 3;
+  const Seat seat = rig.trader(0);
+  EXPECT_EQ(rig.hub.credits(first), 3);
+  DealerRig::send(seat, buy, "EURUSD", 0.5);
+  rig.run(500);
+  EXPECT_EQ(rig.hub.credits(first), 2);
+  for (int i = 0; i < 5; ++i)
+    EXPECT_EQ(DealerRig::send(seat, buy, "EURUSD", 0.01), request::taken) << "the wire holds nothing back";
+  EXPECT_EQ(rig.hub.credits(first), 0);
+  rig.run(500);
+  EXPECT_EQ(rig.hub.credits(first), 0);
+  rig.run(500);
+  EXPECT_EQ(rig.hub.credits(first), 3);
+}
+
 TEST(FixLosses, FiveHundredAccountsTradeEachForItself) {
   FixRig rig(still_market(500));
+  rig.profile.connection.logons_at_once = 500;
   std::vector<Seat> seats;
   for (const AccountConfig& account : rig.server.config().accounts)
     seats.push_back(rig.seat({account.user, account.password, account.number, {}}));

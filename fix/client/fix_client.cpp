@@ -1,6 +1,6 @@
 #include "fix/client/fix_client.h"
 
-#include <charconv>
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -14,6 +14,7 @@ namespace {
 
 // Amounts closer than this are the same; it lies below anything an operator can type.
 constexpr double tolerance = 1e-9;
+constexpr std::chrono::milliseconds one_second{1'000};
 
 bool is_side(Operation side) {
   return side == operation::buy || side == operation::sell;
@@ -116,8 +117,19 @@ RequestCode FixClient::send(WireRequest request) {
   if (request.id <= 0) return request::silent;
   request.id_text = wire_id(request.id);
   request.time = desk_.clock().now();
+  sent_.push_back(desk_.clock().elapsed());
+  while (sent_.front() <= sent_.back() - one_second)
+    sent_.pop_front();
   desk_.send(line_, std::move(request));
   return request::taken;
+}
+
+std::optional<int> FixClient::credits() const {
+  const int bound = desk_.profile().connection.orders_per_second;
+  if (bound == 0) return std::nullopt;
+  const auto since = desk_.clock().elapsed() - one_second;
+  const auto count = std::count_if(sent_.begin(), sent_.end(), [&](const auto& at) { return at > since; });
+  return std::max(bound - static_cast<int>(count), 0);
 }
 
 RequestCode FixClient::refuse(RequestCode code, const char* what) {

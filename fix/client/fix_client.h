@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -75,6 +76,8 @@ class FixClient final : public ClientAPI {
   // Hands one event to the sink, which may destroy the client.
   void deliver(const ClientEvent& event);
   std::int32_t account() const { return data_.account; }
+  // How many more orders may leave within this second; nothing where the broker sets no bound.
+  std::optional<int> credits() const;
 
  private:
   enum class Link : std::uint8_t { off, connecting, on };
@@ -121,6 +124,7 @@ class FixClient final : public ClientAPI {
   RequoteClock requotes_;
   std::vector<Execution> fills_;  // that came so far of an answer in parts
   TimePoint server_time_{};
+  std::deque<std::chrono::milliseconds> sent_;  // when the requests of the last second left
   // Events that wait already, and take along what comes before they are delivered.
   std::vector<bool> price_waits_, high_low_waits_;
   bool summary_waits_ = false;

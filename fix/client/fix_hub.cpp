@@ -91,6 +91,12 @@ bool FixHub::deliver_next() {
   return false;
 }
 
+std::optional<int> FixHub::credits(std::int32_t account) const {
+  for (const auto& [number, client] : clients_)
+    if (client->account() == account && client->LoggedIn()) return client->credits();
+  return std::nullopt;
+}
+
 void FixHub::remark(const FixClient& client, std::string text) {
   notices_.push_back({.text = std::move(text), .account = client.account(), .shown = false});
 }

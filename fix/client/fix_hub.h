@@ -34,6 +34,8 @@ class FixHub final : public EventSource, private ClientDesk {
   std::optional<TimePoint> next_due() const;
   bool deliver_next() override;
   std::int32_t delivered_account() const override { return delivered_account_; }
+  // How many more orders of an account may leave now; nothing where there is no bound.
+  std::optional<int> credits(std::int32_t account) const;
   // What is for the journal, oldest first.
   std::vector<BackendNotice> take_notices();
 

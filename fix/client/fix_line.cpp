@@ -25,10 +25,11 @@ bool makes_state(const FixMessage& message) {
 }  // namespace
 
 FixLine::FixLine(std::uint64_t key, const BrokerProfile& profile, const FixDictionary& dictionary,
-                 LineInbox& inbox, LineLogin login)
+                 LineInbox& inbox, LineLogin login, std::function<void()> changed)
     : key_(key),
       profile_(profile),
       inbox_(inbox),
+      changed_(std::move(changed)),
       login_(std::move(login)),
       translation_(profile, login_.account),
       session_(FixSession::initiator(dictionary, settings())),
@@ -74,6 +75,7 @@ void FixLine::on_bytes(std::string_view bytes) {
 void FixLine::on_closed(std::string_view why) {
   tell_end(line::Ended{leaving_, std::string{why}});
   over_ = true;
+  changed_();
 }
 
 void FixLine::send(const WireAsk& ask) {
@@ -95,12 +97,17 @@ void FixLine::send(const WireAsk& ask) {
 void FixLine::log_out() {
   if (std::exchange(leaving_, true)) return;
   waited_ = 0;
+  if (!stream_) {
+    tell_end(line::Ended{true, "Logged out"});
+    over_ = true;
+    return changed_();
+  }
   session_.log_out("Logged out");
   pump();
 }
 
 void FixLine::tick() {
-  if (over_) return;
+  if (over_ || !stream_) return;
   ++waited_;
   if (leaving_ && waited_ >= longest_farewell) return end("Logged out");
   if (!leaving_ && !ready_ && waited_ >= longest_login)
@@ -171,6 +178,7 @@ void FixLine::take(WireNews news) {
   tell(whole->take_ready());
   for (WireNews& later : whole->take_later())
     tell(std::move(later));
+  changed_();
 }
 
 void FixLine::hear(const session_event::Rejected& rejected) {
@@ -214,6 +222,7 @@ void FixLine::tell_end(LineNews last) {
   if (std::exchange(told_end_, true)) return;
   gathering_.reset();
   tell(std::move(last));
+  changed_();
 }
 
 void FixLine::end(std::string why) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,10 +27,12 @@ namespace tutti {
 // and tells by the inbox. Never holds a request back.
 class FixLine final : public ByteReceiver {
  public:
-  // The references outlive the line.
+  // The references outlive the line. `changed` is called when its login has come to an end, either way, and
+  // when it is over; it must not destroy the line.
   FixLine(std::uint64_t key, const BrokerProfile& profile, const FixDictionary& dictionary, LineInbox& inbox,
-          LineLogin login);
+          LineLogin login, std::function<void()> changed);
 
+  // A line that has not begun waits for its turn, for as long as that takes.
   void begin(Network& network);
   void send(const WireAsk& ask);
   void log_out();
@@ -37,6 +40,10 @@ class FixLine final : public ByteReceiver {
   void tick();
   // Nothing comes from it any more, and it may go.
   bool over() const { return over_; }
+  bool leaving() const { return leaving_ && !over_; }
+  // It is logged in, or will never be.
+  bool settled() const { return ready_ || told_end_; }
+  std::int32_t account() const { return login_.account; }
 
   void on_open() override;
   void on_bytes(std::string_view bytes) override;
@@ -66,6 +73,7 @@ class FixLine final : public ByteReceiver {
   const std::uint64_t key_;
   const BrokerProfile& profile_;
   LineInbox& inbox_;
+  const std::function<void()> changed_;
   const LineLogin login_;
   Translation translation_;
   FixSession session_;

@@ -4,7 +4,6 @@
 #include <csignal>
 #include <stdexcept>
 
-
 namespace tutti::testing {
 
 Texts sorted(Texts texts) {
