@@ -118,9 +118,9 @@ TEST(FixNet, ProvesWhoIsThereBeforeAByteIsCarried) {
       {"none where there is TLS", true, {"127.0.0.1", 0, Proof::none, "", "", ""}, false},
   };
   for (const Case& each : cases) {
+    AsioNetwork network;
     Echo echo;
     Caller caller(std::string(100'000, 'x'));
-    AsioNetwork network;
     const auto port = network.listen("127.0.0.1", 0, each.tls ? &paper.certificate : nullptr, echo);
     ASSERT_TRUE(port) << port.error();
     network.start();
@@ -136,16 +136,16 @@ TEST(FixNet, ProvesWhoIsThereBeforeAByteIsCarried) {
 
 TEST(FixNet, TellsWhoCannotBeReached) {
   for (const Peer& peer : {Peer{"127.0.0.1", 1, Peer::Proof::none, "", "", ""}}) {
-    Caller caller("hello");
     AsioNetwork network;
+    Caller caller("hello");
     network.start();
     caller.begin(network, peer);
     ASSERT_TRUE(caller.bell.wait());
     network.stop();
     EXPECT_NE(caller.closed.find("127.0.0.1:1 can't be reached"), std::string::npos) << caller.closed;
   }
-  Echo echo;
   AsioNetwork first;
+  Echo echo;
   const auto port = first.listen("127.0.0.1", 0, nullptr, echo);
   ASSERT_TRUE(port);
   AsioNetwork second;

@@ -11,7 +11,7 @@
 namespace tutti {
 
 // Where connections come from, and the thread that carries them. Everything but `post` is for tasks that run
-// on that thread.
+// on that thread. At the end it is stopped, then the streams go, then it goes itself.
 class Network {
  public:
   virtual ~Network() = default;
