@@ -5,6 +5,7 @@
 #include <string>
 
 #include "fix/client/translation.h"
+#include "fix/dialect/ask_codec.h"
 #include "fix/dialect/wire_values.h"
 #include "fix/profile/profile_reader.h"
 
@@ -129,8 +130,12 @@ close_flag = false
 sl_tp = "tags"
 stop_loss_tag = 9010
 extra = {847 = "1"}
+[quotes]
+depth = 0
+high_low = false
 [positions]
 id_tag = 9721
+subscribe = false
 [[reject]]
 tag = 103
 value = "3"
@@ -170,6 +175,16 @@ sender = "ME"
     EXPECT_FALSE(message.has(gone)) << gone;
   ASSERT_EQ(message.entries(453).size(), 1U);
   EXPECT_EQ(message.entries(453)[0].text(452), "3");
+
+  FixMessage prices = encode_ask(
+      ask::Prices{{"EURUSD"}}, [](std::string_view) { return 1.0; }, "2");
+  translation.outgoing(prices);
+  EXPECT_EQ(prices.text(264), "0");
+  EXPECT_EQ(prices.entries(267).size(), 2U);
+  EXPECT_EQ(prices.entries(146)[0].text(48), "17");
+  FixMessage positions = encode_ask(ask::Positions{}, {}, "3");
+  translation.outgoing(positions);
+  EXPECT_FALSE(positions.has(263));
 
   FixMessage report{.type = "8"};
   report.set(150, "8");

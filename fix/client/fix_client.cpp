@@ -264,6 +264,8 @@ RequestCode FixClient::RejectRequote(std::int64_t order, RequestId id) {
 SummaryAnswer FixClient::GetAccountSummary(std::int32_t account) const {
   if (link_ != Link::on) return {{}, result::failed};
   if (account != data_.account || !cache_.summary().owned) return {{}, result::order_not_found};
+  const std::chrono::seconds limit{desk_.profile().summary.stale_after_seconds};
+  if (limit.count() > 0 && desk_.clock().elapsed() - summary_at_ > limit) return {{}, result::bad_connection};
   return {cache_.summary().summary, result::succeeded};
 }
 

@@ -124,6 +124,7 @@ class FixClient final : public ClientAPI {
   RequoteClock requotes_;
   std::vector<Execution> fills_;  // that came so far of an answer in parts
   TimePoint server_time_{};
+  std::chrono::milliseconds summary_at_{0};     // when the account's values came last, by Clock::elapsed
   std::deque<std::chrono::milliseconds> sent_;  // when the requests of the last second left
   // Events that wait already, and take along what comes before they are delivered.
   std::vector<bool> price_waits_, high_low_waits_;

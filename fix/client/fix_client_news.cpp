@@ -142,6 +142,7 @@ void FixClient::take(line::Ready& ready) {
     orders_wait_ = false;
     sink.PendingOrdersLoaded();
   });
+  summary_at_ = desk_.clock().elapsed();
   if (cache_.summary().owned) take(cache_.summary());
   post([](CLAPICLASS& sink) { sink.WaitingMode(waiting_mode::normal); }, true);
   post([](CLAPICLASS& sink) { sink.AllDataAreLoaded(); });
@@ -295,6 +296,7 @@ void FixClient::take(news::Fills& fills) {
 
 void FixClient::take(const news::Summary& summary) {
   if (&summary != &cache_.summary()) cache_.set_summary(summary);
+  summary_at_ = desk_.clock().elapsed();
   if (std::exchange(summary_waits_, sink_ != nullptr)) return;
   post_moved(ClientEvent::Kind::summary, 0);
 }

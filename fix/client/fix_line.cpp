@@ -132,7 +132,7 @@ void FixLine::hear(const session_event::LoggedOn&) {
   logged_on_ = true;
   waited_ = 0;
   const bool told = profile_.symbols.source != BrokerProfile::Symbols::Source::table;
-  gathering_ = std::make_unique<LoginGathering>(told);
+  gathering_ = std::make_unique<LoginGathering>(told, profile_.orders.mass_status);
   if (told)
     ask_on();
   else
@@ -140,8 +140,16 @@ void FixLine::hear(const session_event::LoggedOn&) {
 }
 
 void FixLine::ask_on() {
-  for (const WireAsk& ask : gathering_->take_asks())
-    send(ask);
+  const bool singly = profile_.quotes && profile_.quotes->one_symbol_per_request;
+  for (const WireAsk& ask : gathering_->take_asks()) {
+    const auto* prices = std::get_if<ask::Prices>(&ask);
+    if (prices == nullptr || !singly) {
+      send(ask);
+      continue;
+    }
+    for (const std::string& symbol : prices->symbols)
+      send(ask::Prices{{symbol}});
+  }
 }
 
 void FixLine::hear(const session_event::Received& received) {

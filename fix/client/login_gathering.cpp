@@ -18,7 +18,7 @@ std::vector<WireAsk> LoginGathering::take_asks() {
   // The answers come in this order, so that prices are there before the login is complete.
   if (!prices.symbols.empty()) asks.emplace_back(std::move(prices));
   asks.emplace_back(ask::Positions{});
-  asks.emplace_back(ask::Orders{});
+  if (tells_orders_) asks.emplace_back(ask::Orders{});
   asks.emplace_back(ask::Summary{});
   return asks;
 }

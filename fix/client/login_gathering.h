@@ -14,8 +14,9 @@ namespace tutti {
 // meanwhile is kept and told behind it, since a list may be older.
 class LoginGathering {
  public:
-  // `asks_symbols`: whether the server tells them; else they are taken up before anything is asked.
-  explicit LoginGathering(bool asks_symbols = true) : asked_symbols_(!asks_symbols) {}
+  // Whether the server tells symbols, else they are taken up before anything is asked, and pending orders.
+  LoginGathering(bool tells_symbols, bool tells_orders)
+      : tells_orders_(tells_orders), asked_symbols_(!tells_symbols), orders_(!tells_orders) {}
 
   // What to ask for next; empty while answers are awaited.
   std::vector<WireAsk> take_asks();
@@ -42,11 +43,12 @@ class LoginGathering {
 
   line::Ready ready_;
   std::vector<WireNews> later_;
+  bool tells_orders_;
   bool asked_symbols_;
   bool asked_rest_ = false;
   bool symbols_ = false;
   std::optional<std::int64_t> positions_left_;
-  bool orders_ = false;
+  bool orders_;
   bool summary_ = false;
 };
 

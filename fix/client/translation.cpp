@@ -151,9 +151,18 @@ void Translation::add_order_fields(FixMessage& message) const {
   rename(message.fields, tag::position, orders.position_tag);
 }
 
+void Translation::add_quote_fields(FixMessage& message) const {
+  message.set(tag::depth, std::to_string(profile_.quotes->depth));
+  if (profile_.quotes->high_low) return;
+  for (FixGroup& group : message.groups)
+    if (group.count_tag == tag::entry_types) group.entries.resize(2);  // bid and offer stand first
+}
+
 void Translation::outgoing(FixMessage& message) const {
   name_ids(message.fields);
   if (is_order(message)) add_order_fields(message);
+  if (message.type == "AN" && !profile_.positions.subscribe) message.fields.remove(tag::subscription);
+  if (message.type == "V" && profile_.quotes) add_quote_fields(message);
   call_symbol(message.fields);
   for (FixGroup& group : message.groups)
     for (FixFields& entry : group.entries)
@@ -199,6 +208,8 @@ void Translation::incoming(FixMessage& message) {
     rename(message.fields, profile_.summary.free_margin_tag, tag::free_margin);
     if (!message.has(tag::currency) && !profile_.summary.currency.empty())
       message.set(tag::currency, profile_.summary.currency);
+    if (!message.has(tag::leverage) && profile_.summary.leverage > 0.0)
+      message.set(tag::leverage, wire_number(profile_.summary.leverage));
   } else if (message.type == "8") {
     const std::string_view type = message.text(tag::order_type);
     if (type == orders.limit_code)

@@ -37,6 +37,7 @@ class Translation {
   void number_ids(FixFields& fields);
   void name_ids(FixFields& fields) const;
   void add_order_fields(FixMessage& message) const;
+  void add_quote_fields(FixMessage& message) const;
   void read_reject(FixMessage& message) const;
   std::string plain_name(std::string_view wire) const;
   std::string formatted_name(std::string_view name) const;

@@ -69,7 +69,6 @@ struct BrokerProfile {
     int limit_distance_tag = 20'004, stop_distance_tag = 20'005;
     enum class Unit : std::uint8_t { points, price } distance_unit = Unit::points;
     int contract_size_tag = 231;
-    int minimum_tag = 562, maximum_tag = 1'140;
     std::vector<TableSymbol> table{};
   };
 

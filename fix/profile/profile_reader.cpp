@@ -222,8 +222,6 @@ class ProfileReader {
     read_tag(reader, "stop_distance_tag", read.stop_distance_tag, 0);
     read.distance_unit = read_word(reader, "distance_unit", unit_words, read.distance_unit);
     read_tag(reader, "contract_size_tag", read.contract_size_tag);
-    read_tag(reader, "minimum_tag", read.minimum_tag, 0);
-    read_tag(reader, "maximum_tag", read.maximum_tag, 0);
     for (const toml::table* table : reader.tables("table"))
       read_table_symbol(*table);
     if ((read.source == Profile::Symbols::Source::table) != !read.table.empty())
