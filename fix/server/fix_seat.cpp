@@ -29,6 +29,7 @@ void FixSeat::on_bytes(std::string_view bytes) {
   if (over_) return;
   session_.feed(bytes);
   pump();
+  if (host_.wake) host_.wake();
 }
 
 void FixSeat::on_closed(std::string_view) {

@@ -31,6 +31,7 @@ class FixSeat final : public ByteReceiver, private CLAPICLASS {
     const std::function<std::unique_ptr<ClientAPI>()>& make_client;
     const std::function<AccountMemory&(std::int32_t account)>& memory;
     const std::function<void(std::string)>& remark;
+    const std::function<void()>& wake;  // something came in
   };
 
   FixSeat(const Host& host, std::unique_ptr<ByteStream> stream, std::string_view address);

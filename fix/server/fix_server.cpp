@@ -22,12 +22,16 @@ FixServer::~FixServer() = default;
 
 ByteReceiver* FixServer::on_connection(std::unique_ptr<ByteStream> stream, std::string_view address) {
   if (seats_.size() >= settings_.most_seats) return nullptr;
-  const FixSeat::Host host{settings_, dictionary_, make_client_, memory_of_, remark_};
+  const FixSeat::Host host{settings_, dictionary_, make_client_, memory_of_, remark_, wake_};
   return seats_.emplace_back(std::make_unique<FixSeat>(host, std::move(stream), address)).get();
 }
 
-void FixServer::tick() {
+void FixServer::sweep() {
   std::erase_if(seats_, [](const auto& seat) { return seat->over(); });
+}
+
+void FixServer::tick() {
+  sweep();
   for (const auto& seat : seats_)
     seat->tick();
 }

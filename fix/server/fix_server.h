@@ -21,9 +21,14 @@ class FixServer final : public Listener {
   FixServer(ServerSettings settings, std::function<std::unique_ptr<ClientAPI>()> make_client);
   ~FixServer() override;
 
+  // Called whenever something came in that the clients may have an answer to. Before anybody connects.
+  void set_wake(std::function<void()> wake) { wake_ = std::move(wake); }
+
   ByteReceiver* on_connection(std::unique_ptr<ByteStream> stream, std::string_view address) override;
   // About once a second, outside of anything the network or a client calls: connections that ended go here.
   void tick();
+  // Lets them go at once; called as `tick` is.
+  void sweep();
   // Logs everybody out, in these words.
   void close(std::string_view why);
 
@@ -39,6 +44,7 @@ class FixServer final : public Listener {
   const std::function<std::unique_ptr<ClientAPI>()> make_client_;
   const std::function<AccountMemory&(std::int32_t)> memory_of_;
   const std::function<void(std::string)> remark_;
+  std::function<void()> wake_;
   std::map<std::int32_t, AccountMemory> memories_;
   std::vector<std::string> remarks_;
   std::vector<std::unique_ptr<FixSeat>> seats_;
