@@ -10,8 +10,7 @@
 
 #include "apps/server/dealer_process.h"
 #include "core/file_writer.h"
-#include "fix/client/fix_hub.h"
-#include "fix/session/fix_dictionary.h"
+#include "fix/client/fix_backend.h"
 #include "tests/dealer_rig.h"
 #include "tests/support/temporary_folder.h"
 
@@ -64,18 +63,20 @@ class Running {
 class RunningClient {
  public:
   explicit RunningClient(const DealerProcess& server) {
-    profile_.connection.peer = {"127.0.0.1", server.port(),       Peer::Proof::pinned, "",
-                                "",          server.fingerprint()};
-    lines_.inbox().set_wake([this] {
+    BrokerProfile profile;
+    profile.connection.peer = {"127.0.0.1", server.port(), Peer::Proof::pinned, "", "", server.fingerprint()};
+    backend_ = std::make_unique<FixBackend>(std::move(profile), network_, clock_);
+    backend_->set_wake([this] {
       const std::lock_guard lock(mutex_);
       rung_ = true;
       changed_.notify_all();
     });
     network_.start();
-    client = hub_.make_client();
-    client->set_sink(&seen);
     const AccountConfig account = DealerConfig::sample().accounts[0];
-    client->SetLoginData({account.user, account.password, account.number, {}});
+    const LoginData login{account.user, account.password, account.number, {}};
+    client = backend_->make_client(login);
+    client->set_sink(&seen);
+    client->SetLoginData(login);
     client->Login();
   }
   ~RunningClient() {
@@ -85,8 +86,8 @@ class RunningClient {
   // True once the event was told.
   bool hears(const std::string& event) {
     while (true) {
-      hub_.advance();
-      while (hub_.deliver_next()) {
+      backend_->advance();
+      while (backend_->events()[0]->deliver_next()) {
       }
       const auto at = std::find(seen.events.begin(), seen.events.end(), event);
       if (at != seen.events.end()) {
@@ -104,11 +105,8 @@ class RunningClient {
 
  private:
   SystemClock clock_;
-  BrokerProfile profile_;
-  FixDictionary dictionary_;
   AsioNetwork network_;
-  FixLines lines_{network_, profile_, dictionary_};
-  FixHub hub_{lines_, clock_};
+  std::unique_ptr<FixBackend> backend_;
   std::mutex mutex_;
   std::condition_variable changed_;
   bool rung_ = false;

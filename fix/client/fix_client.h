@@ -101,11 +101,11 @@ class FixClient final : public ClientAPI {
   void take(const news::Symbols&) {}
   void take(const news::Price& price);
   void take(const news::PositionList&) {}
-  void take(news::Position& position);
-  void take(news::Order& order);
+  void take(news::Position& news);
+  void take(news::Order& news);
   void take(const news::Report& report);
   // Keeps the rows of pending orders by the reports alone, where a server tells none.
-  void follow_orders(const news::Report& report);
+  void follow_orders(const news::Report& news);
   void take(const news::Refused& refused);
   void take(const news::Told& told);
   void take(news::Fills& fills);
