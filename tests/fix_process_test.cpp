@@ -85,7 +85,7 @@ class RunningClient {
   }
   // True once the event was told.
   bool hears(const std::string& event) {
-    while (true) {
+    for (const auto begun = clock_.elapsed(); clock_.elapsed() - begun < std::chrono::seconds{20};) {
       backend_->advance();
       while (backend_->events()[0]->deliver_next()) {
       }
@@ -98,6 +98,7 @@ class RunningClient {
       if (!changed_.wait_for(lock, std::chrono::seconds{20}, [this] { return rung_; })) return false;
       rung_ = false;
     }
+    return false;
   }
 
   DealerRecorder seen;

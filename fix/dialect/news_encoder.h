@@ -26,19 +26,19 @@ class NewsEncoder {
   FixMessage message(const news::Symbols& symbols, std::string_view stamp) const;
   FixMessage message(const news::Price& price, std::string_view stamp) const;
   FixMessage message(const news::PositionList& list, std::string_view stamp) const;
-  FixMessage message(const news::Position& position, std::string_view stamp) const;
-  FixMessage message(const news::Order& order, std::string_view stamp) const;
+  FixMessage message(const news::Position& news, std::string_view stamp) const;
+  FixMessage message(const news::Order& news, std::string_view stamp) const;
   FixMessage message(const news::Report& report, std::string_view stamp) const;
   FixMessage message(const news::Refused& refused, std::string_view stamp) const;
   FixMessage message(const news::Told& told, std::string_view stamp) const;
   FixMessage message(const news::Fills& fills, std::string_view stamp) const;
-  FixMessage message(const news::Summary& summary, std::string_view stamp) const;
+  FixMessage message(const news::Summary& news, std::string_view stamp) const;
   FixMessage message(const news::Offer& offer, std::string_view stamp) const;
   FixMessage message(const news::Time& time, std::string_view stamp) const;
 
-  FixMessage execution_report(const news::Report& report) const;
-  FixMessage cancel_reject(const news::Report& report) const;
-  FixMessage stops_report(const news::Report& report) const;
+  FixMessage execution_report(const news::Report& news) const;
+  FixMessage cancel_reject(const news::Report& news) const;
+  FixMessage stops_report(const news::Report& news) const;
 
   SymbolSizes sizes_;
   bool own_fields_;

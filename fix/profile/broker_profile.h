@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "fix/profile/quote_profile.h"
 #include "fix/wire/peer.h"
 #include "sessions/contract/codes.h"
 
@@ -40,15 +41,7 @@ struct BrokerProfile {
     bool own_fields = true;  // the broker is a server of ours
   };
 
-  struct Quotes {
-    std::optional<Peer> peer{};  // a session of its own for quotes; the same one where it is nothing
-    std::string sender{}, target{}, sender_sub{}, target_sub{};
-    bool shared = false;  // one feed for all accounts
-    int depth = 1;        // 0: all
-    enum class Update : std::uint8_t { full, incremental } update = Update::full;
-    bool one_symbol_per_request = false;
-    bool high_low = true;
-  };
+  using Quotes = QuoteProfile;
 
   struct TableSymbol {
     std::string name{};

@@ -68,7 +68,7 @@ class FixSeat final : public ByteReceiver, private CLAPICLASS {
   void carry_out(const ask::Summary&, const FixMessage& message);
   void carry_out(const ask::Request& request, const FixMessage& message);
   void carry_out(const ask::Fills& fills, const FixMessage& message);
-  void carry_out(const WireRequest& request, const FixMessage& message);
+  void carry_out(const WireRequest& asked, const FixMessage& message);
   RequestCode perform(WireRequest& request);
   double lots_of(const UnitsAsked& asked) const;
   double size_of(std::string_view symbol) const;
