@@ -311,6 +311,38 @@ TEST(FixServer, AStandardOrderTradesAndIsAnsweredInStandardFieldsAlone) {
   EXPECT_EQ(rig.server.find_account(first)->positions().size(), 1U);
 }
 
+// An entry order is changed and cancelled by the names of its requests alone, as the standard has it.
+TEST(FixServer, FindsOrdersByTheNamesOfTheirRequests) {
+  FixRig rig(still_market());
+  StandardClient client(rig);
+  FixMessage order = standard_order("first");
+  order.set(40, "2");
+  order.set(44, "1.07");
+  client.send(order);
+  order.type = "G";
+  order.set(11, "second");
+  order.set(41, "first");
+  order.set(44, "1.06");
+  client.send(order);
+  order.set(11, "third");
+  order.set(41, "first");
+  client.send(order);
+  FixMessage cancel{.type = "F"};
+  for (const auto& [tag, value] : std::vector<std::pair<int, std::string>>{
+           {11, "fourth"}, {41, "second"}, {55, "EURUSD"}, {54, "1"}, {60, "20260101-00:00:00"}})
+    cancel.set(tag, value);
+  client.send(cancel);
+  ASSERT_EQ(client.messages.size(), 4U);
+  EXPECT_EQ(client.messages[0].text(150), "0");
+  EXPECT_EQ(client.messages[1].text(150), "5");
+  EXPECT_EQ(client.messages[1].text(41), "first");
+  EXPECT_EQ(client.messages[2].type, "9") << "that name is the order's no more";
+  EXPECT_EQ(client.messages[2].text(11), "third");
+  EXPECT_EQ(client.messages[3].text(150), "4");
+  EXPECT_EQ(client.messages[3].text(11), "fourth");
+  EXPECT_TRUE(rig.server.find_account(first)->orders().empty());
+}
+
 // What can't be read is refused by its id, or by name; nothing of it is done, and the session goes on.
 TEST(FixServer, RefusesWhatItCannotRead) {
   struct Case {

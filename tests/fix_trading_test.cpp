@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <string>
 #include <vector>
@@ -274,6 +275,43 @@ TEST(FixTrading, CarriesRefusalsAndResults) {
       play.hear(3'000);
     });
   }
+}
+
+// Answers about what is nobody's are told as they come; a position or order that was never there can't go.
+TEST(FixTrading, WhatWasNeverThereDoesNotGo) {
+  DealerConfig config = still_market();
+  config.faults = {fault(FaultKind::unknown_ticket, {FaultPoint::open})};
+  FixRig rig(config);
+  const Seat seat = rig.trader(0);
+  DealerRig::send(seat, buy, "EURUSD", 0.5);
+  Words words = rig.heard(seat, 300);
+  std::erase(words, "summary");
+  EXPECT_EQ(words, (Words{"order 1", "opened", "order 1", "close 1", "accepted 1", "rejected 1", "entry 1",
+                          "update 1", "new stops 1", "update stops 1", "cancel 1", "stops 1"}));
+  EXPECT_EQ(rig.notices(), Words{});
+  EXPECT_EQ(rig.fix.take_remarks(), Words{});
+  EXPECT_EQ(seat.client->OpenPositionCount(), 1);
+}
+
+// A server whose figures are no numbers tells none of them, and goes on.
+TEST(FixTrading, FiguresThatAreNoNumbersStayAtTheServer) {
+  DealerConfig config = still_market();
+  FaultConfig garbage =
+      fault(FaultKind::garbage, {FaultPoint::price, FaultPoint::summary, FaultPoint::position});
+  garbage.value = std::nan("");
+  config.faults = {garbage};
+  config.ticks = {{std::chrono::seconds{2}, "EURUSD", 1.09, 1.0902}};
+  FixRig rig(config);
+  const Seat seat = rig.trader(0);
+  DealerRig::send(seat, buy, "EURUSD", 0.5);
+  rig.run(5'000);
+  EXPECT_EQ(rig.notices(), Words{});
+  EXPECT_TRUE(seat.client->LoggedIn());
+  EXPECT_EQ(seat.seen->last_bid, 1.09);
+  ASSERT_EQ(seat.client->OpenPositionCount(), 1);
+  EXPECT_NEAR(seat.client->OpenPositionItem(1)->floating_pl, 0.5 * 100'000 * (1.09 - 1.08462), 1e-6);
+  for (const AccountSummary& summary : seat.seen->summaries)
+    EXPECT_TRUE(std::isfinite(summary.equity));
 }
 
 }  // namespace

@@ -68,6 +68,7 @@ void FixLine::on_open() {
 }
 
 void FixLine::on_bytes(std::string_view bytes) {
+  if (told_end_) return;
   session_.feed(bytes);
   pump();
 }

@@ -162,6 +162,8 @@ WireNews NewsDecoder::position(const FixMessage& message, FieldReader& reader) c
   OpenPosition& position = out.position;
   position.account = account_;
   position.ticket = reader.integer(tag::position);
+  out.gone = reader.flag(tag::gone);
+  if (out.gone) return out;
   position.symbol = reader.text(tag::symbol);
   out.listed = !reader.flag(tag::unsolicited);
   out.count = reader.integer_or(tag::position_count, 0);
@@ -190,7 +192,7 @@ WireNews NewsDecoder::position(const FixMessage& message, FieldReader& reader) c
 WireNews NewsDecoder::execution_report(FieldReader& reader) const {
   const std::string type = reader.text(tag::exec_type);
   if (type == "I") {
-    const bool row = reader.has(tag::order_kind) || reader.has(tag::mass_request);
+    const bool row = reader.has(tag::order_kind) || reader.has(tag::mass_request) || reader.has(tag::gone);
     return row ? order(reader) : status(reader);
   }
   if (reader.has(tag::request_code)) return refused(reader, tag::id);
@@ -236,6 +238,8 @@ WireNews NewsDecoder::order(FieldReader& reader) const {
   if (order.kind == OrderKind::none) reader.complain(tag::order_kind, "is none of OP, CP, LO, ST");
   order.reference = reader.integer_or(tag::position, 0);
   order.operation = read_operation(reader, closes);
+  // Of one that is gone its number is enough.
+  if (out.gone) return out;
   order.symbol = reader.text(tag::symbol);
   order.amount = lots(reader, tag::quantity, order.symbol);
   order.price = reader.number_or(tag::price, reader.number_or(tag::stop_price, 0.0));

@@ -79,6 +79,10 @@ const char* state_letter(RequestState state) {
 std::optional<FixMessage> NewsEncoder::encode(const WireNews& news, std::string_view stamp) const {
   FixMessage made = std::visit([&](const auto& each) { return message(each, stamp); }, news);
   if (is_spoilt(made)) return std::nullopt;
+  made.fields.remove_empty();
+  for (FixGroup& group : made.groups)
+    for (FixFields& entry : group.entries)
+      entry.remove_empty();
   if (own_fields_) return made;
   if (made.type.size() == 2 && made.type[0] == 'U') return std::nullopt;
   made.fields = standard(made.fields);

@@ -137,7 +137,11 @@ void FixSeat::OrderTimer(const Requote& requote) {
 }
 
 void FixSeat::RequestTold(RequestId id, RequestState state, double lots) {
-  if (on_) tell(news::Told{id, memory_->text_of(id), state, lots});
+  if (!on_) return;
+  tell(news::Told{id, memory_->text_of(id), state, lots});
+  const bool alive = state == RequestState::waiting || state == RequestState::working ||
+                     state == RequestState::partly_executed;
+  if (!alive) memory_->end(id);
 }
 
 void FixSeat::RequestRefused(RequestId id, RequestCode code, std::string_view text) {

@@ -17,6 +17,10 @@ void FixFields::remove(int tag) {
   std::erase_if(fields_, [tag](const FixField& field) { return field.tag == tag; });
 }
 
+void FixFields::remove_empty() {
+  std::erase_if(fields_, [](const FixField& field) { return field.value.empty(); });
+}
+
 void FixFields::remove_from(int first, int kept, int kept_too) {
   std::erase_if(fields_, [&](const FixField& field) {
     return field.tag >= first && field.tag != kept && field.tag != kept_too;

@@ -26,6 +26,8 @@ class FixFields {
   void remove(int tag);
   // All from this tag on, but for two.
   void remove_from(int first, int kept, int kept_too);
+  // Fields without a value, which no message may have.
+  void remove_empty();
   bool has(int tag) const { return find(tag) != nullptr; }
 
   std::vector<FixField>::const_iterator begin() const { return fields_.begin(); }
