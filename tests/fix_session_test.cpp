@@ -121,6 +121,8 @@ TEST(FixSession, LogsOnTradesAndLogsOutWhateverThePieces) {
   for (const std::size_t piece : {std::size_t{1}, std::size_t{7}, std::size_t{1} << 20}) {
     Pair pair;
     EXPECT_EQ(pair.client.send(order("EARLY")), 0) << "nothing is handed to a session that is not logged on";
+    pair.client.tick();
+    EXPECT_EQ(pair.client.take_output(), "") << "the logon waits for the connection";
     pair.client.start();
     pair.run(piece);
     EXPECT_EQ(pair.server_ear.take(), (Words{"asked", "on"}));

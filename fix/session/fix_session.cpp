@@ -95,6 +95,7 @@ class FixSession::Impl final : public FIX::Application, public FIX::Responder {
     session_->setTimestampPrecision(settings_.time_digits);
   }
   void start() {
+    started_ = true;
     guarded([&] { session_->next(now()); });
   }
   void feed(std::string_view bytes) {
@@ -102,7 +103,8 @@ class FixSession::Impl final : public FIX::Application, public FIX::Responder {
     read();
   }
   void tick() {
-    if (session_ && !ended_) guarded([&] { session_->next(now()); });
+    // Before its start a logon would go nowhere, and be taken for sent.
+    if (started_ && !ended_) guarded([&] { session_->next(now()); });
   }
   void admit(const FixFields& answer) {
     settings_.logon = answer;
@@ -174,6 +176,7 @@ class FixSession::Impl final : public FIX::Application, public FIX::Responder {
   std::string refusal_;
   std::string logout_words_;  // of the other end
   std::string broken_rule_;
+  bool started_ = false;
   bool left_ = false;     // the other end logged out
   bool leaving_ = false;  // we did
   bool gap_ = false;
@@ -232,6 +235,7 @@ void FixSession::Impl::go_on() {
   if (ended_ || !first_frame_) return;
   const std::string frame = *std::exchange(first_frame_, std::nullopt);
   make(answer_.target, answer_.sender, 0);
+  started_ = true;
   take_frame(frame);
   if (!ended_ && !session_->isLoggedOn())
     return end(event::Ended::Reason::failed, "The logon breaks a rule: " + last_words_.text());

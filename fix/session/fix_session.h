@@ -32,7 +32,7 @@ class FixSession {
   // Of an initiator, once, when the connection stands: sends the logon.
   void start();
   void feed(std::string_view bytes);
-  // To be called about once a second.
+  // To be called about once a second; does nothing before the start.
   void tick();
 
   // Answers a LogonAsked. A refusal ends the session; `why` begins with a word of its own.
