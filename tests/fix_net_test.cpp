@@ -191,7 +191,8 @@ class ServerThread {
   SystemClock clock_;
   DealingServer server_;
   AsioNetwork network_;
-  FixServer fix_{{}, [this] { return server_.make_client(); }};
+  const FixDictionary dictionary_;
+  FixServer fix_{dictionary_, {}, [this] { return server_.make_client(); }};
   std::uint16_t port_ = 0;
   std::thread thread_;
 };

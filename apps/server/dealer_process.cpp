@@ -52,7 +52,7 @@ DealerProcess::DealerProcess(DealerConfig config, const Clock& clock, Tell tell,
       tell_(std::move(tell)),
       lock_(std::move(lock)),
       server_(std::move(config), clock),
-      fix_({}, [this] { return server_.make_client(); }) {}
+      fix_(dictionary_, {}, [this] { return server_.make_client(); }) {}
 
 tl::expected<void, std::string> DealerProcess::begin(const DealerOptions& options) {
   const auto left_out = server_.keep_book(options.home);

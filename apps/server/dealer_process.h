@@ -53,6 +53,7 @@ class DealerProcess {
   HomeLock lock_;
   DealingServer server_;
   AsioNetwork network_;
+  const FixDictionary dictionary_;
   FixServer fix_;
   std::function<bool()> stopped_;
   std::string fingerprint_;

@@ -10,8 +10,10 @@ constexpr std::size_t most_remarks = 10'000;  // that nobody has taken
 
 }  // namespace
 
-FixServer::FixServer(ServerSettings settings, std::function<std::unique_ptr<ClientAPI>()> make_client)
-    : settings_(std::move(settings)),
+FixServer::FixServer(const FixDictionary& dictionary, ServerSettings settings,
+                     std::function<std::unique_ptr<ClientAPI>()> make_client)
+    : dictionary_(dictionary),
+      settings_(std::move(settings)),
       make_client_(std::move(make_client)),
       memory_of_([this](std::int32_t account) -> AccountMemory& { return memories_[account]; }),
       remark_([this](std::string text) {

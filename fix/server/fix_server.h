@@ -17,8 +17,9 @@ namespace tutti {
 // which also delivers the events of those clients.
 class FixServer final : public Listener {
  public:
-  // What the factory's clients hang on outlives the server.
-  FixServer(ServerSettings settings, std::function<std::unique_ptr<ClientAPI>()> make_client);
+  // The dictionary, and what the factory's clients hang on, outlive the server.
+  FixServer(const FixDictionary& dictionary, ServerSettings settings,
+            std::function<std::unique_ptr<ClientAPI>()> make_client);
   ~FixServer() override;
 
   // Called whenever something came in that the clients may have an answer to. Before anybody connects.
@@ -39,8 +40,8 @@ class FixServer final : public Listener {
   std::vector<std::string> take_remarks() { return std::exchange(remarks_, {}); }
 
  private:
+  const FixDictionary& dictionary_;
   const ServerSettings settings_;
-  const FixDictionary dictionary_;
   const std::function<std::unique_ptr<ClientAPI>()> make_client_;
   const std::function<AccountMemory&(std::int32_t)> memory_of_;
   const std::function<void(std::string)> remark_;

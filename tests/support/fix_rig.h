@@ -74,9 +74,14 @@ struct FixRig {
   ManualClock clock;
   DealingServer server;
   MemoryNetwork network;
-  FixServer fix{{}, [this] { return server.make_client(); }};
+  // Reading it takes longer than most tests.
+  static const FixDictionary& shared_dictionary() {
+    static const FixDictionary shared;
+    return shared;
+  }
+  const FixDictionary& dictionary = shared_dictionary();
+  FixServer fix{dictionary, {}, [this] { return server.make_client(); }};
   BrokerProfile profile;
-  FixDictionary dictionary;
   FixLines lines{network, profile, dictionary};
   FixHub hub{lines, clock};
   std::int64_t passed = 0;

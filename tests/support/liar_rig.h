@@ -14,6 +14,12 @@
 
 namespace tutti {
 
+// Reading it takes longer than most tests.
+inline const FixDictionary& shared_dictionary() {
+  static const FixDictionary shared;
+  return shared;
+}
+
 // Answers every question of a login, with one symbol and one position; of what else comes it keeps the last.
 class Liar final : public Listener, public ByteReceiver {
  public:
@@ -80,7 +86,7 @@ class Liar final : public Listener, public ByteReceiver {
     }
   }
 
-  const FixDictionary dictionary_;
+  const FixDictionary& dictionary_ = shared_dictionary();
   FixSession session_ = FixSession::acceptor(dictionary_);
   NewsEncoder encoder_{[](std::string_view) { return 100'000.0; }, true};
   std::unique_ptr<ByteStream> stream_;
@@ -120,7 +126,7 @@ struct LiarRig {
   MemoryNetwork network;
   Liar liar;
   BrokerProfile profile;
-  FixDictionary dictionary;
+  const FixDictionary& dictionary = shared_dictionary();
   FixLines lines{network, profile, dictionary};
   FixHub hub{lines, clock};
   DealerRecorder seen;
