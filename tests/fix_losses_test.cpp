@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "fix/dialect/ask_codec.h"
 #include "fix/dialect/wire_values.h"
 #include "tests/support/fix_rig.h"
 
@@ -309,6 +310,24 @@ TEST(FixServer, AStandardOrderTradesAndIsAnsweredInStandardFieldsAlone) {
   EXPECT_EQ(client.messages[2].text(150), "8");
   EXPECT_EQ(client.messages[2].text(103), "6");
   EXPECT_EQ(rig.server.find_account(first)->positions().size(), 1U);
+}
+
+// A price that brings a new high of the day along is one message, and none comes of what was not asked for.
+TEST(FixServer, TellsAPriceOnce) {
+  DealerConfig config = still_market();
+  config.ticks = {{std::chrono::seconds{2}, "EURUSD", 1.09, 1.0902},
+                  {std::chrono::seconds{3}, "USDJPY", 150, 151}};
+  FixRig rig(config);
+  StandardClient client(rig);
+  client.send(encode_ask(ask::Prices{{"EURUSD", "NOWHERE"}}, {}, "7"));
+  client.run(5'000);
+  ASSERT_EQ(client.messages.size(), 3U);
+  EXPECT_EQ(client.messages[0].type, "W");
+  EXPECT_EQ(client.messages[0].text(262), "7");
+  EXPECT_EQ(client.messages[1].type, "Y");
+  EXPECT_EQ(client.messages[2].type, "W");
+  ASSERT_EQ(client.messages[2].entries(268).size(), 4U);
+  EXPECT_EQ(client.messages[2].entries(268)[2].text(270), "1.09") << "the day's high";
 }
 
 // An entry order is changed and cancelled by the names of its requests alone, as the standard has it.

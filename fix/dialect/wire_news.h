@@ -62,6 +62,8 @@ struct Price {
   double high = 0.0;  // 0 when not told
   double low = 0.0;
   TimePoint time{};
+
+  bool operator==(const Price&) const = default;
 };
 // The list of positions begins, and has so many; they follow.
 struct PositionList {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -150,7 +151,7 @@ class FixSeat final : public ByteReceiver, private CLAPICLASS {
   bool own_fields_ = false;
   bool over_ = false;
   // What the other end wants to be told as it changes.
-  std::set<std::string, std::less<>> priced_;
+  std::map<std::string, news::Price, std::less<>> priced_;  // as it was told last
   bool positions_wanted_ = false;
   bool orders_wanted_ = false;
   bool summary_wanted_ = false;

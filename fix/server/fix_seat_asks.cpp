@@ -87,7 +87,7 @@ void FixSeat::carry_out(const ask::Prices& prices, const FixMessage& message) {
       session_.send(reject);
       continue;
     }
-    priced_.insert(name);
+    priced_[name] = {};
     if (symbol->bid > 0.0) tell_price(*symbol, stamp);
   }
   pump();

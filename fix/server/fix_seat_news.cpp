@@ -46,12 +46,17 @@ void FixSeat::tell(const WireNews& news, std::string_view stamp) {
 }
 
 void FixSeat::tell_price(const Symbol& symbol, std::string_view stamp) {
-  if (!priced_.contains(symbol.name)) return;
+  const auto told = priced_.find(symbol.name);
+  if (told == priced_.end()) return;
   if (stream_ && stream_->unsent() > host_.settings.slow_from) {
     late_prices_.insert(symbol.name);
     return;
   }
-  tell(news::Price{symbol.name, symbol.bid, symbol.ask, symbol.high, symbol.low, symbol.quote_time}, stamp);
+  // The day's high and low come as an event of their own, behind the price that brought them along.
+  news::Price price{symbol.name, symbol.bid, symbol.ask, symbol.high, symbol.low, symbol.quote_time};
+  if (price == told->second) return;
+  told->second = std::move(price);
+  tell(told->second, stamp);
 }
 
 void FixSeat::tell_summary(std::string_view stamp) {
