@@ -15,6 +15,7 @@ namespace {
 // Amounts closer than this are the same; it lies below anything an operator can type.
 constexpr double tolerance = 1e-9;
 constexpr std::chrono::milliseconds one_second{1'000};
+using Link = ClientFeed::Link;
 
 bool is_side(Operation side) {
   return side == operation::buy || side == operation::sell;
@@ -29,21 +30,15 @@ bool are_prices(const StopPrices& stops) {
 
 }  // namespace
 
-FixClient::FixClient(ClientDesk& desk) : desk_(desk) {}
+FixClient::FixClient(ClientDesk& desk) : desk_(desk), feed_(*this, desk) {}
 
 FixClient::~FixClient() {
-  sink_ = nullptr;
-  if (line_ != 0) desk_.close_line(line_);
+  if (feed_.line() != 0) desk_.close_line(feed_.line());
   desk_.leave(*this);
 }
 
 void FixClient::set_sink(CLAPICLASS* sink) {
-  if (sink == sink_) return;
-  desk_.forget(*this, true);
-  price_waits_.assign(price_waits_.size(), false);
-  high_low_waits_.assign(high_low_waits_.size(), false);
-  summary_waits_ = time_waits_ = positions_wait_ = orders_wait_ = false;
-  sink_ = sink;
+  feed_.set_sink(sink);
 }
 
 void FixClient::SetLoginData(const LoginData& data) {
@@ -51,27 +46,23 @@ void FixClient::SetLoginData(const LoginData& data) {
 }
 
 void FixClient::Login() {
-  if (link_ != Link::off) return;
-  link_ = Link::connecting;
-  post([](CLAPICLASS& sink) { sink.WaitingMode(waiting_mode::connecting); }, true);
-  line_ = desk_.open_line(*this, {data_.account, data_.user, data_.password.copy()});
+  if (feed_.link() != Link::off) return;
+  feed_.begin();
+  feed_.set_line(desk_.open_line(*this, {data_.account, data_.user, data_.password.copy()}));
 }
 
 void FixClient::Logout() {
-  if (link_ == Link::off) return;
+  if (feed_.link() == Link::off) return;
   // What has come by now is not lost.
   desk_.collect();
-  if (link_ == Link::off) return;
-  const bool connecting = link_ == Link::connecting;
-  desk_.close_line(line_);
-  end_link();
-  post([](CLAPICLASS& sink) { sink.ConnectionState(false); }, true);
-  if (connecting) post([](CLAPICLASS& sink) { sink.WaitingMode(waiting_mode::normal); }, true);
+  if (feed_.link() == Link::off) return;
+  desk_.close_line(feed_.line());
+  feed_.log_out();
 }
 
 bool FixClient::LoggedIn() const {
   // A user may log in without owning the account number; he can't trade with it.
-  return link_ == Link::on && cache_.summary().owned;
+  return feed_.link() == Link::on && cache_.summary().owned;
 }
 
 int FixClient::SymbolCount() const {
@@ -120,7 +111,7 @@ RequestCode FixClient::send(WireRequest request) {
   sent_.push_back(desk_.clock().elapsed());
   while (sent_.front() <= sent_.back() - one_second)
     sent_.pop_front();
-  desk_.send(line_, std::move(request));
+  desk_.send(feed_.line(), std::move(request));
   return request::taken;
 }
 
@@ -245,9 +236,9 @@ RequestCode FixClient::UpdateSLTP(std::int64_t ticket, const StopPrices& stops, 
 RequestCode FixClient::answer_requote(std::int64_t order, bool accept, RequestId id) {
   if (!LoggedIn()) return request::invalid_account;
   if (id <= 0) return request::silent;
-  const Requote* offer = requotes_.find(order);
+  const Requote* offer = feed_.requotes().find(order);
   const std::string symbol = offer != nullptr ? offer->symbol : std::string{};
-  const RequestCode code = requotes_.answer(order, accept, desk_.clock().elapsed());
+  const RequestCode code = feed_.requotes().answer(order, accept, desk_.clock().elapsed());
   if (code != request::taken) return code;
   const RequestKind kind = accept ? RequestKind::accept_requote : RequestKind::reject_requote;
   return send({.kind = kind, .id = id, .number = order, .symbol = symbol});
@@ -262,10 +253,10 @@ RequestCode FixClient::RejectRequote(std::int64_t order, RequestId id) {
 }
 
 SummaryAnswer FixClient::GetAccountSummary(std::int32_t account) const {
-  if (link_ != Link::on) return {{}, result::failed};
+  if (feed_.link() != Link::on) return {{}, result::failed};
   if (account != data_.account || !cache_.summary().owned) return {{}, result::order_not_found};
   const std::chrono::seconds limit{desk_.profile().summary.stale_after_seconds};
-  if (limit.count() > 0 && desk_.clock().elapsed() - summary_at_ > limit) return {{}, result::bad_connection};
+  if (limit.count() > 0 && feed_.summary_age() > limit) return {{}, result::bad_connection};
   return {cache_.summary().summary, result::succeeded};
 }
 
@@ -308,14 +299,14 @@ BookEra FixClient::Era() const {
 RequestCode FixClient::AskRequest(RequestId id, BookEra era) {
   if (!LoggedIn()) return request::invalid_account;
   if (id <= 0 || !desk_.profile().orders.status_request) return request::silent;
-  desk_.send(line_, ask::Request{id, {}, era});
+  desk_.send(feed_.line(), ask::Request{id, {}, era});
   return request::taken;
 }
 
 RequestCode FixClient::AskExecutions(TimePoint since) {
   if (!LoggedIn()) return request::invalid_account;
   if (!desk_.profile().logon.own_fields) return request::silent;
-  desk_.send(line_, ask::Fills{since});
+  desk_.send(feed_.line(), ask::Fills{since});
   return request::taken;
 }
 

@@ -9,9 +9,7 @@
 #include "core/clock.h"
 #include "fix/client/account_cache.h"
 #include "fix/client/client_desk.h"
-#include "fix/client/client_event.h"
-#include "fix/client/line_news.h"
-#include "fix/client/requote_clock.h"
+#include "fix/client/client_feed.h"
 #include "fix/dialect/wire_request.h"
 #include "sessions/contract/ClientAPI.h"
 #include "sessions/contract/codes.h"
@@ -66,22 +64,14 @@ class FixClient final : public ClientAPI {
   RequestCode DeleteEntryOrder(std::int64_t order, RequestId id) override;
   RequestCode DeleteSLTPOrder(std::int64_t order, RequestId id) override;
 
-  // What follows is the hub's. Takes up what the line `line` told; a line that was left brings answers only.
-  void take(std::uint64_t line, LineNews& news);
-  // Values positions by the prices that came in since.
-  void settle_prices();
-  // Queues the ticks of requotes that are due.
-  void tick();
-  std::optional<std::chrono::milliseconds> next_tick() const { return requotes_.next_due(); }
-  // Hands one event to the sink, which may destroy the client.
-  void deliver(const ClientEvent& event);
+  // What follows is the hub's.
+  ClientFeed& feed() { return feed_; }
+  std::optional<std::chrono::milliseconds> next_tick() const { return feed_.next_tick(); }
   std::int32_t account() const { return data_.account; }
   // How many more orders may leave within this second; nothing where the broker sets no bound.
   std::optional<int> credits() const;
 
  private:
-  enum class Link : std::uint8_t { off, connecting, on };
-
   RequestCode send(WireRequest request);
   // The broker has nothing for it, which is told.
   RequestCode refuse(RequestCode code, const char* what);
@@ -89,50 +79,11 @@ class FixClient final : public ClientAPI {
   // What names an order: symbol, operation and lots, and the request that was accepted last.
   static WireRequest about(const AccountCache::Order& order, RequestKind kind, RequestId id);
 
-  void post(std::function<void(CLAPICLASS&)> call, bool outlives = false);
-  void post_moved(ClientEvent::Kind kind, std::int64_t which);
-
-  void take(line::Ready& ready);
-  void take(const line::Refused& refused);
-  void take(const line::Ended& ended);
-  void take(const line::Unsent& unsent);
-  void take(const line::Silence& silence);
-  void take(const line::Remark& remark);
-  void take(const news::Symbols&) {}
-  void take(const news::Price& price);
-  void take(const news::PositionList&) {}
-  void take(news::Position& news);
-  void take(news::Order& news);
-  void take(const news::Report& report);
-  // Keeps the rows of pending orders by the reports alone, where a server tells none.
-  void follow_orders(const news::Report& news);
-  void take(const news::Refused& refused);
-  void take(const news::Told& told);
-  void take(news::Fills& fills);
-  void take(const news::Summary& summary);
-  void take(const news::Offer& offer);
-  void take(const news::Time& time);
-  void take(WireNews& news);
-  void end_link();
-
   ClientDesk& desk_;
-  CLAPICLASS* sink_ = nullptr;
   LoginData data_;
-  Link link_ = Link::off;
-  std::uint64_t line_ = 0;
-  mutable AccountCache cache_;  // rates are made when somebody asks
-  RequoteClock requotes_;
-  std::vector<Execution> fills_;  // that came so far of an answer in parts
-  TimePoint server_time_{};
-  std::chrono::milliseconds summary_at_{0};     // when the account's values came last, by Clock::elapsed
+  ClientFeed feed_;
+  AccountCache& cache_ = feed_.cache();
   std::deque<std::chrono::milliseconds> sent_;  // when the requests of the last second left
-  // Events that wait already, and take along what comes before they are delivered.
-  std::vector<bool> price_waits_, high_low_waits_;
-  bool summary_waits_ = false;
-  bool time_waits_ = false;
-  // The news that a list is loaded is in the queue; what changes before is part of that list.
-  bool positions_wait_ = false;
-  bool orders_wait_ = false;
 };
 
 }  // namespace tutti

@@ -53,7 +53,7 @@ void FixHub::collect() {
         known = entry.symbol;
         known.bid = known.ask = known.high = known.low = 0.0;
       }
-    at->second->take(note.line, note.news);
+    at->second->feed().take(note.line, note.news);
   }
 }
 
@@ -61,8 +61,8 @@ void FixHub::advance() {
   if (delivering_) return;
   collect();
   for (const auto& [number, client] : clients_) {
-    client->settle_prices();
-    client->tick();
+    client->feed().settle_prices();
+    client->feed().tick();
   }
 }
 
@@ -85,7 +85,7 @@ bool FixHub::deliver_next() {
     if (event.client == nullptr) continue;
     delivered_account_ = event.client->account();
     const Flag delivering(delivering_);
-    event.client->deliver(event);
+    event.client->feed().deliver(event);
     return true;
   }
   return false;

@@ -39,7 +39,7 @@ void FixSeat::on_closed(std::string_view) {
 
 // The account is logged out at once; its requests go on.
 void FixSeat::leave() {
-  on_ = false;
+  if (news_) news_->end();
   if (!client_) return;
   client_->set_sink(nullptr);
   client_->Logout();
@@ -55,17 +55,14 @@ void FixSeat::end(std::string_view why) {
 
 void FixSeat::tick() {
   if (over_) return;
-  if (!on_ && ++waited_ > host_.settings.longest_logon) {
+  if (!on() && ++waited_ > host_.settings.longest_logon) {
     remark("Did not log on in time");
     if (stream_) stream_->close();
     return;
   }
   session_.tick();
   pump();
-  if (!on_ || !stream_ || stream_->unsent() > host_.settings.slow_from) return;
-  for (const std::string& name : std::exchange(late_prices_, {}))
-    if (const Symbol* symbol = client_->FindSymbol(name)) tell_price(*symbol);
-  if (std::exchange(late_summary_, false)) tell_summary();
+  if (news_) news_->catch_up();
 }
 
 void FixSeat::pump() {
@@ -87,44 +84,48 @@ void FixSeat::hear(const session_event::LogonAsked& asked) {
   account_ = *account;
   own_fields_ = logon.text(tag::dialect) == "1";
   client_ = host_.make_client();
-  client_->set_sink(this);
+  memory_ = &host_.memory(account_);
+  SeatWire& wire = *this;
+  news_ = std::make_unique<SeatNews>(host_.settings, *client_, *memory_, account_, own_fields_, wire);
+  client_->set_sink(news_.get());
   client_->SetLoginData(
       {std::string{logon.text(tag::username)}, Secret{logon.text(tag::password)}, account_, {}});
   client_->Login();
 }
 
-void FixSeat::AllDataAreLoaded() {
-  if (on_) return;
+void FixSeat::on_loaded() {
   FixFields answer;
   if (own_fields_) answer.set(tag::dialect, "1");
   session_.admit(answer);
   pump();
 }
 
-void FixSeat::InvalidUsernamePassword() {
-  session_.refuse("BAD_PASSWORD");
+void FixSeat::on_refused(std::string_view why) {
+  session_.refuse(why);
   pump();
 }
 
-void FixSeat::ConnectionState(bool connected) {
-  if (connected || on_) return;
-  session_.refuse("UNAVAILABLE");
-  pump();
-}
-
-void FixSeat::SessionDisconnected() {
+void FixSeat::on_ended() {
   remark("The session was ended, or taken over by another");
   session_.log_out("SESSION_ENDED");
   pump();
-  on_ = false;
+  news_->end();
+  if (stream_) stream_->close();
+}
+
+void FixSeat::send(const FixMessage& message) {
+  session_.send(message);
+  pump();
+}
+
+void FixSeat::drop() {
+  remark("Does not read what it is sent, and is dropped");
+  leave();
   if (stream_) stream_->close();
 }
 
 void FixSeat::hear(const session_event::LoggedOn&) {
-  on_ = true;
-  memory_ = &host_.memory(account_);
-  encoder_ =
-      std::make_unique<NewsEncoder>([this](std::string_view symbol) { return size_of(symbol); }, own_fields_);
+  news_->begin();
 }
 
 void FixSeat::hear(const session_event::Rejected& rejected) {
@@ -139,11 +140,6 @@ void FixSeat::hear(const session_event::Ended& ended) {
   if (ended.reason == session_event::Ended::Reason::failed) remark(ended.why);
   leave();
   if (stream_) stream_->close();
-}
-
-double FixSeat::size_of(std::string_view symbol) const {
-  const Symbol* record = client_ ? client_->SymbolRecord(symbol) : nullptr;
-  return record != nullptr ? record->contract_size : 0.0;
 }
 
 const OpenPosition* FixSeat::position(std::int64_t ticket) const {

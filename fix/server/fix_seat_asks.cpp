@@ -35,12 +35,12 @@ std::string refusal_text(RequestCode code) {
 
 double FixSeat::lots_of(const UnitsAsked& asked) const {
   const OpenPosition* closed = asked.ticket != 0 ? position(asked.ticket) : nullptr;
-  const double size = size_of(closed != nullptr ? std::string_view{closed->symbol} : asked.symbol);
+  const double size = news_->size_of(closed != nullptr ? std::string_view{closed->symbol} : asked.symbol);
   return size > 0.0 ? round_half_even(asked.units / size, lot_decimals) : 0.0;
 }
 
 void FixSeat::hear(const session_event::Received& received) {
-  if (!on_) return;
+  if (!on()) return;
   const FixMessage& message = received.message;
   const auto asked = decode_ask(message, [this](const UnitsAsked& units) { return lots_of(units); });
   if (asked) return std::visit([&](const auto& each) { carry_out(each, message); }, *asked);
@@ -48,7 +48,7 @@ void FixSeat::hear(const session_event::Received& received) {
   news::Refused refused;
   refused.id_text = message.text(message.type == "AJ" ? tag::quote_response : tag::id);
   refused.text = asked.error();
-  tell(refused, message.type);
+  news_->tell(refused, message.type);
 }
 
 news::SymbolEntry FixSeat::entry_of(const Symbol& symbol) const {
@@ -72,7 +72,7 @@ void FixSeat::carry_out(const ask::Symbols&, const FixMessage& message) {
     add(client_->SymbolRecord(client_->OpenPositionItem(i)->symbol));
   for (int i = 1; i <= client_->PendingOrderCount(); ++i)
     add(client_->SymbolRecord(client_->PendingOrderItem(i)->symbol));
-  tell(list, message.text(tag::security_request));
+  news_->tell(list, message.text(tag::security_request));
 }
 
 void FixSeat::carry_out(const ask::Prices& prices, const FixMessage& message) {
@@ -87,51 +87,51 @@ void FixSeat::carry_out(const ask::Prices& prices, const FixMessage& message) {
       session_.send(reject);
       continue;
     }
-    priced_[name] = {};
-    if (symbol->bid > 0.0) tell_price(*symbol, stamp);
+    news_->want_price(name);
+    if (symbol->bid > 0.0) news_->tell_price(*symbol, stamp);
   }
   pump();
 }
 
 void FixSeat::carry_out(const ask::Positions&, const FixMessage& message) {
-  positions_wanted_ = true;
+  news_->want_positions();
   const std::string stamp{message.text(tag::position_request)};
   const int count = client_->OpenPositionCount();
-  tell(news::PositionList{count}, stamp);
+  news_->tell(news::PositionList{count}, stamp);
   for (int i = 1; i <= count; ++i)
-    tell(news::Position{*client_->OpenPositionItem(i), true, false}, stamp);
+    news_->tell(news::Position{*client_->OpenPositionItem(i), true, false}, stamp);
 }
 
 void FixSeat::carry_out(const ask::Orders&, const FixMessage& message) {
-  orders_wanted_ = true;
+  news_->want_orders();
   const std::string stamp{message.text(tag::mass_request)};
   const int count = client_->PendingOrderCount();
   news::Order news;
   news.listed = news.last = true;
-  if (count == 0) tell(news, stamp);
+  if (count == 0) news_->tell(news, stamp);
   for (int i = 1; i <= count; ++i) {
     news.order = *client_->PendingOrderItem(i);
     news.id_text = memory_->accepted_of(news.order.order);
     news.count = count;
     news.last = i == count;
-    tell(news, stamp);
+    news_->tell(news, stamp);
   }
 }
 
 void FixSeat::carry_out(const ask::Summary&, const FixMessage& message) {
-  summary_wanted_ = true;
-  tell_summary(message.text(tag::collateral_inquiry));
+  news_->want_summary();
+  news_->tell_summary(message.text(tag::collateral_inquiry));
 }
 
 void FixSeat::carry_out(const ask::Request& request, const FixMessage& message) {
   const RequestCode code = client_->AskRequest(request.id, request.era == 0 ? client_->Era() : request.era);
   if (code != request::taken)
-    tell(news::Refused{request.id, request.id_text, code, refusal_text(code)}, message.type);
+    news_->tell(news::Refused{request.id, request.id_text, code, refusal_text(code)}, message.type);
 }
 
 void FixSeat::carry_out(const ask::Fills& fills, const FixMessage& message) {
   const RequestCode code = client_->AskExecutions(fills.since);
-  if (code != request::taken) tell(news::Refused{0, {}, code, refusal_text(code)}, message.type);
+  if (code != request::taken) news_->tell(news::Refused{0, {}, code, refusal_text(code)}, message.type);
 }
 
 void FixSeat::carry_out(const WireRequest& asked, const FixMessage& message) {
@@ -143,7 +143,7 @@ void FixSeat::carry_out(const WireRequest& asked, const FixMessage& message) {
   const RequestCode code = perform(request);
   if (code == request::taken) return;
   if (code != request::other_request) memory_->end(request.id);
-  tell(news::Refused{request.id, request.id_text, code, refusal_text(code)}, message.type);
+  news_->tell(news::Refused{request.id, request.id_text, code, refusal_text(code)}, message.type);
 }
 
 RequestCode FixSeat::perform(WireRequest& request) {

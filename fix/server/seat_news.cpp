@@ -1,11 +1,9 @@
-// What the trading client tells, as messages.
-
 #include <algorithm>
 #include <utility>
 
 #include "fix/dialect/ask_codec.h"
 #include "fix/dialect/wire_values.h"
-#include "fix/server/fix_seat.h"
+#include "fix/server/seat_news.h"
 #include "sessions/contract/codes.h"
 
 namespace tutti {
@@ -32,23 +30,46 @@ bool is_final(Answer answer, const OrderReport& report) {
 
 }  // namespace
 
-void FixSeat::tell(const WireNews& news, std::string_view stamp) {
-  if (!on_ || !encoder_) return;
-  const auto message = encoder_->encode(news, stamp);
-  if (!message) return;
-  session_.send(*message);
-  pump();
-  if (stream_ && stream_->unsent() > host_.settings.dropped_from) {
-    remark("Does not read what it is sent, and is dropped");
-    leave();
-    stream_->close();
-  }
+SeatNews::SeatNews(const ServerSettings& settings, ClientAPI& client, AccountMemory& memory,
+                   std::int32_t account, bool own_fields, SeatWire& wire)
+    : settings_(settings),
+      client_(client),
+      memory_(memory),
+      wire_(wire),
+      encoder_([this](std::string_view symbol) { return size_of(symbol); }, own_fields),
+      account_(account),
+      own_fields_(own_fields) {}
+
+double SeatNews::size_of(std::string_view symbol) const {
+  const Symbol* record = client_.SymbolRecord(symbol);
+  return record != nullptr ? record->contract_size : 0.0;
 }
 
-void FixSeat::tell_price(const Symbol& symbol, std::string_view stamp) {
+const PendingOrder* SeatNews::order(std::int64_t number) const {
+  for (int i = 1; i <= client_.PendingOrderCount(); ++i)
+    if (client_.PendingOrderItem(i)->order == number) return client_.PendingOrderItem(i);
+  return nullptr;
+}
+
+void SeatNews::tell(const WireNews& news, std::string_view stamp) {
+  if (!on_) return;
+  const auto message = encoder_.encode(news, stamp);
+  if (!message) return;
+  wire_.send(*message);
+  if (wire_.unsent() > settings_.dropped_from) wire_.drop();
+}
+
+void SeatNews::catch_up() {
+  if (!on_ || slow()) return;
+  for (const std::string& name : std::exchange(late_prices_, {}))
+    if (const Symbol* symbol = client_.FindSymbol(name)) tell_price(*symbol);
+  if (std::exchange(late_summary_, false)) tell_summary();
+}
+
+void SeatNews::tell_price(const Symbol& symbol, std::string_view stamp) {
   const auto told = priced_.find(symbol.name);
   if (told == priced_.end()) return;
-  if (stream_ && stream_->unsent() > host_.settings.slow_from) {
+  if (slow()) {
     late_prices_.insert(symbol.name);
     return;
   }
@@ -59,52 +80,52 @@ void FixSeat::tell_price(const Symbol& symbol, std::string_view stamp) {
   tell(told->second, stamp);
 }
 
-void FixSeat::tell_summary(std::string_view stamp) {
+void SeatNews::tell_summary(std::string_view stamp) {
   news::Summary news;
-  const auto info = client_->FindAccount(account_);
+  const auto info = client_.FindAccount(account_);
   news.owned = info.has_value();
   if (info) news.info = *info;
-  news.era = client_->Era();
-  news.lots = {client_->MinimumLot(), client_->MaximumLot()};
-  const SummaryAnswer answer = client_->GetAccountSummary(account_);
+  news.era = client_.Era();
+  news.lots = {client_.MinimumLot(), client_.MaximumLot()};
+  const SummaryAnswer answer = client_.GetAccountSummary(account_);
   if (answer.result == result::succeeded) news.summary = answer.values;
   tell(news, stamp);
 }
 
-void FixSeat::SummariesChanged(const AccountSummary&) {
+void SeatNews::SummariesChanged(const AccountSummary&) {
   if (!on_ || !summary_wanted_) return;
-  if (stream_ && stream_->unsent() > host_.settings.slow_from)
+  if (slow())
     late_summary_ = true;
   else
     tell_summary();
 }
 
-void FixSeat::tell_position(const OpenPosition& position, bool gone) {
+void SeatNews::tell_position(const OpenPosition& position, bool gone) {
   if (on_ && positions_wanted_) tell(news::Position{position, false, gone});
 }
 
-void FixSeat::tell_order(const PendingOrder& order, bool gone) {
+void SeatNews::tell_order(const PendingOrder& order, bool gone) {
   if (!on_) return;
   if (orders_wanted_ && own_fields_) {
     news::Order news;
     news.order = order;
-    news.id_text = memory_->accepted_of(order.order);
+    news.id_text = memory_.accepted_of(order.order);
     news.gone = gone;
     tell(news);
   }
   if (gone) {
-    memory_->end_order(order.order);
+    memory_.end_order(order.order);
     offered_.erase(order.order);
   }
 }
 
-void FixSeat::tell_report(Answer answer, OrderReport report) {
+void SeatNews::tell_report(Answer answer, OrderReport report) {
   if (!on_) return;
   news::Report news{answer, std::move(report), {}, {}};
   OrderReport& told = news.report;
-  news.id_text = memory_->text_of(told.id);
+  news.id_text = memory_.text_of(told.id);
   // Reports of entry orders and of changes name the order alone.
-  if (const WireRequest* request = memory_->find(told.id)) {
+  if (const WireRequest* request = memory_.find(told.id)) {
     news.original_text = request->original_text;
     if (told.symbol.empty()) told.symbol = request->symbol;
     if (told.operation == Operation::none) told.operation = request->operation;
@@ -119,15 +140,15 @@ void FixSeat::tell_report(Answer answer, OrderReport report) {
   const bool done = told.result == result::succeeded;
   if (done && answer == Answer::entry) told.left = told.amount;
   if (done && (answer == Answer::entry || answer == Answer::update_entry) && !news.id_text.empty())
-    memory_->note_accepted(told.number, news.id_text);
+    memory_.note_accepted(told.number, news.id_text);
   tell(news);
   if (is_final(answer, told)) {
-    memory_->end(told.id);
+    memory_.end(told.id);
     offered_.erase(told.number);
   }
 }
 
-void FixSeat::tell_result(Answer answer, std::int64_t order, ResultCode result, RequestId id) {
+void SeatNews::tell_result(Answer answer, std::int64_t order, ResultCode result, RequestId id) {
   OrderReport report;
   report.number = order;
   report.account = account_;
@@ -137,23 +158,23 @@ void FixSeat::tell_result(Answer answer, std::int64_t order, ResultCode result, 
 }
 
 // The other end counts the seconds itself.
-void FixSeat::OrderTimer(const Requote& requote) {
+void SeatNews::OrderTimer(const Requote& requote) {
   if (on_ && offered_.insert(requote.order).second) tell(news::Offer{requote});
 }
 
-void FixSeat::RequestTold(RequestId id, RequestState state, double lots) {
+void SeatNews::RequestTold(RequestId id, RequestState state, double lots) {
   if (!on_) return;
-  tell(news::Told{id, memory_->text_of(id), state, lots});
+  tell(news::Told{id, memory_.text_of(id), state, lots});
   const bool alive = state == RequestState::waiting || state == RequestState::working ||
                      state == RequestState::partly_executed;
-  if (!alive) memory_->end(id);
+  if (!alive) memory_.end(id);
 }
 
-void FixSeat::RequestRefused(RequestId id, RequestCode code, std::string_view text) {
-  if (on_) tell(news::Refused{id, memory_->text_of(id), code, std::string{text}}, "D");
+void SeatNews::RequestRefused(RequestId id, RequestCode code, std::string_view text) {
+  if (on_) tell(news::Refused{id, memory_.text_of(id), code, std::string{text}}, "D");
 }
 
-void FixSeat::ExecutionsTold(std::span<const Execution> fills, bool complete) {
+void SeatNews::ExecutionsTold(std::span<const Execution> fills, bool complete) {
   std::size_t at = 0;
   do {
     const std::size_t count = std::min(fills_at_once, fills.size() - at);

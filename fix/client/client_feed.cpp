@@ -1,9 +1,7 @@
-// What a line tells its client, and the events that come of it.
-
 #include <algorithm>
 #include <utility>
 
-#include "fix/client/fix_client.h"
+#include "fix/client/client_feed.h"
 #include "sessions/contract/codes.h"
 
 namespace tutti {
@@ -58,19 +56,46 @@ void call(CLAPICLASS& sink, const news::Report& news) {
 
 }  // namespace
 
-void FixClient::post(std::function<void(CLAPICLASS&)> call, bool outlives) {
-  if (sink_ == nullptr) return;
-  desk_.post(
-      {.client = this, .kind = ClientEvent::Kind::call, .outlives = outlives, .call = std::move(call)});
+ClientFeed::ClientFeed(FixClient& owner, ClientDesk& desk) : owner_(owner), desk_(desk) {}
+
+void ClientFeed::set_sink(CLAPICLASS* sink) {
+  if (sink == sink_) return;
+  desk_.forget(owner_, true);
+  price_waits_.assign(price_waits_.size(), false);
+  high_low_waits_.assign(high_low_waits_.size(), false);
+  summary_waits_ = time_waits_ = positions_wait_ = orders_wait_ = false;
+  sink_ = sink;
 }
 
-void FixClient::post_moved(ClientEvent::Kind kind, std::int64_t which) {
-  if (sink_ != nullptr) desk_.post({.client = this, .kind = kind, .which = which});
+void ClientFeed::begin() {
+  link_ = Link::connecting;
+  post([](CLAPICLASS& sink) { sink.WaitingMode(waiting_mode::connecting); }, true);
+}
+
+void ClientFeed::log_out() {
+  const bool connecting = link_ == Link::connecting;
+  end_link();
+  post([](CLAPICLASS& sink) { sink.ConnectionState(false); }, true);
+  if (connecting) post([](CLAPICLASS& sink) { sink.WaitingMode(waiting_mode::normal); }, true);
+}
+
+std::chrono::milliseconds ClientFeed::summary_age() const {
+  return desk_.clock().elapsed() - summary_at_;
+}
+
+void ClientFeed::post(std::function<void(CLAPICLASS&)> call, bool outlives) {
+  if (sink_ == nullptr) return;
+  desk_.post(
+      {.client = &owner_, .kind = ClientEvent::Kind::call, .outlives = outlives, .call = std::move(call)});
+}
+
+void ClientFeed::post_moved(ClientEvent::Kind kind, std::int64_t which) {
+  if (sink_ != nullptr) desk_.post({.client = &owner_, .kind = kind, .which = which});
 }
 
 // The handlers come last, and nothing of the client is touched after them: they may destroy it, or log it out
 // while they still read their record.
-void FixClient::deliver(const ClientEvent& event) {
+void ClientFeed::deliver(const ClientEvent& event) {
   if (sink_ == nullptr) return;
   const auto place = static_cast<std::size_t>(event.which);
   switch (event.kind) {
@@ -101,7 +126,7 @@ void FixClient::deliver(const ClientEvent& event) {
   }
 }
 
-void FixClient::take(std::uint64_t line, LineNews& news) {
+void ClientFeed::take(std::uint64_t line, LineNews& news) {
   if (line != line_ && !is_answer(news)) return;
   std::visit([&](auto& each) { take(each); }, news);
   if (line != line_ || link_ != Link::on || desk_.profile().logon.own_fields) return;
@@ -110,14 +135,14 @@ void FixClient::take(std::uint64_t line, LineNews& news) {
   if (report != nullptr) follow_orders(*report);
 }
 
-void FixClient::take(WireNews& news) {
+void ClientFeed::take(WireNews& news) {
   std::visit([&](auto& each) { take(each); }, news);
 }
 
-void FixClient::end_link() {
+void ClientFeed::end_link() {
   link_ = Link::off;
   line_ = 0;
-  desk_.forget(*this, false);
+  desk_.forget(owner_, false);
   cache_.clear();
   requotes_.clear();
   fills_.clear();
@@ -126,7 +151,7 @@ void FixClient::end_link() {
   summary_waits_ = time_waits_ = positions_wait_ = orders_wait_ = false;
 }
 
-void FixClient::take(line::Ready& ready) {
+void ClientFeed::take(line::Ready& ready) {
   link_ = Link::on;
   cache_.fill(std::move(ready));
   price_waits_.assign(cache_.symbols().size(), false);
@@ -148,17 +173,17 @@ void FixClient::take(line::Ready& ready) {
   post([](CLAPICLASS& sink) { sink.AllDataAreLoaded(); });
 }
 
-void FixClient::take(const line::Refused& refused) {
-  desk_.remark(*this, "The login was refused: " + refused.why);
+void ClientFeed::take(const line::Refused& refused) {
+  desk_.remark(owner_, "The login was refused: " + refused.why);
   end_link();
   post([](CLAPICLASS& sink) { sink.InvalidUsernamePassword(); }, true);
   post([](CLAPICLASS& sink) { sink.WaitingMode(waiting_mode::normal); }, true);
 }
 
-void FixClient::take(const line::Ended& ended) {
+void ClientFeed::take(const line::Ended& ended) {
   if (link_ == Link::off) return;
   const bool connecting = link_ == Link::connecting;
-  desk_.remark(*this, ended.why);
+  desk_.remark(owner_, ended.why);
   end_link();
   post([](CLAPICLASS& sink) { sink.ConnectionState(false); }, true);
   if (connecting)
@@ -167,20 +192,20 @@ void FixClient::take(const line::Ended& ended) {
     post([](CLAPICLASS& sink) { sink.SessionDisconnected(); }, true);
 }
 
-void FixClient::take(const line::Unsent& unsent) {
+void ClientFeed::take(const line::Unsent& unsent) {
   post([id = unsent.id](CLAPICLASS& sink) { sink.RequestUnsent(id); }, true);
 }
 
-void FixClient::take(const line::Silence& silence) {
+void ClientFeed::take(const line::Silence& silence) {
   const ConnectionMode mode = silence.silent ? waiting_mode::waiting : waiting_mode::normal;
   post([mode](CLAPICLASS& sink) { sink.WaitingMode(mode); });
 }
 
-void FixClient::take(const line::Remark& remark) {
-  desk_.remark(*this, remark.text);
+void ClientFeed::take(const line::Remark& remark) {
+  desk_.remark(owner_, remark.text);
 }
 
-void FixClient::take(const news::Price& price) {
+void ClientFeed::take(const news::Price& price) {
   const auto moved = cache_.set_price(price);
   if (!moved || sink_ == nullptr) return;
   const auto which = static_cast<std::int64_t>(moved->place);
@@ -194,7 +219,7 @@ void FixClient::take(const news::Price& price) {
   }
 }
 
-void FixClient::settle_prices() {
+void ClientFeed::settle_prices() {
   if (link_ != Link::on) return;
   cache_.revalue([&](AccountCache::Position& position) {
     if (position.waiting || sink_ == nullptr) return;
@@ -203,7 +228,7 @@ void FixClient::settle_prices() {
   });
 }
 
-void FixClient::take(news::Position& news) {
+void ClientFeed::take(news::Position& news) {
   const AccountCache::Change change = cache_.set_position(news.position, news.gone);
   if (change == AccountCache::Change::none || positions_wait_) return;
   post([change, record = news.position](CLAPICLASS& sink) {
@@ -213,7 +238,7 @@ void FixClient::take(news::Position& news) {
   });
 }
 
-void FixClient::take(news::Order& news) {
+void ClientFeed::take(news::Order& news) {
   const AccountCache::Change change = cache_.set_order(news);
   if (change == AccountCache::Change::closed) requotes_.end(news.order.order);
   if (change == AccountCache::Change::none || orders_wait_) return;
@@ -223,7 +248,7 @@ void FixClient::take(news::Order& news) {
   });
 }
 
-void FixClient::take(const news::Report& report) {
+void ClientFeed::take(const news::Report& report) {
   if (report.answer == Answer::accepted || report.answer == Answer::rejected)
     requotes_.end(report.report.number);
   if (report.answer == Answer::update_entry && report.report.result == result::succeeded)
@@ -231,7 +256,7 @@ void FixClient::take(const news::Report& report) {
   post([report](CLAPICLASS& sink) { call(sink, report); }, true);
 }
 
-void FixClient::follow_orders(const news::Report& news) {
+void ClientFeed::follow_orders(const news::Report& news) {
   const OrderReport& report = news.report;
   const bool done = report.result == result::succeeded;
   news::Order row;
@@ -270,23 +295,22 @@ void FixClient::follow_orders(const news::Report& news) {
   take(row);
 }
 
-void FixClient::take(const news::Refused& refused) {
+void ClientFeed::take(const news::Refused& refused) {
   if (refused.id == 0)
-    return desk_.remark(*this, "The server has refused something that it does not name: " + refused.text);
+    return desk_.remark(owner_, "The server has refused something that it does not name: " + refused.text);
   // The server knows the id as another request's: that says nothing of this one.
   if (refused.code == request::other_request) {
-    desk_.remark(*this, "The server has another request under the same id: " + refused.text);
-    AskRequest(refused.id, Era());
-    return;
+    desk_.remark(owner_, "The server has another request under the same id: " + refused.text);
+    return desk_.send(line_, ask::Request{refused.id, {}, cache_.summary().era});
   }
   post([refused](CLAPICLASS& sink) { sink.RequestRefused(refused.id, refused.code, refused.text); }, true);
 }
 
-void FixClient::take(const news::Told& told) {
+void ClientFeed::take(const news::Told& told) {
   post([told](CLAPICLASS& sink) { sink.RequestTold(told.id, told.state, told.lots); }, true);
 }
 
-void FixClient::take(news::Fills& fills) {
+void ClientFeed::take(news::Fills& fills) {
   std::move(fills.fills.begin(), fills.fills.end(), std::back_inserter(fills_));
   if (!fills.last) return;
   post([told = std::exchange(fills_, {}), complete = fills.complete](CLAPICLASS& sink) {
@@ -294,24 +318,24 @@ void FixClient::take(news::Fills& fills) {
   });
 }
 
-void FixClient::take(const news::Summary& summary) {
+void ClientFeed::take(const news::Summary& summary) {
   if (&summary != &cache_.summary()) cache_.set_summary(summary);
   summary_at_ = desk_.clock().elapsed();
   if (std::exchange(summary_waits_, sink_ != nullptr)) return;
   post_moved(ClientEvent::Kind::summary, 0);
 }
 
-void FixClient::take(const news::Offer& offer) {
+void ClientFeed::take(const news::Offer& offer) {
   if (!requotes_.offer(offer.requote, desk_.clock().elapsed())) return;
   post([requote = offer.requote](CLAPICLASS& sink) { sink.OrderTimer(requote); });
 }
 
-void FixClient::tick() {
+void ClientFeed::tick() {
   while (const auto requote = requotes_.tick(desk_.clock().elapsed()))
     post([told = *requote](CLAPICLASS& sink) { sink.OrderTimer(told); });
 }
 
-void FixClient::take(const news::Time& time) {
+void ClientFeed::take(const news::Time& time) {
   server_time_ = time.time;
   if (std::exchange(time_waits_, sink_ != nullptr)) return;
   post_moved(ClientEvent::Kind::time, 0);
