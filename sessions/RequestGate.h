@@ -82,6 +82,7 @@ class RequestGate {
 
   Ledger& ledger() { return ledger_; }
   Admission& admission() { return admission_; }
+  const Admission& admission() const { return admission_; }
 
  private:
   SentOrder& make(Sender sender, RequestKind kind);

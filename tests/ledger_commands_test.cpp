@@ -159,7 +159,7 @@ TEST_F(Ledgers, GoOnWithANamedActAndSendNothingTwice) {
   }
   // The same plan in other words; one of the two had come to the server after all, which knows it by its id.
   EXPECT_EQ(
-      rig.run("order --buy EURUSD --amount 0.90 --rule equal --accounts 500103,500101,500102 --id morning"),
+      rig.run("order --buy EURUSD --amount 0.90 --rule equal --accounts 500103,500101,500102 --id morning --override seen"),
       0)
       << rig.out << rig.err;
   EXPECT_NE(rig.err.find("2 of its 3 requests were sent now"), std::string::npos) << rig.err;
