@@ -163,10 +163,7 @@ void Translation::outgoing(FixMessage& message) const {
   if (is_order(message)) add_order_fields(message);
   if (message.type == "AN" && !profile_.positions.subscribe) message.fields.remove(tag::subscription);
   if (message.type == "V" && profile_.quotes) add_quote_fields(message);
-  call_symbol(message.fields);
-  for (FixGroup& group : message.groups)
-    for (FixFields& entry : group.entries)
-      call_symbol(entry);
+  message.each_fields([this](FixFields& fields) { call_symbol(fields); });
   if (profile_.orders.stops == BrokerProfile::Orders::Stops::tags) {
     rename(message.fields, tag::stop_loss, profile_.orders.stop_loss_tag);
     rename(message.fields, tag::take_profit, profile_.orders.take_profit_tag);
@@ -194,10 +191,7 @@ void Translation::incoming(FixMessage& message) {
         learn(entry);
     return;
   }
-  name_symbol(message.fields);
-  for (FixGroup& group : message.groups)
-    for (FixFields& entry : group.entries)
-      name_symbol(entry);
+  message.each_fields([this](FixFields& fields) { name_symbol(fields); });
   const BrokerProfile::Orders& orders = profile_.orders;
   if (message.type == "AP") {
     rename(message.fields, profile_.positions.id_tag, tag::position);

@@ -64,15 +64,6 @@ Answer answer_of(const FieldReader& reader) {
   return reader.text_or_empty(tag::position_effect) == "C" ? Answer::close : Answer::order;
 }
 
-RequestState state_of(std::string_view letter) {
-  if (letter == "0" || letter == "5") return RequestState::working;
-  if (letter == "1") return RequestState::partly_executed;
-  if (letter == "2") return RequestState::executed;
-  if (letter == "4" || letter == "C") return RequestState::cancelled;
-  if (letter == "A" || letter == "6" || letter == "E") return RequestState::waiting;
-  return RequestState::not_told;
-}
-
 }  // namespace
 
 tl::expected<std::optional<WireNews>, std::string> NewsDecoder::decode(const FixMessage& message) const {
@@ -207,7 +198,7 @@ WireNews NewsDecoder::status(FieldReader& reader) const {
   // A server that does not know an order says so with the letter of a refusal.
   const std::string reason = reader.text_or_empty(tag::reject_reason);
   const bool refused = letter == "8" && !reason.empty() && reason != "5";
-  const RequestState told = refused ? RequestState::refused : state_of(letter);
+  const RequestState told = refused ? RequestState::refused : wire::state_of(letter);
   const std::int64_t code = reader.integer_or(tag::request_state, static_cast<std::int64_t>(told));
   if (code < 0 || code > static_cast<std::int64_t>(RequestState::another_book))
     reader.complain(tag::request_state, "is no state");

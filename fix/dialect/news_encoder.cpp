@@ -40,56 +40,24 @@ void set_if(FixFields& fields, int tag, const std::string& text) {
 std::string shown_id(const std::string& text, RequestId id) {
   return !text.empty() || id <= 0 ? text : wire_id(id);
 }
-bool is_spoilt(const FixMessage& message) {
-  if (message.has(spoilt)) return true;
-  for (const FixGroup& group : message.groups)
-    for (const FixFields& entry : group.entries)
-      if (entry.has(spoilt)) return true;
-  return false;
-}
-FixFields standard(const FixFields& fields) {
-  FixFields out;
-  for (const FixField& field : fields)
-    if (field.tag < first_own_tag) out.set(field.tag, field.value);
-  return out;
-}
 FixMessage begin(const char* type) {
   return FixMessage{.type = type};
-}
-
-const char* state_letter(RequestState state) {
-  switch (state) {
-    case RequestState::waiting:
-      return "A";
-    case RequestState::working:
-      return "0";
-    case RequestState::partly_executed:
-      return "1";
-    case RequestState::executed:
-      return "2";
-    case RequestState::cancelled:
-      return "4";
-    default:
-      return "8";
-  }
 }
 
 }  // namespace
 
 std::optional<FixMessage> NewsEncoder::encode(const WireNews& news, std::string_view stamp) const {
   FixMessage made = std::visit([&](const auto& each) { return message(each, stamp); }, news);
-  if (is_spoilt(made)) return std::nullopt;
-  made.fields.remove_empty();
-  for (FixGroup& group : made.groups)
-    for (FixFields& entry : group.entries)
-      entry.remove_empty();
-  if (own_fields_) return made;
-  if (made.type.size() == 2 && made.type[0] == 'U') return std::nullopt;
-  made.fields = standard(made.fields);
-  std::erase_if(made.groups, [](const FixGroup& group) { return group.count_tag >= first_own_tag; });
-  for (FixGroup& group : made.groups)
-    for (FixFields& entry : group.entries)
-      entry = standard(entry);
+  bool whole = true;
+  made.each_fields([&](FixFields& fields) {
+    whole = whole && !fields.has(spoilt);
+    fields.remove_empty();
+    if (!own_fields_) fields.remove_from(first_own_tag);
+  });
+  const bool own_message = made.type.size() == 2 && made.type[0] == 'U';
+  if (!whole || (own_message && !own_fields_)) return std::nullopt;
+  if (!own_fields_)
+    std::erase_if(made.groups, [](const FixGroup& group) { return group.count_tag >= first_own_tag; });
   return made;
 }
 
@@ -353,7 +321,7 @@ FixMessage NewsEncoder::message(const news::Told& told, std::string_view) const 
   out.set(tag::id, shown_id(told.id_text, told.id));
   out.set(tag::execution, "0");
   out.set(tag::exec_type, "I");
-  out.set(tag::order_status, state_letter(told.state));
+  out.set(tag::order_status, std::string{wire::letter_of(told.state)});
   out.set(tag::filled_all, "0");
   out.set(tag::average_price, "0");
   out.set(tag::left, "0");

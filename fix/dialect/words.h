@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "sessions/contract/codes.h"
+#include "sessions/contract/request_state.h"
 
 // The letters that stand for values of the contract.
 namespace tutti::wire {
@@ -28,6 +29,33 @@ inline Operation operation(std::string_view side, std::string_view type) {
   if (side == buy) return stops ? operation::buy_stop : operation::buy;
   if (side == sell) return stops ? operation::sell_stop : operation::sell;
   return Operation::none;
+}
+
+// 39 of a request in this state; of a refused one, and of one of which nothing is known, it is the same.
+inline std::string_view letter_of(RequestState state) {
+  switch (state) {
+    case RequestState::waiting:
+      return "A";
+    case RequestState::working:
+      return "0";
+    case RequestState::partly_executed:
+      return "1";
+    case RequestState::executed:
+      return "2";
+    case RequestState::cancelled:
+      return "4";
+    default:
+      return "8";
+  }
+}
+// `not_told` for what says nothing of a request.
+inline RequestState state_of(std::string_view letter) {
+  if (letter == "0" || letter == "5") return RequestState::working;
+  if (letter == "1") return RequestState::partly_executed;
+  if (letter == "2") return RequestState::executed;
+  if (letter == "4" || letter == "C") return RequestState::cancelled;
+  if (letter == "A" || letter == "6" || letter == "E") return RequestState::waiting;
+  return RequestState::not_told;
 }
 
 }  // namespace tutti::wire

@@ -25,7 +25,7 @@ class FixFields {
   // Nothing where there is no such field.
   void remove(int tag);
   // All from this tag on, but for two.
-  void remove_from(int first, int kept, int kept_too);
+  void remove_from(int first, int kept = 0, int kept_too = 0);
   // Fields without a value, which no message may have.
   void remove_empty();
   bool has(int tag) const { return find(tag) != nullptr; }

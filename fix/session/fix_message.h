@@ -29,6 +29,14 @@ struct FixMessage {
   void set(int tag, std::string value) { fields.set(tag, std::move(value)); }
   std::string_view text(int tag) const { return fields.text(tag); }
   bool has(int tag) const { return fields.has(tag); }
+  // Calls `act` with the fields of the message, then with those of each entry of its groups.
+  template <class Act>
+  void each_fields(Act act) {
+    act(fields);
+    for (FixGroup& group : groups)
+      for (FixFields& entry : group.entries)
+        act(entry);
+  }
   // The entries of a group; none when it is not there.
   const std::vector<FixFields>& entries(int count_tag) const;
 };
