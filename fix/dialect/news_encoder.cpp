@@ -34,14 +34,12 @@ std::string code_text(Code code) {
 std::string flag_text(bool flag) {
   return flag ? "Y" : "N";
 }
-void set_if(FixFields& fields, int tag, const std::string& text) {
-  if (!text.empty()) fields.set(tag, text);
-}
 std::string shown_id(const std::string& text, RequestId id) {
   return !text.empty() || id <= 0 ? text : wire_id(id);
 }
-FixMessage begin(const char* type) {
-  return FixMessage{.type = type};
+void set_nothing_filled(FixMessage& message) {
+  for (const int each : {tag::filled_all, tag::average_price, tag::left})
+    message.set(each, "0");
 }
 
 }  // namespace
@@ -49,6 +47,7 @@ FixMessage begin(const char* type) {
 std::optional<FixMessage> NewsEncoder::encode(const WireNews& news, std::string_view stamp) const {
   FixMessage made = std::visit([&](const auto& each) { return message(each, stamp); }, news);
   bool whole = true;
+  // Texts that are empty were not told.
   made.each_fields([&](FixFields& fields) {
     whole = whole && !fields.has(spoilt);
     fields.remove_empty();
@@ -67,7 +66,7 @@ std::string NewsEncoder::units(std::string_view symbol, double lots) const {
 }
 
 FixMessage NewsEncoder::message(const news::Symbols& symbols, std::string_view stamp) const {
-  FixMessage out = begin("y");
+  FixMessage out{.type = "y"};
   out.set(tag::security_request, std::string{stamp});
   out.set(tag::security_response, std::string{stamp});
   out.set(tag::list_result, "0");
@@ -78,21 +77,21 @@ FixMessage NewsEncoder::message(const news::Symbols& symbols, std::string_view s
     const Symbol& symbol = each.symbol;
     FixFields& entry = group.entries.emplace_back();
     entry.set(tag::symbol, symbol.name);
-    set_if(entry, tag::currency, symbol.profit);
+    entry.set(tag::currency, symbol.profit);
     set_number(entry, tag::contract_size, symbol.contract_size);
     entry.set(tag::carried, flag_text(each.carried));
     entry.set(tag::digits, std::to_string(symbol.digits));
     set_number(entry, tag::limit_distance, each.limit_distance);
     set_number(entry, tag::stop_distance, each.stop_distance);
     set_number(entry, tag::margin_rate, symbol.margin_rate);
-    set_if(entry, tag::base_currency, symbol.base);
+    entry.set(tag::base_currency, symbol.base);
   }
   if (!group.entries.empty()) out.groups.push_back(std::move(group));
   return out;
 }
 
 FixMessage NewsEncoder::message(const news::Price& price, std::string_view stamp) const {
-  FixMessage out = begin("W");
+  FixMessage out{.type = "W"};
   if (!stamp.empty()) out.set(tag::market_request, std::string{stamp});
   out.set(tag::symbol, price.symbol);
   out.set(tag::transact_time, wire_time(price.time));
@@ -112,7 +111,7 @@ FixMessage NewsEncoder::message(const news::Price& price, std::string_view stamp
 }
 
 FixMessage NewsEncoder::message(const news::PositionList& list, std::string_view stamp) const {
-  FixMessage out = begin("AO");
+  FixMessage out{.type = "AO"};
   out.set(tag::position, std::string{stamp});
   out.set(tag::position_request, std::string{stamp});
   out.set(tag::position_count, std::to_string(list.count));
@@ -123,7 +122,7 @@ FixMessage NewsEncoder::message(const news::PositionList& list, std::string_view
 
 FixMessage NewsEncoder::message(const news::Position& news, std::string_view stamp) const {
   const OpenPosition& position = news.position;
-  FixMessage out = begin("AP");
+  FixMessage out{.type = "AP"};
   out.set(tag::position, std::to_string(position.ticket));
   if (news.listed) out.set(tag::position_request, std::string{stamp});
   out.set(tag::unsolicited, flag_text(!news.listed));
@@ -152,7 +151,7 @@ FixMessage NewsEncoder::message(const news::Order& news, std::string_view stamp)
   const PendingOrder& order = news.order;
   const bool none = news.listed && news.count == 0;
   const bool market = order.kind == OrderKind::open || order.kind == OrderKind::close;
-  FixMessage out = begin("8");
+  FixMessage out{.type = "8"};
   out.set(tag::order, none ? "NONE" : std::to_string(order.order));
   out.set(tag::execution, "0");
   out.set(tag::exec_type, "I");
@@ -163,7 +162,7 @@ FixMessage NewsEncoder::message(const news::Order& news, std::string_view stamp)
     out.set(tag::last_report, flag_text(news.last));
   }
   if (none) return out;
-  set_if(out.fields, tag::id, news.id_text);
+  out.set(tag::id, news.id_text);
   out.set(tag::symbol, order.symbol);
   const bool closes = order.kind == OrderKind::close;
   out.set(tag::side, wire::side(closes ? opposite(order.operation) : order.operation));
@@ -215,10 +214,10 @@ FixMessage NewsEncoder::execution_report(const news::Report& news) const {
                      (done && report.state == order_state::executed &&
                       (news.answer == Answer::order || news.answer == Answer::close));
   const bool pending = done && report.state == order_state::pending;
-  FixMessage out = begin("8");
+  FixMessage out{.type = "8"};
   out.set(tag::order, std::to_string(report.number));
-  set_if(out.fields, tag::id, shown_id(news.id_text, report.id));
-  set_if(out.fields, tag::original_id, news.original_text);
+  out.set(tag::id, shown_id(news.id_text, report.id));
+  out.set(tag::original_id, news.original_text);
   out.set(tag::execution, report.execution.empty() ? "0" : report.execution);
   const char* type = cancels                               ? "4"
                      : rejects || (!fills && !done)        ? "8"
@@ -229,7 +228,7 @@ FixMessage NewsEncoder::execution_report(const news::Report& news) const {
   out.set(tag::exec_type, type);
   out.set(tag::order_status, fills ? (report.left > 0.0 ? "1" : "2") : type[0] == '5' ? "0" : type);
   if (type[0] == '8') out.set(tag::reject_reason, "99");
-  set_if(out.fields, tag::symbol, report.symbol);
+  out.set(tag::symbol, report.symbol);
   if (report.operation != Operation::none)
     out.set(tag::side, wire::side(closes ? opposite(report.operation) : report.operation));
   out.set(tag::quantity, units(report.symbol, report.amount));
@@ -243,10 +242,10 @@ FixMessage NewsEncoder::execution_report(const news::Report& news) const {
   out.set(tag::filled_all, units(report.symbol, report.filled_all));
   set_number(out, tag::average_price, fills ? report.price : 0.0);
   out.set(tag::left, units(report.symbol, report.left));
-  if (closes) out.set(tag::position_effect, "C");
-  if (closes) out.set(tag::position, std::to_string(report.number));
+  out.set(tag::position_effect, closes ? "C" : "");
+  out.set(tag::position, closes ? std::to_string(report.number) : "");
   out.set(tag::transact_time, wire_time(report.time));
-  set_if(out.fields, tag::text, report.text);
+  out.set(tag::text, report.text);
   out.set(tag::answer, code_text(news.answer));
   out.set(tag::result, code_text(report.result));
   out.set(tag::operation, code_text(report.operation));
@@ -259,14 +258,14 @@ FixMessage NewsEncoder::execution_report(const news::Report& news) const {
 
 FixMessage NewsEncoder::cancel_reject(const news::Report& news) const {
   const OrderReport& report = news.report;
-  FixMessage out = begin("9");
+  FixMessage out{.type = "9"};
   out.set(tag::order, std::to_string(report.number));
   out.set(tag::id, shown_id(news.id_text, report.id));
   out.set(tag::original_id, news.original_text.empty() ? std::string{wire::no_original} : news.original_text);
   out.set(tag::order_status, report.result == result::order_not_found ? "8" : "0");
   out.set(tag::answers_to, news.answer == Answer::cancel_entry ? "1" : "2");
   out.set(tag::cancel_reason, report.result == result::order_not_found ? "1" : "99");
-  set_if(out.fields, tag::text, report.text);
+  out.set(tag::text, report.text);
   out.set(tag::answer, code_text(news.answer));
   out.set(tag::result, code_text(report.result));
   return out;
@@ -274,9 +273,9 @@ FixMessage NewsEncoder::cancel_reject(const news::Report& news) const {
 
 FixMessage NewsEncoder::stops_report(const news::Report& news) const {
   const OrderReport& report = news.report;
-  FixMessage out = begin("UR");
+  FixMessage out{.type = "UR"};
   out.set(tag::order, std::to_string(report.number));
-  set_if(out.fields, tag::id, shown_id(news.id_text, report.id));
+  out.set(tag::id, shown_id(news.id_text, report.id));
   out.set(tag::answer, code_text(news.answer));
   out.set(tag::result, code_text(report.result));
   out.set(tag::transact_time, wire_time(report.time));
@@ -287,7 +286,7 @@ FixMessage NewsEncoder::stops_report(const news::Report& news) const {
 FixMessage NewsEncoder::message(const news::Refused& refused, std::string_view stamp) const {
   const std::string id = shown_id(refused.id_text, refused.id);
   const bool is_order = stamp == "D", is_change = stamp == "F" || stamp == "G";
-  FixMessage out = begin(is_order ? "8" : is_change ? "9" : "j");
+  FixMessage out{.type = is_order ? "8" : is_change ? "9" : "j"};
   if (is_order) {
     out.set(tag::order, "NONE");
     out.set(tag::id, id);
@@ -295,9 +294,7 @@ FixMessage NewsEncoder::message(const news::Refused& refused, std::string_view s
     out.set(tag::exec_type, "8");
     out.set(tag::order_status, "8");
     out.set(tag::reject_reason, refused.code == request::other_request ? "6" : "99");
-    out.set(tag::filled_all, "0");
-    out.set(tag::average_price, "0");
-    out.set(tag::left, "0");
+    set_nothing_filled(out);
   } else if (is_change) {
     out.set(tag::order, "NONE");
     out.set(tag::id, id);
@@ -310,28 +307,26 @@ FixMessage NewsEncoder::message(const news::Refused& refused, std::string_view s
     out.set(tag::business_reference, id);
     out.set(tag::business_reason, "0");
   }
-  set_if(out.fields, tag::text, refused.text);
+  out.set(tag::text, refused.text);
   out.set(tag::request_code, code_text(refused.code));
   return out;
 }
 
 FixMessage NewsEncoder::message(const news::Told& told, std::string_view) const {
-  FixMessage out = begin("8");
+  FixMessage out{.type = "8"};
   out.set(tag::order, "NONE");
   out.set(tag::id, shown_id(told.id_text, told.id));
   out.set(tag::execution, "0");
   out.set(tag::exec_type, "I");
   out.set(tag::order_status, std::string{wire::letter_of(told.state)});
-  out.set(tag::filled_all, "0");
-  out.set(tag::average_price, "0");
-  out.set(tag::left, "0");
+  set_nothing_filled(out);
   out.set(tag::request_state, code_text(told.state));
   set_number(out, tag::executed_lots, told.lots);
   return out;
 }
 
 FixMessage NewsEncoder::message(const news::Fills& fills, std::string_view) const {
-  FixMessage out = begin("UX");
+  FixMessage out{.type = "UX"};
   out.set(tag::last_fragment, flag_text(fills.last));
   out.set(tag::complete, flag_text(fills.complete));
   FixGroup group{tag::fills, {}};
@@ -356,11 +351,11 @@ FixMessage NewsEncoder::message(const news::Fills& fills, std::string_view) cons
 
 FixMessage NewsEncoder::message(const news::Summary& news, std::string_view stamp) const {
   const AccountSummary& summary = news.summary;
-  FixMessage out = begin("BA");
+  FixMessage out{.type = "BA"};
   out.set(tag::collateral_report, "0");
   if (!stamp.empty()) out.set(tag::collateral_inquiry, std::string{stamp});
   out.set(tag::collateral_status, "3");
-  set_if(out.fields, tag::currency, news.info.currency);
+  out.set(tag::currency, news.info.currency);
   set_number(out, tag::balance, summary.balance);
   set_number(out, tag::equity, summary.equity);
   set_number(out, tag::free_margin, summary.free_margin);
@@ -369,7 +364,7 @@ FixMessage NewsEncoder::message(const news::Summary& news, std::string_view stam
   set_number(out, tag::used_margin, summary.shown_used_margin());
   set_number(out, tag::margin_level, summary.margin_level);
   set_number(out, tag::leverage, news.info.leverage);
-  set_if(out.fields, tag::holder, news.info.name);
+  out.set(tag::holder, news.info.name);
   out.set(tag::owned, flag_text(news.owned));
   out.set(tag::era, std::to_string(news.era));
   set_number(out, tag::smallest_lots, news.lots.minimum);
@@ -379,7 +374,7 @@ FixMessage NewsEncoder::message(const news::Summary& news, std::string_view stam
 
 FixMessage NewsEncoder::message(const news::Offer& offer, std::string_view) const {
   const Requote& requote = offer.requote;
-  FixMessage out = begin("S");
+  FixMessage out{.type = "S"};
   const std::string number = std::to_string(requote.order);
   out.set(tag::quote, number);
   out.set(tag::order, number);
@@ -395,7 +390,7 @@ FixMessage NewsEncoder::message(const news::Offer& offer, std::string_view) cons
 }
 
 FixMessage NewsEncoder::message(const news::Time& time, std::string_view) const {
-  FixMessage out = begin("UT");
+  FixMessage out{.type = "UT"};
   out.set(tag::transact_time, wire_time(time.time));
   return out;
 }
