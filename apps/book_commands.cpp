@@ -111,6 +111,7 @@ int RowsRun::run(const Book& book, Label& button) {
   act.with("symbol", arguments_.symbol)
       .with("numbers", arguments_.numbers)
       .with("accounts", arguments_.accounts);
+  context_.main().sessions().admission().override_limits(arguments_.over_limits);
   if (const auto repeated = act.repeated(arguments_.requote)) return *repeated;
   const bool everybody = context_.tell_unconnected(arguments_.accounts) == 0;
   std::vector<Asked> all;
@@ -127,7 +128,6 @@ int RowsRun::run(const Book& book, Label& button) {
       return exit_status::usage;
     }
   }
-  context_.main().sessions().admission().override_limits(arguments_.over_limits);
   button.click();
   context_.refuse_held();
   run_answering(context_, arguments_.requote, [&] {

@@ -117,6 +117,7 @@ int modify_command(CommandContext& context, const ModifyArguments& arguments) {
   NamedAct act{context, arguments.id, "modify " + std::to_string(arguments.number)};
   for (const auto* price : {&arguments.price, &arguments.stop_loss, &arguments.take_profit})
     act.with("price", !*price ? "as before" : **price == "none" ? "none" : number_text(read_number(**price)));
+  context.main().sessions().admission().override_limits(arguments.over_limits);
   if (const auto repeated = act.repeated(RequoteReply::reject)) return *repeated;
   if (const std::size_t found = open(context.main(), arguments.number); found != 1) {
     context.console().fail("{} has the order or ticket {}; nothing is changed",
@@ -136,7 +137,6 @@ int modify_command(CommandContext& context, const ModifyArguments& arguments) {
   retype(form.txtatprice, arguments.price);
   retype(form.txtsl, arguments.stop_loss);
   retype(form.txttp, arguments.take_profit);
-  context.main().sessions().admission().override_limits(arguments.over_limits);
   form.cmdsubmitlimiorder.click();
   context.refuse_held();
   const RequestsReport report = stops ? RequestsReport{context, RequestKind::stops, "ticket", "positions"}

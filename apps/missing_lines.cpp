@@ -10,6 +10,7 @@
 #include "apps/journal_anchor.h"
 #include "core/file_writer.h"
 #include "core/lines_from_end.h"
+#include "core/numbers.h"
 #include "core/time_texts.h"
 #include "views/history_line.h"
 
@@ -53,15 +54,28 @@ tl::expected<std::vector<ToldLine>, FileError> lines_since(const std::filesystem
   return out;
 }
 
-// Takes the line that tells of it out, if there is one. One that names the order is no other's, whatever the
-// clock and its zone were when it was written.
+// Seconds since the quarter of an hour of a time as the journal writes it: zones differ by whole ones.
+int within_quarter(std::string_view time) {
+  constexpr std::size_t minutes = 14, seconds = 17;  // places in "yyyy-mm-dd hh:nn:ss"
+  constexpr int quarter = 15;
+  if (time.size() < seconds + 2) return -1;
+  return read_integer(time.substr(minutes, 2)) % quarter * 60 + read_integer(time.substr(seconds, 2));
+}
+
+// Takes the line that tells of it out, if there is one. One that names the order may have been written by the
+// clock of another zone.
 bool take_line(const Expected& expected, std::vector<ToldLine>& lines, const Clock& clock) {
   const std::string from = journal_time(clock, expected.event.time);
   const std::string until = journal_time(clock, expected.event.time + handler_takes);
   const std::string number = std::to_string(expected.event.order);
+  const auto elsewhere = [&](const ToldLine& each) {
+    constexpr int quarter = 900;
+    const int later = (within_quarter(each.time) - within_quarter(from) + quarter) % quarter;
+    return expected.event.order != 0 && each.text.find(number) != std::string::npos &&
+           std::chrono::seconds{later} <= handler_takes;
+  };
   const auto line = std::find_if(lines.begin(), lines.end(), [&](const ToldLine& each) {
-    const bool named = expected.event.order != 0 && each.text.find(number) != std::string::npos;
-    return (named || (each.time >= from && each.time <= until)) &&
+    return (elsewhere(each) || (each.time >= from && each.time <= until)) &&
            std::any_of(expected.texts.begin(), expected.texts.end(),
                        [&](const std::string& text) { return plain_history_text(text) == each.text; });
   });

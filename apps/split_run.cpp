@@ -203,6 +203,7 @@ int SplitRun::run() {
   if (!known_arguments()) return exit_status::usage;
   if (arguments_.require_connected && !context_.all_connected(arguments_.accounts))
     return exit_status::some_refused;
+  main_.sessions().admission().override_limits(arguments_.over_limits);
   if (!arguments_.dry_run) {
     const auto repeated = named()
                               .with("symbol", arguments_.symbol)
@@ -213,7 +214,6 @@ int SplitRun::run() {
                               .repeated(requote());
     if (repeated) return *repeated;
   }
-  main_.sessions().admission().override_limits(arguments_.over_limits);
   controls_.rule.choose(arguments_.rule);
   controls_.symbol.choose(arguments_.symbol);
   controls_.amount.type(arguments_.amount);

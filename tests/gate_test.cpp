@@ -240,7 +240,8 @@ TEST_F(Gate, ClosesAndCancelsGoUnstoredByTheSecondKeyAlone) {
     if (!ends) continue;
     EXPECT_EQ(admission.held()[0].text(),
               "account 81: the ledger can't store it, so nothing would know of it after a crash");
-    EXPECT_EQ(rig.sessions.close_awaited(13, 81), sent.kind == RequestKind::close) << "no second one is sent";
+    const bool awaited = rig.sessions.close_awaited(13, 81);
+    EXPECT_TRUE(awaited || sent.kind == RequestKind::cancel) << "nothing is sent twice";
     rig.take();
     const std::size_t stored = rig.ledger.stored.size();
     rig.sessions.send_held(admission.held()[0].number, "seen");

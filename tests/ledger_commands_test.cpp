@@ -158,9 +158,9 @@ TEST_F(Ledgers, GoOnWithANamedActAndSendNothingTwice) {
     EXPECT_NE(rig.err.find("another plan before, ticket 1"), std::string::npos) << rig.err;
   }
   // The same plan in other words; one of the two had come to the server after all, which knows it by its id.
-  EXPECT_EQ(
-      rig.run("order --buy EURUSD --amount 0.90 --rule equal --accounts 500103,500101,500102 --id morning --override seen"),
-      0)
+  EXPECT_EQ(rig.run("order --buy EURUSD --amount 0.90 --rule equal --accounts 500103,500101,500102 --id "
+                    "morning --override seen"),
+            0)
       << rig.out << rig.err;
   EXPECT_NE(rig.err.find("2 of its 3 requests were sent now"), std::string::npos) << rig.err;
   EXPECT_EQ(ask(by_ticket), (Texts{"1|open|EURUSD|buy|3|FILLED"}));
