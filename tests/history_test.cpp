@@ -22,7 +22,8 @@ struct Histories : ::testing::Test {
   // The messages of a history, oldest first.
   Texts messages(int account) const {
     Texts out;
-    for (const std::string_view line : split(rig.home.read(file_of(account)), "\n"))
+    const std::string history = rig.home.read(file_of(account));
+    for (const std::string_view line : split(history, "\n"))
       if (!line.empty()) out.emplace_back(line.substr(line.find("*,%$") + 4));
     return out;
   }
@@ -30,7 +31,8 @@ struct Histories : ::testing::Test {
   // Takes lines that hold this text out of a history, as by hand.
   void take_out(int account, const std::string& text) const {
     std::string left;
-    for (const std::string_view line : split(rig.home.read(file_of(account)), "\n"))
+    const std::string history = rig.home.read(file_of(account));
+    for (const std::string_view line : split(history, "\n"))
       if (!line.empty() && line.find(text) == std::string_view::npos) left += std::string{line} + "\n";
     rig.home.write(file_of(account), left);
   }

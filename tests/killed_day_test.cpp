@@ -58,8 +58,8 @@ struct Day {
     Texts out;
     for (const auto& file : std::filesystem::directory_iterator{rig.home.path() / "History"}) {
       std::set<std::string> told;
-      for (const std::string_view line :
-           split(rig.home.read("History/" + file.path().filename().string()), "\n"))
+      const std::string history = rig.home.read("History/" + file.path().filename().string());
+      for (const std::string_view line : split(history, "\n"))
         history_line::take_apart(line, [&](std::string_view time, std::string_view message) {
           const std::string text = told_line(time, message).text;
           const bool numbered = text.starts_with("Order #") || text.starts_with("Order number #") ||
