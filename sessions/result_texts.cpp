@@ -202,19 +202,21 @@ std::string_view type_word(Operation operation) {
 }
 
 std::string market_details(Operation side, double lots, std::string_view symbol) {
-  return fmt::format("[{} {} {}]", buys(side) ? "BUY" : "SELL", number_text(lots), symbol);
+  return fmt::format("{} {} {}", buys(side) ? "BUY" : "SELL", number_text(lots), symbol);
 }
 
 std::string entry_details(Operation side, double lots, std::string_view symbol) {
-  return fmt::format("[{} {} {}]", buy_or_sell(side), number_text(lots), symbol);
+  return fmt::format("{} {} {}", buy_or_sell(side), number_text(lots), symbol);
 }
 
 std::string accepted_line(std::int64_t order, std::string_view details) {
-  return fmt::format("Order #{}{}{} has been accepted", order, details.empty() ? "" : " ", details);
+  if (details.empty()) return fmt::format("Order #{} has been accepted", order);
+  return fmt::format("Order #{} [{}", order, details) + "] has been accepted";
 }
 
 std::string executed_line(std::int64_t order, std::string_view details) {
-  return fmt::format("Entry Order {}{}{} has been executed", order, details.empty() ? "" : " ", details);
+  if (details.empty()) return fmt::format("Entry Order {} has been executed", order);
+  return fmt::format("Entry Order {} [{}", order, details) + "] has been executed";
 }
 
 std::string request_words(RequestKind kind, Operation side, double lots, std::string_view symbol,
