@@ -19,7 +19,7 @@ std::string_view delete_entry(ResultCode code);
 std::string_view new_entry(ResultCode code);
 std::string_view update_entry(ResultCode code);
 std::string_view new_stops(ResultCode code);
-// "[BUY 0.5 EURUSD]" of a market order, "[buy 0.5 EURUSD]" of an entry order.
+// "BUY 0.5 EURUSD" of a market order, "buy 0.5 EURUSD" of an entry order.
 std::string market_details(Operation side, double lots, std::string_view symbol);
 std::string entry_details(Operation side, double lots, std::string_view symbol);
 // Journal lines of an executed order; without the details they tell only which one it is.
